@@ -1,0 +1,107 @@
+#pragma once
+
+/// @file
+/// For tests that need a process of their own: other rights, other limits, another locale. Only
+/// systems with fork() have it; tests on others skip where `can_fork` is false.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+
+#if __has_include(<sys/wait.h>)
+#include <grp.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
+
+namespace trv::testing {
+
+#if __has_include(<sys/wait.h>)
+
+inline constexpr bool can_fork = true;
+
+/// Runs `work` in a child process. Its expectations print as usual; the answer is whether all of
+/// them held and the child ended by itself.
+inline bool passesInChild(const std::function<void()>& work) {
+    constexpr unsigned patience = 200;
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == -1) return false;
+    if (child == 0) {
+        alarm(patience);
+        try {
+            work();
+        } catch (...) {
+            ADD_FAILURE() << "an exception left the child's work";
+        }
+        std::fflush(nullptr);
+        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child) return false;
+    if (WIFSIGNALED(status)) ADD_FAILURE() << "the child ended by signal " << WTERMSIG(status);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+/// Sets an environment variable. For child processes.
+inline bool setEnvironment(const char* name, const char* value) {
+    return setenv(name, value, 1) == 0;
+}
+
+/// Gives up the rights of user 0, to whom nothing is forbidden. For child processes.
+inline bool becomeOrdinaryUser() {
+    constexpr unsigned nobody = 65534;
+    if (getuid() != 0) return true;
+    return setgroups(0, nullptr) == 0 && setgid(nobody) == 0 && setuid(nobody) == 0;
+}
+
+/// From here on no file grows beyond `bytes`: writing more fails with EFBIG. For child processes.
+inline bool limitFileSize(std::uint64_t bytes) {
+    const rlimit limit = {bytes, bytes};
+    return std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
+}
+
+/// From here on no file opens: every descriptor that is left is taken. For child processes.
+inline bool exhaustDescriptors() {
+    const rlimit limit = {0, 0};
+    return setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
+#else
+
+inline constexpr bool can_fork = false;
+
+inline bool passesInChild(const std::function<void()>&) {
+    return false;
+}
+inline bool setEnvironment(const char*, const char*) {
+    return false;
+}
+inline bool becomeOrdinaryUser() {
+    return false;
+}
+inline bool limitFileSize(std::uint64_t) {
+    return false;
+}
+inline bool exhaustDescriptors() {
+    return false;
+}
+
+#endif
+
+/// How many file descriptors this process holds, or -1 where the system does not tell.
+inline std::ptrdiff_t openDescriptors() {
+    std::error_code error;
+    std::filesystem::directory_iterator entries("/proc/self/fd", error);
+    return error ? -1 : std::distance(begin(entries), end(entries));
+}
+
+}  // namespace trv::testing

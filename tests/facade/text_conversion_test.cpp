@@ -1,0 +1,118 @@
+#include <tests/common/child_process.h>
+#include <tests/common/host_locale.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/support/platform.h>
+
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+using namespace std::string_literals;
+using trv::fromNarrow;
+using trv::fromWide;
+using trv::isOpenable;
+using trv::nativePath;
+using trv::systemPath;
+using trv::toNarrow;
+using trv::toWide;
+
+namespace {
+
+bool onWindows() {
+    return trv::platform::backslash_separates();
+}
+
+QString wide(const std::wstring& text) {
+    return QString::fromStdWString(text);
+}
+
+}  // namespace
+
+TEST(TextConversion, TakesANullPointerForAnEmptyText) {
+    EXPECT_TRUE(fromNarrow(nullptr).isEmpty());
+    EXPECT_TRUE(fromNarrow("").isEmpty());
+    EXPECT_TRUE(fromNarrow(""s).isEmpty());
+    EXPECT_TRUE(fromWide(L"").isEmpty());
+    EXPECT_EQ(toNarrow(QString()), "");
+    EXPECT_EQ(toWide(QString()), L"");
+}
+
+TEST(TextConversion, EndsNarrowTextAtItsFirstZero) {
+    EXPECT_EQ(fromNarrow("ab\0cd"s), wide(L"ab"));
+    EXPECT_TRUE(fromNarrow("\0cd"s).isEmpty());
+    EXPECT_EQ(toNarrow(wide(L"ab\0cd"s)), "ab");
+    EXPECT_EQ(toNarrow(wide(L"\0cd"s)), "");
+}
+
+TEST(TextConversion, KeepsTheZerosOfWideText) {
+    EXPECT_EQ(fromWide(L"ab\0cd"s).size(), 5);
+    EXPECT_EQ(toWide(fromWide(L"ab\0cd"s)), L"ab\0cd"s);
+    EXPECT_EQ(toWide(fromWide(L"\0"s)), L"\0"s);
+}
+
+TEST(TextConversion, KeepsCharactersOfEveryKindInWideText) {
+    const std::wstring text = L"a\u00E4\u4E2D\uFFFD\U0001F527\U0010FFFD\x1\x7F";
+    EXPECT_EQ(toWide(fromWide(text)), text);
+    EXPECT_EQ(fromWide(L"\U0001F527").size(), 2);
+}
+
+TEST(TextConversion, BearsUnitsThatAreNoCharacters) {
+    for (const wchar_t unit : {L'\xD800', L'\xDFFF', L'\xFFFF', std::numeric_limits<wchar_t>::max(),
+                               std::numeric_limits<wchar_t>::min()}) {
+        const std::wstring text = L"a" + std::wstring(2, unit) + L"b";
+        EXPECT_EQ(toWide(fromWide(text)).front(), L'a');
+        EXPECT_EQ(toWide(fromWide(text)).back(), L'b');
+        EXPECT_EQ(toNarrow(fromWide(text)).front(), 'a');
+    }
+}
+
+TEST(TextConversion, TakesNarrowTextForUtf8OnPosix) {
+    if (onWindows()) GTEST_SKIP() << "Windows has code pages";
+    EXPECT_EQ(fromNarrow("\xC3\xA4\xF0\x9F\x94\xA7"), wide(L"\u00E4\U0001F527"));
+    EXPECT_EQ(toNarrow(wide(L"\u00E4\U0001F527")), "\xC3\xA4\xF0\x9F\x94\xA7");
+    EXPECT_EQ(fromNarrow("a\xE4z"), wide(L"a\uFFFDz"));
+    EXPECT_EQ(fromNarrow("a\xE4z"s), wide(L"a\uFFFDz"));
+}
+
+TEST(TextConversion, TakesNarrowTextForUtf8InEveryLocaleOfPosix) {
+    if (!trv::testing::can_fork) GTEST_SKIP() << "needs a child process";
+    const trv::testing::HostLocale german("ISO-8859-1");
+    if (!german.exists()) GTEST_SKIP() << "localedef cannot compile a locale here";
+    for (const bool withApplication : {false, true}) {
+        EXPECT_TRUE(trv::testing::passesInChild([&] {
+            ASSERT_TRUE(german.adopt());
+            int count = 0;
+            if (withApplication) new QCoreApplication(count, nullptr);
+            EXPECT_EQ(fromNarrow("\xC3\xA4"), wide(L"\u00E4"));
+            EXPECT_EQ(toNarrow(wide(L"\u00E4\u4E2D")), "\xC3\xA4\xE4\xB8\xAD");
+            EXPECT_EQ(systemPath(wide(L"\u00E4")).string(), "\xC3\xA4");
+        })) << withApplication;
+    }
+}
+
+TEST(TextConversion, TurnsBackslashesOfPathsWherePosixNeedsIt) {
+    const QString path = wide(L"\\a\\b/c\\\\d");
+    EXPECT_EQ(nativePath(path), onWindows() ? path : wide(L"/a/b/c//d"));
+    EXPECT_EQ(nativePath(wide(L"C:\\x")), onWindows() ? wide(L"C:\\x") : wide(L"C:/x"));
+    EXPECT_TRUE(nativePath(QString()).isEmpty());
+    EXPECT_EQ(nativePath(wide(L"$X ?L ~ \u00E4")), wide(L"$X ?L ~ \u00E4"));
+}
+
+TEST(TextConversion, DoesNotOpenAPathThatIsEmptyOrHoldsAZero) {
+    EXPECT_TRUE(isOpenable(wide(L"a")));
+    EXPECT_TRUE(isOpenable(wide(L" ")));
+    EXPECT_FALSE(isOpenable(QString()));
+    EXPECT_FALSE(isOpenable(wide(L"")));
+    EXPECT_FALSE(isOpenable(wide(L"a\0b"s)));
+    EXPECT_FALSE(isOpenable(wide(L"a\0"s)));
+    EXPECT_FALSE(isOpenable(wide(L"\0"s)));
+}
+
+TEST(TextConversion, GivesThePathThatTheSystemTakes) {
+    EXPECT_EQ(systemPath(wide(L"/a/b.c")), std::filesystem::path("/a/b.c"));
+    EXPECT_EQ(systemPath(wide(L"\u00E4 \U0001F527")).u8string(), "\xC3\xA4 \xF0\x9F\x94\xA7");
+    if (onWindows()) GTEST_SKIP() << "the rest holds for POSIX";
+    EXPECT_EQ(systemPath(wide(L"a\\b")).string(), "a/b");
+}

@@ -1,0 +1,68 @@
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/support/platform.h>
+
+#include <QFile>
+
+#include <cstring>
+#include <type_traits>
+
+namespace trv {
+namespace {
+
+int lengthToZero(const char* text, std::size_t longest) {
+    const void* zero = std::memchr(text, 0, longest);
+    return static_cast<int>(zero == nullptr
+                                ? longest
+                                : static_cast<std::size_t>(static_cast<const char*>(zero) - text));
+}
+
+QString decode(const char* text, int length) {
+    return platform::narrow_text_is_utf8() ? QString::fromUtf8(text, length)
+                                           : QString::fromLocal8Bit(text, length);
+}
+
+}  // namespace
+
+QString fromNarrow(const char* text) {
+    return text == nullptr ? QString() : decode(text, static_cast<int>(std::strlen(text)));
+}
+
+QString fromNarrow(const std::string& text) {
+    return decode(text.data(), lengthToZero(text.data(), text.size()));
+}
+
+QString fromWide(const std::wstring& text) {
+    return QString::fromStdWString(text);
+}
+
+std::string toNarrow(const QString& text) {
+    const QByteArray bytes = platform::narrow_text_is_utf8() ? text.toUtf8() : text.toLocal8Bit();
+    return std::string(bytes.constData(),
+                       static_cast<std::size_t>(lengthToZero(
+                           bytes.constData(), static_cast<std::size_t>(bytes.size()))));
+}
+
+std::wstring toWide(const QString& text) {
+    return text.toStdWString();
+}
+
+QString nativePath(const QString& path) {
+    if (platform::backslash_separates()) return path;
+    QString native = path;
+    return native.replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+bool isOpenable(const QString& path) {
+    return !path.isEmpty() && !path.contains(QChar(0));
+}
+
+std::filesystem::path systemPath(const QString& path) {
+    const QString native = nativePath(path);
+    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
+        return std::filesystem::path(QFile::encodeName(native).toStdString());
+    } else {
+        return std::filesystem::path(native.toStdWString());
+    }
+}
+
+}  // namespace trv

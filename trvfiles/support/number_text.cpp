@@ -1,0 +1,123 @@
+#include <trvfiles/support/number_text.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+// Room for the longest text of a double with six decimals: sign, 309 digits, point, decimals.
+constexpr std::size_t longest_fixed_text = 1 + 309 + 1 + 6;
+
+constexpr std::string_view white_space = " \t\n\v\f\r";
+
+bool is_hexadecimal_digit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool starts_hexadecimal(std::string_view text) {
+    if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
+    if (text[2] == '.') return text.size() > 3 && is_hexadecimal_digit(text[3]);
+    return is_hexadecimal_digit(text[2]);
+}
+
+long long exponent_of(std::string_view digits) {
+    constexpr long long beyond_every_mantissa = std::numeric_limits<long long>::max() / 4;
+    const bool negative = !digits.empty() && digits.front() == '-';
+    if (!digits.empty() && (negative || digits.front() == '+')) digits.remove_prefix(1);
+    long long exponent = 0;
+    const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+    if (end.ec == std::errc::result_out_of_range) exponent = beyond_every_mantissa;
+    exponent = std::min(exponent, beyond_every_mantissa);
+    return negative ? -exponent : exponent;
+}
+
+// Whether a number that does not fit a double is too large rather than too small: its first digit
+// other than 0, with the exponent applied, stands before the point.
+bool is_too_large(std::string_view number, bool hexadecimal) {
+    const std::size_t mark = number.find_first_of(hexadecimal ? "pP" : "eE");
+    const std::string_view mantissa = number.substr(0, mark);
+    const std::size_t first = mantissa.find_first_not_of("0.");
+    if (first == std::string_view::npos) return false;
+    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+    const auto places = static_cast<long long>(point) - static_cast<long long>(first);
+    const long long exponent =
+        mark == std::string_view::npos ? 0 : exponent_of(number.substr(mark + 1));
+    return places * (hexadecimal ? 4 : 1) + exponent > 0;
+}
+
+}  // namespace
+
+void append_fixed(std::string& text, double value, int width) {
+    char digits[longest_fixed_text];
+    // A NaN may carry a sign, which is not shown.
+    const double shown = std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
+    const char* end =
+        std::to_chars(digits, digits + sizeof digits, shown, std::chars_format::fixed, 6).ptr;
+    const auto length = static_cast<std::size_t>(end - digits);
+    const auto columns = static_cast<std::size_t>(std::max(width, 0));
+    if (length < columns) text.append(columns - length, ' ');
+    text.append(digits, length);
+}
+
+void append_decimal(std::string& text, int value) {
+    char digits[std::numeric_limits<int>::digits10 + 2];
+    text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+void skip_white_space(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(white_space), text.size()));
+}
+
+bool scan_number(std::string_view& text, double& value) {
+    std::string_view rest = text;
+    skip_white_space(rest);
+    const bool negative = !rest.empty() && rest.front() == '-';
+    if (!rest.empty() && (negative || rest.front() == '+')) rest.remove_prefix(1);
+    // The conversion below would take a second sign.
+    if (!rest.empty() && rest.front() == '-') return false;
+    const bool hexadecimal = starts_hexadecimal(rest);
+    if (hexadecimal) rest.remove_prefix(2);
+
+    double magnitude = 0;
+    const std::from_chars_result result =
+        std::from_chars(rest.data(), rest.data() + rest.size(), magnitude,
+                        hexadecimal ? std::chars_format::hex : std::chars_format::general);
+    if (result.ec == std::errc::invalid_argument) return false;
+    const auto length = static_cast<std::size_t>(result.ptr - rest.data());
+    if (result.ec == std::errc::result_out_of_range) {
+        magnitude = is_too_large(rest.substr(0, length), hexadecimal)
+                        ? std::numeric_limits<double>::infinity()
+                        : 0.0;
+    }
+    value = negative ? -magnitude : magnitude;
+    text = rest.substr(length);
+    return true;
+}
+
+bool scan_decimal(std::string_view& text, int& value) {
+    std::string_view rest = text;
+    skip_white_space(rest);
+    const bool negative = !rest.empty() && rest.front() == '-';
+    if (!rest.empty() && rest.front() == '+') {
+        rest.remove_prefix(1);
+        if (!rest.empty() && rest.front() == '-') return false;
+    }
+    int read = 0;
+    const std::from_chars_result result =
+        std::from_chars(rest.data(), rest.data() + rest.size(), read);
+    if (result.ec == std::errc::invalid_argument) return false;
+    if (result.ec == std::errc::result_out_of_range) {
+        read = negative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+    }
+    value = read;
+    text = rest.substr(static_cast<std::size_t>(result.ptr - rest.data()));
+    return true;
+}
+
+}  // namespace trv
