@@ -1,0 +1,56 @@
+#pragma once
+
+#include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace trv::testing {
+
+using Components = std::vector<CTrvAssemblyComponentData>;
+
+/// A component with the identity placement and a geometry file, as long as the name is not empty.
+inline CTrvAssemblyComponentData leaf(std::string fileName) {
+    CTrvAssemblyComponentData component;
+    component.setGeometryFileName(std::move(fileName));
+    return component;
+}
+
+/// A component without a geometry file over some children.
+inline CTrvAssemblyComponentData group(Components children) {
+    CTrvAssemblyComponentData component;
+    component.setComponents(std::move(children));
+    return component;
+}
+
+inline CTrvAssemblyComponentData named(std::string name, CTrvAssemblyComponentData component = {}) {
+    component.setName(std::move(name));
+    return component;
+}
+
+inline CTrvAssemblyComponentData moved(double x, double y, double z,
+                                       CTrvAssemblyComponentData component = {}) {
+    const double translation[3] = {x, y, z};
+    component.setTranslation(translation);
+    return component;
+}
+
+/// Makes `parent` the only parent of `child`.
+inline CTrvAssemblyComponentData over(CTrvAssemblyComponentData child,
+                                      CTrvAssemblyComponentData parent = {}) {
+    Components children;
+    children.push_back(std::move(child));
+    parent.setComponents(std::move(children));
+    return parent;
+}
+
+/// `levels` components one above the other, each moved by 1 along x, over `bottom`.
+inline CTrvAssemblyComponentData chain(std::size_t levels, CTrvAssemblyComponentData bottom) {
+    for (; levels > 0; --levels)
+        bottom = over(std::move(bottom), moved(1, 0, 0));
+    return bottom;
+}
+
+}  // namespace trv::testing

@@ -1,0 +1,34 @@
+#include <trvfiles/assembly/CComponentInfo.h>
+#include <trvfiles/assembly/vector3.h>
+
+#include <utility>
+
+CComponentInfo::CComponentInfo(std::string fileName, const double vec1[3], const double vec2[3],
+                               const double vec3[3], const double translation[3])
+    : fileName_(std::move(fileName)) {
+    trv::copyVector(translation, translation_);
+    trv::copyVector(vec1, vec1_);
+    trv::copyVector(vec2, vec2_);
+    trv::copyVector(vec3, vec3_);
+}
+
+CComponentInfo::CComponentInfo(const CComponentInfo& other) = default;
+CComponentInfo::CComponentInfo(CComponentInfo&& other) noexcept = default;
+CComponentInfo& CComponentInfo::operator=(const CComponentInfo& other) = default;
+CComponentInfo& CComponentInfo::operator=(CComponentInfo&& other) noexcept = default;
+CComponentInfo::~CComponentInfo() = default;
+
+void CComponentInfo::getTranslation(const double*& translation) const {
+    translation = translation_;
+}
+
+void CComponentInfo::getOrientation(const double*& vec1, const double*& vec2,
+                                    const double*& vec3) const {
+    vec1 = vec1_;
+    vec2 = vec2_;
+    vec3 = vec3_;
+}
+
+std::string CComponentInfo::getFileName() const {
+    return fileName_;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+/// @file
+/// One entry of a flattened assembly.
+
+#include <trvfiles/export.h>
+
+#include <string>
+
+/// A geometry file with its final placement: one entry of the list that flattening an assembly
+/// gives. Made by its constructor alone and not changed afterwards, except by assignment.
+///
+/// Threads: const operations may run at once on one object.
+class TRV_EXPORT CComponentInfo {
+public:
+    /// Copies twelve numbers and takes the name. A null pointer gives zeros.
+    ///
+    /// @param fileName  the geometry file's name as the component stores it, no directory joined
+    /// @param vec1, vec2, vec3  three numbers each: the final images of the x, y and z axes
+    /// @param translation  three numbers: the final origin, in the project's length unit
+    CComponentInfo(std::string fileName, const double vec1[3], const double vec2[3],
+                   const double vec3[3], const double translation[3]);
+
+    CComponentInfo(const CComponentInfo& other);
+    CComponentInfo(CComponentInfo&& other) noexcept;
+    CComponentInfo& operator=(const CComponentInfo& other);
+    CComponentInfo& operator=(CComponentInfo&& other) noexcept;
+    ~CComponentInfo();
+
+    /// Points `translation` at this entry's own three numbers, valid while the entry lives.
+    void getTranslation(const double*& translation) const;
+
+    /// Points the three arguments at this entry's own axis vectors of three numbers each, valid
+    /// while the entry lives.
+    void getOrientation(const double*& vec1, const double*& vec2, const double*& vec3) const;
+
+    /// A copy of the geometry file's name.
+    std::string getFileName() const;
+
+private:
+    double translation_[3] = {0, 0, 0};
+    double vec1_[3] = {0, 0, 0};
+    double vec2_[3] = {0, 0, 0};
+    double vec3_[3] = {0, 0, 0};
+    std::string fileName_;
+};

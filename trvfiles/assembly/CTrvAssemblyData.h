@@ -1,0 +1,62 @@
+#pragma once
+
+/// @file
+/// A whole assembly: its overall size and its root component.
+
+#include <trvfiles/assembly/CComponentInfo.h>
+#include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/export.h>
+
+#include <memory>
+#include <vector>
+
+/// An assembly: how a set-up is put together from geometry files.
+///
+/// A plain value. A default-made assembly has the dimension 0, 0, 0 and a default-made root; a
+/// moved-from one reads like that too. A null pointer in place of three numbers leaves both sides
+/// as they are.
+///
+/// Threads: const operations may run at once on one object; anything else needs it alone.
+class TRV_EXPORT CTrvAssemblyData {
+public:
+    CTrvAssemblyData();
+    CTrvAssemblyData(const CTrvAssemblyData& other);
+    CTrvAssemblyData(CTrvAssemblyData&& other) noexcept;
+    CTrvAssemblyData& operator=(const CTrvAssemblyData& other);
+    CTrvAssemblyData& operator=(CTrvAssemblyData&& other) noexcept;
+    ~CTrvAssemblyData();
+
+    /// The overall size along x, y and z: three numbers, in the project's length unit, copied.
+    void getDimension(double dimension[3]) const;
+    void setDimension(const double dimension[3]);
+
+    /// The root of the tree, to be read or edited in place; valid while the assembly lives and is
+    /// neither assigned to nor moved from.
+    const CTrvAssemblyComponentData& getRootComponent() const;
+    CTrvAssemblyComponentData& getRootComponent();
+
+    /// Assigns a copy of `component` over the root. The root itself, or a part of its tree, may be
+    /// given.
+    void setRootComponent(const CTrvAssemblyComponentData& component);
+
+    /// Equality: the squared distance of the dimensions is at most 1e-6 and the roots are equal. A
+    /// NaN in a dimension never makes a difference.
+    bool operator==(const CTrvAssemblyData& other) const;
+    bool operator!=(const CTrvAssemblyData& other) const;
+
+    /// The root's count of geometry files; a file of the root itself does not count.
+    unsigned long long getComponentNumber() const;
+
+    /// The flattened tree: one entry a placed geometry file, in world coordinates. The root's own
+    /// placement applies to every entry.
+    std::vector<CComponentInfo> getComponentFileList() const;
+
+private:
+    struct Body;
+
+    const Body& body() const;
+    Body& ownBody();
+
+    // Absent in a moved-from assembly alone.
+    std::unique_ptr<Body> body_;
+};
