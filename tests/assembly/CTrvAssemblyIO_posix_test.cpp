@@ -1,0 +1,115 @@
+// Ways to fail that only POSIX systems can provoke without help.
+
+#include <tests/assembly/assembly_samples.h>
+#include <tests/common/child_process.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <trvfiles/assembly/CTrvAssemblyIO.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+namespace {
+
+using trv::testing::assemblyOf;
+using trv::testing::bytesOf;
+using trv::testing::leaf;
+using trv::testing::openDescriptors;
+using trv::testing::passesInChild;
+
+CTrvAssemblyData part() {
+    return assemblyOf(leaf("part", "part.stl"));
+}
+
+TEST(AssemblyFileOnPosix, GivesAShortWriteOnAFullDevice) {
+    EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"/dev/full", part()), eFileIOShortWrite);
+}
+
+TEST(AssemblyFileOnPosix, GivesAShortWriteWhereTheDiskFillsUpAtAnyByte) {
+    const trv::testing::TemporaryDirectory directory;
+    const std::string path = (directory / "a.xml").string();
+    CQvFilesIO facade(directory.text());
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", part()), eFileIOSuccess);
+    const std::string whole = bytesOf(path);
+    for (std::size_t room = 0; room <= whole.size(); ++room) {
+        ASSERT_TRUE(passesInChild([&] {
+            ASSERT_TRUE(trv::testing::limitFileSize(room));
+            EXPECT_EQ(facade.writeTrvAssembly("a.xml", part()),
+                      room < whole.size() ? eFileIOShortWrite : eFileIOSuccess);
+        })) << room;
+        ASSERT_EQ(bytesOf(path), whole.substr(0, room));
+    }
+}
+
+TEST(AssemblyFileOnPosix, GivesOpenErrorsWithoutPermission) {
+    const trv::testing::TemporaryDirectory directory;
+    std::filesystem::permissions(directory.path(), std::filesystem::perms::all);
+    CQvFilesIO facade(directory.text());
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", part()), eFileIOSuccess);
+    std::filesystem::permissions(directory / "a.xml", std::filesystem::perms::none);
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(trv::testing::becomeOrdinaryUser());
+        CTrvAssemblyData data;
+        EXPECT_EQ(facade.readTrvAssembly("a.xml", data), eFileIOOpenError);
+        EXPECT_EQ(facade.writeTrvAssembly("a.xml", part()), eFileIOOpenError);
+    }));
+}
+
+TEST(AssemblyFileOnPosix, LeavesNoDescriptorOpen) {
+    const trv::testing::TemporaryDirectory directory;
+    CQvFilesIO facade(directory.text());
+    CTrvAssemblyData data;
+    facade.writeTrvAssembly("a.xml", part());
+    trv::testing::writeBytes(directory / "broken.xml", "<a>");
+    const std::ptrdiff_t before = openDescriptors();
+    for (const char* name : {"a.xml", "broken.xml", "missing.xml", ""}) {
+        facade.readTrvAssembly(name, data);
+    }
+    for (const char* name : {"a.xml", "missing/a.xml", "", "/dev/full"}) {
+        facade.writeTrvAssembly(name, part());
+    }
+    facade.writeTrvAssembly("a.xml", CTrvAssemblyData());
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(AssemblyFileOnPosix, ReadsFromAPipe) {
+    const trv::testing::TemporaryDirectory directory;
+    CQvFilesIO facade(directory.text());
+    const CTrvAssemblyData deep = assemblyOf(trv::testing::chain(500));
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", deep), eFileIOSuccess);
+    ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
+    std::thread writer(
+        [&] { trv::testing::writeBytes(directory / "pipe", bytesOf(directory / "a.xml")); });
+    CTrvAssemblyData data;
+    EXPECT_EQ(facade.readTrvAssembly("pipe", data), eFileIOSuccess);
+    EXPECT_EQ(data, deep);
+    writer.join();
+}
+
+// Qt's own serialisation orders attributes by a hash that differs from process to process.
+TEST(AssemblyFileOnPosix, HasTheSameBytesInEveryProcess) {
+    const trv::testing::TemporaryDirectory directory;
+    trv::testing::RandomAssemblies assemblies(4);
+    const CTrvAssemblyData assembly = assemblies.next();
+    CQvFilesIO facade(directory.text());
+    for (const char* seed : {"1", "2", "12345"}) {
+        ASSERT_TRUE(passesInChild([&] {
+            ASSERT_TRUE(trv::testing::setEnvironment("QT_HASH_SEED", seed));
+            EXPECT_EQ(facade.writeTrvAssembly(("seed" + std::string(seed)).c_str(), assembly),
+                      eFileIOSuccess);
+        }));
+    }
+    const std::string bytes = bytesOf(directory / "seed1");
+    ASSERT_FALSE(bytes.empty());
+    EXPECT_EQ(bytesOf(directory / "seed2"), bytes);
+    EXPECT_EQ(bytesOf(directory / "seed12345"), bytes);
+}
+
+}  // namespace

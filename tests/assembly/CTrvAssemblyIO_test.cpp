@@ -1,0 +1,305 @@
+#include <tests/assembly/assembly_samples.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <trvfiles/assembly/CTrvAssemblyIO.h>
+#include <trvfiles/assembly/component_view.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/support/platform.h>
+
+#include <QDomImplementation>
+#include <QFile>
+#include <QString>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using trv::ComponentView;
+using trv::testing::assemblyOf;
+using trv::testing::bytesOf;
+using trv::testing::chain;
+using trv::testing::group;
+using trv::testing::leaf;
+using trv::testing::writeBytes;
+
+class AssemblyFile : public ::testing::Test {
+protected:
+    EFileIOStatus readBytes(const std::string& bytes) {
+        writeBytes(directory / "read.xml", bytes);
+        return facade.readTrvAssembly("read.xml", data);
+    }
+
+    std::string writtenBytes(const CTrvAssemblyData& assembly) {
+        EXPECT_EQ(facade.writeTrvAssembly("written.xml", assembly), eFileIOSuccess);
+        return bytesOf(directory / "written.xml");
+    }
+
+    trv::testing::TemporaryDirectory directory;
+    CQvFilesIO facade{directory.text()};
+    CTrvAssemblyData data;
+};
+
+CTrvAssemblyData vise() {
+    return assemblyOf(group("Setup", {leaf("Vise", "vise.stl"), leaf("Part", "part.stl")}),
+                      {100, 50, 20});
+}
+
+bool sameBits(const double* one, const double* other) {
+    for (int i = 0; i < 3; ++i) {
+        // -0 is written as 0.
+        const double a = one[i] + 0.0;
+        const double b = other[i] + 0.0;
+        if (std::memcmp(&a, &b, sizeof a) != 0) return false;
+    }
+    return true;
+}
+
+// A text as it comes back: bytes that are not UTF-8 do not survive.
+std::string readable(const std::string& text) {
+    return QString::fromUtf8(text.c_str()).toStdString();
+}
+
+void expectSameTree(const CTrvAssemblyComponentData& written,
+                    const CTrvAssemblyComponentData& read) {
+    const ComponentView one(written);
+    const ComponentView other(read);
+    EXPECT_EQ(readable(one.name), other.name);
+    EXPECT_EQ(readable(one.comment), other.comment);
+    EXPECT_EQ(readable(one.geometryFileName), other.geometryFileName);
+    EXPECT_EQ(one.enabled, other.enabled);
+    EXPECT_TRUE(sameBits(one.translation, other.translation));
+    EXPECT_TRUE(sameBits(one.vec1, other.vec1));
+    EXPECT_TRUE(sameBits(one.vec2, other.vec2));
+    EXPECT_TRUE(sameBits(one.vec3, other.vec3));
+    ASSERT_EQ(one.components.size(), other.components.size());
+    for (std::size_t i = 0; i < one.components.size(); ++i) {
+        expectSameTree(one.components[i], other.components[i]);
+    }
+}
+
+TEST_F(AssemblyFile, ReadsWhatWasWrittenToTheBit) {
+    trv::testing::RandomAssemblies assemblies(2);
+    for (int i = 0; i < 100; ++i) {
+        const CTrvAssemblyData written = assemblies.next();
+        ASSERT_EQ(facade.writeTrvAssembly("a.xml", written), eFileIOSuccess);
+        ASSERT_EQ(facade.readTrvAssembly("a.xml", data), eFileIOSuccess);
+        double size[2][3];
+        written.getDimension(size[0]);
+        data.getDimension(size[1]);
+        EXPECT_TRUE(sameBits(size[0], size[1]));
+        expectSameTree(written.getRootComponent(), data.getRootComponent());
+    }
+}
+
+TEST_F(AssemblyFile, ReadsWhatWasWrittenAsAnEqualRecord) {
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
+    ASSERT_EQ(facade.readTrvAssembly("a.xml", data), eFileIOSuccess);
+    EXPECT_EQ(data, vise());
+}
+
+TEST_F(AssemblyFile, IsTheSameThroughEveryWayIntoTheFacade) {
+    const std::wstring path = directory.wide() + L"/w.xml";
+    ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"w.xml"), vise()), eFileIOSuccess);
+    ASSERT_EQ(CQvFilesIO::sReadTrvAssembly(path, data), eFileIOSuccess);
+    EXPECT_EQ(data, vise());
+
+    CTrvAssemblyData other = assemblyOf(leaf("other", "o.stl"));
+    ASSERT_EQ(CQvFilesIO::sWriteTrvAssembly(path, other), eFileIOSuccess);
+    ASSERT_EQ(facade.readTrvAssembly(std::wstring(L"w.xml"), data), eFileIOSuccess);
+    EXPECT_EQ(data, other);
+    ASSERT_EQ(facade.readTrvAssembly("w.xml", data), eFileIOSuccess);
+    EXPECT_EQ(data, other);
+}
+
+TEST_F(AssemblyFile, LosesTheChildrenOfAComponentWithAFile) {
+    CTrvAssemblyComponentData both = group("g", {leaf("a", "a.stl")});
+    both.setGeometryFileName("g.stl");
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", assemblyOf(both)), eFileIOSuccess);
+    ASSERT_EQ(facade.readTrvAssembly("a.xml", data), eFileIOSuccess);
+    EXPECT_EQ(data.getRootComponent(), leaf("g", "g.stl"));
+}
+
+TEST_F(AssemblyFile, HasTheSameBytesEveryTime) {
+    const std::string bytes = writtenBytes(vise());
+    EXPECT_EQ(bytes.substr(0, 72),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"  ?>\n<ComponentInfo version=\"1\">\n   ");
+    EXPECT_EQ(bytes.find('\r'), std::string::npos);
+    EXPECT_EQ(bytes.back(), '\n');
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(writtenBytes(vise()), bytes);
+    // And written back after a read.
+    ASSERT_EQ(readBytes(bytes), eFileIOSuccess);
+    EXPECT_EQ(writtenBytes(data), bytes);
+}
+
+TEST_F(AssemblyFile, GivesOpenErrorsForWhatCannotBeRead) {
+    data = vise();
+    EXPECT_EQ(facade.readTrvAssembly("missing.xml", data), eFileIOOpenError);
+    EXPECT_EQ(facade.readTrvAssembly("", data), eFileIOOpenError);
+    EXPECT_EQ(facade.readTrvAssembly(static_cast<const char*>(nullptr), data), eFileIOOpenError);
+    EXPECT_EQ(facade.readTrvAssembly(std::wstring(), data), eFileIOOpenError);
+    EXPECT_EQ(CQvFilesIO::sReadTrvAssembly(L"", data), eFileIOOpenError);
+    EXPECT_EQ(CQvFilesIO::sReadTrvAssembly(directory.wide(), data), eFileIOOpenError);
+    EXPECT_EQ(data, vise());
+}
+
+TEST_F(AssemblyFile, GivesOpenErrorsForWhatCannotBeWritten) {
+    EXPECT_EQ(facade.writeTrvAssembly("missing/a.xml", vise()), eFileIOOpenError);
+    EXPECT_EQ(facade.writeTrvAssembly("", vise()), eFileIOOpenError);
+    EXPECT_EQ(facade.writeTrvAssembly(static_cast<const char*>(nullptr), vise()), eFileIOOpenError);
+    EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"", vise()), eFileIOOpenError);
+    EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(directory.wide(), vise()), eFileIOOpenError);
+}
+
+TEST_F(AssemblyFile, DoesNotOpenANameWithAZeroInside) {
+    using namespace std::string_literals;
+    ASSERT_EQ(facade.writeTrvAssembly("a", vise()), eFileIOSuccess);
+    EXPECT_EQ(facade.readTrvAssembly(L"a\0b"s, data), eFileIOOpenError);
+    EXPECT_EQ(facade.writeTrvAssembly(L"a\0b"s, assemblyOf(leaf("b", "b"))), eFileIOOpenError);
+    EXPECT_EQ(CQvFilesIO::sReadTrvAssembly(directory.wide() + L"/a\0"s, data), eFileIOOpenError);
+    ASSERT_EQ(facade.readTrvAssembly("a", data), eFileIOSuccess);
+    EXPECT_EQ(data, vise());
+}
+
+TEST_F(AssemblyFile, LeavesTheOldFileWhereTheRecordCannotBeWritten) {
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
+    const std::string before = bytesOf(directory / "a.xml");
+    EXPECT_EQ(facade.writeTrvAssembly("a.xml", CTrvAssemblyData()), eFileIOContentError);
+    EXPECT_EQ(facade.writeTrvAssembly("a.xml", assemblyOf(leaf("\uFFFF", "a"))),
+              eFileIOContentError);
+    EXPECT_EQ(facade.writeTrvAssembly("a.xml", assemblyOf(chain(1000))), eFileIOContentError);
+    EXPECT_EQ(bytesOf(directory / "a.xml"), before);
+    EXPECT_EQ(facade.writeTrvAssembly("new.xml", CTrvAssemblyData()), eFileIOContentError);
+    EXPECT_FALSE(std::filesystem::exists(directory / "new.xml"));
+}
+
+TEST_F(AssemblyFile, CutsALongerOldFile) {
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
+    const CTrvAssemblyData small = assemblyOf(leaf("a", "a"));
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", small), eFileIOSuccess);
+    ASSERT_EQ(facade.readTrvAssembly("a.xml", data), eFileIOSuccess);
+    EXPECT_EQ(data, small);
+}
+
+TEST_F(AssemblyFile, RefusesEveryTruncationOfAFile) {
+    const std::string bytes = writtenBytes(vise());
+    const std::size_t rootEnd = bytes.rfind('>') + 1;
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        const EFileIOStatus status = readBytes(bytes.substr(0, length));
+        ASSERT_EQ(status, length < rootEnd ? eFileIOContentError : eFileIOSuccess) << length;
+    }
+}
+
+TEST_F(AssemblyFile, AnswersRandomBytesWithAStatus) {
+    std::mt19937 random(3);
+    const std::string valid = writtenBytes(vise());
+    for (int i = 0; i < 2000; ++i) {
+        std::string bytes = valid;
+        for (int changes = 1 + static_cast<int>(random() % 8); changes > 0; --changes) {
+            bytes[random() % bytes.size()] = static_cast<char>(random());
+        }
+        const EFileIOStatus status = readBytes(bytes);
+        EXPECT_TRUE(status == eFileIOSuccess || status == eFileIOContentError ||
+                    status == eFileIOStructureError);
+        std::string noise(random() % 64, '\0');
+        for (char& c : noise)
+            c = static_cast<char>(random());
+        EXPECT_NE(readBytes(noise), eFileIOSuccess);
+    }
+}
+
+TEST_F(AssemblyFile, ReadsAnAttributeOfAHundredMegabytes) {
+    constexpr std::size_t length = 100'000'000;
+    ASSERT_EQ(readBytes("<ComponentInfo version='1'><Attributs/><Component name='" +
+                        std::string(length, 'n') + "'/></ComponentInfo>"),
+              eFileIOSuccess);
+    EXPECT_EQ(data.getRootComponent().getName().size(), length);
+}
+
+TEST_F(AssemblyFile, GoesAllTheWayWithTheDeepestNestingOnASmallStack) {
+    constexpr std::size_t stack = std::size_t{512} << 10;
+    trv::platform::call_on_stack(stack, [&] {
+        const CTrvAssemblyData deepest = assemblyOf(chain(999));
+        EXPECT_EQ(facade.writeTrvAssembly("deep.xml", deepest), eFileIOSuccess);
+        CTrvAssemblyData read;
+        EXPECT_EQ(facade.readTrvAssembly("deep.xml", read), eFileIOSuccess);
+        EXPECT_EQ(read, deepest);
+        EXPECT_EQ(read.getComponentNumber(), 1u);
+        EXPECT_EQ(read.getComponentFileList().size(), 1u);
+    });
+}
+
+TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheDeepest) {
+    std::string bytes = writtenBytes(assemblyOf(chain(999)));
+    ASSERT_EQ(readBytes(bytes), eFileIOSuccess);
+    const std::string file = "<File name=\"end.stl\"/>";
+    bytes.replace(bytes.find(file), file.size(), "<Component><Data/></Component>");
+    EXPECT_EQ(readBytes(bytes), eFileIOContentError);
+}
+
+TEST_F(AssemblyFile, SetsThePolicyForInvalidDataAtEveryCall) {
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::AcceptInvalidChars);
+    facade.readTrvAssembly("missing.xml", data);
+    EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::DropInvalidChars);
+    CQvFilesIO::sWriteTrvAssembly(L"", data);
+    EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
+}
+
+TEST_F(AssemblyFile, TellsAPersonWhyItWasNotRead) {
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    trv::ReadReport report;
+    const auto reasonFor = [&](const char* bytes) {
+        writeBytes(directory / "a.xml", bytes);
+        CTrvAssemblyIO file(QString::fromStdString(directory.text() + "/a.xml"));
+        EXPECT_NE(file.read(data, &report), eFileIOSuccess);
+        return report.fault.reason.toStdString();
+    };
+    EXPECT_EQ(reasonFor("<ComponentInfo version='1'>\n <Attributs/>\n</ComponentInfo>"),
+              "<ComponentInfo> has no <Component>");
+    EXPECT_EQ(report.fault.line, 1);
+    EXPECT_EQ(reasonFor("<a>\n</b>"), "tag mismatch");
+    EXPECT_EQ(report.fault.line, 2);
+    CTrvAssemblyIO missing(QString::fromStdString(directory.text() + "/missing.xml"));
+    EXPECT_EQ(missing.read(data, &report), eFileIOOpenError);
+    EXPECT_THAT(report.fault.reason.toStdString(), ::testing::Not(::testing::IsEmpty()));
+}
+
+TEST_F(AssemblyFile, TakesNamesBeyondAscii) {
+    ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"Spannb\u00fcchse \u6f22.xml"), vise()),
+              eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(directory / "Spannb\u00fcchse \u6f22.xml"));
+    ASSERT_EQ(facade.readTrvAssembly(std::wstring(L"Spannb\u00fcchse \u6f22.xml"), data),
+              eFileIOSuccess);
+    EXPECT_EQ(data, vise());
+}
+
+TEST_F(AssemblyFile, HandlesAHundredThousandComponents) {
+    std::vector<CTrvAssemblyComponentData> groups;
+    for (int i = 0; i < 1000; ++i) {
+        groups.push_back(
+            group("group", std::vector<CTrvAssemblyComponentData>(100, leaf("leaf", "leaf.stl"))));
+    }
+    const CTrvAssemblyData large = assemblyOf(group("large", std::move(groups)));
+    ASSERT_EQ(facade.writeTrvAssembly("large.xml", large), eFileIOSuccess);
+    ASSERT_EQ(facade.readTrvAssembly("large.xml", data), eFileIOSuccess);
+    EXPECT_EQ(data, large);
+    EXPECT_EQ(data.getComponentFileList().size(), 100'000u);
+}
+
+TEST(CTrvAssemblyIO, IsDeletedThroughItsVirtualDestructor) {
+    static_assert(std::has_virtual_destructor_v<CTrvAssemblyIO>);
+    const std::unique_ptr<CTrvAssemblyIO> file(new CTrvAssemblyIO(QStringLiteral("a.xml")));
+    EXPECT_NE(file, nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,223 @@
+#include <trvfiles/assembly/document_parser.h>
+#include <trvfiles/support/platform.h>
+
+#include <QBuffer>
+#include <QDomImplementation>
+#include <QTextCodec>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+namespace {
+
+class DocumentParser : public ::testing::Test {
+protected:
+    void SetUp() override {
+        QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    }
+
+    bool parse(QByteArray bytes) {
+        QBuffer device(&bytes);
+        device.open(QIODevice::ReadOnly);
+        return parse(device);
+    }
+
+    bool parse(QIODevice& device) {
+        tree = std::make_unique<trv::DomTree>();
+        fault = {};
+        return trv::parseDocument(device, *tree, fault);
+    }
+
+    QString rootAttribute(const char* name) {
+        return tree->document.documentElement().attribute(QString::fromLatin1(name));
+    }
+
+    std::unique_ptr<trv::DomTree> tree;
+    trv::ParseFault fault;
+};
+
+QByteArray nested(int elements) {
+    return QByteArray("<a>").repeated(elements - 1) + "<a/>" +
+           QByteArray("</a>").repeated(elements - 1);
+}
+
+int depthOf(const QDomDocument& document) {
+    int depth = 0;
+    for (QDomNode node = document.documentElement(); !node.isNull(); node = node.firstChild()) {
+        ++depth;
+    }
+    return depth;
+}
+
+// A device that gives its bytes once, in pieces of its own choice.
+class Pipe : public QIODevice {
+public:
+    explicit Pipe(QByteArray bytes) : bytes_(std::move(bytes)) {}
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char* data, qint64 longest) override {
+        constexpr int piece = 1000;
+        const QByteArray next =
+            bytes_.mid(given_, static_cast<int>(std::min<qint64>(longest, piece)));
+        std::copy(next.begin(), next.end(), data);
+        given_ += next.size();
+        return next.isEmpty() ? -1 : next.size();
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    const QByteArray bytes_;
+    int given_ = 0;
+};
+
+TEST_F(DocumentParser, ReadsWhatWouldKillTheParser) {
+    const QByteArray places[] = {"<a b='1'>%</a>", "<a b='1'><!--%--></a>",
+                                 "<a b='1'><![CDATA[%]]></a>", "<!--%--><a b='1'/><!--%-->",
+                                 "<a b='1'><?p %?></a>"};
+    const QByteArray characters[] = {"\xF0\x9F\x98\x80",  "\x01",         "\x1F",
+                                     QByteArray(1, '\0'), "\xEF\xBF\xBE", "\xEF\xBF\xBF",
+                                     "\xED\xA0\x80"};
+    for (const QByteArray& place : places) {
+        for (const QByteArray& character : characters) {
+            QByteArray bytes = place;
+            bytes.replace("%", character);
+            EXPECT_TRUE(parse(bytes)) << bytes.toHex().constData();
+            EXPECT_EQ(rootAttribute("b"), QStringLiteral("1"));
+        }
+    }
+    for (const char* reference :
+         {"&#1;", "&#0;", "&#xFFFE;", "&#xD800;", "&#x1D800;", "&\xEF\xBD\xB6;"}) {
+        EXPECT_TRUE(parse(QByteArray("<a b='1'>") + reference + "</a>")) << reference;
+    }
+}
+
+TEST_F(DocumentParser, KeepsControlCharactersInAttributes) {
+    ASSERT_TRUE(parse("<a b='\x01&#2;\xF0\x9F\x98\x80'/>"));
+    EXPECT_EQ(rootAttribute("b"), QString::fromUtf8("\x01\x02\U0001F600"));
+}
+
+TEST_F(DocumentParser, RefusesTextOutsideTheRoot) {
+    for (const char* outside : {"x", "\x01", "\xF0\x9F\x98\x80", "&#1;", "\xEF\xBF\xBF"}) {
+        EXPECT_FALSE(parse(QByteArray("<a/>") + outside)) << outside;
+        EXPECT_FALSE(parse(outside + QByteArray("<a/>"))) << outside;
+    }
+}
+
+TEST_F(DocumentParser, RefusesWhatIsNotWellFormed) {
+    for (const char* bytes :
+         {"", " ", "<", "<a", "<a>", "<a></b>", "<a b></a>", "<a b=1/>", "<a b='1/>", "<a>&</a>",
+          "<a>&#;</a>", "<a/><a/>", " <?xml version='1.0'?><a/>", "<a><!-- -- --></a>",
+          "<a b='\xEF\xBF\xBF'/>", "<a b='\xEF\xBF\xBE'/>", "text"}) {
+        EXPECT_FALSE(parse(bytes)) << bytes;
+        EXPECT_FALSE(fault.reason.isEmpty()) << bytes;
+    }
+}
+
+TEST_F(DocumentParser, TellsWhereADocumentBreaks) {
+    ASSERT_FALSE(parse("<a>\n  <b>\n  </c>\n</a>"));
+    EXPECT_EQ(fault.line, 3);
+    EXPECT_EQ(fault.reason, QStringLiteral("tag mismatch"));
+}
+
+TEST_F(DocumentParser, ReadsAsManyOpenElementsAsAreAllowed) {
+    EXPECT_TRUE(parse(nested(2000)));
+    EXPECT_EQ(depthOf(tree->document), 2000);
+    EXPECT_FALSE(parse(nested(2001)));
+    EXPECT_EQ(fault.reason, QStringLiteral("more than 2000 elements are open"));
+}
+
+TEST_F(DocumentParser, ReadsEveryDepthAroundTheOneThatTheCallersStackBears) {
+    for (int depth = 195; depth < 205; ++depth) {
+        EXPECT_TRUE(parse(nested(depth)));
+        EXPECT_EQ(depthOf(tree->document), depth);
+    }
+}
+
+TEST_F(DocumentParser, ReadsTheDeepestDocumentOnASmallStack) {
+    constexpr std::size_t stack = std::size_t{512} << 10;
+    bool parsed = false;
+    trv::platform::call_on_stack(stack, [&] {
+        parsed = parse(nested(2000));
+        tree.reset();
+    });
+    EXPECT_TRUE(parsed);
+}
+
+TEST_F(DocumentParser, ReadsADeepDocumentFromADeviceThatCannotGoBack) {
+    Pipe device(nested(1000));
+    device.open(QIODevice::ReadOnly);
+    EXPECT_TRUE(parse(device));
+    EXPECT_EQ(depthOf(tree->document), 1000);
+}
+
+TEST_F(DocumentParser, RefusesElementsBeyondCountWithoutCrashing) {
+    EXPECT_FALSE(parse(QByteArray("<c n=\"/>\">").repeated(100000)));
+    EXPECT_FALSE(parse(QByteArray("<a>").repeated(1000000)));
+    EXPECT_FALSE(parse("<!DOCTYPE a [<!ELEMENT a " + QByteArray("(").repeated(1000000)));
+}
+
+TEST_F(DocumentParser, RefusesEntityDeclarations) {
+    QByteArray bomb = "<!DOCTYPE a [<!ENTITY e \"" + QByteArray(100000, 'x') + "\">]><a b=\"";
+    bomb += QByteArray("&e;").repeated(20000) + "\"/>";
+    EXPECT_FALSE(parse(bomb));
+    EXPECT_EQ(fault.reason, QStringLiteral("an entity is declared"));
+    EXPECT_EQ(fault.line, 1);
+    EXPECT_FALSE(parse("<!DOCTYPE a [\n<!ENTITY % p SYSTEM \"/dev/zero\"> %p;]><a/>"));
+    EXPECT_EQ(fault.line, 2);
+}
+
+TEST_F(DocumentParser, ReadsADocumentTypeWithoutEntities) {
+    EXPECT_TRUE(parse("<!DOCTYPE a SYSTEM \"/dev/zero\" [<!ELEMENT a (b|c)*>]><a/>"));
+    EXPECT_TRUE(parse("<!DOCTYPE a><a/>"));
+}
+
+TEST_F(DocumentParser, ReadsEveryUsualEncoding) {
+    const QString text =
+        QString::fromUtf8("<a b=\"Spannb\u00fcchse \u20ac \U0001F600\"><!--\x01--></a>");
+    const QString value = QString::fromUtf8("Spannb\u00fcchse \u20ac \U0001F600");
+    EXPECT_TRUE(parse(text.toUtf8()));
+    EXPECT_EQ(rootAttribute("b"), value);
+    EXPECT_TRUE(parse("\xEF\xBB\xBF" + text.toUtf8()));
+    EXPECT_EQ(rootAttribute("b"), value);
+    for (const char* name : {"UTF-16", "UTF-16LE", "UTF-16BE"}) {
+        EXPECT_TRUE(parse(QTextCodec::codecForName(name)->fromUnicode(text))) << name;
+        EXPECT_EQ(rootAttribute("b"), value) << name;
+    }
+    EXPECT_TRUE(parse("<?xml version='1.0' encoding='ISO-8859-1'?><a b='\xFC'/>"));
+    EXPECT_EQ(rootAttribute("b"), QString(QChar(0xFC)));
+}
+
+TEST_F(DocumentParser, CountsElementsInEveryEncoding) {
+    const QString deep = QString::fromLatin1(nested(2001));
+    for (const char* name : {"UTF-16", "UTF-16LE", "UTF-16BE", "UTF-32"}) {
+        EXPECT_FALSE(parse(QTextCodec::codecForName(name)->fromUnicode(deep))) << name;
+    }
+    // "+ADw-" is "<" in UTF-7, a spelling that no look at the bytes would recognise.
+    const QByteArray disguised =
+        "<?xml version='1.0' encoding='UTF-7'?>" + QByteArray("+ADw-a>").repeated(100000);
+    EXPECT_FALSE(parse(disguised));
+}
+
+TEST_F(DocumentParser, ReadsAcrossItsBlocks) {
+    // A reference and a character of three bytes lie on every possible place of a block's end.
+    for (int shift = 65536 - 64; shift < 65536; ++shift) {
+        const QByteArray start = "<a b='1'>";
+        const QByteArray bytes = start + QByteArray(shift - start.size(), ' ') +
+                                 "&#00001;\x01\xE2\x82\xAC<c d='2'/></a>";
+        ASSERT_TRUE(parse(bytes)) << shift;
+        ASSERT_EQ(
+            tree->document.documentElement().firstChildElement().attribute(QStringLiteral("d")),
+            QStringLiteral("2"));
+    }
+}
+
+TEST_F(DocumentParser, TakesTheLastOfDoubledAttributes) {
+    ASSERT_TRUE(parse("<a b='1' b='2'/>"));
+    EXPECT_EQ(rootAttribute("b"), QStringLiteral("2"));
+}
+
+}  // namespace

@@ -1,0 +1,124 @@
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace trv::testing;
+
+namespace {
+
+constexpr int rounds = 100;
+
+/// Starts all of them at the same moment and waits for them.
+void runAtOnce(const std::vector<std::function<void()>>& works) {
+    std::atomic<std::size_t> waiting = works.size();
+    std::vector<std::thread> threads;
+    threads.reserve(works.size());
+    for (const auto& work : works) {
+        threads.emplace_back([&waiting, &work] {
+            --waiting;
+            while (waiting > 0)
+                std::this_thread::yield();
+            work();
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+CTrvAssemblyData assembly(const std::string& name, int round) {
+    CTrvAssemblyComponentData child;
+    child.setName(name);
+    child.setGeometryFileName(name + ".stl");
+    const double translation[3] = {round + 0.5, 0, 0};
+    child.setTranslation(translation);
+    CTrvAssemblyData data;
+    data.getRootComponent().setComponents({child, child, child});
+    return data;
+}
+
+/// Writes and reads the files of one thread, and counts what did not come back as written.
+int useFiles(const std::filesystem::path& directory, const std::string& name) {
+    CQvFilesIO files(directory.wstring());
+    const std::wstring axisName = std::filesystem::path(name + ".axis").wstring();
+    int failures = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const std::array<double, 16> written = {0, 1, 0, 0, -1,           0, 0, 0,
+                                                0, 0, 1, 0, round + 0.25, 0, 0, 1};
+        std::array<double, 16> matrix = {};
+        std::array<int, 3> tags = {};
+        if (files.writeAxis(axisName, written.data(), round, 1, 2) != eFileIOSuccess) ++failures;
+        if (files.readAxis(axisName, matrix.data(), tags[0], tags[1], tags[2]) != eFileIOSuccess)
+            ++failures;
+        if (matrix != written || tags != std::array<int, 3>{round, 1, 2}) ++failures;
+
+        const CTrvAssemblyData before = assembly(name, round);
+        CTrvAssemblyData after;
+        if (files.writeTrvAssembly(name.c_str(), before) != eFileIOSuccess) ++failures;
+        if (files.readTrvAssembly(name.c_str(), after) != eFileIOSuccess) ++failures;
+        if (after != before || after.getComponentFileList().size() != 3) ++failures;
+        if (!files.isfileExists(name) || files.absoluteFileName(name).empty()) ++failures;
+        if (files.readTrvAssembly("missing", after) != eFileIOOpenError) ++failures;
+    }
+    return failures;
+}
+
+}  // namespace
+
+TEST(ConcurrentUse, OfSeveralFacadesKeepsTheirFilesApart) {
+    const TemporaryDirectory directory;
+    std::atomic<int> failures = 0;
+    runAtOnce({[&] { failures += useFiles(directory.path(), "one"); },
+               [&] { failures += useFiles(directory.path(), "two"); }});
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(ConcurrentUse, OfOneFileByTwoReadersIsFine) {
+    const TemporaryDirectory directory;
+    CQvFilesIO files(directory.wide());
+    const std::array<double, 16> identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    ASSERT_EQ(files.writeAxis(L"axis", identity.data(), 1, 2, 3), eFileIOSuccess);
+    ASSERT_EQ(files.writeTrvAssembly("assembly", assembly("a", 1)), eFileIOSuccess);
+    std::atomic<int> failures = 0;
+    const auto read = [&] {
+        CQvFilesIO own(directory.wide());
+        for (int round = 0; round < rounds; ++round) {
+            std::array<double, 16> matrix = {};
+            std::array<int, 3> tags = {};
+            CTrvAssemblyData data;
+            if (own.readAxis(L"axis", matrix.data(), tags[0], tags[1], tags[2]) != eFileIOSuccess)
+                ++failures;
+            if (matrix != identity || tags != std::array<int, 3>{1, 2, 3}) ++failures;
+            if (own.readTrvAssembly("assembly", data) != eFileIOSuccess) ++failures;
+            if (data != assembly("a", 1)) ++failures;
+        }
+    };
+    runAtOnce({read, read});
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(ConcurrentUse, OfOneRecordByTwoReadersIsFine) {
+    const CTrvAssemblyData data = assembly("a", 1);
+    const CTrvAssemblyData untouched;
+    std::atomic<int> failures = 0;
+    const auto read = [&] {
+        for (int round = 0; round < rounds; ++round) {
+            const CTrvAssemblyData copy = data;
+            if (copy != data || data.getComponentNumber() != 3) ++failures;
+            if (data.getComponentFileList().size() != 3) ++failures;
+            if (untouched.getRootComponent() != CTrvAssemblyComponentData()) ++failures;
+        }
+    };
+    runAtOnce({read, read});
+    EXPECT_EQ(failures, 0);
+}

@@ -1,0 +1,134 @@
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/assembly_names.h>
+#include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/assembly/component_view.h>
+#include <trvfiles/facade/text_conversion.h>
+
+#include <QDomElement>
+#include <QString>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace trv {
+namespace {
+
+constexpr int formatVersion = 1;
+
+// A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
+// more.
+constexpr std::size_t deepestComponent = (deepestNesting - 2) / 2;
+constexpr std::size_t deepestShallowComponent = (shallowNesting - 2) / 2;
+
+// Qt's parser takes U+FFFE and U+FFFF for the end of its input.
+bool canBeReadBack(const QString& text) {
+    return !text.contains(QChar(0xFFFE)) && !text.contains(QChar(0xFFFF));
+}
+
+bool setText(QDomElement& element, const QString& attribute, const std::string& value) {
+    const QString text = fromNarrow(value);
+    if (!canBeReadBack(text)) return false;
+    element.setAttribute(attribute, text);
+    return true;
+}
+
+class Writer {
+public:
+    explicit Writer(DomTree& tree) : tree_(tree), document_(tree.document) {}
+
+    bool write(const CTrvAssemblyData& data) {
+        document_.appendChild(document_.createProcessingInstruction(
+            QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"  ")));
+        QDomElement root = append(document_, names::root());
+        root.setAttribute(names::version(), formatVersion);
+        writeAttributes(root, data);
+        return writeTree(root, data.getRootComponent());
+    }
+
+private:
+    struct Pending {
+        QDomElement parent;
+        const std::vector<CTrvAssemblyComponentData>* components;
+        std::size_t next;
+    };
+
+    QDomElement append(QDomNode& parent, const QString& tag) {
+        QDomElement element = document_.createElement(tag);
+        parent.appendChild(element);
+        return element;
+    }
+
+    void appendVector(QDomElement& parent, const QString& tag, const double vector[3]) {
+        QDomElement element = append(parent, tag);
+        element.setAttribute(names::x(), vector[0]);
+        element.setAttribute(names::y(), vector[1]);
+        element.setAttribute(names::z(), vector[2]);
+    }
+
+    void writeAttributes(QDomElement& root, const CTrvAssemblyData& data) {
+        double dimension[3];
+        data.getDimension(dimension);
+        QDomElement attributes = append(root, names::attributes());
+        appendVector(attributes, names::dimension(), dimension);
+    }
+
+    // The tree may be deeper than the stack, so what is left to write stands in a list.
+    bool writeTree(QDomElement& root, const CTrvAssemblyComponentData& component) {
+        if (!writeComponent(root, component)) return false;
+        while (!pending_.empty()) {
+            Pending& level = pending_.back();
+            if (level.next == level.components->size()) {
+                pending_.pop_back();
+                continue;
+            }
+            QDomElement parent = level.parent;
+            if (!writeComponent(parent, (*level.components)[level.next++])) return false;
+        }
+        return true;
+    }
+
+    bool writeComponent(QDomElement& parent, const CTrvAssemblyComponentData& component) {
+        if (pending_.size() >= deepestComponent) return false;
+        if (pending_.size() >= deepestShallowComponent) tree_.isDeep = true;
+        const ComponentView view(component);
+        QDomElement element = append(parent, names::component());
+        if (!setText(element, names::name(), view.name)) return false;
+        if (!setText(element, names::comment(), view.comment)) return false;
+        element.setAttribute(names::enabled(), view.enabled ? 1 : 0);
+        appendVector(element, names::translation(), view.translation);
+        QDomElement orientation = append(element, names::orientation());
+        appendVector(orientation, names::vec1(), view.vec1);
+        appendVector(orientation, names::vec2(), view.vec2);
+        appendVector(orientation, names::vec3(), view.vec3);
+        return writeData(element, view);
+    }
+
+    bool writeData(QDomElement& element, const ComponentView& view) {
+        const QString fileName = fromNarrow(view.geometryFileName);
+        if (fileName.isEmpty() && view.components.empty()) return false;
+        if (!canBeReadBack(fileName)) return false;
+        QDomElement data = append(element, names::data());
+        if (fileName.isEmpty()) {
+            data.setAttribute(names::number(), static_cast<qulonglong>(view.components.size()));
+            pending_.push_back({data, &view.components, 0});
+        } else {
+            // A geometry file hides the children: they are not written.
+            data.setAttribute(names::number(), 1);
+            append(data, names::file()).setAttribute(names::name(), fileName);
+        }
+        return true;
+    }
+
+    DomTree& tree_;
+    QDomDocument& document_;
+    std::vector<Pending> pending_;
+};
+
+}  // namespace
+
+bool writeDocument(const CTrvAssemblyData& data, DomTree& tree) {
+    return Writer(tree).write(data);
+}
+
+}  // namespace trv

@@ -1,0 +1,29 @@
+#pragma once
+
+/// @file
+/// From a file's bytes to a DOM document that is safe to hold.
+
+#include <trvfiles/assembly/dom_tree.h>
+
+#include <QIODevice>
+#include <QString>
+
+namespace trv {
+
+/// Why a document was not accepted and where, for a person.
+struct ParseFault {
+    QString reason;
+    int line = 0;
+    int column = 0;
+};
+
+/// Parses a whole XML document with QDomDocument::setContent(), after an XmlScreen.
+///
+/// @param device  open for reading, at its beginning; read once where it cannot go back, as a pipe
+/// @param tree    takes the document
+/// @param fault   takes the reason where the document is not accepted
+/// @return whether the document is well-formed, nests no more than deepestNesting elements and
+///         declares no entity
+bool parseDocument(QIODevice& device, DomTree& tree, ParseFault& fault);
+
+}  // namespace trv

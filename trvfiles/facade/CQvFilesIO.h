@@ -1,0 +1,121 @@
+#pragma once
+
+/// @file
+/// The one entry point through which a host reads and writes project files.
+
+#include <trvfiles/export.h>
+#include <trvfiles/facade/EFileIOStatus.h>
+
+#include <string>
+
+class CTrvAssemblyData;
+
+/// Reads and writes the project files of one directory.
+///
+/// An instance holds the directory as it was given: it need not exist, and a relative or an empty
+/// one is resolved against the current directory at each call. Names are used literally, "$", "?"
+/// and "~" included. Narrow names are in the local 8-bit code page (UTF-8 on Linux) and end at
+/// their first zero byte; wide names take every character. On Linux each "\" of a directory or a
+/// name acts as "/", so a file name that holds one cannot be named there.
+///
+/// Two rules resolve names. Reads and writes clean the path ("sub/../f" is "f", whether or not
+/// "sub" exists); absoluteFileName() and isfileExists() leave it as it stands. An absolute name
+/// ignores the directory. The static members take the path as it is, without any directory.
+///
+/// No operation throws or prints for a file problem: the status tells. Running out of memory throws
+/// std::bad_alloc. The file is closed on every way out.
+///
+/// Threads: instances may be used on several threads at once, each with its own records. The
+/// assembly members set Qt's process-wide policy for invalid XML data to
+/// QDomImplementation::ReturnNullNode and leave it so.
+class TRV_EXPORT CQvFilesIO {
+public:
+    /// Binds an instance to a directory; a null pointer acts as the empty one.
+    explicit CQvFilesIO(const char* directory);
+    explicit CQvFilesIO(const std::string& directory);
+    explicit CQvFilesIO(const std::wstring& directory);
+
+    CQvFilesIO(const CQvFilesIO& other);
+    CQvFilesIO(CQvFilesIO&& other) noexcept;
+    CQvFilesIO& operator=(const CQvFilesIO& other);
+    CQvFilesIO& operator=(CQvFilesIO&& other) noexcept;
+    ~CQvFilesIO();
+
+    /// Reads an assembly file.
+    ///
+    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @param data  takes the root component on success; its dimension may hold the file's values
+    ///              after a failure too
+    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened; eFileIOContentError
+    ///         when it is no well-formed XML, nests more than 2,000 elements, declares an entity,
+    ///         or lacks an integer "version", "Attributs" or the root "Component";
+    ///         eFileIOStructureError when the root element is not "ComponentInfo" or the root
+    ///         component has an incomplete "Orientation". A broken component below the root is
+    ///         left out and no failure.
+    EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data);
+    EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data);
+
+    /// Writes an assembly file over what stood under the name. The same record always gives the
+    /// same bytes. A component with a geometry file is written without its children.
+    ///
+    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @return eFileIOSuccess; eFileIOContentError when a component has neither a geometry file nor
+    ///         children, when the tree is deeper than 999 components, or when a text holds U+FFFE
+    ///         or U+FFFF: no file is touched then; eFileIOOpenError when the file cannot be opened;
+    ///         eFileIOShortWrite when it was not written to its end
+    EFileIOStatus writeTrvAssembly(const char* name, const CTrvAssemblyData& data);
+    EFileIOStatus writeTrvAssembly(std::wstring name, const CTrvAssemblyData& data);
+
+    /// Reads an axis file: one placement and up to three tags.
+    ///
+    /// @param fileName  resolved against the directory
+    /// @param matrix    sixteen numbers, row by row, for row vectors: 0-2, 4-6 and 8-10 are the
+    ///                  images of the x, y and z axes, 12-14 the translation in the project's
+    ///                  length unit; written on success only, and not at all where the pointer is
+    ///                  null. The axes are the inverse of the block in the file, so a written
+    ///                  rotation comes back and a written scale comes back as its reciprocal.
+    /// @param tag1, tag2, tag3  set where the tag line holds them, otherwise left as they are
+    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened; eFileIOContentError
+    ///         when one of the four matrix lines is missing or does not hold four numbers
+    EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3);
+
+    /// Writes an axis file over what stood under the name: the placement and its inverse with six
+    /// decimals and, where none of the tags is negative, the tag line.
+    ///
+    /// @param fileName  resolved against the directory
+    /// @param matrix    sixteen numbers as in readAxis(); a null pointer writes zeros
+    /// @return eFileIOSuccess, also when the disk fills up on the way; eFileIOOpenError when the
+    ///         file cannot be created or opened
+    EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
+                            int tag3);
+
+    /// readTrvAssembly() on a path that is taken as it is.
+    static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data);
+
+    /// writeTrvAssembly() on a path that is taken as it is.
+    static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data);
+
+    /// The absolute path of a name, with "/" between its parts; not cleaned.
+    std::string absoluteFileName(const std::string& name) const;
+    std::wstring absoluteFileName(const std::wstring& name) const;
+
+    /// Whether the file that absoluteFileName() gives can be opened for reading. A directory
+    /// cannot.
+    bool isfileExists(const std::string& name) const;
+    bool isfileExists(const std::wstring& name) const;
+
+    /// Copies a file byte for byte. Neither name is resolved against the directory: relative names
+    /// belong to the current directory.
+    ///
+    /// The destination is created or emptied before the source is opened, so a missing source
+    /// leaves an empty destination.
+    ///
+    /// @return false when one of the files cannot be opened, and when the two strings are equal:
+    ///         nothing is touched then. Another spelling of the same name is not recognised; the
+    ///         file is emptied. Otherwise true, also when the copy could not be written to its end.
+    bool copyFile(const std::string& source, const std::string& destination);
+    bool copyFile(const std::wstring& source, const std::wstring& destination);
+
+private:
+    std::wstring directory_;
+};
