@@ -1,0 +1,89 @@
+#include <cli/assembly_difference.h>
+#include <cli/assembly_report.h>
+#include <cli/command.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+
+namespace trv::cli {
+namespace {
+
+ExitStatus tree(const QCommandLineParser& call, const Console& console) {
+    const QString name = call.positionalArguments().at(0);
+    CTrvAssemblyData assembly;
+    if (const Problem problem = readAssembly(name, assembly)) return report(name, problem, console);
+    printTree(assembly, console.out);
+    return done;
+}
+
+ExitStatus list(const QCommandLineParser& call, const Console& console) {
+    const bool asJson = call.isSet(QStringLiteral("json"));
+    const bool asCsv = call.isSet(QStringLiteral("csv"));
+    if (asJson && asCsv) {
+        return refuseCall(console, QStringLiteral("assembly list"),
+                          QStringLiteral("--json and --csv exclude each other."));
+    }
+    const QString name = call.positionalArguments().at(0);
+    CTrvAssemblyData assembly;
+    if (const Problem problem = readAssembly(name, assembly)) return report(name, problem, console);
+    if (asJson) {
+        printJson(placementsJson(name, assembly), console.out);
+    } else if (asCsv) {
+        printPlacementsAsCsv(assembly, console.out);
+    } else {
+        printPlacements(assembly, console.out);
+    }
+    return done;
+}
+
+ExitStatus diff(const QCommandLineParser& call, const Console& console) {
+    CTrvAssemblyData assemblies[2];
+    for (int i = 0; i < 2; ++i) {
+        const QString name = call.positionalArguments().at(i);
+        if (const Problem problem = readAssembly(name, assemblies[i])) {
+            return report(name, problem, console);
+        }
+    }
+    if (printDifferences(assemblies[0], assemblies[1], console.out)) return negative;
+    console.out << "The assemblies are equal.\n";
+    return done;
+}
+
+}  // namespace
+
+CommandGroup assemblyCommands() {
+    Command showTree;
+    showTree.name = QStringLiteral("assembly tree");
+    showTree.arguments = QStringLiteral("FILE");
+    showTree.summary = QStringLiteral("Show the components of an assembly");
+    showTree.details = QStringLiteral(
+        "Prints a line for each component: its name, its geometry file, its placement in its\n"
+        "parent's frame, its comment. Axes are shown where they are not those of the parent.\n");
+    showTree.run = tree;
+
+    Command listFiles;
+    listFiles.name = QStringLiteral("assembly list");
+    listFiles.arguments = QStringLiteral("[--json | --csv] FILE");
+    listFiles.summary = QStringLiteral("List the geometry files of an assembly where they end up");
+    listFiles.details = QStringLiteral(
+        "Prints a line for each placed file: its name, its translation and its three axis\n"
+        "vectors in the assembly's frame. Disabled components are left out.\n");
+    listFiles.options = {
+        jsonOption(),
+        QCommandLineOption(QStringLiteral("csv"),
+                           QStringLiteral("Print comma-separated values with a header line"))};
+    listFiles.run = list;
+
+    Command compare;
+    compare.name = QStringLiteral("assembly diff");
+    compare.arguments = QStringLiteral("FILE FILE");
+    compare.summary = QStringLiteral("Tell what differs between two assemblies");
+    compare.details = QStringLiteral(
+        "Prints a line for each difference beyond the tolerances. Exit status: 0 equal,\n"
+        "1 different, 2 an error. Differences in vec3 are noted and do not count.\n");
+    compare.fewestFiles = 2;
+    compare.mostFiles = 2;
+    compare.run = diff;
+    return {showTree, listFiles, compare};
+}
+
+}  // namespace trv::cli

@@ -1,0 +1,194 @@
+#include <cli/axis_report.h>
+#include <cli/command.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace trv::cli {
+namespace {
+
+ExitStatus show(const QCommandLineParser& call, const Console& console) {
+    const QString name = call.positionalArguments().at(0);
+    AxisFile axis;
+    if (const Problem problem = readAxis(name, axis)) return report(name, problem, console);
+    if (call.isSet(QStringLiteral("json"))) {
+        printJson(axisJson(name, axis), console.out);
+    } else {
+        console.out << qUtf8Printable(axisText(name, axis));
+    }
+    return done;
+}
+
+// What is wrong with a placement that is to be inverted; empty where nothing is.
+QString whyNotInvertible(const AxisMatrix& matrix, const AxisTraits& traits) {
+    if (std::any_of(matrix.begin(), matrix.end(), [](double x) { return !std::isfinite(x); })) {
+        return QStringLiteral("the matrix holds nan or inf and has no inverse");
+    }
+    if (traits.singular) return QStringLiteral("the matrix is singular and has no inverse");
+    if (matrix[3] != 0 || matrix[7] != 0 || matrix[11] != 0) {
+        return QStringLiteral("line 5 does not start with 0 0 0; the matrix is no placement");
+    }
+    return {};
+}
+
+// A reader inverts the block that it finds. For axes that are not orthonormal the transpose of the
+// block at hand is the one that reads back as its inverse.
+AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& traits) {
+    AxisMatrix written = traits.inverse;
+    if (traits.orthonormal) return written;
+    for (std::size_t row = 0; row < 3; ++row) {
+        for (std::size_t column = 0; column < 3; ++column)
+            written[4 * row + column] = matrix[4 * column + row];
+    }
+    return written;
+}
+
+ExitStatus invert(const QCommandLineParser& call, const Console& console) {
+    const QString from = call.positionalArguments().at(0);
+    const QString to = call.positionalArguments().at(1);
+    AxisFile axis;
+    if (const Problem problem = readAxis(from, axis)) return report(from, problem, console);
+
+    const AxisTraits traits = traitsOf(axis.matrix);
+    const QString reason = whyNotInvertible(axis.matrix, traits);
+    if (!reason.isEmpty()) {
+        console.err << qUtf8Printable(
+            QStringLiteral("trvfiles: %1: %2\n").arg(shown(from), reason));
+        return failed;
+    }
+    axis.matrix = thatReadsBackAsInverse(axis.matrix, traits);
+    if (const Problem problem = writeAxis(to, axis)) return report(to, problem, console);
+    return done;
+}
+
+// The three numbers of an option such as "--translate 1,2.5,-3".
+bool readNumbers(const QString& text, double* numbers) {
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != 3) return false;
+    for (int i = 0; i < 3; ++i) {
+        bool isNumber = false;
+        numbers[i] = parts.at(i).toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(numbers[i])) return false;
+    }
+    return true;
+}
+
+bool readTags(const QString& text, std::array<int, 3>& tags) {
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != 3) return false;
+    for (int i = 0; i < 3; ++i) {
+        bool isInteger = false;
+        const int tag = parts.at(i).toInt(&isInteger);
+        if (!isInteger || tag < 0) return false;
+        tags[static_cast<std::size_t>(i)] = tag;
+    }
+    return true;
+}
+
+// Fills the file from the options.
+//
+// @return what is wrong with them; empty where nothing is
+QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
+    struct Row {
+        QString option;
+        std::size_t first;
+    };
+    const Row rows[] = {{QStringLiteral("vec1"), 0},
+                        {QStringLiteral("vec2"), 4},
+                        {QStringLiteral("vec3"), 8},
+                        {QStringLiteral("translate"), 12}};
+    axis.matrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    int vectors = 0;
+    for (const Row& row : rows) {
+        if (!call.isSet(row.option)) continue;
+        if (row.first < 12) ++vectors;
+        if (!readNumbers(call.value(row.option), &axis.matrix[row.first])) {
+            return QStringLiteral("--%1 takes three numbers, such as 10,0,-2.5, not '%2'.")
+                .arg(row.option, call.value(row.option));
+        }
+    }
+    if (vectors != 0 && vectors != 3) {
+        return QStringLiteral("--vec1, --vec2 and --vec3 belong together: give all or none.");
+    }
+    if (call.isSet(QStringLiteral("tags")) &&
+        !readTags(call.value(QStringLiteral("tags")), axis.tags)) {
+        return QStringLiteral(
+                   "--tags takes three whole numbers from 0 on, such as 3,0,7, not '%1'.")
+            .arg(call.value(QStringLiteral("tags")));
+    }
+    return {};
+}
+
+ExitStatus write(const QCommandLineParser& call, const Console& console) {
+    AxisFile axis;
+    const QString mistake = readOptions(call, axis);
+    if (!mistake.isEmpty()) {
+        return refuseCall(console, QStringLiteral("axis write"), mistake);
+    }
+    const AxisTraits traits = traitsOf(axis.matrix);
+    if (traits.singular) {
+        return refuseCall(console, QStringLiteral("axis write"),
+                          QStringLiteral("The three vectors do not span space."));
+    }
+    const QString name = call.positionalArguments().at(0);
+    if (const Problem problem = writeAxis(name, axis)) return report(name, problem, console);
+    if (!traits.orthonormal) {
+        console.err << "trvfiles: note: the vectors are not orthonormal; the file is read as the "
+                       "inverse of their transpose\n";
+    }
+    return done;
+}
+
+QCommandLineOption numbersOption(const char* name, const char* description) {
+    return QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(description),
+                              QStringLiteral("X,Y,Z"));
+}
+
+}  // namespace
+
+CommandGroup axisCommands() {
+    Command showAxis;
+    showAxis.name = QStringLiteral("axis show");
+    showAxis.arguments = QStringLiteral("[--json] FILE");
+    showAxis.summary = QStringLiteral("Show an axis file");
+    showAxis.details = QStringLiteral(
+        "Prints the matrix that a program reads from the file, its inverse, and what kind of\n"
+        "placement it is.\n");
+    showAxis.options = {jsonOption()};
+    showAxis.run = show;
+
+    Command invertAxis;
+    invertAxis.name = QStringLiteral("axis invert");
+    invertAxis.arguments = QStringLiteral("IN OUT");
+    invertAxis.summary = QStringLiteral("Write the inverse of an axis file to another one");
+    invertAxis.details = QStringLiteral(
+        "Reading OUT gives the inverse of what reading IN gives. The tags are kept. OUT is\n"
+        "overwritten; it may be IN.\n");
+    invertAxis.fewestFiles = 2;
+    invertAxis.mostFiles = 2;
+    invertAxis.run = invert;
+
+    Command writeAxisFile;
+    writeAxisFile.name = QStringLiteral("axis write");
+    writeAxisFile.arguments = QStringLiteral("[OPTION...] FILE");
+    writeAxisFile.summary = QStringLiteral("Write an axis file");
+    writeAxisFile.details = QStringLiteral(
+        "Without options the file holds the identity and no tags. Numbers have a \".\" and are\n"
+        "rounded to six decimals. FILE is overwritten.\n");
+    writeAxisFile.options = {
+        numbersOption("translate", "The translation"),
+        numbersOption("vec1", "The image of the x axis"),
+        numbersOption("vec2", "The image of the y axis"),
+        numbersOption("vec3", "The image of the z axis"),
+        QCommandLineOption(QStringLiteral("tags"), QStringLiteral("Three whole numbers from 0 on"),
+                           QStringLiteral("A,B,C"))};
+    writeAxisFile.run = write;
+    return {showAxis, invertAxis, writeAxisFile};
+}
+
+}  // namespace trv::cli

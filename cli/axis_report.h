@@ -1,0 +1,38 @@
+#pragma once
+
+/// @file
+/// What there is to say about a placement.
+
+#include <cli/input_files.h>
+#include <trvfiles/facade/axis_file.h>
+
+#include <QJsonObject>
+#include <QString>
+
+namespace trv::cli {
+
+struct AxisTraits {
+    /// No element differs from the identity's by more than 1e-6, and all are numbers.
+    bool identity = false;
+    /// The axes are of length 1 and at right angles, as far as six decimals can say.
+    bool orthonormal = false;
+    /// The axes form a left-handed system: the determinant of the block is below 0.
+    bool mirror = false;
+    /// The axes do not span space: there is no inverse.
+    bool singular = false;
+    /// Sixteen zeros where the placement is singular.
+    AxisMatrix inverse = {};
+};
+
+AxisTraits traitsOf(const AxisMatrix& matrix);
+
+/// The placement, its inverse and its traits: several lines.
+QString axisText(const QString& name, const AxisFile& axis);
+
+/// The same for a program; docs/command.md lists the keys.
+QJsonObject axisJson(const QString& name, const AxisFile& axis);
+
+/// A few words: "axis, identity" or "axis, orthonormal, mirror, tags 3 0 7".
+QString axisSummary(const AxisFile& axis);
+
+}  // namespace trv::cli

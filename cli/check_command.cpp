@@ -1,0 +1,73 @@
+#include <cli/assembly_report.h>
+#include <cli/axis_report.h>
+#include <cli/command.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+
+namespace trv::cli {
+namespace {
+
+Problem checkAssembly(const QString& name, QString& summary) {
+    CTrvAssemblyData assembly;
+    ReadReport report;
+    if (Problem problem = readAssembly(name, assembly, &report)) return problem;
+    summary = assemblySummary(assembly);
+    if (report.leftOut != 0) {
+        summary +=
+            QStringLiteral(", %1 left out for an incomplete <Orientation>, first in line %2")
+                .arg(QString::number(report.leftOut), QString::number(report.firstLeftOutLine));
+    }
+    return {};
+}
+
+Problem checkAxis(const QString& name, QString& summary) {
+    AxisFile axis;
+    if (Problem problem = readAxis(name, axis)) return problem;
+    summary = axisSummary(axis);
+    return {};
+}
+
+// @param summary  what the file holds, where there is no problem
+Problem checkFile(const QString& name, QString& summary) {
+    FileKind kind = FileKind::unknown;
+    Problem problem = findKind(name, kind);
+    switch (kind) {
+        case FileKind::assembly:
+            return checkAssembly(name, summary);
+        case FileKind::axis:
+            return checkAxis(name, summary);
+        case FileKind::unknown:
+            break;
+    }
+    return problem;
+}
+
+ExitStatus check(const QCommandLineParser& call, const Console& console) {
+    ExitStatus status = done;
+    for (const QString& name : call.positionalArguments()) {
+        QString summary;
+        const Problem problem = checkFile(name, summary);
+        if (problem) status = negative;
+        const QString verdict =
+            problem ? problemText(problem) : QStringLiteral("ok (%1)").arg(summary);
+        console.out << qUtf8Printable(QStringLiteral("%1: %2\n").arg(shown(name), verdict));
+    }
+    return status;
+}
+
+}  // namespace
+
+CommandGroup checkCommand() {
+    Command command;
+    command.name = QStringLiteral("check");
+    command.arguments = QStringLiteral("FILE...");
+    command.summary = QStringLiteral("Check that files can be read");
+    command.details = QStringLiteral(
+        "Prints a line for each file. Exit status: 0 all files can be read, 1 one cannot,\n"
+        "2 an error.\n");
+    command.mostFiles = Command::anyNumber;
+    command.run = check;
+    return {command};
+}
+
+}  // namespace trv::cli

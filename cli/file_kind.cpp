@@ -1,0 +1,48 @@
+#include <cli/file_kind.h>
+#include <trvfiles/facade/axis_file.h>
+
+#include <string_view>
+
+namespace trv::cli {
+namespace {
+
+constexpr std::size_t beginningLength = 512;
+
+// Before its first "<" an XML file holds nothing but a byte order mark, the zeros of UTF-16 and
+// white space.
+bool looksLikeXml(std::string_view beginning) {
+    constexpr std::string_view skipped("\xEF\xBB\xBF\xFE\xFF\0 \t\r\n", 10);
+    const std::size_t first = beginning.find_first_not_of(skipped);
+    return first != std::string_view::npos && beginning[first] == '<';
+}
+
+bool isAxisFlag(std::string_view beginning) {
+    constexpr std::string_view blanks(" \t\r");
+    const std::string_view line = beginning.substr(0, beginning.find('\n'));
+    const std::size_t first = line.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return false;
+    const std::string_view flag = line.substr(first, line.find_last_not_of(blanks) + 1 - first);
+    return flag == "0" || flag == "1";
+}
+
+}  // namespace
+
+FileKind kindOf(std::FILE* file) {
+    constexpr int firstMatrixLine = 2;
+    char block[beginningLength];
+    const std::string_view beginning(block, std::fread(block, 1, sizeof block, file));
+    if (looksLikeXml(beginning)) return FileKind::assembly;
+
+    std::rewind(file);
+    const int faultyLine = readAxisContent(file).faultyLine;
+    if (faultyLine != firstMatrixLine || isAxisFlag(beginning)) return FileKind::axis;
+    return FileKind::unknown;
+}
+
+QString whyUnknown(std::FILE* file) {
+    std::rewind(file);
+    return std::fgetc(file) == EOF ? QStringLiteral("the file is empty")
+                                   : QStringLiteral("neither an assembly nor an axis file");
+}
+
+}  // namespace trv::cli

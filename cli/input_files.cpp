@@ -1,0 +1,132 @@
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+#include <trvfiles/assembly/CTrvAssemblyIO.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/support/platform.h>
+
+#include <QDir>
+#include <QDomImplementation>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace trv::cli {
+namespace {
+
+QString statusName(EFileIOStatus status) {
+    switch (status) {
+        case eFileIOSuccess:
+            return QStringLiteral("eFileIOSuccess");
+        case eFileIOOpenError:
+            return QStringLiteral("eFileIOOpenError");
+        case eFileIOShortWrite:
+            return QStringLiteral("eFileIOShortWrite");
+        case eFileIOContentError:
+            return QStringLiteral("eFileIOContentError");
+        case eFileIOStructureError:
+            return QStringLiteral("eFileIOStructureError");
+    }
+    return QString::number(status);
+}
+
+Problem systemProblem(EFileIOStatus status, int code) {
+    return {status, QString::fromStdString(std::generic_category().message(code))};
+}
+
+platform::file_handle open(const QString& name, Problem& problem) {
+    errno = 0;
+    platform::file_handle file =
+        platform::open_for_read(systemPath(resolved(name)), platform::file_mode::text);
+    if (file == nullptr) problem = systemProblem(eFileIOOpenError, errno);
+    return file;
+}
+
+// A pipe would be empty the second time, and a device may have no end.
+bool canBeReadTwice(const QString& name) {
+    const QFileInfo info(resolved(name));
+    return !info.exists() || info.isFile() || info.isDir();
+}
+
+Problem notRegular() {
+    return {eFileIOOpenError, QStringLiteral("not a regular file")};
+}
+
+QString faultText(const ParseFault& fault) {
+    if (fault.line <= 0) return fault.reason;
+    return QStringLiteral("line %1, column %2: %3")
+        .arg(QString::number(fault.line), QString::number(fault.column), fault.reason);
+}
+
+}  // namespace
+
+QString problemText(const Problem& problem) {
+    return QStringLiteral("%1: %2").arg(statusName(problem.status), shown(problem.reason));
+}
+
+ExitStatus report(const QString& name, const Problem& problem, const Console& console) {
+    const QString text =
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), problemText(problem));
+    console.err << qUtf8Printable(text);
+    return failed;
+}
+
+QString resolved(const QString& name) {
+    return QFileInfo(QDir(QString()), nativePath(name)).absoluteFilePath();
+}
+
+Problem findKind(const QString& name, FileKind& kind) {
+    kind = FileKind::unknown;
+    if (!canBeReadTwice(name)) return notRegular();
+    Problem problem;
+    const platform::file_handle file = open(name, problem);
+    if (file == nullptr) return problem;
+    kind = kindOf(file.get());
+    if (kind == FileKind::unknown) return {eFileIOContentError, whyUnknown(file.get())};
+    return {};
+}
+
+Problem readAssembly(const QString& name, CTrvAssemblyData& data, ReadReport* report) {
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    ReadReport unasked;
+    ReadReport& result = report == nullptr ? unasked : *report;
+    const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &result);
+    if (status == eFileIOSuccess) return {};
+    Problem problem{status, faultText(result.fault)};
+    // The system's own words for the reason, as with every other kind of file.
+    if (status == eFileIOOpenError) open(name, problem);
+    return problem;
+}
+
+Problem readAxis(const QString& name, AxisFile& axis) {
+    if (!canBeReadTwice(name)) return notRegular();
+    auto& [tag1, tag2, tag3] = axis.tags;
+    const EFileIOStatus status =
+        CQvFilesIO("").readAxis(toWide(name), axis.matrix.data(), tag1, tag2, tag3);
+    if (status == eFileIOSuccess) return {};
+
+    Problem problem{status, {}};
+    if (const platform::file_handle file = open(name, problem)) {
+        problem.reason = QStringLiteral("line %1: four numbers are expected")
+                             .arg(readAxisContent(file.get()).faultyLine);
+    }
+    return problem;
+}
+
+Problem writeAxis(const QString& name, const AxisFile& axis) {
+    const std::string text = axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]);
+    errno = 0;
+    platform::file_handle file =
+        platform::open_for_write(systemPath(resolved(name)), platform::file_mode::text);
+    if (file == nullptr) return systemProblem(eFileIOOpenError, errno);
+    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    // Only closing tells whether everything arrived.
+    if (std::fclose(file.release()) != 0 || !written) {
+        return systemProblem(eFileIOShortWrite, errno);
+    }
+    return {};
+}
+
+}  // namespace trv::cli

@@ -1,0 +1,60 @@
+#pragma once
+
+/// @file
+/// Files that a command is given: what is in them, or why they cannot be read.
+///
+/// Names are resolved as a facade on the current directory resolves them.
+
+#include <cli/command.h>
+#include <cli/file_kind.h>
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/facade/EFileIOStatus.h>
+#include <trvfiles/facade/axis_file.h>
+
+#include <QString>
+
+#include <array>
+
+namespace trv::cli {
+
+/// What stands in the way of reading or writing a file, if anything does.
+struct Problem {
+    EFileIOStatus status = eFileIOSuccess;
+    /// For a person: the place where one is known, and the reason.
+    QString reason;
+
+    explicit operator bool() const { return status != eFileIOSuccess; }
+};
+
+/// "eFileIOOpenError: No such file or directory"
+QString problemText(const Problem& problem);
+
+/// Says what is wrong with a file.
+///
+/// @return what the command is to end with
+ExitStatus report(const QString& name, const Problem& problem, const Console& console);
+
+/// The path that a name stands for.
+QString resolved(const QString& name);
+
+/// Tells the kind of a file; a file of an unknown kind is a problem.
+///
+/// @param kind  FileKind::unknown where there is a problem
+Problem findKind(const QString& name, FileKind& kind);
+
+/// @param report  takes what the reader left out, where it is asked for
+Problem readAssembly(const QString& name, CTrvAssemblyData& data, ReadReport* report = nullptr);
+
+struct AxisFile {
+    AxisMatrix matrix = {};
+    /// Below 0 where the file holds none.
+    std::array<int, 3> tags = {-1, -1, -1};
+};
+
+Problem readAxis(const QString& name, AxisFile& axis);
+
+/// Writes an axis file over what stood under the name, and unlike the facade sees every failure.
+Problem writeAxis(const QString& name, const AxisFile& axis);
+
+}  // namespace trv::cli

@@ -1,0 +1,40 @@
+#pragma once
+
+/// @file
+/// Numbers and texts as the commands print them.
+///
+/// Threads: any.
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+
+#include <ostream>
+#include <string>
+
+namespace trv::cli {
+
+/// The shortest text that reads back as the same number, with "." in every locale; "nan", "inf" or
+/// "-inf".
+QString numberText(double value);
+
+/// A number for reading: rounded to six decimals, without those that are zeros.
+QString roundedText(double value);
+
+/// Three numbers with blanks between them.
+QString vectorText(const double vector[3]);
+QString roundedVectorText(const double vector[3]);
+
+/// A text on one line that is safe to show: control characters stand as "\x1b".
+QString shown(const QString& text);
+QString shown(const std::string& narrow);
+
+/// A JSON number; a number that JSON does not have is the text of numberText().
+QJsonValue jsonNumber(double value);
+QJsonArray jsonNumbers(const double* values, int count);
+
+/// One line.
+void printJson(const QJsonObject& object, std::ostream& out);
+
+}  // namespace trv::cli

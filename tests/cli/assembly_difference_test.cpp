@@ -1,0 +1,177 @@
+#include <cli/assembly_difference.h>
+#include <tests/cli/samples.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <sstream>
+
+namespace trv::testing {
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// The lines, after checking that the answer is that of the records themselves.
+std::string difference(const CTrvAssemblyData& first, const CTrvAssemblyData& second) {
+    std::ostringstream out;
+    EXPECT_EQ(cli::printDifferences(first, second, out), first != second);
+    return out.str();
+}
+
+CTrvAssemblyComponentData movedTo(double x, double y, double z) {
+    CTrvAssemblyComponentData made = component("a");
+    const double translation[] = {x, y, z};
+    made.setTranslation(translation);
+    return made;
+}
+
+CTrvAssemblyData sized(double x, double y, double z) {
+    CTrvAssemblyData made;
+    const double size[] = {x, y, z};
+    made.setDimension(size);
+    return made;
+}
+
+TEST(PrintDifferences, PrintsNothingForEqualAssemblies) {
+    EXPECT_EQ(difference(CTrvAssemblyData(), CTrvAssemblyData()), "");
+    EXPECT_EQ(difference(chain(5, "f"), chain(5, "f")), "");
+}
+
+TEST(PrintDifferences, ComparesTheSizeByItsSquaredDistance) {
+    EXPECT_EQ(difference(sized(1, 2, 3), sized(1, 2, 4)), "dimension: 1 2 3 -> 1 2 4\n");
+    EXPECT_EQ(difference(sized(0, 0, 0), sized(0.0009, 0, 0)), "");
+    EXPECT_EQ(difference(sized(0, 0, 0), sized(0.001, 0.001, 0)),
+              "dimension: 0 0 0 -> 0.001 0.001 0\n");
+    EXPECT_EQ(difference(sized(0, 0, 0), sized(notANumber, 0, 0)), "");
+}
+
+TEST(PrintDifferences, NamesEveryField) {
+    CTrvAssemblyComponentData one = leaf("a", "f");
+    CTrvAssemblyComponentData other = leaf("b", "g\n");
+    other.setComment("c");
+    other.setEnabled(false);
+    const double vec1[] = {2, 0, 0};
+    const double vec2[] = {0, 2, 0};
+    const double vec3[] = {0, 0, 1};
+    const double translation[] = {0, 0, 0.5};
+    other.setOrientation(vec1, vec2, vec3);
+    other.setTranslation(translation);
+    EXPECT_EQ(difference(assembly(one), assembly(other)),
+              "a: name \"a\" -> \"b\"\n"
+              "a: comment \"\" -> \"c\"\n"
+              "a: file \"f\" -> \"g\\x0a\"\n"
+              "a: enabled -> disabled\n"
+              "a: translation 0 0 0 -> 0 0 0.5\n"
+              "a: vec1 1 0 0 -> 2 0 0\n"
+              "a: vec2 0 1 0 -> 0 2 0\n");
+    EXPECT_NE(difference(assembly(other), assembly(one)).find("b: disabled -> enabled\n"),
+              std::string::npos);
+}
+
+TEST(PrintDifferences, ComparesPlacementsWithATolerance) {
+    EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(1e-7, 0, 0))), "");
+    EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(1e-6, 0, 0))), "");
+    EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(0, 2e-6, 0))),
+              "a: translation 0 0 0 -> 0 2e-06 0\n");
+}
+
+TEST(PrintDifferences, TakesNoNanForADifference) {
+    EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(0, 0, notANumber))), "");
+    EXPECT_EQ(difference(assembly(movedTo(infinity, 0, 0)), assembly(movedTo(infinity, 0, 0))), "");
+    EXPECT_EQ(difference(assembly(movedTo(infinity, 0, 0)), assembly(movedTo(-infinity, 0, 0))),
+              "a: translation inf 0 0 -> -inf 0 0\n");
+}
+
+TEST(PrintDifferences, NotesTheThirdVector) {
+    const double vec1[] = {1, 0, 0};
+    const double vec2[] = {0, 1, 0};
+    const double vec3[] = {0, 0, -1};
+    CTrvAssemblyComponentData other = component("");
+    other.setOrientation(vec1, vec2, vec3);
+    EXPECT_EQ(
+        difference(assembly(component("", {component("a")})), assembly(component("", {other}))),
+        "(root)/a[0]: name \"a\" -> \"\"\n"
+        "note: (root)/a[0]: vec3 0 0 1 -> 0 0 -1, which does not count\n");
+    EXPECT_EQ(difference(assembly(component("")), assembly(other)),
+              "note: (root): vec3 0 0 1 -> 0 0 -1, which does not count\n");
+}
+
+TEST(PrintDifferences, GivesThePathOfNamesAndPlaces) {
+    EXPECT_EQ(
+        difference(assembly(component(
+                       "a", {component("b"), component("c", {component("d"), leaf("", "f")})})),
+                   assembly(component(
+                       "a", {component("b"), component("c", {component("d"), leaf("", "g")})}))),
+        "a/c[1]/[1]: file \"f\" -> \"g\"\n");
+}
+
+TEST(PrintDifferences, NamesWhatHasNoCounterpart) {
+    EXPECT_EQ(
+        difference(assembly(component(
+                       "a", {component("b", {component("x")}), component("c"), component("d")})),
+                   assembly(component("a", {component("b", {component("x"), component("y\n")})}))),
+        "a/b[0]/y\\x0a[1]: only in the second file\n"
+        "a/c[1]: only in the first file\n"
+        "a/d[2]: only in the first file\n");
+}
+
+TEST(PrintDifferences, GoesOnBehindADifference) {
+    EXPECT_EQ(
+        difference(assembly(component("a", {component("b", {component("c")}), leaf("d", "f")})),
+                   assembly(component("a", {component("B", {component("C")}), leaf("d", "g")}))),
+        "a/b[0]: name \"b\" -> \"B\"\n"
+        "a/b[0]/c[0]: name \"c\" -> \"C\"\n"
+        "a/d[1]: file \"f\" -> \"g\"\n");
+}
+
+TEST(PrintDifferences, BearsAnyDepth) {
+    constexpr int levels = 100000;
+    const std::string text = difference(chain(levels, "f"), chain(levels, "g"));
+    const std::string end = "/L[0]/L[0]: file \"f\" -> \"g\"\n";
+    EXPECT_EQ(text.size(), 1 + (levels - 1) * std::string("/L[0]").size() +
+                               std::string(": file \"f\" -> \"g\"\n").size());
+    EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
+// A tree whose fields differ now and then, so that pairs of trees are equal or nearly so.
+CTrvAssemblyComponentData randomTree(std::mt19937& random, int depth) {
+    const auto seldom = [&] { return random() % 24 == 0; };
+    CTrvAssemblyComponentData made = component(seldom() ? "b" : "a");
+    if (seldom()) made.setComment("c");
+    if (seldom()) made.setGeometryFileName("f");
+    if (seldom()) made.setEnabled(false);
+    const double values[] = {0, 5e-7, 2e-6, notANumber, infinity};
+    const double translation[] = {0, seldom() ? values[random() % 5] : 0, 0};
+    made.setTranslation(translation);
+    const double vec1[] = {1, seldom() ? values[random() % 5] : 0, 0};
+    const double vec2[] = {0, 1, seldom() ? values[random() % 5] : 0};
+    const double vec3[] = {seldom() ? values[random() % 5] : 0, 0, 1};
+    made.setOrientation(vec1, vec2, vec3);
+    if (depth == 0) return made;
+    std::vector<CTrvAssemblyComponentData> children;
+    const int count = seldom() ? 2 : 1;
+    for (int i = 0; i < count; ++i)
+        children.push_back(randomTree(random, depth - 1));
+    made.setComponents(std::move(children));
+    return made;
+}
+
+TEST(PrintDifferences, AgreesWithTheRecordsOnEveryPair) {
+    std::mt19937 random(1);
+    int equal = 0;
+    int unequal = 0;
+    for (int i = 0; i < 4000; ++i) {
+        const CTrvAssemblyData first = assembly(randomTree(random, 1));
+        const CTrvAssemblyData second = assembly(randomTree(random, 1));
+        std::ostringstream out;
+        ASSERT_EQ(cli::printDifferences(first, second, out), first != second) << out.str();
+        ++(first == second ? equal : unequal);
+    }
+    EXPECT_GT(equal, 500);
+    EXPECT_GT(unequal, 500);
+}
+
+}  // namespace
+}  // namespace trv::testing

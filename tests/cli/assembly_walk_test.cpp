@@ -1,0 +1,42 @@
+#include <cli/assembly_walk.h>
+#include <tests/cli/samples.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace trv::testing {
+namespace {
+
+std::string walk(const CTrvAssemblyData& tree) {
+    std::string seen;
+    cli::forEachComponent(tree, [&](const ComponentView& view, std::size_t level) {
+        seen += std::to_string(level) + view.name + ' ';
+    });
+    return seen;
+}
+
+TEST(ForEachComponent, VisitsTheRootOfAnEmptyAssembly) {
+    EXPECT_EQ(walk(CTrvAssemblyData()), "0 ");
+}
+
+TEST(ForEachComponent, VisitsParentsBeforeChildrenInOrder) {
+    EXPECT_EQ(walk(assembly(component("a", {component("b", {component("c"), component("d")}),
+                                            component("e"), component("f", {component("g")})}))),
+              "0a 1b 2c 2d 1e 1f 2g ");
+}
+
+TEST(ForEachComponent, BearsAnyDepth) {
+    constexpr int levels = 100000;
+    std::size_t count = 0;
+    std::size_t deepest = 0;
+    cli::forEachComponent(chain(levels, "f"), [&](const ComponentView&, std::size_t level) {
+        ++count;
+        deepest = level;
+    });
+    EXPECT_EQ(count, 100000U);
+    EXPECT_EQ(deepest, 99999U);
+}
+
+}  // namespace
+}  // namespace trv::testing

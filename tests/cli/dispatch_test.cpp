@@ -1,0 +1,136 @@
+#include <tests/cli/answer.h>
+
+#include <gtest/gtest.h>
+
+namespace trv::testing {
+namespace {
+
+constexpr const char* overview =
+    "Usage: trvfiles COMMAND [ARGUMENT...]\n"
+    "\n"
+    "Shows, checks, compares and writes the project files of a machining workstation.\n"
+    "\n"
+    "Commands:\n"
+    "  show           Show an assembly or axis file\n"
+    "  check          Check that files can be read\n"
+    "  assembly tree  Show the components of an assembly\n"
+    "  assembly list  List the geometry files of an assembly where they end up\n"
+    "  assembly diff  Tell what differs between two assemblies\n"
+    "  axis show      Show an axis file\n"
+    "  axis invert    Write the inverse of an axis file to another one\n"
+    "  axis write     Write an axis file\n"
+    "\n"
+    "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the version.\n"
+    "Exit status: 0 done, 1 a negative answer, 2 an error.\n";
+
+TEST(Dispatch, ExplainsTheWholeCommand) {
+    for (const char* option : {"--help", "-h"}) {
+        const Answer answer = answerTo(words(option));
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_EQ(answer.out, overview);
+        EXPECT_EQ(answer.err, "");
+    }
+}
+
+TEST(Dispatch, ExplainsAGroup) {
+    const Answer answer = answerTo(words("axis --help"));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out,
+              "Usage: trvfiles axis COMMAND [ARGUMENT...]\n"
+              "\n"
+              "Commands:\n"
+              "  axis show    Show an axis file\n"
+              "  axis invert  Write the inverse of an axis file to another one\n"
+              "  axis write   Write an axis file\n"
+              "\n"
+              "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the "
+              "version.\n"
+              "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
+}
+
+TEST(Dispatch, ExplainsOneCommand) {
+    const char* const text =
+        "Usage: trvfiles assembly list [--json | --csv] FILE\n"
+        "\n"
+        "List the geometry files of an assembly where they end up.\n"
+        "Prints a line for each placed file: its name, its translation and its three axis\n"
+        "vectors in the assembly's frame. Disabled components are left out.\n"
+        "\n"
+        "Options:\n"
+        "  --json      Print JSON\n"
+        "  --csv       Print comma-separated values with a header line\n"
+        "  -h, --help  Show this help\n";
+    EXPECT_EQ(answerTo(words("assembly list --help")).out, text);
+    EXPECT_EQ(answerTo(words("assembly list -h a b c")).out, text);
+    EXPECT_EQ(answerTo(words("assembly list --bad --help")).status, 0);
+}
+
+TEST(Dispatch, ExplainsEveryCommand) {
+    for (const char* command : {"show", "check", "assembly tree", "assembly list", "assembly diff",
+                                "axis show", "axis invert", "axis write"}) {
+        const Answer answer = answerTo(words(command) + words("--help"));
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_EQ(answer.err, "");
+        EXPECT_EQ(answer.out.find("Usage: trvfiles " + std::string(command) + ' '), 0U);
+        EXPECT_NE(answer.out.find("\n\nOptions:\n"), std::string::npos);
+    }
+}
+
+TEST(Dispatch, TellsTheVersion) {
+    for (const char* option : {"--version", "-v"}) {
+        const Answer answer = answerTo(words(option));
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_EQ(answer.out, "trvfiles " TRV_VERSION "\n");
+        EXPECT_EQ(answer.err, "");
+    }
+}
+
+void expectRefusal(const QStringList& arguments, const std::string& text) {
+    const Answer answer = answerTo(arguments);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, text);
+}
+
+TEST(Dispatch, WantsACommand) {
+    expectRefusal({}, "trvfiles: A command is missing.\nTry 'trvfiles --help'.\n");
+    expectRefusal(words("axis"),
+                  "trvfiles axis: A command is missing.\nTry 'trvfiles axis --help'.\n");
+}
+
+TEST(Dispatch, RefusesWhatIsNoCommand) {
+    expectRefusal(words("frob"), "trvfiles: There is no command 'frob'.\nTry 'trvfiles --help'.\n");
+    expectRefusal(words("axis tree a"),
+                  "trvfiles axis: There is no command 'tree'.\nTry 'trvfiles axis --help'.\n");
+    expectRefusal({QStringLiteral("axis show")},
+                  "trvfiles: There is no command 'axis show'.\nTry 'trvfiles --help'.\n");
+    expectRefusal({QString()}, "trvfiles: There is no command ''.\nTry 'trvfiles --help'.\n");
+    expectRefusal({QStringLiteral("a\nb %1")},
+                  "trvfiles: There is no command 'a\\x0ab %1'.\nTry 'trvfiles --help'.\n");
+}
+
+TEST(Dispatch, RefusesOptionsThatACommandDoesNotHave) {
+    expectRefusal(words("show --csv a"),
+                  "trvfiles show: Unknown option 'csv'.\nTry 'trvfiles show --help'.\n");
+    expectRefusal(words("show --json=1 a"),
+                  "trvfiles show: Unexpected value after '--json'.\n"
+                  "Try 'trvfiles show --help'.\n");
+    expectRefusal(words("axis write a --tags"),
+                  "trvfiles axis write: Missing value after '--tags'.\n"
+                  "Try 'trvfiles axis write --help'.\n");
+}
+
+TEST(Dispatch, CountsTheFileNames) {
+    expectRefusal(words("show"),
+                  "trvfiles show: A file name is missing.\nTry 'trvfiles show --help'.\n");
+    expectRefusal(words("show a b c"),
+                  "trvfiles show: 'b' is one file name too many.\nTry 'trvfiles show --help'.\n");
+}
+
+TEST(Dispatch, TakesWhatFollowsTwoDashesForAFileName) {
+    expectRefusal(words("show -- --help"),
+                  "trvfiles: --help: eFileIOOpenError: No such file or directory\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

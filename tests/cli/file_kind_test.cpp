@@ -1,0 +1,89 @@
+#include <cli/file_kind.h>
+#include <tests/cli/samples.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <trvfiles/support/platform.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace trv::cli {
+namespace {
+
+using namespace std::string_view_literals;
+
+class FileOf {
+public:
+    explicit FileOf(std::string_view bytes) {
+        testing::writeBytes(directory_ / "file", bytes);
+        file_ = platform::open_for_read(directory_ / "file", platform::file_mode::text);
+    }
+    std::FILE* get() const { return file_.get(); }
+
+private:
+    testing::TemporaryDirectory directory_;
+    platform::file_handle file_;
+};
+
+FileKind kindOf(std::string_view bytes) {
+    return cli::kindOf(FileOf(bytes).get());
+}
+
+TEST(FileKind, KnowsAnAssemblyByItsXml) {
+    EXPECT_EQ(kindOf(testing::setupXml), FileKind::assembly);
+    EXPECT_EQ(kindOf("<?xml version=\"1.0\"?><a/>"), FileKind::assembly);
+    EXPECT_EQ(kindOf(" \t\r\n <a/>"), FileKind::assembly);
+    EXPECT_EQ(kindOf("<"), FileKind::assembly);
+}
+
+TEST(FileKind, KnowsAnAssemblyInEveryEncoding) {
+    EXPECT_EQ(kindOf("\xEF\xBB\xBF<a/>"), FileKind::assembly);
+    EXPECT_EQ(kindOf("\xFF\xFE<\0a\0/\0>\0"sv), FileKind::assembly);
+    EXPECT_EQ(kindOf("\xFE\xFF\0<\0a\0/\0>"sv), FileKind::assembly);
+    EXPECT_EQ(kindOf("<\0a\0/\0>\0"sv), FileKind::assembly);
+    EXPECT_EQ(kindOf("\0<\0a\0/\0>"sv), FileKind::assembly);
+}
+
+TEST(FileKind, KnowsAnAxisFileByItsLines) {
+    EXPECT_EQ(kindOf(testing::identityAxis), FileKind::axis);
+    EXPECT_EQ(kindOf("anything\n1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1"), FileKind::axis);
+    EXPECT_EQ(kindOf("\r\n1 0 0 0\r\n0 1 0 0\r\n0 0 1 0\r\n0 0 0 1\r\n"), FileKind::axis);
+}
+
+TEST(FileKind, KnowsAnAxisFileBehindALongFirstLine) {
+    EXPECT_EQ(kindOf(std::string(5000, 'x') + "\n1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"),
+              FileKind::axis);
+}
+
+TEST(FileKind, KnowsABrokenAxisFile) {
+    EXPECT_EQ(kindOf("x\n1 0 0 0\n0 1 0\n"), FileKind::axis);
+    EXPECT_EQ(kindOf("      0\n"), FileKind::axis);
+    EXPECT_EQ(kindOf("1"), FileKind::axis);
+    EXPECT_EQ(kindOf("\t1 \r\nthree numbers\n"), FileKind::axis);
+}
+
+TEST(FileKind, TakesNothingElse) {
+    EXPECT_EQ(kindOf(""), FileKind::unknown);
+    EXPECT_EQ(kindOf("\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("2\n1 2 3\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("10\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("[machine]\nname = Mill\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("x < y\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("\0\0\0\0"sv), FileKind::unknown);
+}
+
+TEST(FileKind, TellsAnEmptyFileFromAnotherOne) {
+    EXPECT_EQ(whyUnknown(FileOf("").get()).toStdString(), "the file is empty");
+    EXPECT_EQ(whyUnknown(FileOf("x").get()).toStdString(), "neither an assembly nor an axis file");
+}
+
+TEST(FileKind, ForgetsThatTheEndWasMet) {
+    const FileOf file("x");
+    ASSERT_EQ(cli::kindOf(file.get()), FileKind::unknown);
+    EXPECT_EQ(whyUnknown(file.get()).toStdString(), "neither an assembly nor an axis file");
+}
+
+}  // namespace
+}  // namespace trv::cli

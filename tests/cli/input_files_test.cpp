@@ -1,0 +1,201 @@
+#include <cli/input_files.h>
+#include <tests/cli/samples.h>
+#include <tests/common/child_process.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+
+namespace trv::cli {
+namespace {
+
+class InputFiles : public ::testing::Test {
+protected:
+    QString file(const char* name, std::string_view bytes) const {
+        testing::writeBytes(directory_ / name, bytes);
+        return path(name);
+    }
+
+    QString path(const char* name) const {
+        return QString::fromStdString((directory_ / name).generic_string());
+    }
+
+    static std::string text(const Problem& problem) {
+        return problem ? problemText(problem).toStdString() : "";
+    }
+
+    std::string assemblyProblem(std::string_view xml) const {
+        CTrvAssemblyData ignored;
+        return text(readAssembly(file("a.xml", xml), ignored));
+    }
+
+    std::string axisProblem(std::string_view lines) const {
+        AxisFile ignored;
+        return text(readAxis(file("a.ref", lines), ignored));
+    }
+
+    testing::TemporaryDirectory directory_;
+};
+
+TEST_F(InputFiles, NamesEveryStatus) {
+    EXPECT_EQ(text({eFileIOOpenError, QStringLiteral("x")}), "eFileIOOpenError: x");
+    EXPECT_EQ(text({eFileIOShortWrite, QStringLiteral("x")}), "eFileIOShortWrite: x");
+    EXPECT_EQ(text({eFileIOContentError, QStringLiteral("x")}), "eFileIOContentError: x");
+    EXPECT_EQ(text({eFileIOStructureError, QStringLiteral("x\n")}),
+              "eFileIOStructureError: x\\x0a");
+    EXPECT_EQ(problemText({}).toStdString(), "eFileIOSuccess: ");
+}
+
+TEST_F(InputFiles, ReportsOnTheErrorStreamAndFails) {
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(report(QStringLiteral("a\tb"), {eFileIOOpenError, QStringLiteral("why")}, {out, err}),
+              failed);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(err.str(), "trvfiles: a\\x09b: eFileIOOpenError: why\n");
+}
+
+TEST_F(InputFiles, FindsTheKindByContentWhateverTheName) {
+    FileKind kind = FileKind::unknown;
+    EXPECT_FALSE(findKind(file("a.ref", testing::setupXml), kind));
+    EXPECT_EQ(kind, FileKind::assembly);
+    EXPECT_FALSE(findKind(file("a.xml", testing::turnedAxis), kind));
+    EXPECT_EQ(kind, FileKind::axis);
+}
+
+TEST_F(InputFiles, TellsWhyThereIsNoKind) {
+    FileKind kind = FileKind::axis;
+    EXPECT_EQ(text(findKind(file("empty", ""), kind)), "eFileIOContentError: the file is empty");
+    EXPECT_EQ(kind, FileKind::unknown);
+    EXPECT_EQ(text(findKind(file("note", "note"), kind)),
+              "eFileIOContentError: neither an assembly nor an axis file");
+    EXPECT_EQ(text(findKind(path("missing"), kind)), "eFileIOOpenError: No such file or directory");
+    EXPECT_EQ(text(findKind(path(""), kind)), "eFileIOOpenError: Is a directory");
+}
+
+TEST_F(InputFiles, LooksIntoNoDevice) {
+    if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "there are no device files here";
+    FileKind kind = FileKind::axis;
+    AxisFile axis;
+    const std::string refusal = "eFileIOOpenError: not a regular file";
+    EXPECT_EQ(text(findKind(QStringLiteral("/dev/zero"), kind)), refusal);
+    EXPECT_EQ(text(readAxis(QStringLiteral("/dev/zero"), axis)), refusal);
+}
+
+TEST_F(InputFiles, SaysWhenRightsAreMissing) {
+    if (!testing::can_fork) GTEST_SKIP() << "rights are given up in a child process";
+    const QString name = file("secret", testing::setupXml);
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(directory_ / "secret", std::filesystem::perms::none);
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::becomeOrdinaryUser());
+        const std::string denied = "eFileIOOpenError: Permission denied";
+        FileKind kind = FileKind::unknown;
+        CTrvAssemblyData assembly;
+        AxisFile axis;
+        EXPECT_EQ(text(findKind(name, kind)), denied);
+        EXPECT_EQ(text(readAssembly(name, assembly)), denied);
+        EXPECT_EQ(text(readAxis(name, axis)), denied);
+        EXPECT_EQ(text(writeAxis(name, axis)), denied);
+    }));
+}
+
+TEST_F(InputFiles, ReadsAnAssembly) {
+    CTrvAssemblyData assembly;
+    EXPECT_FALSE(readAssembly(file("a.xml", testing::setupXml), assembly));
+    EXPECT_EQ(assembly.getRootComponent().getName(), "Setup");
+    EXPECT_EQ(assembly.getComponentNumber(), 2U);
+}
+
+TEST_F(InputFiles, SaysWhereAnAssemblyIsBroken) {
+    EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\">\n<Attributs>\n</ComponentInfo>"),
+              "eFileIOContentError: line 3, column 16: tag mismatch");
+    EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\"/>"),
+              "eFileIOContentError: line 1, column 27: <ComponentInfo> has no <Attributs>");
+    EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\"><Attributs/></ComponentInfo>"),
+              "eFileIOContentError: line 1, column 27: <ComponentInfo> has no <Component>");
+    EXPECT_EQ(assemblyProblem("\n<a/>"),
+              "eFileIOStructureError: line 2, column 3: the root element is <a>, not "
+              "<ComponentInfo>");
+    EXPECT_EQ(
+        assemblyProblem("<ComponentInfo version=\"1.0\"/>"),
+        "eFileIOContentError: line 1, column 29: the version of <ComponentInfo> is no integer");
+}
+
+TEST_F(InputFiles, SaysWhyAnAssemblyDoesNotOpen) {
+    CTrvAssemblyData ignored;
+    EXPECT_EQ(text(readAssembly(path("missing"), ignored)),
+              "eFileIOOpenError: No such file or directory");
+    EXPECT_EQ(text(readAssembly(path(""), ignored)), "eFileIOOpenError: Is a directory");
+}
+
+TEST_F(InputFiles, ReadsAnAxisFileWithItsTags) {
+    AxisFile axis;
+    EXPECT_FALSE(readAxis(file("a.ref", testing::turnedAxis), axis));
+    EXPECT_EQ(axis.matrix, (AxisMatrix{0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 10, 20, 30, 1}));
+    EXPECT_EQ(axis.tags, (std::array<int, 3>{3, 0, 7}));
+}
+
+TEST_F(InputFiles, LeavesMissingTagsNegative) {
+    AxisFile axis;
+    EXPECT_FALSE(readAxis(file("a.ref", testing::identityAxis), axis));
+    EXPECT_EQ(axis.tags, (std::array<int, 3>{-1, -1, -1}));
+    EXPECT_FALSE(readAxis(file("b.ref", std::string(testing::identityAxis) + "  #5 x\n"), axis));
+    EXPECT_EQ(axis.tags, (std::array<int, 3>{5, -1, -1}));
+}
+
+TEST_F(InputFiles, SaysWhichLineOfAnAxisFileIsBroken) {
+    EXPECT_EQ(axisProblem(""), "eFileIOContentError: line 2: four numbers are expected");
+    EXPECT_EQ(axisProblem("0\n1 0 0 0\n0 1 0 0\n0 0 1\n0 0 0 1\n"),
+              "eFileIOContentError: line 4: four numbers are expected");
+    EXPECT_EQ(axisProblem("0\n1 0 0 0\n0 1 0 0\n0 0 1 0\n"),
+              "eFileIOContentError: line 5: four numbers are expected");
+}
+
+TEST_F(InputFiles, SaysWhyAnAxisFileDoesNotOpen) {
+    AxisFile ignored;
+    EXPECT_EQ(text(readAxis(path("missing"), ignored)),
+              "eFileIOOpenError: No such file or directory");
+    EXPECT_EQ(text(readAxis(path(""), ignored)), "eFileIOOpenError: Is a directory");
+}
+
+TEST_F(InputFiles, WritesAnAxisFile) {
+    const AxisFile axis = {{0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 10, 20, 30, 1}, {3, 0, 7}};
+    EXPECT_FALSE(writeAxis(path("a.ref"), axis));
+    EXPECT_EQ(testing::textOf(directory_ / "a.ref"), testing::turnedAxis);
+}
+
+TEST_F(InputFiles, SeesEveryFailureToWrite) {
+    EXPECT_EQ(text(writeAxis(path("missing/a.ref"), {})),
+              "eFileIOOpenError: No such file or directory");
+    // The rest of the text is the system's.
+    EXPECT_EQ(text(writeAxis(path(""), {})).substr(0, 18), "eFileIOOpenError: ");
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+    EXPECT_EQ(text(writeAxis(QStringLiteral("/dev/full"), {})),
+              "eFileIOShortWrite: No space left on device");
+}
+
+TEST_F(InputFiles, SeesAFileThatCannotGrow) {
+    if (!testing::can_fork) GTEST_SKIP() << "the limit is set in a child process";
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::limitFileSize(100));
+        EXPECT_EQ(text(writeAxis(path("a.ref"), {})), "eFileIOShortWrite: File too large");
+    }));
+}
+
+TEST_F(InputFiles, ResolvesNamesAsAFacadeDoes) {
+    file("f", testing::identityAxis);
+    AxisFile axis;
+    FileKind kind = FileKind::unknown;
+    EXPECT_FALSE(readAxis(path("missing/../f"), axis));
+    EXPECT_FALSE(findKind(path("missing/../f"), kind));
+    EXPECT_EQ(resolved(path("a//b/../c")), path("a/c"));
+    EXPECT_EQ(resolved(QStringLiteral("x")).toStdString(),
+              (std::filesystem::current_path() / "x").generic_string());
+}
+
+}  // namespace
+}  // namespace trv::cli

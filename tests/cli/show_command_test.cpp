@@ -1,0 +1,77 @@
+#include <tests/cli/answer.h>
+#include <tests/cli/samples.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+
+#include <gtest/gtest.h>
+
+namespace trv::testing {
+namespace {
+
+class ShowCommand : public ::testing::Test {
+protected:
+    Answer show(const char* name, std::string_view bytes, const QStringList& options = {}) const {
+        writeBytes(directory_ / name, bytes);
+        return answerTo(words("show") + options + QStringList(QString::fromStdString(path(name))));
+    }
+
+    std::string path(const char* name) const { return (directory_ / name).generic_string(); }
+
+    TemporaryDirectory directory_;
+};
+
+TEST_F(ShowCommand, ShowsAnAssemblyWhateverItsName) {
+    const Answer answer = show("a.ref", setupXml);
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out,
+              "Assembly file " + path("a.ref") +
+                  "\n\n"
+                  "Dimension         100 x 50 x 20.5\n"
+                  "Components        3\n"
+                  "Component number  2\n"
+                  "Placed files      1\n"
+                  "\n"
+                  "Setup, at 10 0 0\n"
+                  "  Vise: vise, small.stl, at 0 5 0.1 -- left, \"old\"\n"
+                  "  Part (disabled): part.stl, at 0 0 0, axes 0 1 0 / -1 0 0 / 0 0 1\n");
+}
+
+TEST_F(ShowCommand, ShowsAnAxisFileAsAxisShowDoes) {
+    const Answer answer = show("a.xml", turnedAxis);
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out.substr(0, 10), "Axis file ");
+    EXPECT_EQ(answer.out, answerTo({QStringLiteral("axis"), QStringLiteral("show"),
+                                    QString::fromStdString(path("a.xml"))})
+                              .out);
+}
+
+TEST_F(ShowCommand, PrintsJsonOfEitherKind) {
+    const QStringList json(QStringLiteral("--json"));
+    EXPECT_EQ(show("a", setupXml, json).out.substr(0, 19), "{\"componentNumber\":");
+    EXPECT_NE(show("a", setupXml, json).out.find("\"kind\":\"assembly\""), std::string::npos);
+    EXPECT_NE(show("a", turnedAxis, json).out.find("\"kind\":\"axis\""), std::string::npos);
+}
+
+TEST_F(ShowCommand, SaysThatItKnowsNoSuchFile) {
+    const Answer answer = show("note.txt", "a note\n");
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, "trvfiles: " + path("note.txt") +
+                              ": eFileIOContentError: neither an assembly nor an axis file\n");
+    EXPECT_EQ(show("empty", "").err,
+              "trvfiles: " + path("empty") + ": eFileIOContentError: the file is empty\n");
+}
+
+TEST_F(ShowCommand, SaysWhereAFileIsBroken) {
+    EXPECT_EQ(show("a", "<ComponentInfo version=\"1\">\n<a></b>").err,
+              "trvfiles: " + path("a") + ": eFileIOContentError: line 2, column 7: tag mismatch\n");
+    const Answer answer = show("a", "1\n1 2 3 4\n");
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, "trvfiles: " + path("a") +
+                              ": eFileIOContentError: line 3: four numbers are expected\n");
+}
+
+}  // namespace
+}  // namespace trv::testing
