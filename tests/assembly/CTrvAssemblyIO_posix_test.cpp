@@ -1,6 +1,7 @@
 // Ways to fail that only POSIX systems can provoke without help.
 
-#include <tests/assembly/assembly_samples.h>
+#include <tests/assembly/random_assemblies.h>
+#include <tests/assembly/sample_components.h>
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>

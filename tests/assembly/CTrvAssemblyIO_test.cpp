@@ -1,4 +1,5 @@
-#include <tests/assembly/assembly_samples.h>
+#include <tests/assembly/random_assemblies.h>
+#include <tests/assembly/sample_components.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>

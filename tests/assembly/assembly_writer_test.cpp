@@ -1,4 +1,4 @@
-#include <tests/assembly/assembly_samples.h>
+#include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/assembly_writer.h>
 
 #include <QDomImplementation>

@@ -1,4 +1,5 @@
-#include <tests/assembly/assembly_samples.h>
+#include <tests/assembly/random_assemblies.h>
+#include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_text.h>
 #include <trvfiles/support/platform.h>

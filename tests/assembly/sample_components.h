@@ -1,7 +1,8 @@
 #pragma once
 
-#include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/assembly/CTrvAssemblyData.h>
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -51,6 +52,39 @@ inline CTrvAssemblyComponentData chain(std::size_t levels, CTrvAssemblyComponent
     for (; levels > 0; --levels)
         bottom = over(std::move(bottom), moved(1, 0, 0));
     return bottom;
+}
+
+using Vector3 = std::array<double, 3>;
+
+/// A component with the identity placement, a name and a geometry file.
+inline CTrvAssemblyComponentData leaf(const std::string& name, const std::string& fileName) {
+    CTrvAssemblyComponentData component;
+    component.setName(name);
+    component.setGeometryFileName(fileName);
+    return component;
+}
+
+inline CTrvAssemblyComponentData group(const std::string& name,
+                                       std::vector<CTrvAssemblyComponentData> children) {
+    CTrvAssemblyComponentData component;
+    component.setName(name);
+    component.setComponents(std::move(children));
+    return component;
+}
+
+inline CTrvAssemblyData assemblyOf(CTrvAssemblyComponentData root, Vector3 dimension = {}) {
+    CTrvAssemblyData assembly;
+    assembly.setDimension(dimension.data());
+    assembly.getRootComponent() = std::move(root);
+    return assembly;
+}
+
+/// A chain of `components` components, one below the other, the last of them with a geometry file.
+inline CTrvAssemblyComponentData chain(int components) {
+    CTrvAssemblyComponentData component = leaf("level", "end.stl");
+    for (int i = 1; i < components; ++i)
+        component = over(std::move(component), named("level"));
+    return component;
 }
 
 }  // namespace trv::testing

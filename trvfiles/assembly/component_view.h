@@ -3,10 +3,10 @@
 /// @file
 /// A component's fields without the copies that its getters make.
 
-#include <trvfiles/assembly/CTrvAssemblyComponentData.h>
-
 #include <string>
 #include <vector>
+
+class CTrvAssemblyComponentData;
 
 namespace trv {
 

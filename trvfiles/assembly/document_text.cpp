@@ -1,5 +1,6 @@
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/document_text.h>
+#include <trvfiles/assembly/dom_walk.h>
 
 #include <QStringView>
 
@@ -116,24 +117,9 @@ void appendEnd(std::string& text, const QDomNode& node, int depth) {
 
 std::string documentText(const QDomDocument& document) {
     std::string text;
-    int depth = 0;
-    QDomNode node = document.firstChild();
-    while (!node.isNull()) {
-        appendStart(text, node, depth);
-        QDomNode next = node.firstChild();
-        if (!next.isNull()) {
-            ++depth;
-        } else {
-            next = node.nextSibling();
-            while (next.isNull() && depth > 0) {
-                node = node.parentNode();
-                --depth;
-                appendEnd(text, node, depth);
-                next = node.nextSibling();
-            }
-        }
-        node = next;
-    }
+    walkDocument(
+        document, [&](const QDomNode& node, int depth) { appendStart(text, node, depth); },
+        [&](const QDomNode& node, int depth) { appendEnd(text, node, depth); });
     return text;
 }
 

@@ -1,4 +1,5 @@
 #include <trvfiles/assembly/dom_tree.h>
+#include <trvfiles/assembly/dom_walk.h>
 
 #include <new>
 #include <vector>
@@ -11,23 +12,12 @@ void freeInSlices(QDomDocument& document) {
     // of so many levels, which are freed one after the other, the outermost first.
     constexpr int levelsOfASlice = 100;
     std::vector<QDomNode> slices;
-    int depth = 0;
-    QDomNode node = document.documentElement();
-    while (!node.isNull()) {
-        if (depth > 0 && depth % levelsOfASlice == 0) slices.push_back(node);
-        QDomNode next = node.firstChild();
-        if (!next.isNull()) {
-            ++depth;
-        } else {
-            next = node.nextSibling();
-            while (next.isNull() && depth > 0) {
-                node = node.parentNode();
-                --depth;
-                if (depth > 0) next = node.nextSibling();
-            }
-        }
-        node = next;
-    }
+    walkDocument(
+        document,
+        [&](const QDomNode& node, int depth) {
+            if (depth > 0 && depth % levelsOfASlice == 0) slices.push_back(node);
+        },
+        [](const QDomNode&, int) {});
     document.clear();
     for (QDomNode& slice : slices)
         slice.clear();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <tests/assembly/sample_components.h>
 
 #include <array>
 #include <cstddef>
@@ -10,41 +10,6 @@
 #include <vector>
 
 namespace trv::testing {
-
-using Vector3 = std::array<double, 3>;
-
-inline CTrvAssemblyComponentData leaf(const std::string& name, const std::string& fileName) {
-    CTrvAssemblyComponentData component;
-    component.setName(name);
-    component.setGeometryFileName(fileName);
-    return component;
-}
-
-inline CTrvAssemblyComponentData group(const std::string& name,
-                                       std::vector<CTrvAssemblyComponentData> children) {
-    CTrvAssemblyComponentData component;
-    component.setName(name);
-    component.setComponents(std::move(children));
-    return component;
-}
-
-inline CTrvAssemblyData assemblyOf(CTrvAssemblyComponentData root, Vector3 dimension = {}) {
-    CTrvAssemblyData assembly;
-    assembly.setDimension(dimension.data());
-    assembly.getRootComponent() = std::move(root);
-    return assembly;
-}
-
-/// A chain of `components` components, one below the other, the last of them with a geometry file.
-inline CTrvAssemblyComponentData chain(int components) {
-    CTrvAssemblyComponentData component = leaf("level", "end.stl");
-    for (int i = 1; i < components; ++i) {
-        std::vector<CTrvAssemblyComponentData> children;
-        children.push_back(std::move(component));
-        component = group("level", std::move(children));
-    }
-    return component;
-}
 
 /// Trees with every kind of text and number that a file can hold; the same ones in every run.
 class RandomAssemblies {
