@@ -1,15 +1,21 @@
 #include <trvfiles/support/platform.h>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <string_view>
 #include <system_error>
 
 namespace trv::platform {
@@ -29,14 +35,45 @@ file_handle adopt(int descriptor, const char* mode) {
 }
 
 // An open that a signal interrupts is made again.
-int open_descriptor(const std::filesystem::path& path, int flags) {
+int open_descriptor(const char* path, int flags) {
     constexpr mode_t everyone_as_the_mask_allows = 0666;
     int descriptor = -1;
     do {
-        descriptor = ::open(path.c_str(), flags | O_CLOEXEC, everyone_as_the_mask_allows);
+        descriptor = ::open(path, flags | O_CLOEXEC, everyone_as_the_mask_allows);
     } while (descriptor < 0 && errno == EINTR);
     return descriptor;
 }
+
+file_handle open_no_directory(const char* path) {
+    const int descriptor = open_descriptor(path, O_RDONLY);
+    struct stat status = {};
+    if (descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+        ::close(descriptor);
+        errno = EISDIR;
+        return nullptr;
+    }
+    return adopt(descriptor, "r");
+}
+
+file_handle open_emptied(const char* path) {
+    return adopt(open_descriptor(path, O_WRONLY | O_CREAT | O_TRUNC), "w");
+}
+
+int code_of(int result) {
+    return result == 0 ? 0 : errno;
+}
+
+bool read_status(const char* runtime_path, struct stat& status) {
+    return ::stat(native_path(runtime_path).c_str(), &status) == 0;
+}
+
+bool names_variable(const char* name) {
+    return name != nullptr && *name != '\0' && std::strchr(name, '=') == nullptr;
+}
+
+struct directory_closer {
+    void operator()(DIR* directory) const noexcept { ::closedir(directory); }
+};
 
 struct stack_call {
     const std::function<void()>& work;
@@ -67,19 +104,126 @@ bool backslash_separates() {
     return false;
 }
 
+std::string native_path(const char* path) {
+    std::string native = path == nullptr ? "" : path;
+    std::replace(native.begin(), native.end(), '\\', '/');
+    return native;
+}
+
 file_handle open_for_read(const std::filesystem::path& path, file_mode) {
-    const int descriptor = open_descriptor(path, O_RDONLY);
-    struct stat status = {};
-    if (descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-        ::close(descriptor);
-        errno = EISDIR;
-        return nullptr;
-    }
-    return adopt(descriptor, "r");
+    return open_no_directory(path.c_str());
+}
+
+file_handle open_for_read(const char* runtime_path, file_mode) {
+    return open_no_directory(native_path(runtime_path).c_str());
 }
 
 file_handle open_for_write(const std::filesystem::path& path, file_mode) {
-    return adopt(open_descriptor(path, O_WRONLY | O_CREAT | O_TRUNC), "w");
+    return open_emptied(path.c_str());
+}
+
+file_handle open_for_write(const char* runtime_path, file_mode) {
+    return open_emptied(native_path(runtime_path).c_str());
+}
+
+file_handle open_for_update(const char* runtime_path, file_mode) {
+    return adopt(open_descriptor(native_path(runtime_path).c_str(), O_RDWR), "r+");
+}
+
+file_handle open_for_append(const char* runtime_path, file_mode) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_APPEND;
+    return adopt(open_descriptor(native_path(runtime_path).c_str(), flags), "a");
+}
+
+int sync_file(std::FILE* file) {
+    if (std::fflush(file) != 0) return errno;
+    int result = 0;
+    do {
+        result = ::fsync(::fileno(file));
+    } while (result != 0 && errno == EINTR);
+    // A pipe or a character device has nothing to wait for.
+    const bool has_no_device = result != 0 && errno == EINVAL;
+    return has_no_device ? 0 : code_of(result);
+}
+
+int remove_file(const char* runtime_path) {
+    return code_of(::unlink(native_path(runtime_path).c_str()));
+}
+
+int replace_file(const char* from, const char* to) {
+    const int reason = code_of(std::rename(native_path(from).c_str(), native_path(to).c_str()));
+    if (reason != 0) remove_file(from);
+    return reason;
+}
+
+bool path_exists(const char* runtime_path) {
+    struct stat status = {};
+    return read_status(runtime_path, status);
+}
+
+bool directory_exists(const char* runtime_path) {
+    struct stat status = {};
+    return read_status(runtime_path, status) && S_ISDIR(status.st_mode);
+}
+
+int create_directory(const char* runtime_path) {
+    constexpr mode_t everyone_as_the_mask_allows = 0777;
+    return code_of(::mkdir(native_path(runtime_path).c_str(), everyone_as_the_mask_allows));
+}
+
+std::vector<std::string> directory_entries(const char* runtime_path) {
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, directory_closer> directory(
+        ::opendir(native_path(runtime_path).c_str()));
+    if (directory == nullptr) return names;
+    while (const dirent* entry = ::readdir(directory.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") names.emplace_back(name);
+    }
+    return names;
+}
+
+bool read_identity(const char* runtime_path, file_identity& identity) {
+    struct stat status = {};
+    if (!read_status(runtime_path, status)) return false;
+    const auto index = static_cast<std::uint64_t>(status.st_ino);
+    identity.is_directory = S_ISDIR(status.st_mode);
+    identity.volume = static_cast<std::uint32_t>(status.st_dev);
+    identity.index_high = static_cast<std::uint32_t>(index >> 32U);
+    identity.index_low = static_cast<std::uint32_t>(index);
+    return true;
+}
+
+std::string current_directory() {
+    std::error_code none;
+    std::string directory = std::filesystem::current_path(none).string();
+    std::replace(directory.begin(), directory.end(), '/', '\\');
+    return directory;
+}
+
+std::string program_file() {
+    std::error_code none;
+    return std::filesystem::read_symlink("/proc/self/exe", none).string();
+}
+
+const char* get_environment(const char* name) {
+    return names_variable(name) ? std::getenv(name) : nullptr;
+}
+
+bool set_environment(const char* name, const char* value) {
+    if (!names_variable(name)) return false;
+    if (value == nullptr || *value == '\0') return ::unsetenv(name) == 0;
+    return ::setenv(name, value, 1) == 0;
+}
+
+std::tm local_time(std::time_t instant) {
+    std::tm broken_down = {};
+    ::localtime_r(&instant, &broken_down);
+    return broken_down;
+}
+
+void breakpoint_trap() {
+    static_cast<void>(std::raise(SIGTRAP));
 }
 
 void call_on_stack(std::size_t bytes, const std::function<void()>& work) {

@@ -1,5 +1,6 @@
 #include <trvfiles/support/platform.h>
 
+#include <direct.h>
 #include <fcntl.h>
 #include <io.h>
 #include <process.h>
@@ -11,7 +12,10 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <string_view>
 #include <system_error>
 
 namespace trv::platform {
@@ -19,11 +23,47 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// The C library ends the process over an empty name, so none reaches it.
+file_handle open_nothing() {
+    errno = ENOENT;
+    return nullptr;
+}
+
 file_handle open_shared(const std::filesystem::path& path, const wchar_t* text_mode,
                         const wchar_t* binary_mode, file_mode mode) {
+    if (path.empty()) return open_nothing();
     return file_handle(
         ::_wfsopen(path.c_str(), mode == file_mode::text ? text_mode : binary_mode, _SH_DENYNO));
 }
+
+file_handle open_shared(const char* path, const char* text_mode, const char* binary_mode,
+                        file_mode mode) {
+    if (path == nullptr || *path == '\0') return open_nothing();
+    return file_handle(
+        ::_fsopen(path, mode == file_mode::text ? text_mode : binary_mode, _SH_DENYNO));
+}
+
+bool tells_directory(DWORD attributes) {
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+int code_of(int result) {
+    return result == 0 ? 0 : errno;
+}
+
+bool names_variable(const char* name) {
+    return name != nullptr && *name != '\0' && std::strchr(name, '=') == nullptr;
+}
+
+struct handle_closer {
+    using pointer = HANDLE;
+    void operator()(HANDLE handle) const noexcept { ::CloseHandle(handle); }
+};
+
+struct search_closer {
+    using pointer = HANDLE;
+    void operator()(HANDLE search) const noexcept { ::FindClose(search); }
+};
 
 struct stack_call {
     const std::function<void()>& work;
@@ -50,17 +90,143 @@ bool backslash_separates() {
     return true;
 }
 
+std::string native_path(const char* path) {
+    return path == nullptr ? "" : path;
+}
+
 file_handle open_for_read(const std::filesystem::path& path, file_mode mode) {
-    const DWORD attributes = ::GetFileAttributesW(path.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    if (tells_directory(::GetFileAttributesW(path.c_str()))) {
         errno = EISDIR;
         return nullptr;
     }
     return open_shared(path, L"r", L"rb", mode);
 }
 
+file_handle open_for_read(const char* runtime_path, file_mode mode) {
+    if (directory_exists(runtime_path)) {
+        errno = EISDIR;
+        return nullptr;
+    }
+    return open_shared(runtime_path, "r", "rb", mode);
+}
+
 file_handle open_for_write(const std::filesystem::path& path, file_mode mode) {
     return open_shared(path, L"w", L"wb", mode);
+}
+
+file_handle open_for_write(const char* runtime_path, file_mode mode) {
+    return open_shared(runtime_path, "w", "wb", mode);
+}
+
+file_handle open_for_update(const char* runtime_path, file_mode mode) {
+    return open_shared(runtime_path, "r+", "r+b", mode);
+}
+
+file_handle open_for_append(const char* runtime_path, file_mode mode) {
+    return open_shared(runtime_path, "a", "ab", mode);
+}
+
+int sync_file(std::FILE* file) {
+    if (std::fflush(file) != 0) return errno;
+    return code_of(::_commit(::_fileno(file)));
+}
+
+int remove_file(const char* runtime_path) {
+    return code_of(::_unlink(native_path(runtime_path).c_str()));
+}
+
+int replace_file(const char* from, const char* to) {
+    const int removal = remove_file(to);
+    if (removal != 0 && removal != ENOENT) {
+        remove_file(from);
+        return removal;
+    }
+    const int reason = code_of(std::rename(native_path(from).c_str(), native_path(to).c_str()));
+    const bool target_is_gone = removal == 0;
+    if (reason != 0 && !target_is_gone) remove_file(from);
+    return reason;
+}
+
+bool path_exists(const char* runtime_path) {
+    struct _stat64 status = {};
+    return ::_stat64(native_path(runtime_path).c_str(), &status) == 0;
+}
+
+bool directory_exists(const char* runtime_path) {
+    return tells_directory(::GetFileAttributesA(native_path(runtime_path).c_str()));
+}
+
+int create_directory(const char* runtime_path) {
+    return code_of(::_mkdir(native_path(runtime_path).c_str()));
+}
+
+std::vector<std::string> directory_entries(const char* runtime_path) {
+    std::vector<std::string> names;
+    std::string pattern = native_path(runtime_path);
+    if (pattern.empty()) return names;
+    if (std::string_view("/\\:").find(pattern.back()) == std::string_view::npos) pattern += '\\';
+    pattern += "*.*";
+    WIN32_FIND_DATAA entry = {};
+    const HANDLE first = ::FindFirstFileA(pattern.c_str(), &entry);
+    if (first == INVALID_HANDLE_VALUE) return names;
+    const std::unique_ptr<HANDLE, search_closer> search(first);
+    do {
+        const std::string_view name = entry.cFileName;
+        if (name != "." && name != "..") names.emplace_back(name);
+    } while (::FindNextFileA(search.get(), &entry) != 0);
+    return names;
+}
+
+bool read_identity(const char* runtime_path, file_identity& identity) {
+    constexpr DWORD no_access = 0;
+    const HANDLE opened =
+        ::CreateFileA(native_path(runtime_path).c_str(), no_access,
+                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) return false;
+    const std::unique_ptr<HANDLE, handle_closer> file(opened);
+    BY_HANDLE_FILE_INFORMATION information = {};
+    if (::GetFileInformationByHandle(file.get(), &information) == 0) return false;
+    identity.is_directory = tells_directory(information.dwFileAttributes);
+    identity.volume = information.dwVolumeSerialNumber;
+    identity.index_high = information.nFileIndexHigh;
+    identity.index_low = information.nFileIndexLow;
+    return true;
+}
+
+std::string current_directory() {
+    struct releaser {
+        void operator()(char* text) const noexcept { std::free(text); }
+    };
+    const std::unique_ptr<char, releaser> directory(::_getcwd(nullptr, 0));
+    return native_path(directory.get());
+}
+
+std::string program_file() {
+    constexpr DWORD longest_name = 32768;
+    std::string name(longest_name, '\0');
+    const DWORD length = ::GetModuleFileNameA(nullptr, name.data(), longest_name);
+    name.resize(length < longest_name ? length : 0);
+    return name;
+}
+
+const char* get_environment(const char* name) {
+    return names_variable(name) ? std::getenv(name) : nullptr;
+}
+
+bool set_environment(const char* name, const char* value) {
+    if (!names_variable(name)) return false;
+    return ::_putenv_s(name, value == nullptr ? "" : value) == 0;
+}
+
+std::tm local_time(std::time_t instant) {
+    std::tm broken_down = {};
+    ::localtime_s(&broken_down, &instant);
+    return broken_down;
+}
+
+void breakpoint_trap() {
+    ::__debugbreak();
 }
 
 void call_on_stack(std::size_t bytes, const std::function<void()>& work) {

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <trvfiles/support/platform.h>
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace trv::testing {
+
+/// Gives an environment variable a value, and its old one back at the end. Null unsets it; an empty
+/// text leaves it set but empty.
+class ScopedVariable {
+public:
+    ScopedVariable(std::string name, const char* value) : name_(std::move(name)) {
+        const char* old = platform::get_environment(name_.c_str());
+        if (old != nullptr) old_ = old;
+        set(value);
+    }
+    ~ScopedVariable() { set(old_ ? old_->c_str() : nullptr); }
+    ScopedVariable(const ScopedVariable&) = delete;
+    ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+    void set(const char* value) {
+        const bool empty = value != nullptr && *value == '\0';
+        platform::set_environment(name_.c_str(), empty ? "x" : value);
+        // Not every system has a call that sets an empty variable.
+        if (empty) *std::getenv(name_.c_str()) = '\0';
+    }
+
+private:
+    std::string name_;
+    std::optional<std::string> old_;
+};
+
+}  // namespace trv::testing

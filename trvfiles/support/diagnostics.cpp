@@ -1,0 +1,110 @@
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/platform.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+void print_error(const char* message);
+[[noreturn]] void print_fatal(const char* message);
+void print_trace(const char* message);
+
+message_handler error_handler = print_error;
+message_handler fatal_handler = print_fatal;
+message_handler trace_handler = print_trace;
+bool errors_are_quiet = false;
+bool output_is_echoed = false;
+
+bool goes_to_output() {
+    return output_is_echoed || is_verbose() != 0;
+}
+
+// The stream's failures are nobody's business: there is no channel left to report them.
+void print_line(std::FILE* stream, const char* message) {
+    static_cast<void>(std::fprintf(stream, "%s\n", message));
+}
+
+void print_error(const char* message) {
+    if (goes_to_output()) {
+        print_line(stdout, message);
+    } else if (!errors_are_quiet) {
+        print_line(stderr, message);
+    }
+}
+
+[[noreturn]] void print_fatal(const char* message) {
+    print_line(goes_to_output() ? stdout : stderr, message);
+    std::exit(-1);
+}
+
+void print_trace(const char* message) {
+    if (goes_to_output()) print_line(stdout, message);
+}
+
+void send(message_handler handler, const char* message) {
+    handler(message == nullptr ? "" : message);
+}
+
+message_handler exchange_handler(message_handler& slot, message_handler handler,
+                                 message_handler standard) {
+    return std::exchange(slot, handler == nullptr ? standard : handler);
+}
+
+}  // namespace
+
+void report_error(const char* message) {
+    send(error_handler, message);
+}
+
+void report_fatal(const char* message) {
+    send(fatal_handler, message);
+}
+
+void report_trace(const char* message) {
+    send(trace_handler, message);
+}
+
+bool trace_is_seen() {
+    return trace_handler != print_trace || goes_to_output();
+}
+
+message_handler set_error_handler(message_handler handler) {
+    return exchange_handler(error_handler, handler, print_error);
+}
+
+message_handler set_fatal_handler(message_handler handler) {
+    return exchange_handler(fatal_handler, handler, print_fatal);
+}
+
+message_handler set_trace_handler(message_handler handler) {
+    return exchange_handler(trace_handler, handler, print_trace);
+}
+
+int set_quiet_errors(int flag) {
+    return std::exchange(errors_are_quiet, flag != 0) ? 1 : 0;
+}
+
+int quiet_errors() {
+    return errors_are_quiet ? 1 : 0;
+}
+
+int set_echo_output(int flag) {
+    return std::exchange(output_is_echoed, flag != 0) ? 1 : 0;
+}
+
+int echo_output() {
+    return output_is_echoed ? 1 : 0;
+}
+
+int is_verbose() {
+    const char* value = platform::get_environment("TRV_TRVFILES_VERBOSE");
+    return value != nullptr && std::strcmp(value, "off") != 0 ? 1 : 0;
+}
+
+}  // namespace trv
