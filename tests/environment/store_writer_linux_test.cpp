@@ -1,0 +1,256 @@
+// Saves that the system breaks off: a full disk, a step that fails, a process that is killed.
+
+#include <tests/common/channel_log.h>
+#include <tests/common/death_test.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <tests/environment/store_access.h>
+#include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/store_writer.h>
+
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace trv {
+namespace {
+
+using testing::bytesOf;
+using testing::ChannelLog;
+using testing::originOf;
+using testing::Store;
+using testing::TemporaryDirectory;
+using testing::writeBytes;
+
+namespace fs = std::filesystem;
+
+using save_operation = int (*)(message_store* store, const char* file_name);
+
+struct SaveKind {
+    const char* name;
+    save_operation save;
+    const char* temporaryFile;
+};
+
+void PrintTo(const SaveKind& kind, std::ostream* stream) {
+    *stream << kind.name;
+}
+
+class BrokenSave : public ::testing::TestWithParam<SaveKind> {
+protected:
+    BrokenSave() {
+        add_section(store, "var");
+        // More than one buffer of the standard streams.
+        for (int entry = 0; entry < 1000; ++entry) {
+            const std::string text = "Name" + std::to_string(entry) + " = a value";
+            set_variable(store, 0, text.c_str());
+        }
+        reset();
+    }
+
+    void reset() {
+        fs::remove(temporaryPath());
+        writeBytes(target(), oldText);
+    }
+    fs::path target() const { return directory / "a.cfg"; }
+    fs::path temporaryPath() const { return directory / GetParam().temporaryFile; }
+    int save() const { return GetParam().save(store, target().string().c_str()); }
+
+    void expectNothingSaved() const {
+        EXPECT_EQ(bytesOf(target()), oldText);
+        EXPECT_FALSE(fs::exists(fs::symlink_status(temporaryPath())));
+        for (int number = 0; number < message_count(store, 0); ++number)
+            ASSERT_EQ(originOf(store, get_message(store, 0, number)), "set by program");
+    }
+
+    static constexpr const char* oldText = "[var]\nOLD = 1\n";
+    TemporaryDirectory directory;
+    Store store;
+};
+
+TEST_P(BrokenSave, OnAFileThatMayNotGrowKeepsTheTarget) {
+    for (const rlim_t limit : {0U, 1U, 4096U, 5000U}) {
+        const auto saveWithinLimit = [&] {
+            ASSERT_NE(std::signal(SIGXFSZ, SIG_IGN), SIG_ERR);
+            const rlimit size = {limit, limit};
+            ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &size), 0);
+            EXPECT_EQ(save(), -EFBIG);
+            expectNothingSaved();
+        };
+        TRV_EXPECT_IN_CHILD(saveWithinLimit);
+        expectNothingSaved();
+    }
+}
+
+TEST_P(BrokenSave, OnAFullDeviceKeepsTheTarget) {
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+    fs::create_symlink("/dev/full", temporaryPath());
+    EXPECT_EQ(save(), -ENOSPC);
+    expectNothingSaved();
+}
+
+TEST_P(BrokenSave, OfAShortTextOnAFullDeviceKeepsTheTarget) {
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+    const Store small;
+    add_section(small, "var");
+    set_variable(small, 0, "A = 1");
+    fs::create_symlink("/dev/full", temporaryPath());
+    EXPECT_EQ(GetParam().save(small, target().string().c_str()), -ENOSPC);
+    expectNothingSaved();
+}
+
+// From here on the process gets this error from these system calls, which then do nothing.
+bool refuseSystemCalls(const std::vector<unsigned>& numbers, int reason) {
+    std::vector<sock_filter> filter = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0)};
+    for (const unsigned number : numbers) {
+        filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1));
+        filter.push_back(BPF_STMT(BPF_RET | BPF_K,
+                                  SECCOMP_RET_ERRNO | (static_cast<unsigned>(reason) & 0xFFFFU)));
+    }
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    const sock_fprog program = {static_cast<unsigned short>(filter.size()), filter.data()};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+bool canRefuseSystemCalls() {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(refuseSystemCalls({}, 0) ? 0 : 1);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+class SaveWithoutOneStep : public BrokenSave {
+protected:
+    void expectFailure(const std::vector<unsigned>& calls, int reason, int result) {
+        if (!canRefuseSystemCalls()) GTEST_SKIP() << "system calls cannot be filtered here";
+        const auto saveWithoutCalls = [&] {
+            const ChannelLog log;
+            ASSERT_TRUE(refuseSystemCalls(calls, reason));
+            EXPECT_EQ(save(), result);
+            expectNothingSaved();
+        };
+        TRV_EXPECT_IN_CHILD(saveWithoutCalls);
+        expectNothingSaved();
+    }
+};
+
+TEST_P(SaveWithoutOneStep, TheWriteKeepsTheTarget) {
+    expectFailure({SYS_write, SYS_writev}, EIO, -EIO);
+}
+
+TEST_P(SaveWithoutOneStep, TheSyncKeepsTheTarget) {
+    expectFailure({SYS_fsync, SYS_fdatasync}, EIO, -EIO);
+}
+
+TEST_P(SaveWithoutOneStep, TheCloseKeepsTheTarget) {
+    expectFailure({SYS_close}, EDQUOT, -EDQUOT);
+}
+
+TEST_P(SaveWithoutOneStep, TheRenameKeepsTheTarget) {
+    expectFailure(
+        {
+#ifdef SYS_rename
+            SYS_rename,
+#endif
+#ifdef SYS_renameat
+            SYS_renameat,
+#endif
+            SYS_renameat2},
+        EACCES, -EACCES);
+}
+
+// Runs `work` in a child process until it has stopped at `steps` entries to and exits from system
+// calls, and kills it there.
+//
+// @param prepare  runs in the child before, so that what only a first run asks of the system, such
+//                 as memory, does not make the number of calls differ from run to run
+// @return whether it was killed; false where it ended by itself before
+bool killAtStep(int steps, const std::function<void()>& prepare,
+                const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        prepare();
+        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(1);
+        if (::raise(SIGSTOP) != 0) ::_exit(1);
+        work();
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (!WIFSTOPPED(status)) return false;
+    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_EXITKILL);
+    for (int step = 0; step < steps; ++step) {
+        ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+        ::waitpid(child, &status, 0);
+        if (!WIFSTOPPED(status)) return false;
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, &status, 0);
+    return true;
+}
+
+class KilledSave : public BrokenSave {};
+
+TEST_P(KilledSave, AtAnySystemCallLeavesTheOldFileOrTheNewOneWhole) {
+    const auto nothing = [] {};
+    if (!killAtStep(0, nothing, nothing)) GTEST_SKIP() << "processes cannot be traced here";
+    std::string newText = "[var]\n";
+    for (int number = 0; number < message_count(store, 0); ++number)
+        newText += std::string(get_message(store, 0, number)) + "\n";
+
+    int old = 0;
+    int replaced = 0;
+    int step = 1;
+    const auto rehearse = [&] {
+        save();
+        reset();
+    };
+    while (killAtStep(step, rehearse, [&] { save(); })) {
+        const std::string found = bytesOf(target());
+        ASSERT_TRUE(found == oldText || found == newText) << "killed at step " << step;
+        ++(found == oldText ? old : replaced);
+        // What a killed save left behind is in nobody's way.
+        if (step % 4 == 0) {
+            TRV_EXPECT_IN_CHILD([&] { EXPECT_EQ(save(), 0); });
+            ASSERT_EQ(bytesOf(target()), newText);
+        }
+        reset();
+        ++step;
+    }
+    EXPECT_EQ(bytesOf(target()), newText);
+    // Opening, writing, syncing, closing and renaming, each with its entry and its exit.
+    EXPECT_GE(old, 9);
+    EXPECT_GE(replaced, 1);
+}
+
+std::string nameOf(const ::testing::TestParamInfo<SaveKind>& info) {
+    return info.param.name;
+}
+
+const auto saveKinds =
+    ::testing::Values(SaveKind{"OfParameters", store_parameters, "a.cfg.messages.tmp"},
+                      SaveKind{"OfMessages", store_messages, "messages.tmp"});
+INSTANTIATE_TEST_SUITE_P(StoreWriter, BrokenSave, saveKinds, nameOf);
+INSTANTIATE_TEST_SUITE_P(StoreWriter, SaveWithoutOneStep, saveKinds, nameOf);
+INSTANTIATE_TEST_SUITE_P(StoreWriter, KilledSave, saveKinds, nameOf);
+
+}  // namespace
+}  // namespace trv

@@ -1,0 +1,72 @@
+#include <trvfiles/environment/text_pool.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace trv {
+namespace {
+
+std::int32_t add(text_pool& pool, const std::string& text, std::int32_t file = text_pool::none) {
+    pool.reserve_texts(1, text.size());
+    return pool.add_text({file, text_pool::none, 0, 0, 0}, text);
+}
+
+TEST(TextPool, PutsEachTextBehindItsRecordAtAMultipleOfFour) {
+    text_pool pool;
+    EXPECT_EQ(add(pool, ""), 12);
+    EXPECT_EQ(add(pool, "abc"), 28);
+    EXPECT_EQ(add(pool, "abcd"), 44);
+    EXPECT_EQ(pool.add_file_name("file"), 52);
+    EXPECT_EQ(add(pool, "last"), 72);
+    EXPECT_STREQ(pool.at(44), "abcd");
+    EXPECT_STREQ(pool.at(52), "file");
+}
+
+TEST(TextPool, KnowsWhereTextsAndFileNamesBegin) {
+    text_pool pool;
+    const std::int32_t file = pool.add_file_name("file");
+    const std::int32_t text = add(pool, "text");
+    for (std::int32_t offset = -5; offset < text + 20; ++offset) {
+        EXPECT_EQ(pool.is_text(offset), offset == text);
+        EXPECT_EQ(pool.is_file_name(offset), offset == file);
+    }
+}
+
+TEST(TextPool, KnowsTheTextAroundAPointer) {
+    text_pool pool;
+    EXPECT_EQ(pool.text_around("elsewhere"), text_pool::none);
+    const std::int32_t file = pool.add_file_name("file");
+    const std::int32_t first = add(pool, "first");
+    const std::int32_t second = add(pool, "");
+    EXPECT_EQ(pool.text_around(pool.at(first)), first);
+    EXPECT_EQ(pool.text_around(pool.at(first) + 5), first);
+    EXPECT_EQ(pool.text_around(pool.at(first) + 6), text_pool::none);
+    EXPECT_EQ(pool.text_around(pool.at(second)), second);
+    EXPECT_EQ(pool.text_around(pool.at(second) - 1), text_pool::none);
+    EXPECT_EQ(pool.text_around(pool.at(second) + 1), text_pool::none);
+    EXPECT_EQ(pool.text_around(pool.at(file)), text_pool::none);
+    EXPECT_EQ(pool.text_around(nullptr), text_pool::none);
+    EXPECT_EQ(pool.text_around("elsewhere"), text_pool::none);
+}
+
+TEST(TextPool, KeepsOffsetsRecordsAndNamesWhileItGrows) {
+    text_pool pool;
+    std::vector<std::int32_t> texts;
+    std::vector<std::int32_t> files;
+    for (int i = 0; i < 10000; ++i) {
+        files.push_back(pool.add_file_name("file " + std::to_string(i % 2000)));
+        texts.push_back(add(pool, "text " + std::to_string(i), files.back()));
+    }
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        ASSERT_EQ(pool.at(texts[i]), "text " + std::to_string(i));
+        ASSERT_EQ(pool.record(texts[i]).file, files[i]);
+        ASSERT_EQ(files[i], files[i % 2000]);
+        ASSERT_EQ(pool.origin(texts[i]), "from 'file " + std::to_string(i % 2000) + "' line 0");
+    }
+}
+
+}  // namespace
+}  // namespace trv

@@ -1,0 +1,88 @@
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/support/blanks.h>
+
+#include <algorithm>
+#include <charconv>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+// The place behind the first "=", or the start of a text that has none.
+std::size_t value_start(std::string_view text) {
+    const std::size_t sign = text.find('=');
+    return sign == std::string_view::npos ? 0 : sign + 1;
+}
+
+// Copies a text up to behind its next single "+"; `text` is left at what follows.
+//
+// @return whether there was one; otherwise the whole text has been copied
+bool copy_to_single_plus(std::string_view& text, std::string& copy) {
+    std::size_t plus = text.find('+');
+    while (plus != std::string_view::npos && text.substr(plus + 1, 1) == "+")
+        plus = text.find('+', plus + 2);
+    const bool found = plus != std::string_view::npos;
+    const std::size_t copied = found ? plus + 1 : text.size();
+    copy += text.substr(0, copied);
+    text.remove_prefix(copied);
+    return found;
+}
+
+}  // namespace
+
+bool is_entry(std::string_view text) {
+    return text.find('=') != std::string_view::npos;
+}
+
+std::string_view entry_name(std::string_view text) {
+    return trim(text.substr(0, text.find('=')));
+}
+
+std::string_view entry_value(std::string_view text) {
+    return trim_leading(text.substr(value_start(text)));
+}
+
+bool read_reference(std::string_view text, std::int32_t& offset) {
+    if (text.size() < reference_length || text.substr(0, 2) != "+(") return false;
+    if (text[reference_length - 1] != ')') return false;
+    const std::string_view digits = text.substr(2, reference_length - 3);
+    std::uint32_t read = 0;
+    const std::from_chars_result result =
+        std::from_chars(digits.data(), digits.data() + digits.size(), read, 16);
+    if (result.ptr != digits.data() + digits.size()) return false;
+    offset = read > INT32_MAX ? -1 : static_cast<std::int32_t>(read);
+    return true;
+}
+
+std::string offset_text(std::int32_t offset) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text(8, '0');
+    auto rest = static_cast<std::uint32_t>(offset);
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, rest /= 16)
+        *digit = digits[rest % 16];
+    return text;
+}
+
+std::string with_references(std::string_view text, std::int32_t offset) {
+    std::string changed(text.substr(0, value_start(text)));
+    text.remove_prefix(changed.size());
+    const std::string reference = "(" + offset_text(offset) + ")";
+    while (copy_to_single_plus(text, changed))
+        changed += reference;
+    return changed;
+}
+
+std::string without_references(std::string_view text) {
+    std::string changed(text.substr(0, value_start(text)));
+    text.remove_prefix(changed.size());
+    while (copy_to_single_plus(text, changed)) {
+        const std::size_t closer = text.find(')');
+        if (closer == std::string_view::npos) break;
+        text.remove_prefix(closer + 1);
+    }
+    changed += text;
+    return changed;
+}
+
+}  // namespace trv

@@ -1,0 +1,312 @@
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/environment/reference_resolver.h>
+#include <trvfiles/support/blanks.h>
+#include <trvfiles/support/diagnostics.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <string>
+#include <string_view>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr std::uint16_t no_section = 0xFFFF;
+constexpr std::size_t most_sections = 32767;
+constexpr const char* placeholder = "undefined message";
+
+// Process-wide: whether new texts are persistent, and what find_parameter() resolved last.
+bool record_flag = true;
+std::string resolved_value;
+
+std::string_view text_of(const char* text) {
+    return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+template <class Store>
+auto section_at(Store* store, int section) -> decltype(store->sections.data()) {
+    if (store == nullptr || section < 0) return nullptr;
+    const auto index = static_cast<std::size_t>(section);
+    return index < store->sections.size() ? &store->sections[index] : nullptr;
+}
+
+struct text_origin {
+    std::int32_t file;
+    int line;
+};
+constexpr text_origin by_program = {text_pool::none, 0};
+
+bool is_origin(const message_store& store, const text_origin& origin) {
+    return origin.file == text_pool::none || store.texts.is_file_name(origin.file);
+}
+
+// Stores a text at the number of a message or at the next one. REQUIRES: room for it in the section
+// and in the pool.
+void put_text(message_store& store, store_section& section, int number, std::string_view text,
+              const text_origin& origin) noexcept {
+    const std::int32_t previous =
+        section.has_message(number) ? section.text(number) : text_pool::none;
+    const text_record record = {origin.file, previous, static_cast<std::uint16_t>(origin.line),
+                                record_flag ? persistent_text : std::uint8_t{0}, 0};
+    section.set(store.texts, number, store.texts.add_text(record, text));
+}
+
+int append_text(message_store& store, store_section& section, const std::string& text,
+                const text_origin& origin) {
+    const int number = section.message_count();
+    if (number == store_section::most_messages) return -1;
+    section.reserve(number, text);
+    store.texts.reserve_texts(1, text.size());
+    put_text(store, section, number, text, origin);
+    return 0;
+}
+
+int replace_text(message_store& store, store_section& section, int number, std::string_view text,
+                 const text_origin& origin) {
+    const std::string referring = with_references(text, section.text(number));
+    section.reserve(number, referring);
+    store.texts.reserve_texts(1, referring.size());
+    put_text(store, section, number, referring, origin);
+    return 0;
+}
+
+// As many placeholders as a number beyond the end needs, and then the text.
+int append_text_at(message_store& store, store_section& section, int number,
+                   const std::string& text) {
+    const auto missing = static_cast<std::size_t>(number - section.message_count());
+    section.reserve(number, text);
+    store.texts.reserve_texts(missing + 1, missing * std::strlen(placeholder) + text.size());
+    while (section.message_count() < number)
+        put_text(store, section, section.message_count(), placeholder, by_program);
+    put_text(store, section, number, text, by_program);
+    return 0;
+}
+
+int refuse_parameter(const message_store& store, const store_section& section,
+                     const std::string& text, const text_origin& origin) {
+    const std::string place = "[" + std::string(section.name()) + "] " + text + "\n";
+    if (origin.file == text_pool::none) {
+        report_error(
+            ("set_parameter : The program is trying to modify a non-parameter message: " + place)
+                .c_str());
+        return -1;
+    }
+    report_error(("load_messages: [file '" + std::string(store.texts.at(origin.file)) + "' line " +
+                  std::to_string(origin.line) +
+                  "] Warning - incorrect format (missing '='): " + place)
+                     .c_str());
+    return 0;
+}
+
+// Runs an operation that may find no storage.
+template <class Operation>
+int unless_exhausted(Operation operation) {
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+}
+
+bool write_newlines(char* text) {
+    char* end = text;
+    for (const char* next = text; *next != '\0'; ++next, ++end) {
+        const bool newline = next[0] == '\\' && next[1] == 'n';
+        *end = newline ? '\n' : *next;
+        if (newline) ++next;
+    }
+    const bool changed = *end != '\0';
+    *end = '\0';
+    return changed;
+}
+
+}  // namespace
+
+message_store* create_store() {
+    void* block = allocate_permanent(sizeof(message_store));
+    if (block == nullptr) return nullptr;
+    try {
+        return new (block) message_store();
+    } catch (const std::bad_alloc&) {
+        _Wfree(block);
+        return nullptr;
+    }
+}
+
+void destroy_store(message_store* store) {
+    if (store == nullptr) return;
+    store->~message_store();
+    _Wfree(store);
+}
+
+int find_section(const message_store* store, const char* name) {
+    if (store == nullptr || name == nullptr) return -1;
+    const std::uint32_t section = store->section_names.first(
+        hash_name(name),
+        [&](std::uint32_t place) { return std::strcmp(store->sections[place].name(), name) == 0; });
+    return section == name_index::none ? -1 : static_cast<int>(section);
+}
+
+std::uint16_t add_section(message_store* store, const char* name) {
+    if (store == nullptr || name == nullptr) return no_section;
+    const std::size_t length = std::strlen(name);
+    const std::size_t index = store->sections.size();
+    if (length > store_section::longest_name || index == most_sections) return no_section;
+    const int added = unless_exhausted([&] {
+        store_section section({name, length});
+        const auto place = static_cast<std::uint32_t>(index);
+        reserve_room(store->sections);
+        store->section_names.reserve(place);
+        store->sections.push_back(std::move(section));
+        store->section_names.put(place, hash_name(store->sections.back().name()));
+        return static_cast<int>(index);
+    });
+    return static_cast<std::uint16_t>(added);
+}
+
+int find_or_add_section(message_store* store, const char* name) {
+    const int found = find_section(store, name);
+    if (found >= 0) return found;
+    const std::uint16_t added = add_section(store, name);
+    return added == no_section ? -1 : added;
+}
+
+const char* section_name(const message_store* store, int section) {
+    const store_section* found = section_at(store, section);
+    return found == nullptr ? "" : found->name();
+}
+
+int message_count(const message_store* store, int section) {
+    if (store == nullptr) return -1;
+    const store_section* found = section_at(store, section);
+    return found == nullptr ? -2 : found->message_count();
+}
+
+int section_count(const message_store* store) {
+    return store == nullptr ? -1 : static_cast<int>(store->sections.size());
+}
+
+const char* get_message(const message_store* store, int section, int number) {
+    const store_section* found = section_at(store, section);
+    if (found == nullptr || !found->has_message(number)) return nullptr;
+    const std::int32_t text = found->text(number);
+    return (store->texts.record(text).flags & deleted_text) != 0 ? "" : store->texts.at(text);
+}
+
+std::int32_t register_file_name(message_store* store, const char* file_name) {
+    if (store == nullptr || file_name == nullptr) return -1;
+    return unless_exhausted([&] { return store->texts.add_file_name(std::string(file_name)); });
+}
+
+int append_message(message_store* store, int section, const char* text, std::int32_t file,
+                   int line) {
+    store_section* target = section_at(store, section);
+    if (target == nullptr || !is_origin(*store, {file, line})) return -1;
+    return unless_exhausted([&] {
+        return append_text(*store, *target, std::string(text_of(text)), {file, line});
+    });
+}
+
+int replace_message(message_store* store, int section, int number, const char* text,
+                    std::int32_t file, int line) {
+    store_section* target = section_at(store, section);
+    if (target == nullptr || !target->has_message(number)) return -1;
+    if (!is_origin(*store, {file, line})) return -1;
+    return unless_exhausted([&] {
+        return replace_text(*store, *target, number, text_of(text), {file, line});
+    });
+}
+
+int set_message(message_store* store, int section, int number, const char* text) {
+    store_section* target = section_at(store, section);
+    if (target == nullptr || number < 0 || number >= store_section::most_messages) return -1;
+    return unless_exhausted([&] {
+        if (target->has_message(number)) {
+            return replace_text(*store, *target, number, text_of(text), by_program);
+        }
+        return append_text_at(*store, *target, number, std::string(text_of(text)));
+    });
+}
+
+int set_parameter(message_store* store, int section, const char* text, std::int32_t file,
+                  int line) {
+    store_section* target = section_at(store, section);
+    const text_origin origin = {file, line};
+    if (target == nullptr || !is_origin(*store, origin)) return -1;
+    return unless_exhausted([&] {
+        const std::string entry(trim_leading(text_of(text)));
+        if (!is_entry(entry)) return refuse_parameter(*store, *target, entry, origin);
+        const int number = target->find_entry(store->texts, entry_name(entry));
+        if (number >= 0) return replace_text(*store, *target, number, entry, origin);
+        return append_text(*store, *target, entry, origin);
+    });
+}
+
+int set_variable(message_store* store, int section, const char* text) {
+    return set_parameter(store, section, text, by_program.file, by_program.line);
+}
+
+int remove_parameter(message_store* store, int section, const char* name) {
+    store_section* target = section_at(store, section);
+    if (target == nullptr) return -1;
+    const int number = target->find_entry(store->texts, text_of(name));
+    if (number < 0) return -2;
+    for (std::int32_t text = target->text(number); text != text_pool::none;
+         text = store->texts.record(text).previous) {
+        store->texts.record(text).flags |= deleted_text;
+    }
+    target->update_indexes(store->texts, number);
+    return 0;
+}
+
+const char* find_parameter(const message_store* store, int section, const char* name, bool exact,
+                           const text_record** record) {
+    if (record != nullptr) *record = nullptr;
+    const store_section* target = section_at(store, section);
+    if (target == nullptr) return nullptr;
+    const int number = target->find_live_entry(store->texts, text_of(name), exact);
+    if (number < 0) return nullptr;
+    const std::int32_t text = target->text(number);
+    const char* value = entry_value(store->texts.at(text)).data();
+    if (std::strchr(value, '+') != nullptr) {
+        // Handlers of the trace channel may look up, or add to the store, in the meantime.
+        resolved_value = resolve_references(*store, text);
+        value = resolved_value.c_str();
+    }
+    if (record != nullptr) *record = &store->texts.record(text);
+    return value;
+}
+
+int describe_origin(char* buffer, std::size_t size, const message_store* store, const char* text) {
+    const std::int32_t found = store == nullptr ? text_pool::none : store->texts.text_around(text);
+    if (buffer != nullptr && size > 0) {
+        const std::string origin =
+            found == text_pool::none ? std::string() : store->texts.origin(found);
+        buffer[origin.copy(buffer, size - 1)] = '\0';
+    }
+    return found == text_pool::none ? -1 : 0;
+}
+
+void convert_newlines(message_store* store) {
+    if (store == nullptr) return;
+    for (store_section& section : store->sections) {
+        for (int number = 0; number < section.message_count(); ++number) {
+            if (write_newlines(store->texts.at(section.text(number)))) {
+                section.update_indexes(store->texts, number);
+            }
+        }
+    }
+}
+
+bool set_record_flag(bool record) {
+    const bool before = record_flag;
+    record_flag = record;
+    return before;
+}
+
+}  // namespace trv

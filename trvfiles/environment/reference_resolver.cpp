@@ -1,0 +1,148 @@
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/environment/reference_resolver.h>
+#include <trvfiles/support/diagnostics.h>
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr std::size_t longest_result = std::size_t{1024} * 1024;
+constexpr int most_replacements = 10000;
+constexpr std::string_view undefined_reference = "$(TRVNULL)";
+
+class reference_resolver {
+public:
+    explicit reference_resolver(const message_store& store) : store_(store) {}
+
+    std::string resolve(std::int32_t text) {
+        open_value(text);
+        while (!open_.empty() && !full_) {
+            piece& current = open_.back();
+            const std::size_t plus = current.value.find('+', current.done);
+            finish(plus == std::string::npos ? current.value.size() - current.done
+                                             : plus - current.done);
+            if (plus != std::string::npos) take_plus();
+        }
+        finish(open_length_);
+        return std::move(done_);
+    }
+
+private:
+    // The value of a text that is being worked through. What it refers to is opened on top of it,
+    // so the result is what is done and then, from the top down, what the open values have left.
+    struct piece {
+        std::string value;
+        std::size_t done;
+        std::int32_t text;
+    };
+
+    void open_value(std::int32_t text) {
+        open_.push_back({std::string(entry_value(store_.texts.at(text))), 0, text});
+        open_length_ += open_.back().value.size();
+    }
+
+    // The next characters, which may belong to several values.
+    std::string upcoming(std::size_t count) const {
+        std::string characters;
+        for (auto open = open_.rbegin(); open != open_.rend() && characters.size() < count; ++open)
+            characters.append(open->value, open->done, count - characters.size());
+        return characters;
+    }
+
+    void skip(std::size_t count) {
+        open_length_ -= count;
+        while (count > 0 || (!open_.empty() && open_.back().done == open_.back().value.size())) {
+            piece& current = open_.back();
+            const std::size_t left = current.value.size() - current.done;
+            if (count < left) {
+                current.done += count;
+                return;
+            }
+            count -= left;
+            open_.pop_back();
+        }
+    }
+
+    void finish(std::size_t count) {
+        done_ += upcoming(count);
+        skip(count);
+    }
+
+    void take_plus() {
+        const std::string characters = upcoming(reference_length);
+        std::int32_t earlier = text_pool::none;
+        if (characters.compare(0, 2, "++") == 0) {
+            finish(1);
+            skip(1);
+        } else if (!read_reference(characters, earlier)) {
+            finish(1);
+        } else if (replacements_ == most_replacements) {
+            full_ = true;
+        } else if (is_good(earlier)) {
+            insert_value(earlier);
+        } else {
+            insert_undefined();
+        }
+    }
+
+    bool is_good(std::int32_t earlier) const {
+        return earlier < open_.back().text && store_.texts.is_text(earlier);
+    }
+
+    // Whether the result stays within its limit when `removed` characters make room for others.
+    bool fits(std::size_t removed, std::size_t inserted) {
+        full_ = done_.size() + open_length_ - removed + inserted > longest_result;
+        return !full_;
+    }
+
+    void insert_value(std::int32_t earlier) {
+        const std::size_t length = entry_value(store_.texts.at(earlier)).size();
+        if (!fits(reference_length, length)) return;
+        if (trace_is_seen()) {
+            report_trace(("   - " + described(open_.back().text)).c_str());
+            report_trace(("   " + offset_text(earlier) + " -> " + described(earlier)).c_str());
+        }
+        skip(reference_length);
+        open_value(earlier);
+        end_replacement();
+    }
+
+    void insert_undefined() {
+        if (!fits(1, undefined_reference.size())) return;
+        if (trace_is_seen()) report_trace(("ref=[" + upcoming(open_length_) + "]\n").c_str());
+        skip(1);
+        done_ += undefined_reference;
+        end_replacement();
+    }
+
+    void end_replacement() {
+        ++replacements_;
+        if (trace_is_seen()) report_trace((done_ + upcoming(open_length_)).c_str());
+    }
+
+    std::string described(std::int32_t text) const {
+        return store_.texts.at(text) + (" " + store_.texts.origin(text));
+    }
+
+    const message_store& store_;
+    std::string done_;
+    std::vector<piece> open_;
+    std::size_t open_length_ = 0;
+    int replacements_ = 0;
+    bool full_ = false;
+};
+
+}  // namespace
+
+std::string resolve_references(const message_store& store, std::int32_t text) {
+    return reference_resolver(store).resolve(text);
+}
+
+}  // namespace trv

@@ -1,0 +1,25 @@
+#pragma once
+
+/// @file
+/// The value of a text with all its references replaced by the values of the texts they name.
+///
+/// Threads: one at a time, with the store.
+
+#include <cstdint>
+#include <string>
+
+namespace trv {
+
+struct message_store;
+
+/// Resolves the value of a text, from left to right, inserted values included: "++" becomes "+", a
+/// good reference the value of its text, the "+" of a bad one "$(TRVNULL)". A reference is good
+/// when a text begins at its offset and lies before the one in which the "+" stands; so chains end.
+/// After 10000 replacements, and where the result would pass 1 MiB, the rest stays as it is.
+///
+/// Each replacement is told to the trace channel, whose handler may look up and add to the store.
+///
+/// @param text  the offset of a text in the store
+std::string resolve_references(const message_store& store, std::int32_t text);
+
+}  // namespace trv

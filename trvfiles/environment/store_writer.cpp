@@ -1,0 +1,176 @@
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/environment/store_writer.h>
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/platform.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+char separator_as_slash(char c) {
+    return c == '\\' ? '/' : c;
+}
+
+bool is_same_file(std::string_view left, std::string_view right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+        return separator_as_slash(a) == separator_as_slash(b);
+    });
+}
+
+// The text of a file in the making, and where in it each text of the store stands.
+class file_content {
+public:
+    struct entry {
+        std::int32_t text;
+        int line;
+    };
+
+    void add_header(const store_section& section) {
+        add_line("[" + std::string(section.name()) + "]");
+    }
+
+    void add_entry(const text_pool& texts, std::int32_t text) {
+        entries_.push_back({text, line_});
+        add_line(without_references(texts.at(text)));
+    }
+
+    const std::string& text() const { return text_; }
+    const std::vector<entry>& entries() const { return entries_; }
+
+private:
+    void add_line(const std::string& line) {
+        text_ += line;
+        text_ += '\n';
+        ++line_;
+    }
+
+    std::string text_;
+    int line_ = 1;
+    std::vector<entry> entries_;
+};
+
+// The version of a message that belongs in a file, or none.
+std::int32_t version_for(const text_pool& texts, std::int32_t text, std::string_view file_name) {
+    const text_record& current = texts.record(text);
+    const int saved = current.flags & (persistent_text | deleted_text);
+    if (current.file == text_pool::none && saved == persistent_text) return text;
+    for (; text != text_pool::none; text = texts.record(text).previous) {
+        const text_record& version = texts.record(text);
+        if ((version.flags & deleted_text) != 0 || version.file == text_pool::none) continue;
+        if (is_same_file(texts.at(version.file), file_name)) return text;
+    }
+    return text_pool::none;
+}
+
+file_content parameters_of(const message_store& store, std::string_view file_name) {
+    file_content content;
+    for (const store_section& section : store.sections) {
+        bool has_header = false;
+        for (int number = 0; number < section.message_count(); ++number) {
+            const std::int32_t text = version_for(store.texts, section.text(number), file_name);
+            if (text == text_pool::none) continue;
+            if (!has_header) content.add_header(section);
+            has_header = true;
+            content.add_entry(store.texts, text);
+        }
+    }
+    return content;
+}
+
+file_content messages_of(const message_store& store) {
+    file_content content;
+    for (const store_section& section : store.sections) {
+        content.add_header(section);
+        for (int number = 0; number < section.message_count(); ++number)
+            content.add_entry(store.texts, section.text(number));
+    }
+    return content;
+}
+
+// A file beside the target, removed again unless it takes the target's place.
+class temporary_file {
+public:
+    explicit temporary_file(std::string name)
+        : name_(std::move(name)),
+          file_(platform::open_for_write(name_.c_str(), platform::file_mode::text)),
+          exists_(file_ != nullptr) {}
+    ~temporary_file() {
+        file_.reset();
+        if (exists_) platform::remove_file(name_.c_str());
+    }
+    temporary_file(const temporary_file&) = delete;
+    temporary_file& operator=(const temporary_file&) = delete;
+
+    bool is_open() const { return file_ != nullptr; }
+
+    /// @return 0, or the system's number for what went wrong
+    int write_and_replace(const std::string& text, const char* target) {
+        errno = 0;
+        if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) return reason();
+        if (const int failure = platform::sync_file(file_.get()); failure != 0) return failure;
+        if (std::fclose(file_.release()) != 0) return reason();
+        exists_ = false;
+        return platform::replace_file(name_.c_str(), target);
+    }
+
+private:
+    static int reason() { return errno != 0 ? errno : EIO; }
+
+    std::string name_;
+    platform::file_handle file_;
+    bool exists_;
+};
+
+// Saves what `content_of(store)` makes of the store.
+//
+// @param new_file  whether the texts that are written belong to the target from then on
+template <class Content>
+int save(message_store& store, const std::string& target, const std::string& temporary_name,
+         bool new_file, Content content_of) {
+    temporary_file temporary(temporary_name);
+    if (!temporary.is_open()) {
+        report_fatal(("Store messages : error opening file '" + temporary_name + "'").c_str());
+        return -1;
+    }
+    const std::int32_t file = register_file_name(&store, target.c_str());
+    if (file < 0) {
+        report_error(("Store messages : error saving file name '" + target + "'").c_str());
+        return -1;
+    }
+    const file_content content = content_of(store);
+    const int failure = temporary.write_and_replace(content.text(), target.c_str());
+    if (failure != 0) return -failure;
+    for (const file_content::entry& written : content.entries()) {
+        text_record& record = store.texts.record(written.text);
+        if (new_file) record.file = file;
+        record.line = static_cast<std::uint16_t>(written.line);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int store_parameters(message_store* store, const char* file_name) {
+    if (store == nullptr || file_name == nullptr) return -1;
+    const std::string target(file_name);
+    return save(*store, target, target + ".messages.tmp", true,
+                [&](const message_store& saved) { return parameters_of(saved, target); });
+}
+
+int store_messages(message_store* store, const char* file_name) {
+    if (store == nullptr || file_name == nullptr) return -1;
+    const std::string target(file_name);
+    const std::size_t directory = target.find_last_of("/\\") + 1;
+    return save(*store, target, target.substr(0, directory) + "messages.tmp", false, messages_of);
+}
+
+}  // namespace trv

@@ -1,0 +1,130 @@
+#include <trvfiles/environment/text_pool.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <new>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr std::int32_t initial_pool_size = 1024;
+constexpr std::size_t largest_pool = INT32_MAX;
+constexpr std::size_t farthest_behind_start = 1024;
+
+static_assert(sizeof(text_record) == 12 && alignof(text_record) == 4);
+
+// Records stand at multiples of their alignment, as the pool hands them out.
+constexpr std::size_t rounded(std::size_t bytes) {
+    return (bytes + alignof(text_record) - 1) / alignof(text_record) * alignof(text_record);
+}
+
+bool contains(const stored_vector<std::int32_t>& offsets, std::int32_t offset) {
+    return std::binary_search(offsets.begin(), offsets.end(), offset);
+}
+
+}  // namespace
+
+text_pool::text_pool() : pool_(pool_create(initial_pool_size)) {
+    if (pool_ == nullptr) throw std::bad_alloc();
+}
+
+void text_pool::reserve_bytes(std::size_t bytes) {
+    const auto used = static_cast<std::size_t>(used_);
+    const auto reserved = static_cast<std::size_t>(reserved_);
+    if (bytes <= reserved - used) return;
+    if (bytes > largest_pool - used) throw std::bad_alloc();
+    std::size_t step = used + bytes - reserved;
+    // Growing by half makes a long load linear. Near the maximum, what is needed has to do.
+    const std::size_t generous = std::max(step, reserved / 2);
+    if (generous < largest_pool - reserved && storage_fits(generous + initial_pool_size)) {
+        step = generous;
+    }
+    if (pool_reserve(pool_.get(), static_cast<std::int32_t>(step)) < 0) throw std::bad_alloc();
+    reserved_ = pool_used(pool_.get());
+    base_ = static_cast<char*>(pool_address(pool_.get(), 0));
+}
+
+std::int32_t text_pool::take(std::size_t bytes) noexcept {
+    const std::int32_t offset = used_;
+    used_ += static_cast<std::int32_t>(rounded(bytes));
+    return offset;
+}
+
+std::int32_t text_pool::put(std::string_view text) noexcept {
+    const std::int32_t offset = take(text.size() + 1);
+    std::memcpy(at(offset), text.data(), text.size());
+    at(offset)[text.size()] = '\0';
+    return offset;
+}
+
+void text_pool::reserve_texts(std::size_t count, std::size_t length) {
+    constexpr std::size_t most_around_a_text = sizeof(text_record) + alignof(text_record);
+    if (length > largest_pool) throw std::bad_alloc();
+    reserve_room(texts_, count);
+    reserve_bytes(count * most_around_a_text + length);
+}
+
+std::int32_t text_pool::add_text(const text_record& record, std::string_view text) noexcept {
+    const std::int32_t header = take(sizeof record);
+    std::memcpy(at(header), &record, sizeof record);
+    const std::int32_t offset = put(text);
+    texts_.push_back(offset);
+    return offset;
+}
+
+std::int32_t text_pool::add_file_name(std::string_view name) {
+    const std::uint32_t hash = hash_name(name);
+    const std::uint32_t known = file_name_index_.first(
+        hash, [&](std::uint32_t place) { return at(file_names_[place]) == name; });
+    if (known != name_index::none) return file_names_[known];
+
+    if (name.size() > largest_pool) throw std::bad_alloc();
+    const auto place = static_cast<std::uint32_t>(file_names_.size());
+    reserve_room(file_names_);
+    file_name_index_.reserve(place);
+    reserve_bytes(rounded(name.size() + 1));
+    const std::int32_t offset = put(name);
+    file_names_.push_back(offset);
+    file_name_index_.put(place, hash);
+    return offset;
+}
+
+bool text_pool::is_file_name(std::int32_t offset) const {
+    return contains(file_names_, offset);
+}
+
+bool text_pool::is_text(std::int32_t offset) const {
+    return contains(texts_, offset);
+}
+
+const text_record& text_pool::record(std::int32_t text) const {
+    return *reinterpret_cast<const text_record*>(at(text) - sizeof(text_record));
+}
+
+text_record& text_pool::record(std::int32_t text) {
+    return *reinterpret_cast<text_record*>(at(text) - sizeof(text_record));
+}
+
+std::int32_t text_pool::text_around(const char* pointer) const {
+    const std::less<> before;
+    if (pointer == nullptr || used_ == 0) return none;
+    if (before(pointer, base_) || !before(pointer, base_ + used_)) return none;
+    const auto offset = static_cast<std::int32_t>(pointer - base_);
+    const auto behind = std::upper_bound(texts_.begin(), texts_.end(), offset);
+    if (behind == texts_.begin()) return none;
+    const std::int32_t start = *(behind - 1);
+    const auto distance = static_cast<std::size_t>(offset - start);
+    if (distance > farthest_behind_start) return none;
+    return std::memchr(at(start), '\0', distance) == nullptr ? start : none;
+}
+
+std::string text_pool::origin(std::int32_t text) const {
+    const text_record& about = record(text);
+    if (about.file == none) return "set by program";
+    return std::string("from '") + at(about.file) + "' line " + std::to_string(about.line);
+}
+
+}  // namespace trv
