@@ -1,0 +1,104 @@
+#include <tests/common/death_test.h>
+#include <tests/environment/installation.h>
+#include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/work_zone.h>
+#include <trvfiles/environment/zone_hook.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace trv {
+namespace {
+
+int calls;
+
+class ZoneHook : public testing::ChildProcessTest {
+protected:
+    ZoneHook() { calls = 0; }
+    ~ZoneHook() override { set_zone_hook(nullptr); }
+};
+
+void count() {
+    ++calls;
+}
+
+TEST_F(ZoneHook, IsReturnedByTheNextRegistration) {
+    EXPECT_EQ(set_zone_hook(count), nullptr);
+    EXPECT_EQ(set_zone_hook(nullptr), count);
+    EXPECT_EQ(set_zone_hook(count), nullptr);
+}
+
+TEST_F(ZoneHook, RunsAtEachCall) {
+    run_zone_hook();
+    EXPECT_EQ(calls, 0);
+    set_zone_hook(count);
+    run_zone_hook();
+    run_zone_hook();
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(ZoneHook, DoesNotRunWhileItRuns) {
+    set_zone_hook([] {
+        ++calls;
+        run_zone_hook();
+    });
+    run_zone_hook();
+    EXPECT_EQ(calls, 1);
+    run_zone_hook();
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(ZoneHook, RunsAgainAfterItHasThrown) {
+    set_zone_hook([] {
+        ++calls;
+        throw std::runtime_error("no zone");
+    });
+    EXPECT_THROW(run_zone_hook(), std::runtime_error);
+    EXPECT_THROW(run_zone_hook(), std::runtime_error);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(ZoneHook, MayReplaceItself) {
+    set_zone_hook([] { set_zone_hook(count); });
+    run_zone_hook();
+    EXPECT_EQ(calls, 0);
+    run_zone_hook();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(ZoneHook, RunsBeforeEveryLookupOfTheZone) {
+    const auto lookUp = [] {
+        const testing::Installation installation;
+        installation.write("config/environ.cfg", "[var]\nTRVZONE = configured\nN = 1\n");
+        set_zone_hook(count);
+        EXPECT_STREQ(get_variable("TRVZONE"), "configured");
+        EXPECT_EQ(calls, 1);
+        platform::set_environment("TRVZONE", "set");
+        EXPECT_STREQ(get_variable("TRVZONE"), "set");
+        EXPECT_EQ(calls, 2);
+        EXPECT_STREQ(get_variable("trvzone"), "configured");
+        EXPECT_STREQ(get_variable("N"), "1");
+        EXPECT_EQ(calls, 2);
+    };
+    TRV_EXPECT_IN_CHILD(lookUp);
+}
+
+TEST_F(ZoneHook, SetsTheZoneForTheLookupThatCalledIt) {
+    const auto lookUp = [] {
+        const testing::Installation installation;
+        set_zone_hook([] {
+            if (get_variable("TRVHOME") == nullptr) return;
+            platform::set_environment("TRVZONE", "late");
+            get_variable("TRVZONE");
+            ++calls;
+        });
+        EXPECT_STREQ(get_variable("TRVZONE"), "late");
+        EXPECT_EQ(calls, 1);
+    };
+    TRV_EXPECT_IN_CHILD(lookUp);
+}
+
+}  // namespace
+}  // namespace trv

@@ -1,0 +1,123 @@
+#include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/configuration_paths.h>
+#include <trvfiles/environment/message_loading.h>
+#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variables.h>
+#include <trvfiles/support/blanks.h>
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/directory_list.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+using path_buffer = char[configuration_path_size];
+
+bool is_empty(const char* text) {
+    return text == nullptr || *text == '\0';
+}
+
+// A failure has been reported.
+bool expand(const char* text, path_buffer& result) {
+    if (text == nullptr) text = "";
+    return !is_expand_error(_Expand(text, result, sizeof result));
+}
+
+// The directories of a list, without the blanks around them and one separator or blank at the end.
+std::vector<std::string_view> directories_of(std::string_view list) {
+    std::vector<std::string_view> directories;
+    std::string_view element;
+    while (next_list_element(list, element)) {
+        element = without_trailing_separator(trim(element));
+        if (!element.empty()) directories.push_back(element);
+    }
+    return directories;
+}
+
+// The store after the file, or the one before it where the file gave none.
+message_store* overload_file(message_store* store, const std::string& path) {
+    if (trace_is_seen()) report_trace(("Overloading '" + path + "'\n").c_str());
+    if (!fits_path_buffer(path)) return store;
+    message_store* loaded = load_message_file(store, path.c_str());
+    return loaded != nullptr ? loaded : store;
+}
+
+message_store* overload_directories(message_store* store, std::string_view list,
+                                    std::string_view file_name) {
+    const std::vector<std::string_view> directories = directories_of(list);
+    store_owner made;
+    for (auto directory = directories.rbegin(); directory != directories.rend(); ++directory) {
+        message_store* loaded = overload_file(store, path_in(*directory, file_name));
+        if (store == nullptr) made.reset(loaded);
+        store = loaded;
+    }
+    static_cast<void>(made.release());
+    return store;
+}
+
+}  // namespace
+
+message_store* overload_files(message_store* store, const char* directory_list,
+                              const char* file_name) {
+    path_buffer list;
+    path_buffer name;
+    if (expand(directory_list, list) && expand(file_name, name) && *name != '\0')
+        store = overload_directories(store, list, name);
+    return store != nullptr ? store : create_store();
+}
+
+int load_config_list(message_store* store, const char* file_name, const char* directory_list) {
+    if (is_empty(file_name)) return 0;
+    if (store == nullptr) return -1;
+    path_buffer list;
+    path_buffer name;
+    if (!expand(directory_list != nullptr ? directory_list : "?CFG", list)) return -1;
+    if (!expand(file_name, name)) return -1;
+    return overload_files(store, list, name) != nullptr ? 0 : -1;
+}
+
+int load_application_files(const char* file_name, const char* directory_list) {
+    if (is_empty(file_name)) return 0;
+    path_buffer list;
+    path_buffer name;
+    if (!expand(directory_list, list) || !expand(file_name, name)) return -1;
+    message_store* loaded = overload_files(loaded_stores.application, list, name);
+    if (loaded == nullptr) return -1;
+    loaded_stores.application = loaded;
+    return 0;
+}
+
+int load_catalogue_file(const char* path) {
+    message_store* loaded = load_message_file(loaded_stores.catalogue, path);
+    if (loaded == nullptr) return -1;
+    loaded_stores.catalogue = loaded;
+    return 0;
+}
+
+int for_each_variable(int (*callback)(const char* name, const char* value, void* context),
+                      void* context) {
+    if (callback == nullptr) return -1;
+    if (loaded_stores.environment == nullptr) runtime_hooks.load_environment();
+    const message_store* store = loaded_stores.environment;
+    const int section = find_section(store, "var");
+    if (section < 0) return -1;
+    for (int number = 0; number < message_count(store, section); ++number) {
+        // The callback may move the pool: it gets copies.
+        const std::string_view text = get_message(store, section, number);
+        const std::size_t equals = text.find('=');
+        if (equals == std::string_view::npos) return 0;
+        const std::string name(trim(text.substr(0, equals)));
+        const std::string value(trim(text.substr(equals + 1)));
+        const int result = callback(name.c_str(), value.c_str(), context);
+        if (result != 0) return result;
+    }
+    return 0;
+}
+
+}  // namespace trv

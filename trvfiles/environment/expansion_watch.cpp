@@ -1,0 +1,117 @@
+#include <trvfiles/environment/expansion_watch.h>
+#include <trvfiles/support/number_text.h>
+#include <trvfiles/support/platform.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+// What is built here once lives until the process ends: texts may still be expanded while it does,
+// so none of it is ever destroyed.
+
+const char* environment_text(const char* name) {
+    const char* value = platform::get_environment(name);
+    return value == nullptr ? "" : value;
+}
+
+std::string log_file_name_of_environment() {
+    std::string name = environment_text("TRV_EXPAND_LOGFILE_NAME");
+    if (!name.empty()) return name;
+    const char* directory = platform::get_environment("TEMP");
+    return directory == nullptr ? "" : std::string(directory) + "\\travik_expand_log.txt";
+}
+
+const std::string& log_file_name() {
+    static const std::string& name = *new std::string(log_file_name_of_environment());
+    return name;
+}
+
+const std::string& program_name() {
+    constexpr std::size_t examined_length = 1024;
+    static const std::string& name = *[] {
+        const std::string file = platform::program_file().substr(0, examined_length);
+        return new std::string(file.substr(file.find_last_of("/\\") + 1));
+    }();
+    return name;
+}
+
+std::vector<std::string> split_watch_list(std::string_view list) {
+    constexpr std::string_view separators = " |;";
+    std::vector<std::string> entries;
+    std::size_t begin = list.find_first_not_of(separators);
+    while (begin != std::string_view::npos) {
+        const std::size_t end = std::min(list.find_first_of(separators, begin), list.size());
+        entries.emplace_back(list.substr(begin, end - begin));
+        begin = list.find_first_not_of(separators, end);
+    }
+    return entries;
+}
+
+bool is_watched(const char* source) {
+    static const std::vector<std::string>& entries =
+        *new std::vector<std::string>(split_watch_list(environment_text("TRV_EXPAND_WATCH")));
+    if (source == nullptr) return false;
+    const std::string_view text = source;
+    for (const std::string& entry : entries) {
+        if (text.find(entry) != std::string_view::npos) return true;
+    }
+    return false;
+}
+
+std::string clock_text(std::time_t instant) {
+    const std::tm local = platform::local_time(instant);
+    std::array<char, 80> text;
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d@%H:%M:", &local);
+    // The seconds show three digits, from 100 on. Readers of existing logs expect them so.
+    return std::string(text.data(), length) + std::to_string(local.tm_sec + 100);
+}
+
+const std::string& timestamp() {
+    static std::time_t second_of_text = 0;
+    static std::string& text = *new std::string;
+    const std::time_t now = std::time(nullptr);
+    if (text.empty() || now != second_of_text) {
+        text = clock_text(now);
+        second_of_text = now;
+    }
+    return text;
+}
+
+void append_to_log(const std::string& line) {
+    const platform::file_handle file =
+        platform::open_for_append(log_file_name().c_str(), platform::file_mode::text);
+    if (file != nullptr) static_cast<void>(std::fputs(line.c_str(), file.get()));
+}
+
+int configured_minimum() {
+    int minimum = 0;
+    std::string_view text = environment_text("TRV_EXPAND_MIN_BUFFER_SIZE");
+    scan_decimal(text, minimum);
+    return minimum;
+}
+
+}  // namespace
+
+void watch_buffer_size(const char* source, std::int32_t size, string_format format) {
+    const std::int64_t configured = configured_minimum();
+    if (configured == 0) return;
+    const std::int64_t minimum =
+        (configured < 0 ? -configured : configured) + (format == STRING_FORMAT_C ? 1 : 0);
+    if (size >= minimum) return;
+
+    append_to_log("[" + timestamp() + "] MinBufferSize=" + std::to_string(minimum) + " > " +
+                  std::to_string(size) + " (" + string_format_name(format) + ") " + program_name() +
+                  " expanding '" + (source == nullptr ? "<nullptr>" : source) + "'\n");
+    if (configured < 0 || is_watched(source)) platform::breakpoint_trap();
+}
+
+}  // namespace trv

@@ -1,0 +1,47 @@
+#pragma once
+
+/// @file
+/// Switches that go back to where they stood on every way out, also when a handler throws.
+
+#include <trvfiles/environment/message_store.h>
+#include <trvfiles/support/diagnostics.h>
+
+namespace trv {
+
+/// Marks a piece of code as running.
+class running_guard {
+public:
+    explicit running_guard(bool& running) : running_(running) { running_ = true; }
+    ~running_guard() { running_ = false; }
+    running_guard(const running_guard&) = delete;
+    running_guard& operator=(const running_guard&) = delete;
+
+private:
+    bool& running_;
+};
+
+/// Switches the echo of the default handlers off.
+class echo_guard {
+public:
+    echo_guard() : earlier_(set_echo_output(0)) {}
+    ~echo_guard() { set_echo_output(earlier_); }
+    echo_guard(const echo_guard&) = delete;
+    echo_guard& operator=(const echo_guard&) = delete;
+
+private:
+    int earlier_;
+};
+
+/// Makes the records of the time not persistent.
+class record_guard {
+public:
+    record_guard() : earlier_(set_record_flag(false)) {}
+    ~record_guard() { set_record_flag(earlier_); }
+    record_guard(const record_guard&) = delete;
+    record_guard& operator=(const record_guard&) = delete;
+
+private:
+    bool earlier_;
+};
+
+}  // namespace trv

@@ -1,0 +1,44 @@
+#pragma once
+
+/// @file
+/// Message files and environ.cfg files: sections of entries, one a line, with comments and
+/// conditional blocks.
+///
+/// A file that breaks the rules is reported through the fatal channel, which by default ends the
+/// process; what is said below of later results holds where the host's handler returns.
+///
+/// Threads: one at a time, with the whole runtime.
+
+#include <trvfiles/environment/message_callbacks.h>
+#include <trvfiles/environment/message_store.h>
+#include <trvfiles/export.h>
+#include <trvfiles/support/line_source.h>
+
+namespace trv {
+
+/// Reads lines of at most 1023 characters to the end of the source and hands headers and entries
+/// to the callbacks. Entries above the first header are left out. The callbacks may throw.
+///
+/// @param source     stays the caller's
+/// @param file_name  the name under which the entries are registered and errors reported
+/// @return 0 when the end was reached, also when the file was given up on the way, which has then
+///         been reported; -1 without a store or a callback, or when the name cannot be registered,
+///         and no line has been read then
+TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
+                             section_callback section, entry_callback entry);
+
+/// Loads a file.
+///
+/// Without a store a new one is made: each header adds a section, each entry the next message of
+/// its section. Into a store the file is merged: a header finds the section of its name or adds
+/// it, an entry replaces that of the same name or is added, as set_parameter() does.
+///
+/// @param store  none (null) for a new store
+/// @param path   taken as it stands, no reference in it is expanded; null acts as empty
+/// @return the store, also when there is no such file: then it is unchanged, and still none if it
+///         was none. None when the file exists and cannot be opened, when it was given up or when
+///         storage ran out; an existing store stays alive then, with what it has taken so far. The
+///         caller destroys a new store.
+TRV_EXPORT message_store* load_message_file(message_store* store, const char* path);
+
+}  // namespace trv

@@ -1,0 +1,34 @@
+#pragma once
+
+/// @file
+/// The parser behind load_messages(): comments, conditional blocks, section headers and entries of
+/// one message file.
+///
+/// Threads: one at a time, with the whole runtime.
+
+#include <trvfiles/environment/message_callbacks.h>
+#include <trvfiles/support/line_source.h>
+
+#include <string>
+#include <string_view>
+
+namespace trv {
+
+/// The callbacks that take a file's headers and entries.
+struct message_sink {
+    section_callback section;
+    entry_callback entry;
+};
+
+/// `aborted` is a parse that a callback or the file itself has ended early; it has been reported.
+enum class parse_result { complete, aborted, not_registered };
+
+/// As load_messages(), telling an aborted parse from a complete one.
+parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
+                            const message_sink& sink);
+
+/// The text "load_messages: file '...', line ... : ..." in which everything that is wrong with a
+/// message file is reported.
+std::string message_file_report(std::string_view file_name, int line, std::string_view text);
+
+}  // namespace trv

@@ -1,0 +1,146 @@
+#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables.h>
+#include <trvfiles/support/ascii_case.h>
+#include <trvfiles/support/blanks.h>
+#include <trvfiles/support/platform.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace trv {
+
+process_stores loaded_stores;
+
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr const char* temporary_directory_name = "TMP";
+constexpr const char* zone_name = "TRVZONE";
+constexpr const char* null_text_name = "TRVNULL";
+constexpr const char* path_suffix = "PATH";
+
+// Of these an empty value says nothing; of any other variable it is a value like another.
+constexpr std::string_view unset_when_empty[] = {"TRVHOME", "TRVHOME_LS", "TRVTMPDIR",
+                                                 "TRV_EXPAND_LOGFILE_NAME", "TRV_MCTX_DEF"};
+
+bool says_nothing(std::string_view name, const char* value) {
+    return *value == '\0' && std::find(std::begin(unset_when_empty), std::end(unset_when_empty),
+                                       name) != std::end(unset_when_empty);
+}
+
+const char* environment_value(const char* name) {
+    const char* value = platform::get_environment(name);
+    return value == nullptr || says_nothing(name, value) ? nullptr : value;
+}
+
+// A value of the process environment, after the configuration has been loaded where it was not:
+// loading may itself set the variable that is asked for.
+const char* environment_value_or_load(const char* name) {
+    const char* value = environment_value(name);
+    if (value != nullptr || loaded_stores.environment != nullptr) return value;
+    runtime_hooks.load_environment();
+    return environment_value(name);
+}
+
+const char* parameter(const message_store* store, const char* section, const char* name) {
+    const int index = find_section(store, section);
+    return index < 0 ? nullptr : find_parameter(store, index, name, false);
+}
+
+const char* configured_value(const char* section, const char* name) {
+    const char* value = parameter(loaded_stores.environment, section, name);
+    // The store's texts are its own to change; it only hands them out as constant ones.
+    cut_trailing_blanks(const_cast<char*>(value));
+    return value;
+}
+
+int write_origin(char* buffer, std::size_t size, std::string_view origin) {
+    if (buffer == nullptr || size == 0) return 0;
+    buffer[origin.copy(buffer, size - 1)] = '\0';
+    return 0;
+}
+
+}  // namespace
+
+const char* get_variable(const char* name) {
+    if (name == nullptr) return nullptr;
+    if (std::strcmp(name, temporary_directory_name) == 0) {
+        return runtime_hooks.temporary_directory();
+    }
+    if (std::strcmp(name, zone_name) == 0) runtime_hooks.prepare_zone();
+    const char* value = environment_value_or_load(name);
+    return value != nullptr ? value : configured_value("var", name);
+}
+
+const char* get_path_variable(const char* name) {
+    if (name == nullptr) return nullptr;
+    const char* value = environment_value_or_load((std::string(name) + path_suffix).c_str());
+    return value != nullptr ? value : configured_value("path", name);
+}
+
+std::string null_value(const char* name) {
+    // The name may be a text that the lookup overwrites.
+    const std::string replacement = name == nullptr ? "" : name;
+    const char* value = get_variable(null_text_name);
+    std::string text = value == nullptr ? "" : value;
+    const std::size_t mark = text.find('$');
+    if (mark != std::string::npos) text.replace(mark, 1, replacement);
+    return text;
+}
+
+bool is_on(const char* value) {
+    return value != nullptr && !equal_ignoring_case(value, "OFF");
+}
+
+bool variable_is_on(const char* name) {
+    return is_on(get_variable(name));
+}
+
+int describe_variable_origin(char* buffer, std::size_t size, const char* name, const char* value) {
+    const char* asked = name == nullptr ? "" : name;
+    if (std::strcmp(asked, temporary_directory_name) == 0) {
+        if (environment_value("TRVTMPDIR") != nullptr) {
+            return write_origin(buffer, size, "from environment variable TRVTMPDIR");
+        }
+    } else if (environment_value(asked) != nullptr) {
+        return write_origin(buffer, size, "from environment");
+    }
+    return describe_origin(buffer, size, loaded_stores.environment, value);
+}
+
+int describe_path_origin(char* buffer, std::size_t size, const char* name, const char* value) {
+    const std::string variable = (name == nullptr ? "" : name) + std::string(path_suffix);
+    if (environment_value(variable.c_str()) != nullptr) {
+        return write_origin(buffer, size, "from environment '" + variable + "'");
+    }
+    return describe_origin(buffer, size, loaded_stores.environment, value);
+}
+
+message_store* environment_store() {
+    return loaded_stores.environment;
+}
+
+message_store* application_store() {
+    return loaded_stores.application;
+}
+
+message_store* catalogue_store() {
+    return loaded_stores.catalogue;
+}
+
+const char* get_application_parameter(const char* section, const char* name) {
+    return parameter(loaded_stores.application, section, name);
+}
+
+const char* get_catalogue_message(const char* section, int number) {
+    const int index = find_section(loaded_stores.catalogue, section);
+    return index < 0 ? nullptr : get_message(loaded_stores.catalogue, index, number);
+}
+
+const char* get_catalogue_parameter(const char* section, const char* name) {
+    return parameter(loaded_stores.catalogue, section, name);
+}
+
+}  // namespace trv

@@ -1,0 +1,102 @@
+#include <trvfiles/environment/guards.h>
+#include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/work_zone.h>
+#include <trvfiles/environment/zone_number.h>
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/platform.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr char directory_variable[] = "TRVTMPDIR";
+constexpr std::size_t path_size = 512;
+constexpr std::size_t directory_size = 524;
+
+// The work zone of this process.
+struct work_zone {
+    char directory[directory_size] = "";  // empty until it has been worked out
+    bool is_working_out = false;
+};
+work_zone zone;
+
+// An undefined name is an error here: it would leave a path of some other place.
+int expand_fully(const char* text, char* path, std::size_t size) {
+    return _Expand(text, path, static_cast<std::int32_t>(size));
+}
+
+bool counter_path(char* path) {
+    constexpr char configured[] = "$TRVCONF/workzone.num";
+    const int code = expand_fully(configured, path, path_size);
+    if (code == EXP_OK) return true;
+    if (trace_is_seen()) {
+        const std::string text =
+            std::string(configured) + " expansion error : " + std::to_string(code);
+        report_trace(text.c_str());
+    }
+    if (expand_fully("$TRVHOME/client/trvconf/workzone.num", path, path_size) == EXP_OK)
+        return true;
+    report_fatal("TRVHOME is not defined\n");
+    return false;
+}
+
+// The counter moves on before the zone has its number: a failure loses a number, but no two zones
+// get the same one.
+std::optional<std::string> new_zone_number(const char* zone_file) {
+    char counter[path_size];
+    if (!counter_path(counter)) return std::nullopt;
+    std::optional<std::string> number = draw_zone_number(counter);
+    if (number && !write_zone_number(zone_file, *number)) return std::nullopt;
+    return number;
+}
+
+std::optional<std::string> zone_number() {
+    char zone_file[path_size];
+    if (expand_fully("$TRVZONE/workzone.num", zone_file, sizeof zone_file) != EXP_OK) {
+        report_fatal("TRVZONE is not defined\n");
+        return std::nullopt;
+    }
+    if (platform::path_exists(zone_file)) return read_zone_number(zone_file);
+    return new_zone_number(zone_file);
+}
+
+bool work_out_directory() {
+    const std::optional<std::string> number = zone_number();
+    if (!number) return false;
+    char directory[directory_size];
+    const std::string text = "$TRVTMP/" + *number;
+    if (expand_fully(text.c_str(), directory, sizeof directory) != EXP_OK) return false;
+    std::memcpy(zone.directory, directory, sizeof directory);
+    return true;
+}
+
+void make_missing_directory(const char* directory) {
+    if (is_directory(directory) || make_directory(directory) == 0) return;
+    const std::string text =
+        std::string("Could not create temporary directory '") + directory + "'";
+    report_fatal(text.c_str());
+}
+
+}  // namespace
+
+const char* get_temporary_directory() {
+    const char* given = platform::get_environment(directory_variable);
+    if (given != nullptr && *given != '\0') return given;
+    if (zone.is_working_out) return nullptr;
+    const running_guard guard(zone.is_working_out);
+    if (*zone.directory == '\0' && !work_out_directory()) return nullptr;
+    make_missing_directory(zone.directory);
+    return zone.directory;
+}
+
+void set_temporary_directory(const char* directory) {
+    platform::set_environment(directory_variable, directory);
+}
+
+}  // namespace trv

@@ -1,0 +1,123 @@
+#include <trvfiles/environment/zone_number.h>
+#include <trvfiles/support/blanks.h>
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/number_text.h>
+#include <trvfiles/support/platform.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr int line_buffer_size = 81;
+
+bool read_line(std::FILE* file, std::string& line) {
+    char buffer[line_buffer_size];
+    if (std::fgets(buffer, sizeof buffer, file) == nullptr) return false;
+    line = buffer;
+    return true;
+}
+
+bool write_line(std::FILE* file, const std::string& line) {
+    return std::fputs((line + '\n').c_str(), file) >= 0 && std::fflush(file) == 0;
+}
+
+void report(std::string_view before, const char* path, std::string_view after) {
+    std::string text(before);
+    text += '\'';
+    text += path;
+    text += '\'';
+    text += after;
+    report_fatal(text.c_str());
+}
+
+int digit_value(char digit) {
+    if (digit >= '0' && digit <= '9') return digit - '0';
+    if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
+    if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
+    return -1;
+}
+
+// Reads as "%x" does: white space, a sign, "0x", digits.
+std::uint32_t hexadecimal_number(std::string_view text) {
+    constexpr std::uint64_t largest = 0xffffffff;
+    skip_white_space(text);
+    const bool negative = !text.empty() && text.front() == '-';
+    if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
+    if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") text.remove_prefix(2);
+    std::uint64_t number = 0;
+    for (const char digit : text) {
+        const int value = digit_value(digit);
+        if (value < 0) break;
+        number = number * 16 + static_cast<std::uint64_t>(value);
+        if (number > largest) return largest;
+    }
+    return static_cast<std::uint32_t>(negative ? 0 - number : number);
+}
+
+std::string zone_number_text(std::uint32_t number) {
+    std::string text(8, '0');
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
+        *digit = "0123456789abcdef"[number % 16];
+        number /= 16;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::optional<std::string> read_zone_number(const char* path) {
+    platform::file_handle file = platform::open_for_read(path, platform::file_mode::text);
+    if (file == nullptr) {
+        report("Error opening file ", path, " for read access\n");
+        return std::nullopt;
+    }
+    std::string line;
+    const bool is_read = read_line(file.get(), line);
+    file.reset();
+    if (!is_read) {
+        report("Error reading file ", path, "\n");
+        return std::nullopt;
+    }
+    return std::string(trim_trailing(line));
+}
+
+std::optional<std::string> draw_zone_number(const char* path) {
+    platform::file_handle file = platform::open_for_update(path, platform::file_mode::text);
+    if (file == nullptr) {
+        report("Error opening ", path, " file\n");
+        return std::nullopt;
+    }
+    std::string line;
+    if (!read_line(file.get(), line)) {
+        file.reset();
+        report("Error reading ", path, " file\n");
+        return std::nullopt;
+    }
+    const std::string number = zone_number_text(hexadecimal_number(line) + 1);
+    std::rewind(file.get());
+    if (!write_line(file.get(), number)) {
+        // A number that is not counted would be drawn again by another zone.
+        file.reset();
+        report("Error opening ", path, " file\n");
+        return std::nullopt;
+    }
+    return number;
+}
+
+bool write_zone_number(const char* path, const std::string& number) {
+    platform::file_handle file = platform::open_for_write(path, platform::file_mode::text);
+    const bool is_opened = file != nullptr;
+    if (is_opened && write_line(file.get(), number)) return true;
+    file.reset();
+    // Half a number would be another zone's.
+    if (is_opened) platform::remove_file(path);
+    report("Error creating ", path, " file\n");
+    return false;
+}
+
+}  // namespace trv

@@ -1,0 +1,32 @@
+#pragma once
+
+/// @file
+/// The files that hold zone numbers: eight lower-case hexadecimal digits on one line.
+///
+/// Failures are reported through the fatal channel; a result is none where its handler returns.
+///
+/// Threads: one at a time, with the whole runtime.
+
+#include <optional>
+#include <string>
+
+namespace trv {
+
+/// The number of a zone, as its file holds it up to the 80th character, without trailing blanks.
+std::optional<std::string> read_zone_number(const char* path);
+
+/// Moves the installation's counter on by one.
+///
+/// What does not read as a hexadecimal number counts as 0, more than ffffffff as ffffffff, which is
+/// followed by 0. The file is written over, not cut: the rest of a longer line stays.
+///
+/// @param path  of the counter file, which has to exist
+/// @return the new number
+std::optional<std::string> draw_zone_number(const char* path);
+
+/// Creates the file of a new zone.
+///
+/// @return whether the file is there, whole
+bool write_zone_number(const char* path, const std::string& number);
+
+}  // namespace trv
