@@ -38,10 +38,6 @@ QString treeLine(const ComponentView& view, std::size_t level) {
     return line + QLatin1Char('\n');
 }
 
-QString counted(unsigned long long count, const QString& one, const QString& several) {
-    return QStringLiteral("%1 %2").arg(QString::number(count), count == 1 ? one : several);
-}
-
 struct Placement {
     explicit Placement(const CComponentInfo& entry) : fileName(fromNarrow(entry.getFileName())) {
         entry.getTranslation(translation);

@@ -43,9 +43,11 @@ struct Command {
     /// What the help adds to the summary: lines, each with its end.
     QString details;
     QList<QCommandLineOption> options;
+    /// What a message calls one of the arguments.
+    QString operand = QStringLiteral("file name");
     int fewestFiles = 1;
     int mostFiles = 1;
-    /// Called with the options and as many file names as are allowed.
+    /// Called with the options and as many arguments as are allowed.
     ExitStatus (*run)(const QCommandLineParser& call, const Console& console) = nullptr;
 };
 
@@ -56,6 +58,7 @@ CommandGroup showCommand();
 CommandGroup checkCommand();
 CommandGroup assemblyCommands();
 CommandGroup axisCommands();
+CommandGroup envCommands();
 
 /// Says what is wrong with a call and where help is.
 ///

@@ -15,6 +15,7 @@ CommandGroup allCommands() {
              checkCommand(),
              assemblyCommands(),
              axisCommands(),
+             envCommands(),
          }) {
         commands.insert(commands.end(), group.begin(), group.end());
     }
@@ -103,14 +104,15 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments,
     }
     if (!understood) return refuseCall(console, command.name, parser.errorText());
 
-    const QStringList files = parser.positionalArguments();
-    if (files.size() < command.fewestFiles) {
-        return refuseCall(console, command.name, QStringLiteral("A file name is missing."));
+    const QStringList operands = parser.positionalArguments();
+    if (operands.size() < command.fewestFiles) {
+        return refuseCall(console, command.name,
+                          QStringLiteral("A %1 is missing.").arg(command.operand));
     }
-    if (files.size() > command.mostFiles) {
-        return refuseCall(
-            console, command.name,
-            QStringLiteral("'%1' is one file name too many.").arg(files.at(command.mostFiles)));
+    if (operands.size() > command.mostFiles) {
+        return refuseCall(console, command.name,
+                          QStringLiteral("'%1' is one %2 too many.")
+                              .arg(operands.at(command.mostFiles), command.operand));
     }
     return command.run(parser, console);
 }

@@ -56,6 +56,10 @@ QString shown(const std::string& narrow) {
     return shown(fromNarrow(narrow));
 }
 
+QString counted(unsigned long long count, const QString& one, const QString& several) {
+    return QStringLiteral("%1 %2").arg(QString::number(count), count == 1 ? one : several);
+}
+
 QJsonValue jsonNumber(double value) {
     if (std::isfinite(value)) return value;
     return numberText(value);

@@ -30,6 +30,9 @@ QString roundedVectorText(const double vector[3]);
 QString shown(const QString& text);
 QString shown(const std::string& narrow);
 
+/// "1 file", "2 files"
+QString counted(unsigned long long count, const QString& one, const QString& several);
+
 /// A JSON number; a number that JSON does not have is the text of numberText().
 QJsonValue jsonNumber(double value);
 QJsonArray jsonNumbers(const double* values, int count);

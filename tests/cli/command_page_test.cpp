@@ -1,5 +1,6 @@
 // The examples of docs/command.md, run as they stand there.
 
+#include <tests/cli/env_sample.h>
 #include <tests/cli/process.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
@@ -40,18 +41,32 @@ std::vector<Example> examplesOf(const std::filesystem::path& page) {
     return examples;
 }
 
+// As a shell takes words apart, as far as the page goes: at blanks, but not between quotes.
+QStringList wordsOf(const std::string& line) {
+    QStringList words;
+    const QStringList parts = QString::fromStdString(line).split(QLatin1Char('\''));
+    for (int i = 0; i < parts.size(); ++i) {
+        const bool quoted = i % 2 == 1;
+        words += quoted ? QStringList(parts.at(i))
+                        : parts.at(i).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    }
+    return words;
+}
+
 TEST(CommandPage, ShowsWhatTheCommandPrints) {
     const TemporaryDirectory directory;
-    const std::filesystem::path project = std::filesystem::path(TRV_SAMPLE_PROJECT) / "project";
-    std::filesystem::copy(project, directory.path(), std::filesystem::copy_options::recursive);
+    std::filesystem::copy(TRV_SAMPLE_PROJECT, directory.path(),
+                          std::filesystem::copy_options::recursive);
+    const std::string installation = directory.text() + "/installation";
 
     const std::vector<Example> examples = examplesOf(TRV_COMMAND_PAGE);
-    EXPECT_GT(examples.size(), 10U);
-    Process process(directory.path());
+    EXPECT_GT(examples.size(), 20U);
+    Process process(directory / "project");
+    process.setVariable("TRVHOME", installation.c_str());
     for (const Example& example : examples) {
-        ASSERT_GE(process.run(QString::fromStdString(example.arguments).split(QLatin1Char(' '))),
-                  0);
-        EXPECT_EQ(process.out() + process.err(), example.output) << example.arguments;
+        ASSERT_GE(process.run(wordsOf(example.arguments)), 0);
+        EXPECT_EQ(asAtOptShop(process.out() + process.err(), installation), example.output)
+            << example.arguments;
     }
 }
 

@@ -19,6 +19,12 @@ constexpr const char* overview =
     "  axis show      Show an axis file\n"
     "  axis invert    Write the inverse of an axis file to another one\n"
     "  axis write     Write an axis file\n"
+    "  env list       List the variables of an installation\n"
+    "  env explain    Tell why a variable has its value\n"
+    "  env expand     Replace the references in texts\n"
+    "  env find       Search for a file in the directories of a path list\n"
+    "  env messages   Show a message file\n"
+    "  env check      Check message and configuration files\n"
     "\n"
     "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the version.\n"
     "Exit status: 0 done, 1 a negative answer, 2 an error.\n";
@@ -67,7 +73,8 @@ TEST(Dispatch, ExplainsOneCommand) {
 
 TEST(Dispatch, ExplainsEveryCommand) {
     for (const char* command : {"show", "check", "assembly tree", "assembly list", "assembly diff",
-                                "axis show", "axis invert", "axis write"}) {
+                                "axis show", "axis invert", "axis write", "env list", "env explain",
+                                "env expand", "env find", "env messages", "env check"}) {
         const Answer answer = answerTo(words(command) + words("--help"));
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.err, "");
@@ -118,6 +125,18 @@ TEST(Dispatch, RefusesOptionsThatACommandDoesNotHave) {
     expectRefusal(words("axis write a --tags"),
                   "trvfiles axis write: Missing value after '--tags'.\n"
                   "Try 'trvfiles axis write --help'.\n");
+}
+
+TEST(Dispatch, CallsArgumentsByWhatTheyAre) {
+    expectRefusal(words("env explain"),
+                  "trvfiles env explain: A name is missing.\n"
+                  "Try 'trvfiles env explain --help'.\n");
+    expectRefusal(words("env list a"),
+                  "trvfiles env list: 'a' is one argument too many.\n"
+                  "Try 'trvfiles env list --help'.\n");
+    expectRefusal({QStringLiteral("show"), QStringLiteral("a"), QStringLiteral("%2")},
+                  "trvfiles show: '%2' is one file name too many.\n"
+                  "Try 'trvfiles show --help'.\n");
 }
 
 TEST(Dispatch, CountsTheFileNames) {

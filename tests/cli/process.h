@@ -20,10 +20,14 @@ public:
         process_.setWorkingDirectory(QString::fromStdString(directory.generic_string()));
     }
 
+    /// @param value  null unsets the variable
     void setVariable(const char* name, const char* value) {
         QProcessEnvironment environment = process_.processEnvironment();
         if (environment.isEmpty()) environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(name), QString::fromLatin1(value));
+        environment.remove(QString::fromLatin1(name));
+        if (value != nullptr) {
+            environment.insert(QString::fromLatin1(name), QString::fromLatin1(value));
+        }
         process_.setProcessEnvironment(environment);
     }
 

@@ -13,6 +13,15 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
+TEST(TextOutput, CountsInTheRightNumber) {
+    const auto files = [](unsigned long long count) {
+        return counted(count, QStringLiteral("file"), QStringLiteral("files")).toStdString();
+    };
+    EXPECT_EQ(files(0), "0 files");
+    EXPECT_EQ(files(1), "1 file");
+    EXPECT_EQ(files(18446744073709551615U), "18446744073709551615 files");
+}
+
 TEST(NumberText, IsTheShortestThatReadsBack) {
     EXPECT_EQ(numberText(0.1).toStdString(), "0.1");
     EXPECT_EQ(numberText(100).toStdString(), "100");

@@ -1,0 +1,123 @@
+#include <cli/env_commands.h>
+#include <cli/env_expansion.h>
+#include <cli/text_output.h>
+#include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/support/file_system.h>
+
+#include <algorithm>
+
+namespace trv::cli {
+namespace {
+
+void printError(const QString& subject, const QString& text, const Console& console) {
+    console.err << qUtf8Printable(
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(subject), shown(text)));
+}
+
+void printUndefined(const QString& subject, const std::vector<std::string>& lookups,
+                    const Console& console) {
+    for (const std::string& reference : undefinedIn(lookups)) {
+        printError(subject, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
+                   console);
+    }
+}
+
+ExitStatus expandText(const QString& text, bool asPath, RuntimeMessages& messages,
+                      const Console& console) {
+    const Expansion expansion = expand(toNarrow(text), asPath, messages);
+    if (is_expand_error(expansion.code)) {
+        printError(text, codeText(expansion.code), console);
+        return failed;
+    }
+    console.out << qUtf8Printable(shown(expansion.text)) << '\n';
+    if (expansion.code != EXP_UNDEFINED) return done;
+    printUndefined(text, expansion.lookups, console);
+    return negative;
+}
+
+ExitStatus expandAll(const QCommandLineParser& call, const Console& console) {
+    const bool asPath = call.isSet(QStringLiteral("path"));
+    return askInstallation(call, console, [&](RuntimeMessages& messages, const Console& results) {
+        ExitStatus status = done;
+        for (const QString& text : call.positionalArguments())
+            status = std::max(status, expandText(text, asPath, messages, results));
+        return status;
+    });
+}
+
+// What the search tells of each directory. Before that stand the lookups, and the list.
+void printTries(const std::vector<std::string>& trace, std::ostream& out) {
+    auto line = std::find_if(trace.begin(), trace.end(), [](const std::string& text) {
+        return text.rfind("SEARCHING for ", 0) == 0;
+    });
+    if (line == trace.end()) return;
+    while (++line != trace.end())
+        out << qUtf8Printable(shown(*line)) << '\n';
+}
+
+ExitStatus findFile(const QString& text, RuntimeMessages& messages, const Console& console) {
+    std::string path;
+    int code = EXP_OK;
+    const std::vector<std::string> trace =
+        messages.traceOf([&] { code = expand_and_search(toNarrow(text), &path); });
+    switch (code) {
+        case EXP_OK:
+            printTries(trace, console.out);
+            console.out << qUtf8Printable(shown(native_path(path.c_str()))) << '\n';
+            return done;
+        case EXP_NOT_FOUND:
+            printTries(trace, console.out);
+            console.out << qUtf8Printable(shown(text)) << " is not found\n";
+            return negative;
+        case EXP_UNDEFINED:
+            printUndefined(text, lookupsIn(trace), console);
+            return negative;
+        default:
+            printError(text, codeText(code), console);
+            return failed;
+    }
+}
+
+ExitStatus find(const QCommandLineParser& call, const Console& console) {
+    const QString text = call.positionalArguments().at(0);
+    return askInstallation(call, console, [&](RuntimeMessages& messages, const Console& results) {
+        return findFile(text, messages, results);
+    });
+}
+
+}  // namespace
+
+Command envExpandCommand() {
+    Command command;
+    command.name = QStringLiteral("env expand");
+    command.arguments = QStringLiteral("[--root DIR] [--path] TEXT...");
+    command.summary = QStringLiteral("Replace the references in texts");
+    command.details = QStringLiteral(
+        "Prints a line for each text. A shell wants single quotes around one that holds a \"$\"\n"
+        "or a \"?\". Separators stay as they are. Exit status: 0 done, 1 something that a text\n"
+        "refers to is not defined, 2 an error.\n");
+    command.options = {
+        rootOption(), QCommandLineOption(QStringLiteral("path"),
+                                         QStringLiteral("Make each run of separators one \"\\\""))};
+    command.operand = QStringLiteral("text");
+    command.mostFiles = Command::anyNumber;
+    command.run = expandAll;
+    return command;
+}
+
+Command envFindCommand() {
+    Command command;
+    command.name = QStringLiteral("env find");
+    command.arguments = QStringLiteral("[--root DIR] '?LIST\\FILE'");
+    command.summary = QStringLiteral("Search for a file in the directories of a path list");
+    command.details = QStringLiteral(
+        "Prints a line for each directory that is tried, and last the path that is found, with\n"
+        "the separators of the system. Exit status: 0 found, 1 not found, 2 an error.\n");
+    command.options = {rootOption()};
+    command.operand = QStringLiteral("name");
+    command.run = find;
+    return command;
+}
+
+}  // namespace trv::cli

@@ -1,0 +1,90 @@
+#include <cli/env_commands.h>
+#include <cli/env_lookup.h>
+#include <cli/env_runtime.h>
+#include <cli/text_output.h>
+#include <trvfiles/facade/text_conversion.h>
+
+namespace trv::cli {
+namespace {
+
+struct Variable {
+    std::string name;
+    Value value;
+};
+
+std::vector<Variable> variables(const VariableNames& names) {
+    std::vector<Variable> found;
+    for (const std::string& name : names.names) {
+        const Subject subject = {false, name};
+        if (!isTemporaryDirectory(subject)) found.push_back({name, lookUp(subject)});
+    }
+    return found;
+}
+
+void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
+    for (const std::string& origin : otherTexts) {
+        err << qUtf8Printable(
+            QStringLiteral("trvfiles: warning: there is no \"=\" in the variable %1\n")
+                .arg(shown(origin)));
+    }
+}
+
+void printText(const std::vector<Variable>& list, bool withOrigin, std::ostream& out) {
+    for (const auto& [name, value] : list) {
+        QString line = QStringLiteral("%1 = %2").arg(shown(name), shown(value.text));
+        if (withOrigin || value.fromEnvironment) {
+            line += QStringLiteral("  (%1)").arg(shown(value.origin));
+        }
+        out << qUtf8Printable(line) << '\n';
+    }
+}
+
+QJsonObject json(const std::vector<Variable>& list) {
+    QJsonArray array;
+    for (const auto& [name, value] : list) {
+        array.append(QJsonObject{
+            {QStringLiteral("name"), fromNarrow(name)},
+            {QStringLiteral("value"), fromNarrow(value.text)},
+            {QStringLiteral("origin"), fromNarrow(value.origin)},
+            {QStringLiteral("fromEnvironment"), value.fromEnvironment},
+        });
+    }
+    return {{QStringLiteral("variables"), array}};
+}
+
+ExitStatus list(const QCommandLineParser& call, const Console& console) {
+    return askInstallation(call, console, [&](RuntimeMessages&, const Console& results) {
+        const VariableNames names = variableNames();
+        warnOf(names.otherTexts, results.err);
+        if (call.isSet(QStringLiteral("json"))) {
+            printJson(json(variables(names)), results.out);
+        } else {
+            printText(variables(names), call.isSet(QStringLiteral("origin")), results.out);
+        }
+        return done;
+    });
+}
+
+}  // namespace
+
+Command envListCommand() {
+    Command command;
+    command.name = QStringLiteral("env list");
+    command.arguments = QStringLiteral("[--root DIR] [--origin] [--json]");
+    command.summary = QStringLiteral("List the variables of an installation");
+    command.details = QStringLiteral(
+        "Prints a line for each variable, with the value that a program gets: that of the\n"
+        "process environment, which the line says, before that of the files.\n"
+        "TMP, which a lookup would make, is left out.\n");
+    command.options = {rootOption(),
+                       QCommandLineOption(QStringLiteral("origin"),
+                                          QStringLiteral("Tell where each value comes from")),
+                       jsonOption()};
+    command.operand = QStringLiteral("argument");
+    command.fewestFiles = 0;
+    command.mostFiles = 0;
+    command.run = list;
+    return command;
+}
+
+}  // namespace trv::cli

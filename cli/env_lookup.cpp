@@ -1,0 +1,141 @@
+#include <cli/env_lookup.h>
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/environment/reference_resolver.h>
+#include <trvfiles/environment/variables.h>
+#include <trvfiles/support/ascii_case.h>
+#include <trvfiles/support/blanks.h>
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_set>
+
+namespace trv::cli {
+namespace {
+
+constexpr const char* temporaryDirectory = "TMP";
+constexpr std::string_view environmentOrigin = "from environment";
+// Holds every origin: names of configuration files have 511 characters at most.
+constexpr std::size_t originSize = 1024;
+
+// None where the configuration lacks the section.
+const store_section* sectionNamed(const char* name) {
+    const message_store* store = environment_store();
+    const int index = find_section(store, name);
+    return index < 0 ? nullptr : &store->sections[static_cast<std::size_t>(index)];
+}
+
+const store_section* sectionOf(const Subject& subject) {
+    return sectionNamed(subject.isPath ? "path" : "var");
+}
+
+// The number of the entry that counts, or -1.
+int numberOf(const store_section* section, const Subject& subject) {
+    if (section == nullptr) return -1;
+    return section->find_live_entry(environment_store()->texts, subject.name, false);
+}
+
+std::string originOf(const Subject& subject, const char* value) {
+    const auto describe = subject.isPath ? describe_path_origin : describe_variable_origin;
+    char origin[originSize];
+    if (describe(origin, sizeof origin, subject.name.c_str(), value) == 0) return origin;
+    if (isTemporaryDirectory(subject)) return {};
+    // A value that extends another one lies outside the store.
+    const store_section* section = sectionOf(subject);
+    const int number = numberOf(section, subject);
+    return number < 0 ? "" : environment_store()->texts.origin(section->text(number));
+}
+
+// Whether a value holds a reference to the text that it replaced.
+bool extendsAnother(std::string_view value) {
+    std::int32_t offset = 0;
+    for (std::size_t plus = value.find('+'); plus != std::string_view::npos;) {
+        const bool isDoubled = value.substr(plus + 1, 1) == "+";
+        if (!isDoubled && read_reference(value.substr(plus), offset)) return true;
+        plus = value.find('+', plus + (isDoubled ? 2 : 1));
+    }
+    return false;
+}
+
+Definition definitionAt(const message_store& store, std::int32_t text) {
+    const text_record& record = store.texts.record(text);
+    Definition definition;
+    definition.entry = trim(without_references(store.texts.at(text)));
+    definition.origin = store.texts.origin(text);
+    if (record.file != text_pool::none) definition.file = store.texts.at(record.file);
+    definition.line = record.line;
+    if (record.previous != text_pool::none && extendsAnother(store.texts.at(text))) {
+        definition.extends = true;
+        definition.extended = resolve_references(store, record.previous);
+    }
+    return definition;
+}
+
+// Appends a text and those it replaced, oldest first.
+void appendHistory(std::int32_t text, std::vector<Definition>& definitions) {
+    const message_store& store = *environment_store();
+    const auto first = static_cast<std::ptrdiff_t>(definitions.size());
+    for (; text != text_pool::none; text = store.texts.record(text).previous)
+        definitions.push_back(definitionAt(store, text));
+    std::reverse(definitions.begin() + first, definitions.end());
+}
+
+}  // namespace
+
+Subject subjectOf(const std::string& text) {
+    const bool isPath = !text.empty() && text.front() == '?';
+    return {isPath, text.substr(isPath ? 1 : 0)};
+}
+
+bool isTemporaryDirectory(const Subject& subject) {
+    return !subject.isPath && subject.name == temporaryDirectory;
+}
+
+Value lookUp(const Subject& subject) {
+    const auto find = subject.isPath ? get_path_variable : get_variable;
+    const char* found = find(subject.name.c_str());
+    if (found == nullptr) return {};
+    Value value;
+    value.isDefined = true;
+    value.text = found;
+    value.origin = originOf(subject, found);
+    value.fromEnvironment =
+        value.origin.compare(0, environmentOrigin.size(), environmentOrigin) == 0;
+    return value;
+}
+
+Definitions definitionsOf(const Subject& subject) {
+    const store_section* section = sectionOf(subject);
+    const int counting = numberOf(section, subject);
+    if (counting < 0) return {};
+    Definitions definitions;
+    const bool counts = !isTemporaryDirectory(subject);
+    appendHistory(section->text(counting), counts ? definitions.inOrder : definitions.hidden);
+    const text_pool& texts = environment_store()->texts;
+    for (int number = counting + 1; number < section->message_count(); ++number) {
+        const std::string_view text = texts.at(section->text(number));
+        if (is_entry(text) && equal_ignoring_case(entry_name(text), subject.name)) {
+            appendHistory(section->text(number), definitions.hidden);
+        }
+    }
+    return definitions;
+}
+
+VariableNames variableNames() {
+    const store_section* section = sectionNamed("var");
+    if (section == nullptr) return {};
+    const text_pool& texts = environment_store()->texts;
+    VariableNames found;
+    std::unordered_set<std::string> known;
+    for (int number = 0; number < section->message_count(); ++number) {
+        const std::string_view text = texts.at(section->text(number));
+        if (!is_entry(text)) {
+            found.otherTexts.push_back(texts.origin(section->text(number)));
+        } else if (known.insert(fold_case(entry_name(text))).second) {
+            found.names.emplace_back(entry_name(text));
+        }
+    }
+    return found;
+}
+
+}  // namespace trv::cli

@@ -1,0 +1,107 @@
+#include <cli/env_commands.h>
+#include <cli/env_message_file.h>
+#include <cli/env_runtime.h>
+#include <cli/text_output.h>
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/facade/text_conversion.h>
+
+#include <algorithm>
+
+namespace trv::cli {
+namespace {
+
+void printSections(const std::vector<Section>& sections, std::ostream& out) {
+    for (const Section& section : sections) {
+        out << qUtf8Printable(QStringLiteral("[%1]\n").arg(shown(section.name)));
+        if (section.messages.empty()) continue;
+        const int lineWidth = QString::number(section.messages.back().line).size();
+        const int numberWidth = QString::number(section.messages.back().number).size();
+        for (const Message& message : section.messages) {
+            out << qUtf8Printable(
+                QStringLiteral("  line %1  %2  %3\n")
+                    .arg(QString::number(message.line).rightJustified(lineWidth),
+                         QString::number(message.number).rightJustified(numberWidth),
+                         shown(message.text)));
+        }
+    }
+}
+
+QJsonObject json(const Message& message) {
+    const bool entry = is_entry(message.text);
+    return {
+        {QStringLiteral("number"), message.number},
+        {QStringLiteral("line"), message.line},
+        {QStringLiteral("text"), fromNarrow(message.text)},
+        {QStringLiteral("name"),
+         entry ? QJsonValue(fromNarrow(std::string(entry_name(message.text)))) : QJsonValue()},
+        {QStringLiteral("value"),
+         entry ? QJsonValue(fromNarrow(std::string(entry_value(message.text)))) : QJsonValue()},
+    };
+}
+
+QJsonObject json(const QString& name, const std::vector<Section>& sections) {
+    QJsonArray array;
+    for (const Section& section : sections) {
+        QJsonArray messages;
+        for (const Message& message : section.messages)
+            messages.append(json(message));
+        array.append(QJsonObject{{QStringLiteral("name"), fromNarrow(section.name)},
+                                 {QStringLiteral("messages"), messages}});
+    }
+    return {{QStringLiteral("file"), name}, {QStringLiteral("sections"), array}};
+}
+
+ExitStatus print(const QCommandLineParser& call, const Console& console) {
+    const QStringList arguments = call.positionalArguments();
+    const QString& name = arguments.at(0);
+    MessageFile file = loadMessageFile(name);
+    if (file.result == load_result::missing) {
+        console.err << qUtf8Printable(
+            QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), missingText()));
+        return failed;
+    }
+    if (file.result == load_result::failed) return failed;
+    if (arguments.size() > 1) {
+        const std::string asked = toNarrow(arguments.at(1));
+        file.sections.erase(
+            std::remove_if(file.sections.begin(), file.sections.end(),
+                           [&](const Section& section) { return section.name != asked; }),
+            file.sections.end());
+        if (file.sections.empty()) {
+            console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: there is no section [%2]\n")
+                                              .arg(shown(name), shown(arguments.at(1))));
+            return negative;
+        }
+    }
+    if (call.isSet(QStringLiteral("json"))) {
+        printJson(json(name, file.sections), console.out);
+    } else {
+        printSections(file.sections, console.out);
+    }
+    return done;
+}
+
+ExitStatus messages(const QCommandLineParser& call, const Console& console) {
+    return askInstallationIfAny(call, console, [&](RuntimeMessages&, const Console& results) {
+        return print(call, results);
+    });
+}
+
+}  // namespace
+
+Command envMessagesCommand() {
+    Command command;
+    command.name = QStringLiteral("env messages");
+    command.arguments = QStringLiteral("[--root DIR] [--json] FILE [SECTION]");
+    command.summary = QStringLiteral("Show a message file");
+    command.details = QStringLiteral(
+        "Prints the sections with their messages, each with its line in the file and its number\n"
+        "in the section. Conditions in the file see the installation. Exit status: 0 done, 1 the\n"
+        "section is missing, 2 an error.\n");
+    command.options = {rootOption(), jsonOption()};
+    command.mostFiles = 2;
+    command.run = messages;
+    return command;
+}
+
+}  // namespace trv::cli

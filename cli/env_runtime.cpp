@@ -1,0 +1,152 @@
+#include <cli/env_runtime.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+#include <trvfiles/environment/environment_start.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/platform.h>
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <sstream>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+
+namespace trv::cli {
+namespace {
+
+// Handlers are plain functions: what they fill belongs to the one object that there is.
+struct Inbox {
+    std::vector<RuntimeMessages::Report> reports;
+    std::unordered_set<std::string> known;
+    std::vector<std::string> trace;
+    bool traced = false;
+    std::ostream* err = nullptr;
+};
+Inbox inbox;
+
+std::string_view withoutNewlines(std::string_view text) {
+    while (!text.empty() && text.back() == '\n')
+        text.remove_suffix(1);
+    return text;
+}
+
+void take(bool fatal, const char* message) {
+    std::string text(withoutNewlines(message));
+    if (inbox.known.insert(text).second) inbox.reports.push_back({fatal, std::move(text)});
+}
+
+void takeError(const char* message) {
+    take(false, message);
+}
+
+void takeFatal(const char* message) {
+    take(true, message);
+}
+
+void takeTrace(const char* message) {
+    if (inbox.traced) inbox.trace.emplace_back(message);
+    if (is_verbose() == 0) return;
+    const std::string line(withoutNewlines(message));
+    *inbox.err << qUtf8Printable(shown(line)) << '\n';
+}
+
+void printError(const QString& text, const Console& console) {
+    console.err << qUtf8Printable(QStringLiteral("trvfiles: %1\n").arg(text));
+}
+
+// @return whether the call's root, if it has one, is that of the process now
+bool takeRoot(const QCommandLineParser& call, const Console& console) {
+    const QString option = QStringLiteral("root");
+    if (!call.isSet(option)) return true;
+    const QString name = call.value(option);
+    const QString root = QDir::cleanPath(resolved(name));
+    if (name.isEmpty() || !QFileInfo(root).isDir()) {
+        printError(QStringLiteral("--root '%1' is not a directory").arg(shown(name)), console);
+        return false;
+    }
+    return platform::set_environment("TRVHOME", toNarrow(root).c_str());
+}
+
+// Results are held back until no report can deny them any more.
+ExitStatus doWork(RuntimeMessages& messages, const Console& console, const RuntimeWork& work) {
+    std::ostringstream results;
+    const ExitStatus status = work(messages, {results, console.err});
+    if (printReports(messages.takeReports(), console)) return failed;
+    console.out << results.str();
+    return status;
+}
+
+ExitStatus ask(const QCommandLineParser& call, const Console& console, const RuntimeWork& work,
+               bool needsInstallation) {
+    if (!takeRoot(call, console)) return failed;
+    RuntimeMessages messages(console.err);
+    if (install_root(true) != nullptr) {
+        load_environment();
+        if (printReports(messages.takeReports(), console)) return failed;
+    } else if (needsInstallation) {
+        printError(QStringLiteral("There is no installation: set TRVHOME or give --root DIR"),
+                   console);
+        return failed;
+    }
+    return doWork(messages, console, work);
+}
+
+}  // namespace
+
+RuntimeMessages::RuntimeMessages(std::ostream& err) {
+    inbox = {};
+    inbox.err = &err;
+    set_error_handler(takeError);
+    set_fatal_handler(takeFatal);
+    set_trace_handler(takeTrace);
+}
+
+RuntimeMessages::~RuntimeMessages() {
+    set_error_handler(nullptr);
+    set_fatal_handler(nullptr);
+    set_trace_handler(nullptr);
+}
+
+std::vector<RuntimeMessages::Report> RuntimeMessages::takeReports() {
+    inbox.known.clear();
+    return std::exchange(inbox.reports, {});
+}
+
+std::vector<std::string> RuntimeMessages::traceOf(const std::function<void()>& call) {
+    inbox.traced = true;
+    call();
+    inbox.traced = false;
+    return std::exchange(inbox.trace, {});
+}
+
+QCommandLineOption rootOption() {
+    return QCommandLineOption(QStringLiteral("root"),
+                              QStringLiteral("The installation, in place of that of TRVHOME"),
+                              QStringLiteral("DIR"));
+}
+
+bool printReports(const std::vector<RuntimeMessages::Report>& reports, const Console& console) {
+    bool fatal = false;
+    for (const RuntimeMessages::Report& report : reports) {
+        fatal = fatal || report.fatal;
+        const QString text = shown(report.text);
+        printError(report.fatal ? text : QStringLiteral("warning: %1").arg(text), console);
+    }
+    return fatal;
+}
+
+ExitStatus askInstallation(const QCommandLineParser& call, const Console& console,
+                           const RuntimeWork& work) {
+    return ask(call, console, work, true);
+}
+
+ExitStatus askInstallationIfAny(const QCommandLineParser& call, const Console& console,
+                                const RuntimeWork& work) {
+    return ask(call, console, work, false);
+}
+
+}  // namespace trv::cli

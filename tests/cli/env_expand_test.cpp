@@ -1,0 +1,104 @@
+#include <tests/cli/env_sample.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace trv::testing {
+namespace {
+
+using EnvExpand = EnvCommand;
+using EnvFind = EnvCommand;
+
+std::string native(const char* path) {
+    return platform::backslash_separates() ? backslashed(path) : path;
+}
+
+TEST_F(EnvExpand, PrintsALineForEachText) {
+    EXPECT_EQ(run({"expand", "$LABEL", "?TXT", "", "a//./b $$5"}), 0);
+    EXPECT_EQ(out(),
+              "Erlbach #3\n"
+              "/opt/shop/site/texts;/opt/shop/texts\n"
+              "\n"
+              "a//./b $5\n");
+    EXPECT_EQ(err(), "");
+}
+
+TEST_F(EnvExpand, NormalisesPathsOnRequest) {
+    EXPECT_EQ(run({"expand", "--path", "a//./b/$CELL", "?TXT"}), 0);
+    EXPECT_EQ(out(), "a\\b\\3\n\\opt\\shop\\site\\texts;\\opt\\shop\\texts\n");
+}
+
+TEST_F(EnvExpand, NamesWhatIsUndefined) {
+    EXPECT_EQ(run({"expand", "$NOBODY ?NOLIST $NOBODY", "$CELL"}), 1);
+    EXPECT_EQ(out(), "<NOBODY> <NOLIST> <NOBODY>\n3\n");
+    EXPECT_EQ(err(),
+              "trvfiles: $NOBODY ?NOLIST $NOBODY: $NOBODY is not defined\n"
+              "trvfiles: $NOBODY ?NOLIST $NOBODY: ?NOLIST is not defined\n");
+}
+
+TEST_F(EnvExpand, SaysWhatIsWrongWithAText) {
+    process_.setVariable("SITE", "$SITE");
+    EXPECT_EQ(run({"expand", "${CELL", "$CELL", "$NOBODY", "$SITE"}), 2);
+    EXPECT_EQ(out(), "3\n<NOBODY>\n");
+    EXPECT_EQ(err(),
+              "trvfiles: ${CELL: EXP_SYNTAX_ERROR (-31): a bracket behind a $ or ? is not closed\n"
+              "trvfiles: $NOBODY: $NOBODY is not defined\n"
+              "trvfiles: $SITE: EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or "
+              "its expansion is too long\n");
+}
+
+TEST_F(EnvFind, ShowsEachDirectoryThatIsTried) {
+    EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
+    EXPECT_EQ(out(),
+              "  - '\\opt\\shop\\cell\\shop.cfg' -> Not found\n"
+              "  - '\\opt\\shop\\site\\shop.cfg' -> Found\n" +
+                  native("/opt/shop/site/shop.cfg") + "\n");
+    EXPECT_EQ(err(), "");
+}
+
+TEST_F(EnvFind, TakesBothSeparators) {
+    EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
+    const std::string answer = out();
+    EXPECT_EQ(run({"find", "?CFG/shop.cfg"}), 0);
+    EXPECT_EQ(out(), answer);
+}
+
+TEST_F(EnvFind, SaysThatNoDirectoryHasTheFile) {
+    process_.setVariable("CFGPATH", "$TRVHOME/site;$TRVHOME/nowhere");
+    EXPECT_EQ(run({"find", "?CFG/none.cfg"}), 1);
+    EXPECT_EQ(out(),
+              "  - '\\opt\\shop\\site\\none.cfg' -> Not found\n"
+              "  - '\\opt\\shop\\nowhere\\none.cfg' -> Not found\n"
+              "?CFG/none.cfg is not found\n");
+    EXPECT_EQ(err(), "");
+}
+
+TEST_F(EnvFind, LooksAtANameWithoutAList) {
+    EXPECT_EQ(run({"find", "$TRVHOME/cell/environ.cfg"}), 0);
+    EXPECT_EQ(out(), native("/opt/shop/cell/environ.cfg") + "\n");
+    EXPECT_EQ(run({"find", "$TRVHOME/none.cfg"}), 1);
+    EXPECT_EQ(out(), "$TRVHOME/none.cfg is not found\n");
+}
+
+TEST_F(EnvFind, NamesAListThatIsUndefined) {
+    EXPECT_EQ(run({"find", "?NOLIST\\shop.cfg"}), 1);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: ?NOLIST\\shop.cfg: ?NOLIST is not defined\n");
+}
+
+TEST_F(EnvFind, SaysWhyItCannotSearch) {
+    EXPECT_EQ(run({"find", "?CFG"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(),
+              "trvfiles: ?CFG: EXP_INVALID_ARGUMENT (-44): no file name follows the list of "
+              "directories\n");
+    const std::string longName(510, 'x');
+    EXPECT_EQ(run({"find", longName.c_str()}), 2);
+    EXPECT_EQ(err(), "trvfiles: " + longName +
+                         ": EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or its "
+                         "expansion is too long\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

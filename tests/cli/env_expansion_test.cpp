@@ -1,0 +1,90 @@
+#include <cli/env_expansion.h>
+#include <tests/environment/configured_store.h>
+#include <trvfiles/environment/variable_expansion.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace trv::testing {
+namespace {
+
+using cli::Expansion;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class EnvExpansion : public ::testing::Test {
+protected:
+    Expansion expand(const char* text, bool asPath = false) {
+        return cli::expand(text, asPath, messages_);
+    }
+
+    ConfiguredStore store_;
+    std::ostringstream err_;
+    cli::RuntimeMessages messages_{err_};
+};
+
+TEST_F(EnvExpansion, ListsTheLookupsInTheirOrder) {
+    store_.variable("A = <$B>", "a.cfg", 1);
+    store_.variable("B = b", "a.cfg", 2);
+    store_.path("L = d", "a.cfg", 3);
+    const Expansion expansion = expand("$A//?L $$");
+    EXPECT_EQ(expansion.code, EXP_OK);
+    EXPECT_EQ(expansion.text, "<b>//d $");
+    EXPECT_THAT(expansion.lookups,
+                ElementsAre("A = '<$B>' from 'a.cfg' line 1", "B = 'b' from 'a.cfg' line 2",
+                            "L = 'd' from 'a.cfg' line 3"));
+}
+
+TEST_F(EnvExpansion, NormalisesSeparatorsOnRequest) {
+    EXPECT_EQ(expand("a//./b").text, "a//./b");
+    EXPECT_EQ(expand("a//./b", true).text, "a\\b");
+}
+
+TEST_F(EnvExpansion, LeavesOutHowAPlusIsReplaced) {
+    store_.variable("A = 1");
+    store_.variable("A = + 2 +");
+    store_.variable("A = + 3");
+    store_.variable("E = 0");
+    store_.variable("E = +(00000002)");
+    const Expansion expansion = expand("$A");
+    EXPECT_EQ(expansion.text, "1 2 1 3");
+    ASSERT_EQ(expansion.lookups.size(), 1U);
+    EXPECT_EQ(expansion.lookups[0].substr(0, 13), "A = '1 2 1 3'");
+    EXPECT_THAT(cli::lookupsIn({"ref=[+(00000002)]\n", "$(TRVNULL)(00000002)", "A = 'x' y"}),
+                ElementsAre("A = 'x' y"));
+}
+
+TEST_F(EnvExpansion, NamesWhatIsUndefinedOnce) {
+    const Expansion expansion = expand("$A ?A $A ${a b}");
+    EXPECT_EQ(expansion.code, EXP_UNDEFINED);
+    EXPECT_THAT(cli::undefinedIn(expansion.lookups), ElementsAre("$A", "?A", "$a b"));
+    store_.variable("A = 1");
+    EXPECT_THAT(cli::undefinedIn(expand("$A").lookups), IsEmpty());
+}
+
+TEST_F(EnvExpansion, GivesErrorsAsTheyAre) {
+    store_.variable("A = $B");
+    store_.variable("B = $A");
+    EXPECT_EQ(expand("${A").code, EXP_SYNTAX_ERROR);
+    EXPECT_EQ(expand("$A").code, EXP_NAME_TOO_LONG);
+}
+
+TEST(EnvCodeText, HasWordsForEveryStatus) {
+    const auto text = [](int code) { return cli::codeText(code).toStdString(); };
+    EXPECT_EQ(text(-21), "EXP_NOT_FOUND (-21): there is no such file");
+    EXPECT_EQ(text(-31), "EXP_SYNTAX_ERROR (-31): a bracket behind a $ or ? is not closed");
+    EXPECT_EQ(text(-32), "EXP_BUFFER_TOO_SMALL (-32): the list or the path found is too long");
+    EXPECT_EQ(text(-41), "error (-41): memory ran out");
+    EXPECT_EQ(text(-42),
+              "EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or its expansion is "
+              "too long");
+    EXPECT_EQ(text(-43), "EXP_UNDEFINED (-43): something that it refers to is not defined");
+    EXPECT_EQ(text(-44),
+              "EXP_INVALID_ARGUMENT (-44): no file name follows the list of directories");
+    EXPECT_EQ(text(-99), "error -99");
+}
+
+}  // namespace
+}  // namespace trv::testing

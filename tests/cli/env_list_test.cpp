@@ -1,0 +1,96 @@
+#include <tests/cli/env_sample.h>
+
+#include <gtest/gtest.h>
+
+namespace trv::testing {
+namespace {
+
+using EnvList = EnvCommand;
+
+TEST_F(EnvList, ShowsWhatAProgramGets) {
+    EXPECT_EQ(run({"list"}), 0);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(),
+              "COMPANY = Hollmann Precision Parts\n"
+              "UNITS = mm\n"
+              "TRVCONF = $TRVHOME/client/trvconf\n"
+              "TRVTMP = $TRVHOME/tmp\n"
+              "TRVZONE = $TRVHOME/zones/bracket\n"
+              "TRVNULL = <$>\n"
+              "SPINDLE_LIMIT = 9000\n"
+              "POST_OPTIONS = comments line-numbers pallet-codes\n"
+              "PALLET_MARK = #\n"
+              "FEED_LIMIT = 100\n"
+              "WINDOWS = 1\n"
+              "PC = 1\n"
+              "SITE = Erlbach\n"
+              "VIEWER = $TRVHOME/bin/viewer\n"
+              "CELL = 3\n"
+              "LABEL = $SITE ${PALLET_MARK}$CELL\n");
+}
+
+TEST_F(EnvList, MarksWhatTheProcessOverrides) {
+    write("shop/config/environ.cfg", "[var]\nSITE = Erlbach\nCELL = 3\n");
+    process_.setVariable("SITE", "Ulm");
+    EXPECT_EQ(run({"list"}), 0);
+    EXPECT_EQ(out(), "SITE = Ulm  (from environment)\nCELL = 3\nWINDOWS = 1\nPC = 1\n");
+}
+
+TEST_F(EnvList, TellsOriginsOnRequest) {
+    write("shop/config/environ.cfg",
+          "[var]\nSITE = Erlbach\nCELL = 3\n[path]\nENV = $TRVHOME/cell\n");
+    write("shop/cell/environ.cfg", "[var]\nCELL = +1\n");
+    process_.setVariable("SITE", "Ulm");
+    EXPECT_EQ(run({"list", "--origin"}), 0);
+    EXPECT_EQ(out(),
+              "SITE = Ulm  (from environment)\n"
+              "CELL = 31  (from '\\opt\\shop\\cell\\environ.cfg' line 2)\n"
+              "WINDOWS = 1  (set by program)\n"
+              "PC = 1  (set by program)\n");
+}
+
+TEST_F(EnvList, PrintsJson) {
+    write("shop/config/environ.cfg", "[var]\nSITE = \"Erlbach\"\n");
+    process_.setVariable("PC", "0");
+    EXPECT_EQ(run({"list", "--json"}), 0);
+    EXPECT_EQ(out(),
+              "{\"variables\":["
+              "{\"fromEnvironment\":false,\"name\":\"SITE\",\"origin\":\"from "
+              "'/opt/shop\\\\config\\\\environ.cfg' line 2\",\"value\":\"\\\"Erlbach\\\"\"},"
+              "{\"fromEnvironment\":false,\"name\":\"WINDOWS\",\"origin\":\"set by program\","
+              "\"value\":\"1\"},"
+              "{\"fromEnvironment\":true,\"name\":\"PC\",\"origin\":\"from environment\","
+              "\"value\":\"0\"}]}\n");
+}
+
+TEST_F(EnvList, PrintsNothingWithoutVariables) {
+    write("shop/config/environ.cfg", "[path]\nCFG = x\n");
+    EXPECT_EQ(run({"list"}), 0);
+    EXPECT_EQ(out() + err(), "");
+    EXPECT_EQ(run({"list", "--json"}), 0);
+    EXPECT_EQ(out(), "{\"variables\":[]}\n");
+}
+
+TEST_F(EnvList, MakesNoTemporaryDirectory) {
+    write("shop/config/environ.cfg",
+          "[var]\nTMP = x\nTRVTMP = $TRVHOME/tmp\nTRVZONE = $TRVHOME/zones/housing\n");
+    EXPECT_EQ(run({"list"}), 0);
+    EXPECT_EQ(out(),
+              "TRVTMP = $TRVHOME/tmp\n"
+              "TRVZONE = $TRVHOME/zones/housing\n"
+              "WINDOWS = 1\n"
+              "PC = 1\n");
+    EXPECT_FALSE(std::filesystem::exists(directory_ / "shop/zones/housing/workzone.num"));
+}
+
+TEST_F(EnvList, WarnsOfATextThatIsNoVariable) {
+    write("shop/config/environ.cfg", "[var]\nno entry\nCELL = 3\n");
+    EXPECT_EQ(run({"list"}), 0);
+    EXPECT_EQ(out(), "CELL = 3\nWINDOWS = 1\nPC = 1\n");
+    EXPECT_EQ(err(),
+              "trvfiles: warning: there is no \"=\" in the variable from "
+              "'/opt/shop\\config\\environ.cfg' line 2\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

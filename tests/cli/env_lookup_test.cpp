@@ -1,0 +1,139 @@
+#include <cli/env_lookup.h>
+#include <tests/common/scoped_variable.h>
+#include <tests/environment/configured_store.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace trv::testing {
+namespace {
+
+using cli::Definitions;
+using cli::Value;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const cli::Subject limit = {false, "LIMIT"};
+
+TEST(EnvLookup, TellsPathListsByAQuestionMark) {
+    EXPECT_FALSE(cli::subjectOf("ENV").isPath);
+    EXPECT_EQ(cli::subjectOf("ENV").name, "ENV");
+    EXPECT_TRUE(cli::subjectOf("?ENV").isPath);
+    EXPECT_EQ(cli::subjectOf("?ENV").name, "ENV");
+    EXPECT_EQ(cli::subjectOf("?ENV").text(), "?ENV");
+    EXPECT_EQ(cli::subjectOf("").name, "");
+}
+
+TEST(EnvLookup, FindsValuesWithTheirOrigins) {
+    ConfiguredStore store;
+    store.variable("LIMIT = 12000  ", "a.cfg", 7);
+    store.variable("MODE = x");
+    store.path("CFG = d;e", "b.cfg", 2);
+    Value value = cli::lookUp({false, "limit"});
+    EXPECT_TRUE(value.isDefined);
+    EXPECT_FALSE(value.fromEnvironment);
+    EXPECT_EQ(value.text, "12000");
+    EXPECT_EQ(value.origin, "from 'a.cfg' line 7");
+    EXPECT_EQ(cli::lookUp({false, "MODE"}).origin, "set by program");
+    value = cli::lookUp({true, "CFG"});
+    EXPECT_EQ(value.text, "d;e");
+    EXPECT_EQ(value.origin, "from 'b.cfg' line 2");
+    EXPECT_FALSE(cli::lookUp({false, "CFG"}).isDefined);
+}
+
+TEST(EnvLookup, FindsTheOriginOfAValueThatExtendsAnother) {
+    ConfiguredStore store;
+    store.variable("LIMIT = a", "a.cfg", 1);
+    store.variable("LIMIT = + b", "b.cfg", 2);
+    EXPECT_EQ(cli::lookUp(limit).text, "a b");
+    EXPECT_EQ(cli::lookUp(limit).origin, "from 'b.cfg' line 2");
+}
+
+TEST(EnvLookup, MarksValuesOfTheProcess) {
+    ConfiguredStore store;
+    store.variable("LIMIT = 12000");
+    const ScopedVariable variable("LIMIT", "5");
+    const ScopedVariable list("CFGPATH", "d");
+    EXPECT_TRUE(cli::lookUp(limit).fromEnvironment);
+    EXPECT_EQ(cli::lookUp(limit).text, "5");
+    EXPECT_EQ(cli::lookUp(limit).origin, "from environment");
+    EXPECT_TRUE(cli::lookUp({true, "CFG"}).fromEnvironment);
+    EXPECT_EQ(cli::lookUp({true, "CFG"}).origin, "from environment 'CFGPATH'");
+}
+
+TEST(EnvLookup, ListsDefinitionsFromTheOldest) {
+    ConfiguredStore store;
+    store.variable("LIMIT = 1  ", "a.cfg", 1);
+    store.variable("LIMIT = 2 + +", "b.cfg", 22);
+    store.variable("LIMIT = 3++");
+    const Definitions definitions = cli::definitionsOf(limit);
+    ASSERT_EQ(definitions.inOrder.size(), 3U);
+    EXPECT_EQ(definitions.inOrder[0].entry, "LIMIT = 1");
+    EXPECT_EQ(definitions.inOrder[0].file, "a.cfg");
+    EXPECT_EQ(definitions.inOrder[0].line, 1);
+    EXPECT_FALSE(definitions.inOrder[0].extends);
+    EXPECT_EQ(definitions.inOrder[1].entry, "LIMIT = 2 + +");
+    EXPECT_EQ(definitions.inOrder[1].origin, "from 'b.cfg' line 22");
+    EXPECT_TRUE(definitions.inOrder[1].extends);
+    EXPECT_EQ(definitions.inOrder[1].extended, "1  ");
+    EXPECT_EQ(definitions.inOrder[2].entry, "LIMIT = 3++");
+    EXPECT_EQ(definitions.inOrder[2].origin, "set by program");
+    EXPECT_EQ(definitions.inOrder[2].file, "");
+    EXPECT_EQ(definitions.inOrder[2].line, 0);
+    EXPECT_FALSE(definitions.inOrder[2].extends);
+    EXPECT_THAT(definitions.hidden, IsEmpty());
+}
+
+TEST(EnvLookup, TellsTheValueSoFarThroughSeveralDefinitions) {
+    ConfiguredStore store;
+    for (const char* text : {"LIMIT = a", "LIMIT = + b", "LIMIT = (+)"})
+        store.variable(text);
+    const Definitions definitions = cli::definitionsOf(limit);
+    ASSERT_EQ(definitions.inOrder.size(), 3U);
+    EXPECT_EQ(definitions.inOrder[2].entry, "LIMIT = (+)");
+    EXPECT_EQ(definitions.inOrder[2].extended, "a b");
+}
+
+TEST(EnvLookup, ListsEntriesThatNoLookupReaches) {
+    ConfiguredStore store;
+    store.variable("LIMIT = 1");
+    store.variable("OTHER = 1");
+    store.variable("Limit = 2");
+    store.variable("Limit = 3");
+    append_message(store.get(), store.var(), "LIMIT = 4", -1, 0);
+    const Definitions definitions = cli::definitionsOf({false, "liMIT"});
+    ASSERT_EQ(definitions.inOrder.size(), 1U);
+    ASSERT_EQ(definitions.hidden.size(), 3U);
+    EXPECT_EQ(definitions.hidden[0].entry, "Limit = 2");
+    EXPECT_EQ(definitions.hidden[1].entry, "Limit = 3");
+    EXPECT_EQ(definitions.hidden[2].entry, "LIMIT = 4");
+    EXPECT_THAT(cli::definitionsOf({true, "LIMIT"}).inOrder, IsEmpty());
+}
+
+TEST(EnvLookup, CountsNoDefinitionOfTheTemporaryDirectory) {
+    ConfiguredStore store;
+    store.variable("TMP = x");
+    const ScopedVariable variable("TRVTMPDIR", "d");
+    const cli::Subject temporary = {false, "TMP"};
+    EXPECT_TRUE(cli::isTemporaryDirectory(temporary));
+    EXPECT_FALSE(cli::isTemporaryDirectory({true, "TMP"}));
+    EXPECT_FALSE(cli::isTemporaryDirectory({false, "tmp"}));
+    EXPECT_EQ(cli::lookUp(temporary).text, "d");
+    EXPECT_EQ(cli::lookUp(temporary).origin, "from environment variable TRVTMPDIR");
+    EXPECT_TRUE(cli::lookUp(temporary).fromEnvironment);
+    EXPECT_THAT(cli::definitionsOf(temporary).inOrder, IsEmpty());
+    EXPECT_EQ(cli::definitionsOf(temporary).hidden.size(), 1U);
+}
+
+TEST(EnvLookup, ListsNamesInOrderAndOnce) {
+    ConfiguredStore store;
+    for (const char* text : {"B = 1", "a = 2", "A = 3", "B = 4"})
+        store.variable(text);
+    append_message(store.get(), store.var(), "no name", -1, 0);
+    append_message(store.get(), store.var(), "C = 5", -1, 0);
+    EXPECT_THAT(cli::variableNames().names, ElementsAre("B", "a", "C"));
+    EXPECT_THAT(cli::variableNames().otherTexts, ElementsAre("set by program"));
+}
+
+}  // namespace
+}  // namespace trv::testing

@@ -1,0 +1,87 @@
+#include <tests/cli/env_sample.h>
+
+#include <gtest/gtest.h>
+
+namespace trv::testing {
+namespace {
+
+using EnvMessages = EnvCommand;
+
+TEST_F(EnvMessages, ShowsSectionsWithLinesAndNumbers) {
+    EXPECT_EQ(run({"messages", "shop/texts/messages.msg"}), 0);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(),
+              "[vise]\n"
+              "  line 4  0  The vise is open.\n"
+              "  line 5  1  The jaws do not fit the part.\n"
+              "  line 6  2  Pallet #%d is not loaded.\n"
+              "[limits]\n"
+              "  line  9  0  jaw_travel = 160\n"
+              "  line 10  1  part_mass = 80\n");
+}
+
+TEST_F(EnvMessages, ShowsOneSection) {
+    write("a.msg", "[one]\na\n[two]\n[one]\nb\n");
+    EXPECT_EQ(run({"messages", "a.msg", "one"}), 0);
+    EXPECT_EQ(out(), "[one]\n  line 2  0  a\n[one]\n  line 5  0  b\n");
+    EXPECT_EQ(run({"messages", "a.msg", "two"}), 0);
+    EXPECT_EQ(out(), "[two]\n");
+    EXPECT_EQ(run({"messages", "a.msg", "One"}), 1);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: a.msg: there is no section [One]\n");
+}
+
+TEST_F(EnvMessages, PrintsJson) {
+    write("a.msg", "[one]\nfirst\nA = 1 \x02\n");
+    EXPECT_EQ(run({"messages", "--json", "a.msg"}), 0);
+    EXPECT_EQ(out(),
+              "{\"file\":\"a.msg\",\"sections\":[{\"messages\":["
+              "{\"line\":2,\"name\":null,\"number\":0,\"text\":\"first\",\"value\":null},"
+              "{\"line\":3,\"name\":\"A\",\"number\":1,\"text\":\"A = 1\",\"value\":\"1\"}],"
+              "\"name\":\"one\"}]}\n");
+}
+
+TEST_F(EnvMessages, TakesTheBranchOfTheInstallation) {
+    write("a.msg", "[one]\n/if CELL == 3\nthree\n/else\nother\n/endif\n");
+    EXPECT_EQ(run({"messages", "a.msg"}), 0);
+    EXPECT_EQ(out(), "[one]\n  line 3  0  three\n");
+    process_.setVariable("TRVHOME", nullptr);
+    process_.setVariable("CELL", "4");
+    EXPECT_EQ(run({"messages", "a.msg"}), 0);
+    EXPECT_EQ(out(), "[one]\n  line 5  0  other\n");
+    EXPECT_EQ(run({"messages", "--root", "shop", "a.msg"}), 0);
+    EXPECT_EQ(out(), "[one]\n  line 5  0  other\n");
+}
+
+TEST_F(EnvMessages, NeedsTheInstallationForAConditionAlone) {
+    process_.setVariable("TRVHOME", nullptr);
+    write("a.msg", "[one]\nfirst\n");
+    EXPECT_EQ(run({"messages", "a.msg"}), 0);
+    EXPECT_EQ(out(), "[one]\n  line 2  0  first\n");
+    write("a.msg", "[one]\n/if CELL\n/endif\n");
+    EXPECT_EQ(run({"messages", "a.msg"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
+}
+
+TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
+    EXPECT_EQ(run({"messages", "none.msg"}), 2);
+    EXPECT_EQ(err(), "trvfiles: none.msg: No such file or directory\n");
+    write("a.msg", "[one]\nfirst\n/frob\n");
+    EXPECT_EQ(run({"messages", "a.msg"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(),
+              "trvfiles: load_messages: file 'a.msg', line 3 : Unknown keyword : '/frob'\n"
+              "trvfiles: load_messages: file 'a.msg', line 0 : Error loading file.\n");
+}
+
+TEST_F(EnvMessages, ShowsAFileWithWarnings) {
+    write("a.msg", "[one]\n" + std::string(1023, 'x') + "\n");
+    EXPECT_EQ(run({"messages", "a.msg"}), 0);
+    EXPECT_EQ(out(), "[one]\n  line 2  0  " + std::string(1023, 'x') + "\n");
+    EXPECT_EQ(err(),
+              "trvfiles: warning: load_messages: file 'a.msg', line 2 : Input line too long\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

@@ -1,0 +1,141 @@
+#include <cli/env_runtime.h>
+#include <tests/cli/env_sample.h>
+#include <trvfiles/support/diagnostics.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace trv::testing {
+namespace {
+
+using cli::RuntimeMessages;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(RuntimeMessages, HoldsEachReportOnce) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    report_fatal("broken\n");
+    report_error("odd");
+    for (int i = 0; i < 1000; ++i)
+        report_fatal("broken");
+    const std::vector<RuntimeMessages::Report> reports = messages.takeReports();
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_TRUE(reports[0].fatal);
+    EXPECT_EQ(reports[0].text, "broken");
+    EXPECT_FALSE(reports[1].fatal);
+    EXPECT_EQ(reports[1].text, "odd");
+    EXPECT_TRUE(messages.takeReports().empty());
+    report_error("odd");
+    EXPECT_EQ(messages.takeReports().size(), 1U);
+}
+
+TEST(RuntimeMessages, HoldsTheTraceOfACall) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    report_trace("before");
+    EXPECT_THAT(messages.traceOf([] {
+        report_trace("one\n");
+        report_trace("two");
+    }),
+                ElementsAre("one\n", "two"));
+    report_trace("behind");
+    EXPECT_THAT(messages.traceOf([] {}), IsEmpty());
+    EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(EnvCommand, TakesTheInstallationOfTrvhome) {
+    EXPECT_EQ(run({"expand", "$CELL"}), 0);
+    EXPECT_EQ(out(), "3\n");
+    EXPECT_EQ(err(), "");
+}
+
+TEST_F(EnvCommand, PrefersTheRootOfTheCall) {
+    write("other/config/environ.cfg", "[var]\nCELL = 9\n");
+    EXPECT_EQ(run({"expand", "--root", "other", "$TRVHOME $CELL"}), 0);
+    EXPECT_EQ(out(), directory_.text() + "/other 9\n");
+    const std::string absolute = "--root=" + directory_.text() + "/other";
+    EXPECT_EQ(run({"expand", absolute.c_str(), "$CELL"}), 0);
+    EXPECT_EQ(out(), "9\n");
+    process_.setVariable("TRVHOME", nullptr);
+    EXPECT_EQ(run({"expand", "--root", "./x/../other/", "$TRVHOME"}), 0);
+    EXPECT_EQ(out(), directory_.text() + "/other\n");
+}
+
+TEST_F(EnvCommand, SaysWhatToSetWhereThereIsNoInstallation) {
+    for (const char* home : {static_cast<const char*>(nullptr), ""}) {
+        process_.setVariable("TRVHOME", home);
+        EXPECT_EQ(run({"list"}), 2);
+        EXPECT_EQ(out(), "");
+        EXPECT_EQ(err(), "trvfiles: There is no installation: set TRVHOME or give --root DIR\n");
+    }
+}
+
+TEST_F(EnvCommand, RefusesARootThatIsNoDirectory) {
+    write("file", "");
+    EXPECT_EQ(run({"list", "--root", "nowhere"}), 2);
+    EXPECT_EQ(err(), "trvfiles: --root 'nowhere' is not a directory\n");
+    EXPECT_EQ(run({"list", "--root", "file"}), 2);
+    EXPECT_EQ(err(), "trvfiles: --root 'file' is not a directory\n");
+    EXPECT_EQ(run({"list", "--root="}), 2);
+    EXPECT_EQ(err(), "trvfiles: --root '' is not a directory\n");
+    EXPECT_EQ(out(), "");
+}
+
+TEST_F(EnvCommand, EndsWithWhatIsFatalAtTheStart) {
+    write("empty/x", "");
+    EXPECT_EQ(run({"list", "--root", "empty"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(),
+              "trvfiles: Error loading '" + directory_.text() + "/empty\\config\\environ.cfg'\n");
+
+    write("shop/config/environ.cfg", "[var]\n/frob\n");
+    EXPECT_EQ(run({"explain", "CELL"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(),
+              "trvfiles: load_messages: file '/opt/shop\\config\\environ.cfg', line 2 : Unknown "
+              "keyword : '/frob'\n"
+              "trvfiles: load_messages: file '/opt/shop\\config\\environ.cfg', line 0 : Error "
+              "loading file.\n"
+              "trvfiles: Error loading '/opt/shop\\config\\environ.cfg'\n");
+}
+
+TEST_F(EnvCommand, ShowsNoResultsBesideAFatalReport) {
+    write("other/config/environ.cfg", "[var]\nCELL = 9\n");
+    EXPECT_EQ(run({"expand", "--root", "other", "$CELL", "$TMP"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_NE(err().find("TRVZONE"), std::string::npos) << err();
+}
+
+TEST_F(EnvCommand, WarnsOfWhatIsNotFatalAtTheStart) {
+    write("shop/cell/environ.cfg", "[var]\nno entry\nCELL = 4\n");
+    EXPECT_EQ(run({"expand", "$CELL"}), 0);
+    EXPECT_EQ(out(), "4\n");
+    EXPECT_EQ(err(),
+              "trvfiles: warning: load_messages: [file '\\opt\\shop\\cell\\environ.cfg' line 2] "
+              "Warning - incorrect format (missing '='): [var] no entry\n");
+}
+
+TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {
+    process_.setVariable("TRV_TRVFILES_VERBOSE", "1");
+    EXPECT_EQ(run({"expand", "$CELL"}), 0);
+    EXPECT_EQ(out(), "3\n");
+    EXPECT_EQ(err().substr(0, 31), "LOADING ENVIRONMENT FILES ....\n");
+    EXPECT_NE(err().find("\nCELL = '3' from '\\opt\\shop\\cell\\environ.cfg' line 4\n"),
+              std::string::npos)
+        << err();
+}
+
+TEST_F(EnvCommand, ShowsBytesThatAreNoTextSafely) {
+    write("shop/cell/environ.cfg", "[var]\nCELL = M\xfcller\x1b[1m\n");
+    EXPECT_EQ(run({"expand", "$CELL"}), 0);
+    if (!platform::narrow_text_is_utf8()) GTEST_SKIP() << "narrow text is not UTF-8 here";
+    EXPECT_EQ(out(), u8"M\ufffdller\\x1b[1m\n");
+    EXPECT_EQ(run({"explain", "--json", "CELL"}), 0);
+    EXPECT_NE(out().find(u8"\"value\":\"M\ufffdller\\u001b[1m\""), std::string::npos) << out();
+}
+
+}  // namespace
+}  // namespace trv::testing

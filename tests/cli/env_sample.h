@@ -1,0 +1,94 @@
+#pragma once
+
+/// @file
+/// The command in a directory that holds a copy of the sample installation.
+
+#include <tests/cli/process.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <tests/environment/installation.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <initializer_list>
+#include <string>
+
+namespace trv::testing {
+
+inline std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+/// A text in which the root of an installation reads "/opt/shop", or "\opt\shop" where it stands
+/// with "\", in JSON with two of them.
+inline std::string asAtOptShop(std::string text, const std::string& root) {
+    const std::string json = replaced(backslashed(root), "\\", "\\\\");
+    text = replaced(text, json, "\\\\opt\\\\shop");
+    text = replaced(text, backslashed(root), "\\opt\\shop");
+    return replaced(text, root, "/opt/shop");
+}
+
+/// The process finds the installation by TRVHOME and knows no other variable of the runtime.
+class EnvCommand : public ::testing::Test {
+protected:
+    EnvCommand() {
+        std::filesystem::copy(TRV_SAMPLE_PROJECT "/installation", directory_ / "shop",
+                              std::filesystem::copy_options::recursive);
+        for (const char* name : {"TRVHOME_LS",
+                                 "TRVZONE",
+                                 "TRVTMPDIR",
+                                 "TRVTMP",
+                                 "TRVCONF",
+                                 "TRVNULL",
+                                 "ENVPATH",
+                                 "CFGPATH",
+                                 "TXTPATH",
+                                 "WINDOWS",
+                                 "PC",
+                                 "SHOP_SHIFT",
+                                 "COMPANY",
+                                 "UNITS",
+                                 "SPINDLE_LIMIT",
+                                 "POST_OPTIONS",
+                                 "PALLET_MARK",
+                                 "FEED_LIMIT",
+                                 "SITE",
+                                 "VIEWER",
+                                 "CELL",
+                                 "LABEL",
+                                 "NOBODY",
+                                 "TRV_TRVFILES_VERBOSE",
+                                 "TRV_EXPAND_MIN_BUFFER_SIZE"}) {
+            process_.setVariable(name, nullptr);
+        }
+        process_.setVariable("TRVHOME", root().c_str());
+    }
+
+    std::string root() const { return directory_.text() + "/shop"; }
+
+    void write(const char* name, std::string_view text) const {
+        std::filesystem::create_directories((directory_ / name).parent_path());
+        writeBytes(directory_ / name, text);
+    }
+
+    int run(std::initializer_list<const char*> arguments) {
+        QStringList list(QStringLiteral("env"));
+        for (const char* argument : arguments)
+            list += QString::fromUtf8(argument);
+        return process_.run(list);
+    }
+
+    /// What was printed, as if the installation stood in /opt/shop.
+    std::string out() const { return asAtOptShop(process_.out(), root()); }
+    std::string err() const { return asAtOptShop(process_.err(), root()); }
+
+    TemporaryDirectory directory_;
+    Process process_{directory_.path()};
+};
+
+}  // namespace trv::testing
