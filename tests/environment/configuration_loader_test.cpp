@@ -309,6 +309,34 @@ TEST_F(ConfigurationLoader, LeavesTheApplicationStoreAsItWasWhenAHandlerThrows) 
     EXPECT_EQ(application_store(), nullptr);
 }
 
+TEST_F(ConfigurationLoader, KeepsTheStoreThatAHandlerMakesDuringTheFirstLoad) {
+    static std::string directory;
+    static const message_store* made;
+    directory = directory_.text();
+    made = nullptr;
+    write("a/m.cfg", "[s]\nA = 1\nno entry" + std::string(1100, 'x') + "\n");
+    write("b/m.cfg", "[s]\nB = 2\n");
+    write("b.msg", "[s]\nB = 2\n");
+    set_error_handler([](const char*) {
+        load_application_files("m.cfg", (directory + "/b").c_str());
+        load_catalogue_file((directory + "/b.msg").c_str());
+        if (made == nullptr) made = application_store();
+    });
+    const std::string before = storageInUse();
+    EXPECT_EQ(load_application_files("m.cfg", "$ROOT/a"), 0);
+    EXPECT_NE(made, nullptr);
+    EXPECT_EQ(application_store(), made);
+    EXPECT_STREQ(get_application_parameter("s", "A"), "1");
+    EXPECT_STREQ(get_application_parameter("s", "B"), "2");
+    EXPECT_EQ(load_catalogue_file(path("a/m.cfg").c_str()), 0);
+    EXPECT_STREQ(get_catalogue_parameter("s", "A"), "1");
+    EXPECT_STREQ(get_catalogue_parameter("s", "B"), "2");
+
+    destroy_store(std::exchange(loaded_stores.application, nullptr));
+    destroy_store(std::exchange(loaded_stores.catalogue, nullptr));
+    EXPECT_EQ(storageInUse(), before);
+}
+
 TEST_F(ConfigurationLoader, FillsTheMessageCatalogue) {
     write("a.msg", "[text]\nfirst\nsecond\n[s]\nA = 1\n");
     EXPECT_EQ(load_catalogue_file(path("a.msg").c_str()), 0);

@@ -61,6 +61,23 @@ message_store* overload_directories(message_store* store, std::string_view list,
     return store;
 }
 
+// Loads into a store of the process, which the first load makes.
+//
+// @param load  takes the store or none, and gives the store or none
+template <class Load>
+int load_into(message_store*& handle, Load load) {
+    const bool is_first = handle == nullptr;
+    message_store* loaded = load(handle);
+    if (loaded != nullptr && is_first && handle != nullptr) {
+        // A handler has made the store while this load ran: what it has looked up there stays good.
+        destroy_store(loaded);
+        loaded = load(handle);
+    }
+    if (loaded == nullptr) return -1;
+    handle = loaded;
+    return 0;
+}
+
 }  // namespace
 
 message_store* overload_files(message_store* store, const char* directory_list,
@@ -87,17 +104,13 @@ int load_application_files(const char* file_name, const char* directory_list) {
     path_buffer list;
     path_buffer name;
     if (!expand(directory_list, list) || !expand(file_name, name)) return -1;
-    message_store* loaded = overload_files(loaded_stores.application, list, name);
-    if (loaded == nullptr) return -1;
-    loaded_stores.application = loaded;
-    return 0;
+    return load_into(loaded_stores.application,
+                     [&](message_store* store) { return overload_files(store, list, name); });
 }
 
 int load_catalogue_file(const char* path) {
-    message_store* loaded = load_message_file(loaded_stores.catalogue, path);
-    if (loaded == nullptr) return -1;
-    loaded_stores.catalogue = loaded;
-    return 0;
+    return load_into(loaded_stores.catalogue,
+                     [&](message_store* store) { return load_message_file(store, path); });
 }
 
 int for_each_variable(int (*callback)(const char* name, const char* value, void* context),
