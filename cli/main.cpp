@@ -43,6 +43,7 @@ ExitStatus runChecked(const QStringList& arguments) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    trv::platform::prepare_console();
     // The next file to be opened would take the place of the closed stream.
     if (isClosed(stdout)) {
         std::cerr << "trvfiles: standard output is closed\n";

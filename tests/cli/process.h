@@ -35,8 +35,8 @@ public:
     int start(const QString& program, const QStringList& arguments) {
         process_.start(program, arguments);
         if (!process_.waitForFinished() || process_.exitStatus() != QProcess::NormalExit) return -1;
-        out_ = process_.readAllStandardOutput().replace("\r\n", "\n").toStdString();
-        err_ = process_.readAllStandardError().replace("\r\n", "\n").toStdString();
+        out_ = process_.readAllStandardOutput().toStdString();
+        err_ = process_.readAllStandardError().toStdString();
         return process_.exitCode();
     }
 
@@ -50,7 +50,7 @@ public:
             QStringList({QStringLiteral("-c"), call, QStringLiteral(TRV_COMMAND)}) + arguments);
     }
 
-    /// What it printed, with LF at the ends of lines.
+    /// What it printed, byte for byte.
     const std::string& out() const { return out_; }
     const std::string& err() const { return err_; }
 

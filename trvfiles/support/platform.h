@@ -136,6 +136,10 @@ bool set_environment(const char* name, const char* value);
 /// An instant in local time, broken down.
 std::tm local_time(std::time_t instant);
 
+/// Makes the standard streams pass their bytes as they are, and a console take them for UTF-8 until
+/// the process ends. For programs, before they print.
+void prepare_console();
+
 /// Stops in the debugger; without one, the process ends as at a breakpoint.
 void breakpoint_trap();
 

@@ -222,6 +222,8 @@ std::tm local_time(std::time_t instant) {
     return broken_down;
 }
 
+void prepare_console() {}
+
 void breakpoint_trap() {
     static_cast<void>(std::raise(SIGTRAP));
 }

@@ -225,6 +225,18 @@ std::tm local_time(std::time_t instant) {
     return broken_down;
 }
 
+void prepare_console() {
+    for (std::FILE* stream : {stdin, stdout, stderr}) {
+        if (::_fileno(stream) >= 0) ::_setmode(::_fileno(stream), _O_BINARY);
+    }
+    // The code page belongs to the console, which outlives the process.
+    static UINT old_code_page = 0;
+    old_code_page = ::GetConsoleOutputCP();
+    if (old_code_page == 0) return;
+    ::SetConsoleOutputCP(CP_UTF8);
+    static_cast<void>(std::atexit([] { ::SetConsoleOutputCP(old_code_page); }));
+}
+
 void breakpoint_trap() {
     ::__debugbreak();
 }
