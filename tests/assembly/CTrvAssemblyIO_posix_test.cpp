@@ -4,6 +4,7 @@
 #include <tests/assembly/sample_components.h>
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/facade/CQvFilesIO.h>

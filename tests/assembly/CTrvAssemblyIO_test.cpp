@@ -5,6 +5,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/component_view.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/platform.h>
 
 #include <QDomImplementation>
@@ -64,9 +65,9 @@ bool sameBits(const double* one, const double* other) {
     return true;
 }
 
-// A text as it comes back: bytes that are not UTF-8 do not survive.
+// A text as it comes back: bytes that are no text do not survive.
 std::string readable(const std::string& text) {
-    return QString::fromUtf8(text.c_str()).toStdString();
+    return trv::toNarrow(trv::fromNarrow(text));
 }
 
 void expectSameTree(const CTrvAssemblyComponentData& written,

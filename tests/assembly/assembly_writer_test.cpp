@@ -1,5 +1,6 @@
 #include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/support/platform.h>
 
 #include <QDomImplementation>
 #include <gtest/gtest.h>
@@ -122,6 +123,7 @@ TEST_F(AssemblyWriter, RefusesTextsThatCouldNotBeReadBack) {
 }
 
 TEST_F(AssemblyWriter, WritesBytesThatAreNoTextAsReplacementCharacters) {
+    if (!trv::platform::narrow_text_is_utf8()) GTEST_SKIP() << "the system's code page decides";
     ASSERT_TRUE(write(leaf("a\xC3(", "a.stl")));
     EXPECT_EQ(attribute(rootComponent(), "name"), QString::fromUtf8("a\uFFFD("));
 }

@@ -24,13 +24,31 @@ inline std::string replaced(std::string text, const std::string& from, const std
     return text;
 }
 
+/// Gives a root that is no more than the value of TRVHOME its "/": alone, before "/", and in the
+/// name of the file that is loaded first.
+inline std::string withSlashesInTrvhome(const std::string& text, const std::string& separator) {
+    const std::string root = separator + "opt" + separator + "shop";
+    const std::string homeFile = separator + "config" + separator + "environ.cfg";
+    std::string result;
+    std::size_t done = 0;
+    for (std::size_t at = text.find(root); at != std::string::npos; at = text.find(root, done)) {
+        result += text.substr(done, at - done);
+        done = at + root.size();
+        const bool goesOn = text.compare(done, separator.size(), separator) == 0;
+        const bool isHomeFile = text.compare(done, homeFile.size(), homeFile) == 0;
+        result += goesOn && !isHomeFile ? root : "/opt/shop";
+    }
+    return result + text.substr(done);
+}
+
 /// A text in which the root of an installation reads "/opt/shop", or "\opt\shop" where it stands
-/// with "\", in JSON with two of them.
+/// with "\", in JSON with two of them. On Windows TRVHOME has "\" as well.
 inline std::string asAtOptShop(std::string text, const std::string& root) {
     const std::string json = replaced(backslashed(root), "\\", "\\\\");
     text = replaced(text, json, "\\\\opt\\\\shop");
     text = replaced(text, backslashed(root), "\\opt\\shop");
-    return replaced(text, root, "/opt/shop");
+    if (root != backslashed(root)) return replaced(text, root, "/opt/shop");
+    return withSlashesInTrvhome(withSlashesInTrvhome(text, "\\\\"), "\\");
 }
 
 /// The process finds the installation by TRVHOME and knows no other variable of the runtime.
@@ -69,7 +87,7 @@ protected:
         process_.setVariable("TRVHOME", root().c_str());
     }
 
-    std::string root() const { return directory_.text() + "/shop"; }
+    std::string root() const { return (directory_ / "shop").string(); }
 
     void write(const char* name, std::string_view text) const {
         std::filesystem::create_directories((directory_ / name).parent_path());

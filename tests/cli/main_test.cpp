@@ -7,6 +7,7 @@
 #include <tests/common/host_locale.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/support/platform.h>
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -39,7 +40,9 @@ protected:
     const std::string& out() const { return process_.out(); }
     const std::string& err() const { return process_.err(); }
 
-    static bool hasShell() { return std::filesystem::exists("/bin/sh"); }
+    static bool hasShell() {
+        return !platform::backslash_separates() && std::filesystem::exists("/bin/sh");
+    }
 
     TemporaryDirectory directory_;
     Process process_{directory_.path()};

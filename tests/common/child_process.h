@@ -9,9 +9,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
-#include <system_error>
 
 #if __has_include(<sys/wait.h>)
 #include <grp.h>
@@ -96,12 +94,5 @@ inline bool exhaustDescriptors() {
 }
 
 #endif
-
-/// How many file descriptors this process holds, or -1 where the system does not tell.
-inline std::ptrdiff_t openDescriptors() {
-    std::error_code error;
-    std::filesystem::directory_iterator entries("/proc/self/fd", error);
-    return error ? -1 : std::distance(begin(entries), end(entries));
-}
 
 }  // namespace trv::testing

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <tests/common/system.h>
 #include <trvfiles/support/platform.h>
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <utility>
@@ -23,10 +23,8 @@ public:
     ScopedVariable& operator=(const ScopedVariable&) = delete;
 
     void set(const char* value) {
-        const bool empty = value != nullptr && *value == '\0';
-        platform::set_environment(name_.c_str(), empty ? "x" : value);
-        // Not every system has a call that sets an empty variable.
-        if (empty) *std::getenv(name_.c_str()) = '\0';
+        if (value != nullptr && *value == '\0') return setEmptyVariable(name_.c_str());
+        platform::set_environment(name_.c_str(), value);
     }
 
 private:

@@ -29,8 +29,8 @@ public:
         platform::set_environment("TRVHOME", root().c_str());
     }
 
-    /// The root with "/", as it stands in TRVHOME.
-    std::string root() const { return directory_.text(); }
+    /// The root as it stands in TRVHOME, with the system's separators.
+    std::string root() const { return directory_.path().string(); }
 
     /// A path in the installation as the runtime writes it.
     std::string path(const std::string& name) const { return backslashed(root() + "/" + name); }

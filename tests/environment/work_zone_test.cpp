@@ -133,7 +133,8 @@ TEST_F(WorkZone, IsTheVariableTmp) {
         const ZoneInstallation installation;
         platform::set_environment("TMP", "not this one");
         EXPECT_EQ(get_variable("TMP"), get_temporary_directory());
-        EXPECT_STREQ(get_variable("tmp"), nullptr);
+        const bool same = platform::backslash_separates();  // names ignore case on Windows
+        EXPECT_STREQ(get_variable("tmp"), same ? "not this one" : nullptr);
     };
     TRV_EXPECT_IN_CHILD(find);
 }

@@ -78,7 +78,8 @@ TEST_F(ZoneHook, RunsBeforeEveryLookupOfTheZone) {
         platform::set_environment("TRVZONE", "set");
         EXPECT_STREQ(get_variable("TRVZONE"), "set");
         EXPECT_EQ(calls, 2);
-        EXPECT_STREQ(get_variable("trvzone"), "configured");
+        const bool same = platform::backslash_separates();  // names ignore case on Windows
+        EXPECT_STREQ(get_variable("trvzone"), same ? "set" : "configured");
         EXPECT_STREQ(get_variable("N"), "1");
         EXPECT_EQ(calls, 2);
     };

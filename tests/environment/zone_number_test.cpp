@@ -2,6 +2,7 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/environment/zone_number.h>
+#include <trvfiles/support/platform.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -95,7 +96,9 @@ TEST_F(ZoneNumber, TakesACounterThatIsNoNumberForZero) {
 
 TEST_F(ZoneNumber, IsWrittenOverTheCounterWithoutCuttingIt) {
     EXPECT_EQ(numberAfter("7 and a longer line\nand another\n"), "00000008");
-    EXPECT_EQ(text(), "00000008\nonger line\nand another\n");
+    const bool windows = platform::backslash_separates();  // a line ends with two bytes there
+    EXPECT_EQ(text(), windows ? "00000008\nnger line\nand another\n"
+                              : "00000008\nonger line\nand another\n");
     EXPECT_EQ(numberAfter("7\n"), "00000008");
     EXPECT_EQ(text(), "00000008\n");
 }

@@ -1,5 +1,6 @@
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>

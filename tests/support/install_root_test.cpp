@@ -107,6 +107,12 @@ TEST_F(InstallRoot, IsFoundFromTheProgramFile) {
     std::filesystem::create_directories(programs);
     const std::filesystem::path program = programs / "tests.exe";
     std::filesystem::copy_file(platform::program_file(), program);
+    // Windows looks for a program's libraries beside it.
+    for (const auto& entry : std::filesystem::directory_iterator(
+             std::filesystem::path(platform::program_file()).parent_path())) {
+        if (entry.path().extension() != ".dll") continue;
+        std::filesystem::copy_file(entry.path(), programs / entry.path().filename());
+    }
     const ScopedVariable expected("TRVFILES_TEST_ROOT", directory.text().c_str());
     const std::string command = "\"" + program.string() +
                                 "\" --gtest_also_run_disabled_tests --gtest_brief=1"

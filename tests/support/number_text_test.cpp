@@ -1,6 +1,7 @@
 #include <tests/common/child_process.h>
 #include <tests/common/host_locale.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -273,6 +274,8 @@ TEST(NumberText, ReadsNumbersAsStrtodDoes) {
         std::string text;
         for (int left = length(random); left > 0; --left)
             text += letters[letter(random)];
+        // On Windows strtod takes any characters between the brackets of a NaN.
+        if (trv::platform::backslash_separates() && text.find('(') != std::string::npos) continue;
         char* end = nullptr;
         const double expected = std::strtod(text.c_str(), &end);
         const Scan<double> scan = number(text);
