@@ -1,0 +1,179 @@
+// Names and values through narrow and wide calls in a process of a given code page: Western
+// European (1252), Japanese (932) or UTF-8.
+
+#include <tests/common/file_bytes.h>
+#include <tests/common/scoped_variable.h>
+#include <tests/common/temporary_directory.h>
+#include <tests/environment/store_access.h>
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/environment/message_file.h>
+#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/store_writer.h>
+#include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/platform.h>
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <string>
+
+using namespace std::string_literals;
+using namespace trv::testing;
+
+namespace {
+
+struct Sample {
+    std::wstring wide;
+    std::string narrow;
+    std::string utf8;
+    /// What the code page cannot hold, and what it makes of it.
+    std::wstring foreign;
+    std::string replaced;
+};
+
+const std::map<unsigned, Sample>& samples() {
+    static const std::map<unsigned, Sample> all = {
+        {1252, {L"Fr\u00E4se\u20AC", "Fr\xE4se\x80", "Fr\xC3\xA4se\xE2\x82\xAC", L"\u65E5", "?"}},
+        {932,
+         {L"\u65E5\u672C\u30BD", "\x93\xFA\x96\x7B\x83\x5C", "\xE6\x97\xA5\xE6\x9C\xAC\xE3\x82\xBD",
+          L"\u0E01", "?"}},
+        {CP_UTF8,
+         {L"\u00E4\u65E5\U0001F527", "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x94\xA7",
+          "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x94\xA7", L"\u0E01", "\xE0\xB8\x81"}},
+    };
+    return all;
+}
+
+class CodePage : public ::testing::Test {
+protected:
+    /// The code page that this run of the program is meant for.
+    static unsigned expected() {
+        const char* number = std::getenv("TRVFILES_CODE_PAGE");
+        return number == nullptr ? 0 : static_cast<unsigned>(std::atoi(number));
+    }
+    const Sample& sample() const { return samples().at(::GetACP()); }
+    std::string narrowPath(const std::string& name) const { return directory_.text() + "/" + name; }
+    std::filesystem::path widePath() const { return directory_.path() / sample().wide; }
+
+    static CTrvAssemblyData assembly(const std::string& text) {
+        CTrvAssemblyData data;
+        data.getRootComponent().setName(text);
+        data.getRootComponent().setGeometryFileName(text + ".stl");
+        return data;
+    }
+
+    TemporaryDirectory directory_;
+    CQvFilesIO files_{directory_.wide()};
+};
+
+}  // namespace
+
+TEST_F(CodePage, IsTheOneThatThisRunIsMeantFor) {
+    ASSERT_NE(expected(), 0U);
+    EXPECT_EQ(::GetACP(), expected());
+    EXPECT_EQ(samples().count(::GetACP()), 1U);
+}
+
+TEST_F(CodePage, IsThatOfNarrowText) {
+    EXPECT_EQ(trv::toWide(trv::fromNarrow(sample().narrow)), sample().wide);
+    EXPECT_EQ(trv::toNarrow(trv::fromWide(sample().wide)), sample().narrow);
+    EXPECT_EQ(trv::toNarrow(trv::fromWide(sample().foreign)), sample().replaced);
+}
+
+TEST_F(CodePage, HoldsAMachineContextsTexts) {
+    CMachineContextData context;
+    context.setMachineName(sample().narrow);
+    EXPECT_EQ(context.getMachineNameW(), sample().wide);
+    context.setCommentW(sample().wide);
+    EXPECT_EQ(context.getComment(), sample().narrow);
+    context.setNameW(sample().foreign);
+    EXPECT_EQ(context.getNameW(), sample().foreign);
+    EXPECT_EQ(context.getName(), sample().replaced);
+}
+
+TEST_F(CodePage, IsWrittenToAssembliesAsUtf8) {
+    ASSERT_EQ(files_.writeTrvAssembly("a.xml", assembly(sample().narrow)), eFileIOSuccess);
+    const std::string bytes = bytesOf(directory_ / "a.xml");
+    EXPECT_NE(bytes.find("<Component name=\"" + sample().utf8 + "\""), std::string::npos) << bytes;
+    EXPECT_NE(bytes.find("<File name=\"" + sample().utf8 + ".stl\""), std::string::npos) << bytes;
+    CTrvAssemblyData read;
+    ASSERT_EQ(files_.readTrvAssembly("a.xml", read), eFileIOSuccess);
+    EXPECT_EQ(read, assembly(sample().narrow));
+    EXPECT_EQ(read.getRootComponent().getName(), sample().narrow);
+}
+
+TEST_F(CodePage, NamesFilesThroughNarrowAndWideCalls) {
+    ASSERT_EQ(files_.writeTrvAssembly(sample().narrow.c_str(), assembly("n")), eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(widePath()));
+    CTrvAssemblyData read;
+    EXPECT_EQ(files_.readTrvAssembly(sample().wide, read), eFileIOSuccess);
+    EXPECT_EQ(files_.readTrvAssembly(sample().narrow.c_str(), read), eFileIOSuccess);
+    EXPECT_EQ(CQvFilesIO::sReadTrvAssembly(widePath().wstring(), read), eFileIOSuccess);
+    EXPECT_TRUE(files_.isfileExists(sample().narrow));
+    EXPECT_TRUE(files_.isfileExists(sample().wide));
+    EXPECT_EQ(files_.absoluteFileName(sample().narrow), narrowPath(sample().narrow));
+    EXPECT_EQ(files_.absoluteFileName(sample().wide), directory_.wide() + L"/" + sample().wide);
+    EXPECT_TRUE(files_.copyFile(narrowPath(sample().narrow), narrowPath(sample().narrow + "2")));
+    EXPECT_TRUE(std::filesystem::exists(directory_.path() / (sample().wide + L"2")));
+}
+
+TEST_F(CodePage, NamesDirectoriesThroughNarrowAndWideCalls) {
+    std::filesystem::create_directory(widePath());
+    const double identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    CQvFilesIO narrow(narrowPath(sample().narrow));
+    EXPECT_EQ(narrow.writeAxis(L"a.dat", identity, 1, 2, 3), eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(widePath() / "a.dat"));
+    EXPECT_TRUE(CQvFilesIO(widePath().wstring()).isfileExists("a.dat"s));
+}
+
+TEST_F(CodePage, OpensWideNamesThatItCannotHold) {
+    const double identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    EXPECT_EQ(files_.writeAxis(sample().foreign, identity, 1, 2, 3), eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(directory_.path() / sample().foreign));
+    EXPECT_TRUE(files_.isfileExists(sample().foreign));
+}
+
+TEST_F(CodePage, IsThatOfTheRuntimesPaths) {
+    const std::string path = narrowPath(sample().narrow);
+    EXPECT_EQ(trv::make_directory(path.c_str()), 0);
+    EXPECT_TRUE(std::filesystem::is_directory(widePath()));
+    EXPECT_TRUE(trv::is_directory(path.c_str()));
+    const auto names = trv::platform::directory_entries(directory_.text().c_str());
+    ASSERT_EQ(names.size(), 1U);
+    EXPECT_EQ(names.front(), sample().narrow);
+    EXPECT_EQ(trv::platform::remove_file((path + "/none").c_str()), ENOENT);
+}
+
+TEST_F(CodePage, IsThatOfTheProcessEnvironment) {
+    const ScopedVariable guard("TRVFILES_TEST", nullptr);
+    ::_wputenv((L"TRVFILES_TEST=" + sample().wide).c_str());
+    EXPECT_STREQ(trv::platform::get_environment("TRVFILES_TEST"), sample().narrow.c_str());
+    EXPECT_TRUE(trv::platform::set_environment("TRVFILES_TEST", (sample().narrow + "+").c_str()));
+    wchar_t value[100] = L"";
+    ::GetEnvironmentVariableW(L"TRVFILES_TEST", value, 100);
+    EXPECT_EQ(value, sample().wide + L"+");
+}
+
+TEST_F(CodePage, PassesThroughStoresAndTheirFilesUnchanged) {
+    trv::message_store*& environment = trv::loaded_stores.environment;
+    const Store store;
+    trv::add_section(store, "var");
+    environment = store;
+    const std::string entry = "NAME = " + sample().narrow;
+    EXPECT_EQ(trv::set_variable(store, 0, entry.c_str()), 0);
+    std::string expanded;
+    EXPECT_EQ(trv::expand_variables("<$NAME>", &expanded), trv::EXP_OK);
+    EXPECT_EQ(expanded, "<" + sample().narrow + ">");
+    environment = nullptr;
+
+    const std::string path = narrowPath(sample().narrow);
+    EXPECT_EQ(trv::store_parameters(store, path.c_str()), 0);
+    EXPECT_EQ(bytesOf(widePath()), "[var]\r\n" + entry + "\r\n");
+}
