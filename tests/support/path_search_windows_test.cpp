@@ -68,11 +68,6 @@ TEST_F(PathsOfWindows, AreMadeBelowADrive) {
     EXPECT_EQ(make_path("1:\\a"), -1);
 }
 
-TEST_F(PathsOfWindows, ARootThatIsDeniedCountsAsMade) {
-    EXPECT_EQ(make_directory("C:\\"), 0);
-    EXPECT_EQ(make_directory(path("").c_str()), -1);
-}
-
 TEST_F(PathsOfWindows, AreFoundWithADrive) {
     writeBytes(directory_ / "f.cfg", "x");
     EXPECT_EQ(resolved(directory_.text() + "/./f.cfg"), path("f.cfg"));
