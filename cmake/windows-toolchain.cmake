@@ -1,14 +1,20 @@
-# Makes 64-bit Windows programs on Debian, with MinGW-w64 and POSIX threads, and runs them in Wine.
-# TRVFILES_WINDOWS_QT may say where a Qt for them stands; otherwise scripts/windows/qt builds one.
+# Makes 64-bit Windows programs on Debian, with MinGW-w64, POSIX threads and the Qt that
+# scripts/windows/qt builds, and runs them in Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
-if(NOT DEFINED TRVFILES_WINDOWS_QT)
+get_property(trying GLOBAL PROPERTY IN_TRY_COMPILE)
+if(NOT trying)
   execute_process(COMMAND "${CMAKE_CURRENT_LIST_DIR}/../scripts/windows/qt"
     OUTPUT_VARIABLE qt OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-  set(TRVFILES_WINDOWS_QT "${qt}" CACHE PATH "Qt for Windows")
+  # What was found in an earlier build of Qt is not looked for again.
+  if(NOT qt STREQUAL TRVFILES_WINDOWS_QT)
+    foreach(found IN ITEMS Qt5_DIR Qt5Core_DIR Qt5Xml_DIR)
+      unset(${found} CACHE)
+    endforeach()
+    set(TRVFILES_WINDOWS_QT "${qt}" CACHE INTERNAL "Qt for Windows")
+  endif()
 endif()
-list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TRVFILES_WINDOWS_QT)
 
 set(triple x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${triple}-gcc-posix)
