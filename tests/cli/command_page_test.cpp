@@ -63,6 +63,7 @@ TEST(CommandPage, ShowsWhatTheCommandPrints) {
     EXPECT_GT(examples.size(), 20U);
     Process process(directory / "project");
     process.setVariable("TRVHOME", installation.c_str());
+    process.setVariable("TRV_MCTX_DEF", nullptr);
     for (const Example& example : examples) {
         ASSERT_GE(process.run(wordsOf(example.arguments)), 0);
         EXPECT_EQ(asAtOptShop(process.out() + process.err(), installation), example.output)
