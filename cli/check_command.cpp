@@ -1,6 +1,7 @@
 #include <cli/assembly_report.h>
 #include <cli/axis_report.h>
 #include <cli/command.h>
+#include <cli/context_report.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
@@ -27,6 +28,13 @@ Problem checkAxis(const QString& name, QString& summary) {
     return {};
 }
 
+Problem checkContext(const QString& name, QString& summary) {
+    ContextFile context;
+    if (Problem problem = readContext(name, context)) return problem;
+    summary = contextSummary(context);
+    return {};
+}
+
 // @param summary  what the file holds, where there is no problem
 Problem checkFile(const QString& name, QString& summary) {
     FileKind kind = FileKind::unknown;
@@ -36,6 +44,8 @@ Problem checkFile(const QString& name, QString& summary) {
             return checkAssembly(name, summary);
         case FileKind::axis:
             return checkAxis(name, summary);
+        case FileKind::machineContext:
+            return checkContext(name, summary);
         case FileKind::unknown:
             break;
     }

@@ -58,6 +58,7 @@ CommandGroup showCommand();
 CommandGroup checkCommand();
 CommandGroup assemblyCommands();
 CommandGroup axisCommands();
+CommandGroup contextCommands();
 CommandGroup envCommands();
 
 /// Says what is wrong with a call and where help is.

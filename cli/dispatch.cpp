@@ -15,6 +15,7 @@ CommandGroup allCommands() {
              checkCommand(),
              assemblyCommands(),
              axisCommands(),
+             contextCommands(),
              envCommands(),
          }) {
         commands.insert(commands.end(), group.begin(), group.end());

@@ -1,7 +1,11 @@
+#include <cli/context_fields.h>
 #include <cli/file_kind.h>
 #include <trvfiles/facade/axis_file.h>
+#include <trvfiles/machine_context/CSectionedFile.h>
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
 namespace trv::cli {
 namespace {
@@ -25,6 +29,15 @@ bool isAxisFlag(std::string_view beginning) {
     return flag == "0" || flag == "1";
 }
 
+bool hasContextSection(std::FILE* file) {
+    CSectionedFile parsed;
+    if (parsed.parse(file) != 0) return false;
+    const std::vector<ContextField>& fields = contextFields();
+    return std::any_of(fields.begin(), fields.end(), [&](const ContextField& field) {
+        return parsed.section(field.section, true).headerLine() >= 0;
+    });
+}
+
 }  // namespace
 
 FileKind kindOf(std::FILE* file) {
@@ -36,13 +49,16 @@ FileKind kindOf(std::FILE* file) {
     std::rewind(file);
     const int faultyLine = readAxisContent(file).faultyLine;
     if (faultyLine != firstMatrixLine || isAxisFlag(beginning)) return FileKind::axis;
-    return FileKind::unknown;
+
+    std::rewind(file);
+    return hasContextSection(file) ? FileKind::machineContext : FileKind::unknown;
 }
 
 QString whyUnknown(std::FILE* file) {
     std::rewind(file);
-    return std::fgetc(file) == EOF ? QStringLiteral("the file is empty")
-                                   : QStringLiteral("neither an assembly nor an axis file");
+    return std::fgetc(file) == EOF
+               ? QStringLiteral("the file is empty")
+               : QStringLiteral("neither an assembly, nor an axis file, nor a machine context");
 }
 
 }  // namespace trv::cli

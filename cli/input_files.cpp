@@ -2,7 +2,10 @@
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/open_file.h>
 #include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/machine_context/CMachineContextIO.h>
+#include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/support/platform.h>
 
 #include <QDir>
@@ -10,6 +13,7 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <filesystem>
 #include <string>
 #include <system_error>
 
@@ -38,8 +42,7 @@ Problem systemProblem(EFileIOStatus status, int code) {
 
 platform::file_handle open(const QString& name, Problem& problem) {
     errno = 0;
-    platform::file_handle file =
-        platform::open_for_read(systemPath(resolved(name)), platform::file_mode::text);
+    platform::file_handle file = openForRead(resolved(name), platform::file_mode::text);
     if (file == nullptr) problem = systemProblem(eFileIOOpenError, errno);
     return file;
 }
@@ -59,6 +62,27 @@ QString faultText(const ParseFault& fault) {
     return QStringLiteral("line %1, column %2: %3")
         .arg(QString::number(fault.line), QString::number(fault.column), fault.reason);
 }
+
+Problem missingKeyProblem(const MissingKey& missing) {
+    return {eFileIOContentError,
+            QStringLiteral("line %1: section [%2] has no \"%3\"")
+                .arg(QString::number(missing.headerLine), QString::fromStdString(missing.section),
+                     QString::fromStdString(missing.key))};
+}
+
+// Keeps the number that saving ends with, which the status does not tell.
+class ContextWriter final : public CMachineContextIO {
+public:
+    using CMachineContextIO::CMachineContextIO;
+
+    int save(const char* fileName) override { return saved_ = CMachineContextIO::save(fileName); }
+
+    /// 0, or the system's number of the failure, negated.
+    int saved() const { return saved_; }
+
+private:
+    int saved_ = 0;
+};
 
 }  // namespace
 
@@ -118,8 +142,7 @@ Problem readAxis(const QString& name, AxisFile& axis) {
 Problem writeAxis(const QString& name, const AxisFile& axis) {
     const std::string text = axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]);
     errno = 0;
-    platform::file_handle file =
-        platform::open_for_write(systemPath(resolved(name)), platform::file_mode::text);
+    platform::file_handle file = openForWrite(resolved(name), platform::file_mode::text);
     if (file == nullptr) return systemProblem(eFileIOOpenError, errno);
     const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
     // Only closing tells whether everything arrived.
@@ -127,6 +150,42 @@ Problem writeAxis(const QString& name, const AxisFile& axis) {
         return systemProblem(eFileIOShortWrite, errno);
     }
     return {};
+}
+
+Problem readContext(const QString& name, ContextFile& context) {
+    if (!canBeReadTwice(name)) return notRegular();
+    Problem problem;
+    const platform::file_handle file = open(name, problem);
+    if (file == nullptr) return problem;
+    CSectionedFile sections;
+    if (sections.parse(file.get()) != 0) {
+        return {eFileIOOpenError, QStringLiteral("reading fails, or does not end at 256 MiB")};
+    }
+    MissingKey missing;
+    const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &missing);
+    if (status == eFileIOContentError) return missingKeyProblem(missing);
+    if (status != eFileIOSuccess) return {status, QStringLiteral("the file has changed")};
+
+    for (const char* section : {"header", "machine", "postpro", "clamping_system"}) {
+        if (sections.section(section, true).lineCount() == 0) {
+            context.missingSections += QString::fromLatin1(section);
+        }
+    }
+    return {};
+}
+
+Problem writeContext(const QString& name, const CMachineContextData& data) {
+    ContextWriter writer(resolved(name));
+    const EFileIOStatus status = writer.write(data);
+    if (status == eFileIOSuccess) return {};
+    if (writer.saved() != 0) return systemProblem(status, -writer.saved());
+    return {status, QStringLiteral("the record cannot be stored")};
+}
+
+QString whyNotListed(const QString& name) {
+    std::error_code error = std::make_error_code(std::errc::no_such_file_or_directory);
+    if (isOpenable(name)) std::filesystem::directory_iterator(systemPath(name), error);
+    return error ? QString::fromStdString(error.default_error_condition().message()) : QString();
 }
 
 }  // namespace trv::cli

@@ -11,8 +11,10 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/facade/EFileIOStatus.h>
 #include <trvfiles/facade/axis_file.h>
+#include <trvfiles/machine_context/CMachineContextData.h>
 
 #include <QString>
+#include <QStringList>
 
 #include <array>
 
@@ -56,5 +58,21 @@ Problem readAxis(const QString& name, AxisFile& axis);
 
 /// Writes an axis file over what stood under the name, and unlike the facade sees every failure.
 Problem writeAxis(const QString& name, const AxisFile& axis);
+
+struct ContextFile {
+    CMachineContextData data;
+    /// The sections that the file lacks although a written one always has them.
+    QStringList missingSections;
+};
+
+/// Reads a machine context; of what the file lacks the record keeps its default.
+Problem readContext(const QString& name, ContextFile& context);
+
+/// Writes a machine context. The old file is whole until the new one takes its place. A temporary
+/// file that cannot be opened is also reported through the fatal channel.
+Problem writeContext(const QString& name, const CMachineContextData& data);
+
+/// Why a directory cannot be listed, in the system's words; empty where it can.
+QString whyNotListed(const QString& name);
 
 }  // namespace trv::cli

@@ -1,6 +1,7 @@
 #include <cli/assembly_report.h>
 #include <cli/axis_report.h>
 #include <cli/command.h>
+#include <cli/context_report.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
@@ -29,6 +30,17 @@ Problem showAxis(const QString& name, bool asJson, std::ostream& out) {
     return {};
 }
 
+Problem showContext(const QString& name, bool asJson, std::ostream& out) {
+    ContextFile context;
+    if (Problem problem = readContext(name, context)) return problem;
+    if (asJson) {
+        printJson(contextJson(name, context), out);
+    } else {
+        out << qUtf8Printable(contextText(name, context));
+    }
+    return {};
+}
+
 ExitStatus show(const QCommandLineParser& call, const Console& console) {
     const QString name = call.positionalArguments().at(0);
     const bool asJson = call.isSet(QStringLiteral("json"));
@@ -40,6 +52,9 @@ ExitStatus show(const QCommandLineParser& call, const Console& console) {
             break;
         case FileKind::axis:
             problem = showAxis(name, asJson, console.out);
+            break;
+        case FileKind::machineContext:
+            problem = showContext(name, asJson, console.out);
             break;
         case FileKind::unknown:
             break;
@@ -53,7 +68,7 @@ CommandGroup showCommand() {
     Command command;
     command.name = QStringLiteral("show");
     command.arguments = QStringLiteral("[--json] FILE");
-    command.summary = QStringLiteral("Show an assembly or axis file");
+    command.summary = QStringLiteral("Show an assembly, an axis file or a machine context");
     command.details = QStringLiteral("What kind of file it is shows in its content.\n");
     command.options = {jsonOption()};
     command.run = show;

@@ -1,5 +1,6 @@
 // What a host sees: the public headers alone, without Qt, and the library with what it exports.
 
+#include <tests/common/child_process.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CComponentInfo.h>
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
@@ -8,12 +9,15 @@
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/EFileIOStatus.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/machine_context/CMachineContextUtils.h>
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #ifdef QT_CORE_LIB
 #error "a host needs no Qt"
@@ -72,6 +76,80 @@ TEST(PublicInterface, HoldsAMachineContext) {
     const CMachineContextData copy = std::as_const(context);
     EXPECT_EQ(copy.getMachineName(), "mill");
     EXPECT_TRUE(copy.isNotNull());
+}
+
+TEST(PublicInterface, WritesAndReadsAMachineContext) {
+    const trv::testing::TemporaryDirectory directory;
+    CQvFilesIO files(directory.text());
+    CMachineContextData context;
+    context.setMachineName("mill");
+    context.setClampingProximity(2.5);
+    ASSERT_EQ(files.writeMachineContext("a.mctx", context), eFileIOSuccess);
+    ASSERT_EQ(files.writeMachineContext(std::wstring(L"b.mctx"), context), eFileIOSuccess);
+    const std::wstring path = directory.wide() + L"/c.mctx";
+    ASSERT_EQ(CQvFilesIO::sWriteMachineContext(path, context), eFileIOSuccess);
+
+    CMachineContextData read[3];
+    ASSERT_EQ(files.readMachineContext("c.mctx", read[0]), eFileIOSuccess);
+    ASSERT_EQ(files.readMachineContext(std::wstring(L"a.mctx"), read[1]), eFileIOSuccess);
+    ASSERT_EQ(CQvFilesIO::sReadMachineContext(directory.wide() + L"/b.mctx", read[2]),
+              eFileIOSuccess);
+    for (const CMachineContextData& one : read) {
+        EXPECT_EQ(one.getMachineName(), "mill");
+        EXPECT_EQ(one.getClampingProximity(), 2.5);
+    }
+}
+
+TEST(PublicInterface, HasTheCatalogue) {
+    static_assert(
+        std::is_same_v<decltype(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW),
+                       std::wstring()>);
+    static_assert(std::is_same_v<decltype(CMachineContextUtils::sGetFavoriteMachineContext),
+                                 std::vector<std::wstring>(std::wstring)>);
+    static_assert(std::is_same_v<decltype(CMachineContextUtils::sGetDefaultMachineContext),
+                                 bool(std::vector<std::wstring>, int&, int&)>);
+    static_assert(std::is_same_v<decltype(CMachineContextUtils::sCreateDefaultMachineContext),
+                                 bool(const std::wstring&, int, std::wstring*, std::wstring*)>);
+    static_assert(std::is_same_v<decltype(CMachineContextUtils::sCreateMachineContext),
+                                 bool(const std::wstring&, const std::wstring&, const std::wstring&,
+                                      const std::wstring&, std::wstring*, std::wstring*)>);
+}
+
+TEST(PublicInterface, CreatesAndFindsMachineContexts) {
+    const trv::testing::TemporaryDirectory directory;
+    std::filesystem::create_directory(directory / "A");
+    const std::wstring project = directory.wide() + L"/A";
+    std::wstring context;
+    std::wstring reference;
+    ASSERT_TRUE(
+        CMachineContextUtils::sCreateDefaultMachineContext(project, 3, &context, &reference));
+    EXPECT_EQ(reference,
+              L"[stockposition@" + context.substr(0, context.size() - 5) + L"]MACHINE.ref");
+
+    int index = 0;
+    int position = 0;
+    EXPECT_TRUE(CMachineContextUtils::sGetDefaultMachineContext({L"x", context}, index, position));
+    EXPECT_EQ(index, 1);
+    EXPECT_EQ(position, 3);
+
+    EXPECT_FALSE(CMachineContextUtils::sCreateMachineContext(project, L"m.mac", L"none.ref",
+                                                             L"A.mctx", &context, &reference));
+    const CMachineContextData favorite;
+    ASSERT_EQ(CQvFilesIO(project).writeMachineContext("A.mctx", favorite), eFileIOSuccess);
+    EXPECT_EQ(CMachineContextUtils::sGetFavoriteMachineContext(directory.wide()),
+              std::vector<std::wstring>{project + L"/A.mctx"});
+    CMachineContextUtils one;
+    const CMachineContextUtils other;
+    EXPECT_EQ(&(one = other), &one);
+    EXPECT_EQ(&(one = CMachineContextUtils()), &one);
+}
+
+TEST(PublicInterface, KnowsWhereTheFavoritesAre) {
+    if (!trv::testing::can_fork) GTEST_SKIP() << "needs a child process";
+    EXPECT_TRUE(trv::testing::passesInChild([] {
+        ASSERT_TRUE(trv::testing::setEnvironment("TRV_MCTX_DEF", "/favourites"));
+        EXPECT_EQ(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW(), L"/favourites");
+    }));
 }
 
 }  // namespace

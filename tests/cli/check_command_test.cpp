@@ -34,6 +34,14 @@ TEST_F(CheckCommand, SaysWhatASoundFileHolds) {
     EXPECT_EQ(verdict(setupXml, 0), "ok (assembly, 3 components, 1 placed file)\n");
     EXPECT_EQ(verdict(turnedAxis, 0), "ok (axis, orthonormal, tags 3 0 7)\n");
     EXPECT_EQ(verdict(identityAxis, 0), "ok (axis, identity)\n");
+    EXPECT_EQ(verdict(setupContext, 0),
+              "ok (machine context \"Setup A\", machine MILL5, position POS1)\n");
+}
+
+TEST_F(CheckCommand, NamesTheSectionsThatAMachineContextLacks) {
+    EXPECT_EQ(verdict("[machine]\nname=M\nposition=\n", 0),
+              "ok (machine context \"\", machine M, no position, no section [header], no section "
+              "[postpro], no section [clamping_system])\n");
 }
 
 TEST_F(CheckCommand, MentionsComponentsThatAreLeftOut) {
@@ -55,8 +63,16 @@ TEST_F(CheckCommand, SaysWhatIsWrongWithABrokenFile) {
               "<ComponentInfo>\n");
     EXPECT_EQ(verdict("0\n1 0 0 0\n0 1 0\n", 1),
               "eFileIOContentError: line 3: four numbers are expected\n");
+    EXPECT_EQ(verdict("[header]\n\n\n[machine]\nname=M\n", 1),
+              "eFileIOContentError: line 4: section [machine] has no \"position\"\n");
+    EXPECT_EQ(verdict("[machine]\nposition=M\n", 1),
+              "eFileIOContentError: line 1: section [machine] has no \"name\"\n");
+    EXPECT_EQ(verdict("[postpro]\nreference_axis=a\n", 1),
+              "eFileIOContentError: line 1: section [postpro] has no \"origin_program\"\n");
     EXPECT_EQ(verdict("", 1), "eFileIOContentError: the file is empty\n");
-    EXPECT_EQ(verdict("note", 1), "eFileIOContentError: neither an assembly nor an axis file\n");
+    EXPECT_EQ(
+        verdict("note", 1),
+        "eFileIOContentError: neither an assembly, nor an axis file, nor a machine context\n");
 }
 
 TEST_F(CheckCommand, GoesOnAfterABrokenFile) {

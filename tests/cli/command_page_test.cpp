@@ -69,6 +69,7 @@ TEST(CommandPage, ShowsWhatTheCommandPrints) {
     EXPECT_GT(examples.size(), 20U);
     Process process(directory / "project");
     process.setVariable("TRVHOME", installation.c_str());
+    process.setVariable("TRV_MCTX_DEF", nullptr);
     for (const Example& example : examples) {
         ASSERT_GE(process.run(wordsOf(example.arguments)), 0);
         const std::string output = replaced(process.out() + process.err(), "\r\n", "\n");

@@ -11,20 +11,24 @@ constexpr const char* overview =
     "Shows, checks, compares and writes the project files of a machining workstation.\n"
     "\n"
     "Commands:\n"
-    "  show           Show an assembly or axis file\n"
-    "  check          Check that files can be read\n"
-    "  assembly tree  Show the components of an assembly\n"
-    "  assembly list  List the geometry files of an assembly where they end up\n"
-    "  assembly diff  Tell what differs between two assemblies\n"
-    "  axis show      Show an axis file\n"
-    "  axis invert    Write the inverse of an axis file to another one\n"
-    "  axis write     Write an axis file\n"
-    "  env list       List the variables of an installation\n"
-    "  env explain    Tell why a variable has its value\n"
-    "  env expand     Replace the references in texts\n"
-    "  env find       Search for a file in the directories of a path list\n"
-    "  env messages   Show a message file\n"
-    "  env check      Check message and configuration files\n"
+    "  show             Show an assembly, an axis file or a machine context\n"
+    "  check            Check that files can be read\n"
+    "  assembly tree    Show the components of an assembly\n"
+    "  assembly list    List the geometry files of an assembly where they end up\n"
+    "  assembly diff    Tell what differs between two assemblies\n"
+    "  axis show        Show an axis file\n"
+    "  axis invert      Write the inverse of an axis file to another one\n"
+    "  axis write       Write an axis file\n"
+    "  context list     List the favourite machine contexts\n"
+    "  context default  Tell which machine context is the default one\n"
+    "  context create   Create a machine context and its reference axis file\n"
+    "  context set      Change fields of a machine context\n"
+    "  env list         List the variables of an installation\n"
+    "  env explain      Tell why a variable has its value\n"
+    "  env expand       Replace the references in texts\n"
+    "  env find         Search for a file in the directories of a path list\n"
+    "  env messages     Show a message file\n"
+    "  env check        Check message and configuration files\n"
     "\n"
     "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the version.\n"
     "Exit status: 0 done, 1 a negative answer, 2 an error.\n";
@@ -72,9 +76,11 @@ TEST(Dispatch, ExplainsOneCommand) {
 }
 
 TEST(Dispatch, ExplainsEveryCommand) {
-    for (const char* command : {"show", "check", "assembly tree", "assembly list", "assembly diff",
-                                "axis show", "axis invert", "axis write", "env list", "env explain",
-                                "env expand", "env find", "env messages", "env check"}) {
+    for (const char* command :
+         {"show", "check", "assembly tree", "assembly list", "assembly diff", "axis show",
+          "axis invert", "axis write", "context list", "context default", "context create",
+          "context set", "env list", "env explain", "env expand", "env find", "env messages",
+          "env check"}) {
         const Answer answer = answerTo(words(command) + words("--help"));
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.err, "");

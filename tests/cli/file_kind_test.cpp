@@ -64,25 +64,42 @@ TEST(FileKind, KnowsABrokenAxisFile) {
     EXPECT_EQ(kindOf("\t1 \r\nthree numbers\n"), FileKind::axis);
 }
 
+TEST(FileKind, KnowsAMachineContextByAnyOfItsSections) {
+    EXPECT_EQ(kindOf(testing::setupContext), FileKind::machineContext);
+    for (const char* section : {"header", "machine", "postpro", "part", "clamping_system"})
+        EXPECT_EQ(kindOf("x\n[" + std::string(section) + "]"), FileKind::machineContext) << section;
+    EXPECT_EQ(kindOf("\xEF\xBB\xBF[ machine ] tail\r\n"), FileKind::machineContext);
+    EXPECT_EQ(kindOf("[machine]\nname = Mill\n"), FileKind::machineContext);
+}
+
+TEST(FileKind, TakesACleanAxisFileOrXmlForThatFirst) {
+    EXPECT_EQ(kindOf(std::string(testing::identityAxis) + "[machine]\nname=x\n"), FileKind::axis);
+    EXPECT_EQ(kindOf("<\n[machine]\nname=x\n"), FileKind::assembly);
+}
+
 TEST(FileKind, TakesNothingElse) {
     EXPECT_EQ(kindOf(""), FileKind::unknown);
     EXPECT_EQ(kindOf("\n"), FileKind::unknown);
     EXPECT_EQ(kindOf("2\n1 2 3\n"), FileKind::unknown);
     EXPECT_EQ(kindOf("10\n"), FileKind::unknown);
-    EXPECT_EQ(kindOf("[machine]\nname = Mill\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("[Machine]\nname = Mill\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf(" [machine]\nname = Mill\n"), FileKind::unknown);
+    EXPECT_EQ(kindOf("[var]\nmachine = Mill\n"), FileKind::unknown);
     EXPECT_EQ(kindOf("x < y\n"), FileKind::unknown);
     EXPECT_EQ(kindOf("\0\0\0\0"sv), FileKind::unknown);
 }
 
 TEST(FileKind, TellsAnEmptyFileFromAnotherOne) {
     EXPECT_EQ(whyUnknown(FileOf("").get()).toStdString(), "the file is empty");
-    EXPECT_EQ(whyUnknown(FileOf("x").get()).toStdString(), "neither an assembly nor an axis file");
+    EXPECT_EQ(whyUnknown(FileOf("x").get()).toStdString(),
+              "neither an assembly, nor an axis file, nor a machine context");
 }
 
 TEST(FileKind, ForgetsThatTheEndWasMet) {
     const FileOf file("x");
     ASSERT_EQ(cli::kindOf(file.get()), FileKind::unknown);
-    EXPECT_EQ(whyUnknown(file.get()).toStdString(), "neither an assembly nor an axis file");
+    EXPECT_EQ(whyUnknown(file.get()).toStdString(),
+              "neither an assembly, nor an axis file, nor a machine context");
 }
 
 }  // namespace

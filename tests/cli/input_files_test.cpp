@@ -71,7 +71,7 @@ TEST_F(InputFiles, TellsWhyThereIsNoKind) {
     EXPECT_EQ(text(findKind(file("empty", ""), kind)), "eFileIOContentError: the file is empty");
     EXPECT_EQ(kind, FileKind::unknown);
     EXPECT_EQ(text(findKind(file("note", "note"), kind)),
-              "eFileIOContentError: neither an assembly nor an axis file");
+              "eFileIOContentError: neither an assembly, nor an axis file, nor a machine context");
     EXPECT_EQ(text(findKind(path("missing"), kind)), "eFileIOOpenError: No such file or directory");
     EXPECT_EQ(text(findKind(path(""), kind)), "eFileIOOpenError: Is a directory");
 }
@@ -183,6 +183,94 @@ TEST_F(InputFiles, SeesAFileThatCannotGrow) {
     EXPECT_TRUE(testing::passesInChild([&] {
         ASSERT_TRUE(testing::limitFileSize(100));
         EXPECT_EQ(text(writeAxis(path("a.ref"), {})), "eFileIOShortWrite: File too large");
+    }));
+}
+
+TEST_F(InputFiles, ReadsAMachineContext) {
+    ContextFile context;
+    EXPECT_FALSE(readContext(file("a.mctx", testing::setupContext), context));
+    EXPECT_EQ(context.data.getName(), "Setup A");
+    EXPECT_EQ(context.data.getClampingProximity(), 2.5);
+    EXPECT_TRUE(context.missingSections.isEmpty());
+}
+
+TEST_F(InputFiles, NamesTheSectionsThatAMachineContextLacks) {
+    ContextFile context;
+    EXPECT_FALSE(
+        readContext(file("a.mctx", "[header]\n[machine]\n\nname=M\nposition=P\n"), context));
+    EXPECT_EQ(context.missingSections.join(QLatin1Char(' ')).toStdString(),
+              "header postpro clamping_system");
+}
+
+TEST_F(InputFiles, SaysWhichKeyAMachineContextLacks) {
+    ContextFile context;
+    EXPECT_EQ(text(readContext(file("a.mctx", "[header]\nname=x\n\n[machine]\nname=M\n"), context)),
+              "eFileIOContentError: line 4: section [machine] has no \"position\"");
+    EXPECT_EQ(text(readContext(file("a.mctx", "[machine]\n#\n"), context)),
+              "eFileIOContentError: line 1: section [machine] has no \"name\"");
+    EXPECT_EQ(text(readContext(file("a.mctx", "\n[postpro]\norigin=1 2 3\n"), context)),
+              "eFileIOContentError: line 2: section [postpro] has no \"origin_program\"");
+}
+
+TEST_F(InputFiles, SaysWhyAMachineContextDoesNotOpen) {
+    ContextFile context;
+    EXPECT_EQ(text(readContext(path("missing"), context)),
+              "eFileIOOpenError: No such file or directory");
+    EXPECT_EQ(text(readContext(path(""), context)), "eFileIOOpenError: Is a directory");
+    if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "there are no device files here";
+    EXPECT_EQ(text(readContext(QStringLiteral("/dev/zero"), context)),
+              "eFileIOOpenError: not a regular file");
+}
+
+TEST_F(InputFiles, SaysThatAMachineContextIsTooLong) {
+    ContextFile context;
+    const QString name = file("long.mctx", "[header]\n");
+    std::filesystem::resize_file(directory_ / "long.mctx", (std::uintmax_t{256} << 20) + 1);
+    EXPECT_EQ(text(readContext(name, context)),
+              "eFileIOOpenError: reading fails, or does not end at 256 MiB");
+}
+
+TEST_F(InputFiles, WritesAMachineContext) {
+    ContextFile context;
+    ASSERT_FALSE(readContext(file("a.mctx", testing::setupContext), context));
+    EXPECT_FALSE(writeContext(path("b.mctx"), context.data));
+    EXPECT_EQ(testing::textOf(directory_ / "b.mctx"), testing::setupContext);
+}
+
+TEST_F(InputFiles, SaysWhyAMachineContextCannotTakeItsPlace) {
+    std::filesystem::create_directories(directory_ / "a.mctx");
+    file("a.mctx/in the way", "");
+    const Problem problem = writeContext(path("a.mctx"), {});
+    EXPECT_EQ(problem.status, eFileIOOpenError);
+    EXPECT_NE(problem.reason, QString());
+    EXPECT_NE(problem.reason, QStringLiteral("the record cannot be stored"));
+    EXPECT_FALSE(std::filesystem::exists(directory_ / "a.mctx.messages.tmp"));
+}
+
+TEST_F(InputFiles, SeesAMachineContextThatCannotGrow) {
+    if (!testing::can_fork) GTEST_SKIP() << "the limit is set in a child process";
+    const QString name = file("a.mctx", "old");
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::limitFileSize(50));
+        EXPECT_EQ(text(writeContext(name, {})), "eFileIOOpenError: File too large");
+    }));
+    EXPECT_EQ(testing::textOf(directory_ / "a.mctx"), "old");
+}
+
+TEST_F(InputFiles, SaysWhyADirectoryCannotBeListed) {
+    EXPECT_EQ(whyNotListed(path("")).toStdString(), "");
+    EXPECT_EQ(whyNotListed(QStringLiteral(".")).toStdString(), "");
+    EXPECT_EQ(whyNotListed(path("missing")).toStdString(), "No such file or directory");
+    EXPECT_EQ(whyNotListed(QString()).toStdString(), "No such file or directory");
+    EXPECT_EQ(whyNotListed(QString(QChar(0))).toStdString(), "No such file or directory");
+    if (!testing::can_fork) GTEST_SKIP() << "rights are given up in a child process";
+    EXPECT_EQ(whyNotListed(file("file", "")).toStdString(), "Not a directory");
+    std::filesystem::create_directories(directory_ / "secret");
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(directory_ / "secret", std::filesystem::perms::none);
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::becomeOrdinaryUser());
+        EXPECT_EQ(whyNotListed(path("secret")).toStdString(), "Permission denied");
     }));
 }
 

@@ -104,10 +104,11 @@ TEST_F(TrvfilesCommand, AnswersNoWithOne) {
     writeBytes(directory_ / "a.xml", setupXml);
     writeBytes(directory_ / "note", "note");
     EXPECT_EQ(run({"check", "a.xml", "note", "missing"}), 1);
-    EXPECT_EQ(out(),
-              "a.xml: ok (assembly, 3 components, 1 placed file)\n"
-              "note: eFileIOContentError: neither an assembly nor an axis file\n"
-              "missing: eFileIOOpenError: No such file or directory\n");
+    EXPECT_EQ(
+        out(),
+        "a.xml: ok (assembly, 3 components, 1 placed file)\n"
+        "note: eFileIOContentError: neither an assembly, nor an axis file, nor a machine context\n"
+        "missing: eFileIOOpenError: No such file or directory\n");
     EXPECT_EQ(err(), "");
 }
 

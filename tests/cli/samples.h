@@ -56,6 +56,25 @@ inline const char* const identityAxis =
     "      0.000000      0.000000      1.000000      0.000000\n"
     "      0.000000      0.000000      0.000000      1.000000\n";
 
+/// A machine context with all of its fields, as it is written.
+inline const char* const setupContext =
+    "[header]\n"
+    "version=2\n"
+    "comment=first op\n"
+    "name=Setup A\n"
+    "[machine]\n"
+    "name=MILL5\n"
+    "position=POS1\n"
+    "proximity=10.000000\n"
+    "[postpro]\n"
+    "origin_program=12.500000 0.000000 -3.000000\n"
+    "reference_axis=transfo.dat\n"
+    "[part]\n"
+    "surface_group=TOP\n"
+    "[clamping_system]\n"
+    "name=VISE\n"
+    "proximity=2.500000\n";
+
 inline CTrvAssemblyComponentData component(const std::string& name,
                                            std::vector<CTrvAssemblyComponentData> children = {}) {
     CTrvAssemblyComponentData made;

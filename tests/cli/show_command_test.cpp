@@ -46,11 +46,31 @@ TEST_F(ShowCommand, ShowsAnAxisFileAsAxisShowDoes) {
                               .out);
 }
 
-TEST_F(ShowCommand, PrintsJsonOfEitherKind) {
+TEST_F(ShowCommand, ShowsAMachineContextWhateverItsName) {
+    const Answer answer = show("a.xml", setupContext);
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, "Machine context file " + path("a.xml") +
+                              "\n\n"
+                              "Name                Setup A\n"
+                              "Comment             first op\n"
+                              "Machine             MILL5\n"
+                              "Position            POS1\n"
+                              "Machine proximity   10\n"
+                              "Program origin      12.5 0 -3\n"
+                              "Reference axis      transfo.dat\n"
+                              "Surface group       TOP\n"
+                              "Clamping system     VISE\n"
+                              "Clamping proximity  2.5\n");
+}
+
+TEST_F(ShowCommand, PrintsJsonOfEveryKind) {
     const QStringList json(QStringLiteral("--json"));
     EXPECT_EQ(show("a", setupXml, json).out.substr(0, 19), "{\"componentNumber\":");
     EXPECT_NE(show("a", setupXml, json).out.find("\"kind\":\"assembly\""), std::string::npos);
     EXPECT_NE(show("a", turnedAxis, json).out.find("\"kind\":\"axis\""), std::string::npos);
+    EXPECT_NE(show("a", setupContext, json).out.find("\"kind\":\"machineContext\""),
+              std::string::npos);
 }
 
 TEST_F(ShowCommand, SaysThatItKnowsNoSuchFile) {
@@ -58,7 +78,8 @@ TEST_F(ShowCommand, SaysThatItKnowsNoSuchFile) {
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
     EXPECT_EQ(answer.err, "trvfiles: " + path("note.txt") +
-                              ": eFileIOContentError: neither an assembly nor an axis file\n");
+                              ": eFileIOContentError: neither an assembly, nor an axis file, nor a "
+                              "machine context\n");
     EXPECT_EQ(show("empty", "").err,
               "trvfiles: " + path("empty") + ": eFileIOContentError: the file is empty\n");
 }
@@ -66,6 +87,9 @@ TEST_F(ShowCommand, SaysThatItKnowsNoSuchFile) {
 TEST_F(ShowCommand, SaysWhereAFileIsBroken) {
     EXPECT_EQ(show("a", "<ComponentInfo version=\"1\">\n<a></b>").err,
               "trvfiles: " + path("a") + ": eFileIOContentError: line 2, column 7: tag mismatch\n");
+    EXPECT_EQ(show("a", "[header]\nname=x\n[machine]\nname=y\n").err,
+              "trvfiles: " + path("a") +
+                  ": eFileIOContentError: line 3: section [machine] has no \"position\"\n");
     const Answer answer = show("a", "1\n1 2 3 4\n");
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");

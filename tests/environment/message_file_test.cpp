@@ -1,6 +1,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
 #include <tests/environment/installation.h>
+#include <tests/environment/store_access.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/process_stores.h>
 #include <trvfiles/support/dynamic_storage.h>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -172,6 +174,21 @@ TEST_F(MessageFile, LeavesTheStoreAsItIsWhereThereIsNoFile) {
     EXPECT_EQ(load_message_file(nullptr, nullptr), nullptr);
     EXPECT_THAT(log_.fatals(), IsEmpty());
     EXPECT_THAT(log_.errors(), IsEmpty());
+}
+
+TEST_F(MessageFile, ReportsAFileThatCannotBeRead) {
+    // Its first page is no memory of any process.
+    const char* const unreadable = "/proc/self/mem";
+    if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "every file that opens can be read";
+    const std::string before = storageInUse();
+    const testing::ChannelLog log;
+    EXPECT_EQ(load_message_file(nullptr, unreadable), nullptr);
+    EXPECT_EQ(storageInUse(), before);
+    const testing::Store store;
+    EXPECT_EQ(load_message_file(store, unreadable), nullptr);
+    EXPECT_EQ(section_count(store), 0);
+    const std::string report = "load_messages: file '/proc/self/mem', line 0 : Error loading file.";
+    EXPECT_THAT(log.fatals(), ElementsAre(report, report));
 }
 
 TEST_F(MessageFile, ReportsAFileThatExistsButCannotBeOpened) {

@@ -3,19 +3,14 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/system_calls_linux.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
 
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,7 +18,6 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
-#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -32,8 +26,13 @@ namespace trv {
 namespace {
 
 using testing::bytesOf;
+using testing::canRefuseSystemCalls;
+using testing::canTraceProcesses;
 using testing::ChannelLog;
+using testing::killAtStep;
 using testing::originOf;
+using testing::refuseSystemCalls;
+using testing::renamingCalls;
 using testing::Store;
 using testing::TemporaryDirectory;
 using testing::writeBytes;
@@ -115,28 +114,6 @@ TEST_P(BrokenSave, OfAShortTextOnAFullDeviceKeepsTheTarget) {
     expectNothingSaved();
 }
 
-// From here on the process gets this error from these system calls, which then do nothing.
-bool refuseSystemCalls(const std::vector<unsigned>& numbers, int reason) {
-    std::vector<sock_filter> filter = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0)};
-    for (const unsigned number : numbers) {
-        filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1));
-        filter.push_back(BPF_STMT(BPF_RET | BPF_K,
-                                  SECCOMP_RET_ERRNO | (static_cast<unsigned>(reason) & 0xFFFFU)));
-    }
-    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
-    const sock_fprog program = {static_cast<unsigned short>(filter.size()), filter.data()};
-    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
-}
-
-bool canRefuseSystemCalls() {
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(refuseSystemCalls({}, 0) ? 0 : 1);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 class SaveWithoutOneStep : public BrokenSave {
 protected:
     void expectFailure(const std::vector<unsigned>& calls, int reason, int result) {
@@ -165,53 +142,13 @@ TEST_P(SaveWithoutOneStep, TheCloseKeepsTheTarget) {
 }
 
 TEST_P(SaveWithoutOneStep, TheRenameKeepsTheTarget) {
-    expectFailure(
-        {
-#ifdef SYS_rename
-            SYS_rename,
-#endif
-#ifdef SYS_renameat
-            SYS_renameat,
-#endif
-            SYS_renameat2},
-        EACCES, -EACCES);
-}
-
-// Runs `work` in a child process until it has stopped at `steps` entries to and exits from system
-// calls, and kills it there.
-//
-// @param prepare  runs in the child before, so that what only a first run asks of the system, such
-//                 as memory, does not make the number of calls differ from run to run
-// @return whether it was killed; false where it ended by itself before
-bool killAtStep(int steps, const std::function<void()>& prepare,
-                const std::function<void()>& work) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        prepare();
-        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(1);
-        if (::raise(SIGSTOP) != 0) ::_exit(1);
-        work();
-        ::_exit(0);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    if (!WIFSTOPPED(status)) return false;
-    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_EXITKILL);
-    for (int step = 0; step < steps; ++step) {
-        ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
-        ::waitpid(child, &status, 0);
-        if (!WIFSTOPPED(status)) return false;
-    }
-    ::kill(child, SIGKILL);
-    ::waitpid(child, &status, 0);
-    return true;
+    expectFailure(renamingCalls, EACCES, -EACCES);
 }
 
 class KilledSave : public BrokenSave {};
 
 TEST_P(KilledSave, AtAnySystemCallLeavesTheOldFileOrTheNewOneWhole) {
-    const auto nothing = [] {};
-    if (!killAtStep(0, nothing, nothing)) GTEST_SKIP() << "processes cannot be traced here";
+    if (!canTraceProcesses()) GTEST_SKIP() << "processes cannot be traced here";
     std::string newText = "[var]\n";
     for (int number = 0; number < message_count(store, 0); ++number)
         newText += std::string(get_message(store, 0, number)) + "\n";

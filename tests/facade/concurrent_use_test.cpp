@@ -1,5 +1,6 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <tests/machine_context/context_samples.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
@@ -101,6 +102,94 @@ TEST(ConcurrentUse, OfOneFileByTwoReadersIsFine) {
             if (matrix != identity || tags != std::array<int, 3>{1, 2, 3}) ++failures;
             if (own.readTrvAssembly("assembly", data) != eFileIOSuccess) ++failures;
             if (data != assembly("a", 1)) ++failures;
+        }
+    };
+    runAtOnce({read, read});
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersIsFine) {
+    const TemporaryDirectory directory;
+    CQvFilesIO files(directory.wide());
+    ASSERT_EQ(files.writeMachineContext("f.mctx", allFields()), eFileIOSuccess);
+    const std::wstring path = (directory / "f.mctx").wstring();
+    const ContextFields written(allFields());
+    std::atomic<int> failures = 0;
+    const auto readByName = [&] {
+        CQvFilesIO own(directory.wide());
+        for (int round = 0; round < rounds; ++round) {
+            CMachineContextData data;
+            if (own.readMachineContext("f.mctx", data) != eFileIOSuccess) ++failures;
+            if (!(ContextFields(data) == written)) ++failures;
+            if (own.readMachineContext(L"missing", data) != eFileIOOpenError) ++failures;
+        }
+    };
+    const auto readByPath = [&] {
+        for (int round = 0; round < rounds; ++round) {
+            CMachineContextData data;
+            if (CQvFilesIO::sReadMachineContext(path, data) != eFileIOSuccess) ++failures;
+            if (!(ContextFields(data) == written)) ++failures;
+        }
+    };
+    runAtOnce({readByName, readByName, readByPath});
+    EXPECT_EQ(failures, 0);
+}
+
+// Contexts are read while one thread writes another one: that is what the runtime allows.
+TEST(ConcurrentUse, OfMachineContextsByReadersBesideTheOneWriterIsFine) {
+    const TemporaryDirectory directory;
+    CQvFilesIO files(directory.wide());
+    ASSERT_EQ(files.writeMachineContext("read.mctx", firstOperation()), eFileIOSuccess);
+    std::atomic<int> failures = 0;
+    const auto read = [&] {
+        CQvFilesIO own(directory.wide());
+        for (int round = 0; round < rounds; ++round) {
+            CMachineContextData data;
+            if (own.readMachineContext("read.mctx", data) != eFileIOSuccess) ++failures;
+            if (!(ContextFields(data) == ContextFields(firstOperation()))) ++failures;
+        }
+    };
+    const auto write = [&] {
+        CQvFilesIO own(directory.wide());
+        for (int round = 0; round < rounds; ++round) {
+            if (own.writeMachineContext("written.mctx", allFields()) != eFileIOSuccess) ++failures;
+        }
+    };
+    runAtOnce({read, write, read});
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(ConcurrentUse, OfOneFileForACopyAndForReadersIsFine) {
+    const TemporaryDirectory directory;
+    CQvFilesIO files(directory.wide());
+    ASSERT_EQ(files.writeTrvAssembly("assembly", assembly("a", 1)), eFileIOSuccess);
+    std::atomic<int> failures = 0;
+    const auto copy = [&](const char* name) {
+        CQvFilesIO own(directory.wide());
+        const std::string source = own.absoluteFileName(std::string("assembly"));
+        const std::string destination = own.absoluteFileName(std::string(name));
+        for (int round = 0; round < rounds; ++round) {
+            if (!own.copyFile(source, destination)) ++failures;
+            CTrvAssemblyData data;
+            if (own.readTrvAssembly(name, data) != eFileIOSuccess) ++failures;
+            if (data != assembly("a", 1)) ++failures;
+        }
+    };
+    runAtOnce({[&] { copy("one"); }, [&] { copy("two"); }, [&] { copy("three"); }});
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersIsFine) {
+    const CMachineContextData data = allFields();
+    const CMachineContextData untouched;
+    const ContextFields expected(data);
+    std::atomic<int> failures = 0;
+    const auto read = [&] {
+        for (int round = 0; round < rounds; ++round) {
+            CMachineContextData copy = data;
+            copy.setName("another");
+            if (!(ContextFields(data) == expected) || data.isNull()) ++failures;
+            if (copy.getNameW() != L"another" || !untouched.isNull()) ++failures;
         }
     };
     runAtOnce({read, read});

@@ -14,6 +14,7 @@ using trv::fromNarrow;
 using trv::fromWide;
 using trv::isOpenable;
 using trv::nativePath;
+using trv::runtimePath;
 using trv::systemPath;
 using trv::toNarrow;
 using trv::toWide;
@@ -115,4 +116,52 @@ TEST(TextConversion, GivesThePathThatTheSystemTakes) {
     EXPECT_EQ(systemPath(wide(L"\u00E4 \U0001F527")).u8string(), "\xC3\xA4 \xF0\x9F\x94\xA7");
     if (onWindows()) GTEST_SKIP() << "the rest holds for POSIX";
     EXPECT_EQ(systemPath(wide(L"a\\b")).string(), "a/b");
+}
+
+TEST(TextConversion, DoesNotOpenAPathWithHalfACharacterWherePathsAreUtf8) {
+    const QString name = wide(L"a");
+    const QChar high(0xD83D);
+    const QChar low(0xDD27);
+    EXPECT_TRUE(isOpenable(name + high + low));
+    for (const QString& half :
+         {name + high, name + low, name + low + high, high + name, name + high + high + low}) {
+        EXPECT_EQ(isOpenable(half), onWindows());
+    }
+}
+
+TEST(TextConversion, GivesThePathThatTheRuntimeTakes) {
+    std::string path = "old";
+    EXPECT_TRUE(runtimePath(wide(L"/a/b.c"), path));
+    EXPECT_EQ(path, "/a/b.c");
+    EXPECT_TRUE(runtimePath(wide(L"a b[50%].mctx"), path));
+    EXPECT_EQ(path, "a b[50%].mctx");
+    EXPECT_TRUE(runtimePath(QString(1000, QLatin1Char('n')), path));
+    EXPECT_EQ(path, std::string(1000, 'n'));
+    EXPECT_TRUE(runtimePath(wide(L"a\\b"), path));
+    EXPECT_EQ(path, onWindows() ? "a\\b" : "a/b");
+}
+
+TEST(TextConversion, GivesRuntimePathsInUtf8OnPosix) {
+    if (onWindows()) GTEST_SKIP() << "Windows has code pages";
+    std::string path;
+    EXPECT_TRUE(runtimePath(wide(L"\u00E4\u4E2D\U0001F527"), path));
+    EXPECT_EQ(path, "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x94\xA7");
+}
+
+TEST(TextConversion, GivesTheRuntimeNoPathThatNamesAnotherFile) {
+    std::string path = "old";
+    for (const QString& none : {QString(), wide(L""), wide(L"a\0b"s), wide(L"a\0"s), wide(L"\0"s)})
+        EXPECT_FALSE(runtimePath(none, path));
+    const QString half = wide(L"a") + QChar(0xD83D);
+    EXPECT_FALSE(runtimePath(half, path));
+    EXPECT_EQ(path, "old");
+}
+
+TEST(TextConversion, GivesTheRuntimeNoPathThatTheCodePageOfWindowsLacks) {
+    if (!onWindows()) GTEST_SKIP() << "UTF-8 has every character";
+    std::string path = "old";
+    const QString every = wide(L"\u4E2D\u05D0\u0E01\u00E4\u0416.mctx");
+    ASSERT_NE(fromNarrow(toNarrow(every)), every);
+    EXPECT_FALSE(runtimePath(every, path));
+    EXPECT_EQ(path, "old");
 }

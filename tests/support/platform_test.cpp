@@ -179,6 +179,41 @@ TEST_F(Platform, LeavesNoDescriptorOpen) {
     EXPECT_EQ(openDescriptors(), before);
 }
 
+TEST_F(Platform, RemovesAFile) {
+    for (const char* name : {"f", "\xC3\xA4\xE4\xB8\xAD", "[50%] x"}) {
+        writeBytes(directory_ / name, "x");
+        EXPECT_EQ(trv::platform::remove_file(directory_ / name), 0);
+        EXPECT_FALSE(std::filesystem::exists(directory_ / name));
+        EXPECT_EQ(trv::platform::remove_file(directory_ / name), ENOENT);
+    }
+    EXPECT_EQ(trv::platform::remove_file(std::filesystem::path()), ENOENT);
+}
+
+TEST_F(Platform, RemovesNoDirectory) {
+    std::filesystem::create_directory(directory_ / "d");
+    EXPECT_NE(trv::platform::remove_file(directory_ / "d"), 0);
+    EXPECT_TRUE(std::filesystem::is_directory(directory_ / "d"));
+}
+
+TEST_F(Platform, RemovesALinkAndNotWhatItLeadsTo) {
+    writeBytes(directory_ / "f", "x");
+    std::error_code error;
+    std::filesystem::create_symlink(directory_ / "f", directory_ / "link", error);
+    if (error) GTEST_SKIP() << "links cannot be made here";
+    EXPECT_EQ(trv::platform::remove_file(directory_ / "link"), 0);
+    EXPECT_FALSE(std::filesystem::is_symlink(directory_ / "link"));
+    EXPECT_EQ(bytesOf(directory_ / "f"), "x");
+}
+
+TEST_F(Platform, TakesTheNameOfAFileToRemoveAsItStandsOnPosix) {
+    if (trv::platform::backslash_separates()) GTEST_SKIP() << "Windows separates by it";
+    std::filesystem::create_directory(directory_ / "d");
+    writeBytes(directory_ / "d/f", "x");
+    writeBytes(directory_.path() / "d\\f", "x");
+    EXPECT_EQ(trv::platform::remove_file(directory_.path() / "d\\f"), 0);
+    EXPECT_EQ(bytesOf(directory_ / "d/f"), "x");
+}
+
 TEST(CallOnStack, RunsTheWorkToItsEnd) {
     int calls = 0;
     for (const std::size_t bytes : {0U, 1U, 4096U, 100000U, 1U << 20})

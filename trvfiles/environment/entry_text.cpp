@@ -1,4 +1,5 @@
 #include <trvfiles/environment/entry_text.h>
+#include <trvfiles/support/ascii_case.h>
 #include <trvfiles/support/blanks.h>
 
 #include <algorithm>
@@ -29,6 +30,22 @@ bool copy_to_single_plus(std::string_view& text, std::string& copy) {
     return found;
 }
 
+// `same(a, b)` compares a character of the entry with one of the name.
+template <class Same>
+bool begins_with_name(const char* entry, std::string_view name, Same same) {
+    while (is_blank(*entry))
+        ++entry;
+    for (const char c : name) {
+        // The name of an entry ends there, and has no "=" in it.
+        if (*entry == '=' || *entry == '\0' || !same(*entry, c)) return false;
+        ++entry;
+    }
+    const bool ends_in_blank = !name.empty() && is_blank(name.back());
+    while (is_blank(*entry))
+        ++entry;
+    return *entry == '=' && !ends_in_blank;
+}
+
 }  // namespace
 
 bool is_entry(std::string_view text) {
@@ -37,6 +54,15 @@ bool is_entry(std::string_view text) {
 
 std::string_view entry_name(std::string_view text) {
     return trim(text.substr(0, text.find('=')));
+}
+
+bool is_named(const char* entry, std::string_view name) {
+    return begins_with_name(entry, name, [](char a, char b) { return a == b; });
+}
+
+bool is_named_ignoring_case(const char* entry, std::string_view name) {
+    return begins_with_name(entry, name,
+                            [](char a, char b) { return fold_case(a) == fold_case(b); });
 }
 
 std::string_view entry_value(std::string_view text) {

@@ -19,6 +19,11 @@ bool is_entry(std::string_view text);
 /// The name of an entry, without the blanks around it. REQUIRES: is_entry().
 std::string_view entry_name(std::string_view text);
 
+/// Whether an entry has this name; the letters alone fold where case is ignored. As comparing
+/// entry_name() would tell, but without a walk to the end of the text. REQUIRES: is_entry().
+bool is_named(const char* entry, std::string_view name);
+bool is_named_ignoring_case(const char* entry, std::string_view name);
+
 /// The value of an entry, without its leading blanks. Of a text that is no entry, all of it without
 /// its leading blanks.
 std::string_view entry_value(std::string_view text);

@@ -36,9 +36,9 @@ TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, cons
 /// @param store  none (null) for a new store
 /// @param path   taken as it stands, no reference in it is expanded; null acts as empty
 /// @return the store, also when there is no such file: then it is unchanged, and still none if it
-///         was none. None when the file exists and cannot be opened, when it was given up or when
-///         storage ran out; an existing store stays alive then, with what it has taken so far. The
-///         caller destroys a new store.
+///         was none. None when the file exists and cannot be opened or read to its end, when it was
+///         given up or when storage ran out; an existing store stays alive then, with what it has
+///         taken so far. The caller destroys a new store.
 TRV_EXPORT message_store* load_message_file(message_store* store, const char* path);
 
 }  // namespace trv

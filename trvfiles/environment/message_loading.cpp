@@ -3,6 +3,8 @@
 #include <trvfiles/support/platform.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <new>
 #include <system_error>
 
 namespace trv {
@@ -31,8 +33,15 @@ load_result load_file(message_store* store, const char* path, const message_sink
         return load_result::failed;
     }
     CL8BFile source(file.get());
-    const parse_result result = parse_messages(store, source, path, sink);
-    return result == parse_result::complete ? load_result::loaded : load_result::failed;
+    const bool has_source = source.lineNumber() != 0;
+    if (!has_source) throw std::bad_alloc();
+    if (parse_messages(store, source, path, sink) != parse_result::complete)
+        return load_result::failed;
+    // A line that cannot be read looks like the end of the file. What is loaded of it must not pass
+    // for the whole: saving it would cut the file short.
+    if (std::ferror(file.get()) == 0) return load_result::loaded;
+    report_fatal(message_file_report(path, 0, "Error loading file.").c_str());
+    return load_result::failed;
 }
 
 }  // namespace trv

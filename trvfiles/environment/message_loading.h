@@ -20,7 +20,7 @@ extern const message_sink plain_sink;
 extern const message_sink merging_sink;
 
 /// `missing` is no error. `failed` has been reported: the file cannot be opened, or it was given up
-/// and the store holds what came before.
+/// or could not be read to its end, and the store holds what came before.
 enum class load_result { loaded, missing, failed };
 
 /// Reads the file of that path into the store.

@@ -4,6 +4,7 @@
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
 
+#include <cstring>
 #include <string>
 
 namespace trv {
@@ -24,8 +25,9 @@ bool starts_with(std::string_view text, std::string_view prefix) {
 
 // Cuts a comment off. Two "#" stand for one that begins no comment.
 void cut_comment(char* text) {
-    char* end = text;
-    for (const char* next = text; *next != '\0'; ++next) {
+    char* end = std::strchr(text, '#');
+    if (end == nullptr) return;
+    for (const char* next = end; *next != '\0'; ++next) {
         if (*next == '#') {
             if (next[1] != '#') break;
             ++next;

@@ -56,7 +56,26 @@ void put_text(message_store& store, store_section& section, int number, std::str
     section.set(store.texts, number, store.texts.add_text(record, text));
 }
 
-int append_text(message_store& store, store_section& section, const std::string& text,
+// A text that is handed over, in a place that stays where it is while the pool moves.
+class kept_text {
+public:
+    kept_text(const message_store& store, std::string_view text) : text_(text) {
+        if (store.texts.holds(text.data())) {
+            copy_ = text;
+            text_ = copy_;
+        }
+    }
+    kept_text(const kept_text&) = delete;
+    kept_text& operator=(const kept_text&) = delete;
+
+    std::string_view view() const { return text_; }
+
+private:
+    std::string_view text_;
+    std::string copy_;
+};
+
+int append_text(message_store& store, store_section& section, std::string_view text,
                 const text_origin& origin) {
     const int number = section.message_count();
     if (number == store_section::most_messages) return -1;
@@ -68,16 +87,20 @@ int append_text(message_store& store, store_section& section, const std::string&
 
 int replace_text(message_store& store, store_section& section, int number, std::string_view text,
                  const text_origin& origin) {
-    const std::string referring = with_references(text, section.text(number));
-    section.reserve(number, referring);
-    store.texts.reserve_texts(1, referring.size());
-    put_text(store, section, number, referring, origin);
+    std::string referring;
+    if (text.find('+') != std::string_view::npos) {
+        referring = with_references(text, section.text(number));
+        text = referring;
+    }
+    section.reserve(number, text);
+    store.texts.reserve_texts(1, text.size());
+    put_text(store, section, number, text, origin);
     return 0;
 }
 
 // As many placeholders as a number beyond the end needs, and then the text.
 int append_text_at(message_store& store, store_section& section, int number,
-                   const std::string& text) {
+                   std::string_view text) {
     const auto missing = static_cast<std::size_t>(number - section.message_count());
     section.reserve(number, text);
     store.texts.reserve_texts(missing + 1, missing * std::strlen(placeholder) + text.size());
@@ -88,8 +111,8 @@ int append_text_at(message_store& store, store_section& section, int number,
 }
 
 int refuse_parameter(const message_store& store, const store_section& section,
-                     const std::string& text, const text_origin& origin) {
-    const std::string place = "[" + std::string(section.name()) + "] " + text + "\n";
+                     std::string_view text, const text_origin& origin) {
+    const std::string place = "[" + std::string(section.name()) + "] " + std::string(text) + "\n";
     if (origin.file == text_pool::none) {
         report_error(
             ("set_parameter : The program is trying to modify a non-parameter message: " + place)
@@ -208,7 +231,7 @@ int append_message(message_store* store, int section, const char* text, std::int
     store_section* target = section_at(store, section);
     if (target == nullptr || !is_origin(*store, {file, line})) return -1;
     return unless_exhausted([&] {
-        return append_text(*store, *target, std::string(text_of(text)), {file, line});
+        return append_text(*store, *target, kept_text(*store, text_of(text)).view(), {file, line});
     });
 }
 
@@ -218,7 +241,8 @@ int replace_message(message_store* store, int section, int number, const char* t
     if (target == nullptr || !target->has_message(number)) return -1;
     if (!is_origin(*store, {file, line})) return -1;
     return unless_exhausted([&] {
-        return replace_text(*store, *target, number, text_of(text), {file, line});
+        return replace_text(*store, *target, number, kept_text(*store, text_of(text)).view(),
+                            {file, line});
     });
 }
 
@@ -226,10 +250,11 @@ int set_message(message_store* store, int section, int number, const char* text)
     store_section* target = section_at(store, section);
     if (target == nullptr || number < 0 || number >= store_section::most_messages) return -1;
     return unless_exhausted([&] {
+        const kept_text kept(*store, text_of(text));
         if (target->has_message(number)) {
-            return replace_text(*store, *target, number, text_of(text), by_program);
+            return replace_text(*store, *target, number, kept.view(), by_program);
         }
-        return append_text_at(*store, *target, number, std::string(text_of(text)));
+        return append_text_at(*store, *target, number, kept.view());
     });
 }
 
@@ -239,7 +264,8 @@ int set_parameter(message_store* store, int section, const char* text, std::int3
     const text_origin origin = {file, line};
     if (target == nullptr || !is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
-        const std::string entry(trim_leading(text_of(text)));
+        const kept_text kept(*store, trim_leading(text_of(text)));
+        const std::string_view entry = kept.view();
         if (!is_entry(entry)) return refuse_parameter(*store, *target, entry, origin);
         const int number = target->find_entry(store->texts, entry_name(entry));
         if (number >= 0) return replace_text(*store, *target, number, entry, origin);
@@ -272,8 +298,9 @@ const char* find_parameter(const message_store* store, int section, const char* 
     const int number = target->find_live_entry(store->texts, text_of(name), exact);
     if (number < 0) return nullptr;
     const std::int32_t text = target->text(number);
-    const char* value = entry_value(store->texts.at(text)).data();
-    if (std::strchr(value, '+') != nullptr) {
+    const std::string_view found = entry_value(store->texts.at(text));
+    const char* value = found.data();
+    if (found.find('+') != std::string_view::npos) {
         // Handlers of the trace channel may look up, or add to the store, in the meantime.
         resolved_value = resolve_references(*store, text);
         value = resolved_value.c_str();

@@ -36,16 +36,12 @@ std::uint32_t hash_name_ignoring_case(std::string_view name) {
 
 void name_index::reserve(std::uint32_t place) {
     if (place < links_.size()) return;
-    const std::size_t needed = static_cast<std::size_t>(place) + 1;
-    if (needed > chains_.size()) {
-        std::size_t chains = fewest_chains;
-        while (chains < needed)
-            chains *= 2;
-        reserve_room(links_, needed - links_.size());
-        spread(chains);
-    }
-    reserve_room(links_, needed - links_.size());
-    links_.resize(needed);
+    std::size_t chains = fewest_chains;
+    while (chains <= place)
+        chains *= 2;
+    links_.reserve(chains);
+    spread(chains);
+    links_.resize(chains);
 }
 
 void name_index::spread(std::size_t chains) {

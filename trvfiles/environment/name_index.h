@@ -66,7 +66,7 @@ private:
     void add(std::uint32_t place, std::uint32_t hash) noexcept;
     void spread(std::size_t chains);
 
-    // Their number is a power of two and no smaller than that of the links.
+    // As many as there are links, a power of two; links that no place has come for stand outside.
     stored_vector<chain> chains_;
     stored_vector<link> links_;
 };

@@ -21,7 +21,7 @@ store_section::store_section(std::string_view name) {
 
 int store_section::find_entry(const text_pool& pool, std::string_view name) const {
     return number_of(exact_names_.first(hash_name(name), [&](std::uint32_t place) {
-        return entry_name(pool.at(texts_[place])) == name;
+        return is_named(pool.at(texts_[place]), name);
     }));
 }
 
@@ -29,12 +29,11 @@ int store_section::find_live_entry(const text_pool& pool, std::string_view name,
     if (exact) {
         return number_of(exact_names_.first(hash_name(name), [&](std::uint32_t place) {
             const std::int32_t text = texts_[place];
-            return (pool.record(text).flags & deleted_text) == 0 &&
-                   entry_name(pool.at(text)) == name;
+            return (pool.record(text).flags & deleted_text) == 0 && is_named(pool.at(text), name);
         }));
     }
     return number_of(live_names_.first(hash_name_ignoring_case(name), [&](std::uint32_t place) {
-        return equal_ignoring_case(entry_name(pool.at(texts_[place])), name);
+        return is_named_ignoring_case(pool.at(texts_[place]), name);
     }));
 }
 
@@ -58,15 +57,15 @@ void store_section::set(const text_pool& pool, int number, std::int32_t text) no
 void store_section::update_indexes(const text_pool& pool, int number) noexcept {
     const auto place = static_cast<std::uint32_t>(number);
     const std::string_view changed = pool.at(text(number));
-    const bool entry = is_entry(changed);
-    const bool live = entry && (pool.record(text(number)).flags & deleted_text) == 0;
-    if (entry) {
-        exact_names_.put(place, hash_name(entry_name(changed)));
-    } else {
+    if (!is_entry(changed)) {
         exact_names_.remove(place);
+        live_names_.remove(place);
+        return;
     }
-    if (live) {
-        live_names_.put(place, hash_name_ignoring_case(entry_name(changed)));
+    const std::string_view name = entry_name(changed);
+    exact_names_.put(place, hash_name(name));
+    if ((pool.record(text(number)).flags & deleted_text) == 0) {
+        live_names_.put(place, hash_name_ignoring_case(name));
     } else {
         live_names_.remove(place);
     }

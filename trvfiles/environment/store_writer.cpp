@@ -96,11 +96,14 @@ file_content messages_of(const message_store& store) {
     return content;
 }
 
-// A file beside the target, removed again unless it takes the target's place.
+// A file beside the target, removed again unless it takes the target's place. From the moment it
+// exists no name is translated any more: that would take memory, and without it the file would
+// stay.
 class temporary_file {
 public:
-    explicit temporary_file(std::string name)
-        : name_(std::move(name)),
+    temporary_file(const std::string& name, const std::string& target)
+        : name_(platform::native_path(name.c_str())),
+          target_(platform::native_path(target.c_str())),
           file_(platform::open_for_write(name_.c_str(), platform::file_mode::text)),
           exists_(file_ != nullptr) {}
     ~temporary_file() {
@@ -113,19 +116,20 @@ public:
     bool is_open() const { return file_ != nullptr; }
 
     /// @return 0, or the system's number for what went wrong
-    int write_and_replace(const std::string& text, const char* target) {
+    int write_and_replace(const std::string& text) {
         errno = 0;
         if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) return reason();
         if (const int failure = platform::sync_file(file_.get()); failure != 0) return failure;
         if (std::fclose(file_.release()) != 0) return reason();
         exists_ = false;
-        return platform::replace_file(name_.c_str(), target);
+        return platform::replace_file(name_.c_str(), target_.c_str());
     }
 
 private:
     static int reason() { return errno != 0 ? errno : EIO; }
 
     std::string name_;
+    std::string target_;
     platform::file_handle file_;
     bool exists_;
 };
@@ -136,7 +140,7 @@ private:
 template <class Content>
 int save(message_store& store, const std::string& target, const std::string& temporary_name,
          bool new_file, Content content_of) {
-    temporary_file temporary(temporary_name);
+    temporary_file temporary(temporary_name, target);
     if (!temporary.is_open()) {
         report_fatal(("Store messages : error opening file '" + temporary_name + "'").c_str());
         return -1;
@@ -147,7 +151,7 @@ int save(message_store& store, const std::string& target, const std::string& tem
         return -1;
     }
     const file_content content = content_of(store);
-    const int failure = temporary.write_and_replace(content.text(), target.c_str());
+    const int failure = temporary.write_and_replace(content.text());
     if (failure != 0) return -failure;
     for (const file_content::entry& written : content.entries()) {
         text_record& record = store.texts.record(written.text);

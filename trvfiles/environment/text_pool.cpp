@@ -108,10 +108,14 @@ text_record& text_pool::record(std::int32_t text) {
     return *reinterpret_cast<text_record*>(at(text) - sizeof(text_record));
 }
 
-std::int32_t text_pool::text_around(const char* pointer) const {
+bool text_pool::holds(const char* pointer) const {
     const std::less<> before;
-    if (pointer == nullptr || used_ == 0) return none;
-    if (before(pointer, base_) || !before(pointer, base_ + used_)) return none;
+    return pointer != nullptr && used_ != 0 && !before(pointer, base_) &&
+           before(pointer, base_ + used_);
+}
+
+std::int32_t text_pool::text_around(const char* pointer) const {
+    if (!holds(pointer)) return none;
     const auto offset = static_cast<std::int32_t>(pointer - base_);
     const auto behind = std::upper_bound(texts_.begin(), texts_.end(), offset);
     if (behind == texts_.begin()) return none;

@@ -55,6 +55,9 @@ public:
     const char* at(std::int32_t offset) const { return base_ + offset; }
     char* at(std::int32_t offset) { return base_ + offset; }
 
+    /// Whether a pointer points into the pool, whose bytes may move when something is added.
+    bool holds(const char* pointer) const;
+
     /// The record of a text. REQUIRES: is_text().
     const text_record& record(std::int32_t text) const;
     text_record& record(std::int32_t text);

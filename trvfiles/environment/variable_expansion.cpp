@@ -3,7 +3,7 @@
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/diagnostics.h>
 
-#include <algorithm>
+#include <memory>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -17,7 +17,13 @@ constexpr std::size_t longest_result = std::size_t{16} << 20;
 constexpr std::size_t most_replacements = 1'000'000;
 
 constexpr char variable_marker = '$';
-constexpr const char* markers = "$?";
+constexpr char path_marker = '?';
+
+std::size_t next_marker(std::string_view text, std::size_t from) {
+    while (from < text.size() && text[from] != variable_marker && text[from] != path_marker)
+        ++from;
+    return from;
+}
 
 // Names are ASCII in every locale.
 bool is_name_character(char c) {
@@ -42,7 +48,6 @@ std::string origin_of(char marker, const char* name, const char* value) {
 // `found` is the value where it stands, which tells its origin.
 void trace_lookup(char marker, const std::string& name, const char* found,
                   const std::string& value) {
-    if (!trace_is_seen()) return;
     std::string line = name + " = ";
     if (found != nullptr) {
         line += "'" + value + "' " + origin_of(marker, name.c_str(), found);
@@ -56,35 +61,51 @@ void trace_lookup(char marker, const std::string& name, const char* found,
 // limited by memory alone.
 class expander {
 public:
-    explicit expander(const char* source) { open_.push_back({source, 0, {}}); }
+    explicit expander(const char* source) {
+        // Most results are paths of about this length.
+        constexpr std::size_t usual_length = 63;
+        current_.text = source;
+        result_.reserve(usual_length);
+    }
 
     int run();
     std::string take_result() { return std::move(result_); }
 
 private:
-    // The source, or the value of a reference in the text below it on the stack.
+    // The source, or the value of a reference in the text around it.
     struct open_text {
         std::string text;
-        std::size_t next;
-        std::string reference;
+        std::size_t next = 0;
+        std::string reference = {};
     };
 
     int step();
     int replace(char marker, const std::string& name);
+    bool is_open(char marker, const std::string& name) const {
+        return nesting_ != nullptr && nesting_->references.count(marker + name) != 0;
+    }
     void open(std::string reference, std::string value);
     void close();
 
-    std::vector<open_text> open_;
-    // The references, marker and name, whose values are open: one of them again has no end.
-    std::unordered_set<std::string> chain_;
-    std::size_t open_length_ = 0;
+    // What only values with references in them need.
+    struct nesting {
+        std::vector<open_text> around;
+        // The references, marker and name, whose values are open: one of them again has no end.
+        std::unordered_set<std::string> references;
+        std::size_t open_length = 0;
+    };
+
+    open_text current_;
+    std::unique_ptr<nesting> nesting_;
+    bool is_closed_ = false;
+    bool is_traced_ = false;
     std::size_t replacements_ = 0;
     std::string result_;
 };
 
 int expander::run() {
     int complete = EXP_OK;
-    while (!open_.empty()) {
+    while (!is_closed_) {
         const int code = step();
         if (is_expand_error(code)) return code;
         if (code == EXP_UNDEFINED) complete = code;
@@ -95,10 +116,9 @@ int expander::run() {
 
 // Copies what stands before the next marker, and then deals with that one or with the text's end.
 int expander::step() {
-    open_text& current = open_.back();
-    const std::string_view text = current.text;
-    const std::size_t mark = std::min(text.find_first_of(markers, current.next), text.size());
-    result_.append(text, current.next, mark - current.next);
+    const std::string_view text = current_.text;
+    const std::size_t mark = next_marker(text, current_.next);
+    result_.append(text, current_.next, mark - current_.next);
     if (mark == text.size()) {
         close();
         return EXP_OK;
@@ -109,60 +129,68 @@ int expander::step() {
     const char follower = rest.empty() ? '\0' : rest.front();
     if (follower == marker) {
         result_ += marker;
-        current.next = mark + 2;
+        current_.next = mark + 2;
         return EXP_OK;
     }
     if (follower == '{' || follower == '(') {
         const std::size_t closer = rest.find(follower == '{' ? '}' : ')');
         if (closer == std::string_view::npos) return EXP_SYNTAX_ERROR;
-        current.next = mark + closer + 2;
+        current_.next = mark + closer + 2;
         return replace(marker, std::string(rest.substr(1, closer - 1)));
     }
     std::size_t length = 0;
     while (length < rest.size() && is_name_character(rest[length]))
         ++length;
-    current.next = mark + 1 + length;
+    current_.next = mark + 1 + length;
     return replace(marker, std::string(rest.substr(0, length)));
 }
 
 int expander::replace(char marker, const std::string& name) {
-    std::string reference = marker + name;
-    if (chain_.count(reference) != 0 || ++replacements_ > most_replacements) {
-        return EXP_NAME_TOO_LONG;
-    }
+    if (++replacements_ > most_replacements || is_open(marker, name)) return EXP_NAME_TOO_LONG;
 
     const char* found =
         marker == variable_marker ? get_variable(name.c_str()) : get_path_variable(name.c_str());
-    // The text that was found is good until the next lookup only, be it one of a trace handler.
-    std::string value = found == nullptr ? "" : found;
-    trace_lookup(marker, name, found, value);
+    // Asked once for an expansion, and after a lookup, because that may load the environment.
+    if (replacements_ == 1) is_traced_ = trace_is_seen();
+    std::string_view value = found == nullptr ? "" : found;
+    std::string kept;
+    if (is_traced_) {
+        // What was found is good until the next lookup only, be it one of a trace handler.
+        kept = value;
+        value = kept;
+        trace_lookup(marker, name, found, kept);
+    }
     if (found == nullptr) {
         result_ += null_value(name.c_str());
         return EXP_UNDEFINED;
     }
-    if (value.find_first_of(markers) == std::string::npos) {
+    if (next_marker(value, 0) == value.size()) {
         result_ += value;
         return EXP_OK;
     }
-    open(std::move(reference), std::move(value));
-    return open_length_ > longest_result ? EXP_NAME_TOO_LONG : EXP_OK;
+    open(marker + name, std::string(value));
+    return nesting_->open_length > longest_result ? EXP_NAME_TOO_LONG : EXP_OK;
 }
 
 // What is open goes into the result but for its references: it is bounded like the result, so that
 // a deep chain of long values ends before memory does.
 void expander::open(std::string reference, std::string value) {
-    open_length_ += value.size();
-    chain_.insert(reference);
-    open_.push_back({std::move(value), 0, std::move(reference)});
+    if (nesting_ == nullptr) nesting_ = std::make_unique<nesting>();
+    nesting_->open_length += value.size();
+    nesting_->references.insert(reference);
+    nesting_->around.push_back(std::move(current_));
+    current_ = {std::move(value), 0, std::move(reference)};
 }
 
 void expander::close() {
-    const open_text& current = open_.back();
-    if (!current.reference.empty()) {
-        open_length_ -= current.text.size();
-        chain_.erase(current.reference);
+    if (nesting_ == nullptr || nesting_->around.empty()) {
+        is_closed_ = true;
+        return;
     }
-    open_.pop_back();
+    nesting_->open_length -= current_.text.size();
+    nesting_->references.erase(current_.reference);
+    current_ = std::move(nesting_->around.back());
+    nesting_->around.pop_back();
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <trvfiles/support/platform.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace trv {
@@ -16,8 +15,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr const char* temporary_directory_name = "TMP";
-constexpr const char* zone_name = "TRVZONE";
+constexpr std::string_view temporary_directory_name = "TMP";
+constexpr std::string_view zone_name = "TRVZONE";
 constexpr const char* null_text_name = "TRVNULL";
 constexpr const char* path_suffix = "PATH";
 
@@ -66,10 +65,9 @@ int write_origin(char* buffer, std::size_t size, std::string_view origin) {
 
 const char* get_variable(const char* name) {
     if (name == nullptr) return nullptr;
-    if (std::strcmp(name, temporary_directory_name) == 0) {
-        return runtime_hooks.temporary_directory();
-    }
-    if (std::strcmp(name, zone_name) == 0) runtime_hooks.prepare_zone();
+    const std::string_view asked = name;
+    if (asked == temporary_directory_name) return runtime_hooks.temporary_directory();
+    if (asked == zone_name) runtime_hooks.prepare_zone();
     const char* value = environment_value_or_load(name);
     return value != nullptr ? value : configured_value("var", name);
 }
@@ -100,7 +98,7 @@ bool variable_is_on(const char* name) {
 
 int describe_variable_origin(char* buffer, std::size_t size, const char* name, const char* value) {
     const char* asked = name == nullptr ? "" : name;
-    if (std::strcmp(asked, temporary_directory_name) == 0) {
+    if (asked == temporary_directory_name) {
         if (environment_value("TRVTMPDIR") != nullptr) {
             return write_origin(buffer, size, "from environment variable TRVTMPDIR");
         }

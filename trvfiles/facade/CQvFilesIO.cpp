@@ -2,8 +2,9 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/axis_file.h>
+#include <trvfiles/facade/open_file.h>
 #include <trvfiles/facade/text_conversion.h>
-#include <trvfiles/support/platform.h>
+#include <trvfiles/machine_context/CMachineContextIO.h>
 
 #include <QDir>
 #include <QDomImplementation>
@@ -27,10 +28,10 @@ QDir directoryOf(const std::wstring& directory) {
 
 // For reads and writes: the path comes out clean.
 QString resolved(const std::wstring& directory, const QString& name) {
-    const QDir base = directoryOf(directory);
     const QString native = trv::nativePath(name);
-    const QString path = base.filePath(native);
-    return trv::isOpenable(path) ? QFileInfo(base, native).absoluteFilePath() : path;
+    const bool isAbsolute = native.startsWith(QLatin1Char('/')) || QDir::isAbsolutePath(native);
+    const QString path = isAbsolute ? native : directoryOf(directory).filePath(native);
+    return trv::isOpenable(path) ? QFileInfo(path).absoluteFilePath() : path;
 }
 
 // For absoluteFileName() and isfileExists(): the path stays as it is joined.
@@ -38,16 +39,6 @@ QString joined(const std::wstring& directory, const QString& name) {
     const QDir base = directoryOf(directory);
     const QString native = trv::nativePath(name);
     return trv::isOpenable(base.path()) ? base.absoluteFilePath(native) : base.filePath(native);
-}
-
-file_handle openForRead(const QString& path, file_mode mode) {
-    if (!trv::isOpenable(path)) return nullptr;
-    return trv::platform::open_for_read(trv::systemPath(path), mode);
-}
-
-file_handle openForWrite(const QString& path, file_mode mode) {
-    if (!trv::isOpenable(path)) return nullptr;
-    return trv::platform::open_for_write(trv::systemPath(path), mode);
 }
 
 EFileIOStatus readAssembly(const QString& path, CTrvAssemblyData& data) {
@@ -60,10 +51,18 @@ EFileIOStatus writeAssembly(const QString& path, const CTrvAssemblyData& data) {
     return CTrvAssemblyIO(path).write(data);
 }
 
+EFileIOStatus readContext(const QString& path, CMachineContextData& data) {
+    return CMachineContextIO(path).read(data);
+}
+
+EFileIOStatus writeContext(const QString& path, const CMachineContextData& data) {
+    return CMachineContextIO(path).write(data);
+}
+
 bool copyBytes(const QString& source, const QString& destination) {
     // This order is part of the contract: a missing source leaves an empty destination.
-    const file_handle to = openForWrite(destination, file_mode::binary);
-    const file_handle from = openForRead(source, file_mode::binary);
+    const file_handle to = trv::openForWrite(destination, file_mode::binary);
+    const file_handle from = trv::openForRead(source, file_mode::binary);
     if (to == nullptr || from == nullptr) return false;
 
     char block[16384];
@@ -88,6 +87,31 @@ CQvFilesIO::CQvFilesIO(CQvFilesIO&& other) noexcept = default;
 CQvFilesIO& CQvFilesIO::operator=(const CQvFilesIO& other) = default;
 CQvFilesIO& CQvFilesIO::operator=(CQvFilesIO&& other) noexcept = default;
 CQvFilesIO::~CQvFilesIO() = default;
+
+EFileIOStatus CQvFilesIO::readMachineContext(const char* name, CMachineContextData& data) {
+    return readContext(resolved(directory_, trv::fromNarrow(name)), data);
+}
+
+EFileIOStatus CQvFilesIO::readMachineContext(std::wstring name, CMachineContextData& data) {
+    return readContext(resolved(directory_, trv::fromWide(name)), data);
+}
+
+EFileIOStatus CQvFilesIO::writeMachineContext(const char* name, const CMachineContextData& data) {
+    return writeContext(resolved(directory_, trv::fromNarrow(name)), data);
+}
+
+EFileIOStatus CQvFilesIO::writeMachineContext(std::wstring name, const CMachineContextData& data) {
+    return writeContext(resolved(directory_, trv::fromWide(name)), data);
+}
+
+EFileIOStatus CQvFilesIO::sReadMachineContext(const std::wstring& path, CMachineContextData& data) {
+    return readContext(trv::fromWide(path), data);
+}
+
+EFileIOStatus CQvFilesIO::sWriteMachineContext(const std::wstring& path,
+                                               const CMachineContextData& data) {
+    return writeContext(trv::fromWide(path), data);
+}
 
 EFileIOStatus CQvFilesIO::readTrvAssembly(const char* name, CTrvAssemblyData& data) {
     return readAssembly(resolved(directory_, trv::fromNarrow(name)), data);
@@ -116,9 +140,11 @@ EFileIOStatus CQvFilesIO::sWriteTrvAssembly(const std::wstring& path,
 
 EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2,
                                    int& tag3) {
+    char buffer[4096];
     const file_handle file =
-        openForRead(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
+        trv::openForRead(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
     if (file == nullptr) return eFileIOOpenError;
+    std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer);
     const trv::AxisContent content = trv::readAxisContent(file.get());
     if (content.faultyLine != 0) return eFileIOContentError;
 
@@ -136,7 +162,7 @@ EFileIOStatus CQvFilesIO::writeAxis(std::wstring fileName, const double* matrix,
     const std::string text = trv::axisFileText(written, tag1, tag2, tag3);
 
     const file_handle file =
-        openForWrite(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
+        trv::openForWrite(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
     if (file == nullptr) return eFileIOOpenError;
     // What the disk does not take is not reported: hosts rely on the open alone.
     static_cast<void>(std::fwrite(text.data(), 1, text.size(), file.get()));
@@ -152,11 +178,11 @@ std::wstring CQvFilesIO::absoluteFileName(const std::wstring& name) const {
 }
 
 bool CQvFilesIO::isfileExists(const std::string& name) const {
-    return openForRead(joined(directory_, trv::fromNarrow(name)), file_mode::text) != nullptr;
+    return trv::openForRead(joined(directory_, trv::fromNarrow(name)), file_mode::text) != nullptr;
 }
 
 bool CQvFilesIO::isfileExists(const std::wstring& name) const {
-    return openForRead(joined(directory_, trv::fromWide(name)), file_mode::text) != nullptr;
+    return trv::openForRead(joined(directory_, trv::fromWide(name)), file_mode::text) != nullptr;
 }
 
 bool CQvFilesIO::copyFile(const std::string& source, const std::string& destination) {

@@ -8,6 +8,7 @@
 
 #include <string>
 
+class CMachineContextData;
 class CTrvAssemblyData;
 
 /// Reads and writes the project files of one directory.
@@ -22,11 +23,13 @@ class CTrvAssemblyData;
 /// "sub" exists); absoluteFileName() and isfileExists() leave it as it stands. An absolute name
 /// ignores the directory. The static members take the path as it is, without any directory.
 ///
-/// No operation throws or prints for a file problem: the status tells. Running out of memory throws
-/// std::bad_alloc. The file is closed on every way out.
+/// No operation throws or prints for a file problem: the status tells. One reports as well:
+/// writeMachineContext(). Running out of memory throws std::bad_alloc. The file is closed on every
+/// way out.
 ///
-/// Threads: instances may be used on several threads at once, each with its own records. The
-/// assembly members set Qt's process-wide policy for invalid XML data to
+/// Threads: instances may be used on several threads at once, each with its own records, but for
+/// writeMachineContext(), which runs on one thread at a time with the whole runtime. The assembly
+/// members set Qt's process-wide policy for invalid XML data to
 /// QDomImplementation::ReturnNullNode and leave it so.
 class TRV_EXPORT CQvFilesIO {
 public:
@@ -40,6 +43,34 @@ public:
     CQvFilesIO& operator=(const CQvFilesIO& other);
     CQvFilesIO& operator=(CQvFilesIO&& other) noexcept;
     ~CQvFilesIO();
+
+    /// Reads a machine context file in one pass. Section and key names count case; what the file
+    /// knows beyond them is passed over.
+    ///
+    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @param data  takes the fields that the file sets, in the order of the format; all others
+    ///              keep their values. After a failure the fields read until then are set.
+    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened or read, or is
+    ///         longer than 256 MiB; eFileIOContentError when a section "machine" is there without
+    ///         "name" or "position", or "postpro" without "origin_program"
+    EFileIOStatus readMachineContext(const char* name, CMachineContextData& data);
+    EFileIOStatus readMachineContext(std::wstring name, CMachineContextData& data);
+
+    /// Writes a machine context file. The text goes to a temporary file beside the target, which
+    /// replaces the target when it is complete and on the disk: whatever fails, the old file stays
+    /// whole.
+    ///
+    /// Line ends in texts become blanks, texts end at their first zero, the proximities are
+    /// narrowed to single precision, and in a text a "+" followed, later, by a ")" loses what is
+    /// between them, the ")" included.
+    ///
+    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be saved. Where it is the
+    ///         temporary file that cannot be opened, this is reported through the fatal channel
+    ///         first, whose default handler ends the process. eFileIOContentError or
+    ///         eFileIOStructureError when storage for a section runs out: no file is touched then.
+    EFileIOStatus writeMachineContext(const char* name, const CMachineContextData& data);
+    EFileIOStatus writeMachineContext(std::wstring name, const CMachineContextData& data);
 
     /// Reads an assembly file.
     ///
@@ -88,6 +119,13 @@ public:
     ///         file cannot be created or opened
     EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
                             int tag3);
+
+    /// readMachineContext() on a path that is taken as it is.
+    static EFileIOStatus sReadMachineContext(const std::wstring& path, CMachineContextData& data);
+
+    /// writeMachineContext() on a path that is taken as it is.
+    static EFileIOStatus sWriteMachineContext(const std::wstring& path,
+                                              const CMachineContextData& data);
 
     /// readTrvAssembly() on a path that is taken as it is.
     static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data);

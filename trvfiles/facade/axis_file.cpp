@@ -1,10 +1,10 @@
 #include <trvfiles/facade/axis_file.h>
+#include <trvfiles/support/line_reading.h>
 #include <trvfiles/support/number_text.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
 namespace trv {
@@ -31,7 +31,7 @@ void appendTransposed(std::string& text, const AxisMatrix& matrix) {
     }
 }
 
-// Takes a file line by line without ever holding more of it than one block.
+// Takes a file line by line without ever holding more of it than counts.
 class LineReader {
 public:
     explicit LineReader(std::FILE* file) : file_(file) {}
@@ -39,24 +39,16 @@ public:
     // The next line's beginning, without its end; valid until the next call. False at the end of
     // the file, when not even a line end is left.
     bool next(std::string_view& line) {
-        line_.clear();
-        bool anything = false;
-        while (begin_ != end_ || fill()) {
-            anything = true;
-            const char* from = block_ + begin_;
-            const std::size_t available = end_ - begin_;
-            const auto* lineEnd = static_cast<const char*>(std::memchr(from, '\n', available));
-            const std::size_t taken =
-                lineEnd == nullptr ? available : static_cast<std::size_t>(lineEnd - from);
-            line_.append(from, std::min(taken, examinedLineLength - line_.size()));
-            begin_ += taken;
-            if (lineEnd != nullptr) {
-                ++begin_;
-                break;
-            }
+        if (read_ >= mostBytesRead) return false;
+        std::size_t length = read(line_);
+        if (length == 0) return false;
+        if (line_[length - 1] == '\n') {
+            --length;
+        } else {
+            skipRest(length);
         }
-        line = line_;
-        return anything;
+        line = std::string_view(line_, length);
+        return true;
     }
 
     bool skip() {
@@ -65,21 +57,26 @@ public:
     }
 
 private:
-    bool fill() {
-        begin_ = 0;
-        end_ = 0;
-        if (read_ >= mostBytesRead) return false;
-        end_ = std::fread(block_, 1, sizeof block_, file_);
-        read_ += end_;
-        return end_ != 0;
+    using Buffer = char[examinedLineLength + 1];
+
+    std::size_t read(Buffer& buffer) {
+        const std::size_t length = read_line(file_, buffer, examinedLineLength);
+        read_ += length;
+        return length;
+    }
+
+    // Behind a beginning that fills the buffer, up to the end of the line.
+    void skipRest(std::size_t length) {
+        Buffer unseen;
+        while (length == examinedLineLength && read_ < mostBytesRead) {
+            length = read(unseen);
+            if (length != 0 && unseen[length - 1] == '\n') return;
+        }
     }
 
     std::FILE* file_;
-    char block_[4096];
-    std::size_t begin_ = 0;
-    std::size_t end_ = 0;
+    Buffer line_ = "";
     std::size_t read_ = 0;
-    std::string line_;
 };
 
 bool readFourNumbers(LineReader& lines, AxisMatrix& matrix, std::size_t row) {

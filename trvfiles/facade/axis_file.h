@@ -9,6 +9,9 @@
 
 namespace trv {
 
+/// The axis file that a directory's contexts refer to where none is named.
+inline constexpr wchar_t defaultAxisFileName[] = L"transfo.dat";
+
 /// Sixteen numbers, row by row, for row vectors.
 using AxisMatrix = std::array<double, 16>;
 

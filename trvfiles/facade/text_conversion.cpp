@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 namespace trv {
 namespace {
@@ -53,7 +54,8 @@ QString nativePath(const QString& path) {
 }
 
 bool isOpenable(const QString& path) {
-    return !path.isEmpty() && !path.contains(QChar(0));
+    return !path.isEmpty() && !path.contains(QChar(0)) &&
+           (path.isValidUtf16() || !platform::narrow_text_is_utf8());
 }
 
 std::filesystem::path systemPath(const QString& path) {
@@ -62,6 +64,19 @@ std::filesystem::path systemPath(const QString& path) {
         return std::filesystem::path(QFile::encodeName(native).toStdString());
     } else {
         return std::filesystem::path(native.toStdWString());
+    }
+}
+
+bool runtimePath(const QString& path, std::string& narrow) {
+    if (!isOpenable(path)) return false;
+    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
+        narrow = QFile::encodeName(nativePath(path)).toStdString();
+        return true;
+    } else {
+        std::string text = toNarrow(path);
+        if (fromNarrow(text) != path) return false;
+        narrow = std::move(text);
+        return true;
     }
 }
 

@@ -30,10 +30,18 @@ std::wstring toWide(const QString& text);
 QString nativePath(const QString& path);
 
 /// Whether the path names the file that its text shows. An empty one names none; with a zero
-/// inside, the operating system would take the part before it and open another file.
+/// inside, the operating system would take the part before it and open another file. Half a
+/// surrogate pair has no form in UTF-8 and would come out as a "?".
 bool isOpenable(const QString& path);
 
 /// The path as a standard file call takes it, "\" translated where needed. REQUIRES: isOpenable().
 std::filesystem::path systemPath(const QString& path);
+
+/// The path as the runtime takes it, in narrow text.
+///
+/// @param narrow  written on success only
+/// @return whether narrow text can hold the path: the ANSI code page of Windows lacks characters,
+///         and its nearest ones would name another file
+bool runtimePath(const QString& path, std::string& narrow);
 
 }  // namespace trv

@@ -1,6 +1,8 @@
+#include <trvfiles/support/line_reading.h>
 #include <trvfiles/support/line_source.h>
 #include <trvfiles/support/platform.h>
 
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -39,8 +41,6 @@ std::uint64_t CL8BFile::lineNumber() const {
     return reader_->counter;
 }
 
-// Character by character: a read that gives back a text cannot tell a NUL of the file from the
-// text's end, and would take the next line for the rest of this one.
 std::uint64_t CL8BFile::readLine(char* buffer, std::int32_t size) {
     if (reader_ != nullptr) ++reader_->counter;
     if (buffer == nullptr || size < 1) return 0;
@@ -48,16 +48,11 @@ std::uint64_t CL8BFile::readLine(char* buffer, std::int32_t size) {
     if (reader_ == nullptr || reader_->stream == nullptr || size < 2) return 0;
 
     std::FILE* const stream = reader_->stream;
-    const char* const last = buffer + size - 1;
-    std::uint64_t consumed = 0;
-    for (char* next = buffer; next != last;) {
-        const int c = std::getc(stream);
-        if (c == EOF) return consumed;
-        ++consumed;
-        *next++ = static_cast<char>(c);
-        *next = '\0';
-        if (c == '\n') return consumed;
-    }
+    const std::size_t most = static_cast<std::size_t>(size) - 1;
+    const std::size_t count = trv::read_line(stream, buffer, most);
+    std::uint64_t consumed = count;
+    if (count < most || buffer[count - 1] == '\n') return consumed;
+
     int rest = EOF;
     do {
         rest = std::getc(stream);

@@ -14,7 +14,9 @@ namespace {
 // Room for the longest text of a double with six decimals: sign, 309 digits, point, decimals.
 constexpr std::size_t longest_fixed_text = 1 + 309 + 1 + 6;
 
-constexpr std::string_view white_space = " \t\n\v\f\r";
+constexpr bool is_white_space(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 bool is_hexadecimal_digit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
@@ -71,7 +73,8 @@ void append_decimal(std::string& text, int value) {
 }
 
 void skip_white_space(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(white_space), text.size()));
+    while (!text.empty() && is_white_space(text.front()))
+        text.remove_prefix(1);
 }
 
 bool scan_number(std::string_view& text, double& value) {

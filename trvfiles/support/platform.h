@@ -80,6 +80,7 @@ int sync_file(std::FILE* file);
 ///
 /// @return 0, or the `errno`
 int remove_file(const char* runtime_path);
+int remove_file(const std::filesystem::path& path);
 
 /// Puts a finished file in the place of another one, which need not exist.
 ///

@@ -1,7 +1,6 @@
 #include <trvfiles/support/platform.h>
 
 #include <dirent.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -23,40 +22,43 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-file_handle adopt(int descriptor, const char* mode) {
-    if (descriptor < 0) return nullptr;
-    file_handle file(::fdopen(descriptor, mode));
-    if (file == nullptr) {
-        const int reason = errno;
-        ::close(descriptor);
-        errno = reason;
+// A runtime path as the system takes it. One without a "\" is taken as it stands, without memory
+// of its own: cleaning up after a failure must not fail.
+class system_path {
+public:
+    explicit system_path(const char* path) : path_(path == nullptr ? "" : path) {
+        if (std::strchr(path_, '\\') == nullptr) return;
+        translated_ = native_path(path_);
+        path_ = translated_.c_str();
     }
+    system_path(const system_path&) = delete;
+    system_path& operator=(const system_path&) = delete;
+
+    const char* c_str() const { return path_; }
+
+private:
+    const char* path_;
+    std::string translated_;
+};
+
+// An open that a signal interrupts is made again. Where there is no memory for the stream, no file
+// is created or emptied.
+file_handle open_stream(const char* path, const char* mode) {
+    file_handle file;
+    do {
+        file.reset(std::fopen(path, mode));
+    } while (file == nullptr && errno == EINTR);
     return file;
 }
 
-// An open that a signal interrupts is made again.
-int open_descriptor(const char* path, int flags) {
-    constexpr mode_t everyone_as_the_mask_allows = 0666;
-    int descriptor = -1;
-    do {
-        descriptor = ::open(path, flags | O_CLOEXEC, everyone_as_the_mask_allows);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
-
 file_handle open_no_directory(const char* path) {
-    const int descriptor = open_descriptor(path, O_RDONLY);
+    file_handle file = open_stream(path, "re");
     struct stat status = {};
-    if (descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-        ::close(descriptor);
+    if (file != nullptr && ::fstat(::fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode)) {
+        file.reset();
         errno = EISDIR;
-        return nullptr;
     }
-    return adopt(descriptor, "r");
-}
-
-file_handle open_emptied(const char* path) {
-    return adopt(open_descriptor(path, O_WRONLY | O_CREAT | O_TRUNC), "w");
+    return file;
 }
 
 int code_of(int result) {
@@ -64,7 +66,7 @@ int code_of(int result) {
 }
 
 bool read_status(const char* runtime_path, struct stat& status) {
-    return ::stat(native_path(runtime_path).c_str(), &status) == 0;
+    return ::stat(system_path(runtime_path).c_str(), &status) == 0;
 }
 
 bool names_variable(const char* name) {
@@ -115,24 +117,23 @@ file_handle open_for_read(const std::filesystem::path& path, file_mode) {
 }
 
 file_handle open_for_read(const char* runtime_path, file_mode) {
-    return open_no_directory(native_path(runtime_path).c_str());
+    return open_no_directory(system_path(runtime_path).c_str());
 }
 
 file_handle open_for_write(const std::filesystem::path& path, file_mode) {
-    return open_emptied(path.c_str());
+    return open_stream(path.c_str(), "we");
 }
 
 file_handle open_for_write(const char* runtime_path, file_mode) {
-    return open_emptied(native_path(runtime_path).c_str());
+    return open_stream(system_path(runtime_path).c_str(), "we");
 }
 
 file_handle open_for_update(const char* runtime_path, file_mode) {
-    return adopt(open_descriptor(native_path(runtime_path).c_str(), O_RDWR), "r+");
+    return open_stream(system_path(runtime_path).c_str(), "r+e");
 }
 
 file_handle open_for_append(const char* runtime_path, file_mode) {
-    constexpr int flags = O_WRONLY | O_CREAT | O_APPEND;
-    return adopt(open_descriptor(native_path(runtime_path).c_str(), flags), "a");
+    return open_stream(system_path(runtime_path).c_str(), "ae");
 }
 
 int sync_file(std::FILE* file) {
@@ -147,11 +148,15 @@ int sync_file(std::FILE* file) {
 }
 
 int remove_file(const char* runtime_path) {
-    return code_of(::unlink(native_path(runtime_path).c_str()));
+    return code_of(::unlink(system_path(runtime_path).c_str()));
+}
+
+int remove_file(const std::filesystem::path& path) {
+    return code_of(::unlink(path.c_str()));
 }
 
 int replace_file(const char* from, const char* to) {
-    const int reason = code_of(std::rename(native_path(from).c_str(), native_path(to).c_str()));
+    const int reason = code_of(std::rename(system_path(from).c_str(), system_path(to).c_str()));
     if (reason != 0) remove_file(from);
     return reason;
 }
@@ -168,13 +173,13 @@ bool directory_exists(const char* runtime_path) {
 
 int create_directory(const char* runtime_path) {
     constexpr mode_t everyone_as_the_mask_allows = 0777;
-    return code_of(::mkdir(native_path(runtime_path).c_str(), everyone_as_the_mask_allows));
+    return code_of(::mkdir(system_path(runtime_path).c_str(), everyone_as_the_mask_allows));
 }
 
 std::vector<std::string> directory_entries(const char* runtime_path) {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, directory_closer> directory(
-        ::opendir(native_path(runtime_path).c_str()));
+        ::opendir(system_path(runtime_path).c_str()));
     if (directory == nullptr) return names;
     while (const dirent* entry = ::readdir(directory.get())) {
         const std::string_view name = entry->d_name;
@@ -207,7 +212,9 @@ std::string program_file() {
 }
 
 const char* get_environment(const char* name) {
-    return names_variable(name) ? std::getenv(name) : nullptr;
+    if (name == nullptr) return nullptr;
+    const char* value = std::getenv(name);
+    return value != nullptr && names_variable(name) ? value : nullptr;
 }
 
 bool set_environment(const char* name, const char* value) {

@@ -135,6 +135,10 @@ int remove_file(const char* runtime_path) {
     return code_of(::_unlink(native_path(runtime_path).c_str()));
 }
 
+int remove_file(const std::filesystem::path& path) {
+    return code_of(::_wunlink(path.c_str()));
+}
+
 int replace_file(const char* from, const char* to) {
     const int removal = remove_file(to);
     if (removal != 0 && removal != ENOENT) {

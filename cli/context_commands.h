@@ -1,0 +1,25 @@
+#pragma once
+
+/// @file
+/// The commands of the group "context", and what they share.
+
+#include <cli/command.h>
+
+#include <QString>
+
+namespace trv::cli {
+
+Command contextListCommand();
+Command contextDefaultCommand();
+Command contextCreateCommand();
+Command contextSetCommand();
+
+/// The path of a file in a directory, as the commands print it.
+QString pathIn(const QString& directory, const QString& file);
+
+/// Says what is wrong with a file or a directory, where no status belongs to it.
+///
+/// @return what the command is to end with
+ExitStatus fail(const QString& name, const QString& reason, const Console& console);
+
+}  // namespace trv::cli

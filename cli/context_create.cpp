@@ -1,0 +1,211 @@
+#include <cli/context_commands.h>
+#include <cli/context_plan.h>
+#include <cli/env_runtime.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+#include <trvfiles/facade/open_file.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/machine_context/CMachineContextUtils.h>
+
+#include <QFileInfo>
+#include <QStringList>
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+
+namespace trv::cli {
+namespace {
+
+// Makes a directory the current one while it lives.
+class CurrentDirectory {
+public:
+    explicit CurrentDirectory(const QString& directory) {
+        std::error_code ignored;
+        earlier_ = std::filesystem::current_path(ignored);
+        std::filesystem::current_path(systemPath(directory), error_);
+    }
+    ~CurrentDirectory() {
+        std::error_code ignored;
+        std::filesystem::current_path(earlier_, ignored);
+    }
+    CurrentDirectory(const CurrentDirectory&) = delete;
+    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
+
+    bool isSet() const { return !error_; }
+
+private:
+    std::filesystem::path earlier_;
+    std::error_code error_;
+};
+
+bool exists(const QString& path) {
+    const QFileInfo info(resolved(path));
+    return info.exists() || info.isSymLink();
+}
+
+// Why a file cannot be created; empty where it can. Leaves none behind.
+QString whyNotCreated(const QString& path) {
+    if (exists(path)) return {};
+    errno = 0;
+    if (openForWrite(resolved(path), platform::file_mode::binary) == nullptr) {
+        return QString::fromStdString(std::generic_category().message(errno));
+    }
+    platform::remove_file(systemPath(resolved(path)));
+    return {};
+}
+
+// After the catalogue has said no: the first file that cannot be created.
+ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
+                          const Console& console) {
+    for (const QString& file : {plan.axisFile, plan.reference, plan.context}) {
+        const QString path = pathIn(directory, file);
+        const QString reason = whyNotCreated(path);
+        if (!reason.isEmpty()) return fail(path, reason, console);
+    }
+    return fail(pathIn(directory, plan.context), QStringLiteral("cannot be written"), console);
+}
+
+using Creation = std::function<bool(std::wstring& context, std::wstring& reference)>;
+
+ExitStatus create(const QString& directory, const ContextPlan& plan, const Console& console,
+                  const Creation& creation) {
+    std::wstring context;
+    std::wstring reference;
+    RuntimeMessages messages(console.err);
+    const bool isCreated = creation(context, reference);
+    if (printReports(messages.takeReports(), console)) return failed;
+    if (!isCreated) return explainFailure(directory, plan, console);
+    for (const std::wstring& file : {context, reference})
+        console.out << qUtf8Printable(shown(pathIn(directory, fromWide(file)))) << '\n';
+    return done;
+}
+
+void noteReplaced(const QString& file, const Console& console) {
+    console.err << qUtf8Printable(
+        QStringLiteral("trvfiles: note: %1 stood there without its other file and was replaced\n")
+            .arg(shown(file)));
+}
+
+ExitStatus createForPosition(int position, const QString& directory, const Console& console) {
+    const ContextPlan plan = contextPlan(position);
+    const QString context = pathIn(directory, plan.context);
+    const QString reference = pathIn(directory, plan.reference);
+    const bool contextIsThere = exists(context);
+    const bool referenceIsThere = exists(reference);
+    if (contextIsThere && referenceIsThere) {
+        return fail(context, QStringLiteral("is there already"), console);
+    }
+    for (const QString& file : {context, reference}) {
+        if (QFileInfo(resolved(file)).isDir()) {
+            return fail(file, QStringLiteral("is a directory"), console);
+        }
+    }
+    const QString axisFile = pathIn(directory, plan.axisFile);
+    AxisFile axis;
+    if (exists(axisFile)) {
+        if (const Problem problem = readAxis(axisFile, axis))
+            return report(axisFile, problem, console);
+    }
+    const auto creation = [&](std::wstring& first, std::wstring& second) {
+        return CMachineContextUtils::sCreateDefaultMachineContext(toWide(directory), position,
+                                                                  &first, &second);
+    };
+    const ExitStatus status = create(directory, plan, console, creation);
+    if (status == done && contextIsThere) noteReplaced(context, console);
+    if (status == done && referenceIsThere) noteReplaced(reference, console);
+    return status;
+}
+
+ExitStatus createForMachine(const ContextPlan& plan, const QString& directory,
+                            const Console& console) {
+    const QString axisFile = pathIn(directory, plan.axisFile);
+    AxisFile axis;
+    if (const Problem problem = readAxis(axisFile, axis)) return report(axisFile, problem, console);
+    for (const QString& file : {plan.context, plan.reference}) {
+        const QString path = pathIn(directory, file);
+        if (exists(path)) return fail(path, QStringLiteral("is there already"), console);
+    }
+    return create(directory, plan, console, [&](std::wstring& first, std::wstring& second) {
+        // The catalogue copies in the current directory.
+        const CurrentDirectory there(directory);
+        return there.isSet() && CMachineContextUtils::sCreateMachineContext(
+                                    {}, toWide(plan.machine), toWide(plan.givenAxis),
+                                    toWide(plan.context), &first, &second);
+    });
+}
+
+bool isBareName(const QString& text) {
+    return !text.isEmpty() && !text.contains(QLatin1Char('/')) && !text.contains(QLatin1Char('\\'));
+}
+
+// What is wrong with the options; empty where nothing is.
+//
+// @param position  written where there is one
+QString mistakeIn(const QCommandLineParser& call, int& position) {
+    const QString text = call.value(QStringLiteral("position"));
+    const bool hasPosition = call.isSet(QStringLiteral("position"));
+    if (hasPosition == call.isSet(QStringLiteral("machine"))) {
+        return QStringLiteral("Give either --position or --machine.");
+    }
+    for (const QString& option :
+         {QStringLiteral("machine"), QStringLiteral("axis"), QStringLiteral("name")}) {
+        if (!call.isSet(option)) continue;
+        if (hasPosition) return QStringLiteral("--%1 belongs to --machine.").arg(option);
+        if (isBareName(call.value(option))) continue;
+        return QStringLiteral("--%1 takes a name without a directory, not '%2'.")
+            .arg(option, call.value(option));
+    }
+    bool isNumber = false;
+    position = text.toInt(&isNumber);
+    if (hasPosition && (!isNumber || position < 1)) {
+        return QStringLiteral("--position takes a whole number from 1 on, not '%1'.").arg(text);
+    }
+    return {};
+}
+
+ExitStatus createContext(const QCommandLineParser& call, const Console& console) {
+    int position = 0;
+    QString mistake = mistakeIn(call, position);
+    const ContextPlan plan =
+        contextPlan(call.value(QStringLiteral("machine")), call.value(QStringLiteral("axis")),
+                    call.value(QStringLiteral("name")));
+    if (mistake.isEmpty()) mistake = whyPlanFails(plan);
+    if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("context create"), mistake);
+
+    const QString directory = call.positionalArguments().at(0);
+    const QString reason = whyNotListed(directory);
+    if (!reason.isEmpty()) return fail(directory, reason, console);
+    return position > 0 ? createForPosition(position, directory, console)
+                        : createForMachine(plan, directory, console);
+}
+
+}  // namespace
+
+Command contextCreateCommand() {
+    Command command;
+    command.name = QStringLiteral("context create");
+    command.arguments = QStringLiteral("{--position N | --machine M [--axis F] [--name K]} DIR");
+    command.summary = QStringLiteral("Create a machine context and its reference axis file");
+    command.details = QStringLiteral(
+        "With --position it is the default context of a machine position; DIR gets a\n"
+        "transfo.dat if it has none. With --machine it is a context for a machine. Nothing is\n"
+        "overwritten by it. Prints the paths of the two files.\n");
+    command.options = {
+        QCommandLineOption(QStringLiteral("position"),
+                           QStringLiteral("The machine position, from 1 on"), QStringLiteral("N")),
+        QCommandLineOption(QStringLiteral("machine"), QStringLiteral("The machine"),
+                           QStringLiteral("M")),
+        QCommandLineOption(QStringLiteral("axis"),
+                           QStringLiteral("The axis file in DIR to copy, in place of transfo.dat"),
+                           QStringLiteral("F")),
+        QCommandLineOption(QStringLiteral("name"),
+                           QStringLiteral("The context's name, in place of M[AXIS]"),
+                           QStringLiteral("K"))};
+    command.operand = QStringLiteral("directory");
+    command.run = createContext;
+    return command;
+}
+
+}  // namespace trv::cli

@@ -1,0 +1,138 @@
+#include <cli/context_commands.h>
+#include <cli/env_runtime.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/machine_context/CMachineContextUtils.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+namespace trv::cli {
+namespace {
+
+ExitStatus listIn(const QString& directory, bool asJson, const Console& console) {
+    const QString reason = whyNotListed(directory);
+    if (!reason.isEmpty()) return fail(directory, reason, console);
+    QStringList paths;
+    for (const std::wstring& path :
+         CMachineContextUtils::sGetFavoriteMachineContext(toWide(directory))) {
+        paths += fromWide(path);
+    }
+    if (asJson) {
+        printJson({{QStringLiteral("directory"), directory},
+                   {QStringLiteral("contexts"), QJsonArray::fromStringList(paths)}},
+                  console.out);
+        return done;
+    }
+    for (const QString& path : paths)
+        console.out << qUtf8Printable(shown(path)) << '\n';
+    return done;
+}
+
+ExitStatus listFavorites(RuntimeMessages& messages, bool asJson, const Console& console) {
+    const QString directory =
+        fromWide(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW());
+    if (!directory.isEmpty()) return listIn(directory, asJson, console);
+    if (!printReports(messages.takeReports(), console)) {
+        console.err << "trvfiles: There is no favourite directory: neither TRV_MCTX_DEF nor "
+                       "TRVHOME leads to one\n";
+    }
+    return failed;
+}
+
+ExitStatus list(const QCommandLineParser& call, const Console& console) {
+    const bool asJson = call.isSet(QStringLiteral("json"));
+    const QStringList directories = call.positionalArguments();
+    if (!directories.isEmpty()) return listIn(directories.at(0), asJson, console);
+    return askInstallationIfAny(call, console,
+                                [&](RuntimeMessages& messages, const Console& results) {
+                                    return listFavorites(messages, asJson, results);
+                                });
+}
+
+// The context files of a directory, by name.
+QStringList contextsIn(const QString& directory) {
+    QStringList paths;
+    const QStringList names =
+        QDir(nativePath(directory))
+            .entryList({QStringLiteral("*.mctx")}, QDir::Files | QDir::Hidden, QDir::Name);
+    for (const QString& name : names)
+        paths += pathIn(directory, name);
+    return paths;
+}
+
+void printDefault(const QString& file, int position, bool asJson, std::ostream& out) {
+    const bool isThere = !file.isEmpty();
+    if (asJson) {
+        printJson({{QStringLiteral("file"), isThere ? QJsonValue(file) : QJsonValue()},
+                   {QStringLiteral("position"), isThere ? QJsonValue(position) : QJsonValue()}},
+                  out);
+    } else if (isThere) {
+        out << qUtf8Printable(
+            QStringLiteral("%1: position %2\n").arg(shown(file), QString::number(position)));
+    } else {
+        out << "There is no default context.\n";
+    }
+}
+
+ExitStatus choose(const QCommandLineParser& call, const Console& console) {
+    QStringList files = call.positionalArguments();
+    if (files.size() == 1 && QFileInfo(resolved(files.at(0))).isDir()) {
+        const QString directory = files.at(0);
+        const QString reason = whyNotListed(directory);
+        if (!reason.isEmpty()) return fail(directory, reason, console);
+        files = contextsIn(directory);
+    }
+    std::vector<std::wstring> names;
+    for (const QString& file : files) {
+        const QFileInfo info(resolved(file));
+        if (!info.isFile()) {
+            return fail(file, QStringLiteral("there is no file of that name"), console);
+        }
+        names.push_back(toWide(info.fileName()));
+    }
+    int index = -1;
+    int position = -1;
+    const bool isFound =
+        CMachineContextUtils::sGetDefaultMachineContext(std::move(names), index, position);
+    printDefault(isFound ? files.at(index) : QString(), position,
+                 call.isSet(QStringLiteral("json")), console.out);
+    return isFound ? done : negative;
+}
+
+}  // namespace
+
+Command contextListCommand() {
+    Command command;
+    command.name = QStringLiteral("context list");
+    command.arguments = QStringLiteral("[--root DIR] [--json] [DIR]");
+    command.summary = QStringLiteral("List the favourite machine contexts");
+    command.details = QStringLiteral(
+        "Prints the path of each context below DIR that is named after its directory. Without\n"
+        "DIR it is the installation's favourite directory: TRV_MCTX_DEF, or else\n"
+        "$TRVHOME\\standard\\machine_context.\n");
+    command.options = {rootOption(), jsonOption()};
+    command.operand = QStringLiteral("directory");
+    command.fewestFiles = 0;
+    command.run = list;
+    return command;
+}
+
+Command contextDefaultCommand() {
+    Command command;
+    command.name = QStringLiteral("context default");
+    command.arguments = QStringLiteral("[--json] FILE... | DIR");
+    command.summary = QStringLiteral("Tell which machine context is the default one");
+    command.details = QStringLiteral(
+        "Of the files, or of the context files in DIR, it is the one of the highest machine\n"
+        "position in a name such as [MACHINE_POSITION_2].mctx. Exit status: 0 there is one,\n"
+        "1 there is none, 2 an error.\n");
+    command.options = {jsonOption()};
+    command.mostFiles = Command::anyNumber;
+    command.run = choose;
+    return command;
+}
+
+}  // namespace trv::cli

@@ -1,0 +1,22 @@
+#pragma once
+
+/// @file
+/// What there is to say about a machine context.
+
+#include <cli/input_files.h>
+
+#include <QJsonObject>
+#include <QString>
+
+namespace trv::cli {
+
+/// The fields, a line each, and the sections that are missing.
+QString contextText(const QString& name, const ContextFile& context);
+
+/// The same for a program; docs/command.md lists the keys.
+QJsonObject contextJson(const QString& name, const ContextFile& context);
+
+/// A few words: "machine context "Setup A", machine MILL5, position POS1".
+QString contextSummary(const ContextFile& context);
+
+}  // namespace trv::cli

@@ -1,0 +1,107 @@
+#include <cli/context_fields.h>
+#include <cli/context_rewrite.h>
+#include <cli/context_values.h>
+#include <cli/input_files.h>
+#include <trvfiles/facade/open_file.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/machine_context/CSectionedFile.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+namespace trv::cli {
+namespace {
+
+constexpr char blanks[] = " \t\f\v\n\r";
+
+std::string contentOf(const QString& name) {
+    std::string content;
+    const auto file = openForRead(resolved(name), platform::file_mode::text);
+    if (file == nullptr) return content;
+    char block[4096];
+    while (const std::size_t length = std::fread(block, 1, sizeof block, file.get()))
+        content.append(block, length);
+    return content;
+}
+
+// The lines, counted from 0, that a written file has as well.
+std::set<int> keptLines(const CSectionedFile& file) {
+    std::set<int> lines;
+    std::string value;
+    int line = 0;
+    for (const ContextField& field : contextFields()) {
+        lines.insert(file.section(field.section, true).headerLine());
+        if (file.value(field.section, true, field.key, true, value, &line)) lines.insert(line);
+    }
+    const bool isVersioned = file.value("header", true, "version", true, value, &line);
+    if (isVersioned && value == "2") lines.insert(line);
+    return lines;
+}
+
+// Whether nothing stands behind the "]" of a header.
+bool isWholeHeader(std::string_view line) {
+    return line.find_first_not_of(blanks, line.find(']') + 1) == std::string_view::npos;
+}
+
+void findLine(const std::string& content, const CSectionedFile& file, RewriteLoss& loss) {
+    const std::set<int> kept = keptLines(file);
+    constexpr std::size_t signatureLength = 3;
+    std::string_view rest(content);
+    if (file.hasUtf8Signature()) rest.remove_prefix(signatureLength);
+    for (int number = 0; !rest.empty(); ++number) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        const std::size_t first = line.find_first_not_of(blanks);
+        if (first == std::string_view::npos) continue;
+        const bool isKept = kept.count(number) != 0;
+        if (isKept && (line.front() != '[' || isWholeHeader(line))) continue;
+        loss.line = number + 1;
+        loss.lineText =
+            fromNarrow(std::string(line.substr(first, line.find_last_not_of(blanks) + 1 - first)));
+        return;
+    }
+}
+
+// Why a value of a file would change; empty where it would not.
+QString whyChanges(const ContextField& field, const std::string& bytes) {
+    const QString value = fromNarrow(bytes);
+    if (toNarrow(value) != bytes) return QStringLiteral("it holds bytes that are no text");
+    if (field.isText()) return whyTextChanges(value);
+    double numbers[3] = {};
+    if (field.isProximity()) {
+        if (!readNumbers(value, numbers, 1)) return QStringLiteral("it is no number");
+        return comesBack(numbers[0]) ? QString()
+                                     : QStringLiteral("a file keeps no number as large");
+    }
+    return readNumbers(value, numbers, 3) ? QString() : QStringLiteral("it is not three numbers");
+}
+
+void findValue(const CSectionedFile& file, const QStringList& newFields, RewriteLoss& loss) {
+    for (const ContextField& field : contextFields()) {
+        std::string value;
+        if (newFields.contains(field.name())) continue;
+        if (!file.value(field.section, true, field.key, true, value)) continue;
+        loss.reason = whyChanges(field, value);
+        if (loss.reason.isEmpty()) continue;
+        loss.field = field.name();
+        loss.value = fromNarrow(value);
+        return;
+    }
+}
+
+}  // namespace
+
+RewriteLoss rewriteLoss(const QString& name, const QStringList& newFields) {
+    const std::string content = contentOf(name);
+    std::istringstream stream(content);
+    CSectionedFile file;
+    RewriteLoss loss;
+    if (file.parse(stream) != 0) return loss;
+    findLine(content, file, loss);
+    findValue(file, newFields, loss);
+    return loss;
+}
+
+}  // namespace trv::cli

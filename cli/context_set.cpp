@@ -1,0 +1,134 @@
+#include <cli/context_commands.h>
+#include <cli/context_fields.h>
+#include <cli/context_rewrite.h>
+#include <cli/env_runtime.h>
+#include <cli/input_files.h>
+#include <cli/text_output.h>
+
+#include <QStringList>
+
+#include <vector>
+
+namespace trv::cli {
+namespace {
+
+struct Assignment {
+    const ContextField* field;
+    QString value;
+};
+
+// Takes "section.key=value" apart.
+//
+// @return what is wrong with it; empty where nothing is
+QString readAssignment(const QString& text, Assignment& assignment) {
+    const int sign = text.indexOf(QLatin1Char('='));
+    const QString name = text.left(sign);
+    if (sign < 0) return QStringLiteral("'%1' is not of the form section.key=value.").arg(text);
+    if (name == QLatin1String("header.version")) {
+        return QStringLiteral("header.version is what the writer makes it.");
+    }
+    assignment.field = findContextField(name);
+    if (assignment.field == nullptr) return QStringLiteral("There is no field '%1'.").arg(name);
+    assignment.value = text.mid(sign + 1);
+    CMachineContextData ignored;
+    return setContextField(*assignment.field, assignment.value, ignored);
+}
+
+QString readAssignments(const QStringList& texts, std::vector<Assignment>& assignments) {
+    for (const QString& text : texts) {
+        Assignment next = {};
+        const QString mistake = readAssignment(text, next);
+        if (!mistake.isEmpty()) return mistake;
+        for (const Assignment& earlier : assignments) {
+            if (earlier.field != next.field) continue;
+            return QStringLiteral("%1 is set twice.").arg(next.field->name());
+        }
+        assignments.push_back(next);
+    }
+    return {};
+}
+
+Problem readForChange(const QString& name, ContextFile& context) {
+    FileKind kind = FileKind::unknown;
+    if (Problem problem = findKind(name, kind)) return problem;
+    if (kind != FileKind::machineContext) {
+        return {eFileIOContentError, QStringLiteral("it is no machine context")};
+    }
+    return readContext(name, context);
+}
+
+// What would be lost beside the new values; empty where nothing would.
+QString whyNotWritten(const QString& name, const std::vector<Assignment>& assignments,
+                      bool mayDropLines) {
+    QStringList newFields;
+    for (const Assignment& assignment : assignments)
+        newFields += assignment.field->name();
+    const RewriteLoss loss = rewriteLoss(name, newFields);
+    if (!loss.reason.isEmpty()) {
+        return QStringLiteral("%1 '%2' would change: %3; set it too")
+            .arg(loss.field, shown(loss.value), loss.reason);
+    }
+    if (loss.line == 0 || mayDropLines) return {};
+    return QStringLiteral("line %1 would be lost: '%2'; --drop-unknown drops such lines")
+        .arg(QString::number(loss.line), shown(loss.lineText));
+}
+
+ExitStatus save(const QString& name, const CMachineContextData& data, const Console& console) {
+    RuntimeMessages messages(console.err);
+    const Problem problem = writeContext(name, data);
+    if (printReports(messages.takeReports(), console)) return failed;
+    return problem ? report(name, problem, console) : done;
+}
+
+ExitStatus set(const QCommandLineParser& call, const Console& console) {
+    const QString name = call.positionalArguments().at(0);
+    std::vector<Assignment> assignments;
+    const QString mistake = readAssignments(call.positionalArguments().mid(1), assignments);
+    if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("context set"), mistake);
+
+    ContextFile context;
+    if (const Problem problem = readForChange(name, context)) return report(name, problem, console);
+    const QString reason =
+        whyNotWritten(name, assignments, call.isSet(QStringLiteral("drop-unknown")));
+    if (!reason.isEmpty()) return fail(name, reason, console);
+
+    for (const Assignment& assignment : assignments)
+        setContextField(*assignment.field, assignment.value, context.data);
+    if (const ExitStatus status = save(name, context.data, console); status != done) return status;
+
+    ContextFile written;
+    if (const Problem problem = readContext(name, written)) return report(name, problem, console);
+    for (const Assignment& assignment : assignments) {
+        const ContextField& field = *assignment.field;
+        console.out << qUtf8Printable(
+            QStringLiteral("%1=%2\n").arg(field.name(), shown(storedText(field, written.data))));
+    }
+    return done;
+}
+
+}  // namespace
+
+Command contextSetCommand() {
+    Command command;
+    command.name = QStringLiteral("context set");
+    command.arguments = QStringLiteral("[--drop-unknown] FILE section.key=value...");
+    command.summary = QStringLiteral("Change fields of a machine context");
+    QString fields;
+    for (const ContextField& field : contextFields())
+        fields += QStringLiteral("  %1\n").arg(field.name());
+    command.details =
+        QStringLiteral(
+            "Prints the new values as they stand in the file. A value that the file would not\n"
+            "give back is refused, and so is a file of which something would be lost. Fields:\n") +
+        fields;
+    command.options = {
+        QCommandLineOption(QStringLiteral("drop-unknown"),
+                           QStringLiteral("Write the file without comments and unknown lines"))};
+    command.operand = QStringLiteral("file name or assignment");
+    command.fewestFiles = 2;
+    command.mostFiles = Command::anyNumber;
+    command.run = set;
+    return command;
+}
+
+}  // namespace trv::cli

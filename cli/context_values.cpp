@@ -1,0 +1,90 @@
+#include <cli/context_values.h>
+#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/support/number_text.h>
+
+#include <cmath>
+#include <string_view>
+
+namespace trv::cli {
+namespace {
+
+bool hasBlankAtAnEnd(std::string_view text) {
+    constexpr std::string_view blanks = " \t\f\v\n\r";
+    return !text.empty() && (blanks.find(text.front()) != std::string_view::npos ||
+                             blanks.find(text.back()) != std::string_view::npos);
+}
+
+// As the line that the store writes, which takes what stands behind a "+" for a reference.
+bool losesReference(const std::string& value) {
+    const std::string line = "=" + value;
+    return without_references(line) != line;
+}
+
+}  // namespace
+
+QString whyTextChanges(const QString& text) {
+    constexpr QChar endOfTextFile(0x1A);
+    if (text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'))) {
+        return QStringLiteral("a line end becomes a blank");
+    }
+    if (text.contains(QChar(0))) return QStringLiteral("what follows a zero is lost");
+    const std::string narrow = toNarrow(text);
+    if (fromNarrow(narrow) != text) {
+        return QStringLiteral("the local code page lacks one of its characters");
+    }
+    if (text.contains(QChar::ReplacementCharacter)) {
+        return QStringLiteral("it holds bytes that are no text");
+    }
+    if (hasBlankAtAnEnd(narrow)) return QStringLiteral("blanks at its ends are lost");
+    if (losesReference(narrow)) {
+        return QStringLiteral("what stands between a \"+\" and a later \")\" is lost");
+    }
+    if (text.contains(endOfTextFile)) return QStringLiteral("code 26 ends the file on Windows");
+    return {};
+}
+
+bool readNumbers(const QString& text, double* numbers, int count) {
+    const std::string narrow = toNarrow(text);
+    std::string_view rest(narrow);
+    for (int i = 0; i < count; ++i) {
+        const std::string_view before = rest;
+        skip_white_space(rest);
+        const bool isApart = i == 0 || rest.size() != before.size();
+        if (!isApart || !scan_number(rest, numbers[i])) return false;
+    }
+    skip_white_space(rest);
+    return rest.empty();
+}
+
+std::string proximityText(double value) {
+    constexpr std::size_t mostCharacters = 19;
+    std::string text;
+    append_fixed(text, static_cast<double>(static_cast<float>(value)));
+    return text.substr(0, mostCharacters);
+}
+
+std::string originText(const double origin[3]) {
+    std::string text;
+    append_fixed(text, origin[0]);
+    text += ' ';
+    append_fixed(text, origin[1]);
+    text += ' ';
+    append_fixed(text, origin[2]);
+    return text;
+}
+
+bool comesBack(double value) {
+    constexpr double decimals = 1e-6;
+    constexpr double singlePrecision = 1e-7;
+    const std::string text = proximityText(value);
+    std::string_view rest(text);
+    double read = 0;
+    scan_number(rest, read);
+    if (std::isnan(value) || std::isinf(value) || std::isinf(read)) {
+        return std::isnan(value) ? std::isnan(read) : value == read;
+    }
+    return std::fabs(value - read) <= decimals + singlePrecision * std::fabs(value);
+}
+
+}  // namespace trv::cli

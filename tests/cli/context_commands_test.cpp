@@ -1,0 +1,42 @@
+#include <cli/context_commands.h>
+#include <tests/cli/answer.h>
+
+#include <gtest/gtest.h>
+
+namespace trv::testing {
+namespace {
+
+TEST(ContextCommands, StandInAGroup) {
+    const Answer answer = answerTo(words("context --help"));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out,
+              "Usage: trvfiles context COMMAND [ARGUMENT...]\n"
+              "\n"
+              "Commands:\n"
+              "  context list     List the favourite machine contexts\n"
+              "  context default  Tell which machine context is the default one\n"
+              "  context create   Create a machine context and its reference axis file\n"
+              "  context set      Change fields of a machine context\n"
+              "\n"
+              "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the "
+              "version.\n"
+              "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
+}
+
+TEST(ContextCommands, NameFilesByTheirDirectory) {
+    const QString file = QStringLiteral("[a].mctx");
+    EXPECT_EQ(cli::pathIn(QStringLiteral("."), file).toStdString(), "./[a].mctx");
+    EXPECT_EQ(cli::pathIn(QStringLiteral("x/y"), file).toStdString(), "x/y/[a].mctx");
+    EXPECT_EQ(cli::pathIn(QStringLiteral("x/"), file).toStdString(), "x/[a].mctx");
+}
+
+TEST(ContextCommands, FailWithAReason) {
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(cli::fail(QStringLiteral("%2\n"), QStringLiteral("why"), {out, err}), cli::failed);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(err.str(), "trvfiles: %2\\x0a: why\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

@@ -1,0 +1,281 @@
+#include <tests/cli/context_directory.h>
+#include <tests/common/child_process.h>
+#include <tests/common/current_directory.h>
+
+#include <gmock/gmock.h>
+
+namespace trv::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class ContextCreate : public ContextDirectory {
+protected:
+    Answer create(const QStringList& options, const QString& directory) const {
+        return answerTo(words("context create") + options + QStringList(directory));
+    }
+    Answer create(const char* options) const { return create(words(options), path("")); }
+
+    void expectFailure(const Answer& answer, const std::string& message) const {
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.out, "");
+        EXPECT_EQ(answer.err, message);
+    }
+
+    void expectRefusal(const Answer& answer, const std::string& reason) const {
+        expectFailure(answer, "trvfiles context create: " + reason +
+                                  "\nTry 'trvfiles context create --help'.\n");
+        EXPECT_THAT(names(), IsEmpty());
+    }
+};
+
+constexpr const char* positionContext =
+    "[header]\n"
+    "version=2\n"
+    "comment=\n"
+    "name=[MACHINE_POSITION_3]\n"
+    "[machine]\n"
+    "name=\n"
+    "position=[stockposition@[MACHINE_POSITION_3]]MACHINE.ref\n"
+    "proximity=0.000000\n"
+    "[postpro]\n"
+    "origin_program=0.000000 0.000000 0.000000\n"
+    "reference_axis=\n"
+    "[clamping_system]\n"
+    "proximity=0.000000\n";
+
+TEST_F(ContextCreate, MakesTheDefaultContextOfAPosition) {
+    const Answer answer = create("--position 3");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_3].mctx") + "\n" +
+                              text("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") + "\n");
+    EXPECT_THAT(names(),
+                ElementsAre("[MACHINE_POSITION_3].mctx",
+                            "[stockposition@[MACHINE_POSITION_3]]MACHINE.ref", "transfo.dat"));
+    EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), positionContext);
+    EXPECT_EQ(bytes("transfo.dat"), identityAxis);
+    EXPECT_EQ(bytes("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref"), identityAxis);
+}
+
+TEST_F(ContextCreate, CopiesTheAxisFileOfTheDirectory) {
+    file("transfo.dat", turnedAxis);
+    EXPECT_EQ(create("--position 3").status, 0);
+    EXPECT_EQ(bytes("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref"), turnedAxis);
+}
+
+TEST_F(ContextCreate, OverwritesNoPairOfFiles) {
+    ASSERT_EQ(create("--position 3").status, 0);
+    file("[MACHINE_POSITION_3].mctx", "mine");
+    expectFailure(create("--position 3"),
+                  "trvfiles: " + text("[MACHINE_POSITION_3].mctx") + ": is there already\n");
+    EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), "mine");
+    EXPECT_EQ(names().size(), 3U);
+}
+
+TEST_F(ContextCreate, NotesTheSingleFileThatItReplaces) {
+    file("[MACHINE_POSITION_3].mctx", "mine");
+    Answer answer = create("--position 3");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "trvfiles: note: " + text("[MACHINE_POSITION_3].mctx") +
+                              " stood there without its other file and was replaced\n");
+    EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), positionContext);
+    std::filesystem::remove(directory_ / "[MACHINE_POSITION_3].mctx");
+    answer = create("--position 3");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err,
+              "trvfiles: note: " + text("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") +
+                  " stood there without its other file and was replaced\n");
+}
+
+TEST_F(ContextCreate, MakesAContextForAMachine) {
+    file("transfo.dat", turnedAxis);
+    const Answer answer = create("--machine mill5.mac");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, text("mill5[MACHINE].mctx") + "\n" +
+                              text("[stockposition@mill5[MACHINE]]MACHINE.ref") + "\n");
+    EXPECT_EQ(bytes("[stockposition@mill5[MACHINE]]MACHINE.ref"), turnedAxis);
+    EXPECT_EQ(bytes("mill5[MACHINE].mctx").substr(0, 143),
+              "[header]\nversion=2\ncomment=\nname=mill5[MACHINE]\n"
+              "[machine]\nname=mill5.mac\n"
+              "position=[stockposition@mill5[MACHINE]]MACHINE.ref\n"
+              "proximity=0.000000\n");
+    EXPECT_EQ(names().size(), 3U);
+}
+
+TEST_F(ContextCreate, TakesAnotherAxisFileAndAName) {
+    file("head.ref", turnedAxis);
+    Answer answer = create("--machine a.mac.b --axis head.ref");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out,
+              text("a.b[head].mctx") + "\n" + text("[stockposition@a.b[head]]head.ref") + "\n");
+    answer = create("--machine m --axis head.ref --name job");
+    EXPECT_EQ(answer.out, text("job.mctx") + "\n" + text("[stockposition@job]head.ref") + "\n");
+    answer = create({QStringLiteral("--machine"), QStringLiteral("%1 m"), QStringLiteral("--axis"),
+                     QStringLiteral("head.ref"), QStringLiteral("--name"),
+                     QString::fromUtf8("\xC3\xB6 [%s].mctx")},
+                    path(""));
+    EXPECT_EQ(answer.out, text("\xC3\xB6 [%s].mctx") + "\n" +
+                              text("[stockposition@\xC3\xB6 [%s]]head.ref") + "\n");
+    EXPECT_EQ(bytes("[stockposition@\xC3\xB6 [%s]]head.ref"), turnedAxis);
+}
+
+TEST_F(ContextCreate, WorksInTheDirectoryWhereverItIsCalled) {
+    file("sub/transfo.dat", identityAxis);
+    const CurrentDirectory here(directory_.path());
+    const Answer answer = create(words("--machine m"), QStringLiteral("sub"));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, "sub/m[MACHINE].mctx\nsub/[stockposition@m[MACHINE]]MACHINE.ref\n");
+    EXPECT_THAT(names(), ElementsAre("sub"));
+    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::current_path(), directory_.path()));
+    EXPECT_EQ(create(words("--position 1"), QStringLiteral("sub/../sub")).out,
+              "sub/../sub/[MACHINE_POSITION_1].mctx\n"
+              "sub/../sub/[stockposition@[MACHINE_POSITION_1]]MACHINE.ref\n");
+}
+
+TEST_F(ContextCreate, OverwritesNeitherFileOfAMachine) {
+    file("transfo.dat", identityAxis);
+    file("m[MACHINE].mctx", "mine");
+    expectFailure(create("--machine m"),
+                  "trvfiles: " + text("m[MACHINE].mctx") + ": is there already\n");
+    file("[stockposition@n[MACHINE]]MACHINE.ref", "mine");
+    expectFailure(
+        create("--machine n"),
+        "trvfiles: " + text("[stockposition@n[MACHINE]]MACHINE.ref") + ": is there already\n");
+    EXPECT_EQ(names().size(), 3U);
+}
+
+TEST_F(ContextCreate, WantsASoundAxisFile) {
+    expectFailure(create("--machine m"), "trvfiles: " + text("transfo.dat") +
+                                             ": eFileIOOpenError: No such file or directory\n");
+    expectFailure(
+        create("--machine m --axis head.ref"),
+        "trvfiles: " + text("head.ref") + ": eFileIOOpenError: No such file or directory\n");
+    file("transfo.dat", "0\n1 2 3\n");
+    for (const char* options : {"--machine m", "--position 1"})
+        expectFailure(create(options),
+                      "trvfiles: " + text("transfo.dat") +
+                          ": eFileIOContentError: line 2: four numbers are expected\n");
+    EXPECT_THAT(names(), ElementsAre("transfo.dat"));
+}
+
+TEST_F(ContextCreate, WantsOneKindOfContext) {
+    expectRefusal(answerTo(words("context create") + QStringList(path(""))),
+                  "Give either --position or --machine.");
+    expectRefusal(create("--position 1 --machine m"), "Give either --position or --machine.");
+    expectRefusal(create("--position 1 --axis a"), "--axis belongs to --machine.");
+    expectRefusal(create("--position 1 --name a"), "--name belongs to --machine.");
+    for (const char* position : {"0", "-1", "x", "1.5", "2147483648"})
+        expectRefusal(
+            create((std::string("--position=") + position).c_str()),
+            "--position takes a whole number from 1 on, not '" + std::string(position) + "'.");
+}
+
+TEST_F(ContextCreate, WantsBareNames) {
+    for (const char* option : {"machine", "axis", "name"}) {
+        for (const char* value : {"", "a/b", "a\\b", "/"}) {
+            const std::string given = std::string("--") + option + "=" + value;
+            QStringList options(QString::fromStdString(given));
+            if (std::string(option) != "machine") options += QStringLiteral("--machine=m");
+            expectRefusal(create(options, path("")),
+                          std::string("--") + option + " takes a name without a directory, not '" +
+                              value + "'.");
+        }
+    }
+}
+
+TEST_F(ContextCreate, RefusesNamesThatTheFileCannotHold) {
+    expectRefusal(
+        create("--machine a+b(1)"),
+        "A context cannot hold 'a+b(1)': what stands between a \"+\" and a later \")\" is "
+        "lost.");
+}
+
+TEST_F(ContextCreate, SaysWhyTheDirectoryIsNone) {
+    for (const char* options : {"--machine m", "--position 1"})
+        expectFailure(create(words(options), path("missing")),
+                      "trvfiles: " + text("missing") + ": No such file or directory\n");
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(ContextCreate, SaysWhatStandsInTheWay) {
+    std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_1].mctx");
+    expectFailure(create("--position 1"),
+                  "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": is a directory\n");
+    EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(ContextCreate, ReportsAContextThatCannotBeSaved) {
+    std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_1].mctx.messages.tmp");
+    expectFailure(create("--position 1"), "trvfiles: Store messages : error opening file '" +
+                                              text("[MACHINE_POSITION_1].mctx.messages.tmp") +
+                                              "'\n");
+    EXPECT_THAT(names(), ElementsAre("[MACHINE_POSITION_1].mctx.messages.tmp", "transfo.dat"));
+}
+
+TEST_F(ContextCreate, SaysWhichNameIsTooLong) {
+    file("transfo.dat", identityAxis);
+    const std::string machine(300, 'm');
+    const Answer answer = create(("--machine " + machine).c_str());
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_NE(answer.err.find(text("[stockposition@" + machine + "[MACHINE]]MACHINE.ref")),
+              std::string::npos);
+    EXPECT_THAT(names(), ElementsAre("transfo.dat"));
+}
+
+TEST_F(ContextCreate, SaysWhenRightsAreMissing) {
+    if (!can_fork) GTEST_SKIP() << "rights are given up in a child process";
+    file("transfo.dat", identityAxis);
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0555));
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(becomeOrdinaryUser());
+        expectFailure(create("--position 1"),
+                      "trvfiles: " + text("[stockposition@[MACHINE_POSITION_1]]MACHINE.ref") +
+                          ": Permission denied\n");
+        expectFailure(
+            create("--machine m"),
+            "trvfiles: " + text("[stockposition@m[MACHINE]]MACHINE.ref") + ": Permission denied\n");
+    }));
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+    EXPECT_THAT(names(), ElementsAre("transfo.dat"));
+}
+
+TEST_F(ContextCreate, SaysWhenTheFileCannotBeWrittenToItsEnd) {
+    if (!can_fork) GTEST_SKIP() << "the limit is set in a child process";
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(limitFileSize(100));
+        const Answer answer = create("--position 1");
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.err,
+                  "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": cannot be written\n");
+    }));
+    EXPECT_THAT(names(), ElementsAre("transfo.dat"));
+}
+
+TEST_F(ContextCreate, ExplainsItself) {
+    EXPECT_EQ(
+        create("--help").out,
+        "Usage: trvfiles context create {--position N | --machine M [--axis F] [--name K]} "
+        "DIR\n"
+        "\n"
+        "Create a machine context and its reference axis file.\n"
+        "With --position it is the default context of a machine position; DIR gets a\n"
+        "transfo.dat if it has none. With --machine it is a context for a machine. Nothing is\n"
+        "overwritten by it. Prints the paths of the two files.\n"
+        "\n"
+        "Options:\n"
+        "  --position N  The machine position, from 1 on\n"
+        "  --machine M   The machine\n"
+        "  --axis F      The axis file in DIR to copy, in place of transfo.dat\n"
+        "  --name K      The context's name, in place of M[AXIS]\n"
+        "  -h, --help    Show this help\n");
+    EXPECT_EQ(answerTo(words("context create --position 1")).err,
+              "trvfiles context create: A directory is missing.\n"
+              "Try 'trvfiles context create --help'.\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

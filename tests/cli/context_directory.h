@@ -1,0 +1,56 @@
+#pragma once
+
+/// @file
+/// A directory of machine contexts for the tests of the command.
+
+#include <tests/cli/answer.h>
+#include <tests/cli/samples.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trv::testing {
+
+class ContextDirectory : public ::testing::Test {
+protected:
+    /// Writes a file.
+    ///
+    /// @return its path
+    QString file(const std::string& name, std::string_view bytes) const {
+        std::filesystem::create_directories((directory_ / name).parent_path());
+        writeBytes(directory_ / name, bytes);
+        return path(name);
+    }
+
+    QString path(const std::string& name) const { return QString::fromStdString(text(name)); }
+
+    std::string text(const std::string& name) const {
+        return (directory_ / name).generic_u8string();
+    }
+
+    std::string bytes(const std::string& name) const { return textOf(directory_ / name); }
+
+    bool exists(const std::string& name) const {
+        return std::filesystem::exists(directory_ / name);
+    }
+
+    /// The names of all that is in the directory, in byte order.
+    std::vector<std::string> names() const {
+        std::vector<std::string> found;
+        for (const auto& entry : std::filesystem::directory_iterator(directory_.path()))
+            found.push_back(entry.path().filename().u8string());
+        std::sort(found.begin(), found.end());
+        return found;
+    }
+
+    TemporaryDirectory directory_;
+};
+
+}  // namespace trv::testing

@@ -1,0 +1,178 @@
+#include <tests/cli/context_directory.h>
+#include <tests/cli/env_sample.h>
+
+namespace trv::testing {
+namespace {
+
+class ContextList : public ContextDirectory {
+protected:
+    Answer list(const QString& directory, const char* options = "context list") const {
+        return answerTo(words(options) + QStringList(directory));
+    }
+};
+
+TEST_F(ContextList, PrintsAPathALine) {
+    file("B/B.mctx", "");
+    file("B/D/D.mctx", "");
+    file("a/a.mctx", "");
+    file("C/[x] %1/[x] %1.mctx", "");
+    file("C/other.mctx", "");
+    const Answer answer = list(path(""));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, text("a/a.mctx") + "\n" + text("B/B.mctx") + "\n" +
+                              text("C/[x] %1/[x] %1.mctx") + "\n");
+}
+
+TEST_F(ContextList, PrintsNothingWhereThereIsNone) {
+    const Answer answer = list(path(""));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out + answer.err, "");
+}
+
+TEST_F(ContextList, PrintsJson) {
+    file("a/a.mctx", "");
+    const Answer answer = list(path("."), "context list --json");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + text("./a/a.mctx") + "\"],\"directory\":\"" +
+                              text(".") + "\"}\n");
+}
+
+TEST_F(ContextList, SaysWhyADirectoryCannotBeListed) {
+    Answer answer = list(path("missing"));
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, "trvfiles: " + text("missing") + ": No such file or directory\n");
+    answer = list(QString());
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.err, "trvfiles: : No such file or directory\n");
+}
+
+class FavoriteList : public EnvCommand {
+protected:
+    FavoriteList() { process_.setVariable("TRV_MCTX_DEF", nullptr); }
+
+    int list(const QStringList& options = {}) {
+        return process_.run(QStringList{QStringLiteral("context"), QStringLiteral("list")} +
+                            options);
+    }
+};
+
+TEST_F(FavoriteList, TakesThoseOfTheInstallation) {
+    EXPECT_EQ(list(), 0);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(),
+              "/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\n"
+              "/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\n");
+}
+
+TEST_F(FavoriteList, TakesTheInstallationOfTheCall) {
+    process_.setVariable("TRVHOME", nullptr);
+    EXPECT_EQ(
+        list({QStringLiteral("--json"), QStringLiteral("--root"), QString::fromStdString(root())}),
+        0);
+    EXPECT_EQ(out(),
+              "{\"contexts\":["
+              "\"/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\","
+              "\"/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\"],"
+              "\"directory\":\"/opt/shop/standard/machine_context\"}\n");
+}
+
+TEST_F(FavoriteList, TakesADirectoryThatTheProcessNames) {
+    write("mine/a/a.mctx", "");
+    process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/mine").c_str());
+    EXPECT_EQ(list(), 0);
+    EXPECT_EQ(out(), directory_.text() + "/mine/a/a.mctx\n");
+    process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/none").c_str());
+    EXPECT_EQ(list(), 2);
+    EXPECT_EQ(err(), "trvfiles: " + directory_.text() + "/none: No such file or directory\n");
+}
+
+TEST_F(FavoriteList, ReportsABrokenInstallation) {
+    write("shop/config/environ.cfg", "/els\n");
+    EXPECT_EQ(list(), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_NE(err().find("Unknown keyword : '/els'"), std::string::npos);
+}
+
+TEST_F(FavoriteList, SaysWhyThereIsNoFavouriteDirectory) {
+    process_.setVariable("TRVHOME", nullptr);
+    EXPECT_EQ(list(), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
+
+    // Neither of the two fits, once expanded.
+    write("shop/config/environ.cfg", "[var]\n");
+    std::string longRoot = root();
+    while (longRoot.size() < 380)
+        longRoot += "/../shop";
+    process_.setVariable("TRVHOME", longRoot.c_str());
+    process_.setVariable("TRV_MCTX_DEF", std::string(400, 'x').c_str());
+    EXPECT_EQ(list(), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(
+        process_.err(),
+        "trvfiles: warning: _Expand(\"$TRV_MCTX_DEF\") = error -32 - buffer size 400 too "
+        "small\n"
+        "trvfiles: warning: _Expand(\"$TRVHOME\\standard\\machine_context\") = error -32 - "
+        "buffer size 400 too small\n"
+        "trvfiles: There is no favourite directory: neither TRV_MCTX_DEF nor TRVHOME leads to "
+        "one\n");
+}
+
+class ContextDefault : public ContextDirectory {
+protected:
+    QString two_ = file("[MACHINE_POSITION_2].mctx", "");
+    QString seven_ = file("[MACHINE_POSITION_7].mctx", "");
+    QString other_ = file("x.mctx", "");
+};
+
+TEST_F(ContextDefault, IsTheOneOfTheHighestPosition) {
+    const Answer answer =
+        answerTo(words("context default") + QStringList({two_, other_, seven_, seven_}));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_7].mctx") + ": position 7\n");
+}
+
+TEST_F(ContextDefault, IsLookedForInADirectory) {
+    file("[MACHINE_POSITION_9].bak", "");
+    file("[MACHINE_POSITION_07].mctx", "");
+    std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_8].mctx");
+    const Answer answer = answerTo(words("context default") + QStringList(path(".")));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, text("./[MACHINE_POSITION_07].mctx") + ": position 7\n");
+}
+
+TEST_F(ContextDefault, MayBeMissing) {
+    Answer answer = answerTo(words("context default") + QStringList(other_));
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_EQ(answer.out, "There is no default context.\n");
+    EXPECT_EQ(answer.err, "");
+    const TemporaryDirectory empty;
+    answer = answerTo(words("context default --json") +
+                      QStringList(QString::fromStdString(empty.text())));
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_EQ(answer.out, "{\"file\":null,\"position\":null}\n");
+}
+
+TEST_F(ContextDefault, PrintsJson) {
+    const Answer answer = answerTo(words("context default --json") + QStringList(two_));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out,
+              "{\"file\":\"" + text("[MACHINE_POSITION_2].mctx") + "\",\"position\":2}\n");
+}
+
+TEST_F(ContextDefault, WantsFilesThatExist) {
+    for (const QStringList& files :
+         {QStringList(path("[MACHINE_POSITION_1].mctx")), QStringList({two_, path("")})}) {
+        const Answer answer = answerTo(words("context default") + files);
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.out, "");
+        EXPECT_EQ(answer.err,
+                  "trvfiles: " + files.last().toStdString() + ": there is no file of that name\n");
+    }
+}
+
+}  // namespace
+}  // namespace trv::testing

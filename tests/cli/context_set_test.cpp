@@ -1,0 +1,277 @@
+#include <cli/context_fields.h>
+#include <tests/cli/context_directory.h>
+#include <tests/common/child_process.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+
+#include <random>
+
+namespace trv::testing {
+namespace {
+
+class ContextSet : public ContextDirectory {
+protected:
+    Answer set(const QStringList& assignments, const char* options = "context set") const {
+        return answerTo(words(options) + QStringList(path("a.mctx")) + assignments);
+    }
+    Answer set(const char* assignment) const {
+        return set(QStringList(QString::fromUtf8(assignment)));
+    }
+
+    void expectRefusal(const char* assignment, const std::string& reason) const {
+        const Answer answer = set(assignment);
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.out, "");
+        EXPECT_EQ(answer.err,
+                  "trvfiles context set: " + reason + "\nTry 'trvfiles context set --help'.\n");
+        EXPECT_EQ(bytes("a.mctx"), setupContext);
+    }
+
+    QString context_ = file("a.mctx", setupContext);
+};
+
+std::string replacedIn(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
+TEST_F(ContextSet, ChangesOneFieldAndNothingElse) {
+    const Answer answer = set("machine.proximity=1234.5678");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, "machine.proximity=1234.567749\n");
+    EXPECT_EQ(bytes("a.mctx"),
+              replacedIn(setupContext, "proximity=10.000000", "proximity=1234.567749"));
+    EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(ContextSet, ChangesEveryField) {
+    const Answer answer =
+        set({QStringLiteral("header.comment=c=d"), QStringLiteral("header.name=[machine]"),
+             QStringLiteral("machine.name=#x"), QStringLiteral("machine.position=a\tb"),
+             QStringLiteral("machine.proximity=-1e3"),
+             QStringLiteral("postpro.origin_program= 1\t.5 -2e2"),
+             QString::fromUtf8("postpro.reference_axis=\xC3\xB6"),
+             QStringLiteral("part.surface_group=+"), QStringLiteral("clamping_system.name=%1"),
+             QStringLiteral("clamping_system.proximity=0.1")});
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out,
+              "header.comment=c=d\nheader.name=[machine]\nmachine.name=#x\n"
+              "machine.position=a\\x09b\nmachine.proximity=-1000.000000\n"
+              "postpro.origin_program=1.000000 0.500000 -200.000000\n"
+              "postpro.reference_axis=\xC3\xB6\npart.surface_group=+\n"
+              "clamping_system.name=%1\nclamping_system.proximity=0.100000\n");
+    EXPECT_EQ(bytes("a.mctx").substr(0, 60),
+              "[header]\nversion=2\ncomment=c=d\nname=[machine]\n[machine]\nname");
+}
+
+TEST_F(ContextSet, EmptiesTexts) {
+    const Answer answer =
+        set({QStringLiteral("part.surface_group="), QStringLiteral("clamping_system.name="),
+             QStringLiteral("header.name=")});
+    EXPECT_EQ(answer.out, "part.surface_group=\nclamping_system.name=\nheader.name=\n");
+    EXPECT_EQ(bytes("a.mctx"),
+              "[header]\nversion=2\ncomment=first op\nname=\n"
+              "[machine]\nname=MILL5\nposition=POS1\nproximity=10.000000\n"
+              "[postpro]\norigin_program=12.500000 0.000000 -3.000000\n"
+              "reference_axis=transfo.dat\n"
+              "[clamping_system]\nproximity=2.500000\n");
+    EXPECT_EQ(
+        answerTo(words("show --json") + QStringList(context_)).out.find("\"surfaceGroup\":\"\"") ==
+            std::string::npos,
+        false);
+}
+
+TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
+    expectRefusal("machine.name", "'machine.name' is not of the form section.key=value.");
+    expectRefusal("machine.speed=1", "There is no field 'machine.speed'.");
+    expectRefusal("Machine.name=1", "There is no field 'Machine.name'.");
+    expectRefusal("=1", "There is no field ''.");
+    expectRefusal("header.version=3", "header.version is what the writer makes it.");
+    const Answer answer = set({QStringLiteral("machine.name=a"), QStringLiteral("machine.name=b")});
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.err,
+              "trvfiles context set: machine.name is set twice.\n"
+              "Try 'trvfiles context set --help'.\n");
+    EXPECT_EQ(bytes("a.mctx"), setupContext);
+}
+
+TEST_F(ContextSet, RefusesWhatTheFileCannotHold) {
+    expectRefusal("machine.name=A+B(1)",
+                  "machine.name cannot hold 'A+B(1)': what stands between a \"+\" and a later "
+                  "\")\" is lost.");
+    expectRefusal("header.comment=r\norigin_program=9 9 9",
+                  "header.comment cannot hold 'r\\x0aorigin_program=9 9 9': a line end becomes a "
+                  "blank.");
+    expectRefusal("header.name= x", "header.name cannot hold ' x': blanks at its ends are lost.");
+    expectRefusal("machine.proximity=1e20",
+                  "machine.proximity cannot hold '1e20': a file keeps no number as large.");
+    expectRefusal("machine.proximity=ten",
+                  "machine.proximity takes a number, such as 2.5, not 'ten'.");
+    expectRefusal("postpro.origin_program=1 2",
+                  "postpro.origin_program takes three numbers, such as '12.5 0 -3', not '1 2'.");
+}
+
+TEST_F(ContextSet, WritesNothingUnlessAllCanBeSet) {
+    const Answer answer =
+        set({QStringLiteral("machine.name=x"), QStringLiteral("machine.proximity=x")});
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(bytes("a.mctx"), setupContext);
+}
+
+// A value is either refused or comes back, and no other field changes with it.
+TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
+    const QString alphabet = QStringLiteral("+()=[]#\n\r\t ab1") + QChar(0xF6);
+    std::mt19937 random(11);
+    int accepted = 0;
+    for (int round = 0; round < 300; ++round) {
+        file("a.mctx", setupContext);
+        CMachineContextData before;
+        ASSERT_EQ(CQvFilesIO::sReadMachineContext(context_.toStdWString(), before), eFileIOSuccess);
+        const auto& fields = cli::contextFields();
+        const cli::ContextField& target = fields[random() % fields.size()];
+        QString value;
+        for (std::size_t left = random() % 8; left > 0; --left)
+            value +=
+                alphabet.at(static_cast<int>(random() % static_cast<unsigned>(alphabet.size())));
+        const Answer answer = set({target.name() + QLatin1Char('=') + value});
+        CMachineContextData after;
+        ASSERT_EQ(CQvFilesIO::sReadMachineContext(context_.toStdWString(), after), eFileIOSuccess);
+        for (const cli::ContextField& field : fields) {
+            const bool isSet = &field == &target && answer.status == 0;
+            if (isSet && !field.isText()) continue;
+            EXPECT_EQ(cli::storedText(field, after), isSet ? value : cli::storedText(field, before))
+                << field.name().toStdString() << " after " << value.toStdString();
+        }
+        accepted += answer.status == 0 ? 1 : 0;
+    }
+    EXPECT_GT(accepted, 30);
+    EXPECT_LT(accepted, 270);
+}
+
+TEST_F(ContextSet, LosesNoLineUnasked) {
+    const std::string content = std::string("# note\n") + setupContext + "[tools]\nname=x\n";
+    file("a.mctx", content);
+    const QStringList assignment(QStringLiteral("machine.name=M"));
+    Answer answer = set(assignment);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err,
+              "trvfiles: " + text("a.mctx") +
+                  ": line 1 would be lost: '# note'; --drop-unknown drops such lines\n");
+    EXPECT_EQ(bytes("a.mctx"), content);
+
+    answer = set(assignment, "context set --drop-unknown");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, "machine.name=M\n");
+    EXPECT_EQ(bytes("a.mctx"), replacedIn(setupContext, "name=MILL5", "name=M"));
+}
+
+TEST_F(ContextSet, ChangesNoOtherValueUnasked) {
+    const std::string content = replacedIn(setupContext, "first op", "A+B(1)\n# note");
+    file("a.mctx", content);
+    for (const char* options : {"context set", "context set --drop-unknown"}) {
+        const Answer answer = set(QStringList(QStringLiteral("machine.name=M")), options);
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.err, "trvfiles: " + text("a.mctx") +
+                                  ": header.comment 'A+B(1)' would change: what stands between a "
+                                  "\"+\" and a later \")\" is lost; set it too\n");
+        EXPECT_EQ(bytes("a.mctx"), content);
+    }
+    EXPECT_EQ(
+        set(QStringList(QStringLiteral("header.comment=A")), "context set --drop-unknown").status,
+        0);
+    EXPECT_EQ(bytes("a.mctx"), replacedIn(setupContext, "first op", "A"));
+}
+
+TEST_F(ContextSet, GivesAFileTheSectionsThatItLacks) {
+    file("a.mctx", "[header]\r\nname = x\r\n\r\n");
+    EXPECT_EQ(set("machine.name=M").status, 0);
+    EXPECT_EQ(bytes("a.mctx"),
+              "[header]\nversion=2\ncomment=\nname=x\n[machine]\nname=M\nposition=\n"
+              "proximity=0.000000\n[postpro]\norigin_program=0.000000 0.000000 0.000000\n"
+              "reference_axis=\n[clamping_system]\nproximity=0.000000\n");
+}
+
+TEST_F(ContextSet, WantsAMachineContext) {
+    const auto problem = [&](std::string_view content) {
+        file("a.mctx", content);
+        const Answer answer =
+            set(QStringList(QStringLiteral("machine.name=M")), "context set --drop-unknown");
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.out, "");
+        EXPECT_EQ(bytes("a.mctx"), content);
+        const std::string start = "trvfiles: " + text("a.mctx") + ": ";
+        EXPECT_EQ(answer.err.substr(0, start.size()), start);
+        return answer.err.substr(std::min(start.size(), answer.err.size()));
+    };
+    EXPECT_EQ(problem(setupXml), "eFileIOContentError: it is no machine context\n");
+    EXPECT_EQ(problem(identityAxis), "eFileIOContentError: it is no machine context\n");
+    EXPECT_EQ(problem(""), "eFileIOContentError: the file is empty\n");
+    EXPECT_EQ(
+        problem("note"),
+        "eFileIOContentError: neither an assembly, nor an axis file, nor a machine context\n");
+    EXPECT_EQ(problem("[machine]\nname=x\n"),
+              "eFileIOContentError: line 1: section [machine] has no \"position\"\n");
+}
+
+TEST_F(ContextSet, SaysThatAFileIsMissing) {
+    std::filesystem::remove(directory_ / "a.mctx");
+    const Answer answer = set("machine.name=M");
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.err,
+              "trvfiles: " + text("a.mctx") + ": eFileIOOpenError: No such file or directory\n");
+    EXPECT_FALSE(exists("a.mctx"));
+}
+
+TEST_F(ContextSet, KeepsTheOldFileWhenSavingFails) {
+    std::filesystem::create_directories(directory_ / "a.mctx.messages.tmp");
+    const Answer answer = set("machine.name=M");
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, "trvfiles: Store messages : error opening file '" +
+                              text("a.mctx.messages.tmp") + "'\n");
+    EXPECT_EQ(bytes("a.mctx"), setupContext);
+}
+
+TEST_F(ContextSet, KeepsTheOldFileWhenTheDiskIsFull) {
+    if (!can_fork) GTEST_SKIP() << "the limit is set in a child process";
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(limitFileSize(100));
+        const Answer answer = set("machine.name=M");
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.out, "");
+        EXPECT_EQ(answer.err,
+                  "trvfiles: " + text("a.mctx") + ": eFileIOOpenError: File too large\n");
+    }));
+    EXPECT_EQ(bytes("a.mctx"), setupContext);
+    EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(ContextSet, ExplainsItself) {
+    EXPECT_EQ(answerTo(words("context set --help")).out,
+              "Usage: trvfiles context set [--drop-unknown] FILE section.key=value...\n"
+              "\n"
+              "Change fields of a machine context.\n"
+              "Prints the new values as they stand in the file. A value that the file would not\n"
+              "give back is refused, and so is a file of which something would be lost. Fields:\n"
+              "  header.comment\n"
+              "  header.name\n"
+              "  machine.name\n"
+              "  machine.position\n"
+              "  machine.proximity\n"
+              "  postpro.origin_program\n"
+              "  postpro.reference_axis\n"
+              "  part.surface_group\n"
+              "  clamping_system.name\n"
+              "  clamping_system.proximity\n"
+              "\n"
+              "Options:\n"
+              "  --drop-unknown  Write the file without comments and unknown lines\n"
+              "  -h, --help      Show this help\n");
+    EXPECT_EQ(answerTo(words("context set a.mctx")).err,
+              "trvfiles context set: A file name or assignment is missing.\n"
+              "Try 'trvfiles context set --help'.\n");
+}
+
+}  // namespace
+}  // namespace trv::testing

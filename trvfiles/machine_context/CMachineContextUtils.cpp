@@ -1,0 +1,201 @@
+#include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variables.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/machine_context/context_names.h>
+#include <trvfiles/support/number_text.h>
+#include <trvfiles/support/platform.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+// A text that begins with a variable, expanded; empty where the variable is not defined, or the
+// result is not to be had in full.
+std::string expanded(const char* variable, const char* text) {
+    const char* value = trv::get_variable(variable);
+    if (value == nullptr || *value == '\0') return {};
+    char buffer[400];
+    std::strcpy(buffer, text);
+    const int code = trv::_ExpandInPlace(buffer, sizeof buffer);
+    return trv::is_expand_error(code) ? std::string() : std::string(buffer);
+}
+
+// The walk through a directory tree for contexts named after their directories.
+class ContextWalk {
+public:
+    explicit ContextWalk(const QDir& directory) { enter(directory, directory.canonicalPath()); }
+
+    std::vector<std::wstring> take() { return std::move(found_); }
+
+private:
+    // `canonical` is the directory's path without links. A link may lead back to a directory that
+    // is being walked.
+    void enter(const QDir& directory, const QString& canonical) {
+        if (chain_.contains(canonical)) return;
+        chain_.append(canonical);
+        // Without a sort order of its own the list comes by name, case ignored.
+        const QStringList names =
+            directory.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+        for (const QString& name : names) {
+            QDir subdirectory = directory;
+            if (subdirectory.cd(name) && !addContext(subdirectory, name))
+                enter(subdirectory, canonicalPath(subdirectory, name, canonical));
+        }
+        chain_.removeLast();
+    }
+
+    // Whether the directory holds a context of its name.
+    bool addContext(const QDir& directory, const QString& name) {
+        const QString path = directory.filePath(name + QStringLiteral(".mctx"));
+        const QFileInfo context(path);
+        if (!context.exists() || context.isDir()) return false;
+        found_.push_back(trv::toWide(path));
+        return true;
+    }
+
+    // Resolving a whole path takes a call for each of its parts, so only links are resolved.
+    static QString canonicalPath(const QDir& directory, const QString& name,
+                                 const QString& canonicalParent) {
+        const QFileInfo entry(directory.path());
+        if (entry.isSymLink() || entry.isJunction()) return directory.canonicalPath();
+        const QLatin1String separator(canonicalParent.endsWith(QLatin1Char('/')) ? "" : "/");
+        return canonicalParent + separator + name;
+    }
+
+    QStringList chain_;
+    std::vector<std::wstring> found_;
+};
+
+bool isAscii(wchar_t unit) {
+    // Where the type has a sign, what is no character may be negative.
+    return static_cast<std::uint32_t>(unit) < 128;
+}
+
+// The number in the name of a default context.
+bool scanPosition(const std::wstring& file, int& position) {
+    if (file.compare(0, trv::defaultContextPrefix.size(), trv::defaultContextPrefix) != 0)
+        return false;
+    // What is no ASCII character ends the number in any case.
+    std::string number;
+    for (std::size_t i = trv::defaultContextPrefix.size(); i < file.size() && isAscii(file[i]); ++i)
+        number += static_cast<char>(file[i]);
+    std::string_view text(number);
+    return trv::scan_decimal(text, position);
+}
+
+bool writeIdentity(CQvFilesIO& files, const std::wstring& name) {
+    constexpr double identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    constexpr int noTag = -1;
+    return files.writeAxis(name, identity, noTag, noTag, noTag) == eFileIOSuccess;
+}
+
+// A file that is there but cannot be read is never written over.
+bool provideAxis(CQvFilesIO& files, const std::wstring& name) {
+    if (files.isfileExists(name)) return true;
+    const bool isThere = QFileInfo::exists(trv::fromWide(files.absoluteFileName(name)));
+    return !isThere && writeIdentity(files, name);
+}
+
+void removeFile(const std::wstring& path) {
+    const QString text = trv::fromWide(path);
+    if (trv::isOpenable(text)) trv::platform::remove_file(trv::systemPath(text));
+}
+
+void give(std::wstring* destination, std::wstring&& text) {
+    if (destination != nullptr) *destination = std::move(text);
+}
+
+}  // namespace
+
+CMachineContextUtils& CMachineContextUtils::operator=(const CMachineContextUtils&) = default;
+CMachineContextUtils& CMachineContextUtils::operator=(CMachineContextUtils&&) noexcept = default;
+
+std::wstring CMachineContextUtils::sGetFavoriteMachineContextDirectoryW() {
+    std::string directory = expanded("TRV_MCTX_DEF", "$TRV_MCTX_DEF");
+    if (directory.empty()) directory = expanded("TRVHOME", "$TRVHOME\\standard\\machine_context");
+    if (directory.empty()) return {};
+    return trv::toWide(QDir(trv::nativePath(trv::fromNarrow(directory))).absolutePath());
+}
+
+std::vector<std::wstring> CMachineContextUtils::sGetFavoriteMachineContext(std::wstring directory) {
+    if (directory.empty()) directory = sGetFavoriteMachineContextDirectoryW();
+    const QString path = trv::nativePath(trv::fromWide(directory));
+    // An empty path would be walked as the current directory.
+    if (!trv::isOpenable(path)) return {};
+    return ContextWalk(QDir(path)).take();
+}
+
+bool CMachineContextUtils::sGetDefaultMachineContext(std::vector<std::wstring> files, int& index,
+                                                     int& position) {
+    index = -1;
+    position = -1;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        int number = -1;
+        if (!scanPosition(files[i], number) || number <= position) continue;
+        position = number;
+        index = static_cast<int>(i);
+    }
+    return index >= 0;
+}
+
+bool CMachineContextUtils::sCreateDefaultMachineContext(const std::wstring& directory, int position,
+                                                        std::wstring* contextFile,
+                                                        std::wstring* referenceFile) {
+    if (position < 1) return false;
+    trv::ContextNames names = trv::defaultContextNames(position);
+    CQvFilesIO files(directory);
+    if (files.isfileExists(names.contextFile) && files.isfileExists(names.referenceFile))
+        return false;
+
+    if (!provideAxis(files, names.axisFile)) return false;
+    const std::wstring referencePath = files.absoluteFileName(names.referenceFile);
+    if (!files.copyFile(files.absoluteFileName(names.axisFile), referencePath)) return false;
+
+    CMachineContextData record;
+    record.setMachinePositionW(names.referenceFile);
+    record.setNameW(names.context);
+    if (files.writeMachineContext(names.contextFile, record) != eFileIOSuccess) {
+        removeFile(referencePath);
+        return false;
+    }
+    give(contextFile, std::move(names.contextFile));
+    give(referenceFile, std::move(names.referenceFile));
+    return true;
+}
+
+bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
+                                                 const std::wstring& machine,
+                                                 const std::wstring& referenceAxisFile,
+                                                 const std::wstring& contextFile,
+                                                 std::wstring* createdContextFile,
+                                                 std::wstring* createdReferenceFile) {
+    trv::ContextNames names = trv::createdContextNames(machine, referenceAxisFile, contextFile);
+    CQvFilesIO files(directory);
+    if (!files.isfileExists(names.axisFile)) return false;
+    if (files.isfileExists(names.contextFile) || files.isfileExists(names.referenceFile))
+        return false;
+
+    // Bare names, unlike the checks above: copying and deleting go by the current directory.
+    if (!files.copyFile(names.axisFile, names.referenceFile)) return false;
+    CMachineContextData record;
+    record.setMachineNameW(machine);
+    record.setMachinePositionW(names.referenceFile);
+    record.setNameW(names.context);
+    if (files.writeMachineContext(names.contextFile, record) != eFileIOSuccess) {
+        removeFile(names.referenceFile);
+        return false;
+    }
+    give(createdContextFile, std::move(names.contextFile));
+    give(createdReferenceFile, std::move(names.referenceFile));
+    return true;
+}

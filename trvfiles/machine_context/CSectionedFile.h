@@ -1,0 +1,122 @@
+#pragma once
+
+/// @file
+/// The reader of sectioned settings files.
+
+#include <QString>
+
+#include <cstddef>
+#include <cstdio>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A text of sections with "key = value" lines, parsed in one pass and kept whole.
+///
+/// - A line that begins with "[" and holds a "]" opens the section between the two. A section that
+///   is opened again replaces the earlier one wholly.
+/// - A line that holds "=" and does not begin with "#" sets a key; the last line of a key counts.
+/// - Every other line is kept without meaning. Names, keys and values lose " \t\f\v\n\r" at both
+///   ends. A CR before a line end is no part of the line.
+/// - Lines above the first header form a section with the empty name, unless all are blank.
+///
+/// Lookups go by name in byte order. With case ignored, ASCII letters alone fold and the first
+/// match counts. Threads: one object on one thread; several objects at once.
+class CSectionedFile {
+public:
+    /// The lines between one header and the next. A section without lines counts as absent.
+    class Section {
+    public:
+        /// How many lines there are, blank ones and comments included.
+        int lineCount() const { return lineCount_; }
+
+        /// The line of the header in the file, counted from 0; -1 above the first header.
+        int headerLine() const { return headerLine_; }
+
+    private:
+        friend class CSectionedFile;
+
+        // `index` is the line's place in the section, from 0.
+        struct KeyLine {
+            std::string_view key;
+            std::string_view value;
+            int index;
+        };
+
+        const KeyLine* begin() const { return keys_->data() + firstKey_; }
+        const KeyLine* end() const { return begin() + keyCount_; }
+
+        std::string_view name_;
+        std::string_view text_;
+        int lineCount_ = 0;
+        int headerLine_ = -1;
+        // Its key lines among those of all sections: sorted by key, each key once.
+        const std::vector<KeyLine>* keys_ = nullptr;
+        std::size_t firstKey_ = 0;
+        std::size_t keyCount_ = 0;
+    };
+
+    /// Parses a stream to its end, or up to the line in which it goes bad. What the object held is
+    /// dropped, here and in the calls below, also where they fail.
+    ///
+    /// @return 0; -1 when the stream is not good at the start, and beyond 256 MiB: no settings file
+    ///         is as long, a device may go on for ever
+    int parse(std::istream& stream);
+
+    /// Parses a file from where it stands.
+    ///
+    /// @param file  stays the caller's
+    /// @return 0; -1 when a read fails, and beyond 256 MiB
+    int parse(std::FILE* file);
+
+    /// Opens a file and parses it.
+    ///
+    /// @return 0; -1 when it cannot be opened, is a directory, or cannot be parsed
+    int parseFile(const std::wstring& fileName);
+    int parseFile(const QString& fileName);
+
+    /// The section of a name; an empty one where there is none. Valid until the next parse.
+    const Section& section(const std::string& name, bool caseSensitive) const;
+
+    /// Looks a key up in a section of this object.
+    ///
+    /// @param value       written where the key is found
+    /// @param lineNumber  where asked for, takes the place of the key's line in the section, from 0
+    /// @return whether the key is there
+    bool sectionValue(const Section& section, const std::string& key, bool caseSensitive,
+                      std::string& value, int* lineNumber = nullptr) const;
+
+    /// Looks a section and a key in it up.
+    ///
+    /// @param lineNumber  where asked for, takes the key's line in the file, from 0
+    /// @return whether both are there
+    bool value(const std::string& sectionName, bool sectionCaseSensitive, const std::string& key,
+               bool keyCaseSensitive, std::string& value, int* lineNumber = nullptr) const;
+
+    /// Writes every section with its lines and its keys, in byte order of their names.
+    void dump(std::ostream& stream) const;
+
+    /// Whether the text began with the bytes EF BB BF, which are no part of the first line.
+    bool hasUtf8Signature() const { return hasUtf8Signature_; }
+
+private:
+    struct Content {
+        std::string text;
+        std::vector<Section::KeyLine> keys;
+    };
+
+    void clear();
+    int parseText(std::string text);
+    void open(std::string_view name, int headerLine, std::string_view rest);
+    void close(std::string_view rest);
+    void takeLine(std::string_view line);
+    void sortSections();
+
+    // All views are of this text, which copies of the object share.
+    std::shared_ptr<Content> content_;
+    // Sorted by name, each once; while a text is parsed the last one is open.
+    std::vector<Section> sections_;
+    bool hasUtf8Signature_ = false;
+};

@@ -1,0 +1,133 @@
+#include <trvfiles/environment/message_file.h>
+#include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/store_writer.h>
+#include <trvfiles/environment/variables.h>
+#include <trvfiles/machine_context/TrvIniFile.h>
+#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/number_text.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr char headerSection[] = "header";
+
+const char* textOf(const char* text) {
+    return text == nullptr ? "" : text;
+}
+
+// What is set through this class is written when it is saved, whatever the runtime has just
+// switched to for texts of its own.
+class PersistentRecords {
+public:
+    PersistentRecords() : earlier_(trv::set_record_flag(true)) {}
+    ~PersistentRecords() { trv::set_record_flag(earlier_); }
+    PersistentRecords(const PersistentRecords&) = delete;
+    PersistentRecords& operator=(const PersistentRecords&) = delete;
+
+private:
+    bool earlier_;
+};
+
+}  // namespace
+
+TrvIniFile::~TrvIniFile() {
+    TrvIniFile::close();
+}
+
+int TrvIniFile::load(const char* fileName) {
+    trv::message_store* loaded = trv::load_message_file(document_, fileName);
+    if (loaded == nullptr) return -1;
+    document_ = loaded;
+    if (const char* version = getHeaderValue("version"); version != nullptr) {
+        std::string_view digits(version);
+        int number = 0;
+        trv::scan_decimal(digits, number);
+        setVersion(number);
+    }
+    return 0;
+}
+
+int TrvIniFile::save(const char* fileName) {
+    return trv::store_parameters(document_, fileName);
+}
+
+void TrvIniFile::close() {
+    trv::destroy_store(document_);
+    document_ = nullptr;
+}
+
+int TrvIniFile::getVersion() const {
+    return version_;
+}
+
+void TrvIniFile::setVersion(int version) {
+    version_ = version;
+}
+
+int TrvIniFile::findSection(const char* name) const {
+    return trv::find_section(document_, name);
+}
+
+int TrvIniFile::addSection(const char* name) {
+    constexpr std::uint16_t noSection = 65535;
+    if (document_ == nullptr) document_ = trv::create_store();
+    const std::uint16_t section = trv::add_section(document_, name);
+    return section == noSection ? -1 : section;
+}
+
+int TrvIniFile::setValue(std::int16_t section, const char* key, const char* value) {
+    const std::string line = std::string(textOf(key)) + '=' + textOf(value);
+    constexpr std::int32_t setByProgram = -1;
+    const PersistentRecords persistent;
+    return trv::set_parameter(document_, section, line.c_str(), setByProgram, 0);
+}
+
+int TrvIniFile::setFloatValue(std::int16_t section, const char* key, float value) {
+    constexpr std::size_t mostCharacters = 19;
+    std::string text;
+    trv::append_fixed(text, static_cast<double>(value));
+    if (text.size() > mostCharacters) text.resize(mostCharacters);
+    return setValue(section, key, text.c_str());
+}
+
+int TrvIniFile::setHeaderValue(const char* key, const char* value) {
+    int section = findSection(headerSection);
+    if (section < 0) section = addSection(headerSection);
+    return setValue(static_cast<std::int16_t>(section), key, value);
+}
+
+const char* TrvIniFile::getValue(const char* section, const char* key) const {
+    const int index = findSection(section);
+    return index < 0 ? nullptr : trv::find_parameter(document_, index, key, false);
+}
+
+const char* TrvIniFile::getHeaderValue(const char* key) const {
+    return getValue(headerSection, key);
+}
+
+int TrvIniFile::lineCount(const char* section) const {
+    const int index = findSection(section);
+    return index < 0 ? -1 : trv::message_count(document_, index);
+}
+
+const char* TrvIniFile::getLine(std::int16_t section, int line) const {
+    return trv::get_message(document_, section, line);
+}
+
+int TrvIniFile::forEachZoneFile(const char* directory, const char* suffix,
+                                int (*callback)(const char* fileName, void* context),
+                                void* context) {
+    if (callback == nullptr) return -1;
+    if (directory == nullptr) directory = trv::get_variable("TRVZONE");
+    const std::string pattern =
+        std::string(directory == nullptr ? "." : directory) + "/*" + textOf(suffix);
+    const std::unique_ptr<trv::file_listing, decltype(&trv::listing_free)> files(
+        trv::list_matching(pattern.c_str()), trv::listing_free);
+    while (const char* fileName = trv::listing_next(files.get())) {
+        if (const int answer = callback(fileName, context); answer != 0) return answer;
+    }
+    return 0;
+}
