@@ -94,12 +94,6 @@ private:
     friend struct trv::ComponentView;
     struct Body;
 
-    const Body& body() const;
-    Body& ownBody();
-    static std::unique_ptr<Body> copyTree(const CTrvAssemblyComponentData& source);
-    static bool fieldsEqual(const Body& one, const Body& other);
-    static Math::XForm3Gen<double> placement(const Body& body);
-
     // Absent where every field has its default.
     std::unique_ptr<Body> body_;
 };

@@ -4,6 +4,16 @@
 #include <utility>
 
 struct CTrvAssemblyData::Body {
+    static const Body& of(const CTrvAssemblyData& data) {
+        static const Body defaults;
+        return data.body_ == nullptr ? defaults : *data.body_;
+    }
+
+    static Body& own(CTrvAssemblyData& data) {
+        if (data.body_ == nullptr) data.body_ = std::make_unique<Body>();
+        return *data.body_;
+    }
+
     double dimension[3] = {0, 0, 0};
     CTrvAssemblyComponentData rootComponent;
 };
@@ -11,7 +21,7 @@ struct CTrvAssemblyData::Body {
 CTrvAssemblyData::CTrvAssemblyData() : body_(std::make_unique<Body>()) {}
 
 CTrvAssemblyData::CTrvAssemblyData(const CTrvAssemblyData& other)
-    : body_(std::make_unique<Body>(other.body())) {}
+    : body_(std::make_unique<Body>(Body::of(other))) {}
 
 CTrvAssemblyData::CTrvAssemblyData(CTrvAssemblyData&& other) noexcept = default;
 
@@ -23,45 +33,35 @@ CTrvAssemblyData& CTrvAssemblyData::operator=(const CTrvAssemblyData& other) {
 CTrvAssemblyData& CTrvAssemblyData::operator=(CTrvAssemblyData&& other) noexcept = default;
 CTrvAssemblyData::~CTrvAssemblyData() = default;
 
-const CTrvAssemblyData::Body& CTrvAssemblyData::body() const {
-    static const Body defaults;
-    return body_ == nullptr ? defaults : *body_;
-}
-
-CTrvAssemblyData::Body& CTrvAssemblyData::ownBody() {
-    if (body_ == nullptr) body_ = std::make_unique<Body>();
-    return *body_;
-}
-
 void CTrvAssemblyData::getDimension(double dimension[3]) const {
-    trv::copyVector(body().dimension, dimension);
+    trv::copyVector(Body::of(*this).dimension, dimension);
 }
 
 void CTrvAssemblyData::setDimension(const double dimension[3]) {
-    trv::copyVector(dimension, ownBody().dimension);
+    trv::copyVector(dimension, Body::own(*this).dimension);
 }
 
 const CTrvAssemblyComponentData& CTrvAssemblyData::getRootComponent() const {
-    return body().rootComponent;
+    return Body::of(*this).rootComponent;
 }
 
 CTrvAssemblyComponentData& CTrvAssemblyData::getRootComponent() {
-    return ownBody().rootComponent;
+    return Body::own(*this).rootComponent;
 }
 
 void CTrvAssemblyData::setRootComponent(const CTrvAssemblyComponentData& component) {
-    ownBody().rootComponent = component;
+    Body::own(*this).rootComponent = component;
 }
 
 bool CTrvAssemblyData::operator==(const CTrvAssemblyData& other) const {
     double squaredDistance = 0;
     for (int i = 0; i < 3; ++i) {
-        const double difference = body().dimension[i] - other.body().dimension[i];
+        const double difference = Body::of(*this).dimension[i] - Body::of(other).dimension[i];
         squaredDistance += difference * difference;
     }
     // The squared distance itself meets the tolerance, so sizes within 0.001 of each other agree.
     if (squaredDistance > 1e-6) return false;
-    return body().rootComponent == other.body().rootComponent;
+    return Body::of(*this).rootComponent == Body::of(other).rootComponent;
 }
 
 bool CTrvAssemblyData::operator!=(const CTrvAssemblyData& other) const {
@@ -69,11 +69,11 @@ bool CTrvAssemblyData::operator!=(const CTrvAssemblyData& other) const {
 }
 
 unsigned long long CTrvAssemblyData::getComponentNumber() const {
-    return body().rootComponent.getComponentNumber();
+    return Body::of(*this).rootComponent.getComponentNumber();
 }
 
 std::vector<CComponentInfo> CTrvAssemblyData::getComponentFileList() const {
     std::vector<CComponentInfo> list;
-    body().rootComponent.getComponentFileList(Math::XForm3Gen<double>(), list);
+    Body::of(*this).rootComponent.getComponentFileList(Math::XForm3Gen<double>(), list);
     return list;
 }

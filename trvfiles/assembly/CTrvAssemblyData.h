@@ -54,9 +54,6 @@ public:
 private:
     struct Body;
 
-    const Body& body() const;
-    Body& ownBody();
-
     // Absent in a moved-from assembly alone.
     std::unique_ptr<Body> body_;
 };

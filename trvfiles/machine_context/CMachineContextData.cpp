@@ -6,6 +6,17 @@
 #include <cmath>
 
 struct CMachineContextData::Body {
+    static const Body& of(const CMachineContextData& data) {
+        // A local static, because a host's own static objects may ask before main() begins.
+        static const Body defaults;
+        return data.body_ == nullptr ? defaults : *data.body_;
+    }
+
+    static Body& own(CMachineContextData& data) {
+        if (data.body_ == nullptr) data.body_ = std::make_unique<Body>();
+        return *data.body_;
+    }
+
     QString name;
     QString comment;
     QString machineName;
@@ -46,133 +57,122 @@ CMachineContextData& CMachineContextData::operator=(const CMachineContextData& o
 CMachineContextData& CMachineContextData::operator=(CMachineContextData&& other) noexcept = default;
 CMachineContextData::~CMachineContextData() = default;
 
-// A local static, because a host's own static objects may ask before main() begins.
-const CMachineContextData::Body& CMachineContextData::body() const {
-    static const Body defaults;
-    return body_ == nullptr ? defaults : *body_;
-}
-
-CMachineContextData::Body& CMachineContextData::ownBody() {
-    if (body_ == nullptr) body_ = std::make_unique<Body>();
-    return *body_;
-}
-
 std::string CMachineContextData::getName() const {
-    return trv::toNarrow(body().name);
+    return trv::toNarrow(Body::of(*this).name);
 }
 void CMachineContextData::setName(const std::string& name) {
-    ownBody().name = trv::fromNarrow(name);
+    Body::own(*this).name = trv::fromNarrow(name);
 }
 std::wstring CMachineContextData::getNameW() const {
-    return trv::toWide(body().name);
+    return trv::toWide(Body::of(*this).name);
 }
 void CMachineContextData::setNameW(const std::wstring& name) {
-    ownBody().name = trv::fromWide(name);
+    Body::own(*this).name = trv::fromWide(name);
 }
 
 std::string CMachineContextData::getComment() const {
-    return trv::toNarrow(body().comment);
+    return trv::toNarrow(Body::of(*this).comment);
 }
 void CMachineContextData::setComment(const std::string& comment) {
-    ownBody().comment = trv::fromNarrow(comment);
+    Body::own(*this).comment = trv::fromNarrow(comment);
 }
 std::wstring CMachineContextData::getCommentW() const {
-    return trv::toWide(body().comment);
+    return trv::toWide(Body::of(*this).comment);
 }
 void CMachineContextData::setCommentW(const std::wstring& comment) {
-    ownBody().comment = trv::fromWide(comment);
+    Body::own(*this).comment = trv::fromWide(comment);
 }
 
 std::string CMachineContextData::getMachineName() const {
-    return trv::toNarrow(body().machineName);
+    return trv::toNarrow(Body::of(*this).machineName);
 }
 void CMachineContextData::setMachineName(const std::string& machineName) {
-    ownBody().machineName = trv::fromNarrow(machineName);
+    Body::own(*this).machineName = trv::fromNarrow(machineName);
 }
 std::wstring CMachineContextData::getMachineNameW() const {
-    return trv::toWide(body().machineName);
+    return trv::toWide(Body::of(*this).machineName);
 }
 void CMachineContextData::setMachineNameW(const std::wstring& machineName) {
-    ownBody().machineName = trv::fromWide(machineName);
+    Body::own(*this).machineName = trv::fromWide(machineName);
 }
 
 std::string CMachineContextData::getMachinePosition() const {
-    return trv::toNarrow(body().machinePosition);
+    return trv::toNarrow(Body::of(*this).machinePosition);
 }
 void CMachineContextData::setMachinePosition(const std::string& machinePosition) {
-    ownBody().machinePosition = trv::fromNarrow(machinePosition);
+    Body::own(*this).machinePosition = trv::fromNarrow(machinePosition);
 }
 std::wstring CMachineContextData::getMachinePositionW() const {
-    return trv::toWide(body().machinePosition);
+    return trv::toWide(Body::of(*this).machinePosition);
 }
 void CMachineContextData::setMachinePositionW(const std::wstring& machinePosition) {
-    ownBody().machinePosition = trv::fromWide(machinePosition);
+    Body::own(*this).machinePosition = trv::fromWide(machinePosition);
 }
 
 std::string CMachineContextData::getSurfaceGroup() const {
-    return trv::toNarrow(body().surfaceGroup);
+    return trv::toNarrow(Body::of(*this).surfaceGroup);
 }
 void CMachineContextData::setSurfaceGroup(const std::string& surfaceGroup) {
-    ownBody().surfaceGroup = trv::fromNarrow(surfaceGroup);
+    Body::own(*this).surfaceGroup = trv::fromNarrow(surfaceGroup);
 }
 std::wstring CMachineContextData::getSurfaceGroupW() const {
-    return trv::toWide(body().surfaceGroup);
+    return trv::toWide(Body::of(*this).surfaceGroup);
 }
 void CMachineContextData::setSurfaceGroupW(const std::wstring& surfaceGroup) {
-    ownBody().surfaceGroup = trv::fromWide(surfaceGroup);
+    Body::own(*this).surfaceGroup = trv::fromWide(surfaceGroup);
 }
 
 std::string CMachineContextData::getClampingSystem() const {
-    return trv::toNarrow(body().clampingSystem);
+    return trv::toNarrow(Body::of(*this).clampingSystem);
 }
 void CMachineContextData::setClampingSystem(const std::string& clampingSystem) {
-    ownBody().clampingSystem = trv::fromNarrow(clampingSystem);
+    Body::own(*this).clampingSystem = trv::fromNarrow(clampingSystem);
 }
 std::wstring CMachineContextData::getClampingSystemW() const {
-    return trv::toWide(body().clampingSystem);
+    return trv::toWide(Body::of(*this).clampingSystem);
 }
 void CMachineContextData::setClampingSystemW(const std::wstring& clampingSystem) {
-    ownBody().clampingSystem = trv::fromWide(clampingSystem);
+    Body::own(*this).clampingSystem = trv::fromWide(clampingSystem);
 }
 
 std::string CMachineContextData::getReferenceAxisForOriginProgram() const {
-    return trv::toNarrow(body().referenceAxis);
+    return trv::toNarrow(Body::of(*this).referenceAxis);
 }
 void CMachineContextData::setReferenceAxisForOriginProgram(const std::string& referenceAxis) {
-    ownBody().referenceAxis = trv::fromNarrow(referenceAxis);
+    Body::own(*this).referenceAxis = trv::fromNarrow(referenceAxis);
 }
 std::wstring CMachineContextData::getReferenceAxisForOriginProgramW() const {
-    return trv::toWide(body().referenceAxis);
+    return trv::toWide(Body::of(*this).referenceAxis);
 }
 void CMachineContextData::setReferenceAxisForOriginProgramW(const std::wstring& referenceAxis) {
-    ownBody().referenceAxis = trv::fromWide(referenceAxis);
+    Body::own(*this).referenceAxis = trv::fromWide(referenceAxis);
 }
 
 void CMachineContextData::setOriginProgram(double x, double y, double z) {
-    Body& own = ownBody();
+    Body& own = Body::own(*this);
     own.originX = x;
     own.originY = y;
     own.originZ = z;
 }
 
 void CMachineContextData::getOriginProgram(double& x, double& y, double& z) const {
-    x = body().originX;
-    y = body().originY;
-    z = body().originZ;
+    x = Body::of(*this).originX;
+    y = Body::of(*this).originY;
+    z = Body::of(*this).originZ;
 }
 
 void CMachineContextData::setMachineProximity(double proximity) {
-    ownBody().machineProximity = proximity;
+    Body::own(*this).machineProximity = proximity;
 }
 double CMachineContextData::getMachineProximity() const {
-    return body().machineProximity;
+    return Body::of(*this).machineProximity;
 }
 
 void CMachineContextData::setClampingProximity(double proximity) {
-    ownBody().clampingProximity = proximity;
+    Body::own(*this).clampingProximity = proximity;
 }
 double CMachineContextData::getClampingProximity() const {
-    return body().clampingProximity;
+    return Body::of(*this).clampingProximity;
 }
 
 void CMachineContextData::clear() {
@@ -180,7 +180,7 @@ void CMachineContextData::clear() {
 }
 
 bool CMachineContextData::isNull() const {
-    const Body& fields = body();
+    const Body& fields = Body::of(*this);
     const double squaredDistance = fields.originX * fields.originX +
                                    fields.originY * fields.originY +
                                    fields.originZ * fields.originZ;

@@ -92,9 +92,6 @@ public:
 private:
     struct Body;
 
-    const Body& body() const;
-    Body& ownBody();
-
     // Absent where every field has its default.
     std::unique_ptr<Body> body_;
 };
