@@ -16,9 +16,9 @@ namespace {
 
 constexpr char blanks[] = " \t\f\v\n\r";
 
-std::string contentOf(const QString& name) {
+std::string bytesOf(const QString& name) {
     std::string content;
-    const auto file = openForRead(resolved(name), platform::file_mode::text);
+    const auto file = openForRead(resolved(name), platform::file_mode::binary);
     if (file == nullptr) return content;
     char block[4096];
     while (const std::size_t length = std::fread(block, 1, sizeof block, file.get()))
@@ -93,14 +93,16 @@ void findValue(const CSectionedFile& file, const QStringList& newFields, Rewrite
 
 }  // namespace
 
+// All bytes are held against what is read of them, which on Windows ends at a Ctrl-Z.
 RewriteLoss rewriteLoss(const QString& name, const QStringList& newFields) {
-    const std::string content = contentOf(name);
+    const std::string content = bytesOf(name);
     std::istringstream stream(content);
-    CSectionedFile file;
+    CSectionedFile whole;
+    CSectionedFile read;
     RewriteLoss loss;
-    if (file.parse(stream) != 0) return loss;
-    findLine(content, file, loss);
-    findValue(file, newFields, loss);
+    if (whole.parse(stream) != 0 || read.parseFile(resolved(name)) != 0) return loss;
+    findLine(content, read, loss);
+    findValue(whole, newFields, loss);
     return loss;
 }
 

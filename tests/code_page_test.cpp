@@ -1,6 +1,7 @@
 // Names and values through narrow and wide calls in a process of a given code page: Western
 // European (1252), Japanese (932) or UTF-8.
 
+#include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/scoped_variable.h>
 #include <tests/common/temporary_directory.h>
@@ -13,6 +14,7 @@
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/machine_context/CMachineContextUtils.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/platform.h>
 
@@ -21,8 +23,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <map>
+#include <set>
 #include <string>
+#include <vector>
 
 using namespace std::string_literals;
 using namespace trv::testing;
@@ -36,17 +41,22 @@ struct Sample {
     /// What the code page cannot hold, and what it makes of it.
     std::wstring foreign;
     std::string replaced;
+    /// What no narrow path names, and the name that is nearest to it.
+    std::wstring unnamed;
+    std::wstring nearest;
 };
 
 const std::map<unsigned, Sample>& samples() {
     static const std::map<unsigned, Sample> all = {
-        {1252, {L"Fr\u00E4se\u20AC", "Fr\xE4se\x80", "Fr\xC3\xA4se\xE2\x82\xAC", L"\u65E5", "?"}},
+        {1252,
+         {L"Fr\u00E4se\u20AC", "Fr\xE4se\x80", "Fr\xC3\xA4se\xE2\x82\xAC", L"\u65E5", "?",
+          L"\u0101", L"a"}},
         {932,
          {L"\u65E5\u672C\u30BD", "\x93\xFA\x96\x7B\x83\x5C", "\xE6\x97\xA5\xE6\x9C\xAC\xE3\x82\xBD",
-          L"\u0E01", "?"}},
+          L"\u0E01", "?", L"\u00E9", L"e"}},
         {CP_UTF8,
          {L"\u00E4\u65E5\U0001F527", "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x94\xA7",
-          "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x94\xA7", L"\u0E01", "\xE0\xB8\x81"}},
+          "\xC3\xA4\xE6\x97\xA5\xF0\x9F\x94\xA7", L"\u0E01", "\xE0\xB8\x81", L"\xD83D", L"\uFFFD"}},
     };
     return all;
 }
@@ -61,6 +71,14 @@ protected:
     const Sample& sample() const { return samples().at(::GetACP()); }
     std::string narrowPath(const std::string& name) const { return directory_.text() + "/" + name; }
     std::filesystem::path widePath() const { return directory_.path() / sample().wide; }
+
+    /// All names in the directory and below it.
+    std::set<std::wstring> contents() const {
+        std::set<std::wstring> names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(directory_.path()))
+            names.insert(entry.path().lexically_relative(directory_.path()).generic_wstring());
+        return names;
+    }
 
     static CTrvAssemblyData assembly(const std::string& text) {
         CTrvAssemblyData data;
@@ -96,6 +114,110 @@ TEST_F(CodePage, HoldsAMachineContextsTexts) {
     context.setNameW(sample().foreign);
     EXPECT_EQ(context.getNameW(), sample().foreign);
     EXPECT_EQ(context.getName(), sample().replaced);
+}
+
+TEST_F(CodePage, IsThatOfMachineContextFiles) {
+    CMachineContextData context;
+    context.setNameW(sample().wide);
+    context.setComment(sample().narrow);
+    context.setMachinePositionW(sample().foreign);
+    ASSERT_EQ(files_.writeMachineContext("a.mctx", context), eFileIOSuccess);
+    EXPECT_EQ(bytesOf(directory_ / "a.mctx"),
+              "[header]\r\nversion=2\r\ncomment=" + sample().narrow + "\r\nname=" +
+                  sample().narrow + "\r\n[machine]\r\nname=\r\nposition=" + sample().replaced +
+                  "\r\nproximity=0.000000\r\n[postpro]\r\n"
+                  "origin_program=0.000000 0.000000 0.000000\r\nreference_axis=\r\n"
+                  "[clamping_system]\r\nproximity=0.000000\r\n");
+    CMachineContextData read;
+    ASSERT_EQ(files_.readMachineContext("a.mctx", read), eFileIOSuccess);
+    EXPECT_EQ(read.getNameW(), sample().wide);
+    EXPECT_EQ(read.getName(), sample().narrow);
+    EXPECT_EQ(read.getCommentW(), sample().wide);
+    EXPECT_EQ(read.getMachinePosition(), sample().replaced);
+}
+
+TEST_F(CodePage, NamesMachineContextsThroughNarrowAndWideCalls) {
+    CMachineContextData context;
+    context.setName("n");
+    EXPECT_EQ(files_.writeMachineContext(sample().narrow.c_str(), context), eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(widePath()));
+    CMachineContextData read;
+    EXPECT_EQ(files_.readMachineContext(sample().wide, read), eFileIOSuccess);
+    EXPECT_EQ(files_.readMachineContext(sample().narrow.c_str(), read), eFileIOSuccess);
+    EXPECT_EQ(CQvFilesIO::sReadMachineContext(widePath().wstring(), read), eFileIOSuccess);
+    EXPECT_EQ(read.getName(), "n");
+    context.setName("m");
+    EXPECT_EQ(files_.writeMachineContext(sample().wide, context), eFileIOSuccess);
+    EXPECT_EQ(files_.readMachineContext(sample().wide, read), eFileIOSuccess);
+    EXPECT_EQ(read.getName(), "m");
+    EXPECT_EQ(CQvFilesIO::sWriteMachineContext(widePath().wstring(), context), eFileIOSuccess);
+    EXPECT_EQ(contents().size(), 1U);
+}
+
+TEST_F(CodePage, MayLackTheNameOfAMachineContextWhichIsReadButNotSaved) {
+    CMachineContextData context;
+    context.setName("n");
+    EXPECT_EQ(files_.writeMachineContext("file", context), eFileIOSuccess);
+    std::error_code error;
+    std::filesystem::rename(directory_ / "file", directory_.path() / sample().unnamed, error);
+    writeBytes(directory_.path() / sample().nearest, "old");
+    const auto before = contents();
+    const std::string bytes = bytesOf(directory_.path() / sample().unnamed);
+    const std::string reported = "Store messages : error opening file '" +
+                                 narrowPath(trv::toNarrow(trv::fromWide(sample().nearest))) +
+                                 ".messages.tmp'";
+
+    CMachineContextData read;
+    // Half a character, which UTF-8 lacks, may be no name to the file system behind Wine either.
+    if (!error) {
+        EXPECT_EQ(files_.readMachineContext(sample().unnamed, read), eFileIOSuccess);
+        EXPECT_EQ(read.getName(), "n");
+    } else {
+        EXPECT_EQ(::GetACP(), unsigned{CP_UTF8});
+    }
+    const ChannelLog log;
+    EXPECT_EQ(files_.writeMachineContext(sample().unnamed, read), eFileIOOpenError);
+    EXPECT_EQ(CQvFilesIO::sWriteMachineContext(directory_.wide() + L"/" + sample().unnamed, read),
+              eFileIOOpenError);
+    EXPECT_EQ(log.fatals(), std::vector<std::string>(2, reported));
+    EXPECT_EQ(contents(), before);
+    EXPECT_EQ(bytesOf(directory_.path() / sample().nearest), "old");
+    EXPECT_EQ(bytesOf(directory_.path() / sample().unnamed), bytes);
+}
+
+TEST_F(CodePage, MayLackTheNameOfADirectoryInWhichNoMachineContextIsSaved) {
+    const std::filesystem::path directory = directory_.path() / sample().unnamed;
+    std::error_code error;
+    if (!std::filesystem::create_directory(directory, error))
+        GTEST_SKIP() << "the file system behind Wine takes no half characters";
+    std::filesystem::create_directory(directory_.path() / sample().nearest);
+    const ChannelLog log;
+    EXPECT_FALSE(CMachineContextUtils::sCreateDefaultMachineContext(directory.wstring(), 1, nullptr,
+                                                                    nullptr));
+    EXPECT_EQ(log.fatals().size(), 1U);
+    EXPECT_EQ(contents(), (std::set<std::wstring>{sample().nearest, sample().unnamed,
+                                                  sample().unnamed + L"/transfo.dat"}));
+}
+
+TEST_F(CodePage, NamesTheContextsThatTheCatalogueCreatesAndFinds) {
+    std::filesystem::create_directory(widePath());
+    std::wstring context;
+    std::wstring reference;
+    EXPECT_TRUE(CMachineContextUtils::sCreateDefaultMachineContext(widePath().wstring(), 2,
+                                                                   &context, &reference));
+    EXPECT_EQ(contents(), (std::set<std::wstring>{sample().wide, sample().wide + L"/" + context,
+                                                  sample().wide + L"/" + reference,
+                                                  sample().wide + L"/transfo.dat"}));
+    std::filesystem::rename(widePath() / context, widePath() / (sample().wide + L".mctx"));
+    const ScopedVariable favorites("TRV_MCTX_DEF", directory_.text().c_str());
+    const std::vector<std::wstring> found = CMachineContextUtils::sGetFavoriteMachineContext(L"");
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0], directory_.wide() + L"/" + sample().wide + L"/" + sample().wide + L".mctx");
+    CMachineContextData read;
+    EXPECT_EQ(CQvFilesIO::sReadMachineContext(found[0], read), eFileIOSuccess);
+    const ScopedVariable narrow("TRV_MCTX_DEF", narrowPath(sample().narrow).c_str());
+    EXPECT_EQ(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW(),
+              directory_.wide() + L"/" + sample().wide);
 }
 
 TEST_F(CodePage, IsWrittenToAssembliesAsUtf8) {

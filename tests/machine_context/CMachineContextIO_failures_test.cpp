@@ -4,6 +4,7 @@
 #include <tests/common/child_process.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/message_store.h>

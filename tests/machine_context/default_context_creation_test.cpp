@@ -201,7 +201,6 @@ TEST_F(DefaultContextCreation, TakesADirectoryRelativeToTheCurrentOne) {
 
 TEST_F(DefaultContextCreation, TakesADirectoryWithAnyCharacters) {
     for (const char* name : {"50%d%s%n", "[x] y", "$X", "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x94\xA7"}) {
-        if (!trv::platform::narrow_text_is_utf8() && (*name & 0x80) != 0) continue;
         makeDirectory(name);
         EXPECT_TRUE(create(directory_.wide() + L"/" + QString::fromUtf8(name).toStdWString()))
             << name;

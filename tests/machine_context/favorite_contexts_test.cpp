@@ -1,6 +1,7 @@
 #include <tests/common/child_process.h>
 #include <tests/common/current_directory.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
 #include <trvfiles/support/platform.h>

@@ -133,6 +133,24 @@ TEST_F(PlatformWindows, DoesNotOpenWhatAnotherHandleDoesNotShare) {
     EXPECT_EQ(bytesOf(directory_ / "f"), "text");
 }
 
+TEST_F(PlatformWindows, RemovesFilesByTheirWideNames) {
+    const std::filesystem::path file = directory_.path() / L"\u00E4\u65E5\U0001F527";
+    EXPECT_EQ(remove_file(file), ENOENT);
+    EXPECT_EQ(remove_file(std::filesystem::path()), ENOENT);
+    EXPECT_EQ(remove_file(directory_.path()), EACCES);
+    std::fputs("x", open_for_write(file, file_mode::binary).get());
+    {
+        const HeldFile held(file, FILE_SHARE_READ | FILE_SHARE_WRITE);
+        EXPECT_EQ(remove_file(file), EACCES);
+    }
+    ::SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(remove_file(file), EACCES);
+    ::SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(contents(open_for_read(file, file_mode::binary).get()), "x");
+    EXPECT_EQ(remove_file(file), 0);
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
 TEST_F(PlatformWindows, ClosesWhatItHasOpened) {
     writeBytes(directory_ / "f", "text");
     open_for_read(path("f"), file_mode::text).reset();
