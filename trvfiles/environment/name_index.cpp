@@ -1,5 +1,6 @@
 #include <trvfiles/environment/name_index.h>
-#include <trvfiles/support/ascii_case.h>
+
+#include <cstring>
 
 namespace trv {
 namespace {
@@ -8,30 +9,41 @@ namespace {
 
 constexpr std::size_t fewest_chains = 8;
 
-// FNV-1a, with the high bits folded in because only low ones choose a chain.
-class hasher {
-public:
-    void take(char c) { hash_ = (hash_ ^ static_cast<unsigned char>(c)) * 16777619U; }
-    std::uint32_t hash() const { return hash_ ^ (hash_ >> 15); }
-
-private:
-    std::uint32_t hash_ = 2166136261U;
-};
+// Takes eight characters at a time, as `fold` leaves them.
+template <class Fold>
+std::uint32_t hash_of(std::string_view name, Fold fold) {
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15;
+    std::uint64_t hash = name.size() * factor;
+    const auto take = [&](std::uint64_t characters) {
+        hash = (hash ^ fold(characters)) * factor;
+        hash ^= hash >> 32;
+    };
+    while (name.size() >= sizeof(std::uint64_t)) {
+        std::uint64_t characters = 0;
+        std::memcpy(&characters, name.data(), sizeof characters);
+        take(characters);
+        name.remove_prefix(sizeof characters);
+    }
+    std::uint64_t rest = 0;
+    for (const char c : name)
+        rest = rest << 8 | static_cast<unsigned char>(c);
+    take(rest);
+    return static_cast<std::uint32_t>(hash);
+}
 
 }  // namespace
 
 std::uint32_t hash_name(std::string_view name) {
-    hasher hash;
-    for (const char c : name)
-        hash.take(c);
-    return hash.hash();
+    return hash_of(name, [](std::uint64_t characters) { return characters; });
 }
 
+// In each ASCII character, letter or not, the bit goes in which the cases of a letter differ: names
+// that differ in more have to be compared anyway.
 std::uint32_t hash_name_ignoring_case(std::string_view name) {
-    hasher hash;
-    for (const char c : name)
-        hash.take(fold_case(c));
-    return hash.hash();
+    return hash_of(name, [](std::uint64_t characters) {
+        const std::uint64_t beyond_ascii = characters & 0x8080808080808080;
+        return characters & (0xDFDFDFDFDFDFDFDF | beyond_ascii >> 2);
+    });
 }
 
 void name_index::reserve(std::uint32_t place) {

@@ -5,6 +5,7 @@
 #include <trvfiles/facade/open_file.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
+#include <trvfiles/support/platform.h>
 
 #include <QDir>
 #include <QDomImplementation>
@@ -26,9 +27,18 @@ QDir directoryOf(const std::wstring& directory) {
 
 // Both resolutions give a path that cannot be opened as it is, without a warning of Qt's.
 
+// Whether cleaning would leave an absolute path as it is, told without making a QFileInfo. A "/."
+// may be the beginning of a hidden name: then nothing is spared.
+bool isCleanAbsolute(const QString& path) {
+    return !trv::platform::backslash_separates() && path.startsWith(QLatin1Char('/')) &&
+           !path.endsWith(QLatin1Char('/')) && !path.contains(QLatin1String("//")) &&
+           !path.contains(QLatin1String("/."));
+}
+
 // For reads and writes: the path comes out clean.
 QString resolved(const std::wstring& directory, const QString& name) {
     const QString native = trv::nativePath(name);
+    if (isCleanAbsolute(native)) return native;
     const bool isAbsolute = native.startsWith(QLatin1Char('/')) || QDir::isAbsolutePath(native);
     const QString path = isAbsolute ? native : directoryOf(directory).filePath(native);
     return trv::isOpenable(path) ? QFileInfo(path).absoluteFilePath() : path;

@@ -22,6 +22,19 @@ QString decode(const char* text, int length) {
                                            : QString::fromLocal8Bit(text, length);
 }
 
+// ASCII is the same in every encoding of file names, and most names hold nothing else.
+std::string encodedName(const QString& name) {
+    constexpr ushort firstBeyondAscii = 0x80;
+    std::string encoded(static_cast<std::size_t>(name.size()), '\0');
+    ushort all = 0;
+    for (int i = 0; i < name.size(); ++i) {
+        const ushort character = name.at(i).unicode();
+        all = static_cast<ushort>(all | character);
+        encoded[static_cast<std::size_t>(i)] = static_cast<char>(character);
+    }
+    return all < firstBeyondAscii ? encoded : QFile::encodeName(name).toStdString();
+}
+
 }  // namespace
 
 QString fromNarrow(const char* text) {
@@ -61,7 +74,7 @@ bool isOpenable(const QString& path) {
 std::filesystem::path systemPath(const QString& path) {
     const QString native = nativePath(path);
     if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
-        return std::filesystem::path(QFile::encodeName(native).toStdString());
+        return std::filesystem::path(encodedName(native));
     } else {
         return std::filesystem::path(native.toStdWString());
     }
@@ -70,7 +83,7 @@ std::filesystem::path systemPath(const QString& path) {
 bool runtimePath(const QString& path, std::string& narrow) {
     if (!isOpenable(path)) return false;
     if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
-        narrow = QFile::encodeName(nativePath(path)).toStdString();
+        narrow = encodedName(nativePath(path));
         return true;
     } else {
         std::string text = toNarrow(path);
