@@ -1,0 +1,118 @@
+// An assembly document of any bytes: screened in pieces, read, and written and read again.
+
+#include <fuzz/harness/require.h>
+#include <fuzz/targets.h>
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/assembly/document_parser.h>
+#include <trvfiles/assembly/document_text.h>
+#include <trvfiles/assembly/xml_screen.h>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDomImplementation>
+
+#include <string>
+#include <vector>
+
+namespace trv::fuzz {
+namespace {
+
+EFileIOStatus readText(const QByteArray& text, CTrvAssemblyData& data) {
+    QBuffer device;
+    device.setData(text);
+    device.open(QIODevice::ReadOnly);
+    DomTree tree;
+    ReadReport report;
+    if (!parseDocument(device, tree, report.fault)) return eFileIOContentError;
+    int version = 0;
+    return readDocument(tree.document, version, data, report);
+}
+
+bool writeText(const CTrvAssemblyData& data, QByteArray& text) {
+    DomTree tree;
+    if (!writeDocument(data, tree)) return false;
+    text = QByteArray::fromStdString(documentText(tree.document));
+    return true;
+}
+
+QString screened(const QString& text, int pieceLength, XmlScreen::Refusal& refusal) {
+    XmlScreen screen(deepestNesting);
+    QString passed;
+    for (int start = 0; start < text.size() && screen.refusal() == XmlScreen::Refusal::none;
+         start += pieceLength) {
+        passed += screen.pass(text.mid(start, pieceLength));
+    }
+    refusal = screen.refusal();
+    return refusal == XmlScreen::Refusal::none ? passed + screen.rest() : passed;
+}
+
+void requirePiecesMakeNoDifference(const QString& text) {
+    XmlScreen::Refusal whole = {};
+    XmlScreen::Refusal pieces = {};
+    const QString passed = screened(text, text.size() + 1, whole);
+    require(passed == screened(text, 1, pieces) && whole == pieces,
+            "what is screened does not depend on the pieces");
+    require(whole != XmlScreen::Refusal::none || passed.size() == text.size(),
+            "the screen keeps the length");
+}
+
+// What a file cannot hold, so that the record is refused, and what it holds cut off.
+struct Contents {
+    bool hasEmptyComponent = false;
+    bool hasNoncharacter = false;
+    bool hasZeroInText = false;
+};
+
+Contents contentsOf(const CTrvAssemblyData& data) {
+    Contents contents;
+    std::vector<CTrvAssemblyComponentData> open = {data.getRootComponent()};
+    while (!open.empty()) {
+        const CTrvAssemblyComponentData component = std::move(open.back());
+        open.pop_back();
+        std::vector<CTrvAssemblyComponentData> children = component.getComponents();
+        const std::string file = component.getGeometryFileName();
+        contents.hasEmptyComponent |= file.empty() && children.empty();
+        const std::string texts = component.getName() + component.getComment() + file;
+        contents.hasNoncharacter |= texts.find("\xEF\xBF\xBE") != std::string::npos ||
+                                    texts.find("\xEF\xBF\xBF") != std::string::npos;
+        contents.hasZeroInText |= texts.find('\0') != std::string::npos;
+        for (CTrvAssemblyComponentData& child : children)
+            open.push_back(std::move(child));
+    }
+    return contents;
+}
+
+}  // namespace
+
+void checkAssemblyXml(std::string_view input) {
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    const QByteArray text(input.data(), static_cast<int>(input.size()));
+    requirePiecesMakeNoDifference(QString::fromUtf8(text));
+
+    CTrvAssemblyData data;
+    const EFileIOStatus status = readText(text, data);
+    require(status == eFileIOSuccess || status == eFileIOContentError ||
+                status == eFileIOStructureError,
+            "the status is 1, 4 or 5");
+    if (status != eFileIOSuccess) return;
+
+    require(data == CTrvAssemblyData(data), "a copy is equal");
+    require(data.getComponentFileList().size() < input.size(), "no component comes from nowhere");
+    const Contents contents = contentsOf(data);
+    QByteArray written;
+    const bool isWritten = writeText(data, written);
+    require(!(isWritten && contents.hasEmptyComponent), "a component of nothing is not written");
+    require(isWritten || contents.hasEmptyComponent || contents.hasNoncharacter,
+            "nothing else is refused");
+    if (!isWritten) return;
+    CTrvAssemblyData again;
+    require(readText(written, again) == eFileIOSuccess, "what is written can be read");
+    require(contents.hasZeroInText || again == data, "what is written reads the same");
+    QByteArray writtenAgain;
+    require(writeText(again, writtenAgain) && writtenAgain == written,
+            "what is read is written the same");
+}
+
+}  // namespace trv::fuzz

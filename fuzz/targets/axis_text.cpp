@@ -1,0 +1,108 @@
+// An axis file's text, its line ends, and what is read of it written again.
+
+#include <fuzz/harness/axis_source.h>
+#include <fuzz/harness/own_directory.h>
+#include <fuzz/harness/require.h>
+#include <fuzz/targets.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <string>
+
+namespace trv::fuzz {
+namespace {
+
+bool isSame(const AxisContent& left, const AxisContent& right) {
+    return left.faultyLine == right.faultyLine && left.tagCount == right.tagCount &&
+           left.tags == right.tags &&
+           std::memcmp(&left.matrix, &right.matrix, sizeof left.matrix) == 0;
+}
+
+std::string withCarriageReturns(const std::string& text) {
+    std::string changed;
+    for (const char c : text) {
+        if (c == '\n') changed += '\r';
+        changed += c;
+    }
+    return changed;
+}
+
+void requireTheFacadeAgrees(const std::string& text, const AxisContent& content) {
+    constexpr double untouched = -77;
+    AxisMatrix matrix;
+    matrix.fill(untouched);
+    int tags[3] = {-1, -2, -3};
+    writeOwnFile("axis", text);
+    CQvFilesIO files(ownDirectory().wide());
+    const EFileIOStatus status = files.readAxis(L"axis", matrix.data(), tags[0], tags[1], tags[2]);
+    require(status == (content.faultyLine == 0 ? eFileIOSuccess : eFileIOContentError),
+            "the status is 1, or 4 where a line is faulty");
+    AxisMatrix expected = content.matrix;
+    if (status != eFileIOSuccess) expected.fill(untouched);
+    require(std::memcmp(&matrix, &expected, sizeof matrix) == 0,
+            "the matrix is the one of the text, or as it was");
+    for (int i = 0; i < 3; ++i) {
+        const bool isSet = status == eFileIOSuccess && i < content.tagCount;
+        require(tags[i] == (isSet ? content.tags[static_cast<std::size_t>(i)] : -1 - i),
+                "the tags are those of the text, or as they were");
+    }
+}
+
+bool isRotation(const AxisMatrix& m) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t k = 0; k < 3; ++k) {
+            double product = 0;
+            for (std::size_t j = 0; j < 3; ++j)
+                product += m[4 * i + j] * m[4 * k + j];
+            if (!(std::fabs(product - (i == k ? 1 : 0)) < 1e-9)) return false;
+        }
+    }
+    return true;
+}
+
+// Beyond that a double has fewer decimals than the text, and a line may be longer than what counts.
+bool hasAllDecimals(double value) {
+    return std::fabs(value) < 1e9;
+}
+
+void requireItReadsBack(const AxisContent& content) {
+    constexpr double printedPrecision = 1e-6;
+    int tags[3] = {-1, -1, -1};
+    std::copy_n(content.tags.begin(), content.tagCount, tags);
+    const std::string text = axisFileText(content.matrix, tags[0], tags[1], tags[2]);
+    if (!std::all_of(content.matrix.begin(), content.matrix.end(), hasAllDecimals)) return;
+
+    const AxisContent back = axisContentOf(text);
+    require(back.faultyLine == 0, "a written axis reads back");
+    const bool hasTags = std::all_of(tags, tags + 3, [](int tag) { return tag >= 0; });
+    require(back.tagCount == (hasTags ? 3 : 0), "three tags are written, or none");
+    require(!hasTags || std::equal(tags, tags + 3, back.tags.begin()), "tags read back");
+    for (std::size_t i = 12; i < 15; ++i) {
+        require(std::fabs(back.matrix[i] - content.matrix[i]) < printedPrecision,
+                "a translation reads back");
+    }
+    if (!isRotation(content.matrix)) return;
+    for (std::size_t i = 0; i < 11; ++i) {
+        require(i % 4 == 3 || std::fabs(back.matrix[i] - content.matrix[i]) < 1e-5,
+                "a rotation reads back");
+    }
+}
+
+}  // namespace
+
+void checkAxisText(std::string_view input) {
+    const std::string text(input);
+    const AxisContent content = axisContentOf(text);
+    require(content.faultyLine == 0 || (content.faultyLine >= 2 && content.faultyLine <= 5),
+            "a faulty line is one of the four of the matrix");
+    require(content.tagCount >= 0 && content.tagCount <= 3, "there are up to three tags");
+    require(isSame(axisContentOf(withCarriageReturns(text)), content),
+            "a CR before a line end makes no difference");
+    requireTheFacadeAgrees(text, content);
+    if (content.faultyLine == 0) requireItReadsBack(content);
+}
+
+}  // namespace trv::fuzz

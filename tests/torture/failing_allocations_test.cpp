@@ -1,0 +1,189 @@
+// Every operation with its Nth allocation failing, once and from then on.
+
+#include <tests/common/child_process.h>
+#include <tests/common/system.h>
+#include <tests/torture/failing_allocations.h>
+#include <tests/torture/operation_test.h>
+#include <trvfiles/support/dynamic_storage.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+// There only in a program that is built with the address sanitizer.
+extern "C" [[gnu::weak]] int __lsan_do_recoverable_leak_check();
+
+namespace trv::testing {
+namespace {
+
+struct FaultKind {
+    AllocationKind kind;
+    bool forEver;
+};
+
+constexpr FaultKind faultKinds[] = {{AllocationKind::any, false},
+                                    {AllocationKind::any, true},
+                                    {AllocationKind::ofCheckedHeap, false},
+                                    {AllocationKind::ofCheckedHeap, true}};
+
+std::string describe(const FaultKind& kind, int number) {
+    return std::string(kind.kind == AllocationKind::any ? "" : "checked heap's ") + "allocation " +
+           std::to_string(number) + (kind.forEver ? " and all later ones" : "");
+}
+
+std::string storageInUse() {
+    char report[64];
+    storage_report(report, sizeof report);
+    return report;
+}
+
+/// How far a child process has come.
+struct Progress {
+    int number;
+    int failures;
+    /// The runs in which an allocation failed, all processes together.
+    int faults;
+    bool hasCrashed;
+    /// Of the allocation that failed before a crash.
+    Text stack;
+    /// The statuses that were met, by their negated value.
+    bool statuses[100];
+};
+
+Progress* progressOfProcess = nullptr;
+
+void tellOfCrash(int) {
+    // Whatever state the heap is in, names are looked up with what it gives.
+    progressOfProcess->hasCrashed = true;
+    progressOfProcess->stack.store(FailingAllocations::stackOfFailure());
+    ::_exit(0);
+}
+
+// What Qt 5.15 does not survive unharmed: a directory stays open.
+constexpr const char* functionThatLosesADescriptor = "QDirIterator::QDirIterator(";
+
+bool canFindLeaks() {
+    return __lsan_do_recoverable_leak_check != nullptr;
+}
+
+bool hasStruckIn(const char* function) {
+    return FailingAllocations::stackOfFailure().find(function) != std::string::npos;
+}
+
+class FailingAllocationsOf : public OperationTest {
+protected:
+    /// Lets one allocation after the other fail, in as few processes as it takes.
+    void strike(const FaultKind& kind) {
+        int number = 1;
+        do {
+            progress_->hasCrashed = false;
+            progress_->failures = 0;
+            EXPECT_TRUE(passesInChild([&] { strikeFrom(kind, number); }))
+                << describe(kind, progress_->number);
+            if (progress_->hasCrashed) {
+                ADD_FAILURE() << "crash at " << describe(kind, progress_->number)
+                              << ", which failed in\n"
+                              << progress_->stack.text();
+            }
+            number = next(progress_->number);
+        } while (progress_->failures > 0 && !HasFailure());
+    }
+
+    void strikeFrom(const FaultKind& kind, int number) {
+        progressOfProcess = &*progress_;
+        for (const int crash : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL})
+            std::signal(crash, tellOfCrash);
+        silence();
+        NoFault none;
+        if (!operation().isOncePerProcess) {
+            Workshop rehearsal(directory.path(), none);
+            operation().run(rehearsal);
+        }
+        do {
+            SCOPED_TRACE(describe(kind, number));
+            progress_->number = number;
+            strikeOnce(kind, number);
+            number = next(number);
+        } while (progress_->failures > 0 && !operation().isOncePerProcess && !HasFailure());
+        if (canFindLeaks()) {
+            EXPECT_EQ(__lsan_do_recoverable_leak_check(), 0) << "memory is lost";
+        }
+    }
+
+    void strikeOnce(const FaultKind& kind, int number) {
+        const std::string storage = storageInUse();
+        {
+            FailingAllocations fault(kind.kind, number, kind.forEver);
+            Workshop at(directory.path(), fault);
+            const Files found = filesOf(directory.path());
+            const auto descriptors = openDescriptors();
+            const Outcome outcome = operation().run(at);
+            progress_->failures = FailingAllocations::failures();
+            if (progress_->failures > 0) ++progress_->faults;
+            if (!hasStruckIn(functionThatLosesADescriptor)) {
+                EXPECT_EQ(openDescriptors(), descriptors) << FailingAllocations::stackOfFailure();
+            }
+            if (outcome.status != threwBadAlloc) expectDocumented(outcome);
+            if (outcome.status <= 0 && outcome.status > -100) {
+                progress_->statuses[-outcome.status] = true;
+            }
+            const bool isComplete = outcome.status == operation().success;
+            expectWhole(found, isComplete, false);
+            fault.end();
+            if (!isComplete) expectSuccess(at);
+        }
+        EXPECT_EQ(storageInUse(), storage);
+    }
+
+    bool hasMet(int status) const { return progress_->statuses[-status]; }
+    int faults() const { return progress_->faults; }
+
+private:
+    // The first ones one by one, those of a long read in growing steps.
+    static int next(int number) {
+        // Where the address sanitizer walks every stack through Qt, each one takes much longer.
+        const bool isSlow = operation().losesMemoryInQt && canFindLeaks();
+        const int dense = (isSlow ? 30 : 200) * tortureRounds();
+        const int leap = isSlow ? 3 : 20;
+        return number + 1 + std::max(0, number - dense) / leap;
+    }
+
+    Shared<Progress> progress_;
+};
+
+TEST_P(FailingAllocationsOf, AreToldAndLoseNothing) {
+    for (const FaultKind& kind : faultKinds) {
+        strike(kind);
+        ASSERT_FALSE(HasFailure());
+    }
+    RecordProperty("faults", faults());
+    constexpr int outOfMemory = -41;
+    if (operation().failures.count(outOfMemory) != 0) {
+        EXPECT_TRUE(hasMet(outOfMemory));
+    }
+}
+
+// Those in which Qt loses memory have a program of their own.
+std::vector<Operation> operationsOfProgram() {
+    constexpr bool isForQt = TRV_TORTURE_OF_QT != 0;
+    std::vector<Operation> operations;
+    for (const auto& all : {fileOperations(), memoryOperations()}) {
+        for (const Operation& one : all) {
+            if (one.losesMemoryInQt == isForQt) operations.push_back(one);
+        }
+    }
+    return operations;
+}
+
+INSTANTIATE_TEST_SUITE_P(Torture, FailingAllocationsOf, ::testing::ValuesIn(operationsOfProgram()),
+                         nameOf);
+
+}  // namespace
+}  // namespace trv::testing

@@ -1,0 +1,87 @@
+// Every operation with its Nth system call failing, once and from then on.
+
+#include <tests/common/child_process.h>
+#include <tests/common/system.h>
+#include <tests/torture/failing_calls.h>
+#include <tests/torture/operation_test.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+namespace trv::testing {
+namespace {
+
+struct FaultKind {
+    int reason;
+    bool forEver;
+};
+
+// No signal interrupts every call for ever.
+constexpr FaultKind faultKinds[] = {{EIO, false},    {EIO, true},     {ENOSPC, false},
+                                    {ENOSPC, true},  {EMFILE, false}, {EMFILE, true},
+                                    {EACCES, false}, {EACCES, true},  {EINTR, false}};
+
+std::string describe(const FaultKind& kind, int number) {
+    return "call " + std::to_string(number) + (kind.forEver ? " and all later ones: " : ": ") +
+           std::strerror(kind.reason);
+}
+
+class FailingCallsOf : public OperationTest {
+protected:
+    /// One run in a process of its own.
+    ///
+    /// @return how many calls failed
+    int strike(const FaultKind& kind, int number) {
+        *failures_ = -1;
+        EXPECT_TRUE(passesInChild([&] {
+            SCOPED_TRACE(describe(kind, number));
+            silence();
+            NoFault none;
+            // What only a first run asks of the system is out of the way.
+            if (!operation().isOncePerProcess) {
+                Workshop rehearsal(directory.path(), none);
+                operation().run(rehearsal);
+            }
+            auto& calls = *new FailingCalls(number, kind.forEver, kind.reason);
+            ASSERT_TRUE(calls.isStarted());
+            Workshop at(directory.path(), calls);
+            const Files found = filesOf(directory.path());
+            const auto descriptors = openDescriptors();
+            const Outcome outcome = operation().run(at);
+            EXPECT_EQ(openDescriptors(), descriptors);
+            if (!operation().givesSystemErrors || outcome.status != -kind.reason) {
+                expectDocumented(outcome);
+            }
+            const bool isComplete = outcome.status == operation().success;
+            expectWhole(found, isComplete, calls.hasKeptFile());
+            *failures_ = calls.failures();
+            calls.end();
+            if (!isComplete && !calls.hasKeptFile()) expectSuccess(at);
+        })) << describe(kind, number);
+        return *failures_;
+    }
+
+private:
+    Shared<int> failures_;
+};
+
+TEST_P(FailingCallsOf, AreToldAndLeaveEverythingWhole) {
+    if (!canFailCalls()) GTEST_SKIP() << "a process cannot answer its own system calls here";
+    int faults = 0;
+    for (const FaultKind& kind : faultKinds) {
+        for (int number = 1; strike(kind, number) > 0; ++number) {
+            ASSERT_FALSE(HasFailure());
+            ++faults;
+        }
+        ASSERT_FALSE(HasFailure());
+    }
+    RecordProperty("faults", faults);
+}
+
+INSTANTIATE_TEST_SUITE_P(Torture, FailingCallsOf, ::testing::ValuesIn(fileOperations()), nameOf);
+
+}  // namespace
+}  // namespace trv::testing

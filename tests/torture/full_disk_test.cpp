@@ -1,0 +1,162 @@
+// Writers that find no room: at each byte of a small file, and on the full device.
+
+#include <tests/assembly/sample_components.h>
+#include <tests/common/channel_log.h>
+#include <tests/common/child_process.h>
+#include <tests/common/file_bytes.h>
+#include <tests/common/temporary_directory.h>
+#include <tests/torture/saves.h>
+
+#include <sys/resource.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+namespace trv::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char oldText[] = "what stood here before\n";
+
+/// Files of this process end at so many bytes; the limit can be lifted again.
+class RoomFor {
+public:
+    explicit RoomFor(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &earlier_);
+        const rlimit limit = {bytes, earlier_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ~RoomFor() { ::setrlimit(RLIMIT_FSIZE, &earlier_); }
+    RoomFor(const RoomFor&) = delete;
+    RoomFor& operator=(const RoomFor&) = delete;
+
+private:
+    rlimit earlier_ = {};
+};
+
+/// A writer, and what it answers when there is room and when there is none.
+struct Writer {
+    const char* name;
+    std::function<int(const fs::path& target)> run;
+    int success;
+    int onFullDisk;
+    int onFullDevice;
+    /// Whether the target is written in place: it ends where the room does.
+    bool isInPlace;
+    /// For the others, the file beside the target that takes its place.
+    const char* temporaryFile;
+};
+
+void PrintTo(const Writer& writer, std::ostream* stream) {
+    *stream << writer.name;
+}
+
+int writeAssembly(const fs::path& target) {
+    const CTrvAssemblyData data = assemblyOf(leaf("a", "a.stl"));
+    return CQvFilesIO::sWriteTrvAssembly(target.wstring(), data);
+}
+
+int writeAxis(const fs::path& target) {
+    const double matrix[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 7, 8, 9, 1};
+    return CQvFilesIO("").writeAxis(target.wstring(), matrix, 1, 2, 3);
+}
+
+// The source stands beside the target, or for a device in the current directory.
+int copyFile(const fs::path& target) {
+    CQvFilesIO files("");
+    return files.copyFile(fs::path("source").string(), target.string()) ? 1 : 0;
+}
+
+int saveSmallContext(const fs::path& target) {
+    return saveContext(target, true);
+}
+
+int saveSmallParameters(const fs::path& target) {
+    return saveParameters(target, false);
+}
+
+int saveSmallMessages(const fs::path& target) {
+    return saveMessages(target, false);
+}
+
+class FullDiskUnder : public ::testing::TestWithParam<Writer> {
+protected:
+    fs::path target() const { return directory_ / "target"; }
+    int run() const { return GetParam().run(target()); }
+    void prepare() const {
+        fs::current_path(directory_.path());
+        writeBytes("source", std::string(500, 's') + "\n");
+        fs::remove(target());
+    }
+
+    TemporaryDirectory directory_;
+};
+
+TEST_P(FullDiskUnder, AtEachByteGivesTheDocumentedStatus) {
+    EXPECT_TRUE(passesInChild([&] {
+        const ChannelLog log;
+        prepare();
+        ASSERT_EQ(run(), GetParam().success);
+        const std::string text = bytesOf(target());
+        ASSERT_GT(text.size(), 50U);
+        for (std::size_t room = 0; room < text.size(); ++room) {
+            SCOPED_TRACE(room);
+            fs::remove(target());
+            writeBytes(target(), oldText);
+            int status = 0;
+            {
+                const RoomFor bytes(room);
+                status = run();
+            }
+            EXPECT_EQ(status, GetParam().onFullDisk);
+            EXPECT_EQ(bytesOf(target()), GetParam().isInPlace ? text.substr(0, room) : oldText);
+            // The source, the target and nothing else.
+            EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), {}), 2);
+            ASSERT_FALSE(HasFailure());
+        }
+        const RoomFor bytes(text.size());
+        EXPECT_EQ(run(), GetParam().success);
+        EXPECT_EQ(bytesOf(target()), text);
+    }));
+}
+
+TEST_P(FullDiskUnder, OnTheFullDeviceGivesTheDocumentedStatus) {
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+    EXPECT_TRUE(passesInChild([&] {
+        const ChannelLog log;
+        prepare();
+        if (GetParam().isInPlace) {
+            EXPECT_EQ(GetParam().run("/dev/full"), GetParam().onFullDevice);
+            return;
+        }
+        writeBytes(target(), oldText);
+        fs::create_symlink("/dev/full", directory_ / GetParam().temporaryFile);
+        EXPECT_EQ(run(), GetParam().onFullDevice);
+        EXPECT_EQ(bytesOf(target()), oldText);
+        EXPECT_FALSE(fs::exists(fs::symlink_status(directory_ / GetParam().temporaryFile)));
+    }));
+}
+
+std::string nameOfWriter(const ::testing::TestParamInfo<Writer>& info) {
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Torture, FullDiskUnder,
+    ::testing::Values(
+        Writer{"AnAssembly", writeAssembly, 1, 3, 3, true, nullptr},
+        Writer{"AnAxis", writeAxis, 1, 1, 1, true, nullptr},
+        Writer{"ACopy", copyFile, 1, 1, 1, true, nullptr},
+        Writer{"AMachineContext", saveSmallContext, 1, 2, 2, false, "target.messages.tmp"},
+        Writer{"Parameters", saveSmallParameters, 0, -EFBIG, -ENOSPC, false, "target.messages.tmp"},
+        Writer{"Messages", saveSmallMessages, 0, -EFBIG, -ENOSPC, false, "messages.tmp"}),
+    nameOfWriter);
+
+}  // namespace
+}  // namespace trv::testing

@@ -1,0 +1,96 @@
+// Saves whose process is killed: at each of their system calls, and at any other moment.
+
+#include <tests/common/file_bytes.h>
+#include <tests/common/system_calls_linux.h>
+#include <tests/common/temporary_directory.h>
+#include <tests/torture/operation_test.h>
+#include <tests/torture/saves.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <random>
+#include <string>
+
+namespace trv::testing {
+namespace {
+
+class KilledSaveOf : public ::testing::TestWithParam<Save> {
+protected:
+    KilledSaveOf() {
+        run(true);
+        second_ = bytesOf(target());
+        run(false);
+        first_ = bytesOf(target());
+    }
+
+    void run(bool second) const { EXPECT_EQ(GetParam().run(target(), second), GetParam().success); }
+    std::filesystem::path target() const { return directory_ / "target"; }
+
+    /// What is left beside the target is in nobody's way.
+    void expectNextSaveToWork() const {
+        run(true);
+        EXPECT_EQ(bytesOf(target()), second_);
+        run(false);
+        EXPECT_EQ(bytesOf(target()), first_);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory_.path()), {}), 1);
+    }
+
+    std::string first_;
+    std::string second_;
+
+private:
+    TemporaryDirectory directory_;
+};
+
+TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheNewOneWhole) {
+    if (!canTraceProcesses()) GTEST_SKIP() << "processes cannot be traced here";
+    int old = 0;
+    int replaced = 0;
+    const auto rehearse = [&] { run(false); };
+    for (int step = 1; killAtStep(step, rehearse, [&] { run(true); }); ++step) {
+        const std::string found = bytesOf(target());
+        ASSERT_TRUE(found == first_ || found == second_) << "killed at step " << step;
+        ++(found == first_ ? old : replaced);
+        expectNextSaveToWork();
+        ASSERT_FALSE(HasFailure()) << "after a kill at step " << step;
+    }
+    EXPECT_EQ(bytesOf(target()), second_);
+    // Opening, writing, syncing, closing and renaming, each with its entry and its exit.
+    EXPECT_GE(old, 9);
+    EXPECT_GE(replaced, 1);
+    RecordProperty("kills", old + replaced);
+}
+
+TEST_P(KilledSaveOf, AtAnyMomentLeavesTheOldFileOrTheNewOneWhole) {
+    const int rounds = 1000 * tortureRounds();
+    std::minstd_rand random(20);
+    // Several saves' time, so that the kills fall on every part of one.
+    std::uniform_int_distribution<unsigned> microseconds(0, 2000);
+    int old = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const pid_t child = ::fork();
+        ASSERT_NE(child, -1);
+        if (child == 0) {
+            for (bool second = true;; second = !second)
+                GetParam().run(target(), second);
+        }
+        ::usleep(microseconds(random));
+        ASSERT_EQ(::kill(child, SIGKILL), 0);
+        ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+        const std::string found = bytesOf(target());
+        ASSERT_TRUE(found == first_ || found == second_) << "killed in round " << round;
+        if (found == first_) ++old;
+    }
+    expectNextSaveToWork();
+    EXPECT_GT(old, 0);
+    EXPECT_LT(old, rounds);
+}
+
+INSTANTIATE_TEST_SUITE_P(Torture, KilledSaveOf, allSaves, nameOfSave);
+
+}  // namespace
+}  // namespace trv::testing
