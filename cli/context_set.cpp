@@ -37,7 +37,7 @@ QString readAssignment(const QString& text, Assignment& assignment) {
 QString readAssignments(const QStringList& texts, std::vector<Assignment>& assignments) {
     for (const QString& text : texts) {
         Assignment next = {};
-        const QString mistake = readAssignment(text, next);
+        QString mistake = readAssignment(text, next);
         if (!mistake.isEmpty()) return mistake;
         for (const Assignment& earlier : assignments) {
             if (earlier.field != next.field) continue;

@@ -37,7 +37,7 @@ bool isCleanAbsolute(const QString& path) {
 
 // For reads and writes: the path comes out clean.
 QString resolved(const std::wstring& directory, const QString& name) {
-    const QString native = trv::nativePath(name);
+    QString native = trv::nativePath(name);
     if (isCleanAbsolute(native)) return native;
     const bool isAbsolute = native.startsWith(QLatin1Char('/')) || QDir::isAbsolutePath(native);
     const QString path = isAbsolute ? native : directoryOf(directory).filePath(native);
@@ -154,7 +154,7 @@ EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& t
     const file_handle file =
         trv::openForRead(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
     if (file == nullptr) return eFileIOOpenError;
-    std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer);
+    static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
     const trv::AxisContent content = trv::readAxisContent(file.get());
     if (content.faultyLine != 0) return eFileIOContentError;
 

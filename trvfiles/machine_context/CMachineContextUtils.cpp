@@ -13,7 +13,6 @@
 #include <QStringList>
 
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -24,10 +23,11 @@ namespace {
 std::string expanded(const char* variable, const char* text) {
     const char* value = trv::get_variable(variable);
     if (value == nullptr || *value == '\0') return {};
-    char buffer[400];
-    std::strcpy(buffer, text);
-    const int code = trv::_ExpandInPlace(buffer, sizeof buffer);
-    return trv::is_expand_error(code) ? std::string() : std::string(buffer);
+    constexpr std::int32_t bufferSize = 400;
+    std::string buffer = text;
+    buffer.resize(bufferSize);
+    const int code = trv::_ExpandInPlace(buffer.data(), bufferSize);
+    return trv::is_expand_error(code) ? std::string() : std::string(buffer.c_str());
 }
 
 // The walk through a directory tree for contexts named after their directories.

@@ -118,7 +118,7 @@ int CSectionedFile::parseFile(const QString& fileName) {
     char buffer[4096];
     const auto file = trv::openForRead(fileName, trv::platform::file_mode::text);
     if (file == nullptr) return -1;
-    std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer);
+    static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
     return parse(file.get());
 }
 
