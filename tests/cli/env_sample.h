@@ -47,7 +47,8 @@ inline std::string asAtOptShop(std::string text, const std::string& root) {
     const std::string json = replaced(backslashed(root), "\\", "\\\\");
     text = replaced(text, json, "\\\\opt\\\\shop");
     text = replaced(text, backslashed(root), "\\opt\\shop");
-    if (root != backslashed(root)) return replaced(text, root, "/opt/shop");
+    text = replaced(text, std::filesystem::path(root).generic_string(), "/opt/shop");
+    if (root != backslashed(root)) return text;
     return withSlashesInTrvhome(withSlashesInTrvhome(text, "\\\\"), "\\");
 }
 

@@ -157,11 +157,23 @@ TEST(TextConversion, GivesTheRuntimeNoPathThatNamesAnotherFile) {
     EXPECT_EQ(path, "old");
 }
 
+TEST(TextConversion, TakesUtf16UnitByUnitOnWindows) {
+    if (!onWindows()) GTEST_SKIP() << "wide text is UTF-32 here";
+    for (const wchar_t first : {wchar_t(0xFEFF), wchar_t(0xFFFE), wchar_t(0xD83D), L'\0'}) {
+        const std::wstring text = {first, L'a', L'\0', wchar_t(0xDD27), wchar_t(0xFEFF)};
+        const QString units = fromWide(text);
+        ASSERT_EQ(units.size(), 5);
+        EXPECT_EQ(units.at(0).unicode(), first);
+        EXPECT_EQ(units.at(1), QChar(u'a'));
+        EXPECT_EQ(toWide(units), text);
+    }
+}
+
 TEST(TextConversion, GivesTheRuntimeNoPathThatTheCodePageOfWindowsLacks) {
     if (!onWindows()) GTEST_SKIP() << "UTF-8 has every character";
     std::string path = "old";
-    const QString every = wide(L"\u4E2D\u05D0\u0E01\u00E4\u0416.mctx");
-    ASSERT_NE(fromNarrow(toNarrow(every)), every);
-    EXPECT_FALSE(runtimePath(every, path));
+    // No code page has half a surrogate pair, not even UTF-8.
+    EXPECT_FALSE(runtimePath(wide(L"a.mctx") + QChar(0xD83D), path));
+    EXPECT_FALSE(runtimePath(QChar(0xDD27) + wide(L"a.mctx"), path));
     EXPECT_EQ(path, "old");
 }

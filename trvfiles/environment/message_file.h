@@ -12,7 +12,8 @@
 #include <trvfiles/environment/message_callbacks.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/export.h>
-#include <trvfiles/support/line_source.h>
+
+class VCL8BLineSource;
 
 namespace trv {
 

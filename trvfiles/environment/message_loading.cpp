@@ -1,5 +1,6 @@
 #include <trvfiles/environment/message_loading.h>
 #include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/line_source.h>
 #include <trvfiles/support/platform.h>
 
 #include <cerrno>

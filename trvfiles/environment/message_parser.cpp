@@ -3,6 +3,7 @@
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/line_source.h>
 
 #include <cstring>
 #include <string>

@@ -7,10 +7,11 @@
 /// Threads: one at a time, with the whole runtime.
 
 #include <trvfiles/environment/message_callbacks.h>
-#include <trvfiles/support/line_source.h>
 
 #include <string>
 #include <string_view>
+
+class VCL8BLineSource;
 
 namespace trv {
 

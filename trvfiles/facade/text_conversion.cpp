@@ -3,6 +3,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 #include <utility>
@@ -45,8 +46,17 @@ QString fromNarrow(const std::string& text) {
     return decode(text.data(), lengthToZero(text.data(), text.size()));
 }
 
+// In UTF-16, fromStdWString() would drop a first U+FEFF as a byte order mark, and behind a first
+// U+FFFE swap the bytes of every unit.
 QString fromWide(const std::wstring& text) {
-    return QString::fromStdWString(text);
+    if constexpr (sizeof(wchar_t) == sizeof(QChar)) {
+        QString units(static_cast<int>(text.size()), Qt::Uninitialized);
+        std::transform(text.begin(), text.end(), units.begin(),
+                       [](wchar_t unit) { return QChar(static_cast<ushort>(unit)); });
+        return units;
+    } else {
+        return QString::fromStdWString(text);
+    }
 }
 
 std::string toNarrow(const QString& text) {
