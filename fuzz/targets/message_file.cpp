@@ -14,6 +14,7 @@
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/support/blanks.h>
+#include <trvfiles/support/line_source.h>
 
 #include <algorithm>
 #include <string>
