@@ -15,7 +15,6 @@
 #include <cstdio>
 #include <ctime>
 #include <memory>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -82,8 +81,14 @@ TEST_F(ExpansionWatch, LogsABufferBelowTheMinimum) {
     TRV_EXPECT_IN_CHILD([&] {
         minimum("100");
         watch_buffer_size("src", 50, STRING_FORMAT_C);
-        const std::regex clock("\\[\\d{4}-\\d\\d-\\d\\d@\\d\\d:\\d\\d:1[0-5]\\d\\] [^]*");
-        EXPECT_TRUE(std::regex_match(logged(), clock)) << logged();
+        std::string shape = logged().substr(0, 23);
+        for (char& c : shape) {
+            if (c >= '0' && c <= '9') c = '9';
+        }
+        EXPECT_EQ(shape, "[9999-99-99@99:99:999] ");
+        // The seconds count from 100.
+        const std::string seconds = logged().substr(18, 3);
+        EXPECT_TRUE(seconds >= "100" && seconds <= "159") << logged();
         EXPECT_EQ("] MinBufferSize=101 > 50 (C) " + programName() + " expanding 'src'\n",
                   withoutClock(logged()));
     });

@@ -26,8 +26,9 @@ std::string expanded(const char* variable, const char* text) {
     constexpr std::int32_t bufferSize = 400;
     std::string buffer = text;
     buffer.resize(bufferSize);
-    const int code = trv::_ExpandInPlace(buffer.data(), bufferSize);
-    return trv::is_expand_error(code) ? std::string() : std::string(buffer.c_str());
+    if (trv::is_expand_error(trv::_ExpandInPlace(buffer.data(), bufferSize))) return {};
+    buffer.resize(std::char_traits<char>::length(buffer.c_str()));
+    return buffer;
 }
 
 // The walk through a directory tree for contexts named after their directories.
