@@ -279,7 +279,7 @@ TEST_F(FailingContext, WithoutADescriptorLeftIsReportedAndGivesTwo) {
         EXPECT_EQ(writeContext(path, allFields()), eFileIOOpenError);
         EXPECT_EQ(readContext(path, data), eFileIOOpenError);
         EXPECT_EQ(ContextFields(data), ContextFields(prefilled()));
-        EXPECT_THAT(log.fatals(), SizeIs(2));
+        EXPECT_EQ(log.fatals().size(), 2U);
     }));
     expectOldFile();
 }

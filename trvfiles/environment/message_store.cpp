@@ -25,7 +25,7 @@ bool record_flag = true;
 std::string resolved_value;
 
 std::string_view text_of(const char* text) {
-    return text == nullptr ? std::string_view() : std::string_view(text);
+    return text == nullptr ? "" : text;
 }
 
 template <class Store>
