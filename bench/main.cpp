@@ -73,8 +73,15 @@ std::vector<std::pair<std::string, Work>> worksOf(const Comparison& comparison) 
     return works;
 }
 
+void runOnce(const Work& work) {
+    if (work.prepare != nullptr) work.prepare();
+    work.run();
+}
+
 Runs timed(const Comparison& comparison, int repetitions) {
     for (const auto& [name, work] : worksOf(comparison)) {
+        // What a first run makes, such as a sample, would lead to too few iterations of this work.
+        runOnce(work);
         const auto loop = [work = work](benchmark::State& state) {
             for (auto _ : state) {
                 if (work.prepare != nullptr) {
