@@ -1,6 +1,6 @@
 #include <cli/assembly_difference.h>
 #include <cli/text_output.h>
-#include <trvfiles/assembly/component_view.h>
+#include <trvfiles/assembly/component_body.h>
 
 #include <QString>
 #include <QStringList>
@@ -51,9 +51,8 @@ public:
     }
 
     // The trees may be deeper than the stack, so the way to the pair at hand stands in a list.
-    void compareTrees(const CTrvAssemblyComponentData& first,
-                      const CTrvAssemblyComponentData& second) {
-        rootName_ = &ComponentView(first).name;
+    void compareTrees(const ComponentBody& first, const ComponentBody& second) {
+        rootName_ = &first.name;
         compare(first, second);
         while (!way_.empty()) {
             Level& level = way_.back();
@@ -69,7 +68,7 @@ public:
     }
 
 private:
-    using Components = std::vector<CTrvAssemblyComponentData>;
+    using Components = std::vector<ComponentBody>;
     struct Level {
         const Components* first;
         const Components* second;
@@ -77,9 +76,7 @@ private:
         std::size_t next;
     };
 
-    void compare(const CTrvAssemblyComponentData& first, const CTrvAssemblyComponentData& second) {
-        const ComponentView one(first);
-        const ComponentView other(second);
+    void compare(const ComponentBody& one, const ComponentBody& other) {
         compareTexts("name", one.name, other.name);
         compareTexts("comment", one.comment, other.comment);
         compareTexts("file", one.geometryFileName, other.geometryFileName);
@@ -126,9 +123,8 @@ private:
         }
     }
 
-    static QString segment(const CTrvAssemblyComponentData& component, std::size_t index) {
-        return QStringLiteral("%1[%2]").arg(shown(ComponentView(component).name),
-                                            QString::number(index));
+    static QString segment(const ComponentBody& component, std::size_t index) {
+        return QStringLiteral("%1[%2]").arg(shown(component.name), QString::number(index));
     }
 
     QString path() const { return path(way_.size()); }
@@ -155,7 +151,8 @@ bool printDifferences(const CTrvAssemblyData& first, const CTrvAssemblyData& sec
                       std::ostream& out) {
     Comparison comparison(out);
     comparison.compareSizes(first, second);
-    comparison.compareTrees(first.getRootComponent(), second.getRootComponent());
+    comparison.compareTrees(ComponentBody::of(first.getRootComponent()),
+                            ComponentBody::of(second.getRootComponent()));
     return comparison.found();
 }
 

@@ -22,19 +22,19 @@ QString axesText(const double* vec1, const double* vec2, const double* vec3) {
         .arg(roundedVectorText(vec1), roundedVectorText(vec2), roundedVectorText(vec3));
 }
 
-QString treeLine(const ComponentView& view, std::size_t level) {
+QString treeLine(const ComponentBody& component, std::size_t level) {
     constexpr int indentation = 2;
     QString line(static_cast<int>(level) * indentation, QLatin1Char(' '));
-    line += view.name.empty() ? QStringLiteral("(no name)") : shown(view.name);
-    if (!view.enabled) line += QStringLiteral(" (disabled)");
-    if (!view.geometryFileName.empty()) {
-        line += QStringLiteral(": ") + shown(view.geometryFileName);
+    line += component.name.empty() ? QStringLiteral("(no name)") : shown(component.name);
+    if (!component.enabled) line += QStringLiteral(" (disabled)");
+    if (!component.geometryFileName.empty()) {
+        line += QStringLiteral(": ") + shown(component.geometryFileName);
     }
-    line += QStringLiteral(", at ") + roundedVectorText(view.translation);
-    if (!isUnit(view.vec1, 0) || !isUnit(view.vec2, 1) || !isUnit(view.vec3, 2)) {
-        line += axesText(view.vec1, view.vec2, view.vec3);
+    line += QStringLiteral(", at ") + roundedVectorText(component.translation);
+    if (!isUnit(component.vec1, 0) || !isUnit(component.vec2, 1) || !isUnit(component.vec3, 2)) {
+        line += axesText(component.vec1, component.vec2, component.vec3);
     }
-    if (!view.comment.empty()) line += QStringLiteral(" -- ") + shown(view.comment);
+    if (!component.comment.empty()) line += QStringLiteral(" -- ") + shown(component.comment);
     return line + QLatin1Char('\n');
 }
 
@@ -66,20 +66,20 @@ QString csvVector(const double vector[3]) {
         .arg(numberText(vector[0]), numberText(vector[1]), numberText(vector[2]));
 }
 
-QJsonObject componentJson(const ComponentView& view, std::size_t level, QJsonValue parent) {
+QJsonObject componentJson(const ComponentBody& component, std::size_t level, QJsonValue parent) {
     return {
         {QStringLiteral("level"), static_cast<qint64>(level)},
         {QStringLiteral("parent"), parent},
-        {QStringLiteral("name"), fromNarrow(view.name)},
-        {QStringLiteral("comment"), fromNarrow(view.comment)},
-        {QStringLiteral("enabled"), view.enabled},
-        {QStringLiteral("geometryFile"), view.geometryFileName.empty()
+        {QStringLiteral("name"), fromNarrow(component.name)},
+        {QStringLiteral("comment"), fromNarrow(component.comment)},
+        {QStringLiteral("enabled"), component.enabled},
+        {QStringLiteral("geometryFile"), component.geometryFileName.empty()
                                              ? QJsonValue()
-                                             : QJsonValue(fromNarrow(view.geometryFileName))},
-        {QStringLiteral("translation"), jsonNumbers(view.translation, 3)},
-        {QStringLiteral("vec1"), jsonNumbers(view.vec1, 3)},
-        {QStringLiteral("vec2"), jsonNumbers(view.vec2, 3)},
-        {QStringLiteral("vec3"), jsonNumbers(view.vec3, 3)},
+                                             : QJsonValue(fromNarrow(component.geometryFileName))},
+        {QStringLiteral("translation"), jsonNumbers(component.translation, 3)},
+        {QStringLiteral("vec1"), jsonNumbers(component.vec1, 3)},
+        {QStringLiteral("vec2"), jsonNumbers(component.vec2, 3)},
+        {QStringLiteral("vec3"), jsonNumbers(component.vec3, 3)},
     };
 }
 
@@ -87,7 +87,7 @@ QJsonObject componentJson(const ComponentView& view, std::size_t level, QJsonVal
 
 AssemblyCounts countsOf(const CTrvAssemblyData& assembly) {
     AssemblyCounts counts;
-    forEachComponent(assembly, [&](const ComponentView&, std::size_t) { ++counts.components; });
+    forEachComponent(assembly, [&](const ComponentBody&, std::size_t) { ++counts.components; });
     counts.componentNumber = assembly.getComponentNumber();
     counts.placedFiles = assembly.getComponentFileList().size();
     return counts;
@@ -112,8 +112,8 @@ void printAssembly(const QString& name, const CTrvAssemblyData& assembly, std::o
 }
 
 void printTree(const CTrvAssemblyData& assembly, std::ostream& out) {
-    forEachComponent(assembly, [&](const ComponentView& view, std::size_t level) {
-        out << qUtf8Printable(treeLine(view, level));
+    forEachComponent(assembly, [&](const ComponentBody& component, std::size_t level) {
+        out << qUtf8Printable(treeLine(component, level));
     });
 }
 
@@ -124,10 +124,10 @@ QJsonObject assemblyJson(const QString& name, const CTrvAssemblyData& assembly) 
     QJsonArray components;
     // The places of the component at hand and of those above it in the list.
     std::vector<int> ancestors;
-    forEachComponent(assembly, [&](const ComponentView& view, std::size_t level) {
+    forEachComponent(assembly, [&](const ComponentBody& component, std::size_t level) {
         ancestors.resize(level);
         components.append(componentJson(
-            view, level, ancestors.empty() ? QJsonValue() : QJsonValue(ancestors.back())));
+            component, level, ancestors.empty() ? QJsonValue() : QJsonValue(ancestors.back())));
         ancestors.push_back(components.size() - 1);
     });
     return {

@@ -1,6 +1,5 @@
 #include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
-#include <trvfiles/assembly/component_view.h>
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,6 @@
 #include <vector>
 
 using Assembly = CTrvAssemblyData;
-using trv::ComponentView;
 using namespace trv::testing;
 
 static_assert(!std::is_polymorphic_v<Assembly>);
@@ -123,14 +121,6 @@ TEST(Assembly, IsNotChangedByItsOwnRoot) {
     Assembly empty;
     empty.setRootComponent(empty.getRootComponent());
     expectDefaults(empty);
-}
-
-TEST(Assembly, CanTakeAPartOfItsTreeForItsRoot) {
-    Assembly assembly = sample();
-    assembly.setRootComponent(ComponentView(assembly.getRootComponent()).components[1]);
-    EXPECT_EQ(assembly.getRootComponent().getName(), "b");
-    EXPECT_EQ(assembly.getRootComponent().getGeometryFileName(), "g");
-    EXPECT_EQ(assembly.getComponentNumber(), 0U);
 }
 
 TEST(Assembly, IsCopiedWithItsTree) {

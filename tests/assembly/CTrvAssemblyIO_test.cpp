@@ -3,7 +3,7 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
-#include <trvfiles/assembly/component_view.h>
+#include <trvfiles/assembly/component_body.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/platform.h>
@@ -25,7 +25,7 @@
 
 namespace {
 
-using trv::ComponentView;
+using trv::ComponentBody;
 using trv::testing::assemblyOf;
 using trv::testing::bytesOf;
 using trv::testing::chain;
@@ -70,10 +70,7 @@ std::string readable(const std::string& text) {
     return trv::toNarrow(trv::fromNarrow(text));
 }
 
-void expectSameTree(const CTrvAssemblyComponentData& written,
-                    const CTrvAssemblyComponentData& read) {
-    const ComponentView one(written);
-    const ComponentView other(read);
+void expectSameTree(const ComponentBody& one, const ComponentBody& other) {
     EXPECT_EQ(readable(one.name), other.name);
     EXPECT_EQ(readable(one.comment), other.comment);
     EXPECT_EQ(readable(one.geometryFileName), other.geometryFileName);
@@ -98,7 +95,8 @@ TEST_F(AssemblyFile, ReadsWhatWasWrittenToTheBit) {
         written.getDimension(size[0]);
         data.getDimension(size[1]);
         EXPECT_TRUE(sameBits(size[0], size[1]));
-        expectSameTree(written.getRootComponent(), data.getRootComponent());
+        expectSameTree(ComponentBody::of(written.getRootComponent()),
+                       ComponentBody::of(data.getRootComponent()));
     }
 }
 

@@ -1,6 +1,6 @@
 #include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
-#include <trvfiles/assembly/component_view.h>
+#include <trvfiles/assembly/component_body.h>
 #include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <vector>
 
 using Component = CTrvAssemblyComponentData;
-using trv::ComponentView;
+using trv::ComponentBody;
 using namespace trv::testing;
 
 namespace {
@@ -53,9 +53,9 @@ Component comb(bool leafFirst) {
 
 std::size_t depthOf(const Component& component) {
     std::size_t depth = 0;
-    const Component* level = &component;
-    for (; !ComponentView(*level).components.empty(); ++depth)
-        level = &ComponentView(*level).components[0];
+    const ComponentBody* level = &ComponentBody::of(component);
+    for (; !level->components.empty(); ++depth)
+        level = &level->components[0];
     return depth;
 }
 
@@ -134,14 +134,23 @@ TEST_P(DeepTree, IsCutShort) {
     });
 }
 
-TEST_P(DeepTree, BecomesItsOwnChild) {
+TEST_P(DeepTree, IsAssignedToItself) {
     run([] {
         Component component = deep();
-        component = ComponentView(component).components[0];
-        EXPECT_EQ(depthOf(component), levels - 1);
         const Component& same = component;
         component = same;
-        EXPECT_EQ(depthOf(component), levels - 1);
+        EXPECT_EQ(depthOf(component), levels);
+    });
+}
+
+TEST_P(DeepTree, IsFreedWithBranchesOnEveryLevel) {
+    run([] {
+        for (const bool leafFirst : {true, false}) {
+            Component component = comb(leafFirst);
+            Components both(2, component);
+            component.setComponents(std::move(both));
+            EXPECT_EQ(component.getComponentNumber(), 2 * (levels + 1));
+        }
     });
 }
 
@@ -166,7 +175,7 @@ TEST_P(DeepTree, StandsInAnAssembly) {
         EXPECT_TRUE(copy == assembly);
         EXPECT_EQ(copy.getComponentNumber(), 1U);
         EXPECT_EQ(copy.getComponentFileList().size(), 1U);
-        copy.setRootComponent(ComponentView(copy.getRootComponent()).components[0]);
+        copy.setRootComponent(chain(levels - 1, leaf("deep.stl")));
         EXPECT_EQ(depthOf(copy.getRootComponent()), levels - 1);
         EXPECT_TRUE(copy != assembly);
         assembly = std::move(copy);

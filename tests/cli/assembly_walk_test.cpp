@@ -10,8 +10,8 @@ namespace {
 
 std::string walk(const CTrvAssemblyData& tree) {
     std::string seen;
-    cli::forEachComponent(tree, [&](const ComponentView& view, std::size_t level) {
-        seen += std::to_string(level) + view.name + ' ';
+    cli::forEachComponent(tree, [&](const ComponentBody& body, std::size_t level) {
+        seen += std::to_string(level) + body.name + ' ';
     });
     return seen;
 }
@@ -30,7 +30,7 @@ TEST(ForEachComponent, BearsAnyDepth) {
     constexpr int levels = 100000;
     std::size_t count = 0;
     std::size_t deepest = 0;
-    cli::forEachComponent(chain(levels, "f"), [&](const ComponentView&, std::size_t level) {
+    cli::forEachComponent(chain(levels, "f"), [&](const ComponentBody&, std::size_t level) {
         ++count;
         deepest = level;
     });

@@ -12,7 +12,7 @@
 #include <vector>
 
 namespace trv {
-struct ComponentView;
+struct ComponentBody;
 }
 
 /// A node of the assembly tree: a name, a placement relative to its parent, and either a geometry
@@ -91,9 +91,8 @@ public:
                               std::vector<CComponentInfo>& list) const;
 
 private:
-    friend struct trv::ComponentView;
-    struct Body;
+    friend struct trv::ComponentBody;
 
     // Absent where every field has its default.
-    std::unique_ptr<Body> body_;
+    std::unique_ptr<trv::ComponentBody> body_;
 };

@@ -35,8 +35,7 @@ public:
     const CTrvAssemblyComponentData& getRootComponent() const;
     CTrvAssemblyComponentData& getRootComponent();
 
-    /// Assigns a copy of `component` over the root. The root itself, or a part of its tree, may be
-    /// given.
+    /// Assigns a copy of `component` over the root. The root itself may be given.
     void setRootComponent(const CTrvAssemblyComponentData& component);
 
     /// Equality: the squared distance of the dimensions is at most 1e-6 and the roots are equal. A

@@ -1,7 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_writer.h>
-#include <trvfiles/assembly/component_view.h>
+#include <trvfiles/assembly/component_body.h>
 #include <trvfiles/facade/text_conversion.h>
 
 #include <QDomElement>
@@ -43,13 +43,13 @@ public:
         QDomElement root = append(document_, names::root());
         root.setAttribute(names::version(), formatVersion);
         writeAttributes(root, data);
-        return writeTree(root, data.getRootComponent());
+        return writeTree(root, ComponentBody::of(data.getRootComponent()));
     }
 
 private:
     struct Pending {
         QDomElement parent;
-        const std::vector<CTrvAssemblyComponentData>* components;
+        const std::vector<ComponentBody>* components;
         std::size_t next;
     };
 
@@ -74,7 +74,7 @@ private:
     }
 
     // The tree may be deeper than the stack, so what is left to write stands in a list.
-    bool writeTree(QDomElement& root, const CTrvAssemblyComponentData& component) {
+    bool writeTree(QDomElement& root, const ComponentBody& component) {
         if (!writeComponent(root, component)) return false;
         while (!pending_.empty()) {
             Pending& level = pending_.back();
@@ -88,30 +88,30 @@ private:
         return true;
     }
 
-    bool writeComponent(QDomElement& parent, const CTrvAssemblyComponentData& component) {
+    bool writeComponent(QDomElement& parent, const ComponentBody& component) {
         if (pending_.size() >= deepestComponent) return false;
         if (pending_.size() >= deepestShallowComponent) tree_.isDeep = true;
-        const ComponentView view(component);
         QDomElement element = append(parent, names::component());
-        if (!setText(element, names::name(), view.name)) return false;
-        if (!setText(element, names::comment(), view.comment)) return false;
-        element.setAttribute(names::enabled(), view.enabled ? 1 : 0);
-        appendVector(element, names::translation(), view.translation);
+        if (!setText(element, names::name(), component.name)) return false;
+        if (!setText(element, names::comment(), component.comment)) return false;
+        element.setAttribute(names::enabled(), component.enabled ? 1 : 0);
+        appendVector(element, names::translation(), component.translation);
         QDomElement orientation = append(element, names::orientation());
-        appendVector(orientation, names::vec1(), view.vec1);
-        appendVector(orientation, names::vec2(), view.vec2);
-        appendVector(orientation, names::vec3(), view.vec3);
-        return writeData(element, view);
+        appendVector(orientation, names::vec1(), component.vec1);
+        appendVector(orientation, names::vec2(), component.vec2);
+        appendVector(orientation, names::vec3(), component.vec3);
+        return writeData(element, component);
     }
 
-    bool writeData(QDomElement& element, const ComponentView& view) {
-        const QString fileName = fromNarrow(view.geometryFileName);
-        if (fileName.isEmpty() && view.components.empty()) return false;
+    bool writeData(QDomElement& element, const ComponentBody& component) {
+        const QString fileName = fromNarrow(component.geometryFileName);
+        if (fileName.isEmpty() && component.components.empty()) return false;
         if (!canBeReadBack(fileName)) return false;
         QDomElement data = append(element, names::data());
         if (fileName.isEmpty()) {
-            data.setAttribute(names::number(), static_cast<qulonglong>(view.components.size()));
-            pending_.push_back({data, &view.components, 0});
+            data.setAttribute(names::number(),
+                              static_cast<qulonglong>(component.components.size()));
+            pending_.push_back({data, &component.components, 0});
         } else {
             // A geometry file hides the children: they are not written.
             data.setAttribute(names::number(), 1);

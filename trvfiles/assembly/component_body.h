@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A component's fields without the copies that its getters make.
+/// What a component of an assembly is made of, and how a tree of any depth is copied and freed.
 
 #include <string>
 #include <vector>
@@ -10,24 +10,39 @@ class CTrvAssemblyComponentData;
 
 namespace trv {
 
-/// References to a component's fields, for the library's own walks over a tree. Valid while the
-/// component lives and is not changed.
-struct ComponentView {
-    explicit ComponentView(const CTrvAssemblyComponentData& component);
+/// Everything but the children.
+struct ComponentFields {
+    std::string name;
+    std::string comment;
+    bool enabled = true;
+    double translation[3] = {0, 0, 0};
+    double vec1[3] = {1, 0, 0};
+    double vec2[3] = {0, 1, 0};
+    double vec3[3] = {0, 0, 1};
+    std::string geometryFileName;
+};
 
-    const std::string& name;
-    const std::string& comment;
-    const std::string& geometryFileName;
-    const bool& enabled;
-    const double* translation;
-    const double* vec1;
-    const double* vec2;
-    const double* vec3;
-    const std::vector<CTrvAssemblyComponentData>& components;
+/// A component with its children, which stand side by side in one block of memory. The library's
+/// own walks read it where the component's getters would copy.
+///
+/// Trees may be deeper than any stack, so no operation recurses.
+struct ComponentBody : ComponentFields {
+    ComponentBody() = default;
+    /// Without children.
+    explicit ComponentBody(const ComponentFields& fields) : ComponentFields(fields) {}
+    ComponentBody(ComponentBody&&) noexcept = default;
+    ComponentBody& operator=(ComponentBody&&) noexcept = default;
+    /// Needs no memory.
+    ~ComponentBody();
 
-private:
-    template <class Body>
-    explicit ComponentView(const Body& body);
+    /// The component's body, valid while the component lives and is not changed. One that has none
+    /// reads like a default-made one.
+    static const ComponentBody& of(const CTrvAssemblyComponentData& component);
+
+    /// A copy with all that is below.
+    ComponentBody copy() const;
+
+    std::vector<ComponentBody> components;
 };
 
 }  // namespace trv

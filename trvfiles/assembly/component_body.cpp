@@ -1,0 +1,52 @@
+#include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/assembly/component_body.h>
+
+#include <utility>
+
+namespace trv {
+
+// Level after level, from the last component to the first. What a level has left while the one
+// below it is freed hangs under the first leaf there, which is the last to be met: a list of levels
+// would need memory. Each way to a first leaf is gone along once.
+ComponentBody::~ComponentBody() {
+    std::vector<ComponentBody> level = std::move(components);
+    while (!level.empty()) {
+        std::vector<ComponentBody> below = std::move(level.back().components);
+        level.pop_back();
+        if (below.empty()) continue;
+        if (!level.empty()) {
+            ComponentBody* first = &below.front();
+            while (!first->components.empty())
+                first = &first->components.front();
+            first->components = std::move(level);
+        }
+        level = std::move(below);
+    }
+}
+
+const ComponentBody& ComponentBody::of(const CTrvAssemblyComponentData& component) {
+    static const ComponentBody defaults;
+    return component.body_ == nullptr ? defaults : *component.body_;
+}
+
+ComponentBody ComponentBody::copy() const {
+    struct Pending {
+        const ComponentBody* from;
+        ComponentBody* to;
+    };
+    const auto fieldsOf = [](const ComponentBody& body) -> const ComponentFields& { return body; };
+    ComponentBody whole(fieldsOf(*this));
+    std::vector<Pending> pending{{this, &whole}};
+    while (!pending.empty()) {
+        const Pending next = pending.back();
+        pending.pop_back();
+        next.to->components.reserve(next.from->components.size());
+        for (const ComponentBody& child : next.from->components) {
+            ComponentBody& copied = next.to->components.emplace_back(fieldsOf(child));
+            if (!child.components.empty()) pending.push_back({&child, &copied});
+        }
+    }
+    return whole;
+}
+
+}  // namespace trv
