@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 #include <string>
 
@@ -155,6 +156,26 @@ TEST(TextConversion, GivesTheRuntimeNoPathThatNamesAnotherFile) {
     const QString half = wide(L"a") + QChar(0xD83D);
     EXPECT_FALSE(runtimePath(half, path));
     EXPECT_EQ(path, "old");
+}
+
+TEST(TextConversion, KeepsAFirstByteOrderMarkOfWideText) {
+    for (const wchar_t first : {wchar_t(0xFEFF), wchar_t(0xFFFE)}) {
+        const QString units = fromWide(std::wstring{first, L'a', wchar_t(0xFEFF)});
+        ASSERT_EQ(units.size(), 3);
+        EXPECT_EQ(units.at(0).unicode(), first);
+        EXPECT_EQ(units.at(1), QChar(u'a'));
+        EXPECT_EQ(units.at(2).unicode(), 0xFEFF);
+    }
+}
+
+TEST(TextConversion, ReplacesWhatIsBeyondUnicodeInUtf32) {
+    if (onWindows()) GTEST_SKIP() << "wide text is UTF-16 there";
+    constexpr std::uint32_t codes[] = {0x110000, 0xFEFF0000, 0xFFFE0000, 0x7FFFFFFF, 0xFFFFFFFF};
+    for (const std::uint32_t code : codes) {
+        const QString units = fromWide(std::wstring{L'a', static_cast<wchar_t>(code), L'b'});
+        EXPECT_EQ(units, wide(L"a\uFFFDb"));
+        EXPECT_EQ(fromWide(std::wstring{static_cast<wchar_t>(code)}), wide(L"\uFFFD"));
+    }
 }
 
 TEST(TextConversion, TakesUtf16UnitByUnitOnWindows) {

@@ -184,6 +184,54 @@ TEST(NumberText, WritesIntegersUpToBothEnds) {
     EXPECT_EQ(decimal(INT_MIN), "-2147483648");
 }
 
+TEST(NumberText, ReadsPlainNumbersOfAnyLength) {
+    expectNumber("123456789012345", 123456789012345);
+    expectNumber("-12345678.9012345", -12345678.9012345);
+    expectNumber(".123456789012345", .123456789012345);
+    expectNumber("1234567890123456", 1234567890123456);
+    expectNumber("123456789012345.6", 123456789012345.6);
+    expectNumber("1.234567890123456", 1.234567890123456);
+    expectNumber("-.1234567890123456", -.1234567890123456);
+    expectNumber("0.000000000000001", 1e-15);
+    expectNumber("0.0000000000000001", 1e-16);
+    expectNumber("100000000000000.", 1e14);
+    expectNumber("1000000000000000.", 1e15);
+    expectNumber("9007199254740993", 9007199254740992);
+    expectNumber("-0", -0.0);
+    expectNumber("-0.", -0.0);
+    expectNumber("-.0 ", -0.0, " ");
+}
+
+TEST(NumberText, EndsAPlainNumberWhereStrtodDoes) {
+    expectNumber("1.5\v2", 1.5, "\v2");
+    expectNumber("1.5,2", 1.5, ",2");
+    expectNumber("1.5-2", 1.5, "-2");
+    expectNumber("1.5.2", 1.5, ".2");
+    expectNumber("1.5e", 1.5, "e");
+    expectNumber("1.5e2 ", 150, " ");
+    expectNumber("-7#", -7, "#");
+    expectNumber(std::string_view("1.5\0", 4), 1.5, std::string(1, '\0'));
+    expectNumber(std::string_view("1.59", 3), 1.5);
+    expectNoNumber(".");
+    expectNoNumber("-");
+    expectNoNumber("-. 1");
+}
+
+TEST(NumberText, ReadsPlainNumbersAsStrtodDoes) {
+    std::mt19937_64 random(3);
+    for (int i = 0; i < 50000; ++i) {
+        std::string text = random() % 2 == 0 ? "" : "-";
+        const std::size_t places = random() % 17;
+        const std::size_t decimals = random() % 17;
+        for (std::size_t place = 0; place < places; ++place)
+            text += static_cast<char>('0' + random() % 10);
+        text += '.';
+        for (std::size_t place = 0; place < decimals; ++place)
+            text += static_cast<char>('0' + random() % 10);
+        if (places + decimals != 0) expectNumber(text, std::strtod(text.c_str(), nullptr));
+    }
+}
+
 TEST(NumberText, ReadsNumbersInEveryOrdinaryForm) {
     expectNumber("1", 1);
     expectNumber("+1.5", 1.5);

@@ -27,12 +27,18 @@ QDir directoryOf(const std::wstring& directory) {
 
 // Both resolutions give a path that cannot be opened as it is, without a warning of Qt's.
 
-// Whether cleaning would leave an absolute path as it is, told without making a QFileInfo. A "/."
-// may be the beginning of a hidden name: then nothing is spared.
+// Whether cleaning would leave an absolute path as it is, told without making a QFileInfo. A "."
+// behind a "/" may be the beginning of a hidden name: then nothing is spared.
 bool isCleanAbsolute(const QString& path) {
-    return !trv::platform::backslash_separates() && path.startsWith(QLatin1Char('/')) &&
-           !path.endsWith(QLatin1Char('/')) && !path.contains(QLatin1String("//")) &&
-           !path.contains(QLatin1String("/."));
+    const QChar slash = QLatin1Char('/');
+    if (trv::platform::backslash_separates() || path.isEmpty() || path.front() != slash ||
+        path.back() == slash) {
+        return false;
+    }
+    const auto mayGo = [slash](QChar first, QChar second) {
+        return first == slash && (second == slash || second == QLatin1Char('.'));
+    };
+    return std::adjacent_find(path.begin(), path.end(), mayGo) == path.end();
 }
 
 // For reads and writes: the path comes out clean.

@@ -11,14 +11,13 @@ namespace {
 // std::filesystem::path does.
 template <class Open>
 platform::file_handle open(const QString& path, Open openPath) {
-    if (!isOpenable(path)) {
-        errno = ENOENT;
-        return nullptr;
+    if (!platform::narrow_text_is_utf8()) {
+        if (isOpenable(path)) return openPath(systemPath(path));
+    } else if (std::string narrow; runtimePath(path, narrow)) {
+        return openPath(narrow);
     }
-    if (!platform::narrow_text_is_utf8()) return openPath(systemPath(path));
-    std::string narrow;
-    runtimePath(path, narrow);
-    return openPath(narrow);
+    errno = ENOENT;
+    return nullptr;
 }
 
 }  // namespace

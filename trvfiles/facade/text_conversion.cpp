@@ -23,17 +23,19 @@ QString decode(const char* text, int length) {
                                            : QString::fromLocal8Bit(text, length);
 }
 
-// ASCII is the same in every encoding of file names, and most names hold nothing else.
-std::string encodedName(const QString& name) {
+// An openable path of ASCII, which is the same in every encoding of file names, in the system's
+// form. Most paths are.
+bool asciiPath(const QString& path, std::string& narrow) {
     constexpr ushort firstBeyondAscii = 0x80;
-    std::string encoded(static_cast<std::size_t>(name.size()), '\0');
-    ushort all = 0;
-    for (int i = 0; i < name.size(); ++i) {
-        const ushort character = name.at(i).unicode();
-        all = static_cast<ushort>(all | character);
-        encoded[static_cast<std::size_t>(i)] = static_cast<char>(character);
+    std::string ascii(static_cast<std::size_t>(path.size()), '\0');
+    for (int i = 0; i < path.size(); ++i) {
+        const ushort character = path.at(i).unicode();
+        if (character == 0 || character >= firstBeyondAscii) return false;
+        ascii[static_cast<std::size_t>(i)] = character == '\\' ? '/' : static_cast<char>(character);
     }
-    return all < firstBeyondAscii ? encoded : QFile::encodeName(name).toStdString();
+    if (ascii.empty()) return false;
+    narrow = std::move(ascii);
+    return true;
 }
 
 }  // namespace
@@ -46,17 +48,28 @@ QString fromNarrow(const std::string& text) {
     return decode(text.data(), lengthToZero(text.data(), text.size()));
 }
 
-// In UTF-16, fromStdWString() would drop a first U+FEFF as a byte order mark, and behind a first
-// U+FFFE swap the bytes of every unit.
+// Not by fromStdWString(), which drops a first U+FEFF as a byte order mark and, behind a swapped
+// one, swaps the bytes of what follows.
 QString fromWide(const std::wstring& text) {
-    if constexpr (sizeof(wchar_t) == sizeof(QChar)) {
-        QString units(static_cast<int>(text.size()), Qt::Uninitialized);
-        std::transform(text.begin(), text.end(), units.begin(),
-                       [](wchar_t unit) { return QChar(static_cast<ushort>(unit)); });
-        return units;
-    } else {
-        return QString::fromStdWString(text);
+    const auto isPair = [](uint code) {
+        return QChar::requiresSurrogates(code) && code <= QChar::LastValidCodePoint;
+    };
+    const auto pairs = std::count_if(text.begin(), text.end(), [isPair](wchar_t character) {
+        return isPair(static_cast<uint>(character));
+    });
+    QString units(static_cast<int>(text.size()) + static_cast<int>(pairs), Qt::Uninitialized);
+    QChar* next = units.data();
+    for (const wchar_t character : text) {
+        const auto code = static_cast<uint>(character);
+        if (isPair(code)) {
+            *next++ = QChar(QChar::highSurrogate(code));
+            *next++ = QChar(QChar::lowSurrogate(code));
+        } else {
+            *next++ = QChar::requiresSurrogates(code) ? QChar(QChar::ReplacementCharacter)
+                                                      : QChar(static_cast<ushort>(code));
+        }
     }
+    return units;
 }
 
 std::string toNarrow(const QString& text) {
@@ -71,7 +84,7 @@ std::wstring toWide(const QString& text) {
 }
 
 QString nativePath(const QString& path) {
-    if (platform::backslash_separates()) return path;
+    if (platform::backslash_separates() || !path.contains(QLatin1Char('\\'))) return path;
     QString native = path;
     return native.replace(QLatin1Char('\\'), QLatin1Char('/'));
 }
@@ -82,20 +95,23 @@ bool isOpenable(const QString& path) {
 }
 
 std::filesystem::path systemPath(const QString& path) {
-    const QString native = nativePath(path);
     if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
-        return std::filesystem::path(encodedName(native));
+        std::string narrow;
+        runtimePath(path, narrow);
+        return std::filesystem::path(std::move(narrow));
     } else {
-        return std::filesystem::path(native.toStdWString());
+        return std::filesystem::path(path.toStdWString());
     }
 }
 
 bool runtimePath(const QString& path, std::string& narrow) {
-    if (!isOpenable(path)) return false;
     if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
-        narrow = encodedName(nativePath(path));
+        if (asciiPath(path, narrow)) return true;
+        if (!isOpenable(path)) return false;
+        narrow = QFile::encodeName(nativePath(path)).toStdString();
         return true;
     } else {
+        if (!isOpenable(path)) return false;
         std::string text = toNarrow(path);
         if (fromNarrow(text) != path) return false;
         narrow = std::move(text);

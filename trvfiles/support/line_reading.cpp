@@ -15,10 +15,13 @@ namespace {
 // and without one the last zero is the terminator.
 std::size_t read_line(std::FILE* stream, char* buffer, std::size_t most) {
     constexpr std::size_t longest_step = 1023;
+    // Most lines are shorter.
+    std::size_t step = 127;
     std::size_t count = 0;
     while (count < most) {
         char* const start = buffer + count;
-        const std::size_t size = std::min(most - count, longest_step) + 1;
+        const std::size_t size = std::min(most - count, step) + 1;
+        step = longest_step;
         std::memset(start, 1, size);
         if (std::fgets(start, static_cast<int>(size), stream) == nullptr) break;
         const void* newline = std::memchr(start, '\n', size);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <system_error>
 
@@ -15,11 +16,51 @@ namespace {
 constexpr std::size_t longest_fixed_text = 1 + 309 + 1 + 6;
 
 constexpr bool is_white_space(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
+    return c == ' ' || static_cast<unsigned char>(c - '\t') <= '\r' - '\t';
+}
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Up to the first character that is no digit.
+inline const char* append_digits(const char* from, const char* stop, std::int64_t& digits) {
+    std::int64_t all = digits;
+    for (; from != stop && is_digit(*from); ++from)
+        all = 10 * all + (*from - '0');
+    digits = all;
+    return from;
+}
+
+// Reads a plain number, such as "-12.500000", that ends the text or a word of it. Nearly all
+// numbers of files are of this kind. Up to 15 digits and a power of ten up to 10^15 are exact as
+// double, so their quotient is the nearest one.
+//
+// @return how long the number is; 0 where it is of another kind, which is for others to read
+std::size_t scan_plain_number(std::string_view text, double& value) {
+    static constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    constexpr std::size_t most_digits = 15;
+    const char* const end = text.data() + text.size();
+    const bool negative = !text.empty() && text.front() == '-';
+    const char* const first = negative ? text.data() + 1 : text.data();
+    // A point counts, too.
+    const char* const stop =
+        first + std::min(static_cast<std::size_t>(end - first), most_digits + 1);
+    std::int64_t digits = 0;
+    const char* const point = append_digits(first, stop, digits);
+    const bool has_point = point != stop && *point == '.';
+    const char* const at = has_point ? append_digits(point + 1, stop, digits) : point;
+    const std::size_t decimals = has_point ? static_cast<std::size_t>(at - point - 1) : 0;
+    const std::size_t count = static_cast<std::size_t>(point - first) + decimals;
+    if (count == 0 || count > most_digits || (at != end && !is_white_space(*at))) return 0;
+    const double magnitude = static_cast<double>(digits) / powers[decimals];
+    value = negative ? -magnitude : magnitude;
+    return static_cast<std::size_t>(at - text.data());
 }
 
 bool is_hexadecimal_digit(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+    return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
 bool starts_hexadecimal(std::string_view text) {
@@ -73,13 +114,19 @@ void append_decimal(std::string& text, int value) {
 }
 
 void skip_white_space(std::string_view& text) {
-    while (!text.empty() && is_white_space(text.front()))
-        text.remove_prefix(1);
+    std::size_t length = 0;
+    while (length != text.size() && is_white_space(text[length]))
+        ++length;
+    text.remove_prefix(length);
 }
 
 bool scan_number(std::string_view& text, double& value) {
     std::string_view rest = text;
     skip_white_space(rest);
+    if (const std::size_t length = scan_plain_number(rest, value); length != 0) {
+        text = rest.substr(length);
+        return true;
+    }
     const bool negative = !rest.empty() && rest.front() == '-';
     if (!rest.empty() && (negative || rest.front() == '+')) rest.remove_prefix(1);
     // The conversion below would take a second sign.
