@@ -5,12 +5,15 @@
 #include <tests/common/temporary_directory.h>
 #include <tests/torture/operation_test.h>
 #include <tests/torture/saves.h>
+#include <tests/torture/shared_memory.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <random>
 #include <string>
@@ -29,6 +32,15 @@ protected:
 
     void run(bool second) const { EXPECT_EQ(GetParam().run(target(), second), GetParam().success); }
     std::filesystem::path target() const { return directory_ / "target"; }
+
+    unsigned microsecondsOfBothSaves() const {
+        const auto start = std::chrono::steady_clock::now();
+        run(true);
+        run(false);
+        const std::chrono::duration<double, std::micro> time =
+            std::chrono::steady_clock::now() - start;
+        return static_cast<unsigned>(time.count());
+    }
 
     /// What is left beside the target is in nobody's way.
     void expectNextSaveToWork() const {
@@ -68,16 +80,22 @@ TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheNewOneWhole) {
 TEST_P(KilledSaveOf, AtAnyMomentLeavesTheOldFileOrTheNewOneWhole) {
     const int rounds = 1000 * tortureRounds();
     std::minstd_rand random(20);
-    // Several saves' time, so that the kills fall on every part of one.
-    std::uniform_int_distribution<unsigned> microseconds(0, 2000);
+    // Up to two pairs of saves, so that the kills fall on every part of each.
+    std::uniform_int_distribution<unsigned> microseconds(0, 2 * microsecondsOfBothSaves());
+    const Shared<std::atomic<bool>> isSaving;
     int old = 0;
     for (int round = 0; round < rounds; ++round) {
+        *isSaving = false;
         const pid_t child = ::fork();
         ASSERT_NE(child, -1);
         if (child == 0) {
-            for (bool second = true;; second = !second)
+            for (bool second = true;; second = !second) {
                 GetParam().run(target(), second);
+                *isSaving = true;
+            }
         }
+        while (!*isSaving && ::waitpid(child, nullptr, WNOHANG) == 0)
+            ::usleep(1);
         ::usleep(microseconds(random));
         ASSERT_EQ(::kill(child, SIGKILL), 0);
         ASSERT_EQ(::waitpid(child, nullptr, 0), child);
