@@ -1,3 +1,4 @@
+#include <tests/common/child_process.h>
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/support/platform.h>
 
@@ -37,6 +38,13 @@ protected:
 
     std::unique_ptr<trv::DomTree> tree;
     trv::ParseFault fault;
+};
+
+// Says that it can go back, and cannot.
+class OneWayBuffer : public QBuffer {
+public:
+    using QBuffer::QBuffer;
+    bool seek(qint64) override { return false; }
 };
 
 QByteArray nested(int elements) {
@@ -152,6 +160,24 @@ TEST_F(DocumentParser, ReadsADeepDocumentFromADeviceThatCannotGoBack) {
     device.open(QIODevice::ReadOnly);
     EXPECT_TRUE(parse(device));
     EXPECT_EQ(depthOf(tree->document), 1000);
+}
+
+TEST_F(DocumentParser, RefusesADeepDocumentWhereNoFurtherStackCanBeHad) {
+    if (!trv::testing::can_fork) GTEST_SKIP() << "needs fork()";
+    EXPECT_TRUE(trv::testing::passesInChild([this] {
+        ASSERT_TRUE(trv::testing::forbidThreads());
+        EXPECT_TRUE(parse(nested(200)));
+        EXPECT_FALSE(parse(nested(201)));
+        EXPECT_EQ(fault.reason, QStringLiteral("no stack can be had for a document this deep"));
+    }));
+}
+
+TEST_F(DocumentParser, RefusesADeepDocumentThatCannotBeReadAgain) {
+    QByteArray bytes = nested(201);
+    OneWayBuffer device(&bytes);
+    device.open(QIODevice::ReadOnly);
+    EXPECT_FALSE(parse(device));
+    EXPECT_FALSE(fault.reason.isEmpty());
 }
 
 TEST_F(DocumentParser, RefusesElementsBeyondCountWithoutCrashing) {

@@ -180,8 +180,8 @@ TEST(XmlScreen, CountsOnBehindEveryKindOfMarkup) {
     }
     for (const char* prolog :
          {"<!DOCTYPE a>", "<!DOCTYPE a SYSTEM '>'>", "<!DOCTYPE a PUBLIC \"it's\" \"[\">",
-          "<!DOCTYPE a []>", "<!DOCTYPE a [ ] >",
-          "<!DOCTYPE a [<!ELEMENT a (b|c)*><!ATTLIST a b CDATA \"]>'\">%p;]>",
+          "<!DOCTYPE a []>", "<!DOCTYPE a [ ] >", "<!DOCTYPE a [<!ELEMENT a ] ANY>]>",
+          "<!DOCTYPE a [ > ]>", "<!DOCTYPE a [<!ELEMENT a (b|c)*><!ATTLIST a b CDATA \"]>'\">%p;]>",
           "<!DOCTYPE a [<!NOTATION n PUBLIC \"it's\"><!-- ' \" ]> --><?p ' ]> ?>]>"}) {
         const QString document = QString::fromLatin1(prolog) + QStringLiteral("<a><b><c>");
         EXPECT_EQ(refusalOf(document, 2), tooDeep) << prolog;

@@ -67,6 +67,12 @@ inline bool limitFileSize(std::uint64_t bytes) {
     return std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
 }
 
+/// From here on no thread starts. For child processes.
+inline bool forbidThreads() {
+    const rlimit limit = {0, 0};
+    return becomeOrdinaryUser() && setrlimit(RLIMIT_NPROC, &limit) == 0;
+}
+
 /// From here on no file opens: every descriptor that is left is taken. For child processes.
 inline bool exhaustDescriptors() {
     const rlimit limit = {0, 0};
@@ -87,6 +93,9 @@ inline bool becomeOrdinaryUser() {
     return false;
 }
 inline bool limitFileSize(std::uint64_t) {
+    return false;
+}
+inline bool forbidThreads() {
     return false;
 }
 inline bool exhaustDescriptors() {

@@ -162,6 +162,17 @@ TEST_F(References, FillTheResultUpTo1MiBExactly) {
     EXPECT_EQ(value("C"), "+" + std::string(limit, 'x') + "+");
 }
 
+TEST_F(References, ThatAreBadFillTheResultUpTo1MiBExactly) {
+    const std::size_t limit = std::size_t{1024} * 1024;
+    const std::string rest = "(FFFFFFFF)";
+    const std::string undefined = "$(TRVNULL)";
+    const std::string most(limit - undefined.size() - rest.size(), 'x');
+    add("A = " + most + "+" + rest);
+    EXPECT_EQ(value("A"), most + undefined + rest);
+    add("B = " + most + "x+" + rest);
+    EXPECT_EQ(value("B"), most + "x+" + rest);
+}
+
 TEST_F(References, StopAfter10000Replacements) {
     add("A = 1");
     std::string line = "B = ";

@@ -255,6 +255,24 @@ TEST_F(VariableExpansion, GivesAResultOfSixteenMebibytesAndNoMore) {
     EXPECT_EQ((Outcome{-42, ""}), expanded(longest + "$A "));
 }
 
+TEST_F(VariableExpansion, HoldsSixteenMebibytesOfOpenValuesAndNoMore) {
+    const std::string behind((std::size_t{1} << 20) - std::string_view("$V10").size(), '-');
+    for (int i = 10; i < 26; ++i)
+        store_.variable("V" + std::to_string(i) + " = $V" + std::to_string(i + 1) + behind);
+    store_.variable("V26 = y");
+    EXPECT_EQ(1 + 16 * behind.size(), expanded("$V10").text.size());
+    store_.variable("V26 = $V27");
+    store_.variable("V27 = y");
+    EXPECT_EQ((Outcome{-42, ""}), expanded("$V10"));
+}
+
+TEST_F(VariableExpansion, EndsANameBeforeAnyOtherCharacter) {
+    store_.variable("A = a");
+    for (const std::string next :
+         {"{", "|", "}", "~", "@", "[", "`", "/", ":", "-", "\x01", "\x7F"})
+        EXPECT_EQ((Outcome{0, "a" + next + "b"}), expanded("$A" + next + "b")) << next;
+}
+
 TEST_F(VariableExpansion, CountsNoValueThatIsDoneAgainstTheLimit) {
     store_.variable("LONG = $(" + std::string(std::size_t{1} << 20, 'x') + ")");
     std::string source;

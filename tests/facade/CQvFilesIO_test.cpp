@@ -101,6 +101,9 @@ TEST_F(Facade, IsCopiedWithItsDirectory) {
     CQvFilesIO moved = std::move(other);
     EXPECT_EQ(moved.absoluteFileName(L"f"s), directory_.wide() + L"/f");
     other = moved;
+    CQvFilesIO assigned(L"elsewhere");
+    assigned = std::move(moved);
+    EXPECT_EQ(assigned.absoluteFileName(L"f"s), directory_.wide() + L"/f");
     EXPECT_EQ(other.absoluteFileName(L"f"s), directory_.wide() + L"/f");
 }
 

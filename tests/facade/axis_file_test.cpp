@@ -448,6 +448,18 @@ TEST_F(AxisFile, LooksAtTheFirst511CharactersOfTheTagLine) {
     EXPECT_EQ(tagsOf(std::string(505, ' ') + "#1 2 3\n"), (Tags{1, 2, 3}));
 }
 
+TEST_F(AxisFile, ReadsATagLineOf511CharactersThatTheFileEndsWith) {
+    EXPECT_EQ(tagsOf("#1 2" + std::string(506, ' ') + "3"), (Tags{1, 2, 3}));
+    EXPECT_EQ(tagsOf("#1 2" + std::string(505, ' ') + "34"), (Tags{1, 2, 34}));
+}
+
+TEST_F(AxisFile, EndsOnADeviceThatDoesNot) {
+    if (!std::filesystem::exists("/dev/zero")) GTEST_SKIP() << "there is no endless device here";
+    Matrix matrix = {};
+    int tag = 0;
+    EXPECT_EQ(files_.readAxis(L"/dev/zero", matrix.data(), tag, tag, tag), eFileIOContentError);
+}
+
 TEST_F(AxisFile, GivesTheStatusAloneForANullMatrix) {
     Tags tags = unset;
     writeBytes(directory_ / "good", "0\n" + identityLines + "\n\n\n\n#1 2 3\n");

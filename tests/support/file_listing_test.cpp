@@ -67,11 +67,15 @@ TEST_F(FileListing, WithoutADirectoryListsBareNamesOfTheCurrentOne) {
 TEST_F(FileListing, TakesADriveForADirectory) {
     if (platform::backslash_separates()) GTEST_SKIP() << "No file can be named like a drive";
     std::filesystem::create_directory(directory_ / "a:");
+    makeFiles({"1:b", "{:b", "ab", "b"});
     std::filesystem::create_directory(directory_ / "1:");
-    makeFiles({"a:/b1", "a:/c1", "1:b"});
+    makeFiles({"a:/b1", "a:/c1"});
     const CurrentDirectory here(directory_.path());
     EXPECT_EQ(listed("a:b*"), (Names{"a:b1"}));
     EXPECT_EQ(listed("1:b*"), (Names{"1:b"}));
+    EXPECT_EQ(listed("{:b*"), (Names{"{:b"}));
+    EXPECT_EQ(listed("ab"), (Names{"ab"}));
+    EXPECT_EQ(listed("b"), (Names{"b"}));
 }
 
 TEST_F(FileListing, ListsDirectoriesAndHiddenNamesButNeverDots) {

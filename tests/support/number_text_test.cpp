@@ -286,6 +286,15 @@ TEST(NumberText, ReadsNumbersBeyondTheRangeAsInfinityOrZero) {
     expectNumber("0e99999999999999999999", 0);
     expectNumber("1" + std::string(400, '0') + "e-400", 1);
     expectNumber("0." + std::string(400, '0') + "1e401", 1);
+    expectNumber("1" + std::string(400, '0'), infinity);
+    expectNumber("." + std::string(400, '0') + "1", 0);
+    expectNumber("0x1p5000", infinity);
+    expectNumber("-0x.0001p5000", -infinity);
+    expectNumber("0x1p-5000", 0);
+    expectNumber("-0x1000p-5000", -0.0);
+    expectNumber("0x0p5000", 0);
+    expectNumber("0x1" + std::string(300, '0'), infinity);
+    expectNumber("0x." + std::string(300, '0') + "1", 0);
 }
 
 TEST(NumberText, SkipsWhiteSpaceBeforeANumber) {

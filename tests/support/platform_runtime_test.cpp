@@ -115,6 +115,13 @@ TEST_F(PlatformRuntime, SyncingHandsOverWhatIsBuffered) {
     EXPECT_EQ(bytesOf(directory_ / "f"), "text");
 }
 
+TEST_F(PlatformRuntime, SyncingWaitsForNoDeviceWhereThereIsNone) {
+    const file_handle file = open_for_write("/dev/null", file_mode::binary);
+    if (file == nullptr) GTEST_SKIP() << "There is no such device here";
+    std::fputs("text", file.get());
+    EXPECT_EQ(sync_file(file.get()), 0);
+}
+
 TEST_F(PlatformRuntime, SyncingTellsAFullDevice) {
     const file_handle file = open_for_write("/dev/full", file_mode::binary);
     if (file == nullptr) GTEST_SKIP() << "There is no full device here";

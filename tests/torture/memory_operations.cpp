@@ -1,4 +1,5 @@
 #include <tests/assembly/sample_components.h>
+#include <tests/common/file_bytes.h>
 #include <tests/environment/store_access.h>
 #include <tests/machine_context/context_samples.h>
 #include <tests/torture/operations.h>
@@ -6,6 +7,7 @@
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/support/line_source.h>
 
 #include <gtest/gtest.h>
 
@@ -182,6 +184,18 @@ Outcome walkList(Workshop& at) {
     return {status, ""};
 }
 
+Outcome readALine(Workshop& at) {
+    const std::string path = at.path("a line").string();
+    writeBytes(path, "a line\n");
+    char line[20] = "";
+    const int status = at.under([&] {
+        CL8BFile source(path.c_str());
+        static_cast<void>(source.lineNumber());
+        return static_cast<int>(source.readLine(line, sizeof line));
+    });
+    return {status, line};
+}
+
 Outcome copyARecord(Workshop& at) {
     const CMachineContextData data = allFields();
     CMachineContextData other = prefilled();
@@ -250,6 +264,7 @@ std::vector<Operation> memoryOperations() {
         {"UseAPool", 0, {-1}, usePool},
         {"ResizeABlock", 0, {-1}, resizeBlocks},
         {"WalkAList", 3, {}, walkList},
+        {"ReadALine", 7, {0}, readALine},
         {"CopyARecord", 0, {}, copyARecord},
         {"WorkOnAssemblies", 1, {}, workOnAssemblies},
         {"NameFiles", 1, {}, nameFiles},

@@ -133,13 +133,13 @@ private:
             case condition_result::yes:
                 return true;
             case condition_result::no:
-                return false;
+                break;
             case condition_result::undefined:
                 warn_of_unknown_variable(line);
-                return false;
+                break;
             case condition_result::invalid:
                 report_fatal_at(line_number_, "invalid condition: " + line);
-                return false;
+                break;
         }
         return false;
     }

@@ -8,7 +8,6 @@
 #include <trvfiles/support/dynamic_storage.h>
 
 #include <cstddef>
-#include <limits>
 #include <new>
 #include <vector>
 
@@ -25,7 +24,6 @@ struct permanent_allocator {
 
     /// @throws std::bad_alloc where the heap refuses
     T* allocate(std::size_t count) {
-        if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_alloc();
         void* block = allocate_permanent(count * sizeof(T));
         if (block == nullptr) throw std::bad_alloc();
         return static_cast<T*>(block);

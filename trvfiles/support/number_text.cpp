@@ -69,10 +69,11 @@ bool starts_hexadecimal(std::string_view text) {
     return is_hexadecimal_digit(text[2]);
 }
 
+// REQUIRES: at least one digit, and perhaps a sign before it.
 long long exponent_of(std::string_view digits) {
     constexpr long long beyond_every_mantissa = std::numeric_limits<long long>::max() / 4;
-    const bool negative = !digits.empty() && digits.front() == '-';
-    if (!digits.empty() && (negative || digits.front() == '+')) digits.remove_prefix(1);
+    const bool negative = digits.front() == '-';
+    if (negative || digits.front() == '+') digits.remove_prefix(1);
     long long exponent = 0;
     const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
     if (end.ec == std::errc::result_out_of_range) exponent = beyond_every_mantissa;
