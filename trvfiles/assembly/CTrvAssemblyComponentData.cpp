@@ -164,11 +164,9 @@ void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentD
     std::vector<ComponentBody> children;
     children.reserve(components.size());
     for (CTrvAssemblyComponentData& component : components) {
-        children.emplace_back();
         // Each goes at once, so that a long list does not stand in memory twice.
-        if (const std::unique_ptr<ComponentBody> taken = std::move(component.body_)) {
-            children.back() = std::move(*taken);
-        }
+        const std::unique_ptr<ComponentBody> taken = std::move(component.body_);
+        children.push_back(taken == nullptr ? ComponentBody() : std::move(*taken));
     }
     body.components = std::move(children);
 }

@@ -31,7 +31,6 @@ struct ComponentBody : ComponentFields {
     /// Without children.
     explicit ComponentBody(const ComponentFields& fields) : ComponentFields(fields) {}
     ComponentBody(ComponentBody&&) noexcept = default;
-    ComponentBody& operator=(ComponentBody&&) noexcept = default;
     /// Needs no memory.
     ~ComponentBody();
 
