@@ -116,8 +116,9 @@ TEST_F(PlatformRuntime, SyncingHandsOverWhatIsBuffered) {
 }
 
 TEST_F(PlatformRuntime, SyncingWaitsForNoDeviceWhereThereIsNone) {
+    if (backslash_separates()) GTEST_SKIP() << "Windows has no device that cannot be synced";
     const file_handle file = open_for_write("/dev/null", file_mode::binary);
-    if (file == nullptr) GTEST_SKIP() << "There is no such device here";
+    ASSERT_NE(file, nullptr);
     std::fputs("text", file.get());
     EXPECT_EQ(sync_file(file.get()), 0);
 }
