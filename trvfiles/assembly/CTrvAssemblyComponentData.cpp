@@ -50,7 +50,8 @@ ComponentBody& own(std::unique_ptr<ComponentBody>& body) {
 }
 
 std::unique_ptr<ComponentBody> copyOf(const std::unique_ptr<ComponentBody>& body) {
-    return body == nullptr ? nullptr : std::make_unique<ComponentBody>(body->copy());
+    if (body == nullptr) return nullptr;
+    return std::make_unique<ComponentBody>(body->copy());
 }
 
 }  // namespace

@@ -51,16 +51,13 @@ QString fromNarrow(const std::string& text) {
 // Not by fromStdWString(), which drops a first U+FEFF as a byte order mark and, behind a swapped
 // one, swaps the bytes of what follows.
 QString fromWide(const std::wstring& text) {
-    const auto isPair = [](uint code) {
+    const auto isPair = [](char32_t code) {
         return QChar::requiresSurrogates(code) && code <= QChar::LastValidCodePoint;
     };
-    const auto pairs = std::count_if(text.begin(), text.end(), [isPair](wchar_t character) {
-        return isPair(static_cast<uint>(character));
-    });
+    const auto pairs = std::count_if(text.begin(), text.end(), isPair);
     QString units(static_cast<int>(text.size()) + static_cast<int>(pairs), Qt::Uninitialized);
     QChar* next = units.data();
-    for (const wchar_t character : text) {
-        const auto code = static_cast<uint>(character);
+    for (const char32_t code : text) {
         if (isPair(code)) {
             *next++ = QChar(QChar::highSurrogate(code));
             *next++ = QChar(QChar::lowSurrogate(code));
