@@ -57,7 +57,8 @@ QString fromWide(const std::wstring& text) {
     const auto pairs = std::count_if(text.begin(), text.end(), isPair);
     QString units(static_cast<int>(text.size()) + static_cast<int>(pairs), Qt::Uninitialized);
     QChar* next = units.data();
-    for (const char32_t code : text) {
+    for (const wchar_t character : text) {
+        const auto code = static_cast<char32_t>(character);
         if (isPair(code)) {
             *next++ = QChar(QChar::highSurrogate(code));
             *next++ = QChar(QChar::lowSurrogate(code));
