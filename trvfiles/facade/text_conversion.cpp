@@ -82,7 +82,7 @@ std::wstring toWide(const QString& text) {
 }
 
 QString nativePath(const QString& path) {
-    if (platform::backslash_separates() || !path.contains(QLatin1Char('\\'))) return path;
+    if (platform::backslash_separates()) return path;
     QString native = path;
     return native.replace(QLatin1Char('\\'), QLatin1Char('/'));
 }

@@ -24,11 +24,9 @@ bool is_digit(char c) {
 }
 
 // Up to the first character that is no digit.
-inline const char* append_digits(const char* from, const char* stop, std::int64_t& digits) {
-    std::int64_t all = digits;
+const char* append_digits(const char* from, const char* stop, std::int64_t& digits) {
     for (; from != stop && is_digit(*from); ++from)
-        all = 10 * all + (*from - '0');
-    digits = all;
+        digits = 10 * digits + (*from - '0');
     return from;
 }
 
