@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace trv {
 namespace {
@@ -54,6 +55,17 @@ TEST(MessageStore, AddsASecondSectionOfANameThatNoLookupSees) {
     EXPECT_EQ(add_section(store, "var"), 1);
     EXPECT_EQ(find_section(store, "var"), 0);
     EXPECT_EQ(find_or_add_section(store, "var"), 0);
+}
+
+TEST(MessageStore, FindsSectionsInAnyOrder) {
+    const Store store;
+    for (const char* name : {"a", "b", "b", "ab", "a"})
+        add_section(store, name);
+    const std::vector<std::string> asked = {"b", "b", "a", "c", "a", "ab", "", "ab", "b", "a"};
+    std::vector<int> found;
+    for (const std::string& name : asked)
+        found.push_back(find_section(store, name.c_str()));
+    EXPECT_THAT(found, ElementsAre(1, 1, 0, -1, 0, 3, -1, 3, 1, 0));
 }
 
 TEST(MessageStore, FindsASectionBeforeItAddsOne) {

@@ -255,6 +255,23 @@ TEST_F(VariableExpansion, GivesAResultOfSixteenMebibytesAndNoMore) {
     EXPECT_EQ((Outcome{-42, ""}), expanded(longest + "$A "));
 }
 
+// Whatever the room that a result has grown out of when a reference or the end comes.
+TEST_F(VariableExpansion, PutsTogetherResultsOfAnyLength) {
+    store_.variable("A = xy");
+    store_.variable("B = <$A>");
+    for (std::size_t length = 0; length < 600; ++length) {
+        const std::string text(length, 't');
+        store_.variable("LONG = " + text + "$A");
+        EXPECT_EQ((Outcome{0, text}), expanded(text));
+        EXPECT_EQ((Outcome{0, text + "xy"}), expanded(text + "$A"));
+        EXPECT_EQ((Outcome{0, "xy" + text + "<xy>" + text}),
+                  expanded("${A}" + text + "${B}" + text));
+        EXPECT_EQ((Outcome{0, text + "$" + text + "xy" + text}),
+                  expanded(text + "$$${LONG}" + text));
+        EXPECT_EQ((Outcome{EXP_UNDEFINED, text + text}), expanded(text + "${NONE}" + text));
+    }
+}
+
 TEST_F(VariableExpansion, HoldsSixteenMebibytesOfOpenValuesAndNoMore) {
     const std::string behind((std::size_t{1} << 20) - std::string_view("$V10").size(), '-');
     for (int i = 10; i < 26; ++i)

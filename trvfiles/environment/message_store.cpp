@@ -167,12 +167,16 @@ void destroy_store(message_store* store) {
     _Wfree(store);
 }
 
+int search_section(const message_store& store, std::string_view name) {
+    const std::uint32_t found = store.section_names.first(
+        hash_name(name), [&](std::uint32_t place) { return store.sections[place].has_name(name); });
+    if (found == name_index::none) return -1;
+    store.last_found = found;
+    return static_cast<int>(found);
+}
+
 int find_section(const message_store* store, const char* name) {
-    if (store == nullptr || name == nullptr) return -1;
-    const std::uint32_t section = store->section_names.first(
-        hash_name(name),
-        [&](std::uint32_t place) { return std::strcmp(store->sections[place].name(), name) == 0; });
-    return section == name_index::none ? -1 : static_cast<int>(section);
+    return store == nullptr || name == nullptr ? -1 : find_section(*store, name);
 }
 
 std::uint16_t add_section(message_store* store, const char* name) {
@@ -290,23 +294,29 @@ int remove_parameter(message_store* store, int section, const char* name) {
     return 0;
 }
 
+std::string_view find_value(const message_store& store, int section, std::string_view name,
+                            bool exact, const text_record** record) {
+    if (record != nullptr) *record = nullptr;
+    const store_section* target = section_at(&store, section);
+    if (target == nullptr) return {};
+    const int number = target->find_live_entry(store.texts, name, exact);
+    if (number < 0) return {};
+    const std::int32_t text = target->text(number);
+    std::string_view value = entry_value(store.texts.at(text));
+    if (value.find('+') != std::string_view::npos) {
+        // Handlers of the trace channel may look up, or add to the store, in the meantime.
+        resolved_value = resolve_references(store, text);
+        value = resolved_value;
+    }
+    if (record != nullptr) *record = &store.texts.record(text);
+    return value;
+}
+
 const char* find_parameter(const message_store* store, int section, const char* name, bool exact,
                            const text_record** record) {
     if (record != nullptr) *record = nullptr;
-    const store_section* target = section_at(store, section);
-    if (target == nullptr) return nullptr;
-    const int number = target->find_live_entry(store->texts, text_of(name), exact);
-    if (number < 0) return nullptr;
-    const std::int32_t text = target->text(number);
-    const std::string_view found = entry_value(store->texts.at(text));
-    const char* value = found.data();
-    if (found.find('+') != std::string_view::npos) {
-        // Handlers of the trace channel may look up, or add to the store, in the meantime.
-        resolved_value = resolve_references(*store, text);
-        value = resolved_value.c_str();
-    }
-    if (record != nullptr) *record = &store->texts.record(text);
-    return value;
+    if (store == nullptr) return nullptr;
+    return find_value(*store, section, text_of(name), exact, record).data();
 }
 
 int describe_origin(char* buffer, std::size_t size, const message_store* store, const char* text) {

@@ -15,7 +15,8 @@ int number_of(std::uint32_t place) {
 
 }  // namespace
 
-store_section::store_section(std::string_view name) {
+store_section::store_section(std::string_view name)
+    : name_length_(static_cast<std::uint8_t>(name.size())) {
     std::copy(name.begin(), name.end(), name_);
 }
 

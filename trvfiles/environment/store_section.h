@@ -25,6 +25,9 @@ public:
     explicit store_section(std::string_view name);
 
     const char* name() const { return name_; }
+    bool has_name(std::string_view name) const {
+        return name == std::string_view(name_, name_length_);
+    }
     int message_count() const { return static_cast<int>(texts_.size()); }
     bool has_message(int number) const { return number >= 0 && number < message_count(); }
 
@@ -53,6 +56,7 @@ public:
 
 private:
     char name_[longest_name + 1] = "";
+    std::uint8_t name_length_;
     stored_vector<std::int32_t> texts_;
     // Every entry by its exact name; entries that are not deleted by their name without case.
     name_index exact_names_;

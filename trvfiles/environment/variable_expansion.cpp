@@ -1,10 +1,11 @@
 #include <trvfiles/environment/text_list.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variable_lookup.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/diagnostics.h>
 
+#include <array>
 #include <memory>
-#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -19,15 +20,70 @@ constexpr std::size_t most_replacements = 1'000'000;
 constexpr char variable_marker = '$';
 constexpr char path_marker = '?';
 
-std::size_t next_marker(std::string_view text, std::size_t from) {
-    while (from < text.size() && text[from] != variable_marker && text[from] != path_marker)
-        ++from;
-    return from;
+// A set of characters that is asked for each character of a text.
+class character_set {
+public:
+    template <class Predicate>
+    constexpr explicit character_set(Predicate holds) {
+        for (std::size_t code = 0; code < members_.size(); ++code)
+            members_[code] = holds(static_cast<char>(code));
+    }
+    bool holds(char c) const { return members_[static_cast<unsigned char>(c)]; }
+
+private:
+    std::array<bool, 256> members_ = {};
+};
+
+constexpr character_set markers_and_end([](char c) {
+    return c == variable_marker || c == path_marker || c == '\0';
+});
+// Names are ASCII in every locale.
+constexpr character_set name_characters([](char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
+});
+
+// A result while it grows. Its end stands in place, which for most results is all of it.
+class growing_result {
+public:
+    // Takes in what stands before the first marker of a text, or the whole text where there is
+    // none, and returns where that ends.
+    const char* add_to_marker(const char* text);
+    void add(std::string_view text);
+    std::size_t size() const { return beginning_.size() + end_length_; }
+    void move_to(std::string& output);
+
+private:
+    void make_room() {
+        beginning_.append(end_.data(), end_length_);
+        end_length_ = 0;
+    }
+
+    std::string beginning_;
+    std::array<char, 256> end_;
+    std::size_t end_length_ = 0;
+};
+
+const char* growing_result::add_to_marker(const char* text) {
+    while (true) {
+        while (end_length_ < end_.size() && !markers_and_end.holds(*text))
+            end_[end_length_++] = *text++;
+        if (end_length_ < end_.size()) return text;
+        make_room();
+    }
 }
 
-// Names are ASCII in every locale.
-bool is_name_character(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
+void growing_result::add(std::string_view text) {
+    make_room();
+    beginning_ += text;
+}
+
+void growing_result::move_to(std::string& output) {
+    if (beginning_.empty()) {
+        output.assign(end_.data(), end_length_);
+        return;
+    }
+    make_room();
+    output = std::move(beginning_);
 }
 
 // The origin in full, however long the name of a file in it.
@@ -61,15 +117,10 @@ void trace_lookup(char marker, const std::string& name, const char* found,
 // limited by memory alone.
 class expander {
 public:
-    explicit expander(const char* source) {
-        // Most results are paths of about this length.
-        constexpr std::size_t usual_length = 63;
-        current_.text = source;
-        result_.reserve(usual_length);
-    }
+    explicit expander(const char* source) : current_{source} {}
 
     int run();
-    std::string take_result() { return std::move(result_); }
+    void move_result_to(std::string& output) { result_.move_to(output); }
 
 private:
     // The source, or the value of a reference in the text around it.
@@ -80,11 +131,11 @@ private:
     };
 
     int step();
-    int replace(char marker, const std::string& name);
-    bool is_open(char marker, const std::string& name) const {
-        return nesting_ != nullptr && nesting_->references.count(marker + name) != 0;
+    int replace(char marker);
+    bool is_open(char marker) const {
+        return nesting_ != nullptr && nesting_->references.count(marker + name_) != 0;
     }
-    void open(std::string reference, std::string value);
+    void open(std::string reference, std::string value, std::size_t next);
     void close();
 
     // What only values with references in them need.
@@ -96,11 +147,13 @@ private:
     };
 
     open_text current_;
+    // Of the reference that has been read last.
+    std::string name_;
     std::unique_ptr<nesting> nesting_;
     bool is_closed_ = false;
     bool is_traced_ = false;
     std::size_t replacements_ = 0;
-    std::string result_;
+    growing_result result_;
 };
 
 int expander::run() {
@@ -116,70 +169,72 @@ int expander::run() {
 
 // Copies what stands before the next marker, and then deals with that one or with the text's end.
 int expander::step() {
-    const std::string_view text = current_.text;
-    const std::size_t mark = next_marker(text, current_.next);
-    result_.append(text, current_.next, mark - current_.next);
-    if (mark == text.size()) {
+    const char* const text = current_.text.c_str();
+    const auto offset_of = [text](const char* place) {
+        return static_cast<std::size_t>(place - text);
+    };
+    const char* const mark = result_.add_to_marker(text + current_.next);
+    const char marker = *mark;
+    if (marker == '\0') {
         close();
         return EXP_OK;
     }
 
-    const char marker = text[mark];
-    const std::string_view rest = text.substr(mark + 1);
-    const char follower = rest.empty() ? '\0' : rest.front();
-    if (follower == marker) {
-        result_ += marker;
-        current_.next = mark + 2;
+    const char* name = mark + 1;
+    if (*name == marker) {
+        result_.add({&marker, 1});
+        current_.next = offset_of(name + 1);
         return EXP_OK;
     }
-    if (follower == '{' || follower == '(') {
-        const std::size_t closer = rest.find(follower == '{' ? '}' : ')');
-        if (closer == std::string_view::npos) return EXP_SYNTAX_ERROR;
-        current_.next = mark + closer + 2;
-        return replace(marker, std::string(rest.substr(1, closer - 1)));
+    const char* end = name;
+    if (*name == '{' || *name == '(') {
+        const char closer = *name == '{' ? '}' : ')';
+        end = ++name;
+        while (*end != closer && *end != '\0')
+            ++end;
+        if (*end == '\0') return EXP_SYNTAX_ERROR;
+        current_.next = offset_of(end + 1);
+    } else {
+        while (name_characters.holds(*end))
+            ++end;
+        current_.next = offset_of(end);
     }
-    std::size_t length = 0;
-    while (length < rest.size() && is_name_character(rest[length]))
-        ++length;
-    current_.next = mark + 1 + length;
-    return replace(marker, std::string(rest.substr(0, length)));
+    name_.assign(name, end);
+    return replace(marker);
 }
 
-int expander::replace(char marker, const std::string& name) {
-    if (++replacements_ > most_replacements || is_open(marker, name)) return EXP_NAME_TOO_LONG;
+int expander::replace(char marker) {
+    if (++replacements_ > most_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
 
     const char* found =
-        marker == variable_marker ? get_variable(name.c_str()) : get_path_variable(name.c_str());
+        marker == variable_marker ? find_variable(name_) : get_path_variable(name_.c_str());
     // Asked once for an expansion, and after a lookup, because that may load the environment.
     if (replacements_ == 1) is_traced_ = trace_is_seen();
-    std::string_view value = found == nullptr ? "" : found;
+    const char* value = found;
     std::string kept;
     if (is_traced_) {
         // What was found is good until the next lookup only, be it one of a trace handler.
-        kept = value;
-        value = kept;
-        trace_lookup(marker, name, found, kept);
+        if (found != nullptr) value = (kept = found).c_str();
+        trace_lookup(marker, name_, found, kept);
     }
     if (found == nullptr) {
-        result_ += null_value(name.c_str());
+        result_.add(null_value(name_.c_str()));
         return EXP_UNDEFINED;
     }
-    if (next_marker(value, 0) == value.size()) {
-        result_ += value;
-        return EXP_OK;
-    }
-    open(marker + name, std::string(value));
+    const char* const rest = result_.add_to_marker(value);
+    if (*rest == '\0') return EXP_OK;
+    open(marker + name_, value, static_cast<std::size_t>(rest - value));
     return nesting_->open_length > longest_result ? EXP_NAME_TOO_LONG : EXP_OK;
 }
 
 // What is open goes into the result but for its references: it is bounded like the result, so that
 // a deep chain of long values ends before memory does.
-void expander::open(std::string reference, std::string value) {
+void expander::open(std::string reference, std::string value, std::size_t next) {
     if (nesting_ == nullptr) nesting_ = std::make_unique<nesting>();
     nesting_->open_length += value.size();
     nesting_->references.insert(reference);
     nesting_->around.push_back(std::move(current_));
-    current_ = {std::move(value), 0, std::move(reference)};
+    current_ = {std::move(value), next, std::move(reference)};
 }
 
 void expander::close() {
@@ -208,7 +263,11 @@ int expand_variables(const char* source, std::string* output) {
     // The source may lie in the output, which is therefore touched last.
     expander expansion(source);
     const int code = expansion.run();
-    *output = is_expand_error(code) ? std::string() : expansion.take_result();
+    if (is_expand_error(code)) {
+        output->clear();
+    } else {
+        expansion.move_result_to(*output);
+    }
     return code;
 }
 

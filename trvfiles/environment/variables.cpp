@@ -1,4 +1,6 @@
+#include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variable_lookup.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/ascii_case.h>
 #include <trvfiles/support/blanks.h>
@@ -48,11 +50,16 @@ const char* parameter(const message_store* store, const char* section, const cha
     return index < 0 ? nullptr : find_parameter(store, index, name, false);
 }
 
-const char* configured_value(const char* section, const char* name) {
-    const char* value = parameter(loaded_stores.environment, section, name);
+// The value of an entry of the environment's store, of which its trailing blanks are cut.
+const char* configured_value(std::string_view section, std::string_view name) {
+    const message_store* store = loaded_stores.environment;
+    if (store == nullptr) return nullptr;
+    const std::string_view value = find_value(*store, find_section(*store, section), name, false);
+    if (value.data() == nullptr) return nullptr;
+    const std::size_t kept = trim_trailing(value).size();
     // The store's texts are its own to change; it only hands them out as constant ones.
-    cut_trailing_blanks(const_cast<char*>(value));
-    return value;
+    if (kept < value.size()) const_cast<char*>(value.data())[kept] = '\0';
+    return value.data();
 }
 
 int write_origin(char* buffer, std::size_t size, std::string_view origin) {
@@ -63,13 +70,15 @@ int write_origin(char* buffer, std::size_t size, std::string_view origin) {
 
 }  // namespace
 
-const char* get_variable(const char* name) {
-    if (name == nullptr) return nullptr;
-    const std::string_view asked = name;
-    if (asked == temporary_directory_name) return runtime_hooks.temporary_directory();
-    if (asked == zone_name) runtime_hooks.prepare_zone();
-    const char* value = environment_value_or_load(name);
+const char* find_variable(std::string_view name) {
+    if (name == temporary_directory_name) return runtime_hooks.temporary_directory();
+    if (name == zone_name) runtime_hooks.prepare_zone();
+    const char* value = environment_value_or_load(name.data());
     return value != nullptr ? value : configured_value("var", name);
+}
+
+const char* get_variable(const char* name) {
+    return name == nullptr ? nullptr : find_variable(name);
 }
 
 const char* get_path_variable(const char* name) {
