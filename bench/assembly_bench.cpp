@@ -48,8 +48,8 @@ struct Sample {
           otherPlain(plain),
           ours(record(plain)),
           otherOurs(ours),
-          file(workFile("assembly-" + std::to_string(leaves) + ".xml")),
-          target(workFile("written-" + std::to_string(leaves) + ".xml")) {
+          file(memoryFile("assembly-" + std::to_string(leaves) + ".xml")),
+          target(memoryFile("written-" + std::to_string(leaves) + ".xml")) {
         require(CQvFilesIO::sWriteTrvAssembly(wide(file), ours) == eFileIOSuccess,
                 "writing the sample assembly");
     }
