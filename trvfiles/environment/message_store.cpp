@@ -296,7 +296,6 @@ int remove_parameter(message_store* store, int section, const char* name) {
 
 std::string_view find_value(const message_store& store, int section, std::string_view name,
                             bool exact, const text_record** record) {
-    if (record != nullptr) *record = nullptr;
     const store_section* target = section_at(&store, section);
     if (target == nullptr) return {};
     const int number = target->find_live_entry(store.texts, name, exact);

@@ -36,6 +36,7 @@ inline int find_section(const message_store& store, std::string_view name) {
 
 /// find_parameter() of a name whose length is known.
 ///
+/// @param record  set where a value is found, otherwise left alone
 /// @return the value; a view of nothing, with a null pointer, for none
 std::string_view find_value(const message_store& store, int section, std::string_view name,
                             bool exact, const text_record** record = nullptr);
