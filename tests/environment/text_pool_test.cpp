@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -66,6 +68,32 @@ TEST(TextPool, KeepsOffsetsRecordsAndNamesWhileItGrows) {
         ASSERT_EQ(files[i], files[i % 2000]);
         ASSERT_EQ(pool.origin(texts[i]), "from 'file " + std::to_string(i % 2000) + "' line 0");
     }
+}
+
+// The room is promised, not filled: it takes addresses rather than memory.
+TEST(TextPool, HasRoomForTwoGigabytesAtMost) {
+    constexpr std::size_t around = 16;  // a record and its alignment
+    constexpr std::size_t most = (std::size_t{1} << 31) - 1024 - around;
+    text_pool pool;
+    const std::int32_t text = add(pool, "text");
+    EXPECT_THROW(pool.reserve_texts(1, most), std::bad_alloc);
+    EXPECT_THROW(pool.reserve_texts(1, std::size_t{1} << 40), std::bad_alloc);
+    EXPECT_EQ(add(pool, "next"), text + 20);
+    const std::size_t used = 12 + 8 + 12 + 8;
+    pool.reserve_texts(1, most - used);
+    EXPECT_STREQ(pool.at(text), "text");
+    EXPECT_THROW(pool.reserve_texts(1, most - used + 1), std::bad_alloc);
+    EXPECT_EQ(add(pool, "last"), text + 40);
+}
+
+TEST(TextPool, GrowsThoughLessThanHalfOfItIsLeftToTheLimit) {
+    constexpr std::size_t megabyte = std::size_t{1} << 20;
+    text_pool pool;
+    pool.reserve_texts(1, 1400 * megabyte);
+    pool.reserve_texts(1, 1500 * megabyte);
+    pool.reserve_texts(1, 2047 * megabyte);
+    EXPECT_EQ(add(pool, "text"), 12);
+    EXPECT_THROW(pool.reserve_texts(1, 2048 * megabyte), std::bad_alloc);
 }
 
 }  // namespace

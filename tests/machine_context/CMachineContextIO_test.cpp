@@ -367,6 +367,15 @@ TEST_F(MachineContextFile, HasFormatVersionTwo) {
     EXPECT_EQ(file.getVersion(), 2);
 }
 
+TEST_F(MachineContextFile, IsWrittenBehindWhatItsHeaderHoldsAlready) {
+    CMachineContextIO file(QString::fromStdWString(path.wstring()));
+    file.setHeaderValue("author", "shop");
+    EXPECT_EQ(file.write(firstOperation()), eFileIOSuccess);
+    const std::string text = textOf(path);
+    EXPECT_EQ(text.substr(0, text.find("[machine]")),
+              "[header]\nauthor=shop\nversion=2\ncomment=first op\nname=Setup A\n");
+}
+
 TEST_F(MachineContextFile, ReleasesItsStoreThroughItsBase) {
     char before[64];
     trv::storage_report(before, sizeof before);

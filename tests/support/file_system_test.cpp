@@ -1,3 +1,4 @@
+#include <tests/common/child_process.h>
 #include <tests/common/current_directory.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
@@ -255,6 +256,18 @@ TEST_F(FileSystem, The128ByteFormRefusesALongerDirectory) {
     char buffer[128];
     EXPECT_EQ(current_directory_name(buffer), nullptr);
     EXPECT_STREQ(buffer, "");
+}
+
+TEST_F(FileSystem, ACurrentDirectoryThatIsGoneHasNoName) {
+    if (!testing::can_fork) GTEST_SKIP() << "a directory in use cannot be removed here";
+    makeDirectories("gone");
+    EXPECT_TRUE(testing::passesInChild([&] {
+        std::filesystem::current_path(directory_ / "gone");
+        std::filesystem::remove(directory_ / "gone");
+        char buffer[128] = "~";
+        EXPECT_EQ(current_directory_name(buffer), nullptr);
+        EXPECT_STREQ(buffer, "");
+    }));
 }
 
 TEST_F(FileSystem, TheSameDirectoryHasOneIdentity) {

@@ -4,6 +4,7 @@
 #include <tests/common/system.h>
 #include <tests/torture/failing_allocations.h>
 #include <tests/torture/operation_test.h>
+#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/dynamic_storage.h>
 
 #include <sys/wait.h>
@@ -169,6 +170,35 @@ TEST_P(FailingAllocationsOf, AreToldAndLoseNothing) {
         EXPECT_TRUE(hasMet(outOfMemory));
     }
 }
+
+#if !TRV_TORTURE_OF_QT
+// More blocks than the first tables of the register of blocks hold.
+TEST(FailingAllocation, OfABlockOrOfItsPlaceInTheRegisterGivesNoBlock) {
+    EXPECT_TRUE(passesInChild([] {
+        set_error_handler([](const char*) {});
+        FailingAllocations fault(AllocationKind::ofCheckedHeap, 1, true);
+        const auto mark = [](std::size_t number) { return static_cast<char>(number % 127); };
+        std::vector<char*> blocks;
+        while (blocks.size() < 5000) {
+            fault.arm();
+            void* const none = _Wmalloc(permanent_tag, 1);
+            void* const same =
+                blocks.empty() ? nullptr : _Wrealloc(permanent_tag, blocks.back(), 5000);
+            fault.disarm();
+            ASSERT_EQ(none, nullptr);
+            ASSERT_EQ(same, nullptr);
+            auto* const block = static_cast<char*>(_Wmalloc(permanent_tag, 1));
+            ASSERT_NE(block, nullptr);
+            *block = mark(blocks.size());
+            blocks.push_back(block);
+        }
+        for (std::size_t number = 0; number < blocks.size(); ++number) {
+            ASSERT_EQ(*blocks[number], mark(number));
+            ASSERT_EQ(_Wfree(blocks[number]), 0);
+        }
+    }));
+}
+#endif
 
 // Those in which Qt loses memory have a program of their own.
 std::vector<Operation> operationsOfProgram() {

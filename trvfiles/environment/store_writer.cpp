@@ -117,17 +117,15 @@ public:
 
     /// @return 0, or the system's number for what went wrong
     int write_and_replace(const std::string& text) {
-        errno = 0;
-        if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) return reason();
+        errno = EIO;  // for a failure that leaves no number of its own
+        if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) return errno;
         if (const int failure = platform::sync_file(file_.get()); failure != 0) return failure;
-        if (std::fclose(file_.release()) != 0) return reason();
+        if (std::fclose(file_.release()) != 0) return errno;
         exists_ = false;
         return platform::replace_file(name_.c_str(), target_.c_str());
     }
 
 private:
-    static int reason() { return errno != 0 ? errno : EIO; }
-
     std::string name_;
     std::string target_;
     platform::file_handle file_;

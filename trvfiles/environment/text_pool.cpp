@@ -11,7 +11,8 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr std::int32_t initial_pool_size = 1024;
-constexpr std::size_t largest_pool = INT32_MAX;
+// The pool grows by as much as it begins with, and offsets are 32 bits.
+constexpr std::size_t largest_pool = INT32_MAX / initial_pool_size * initial_pool_size;
 constexpr std::size_t farthest_behind_start = 1024;
 
 static_assert(sizeof(text_record) == 12 && alignof(text_record) == 4);
@@ -37,11 +38,9 @@ void text_pool::reserve_bytes(std::size_t bytes) {
     if (bytes <= reserved - used) return;
     if (bytes > largest_pool - used) throw std::bad_alloc();
     std::size_t step = used + bytes - reserved;
-    // Growing by half makes a long load linear. Near the maximum, what is needed has to do.
-    const std::size_t generous = std::max(step, reserved / 2);
-    if (generous < largest_pool - reserved && storage_fits(generous + initial_pool_size)) {
-        step = generous;
-    }
+    // Growing by half makes a long load linear. Near the storage maximum, what is needed has to do.
+    const std::size_t generous = std::min(std::max(step, reserved / 2), largest_pool - reserved);
+    if (storage_fits(generous + initial_pool_size)) step = generous;
     if (pool_reserve(pool_.get(), static_cast<std::int32_t>(step)) < 0) throw std::bad_alloc();
     reserved_ = pool_used(pool_.get());
     base_ = static_cast<char*>(pool_address(pool_.get(), 0));
@@ -62,7 +61,6 @@ std::int32_t text_pool::put(std::string_view text) noexcept {
 
 void text_pool::reserve_texts(std::size_t count, std::size_t length) {
     constexpr std::size_t most_around_a_text = sizeof(text_record) + alignof(text_record);
-    if (length > largest_pool) throw std::bad_alloc();
     reserve_room(texts_, count);
     reserve_bytes(count * most_around_a_text + length);
 }
@@ -81,7 +79,6 @@ std::int32_t text_pool::add_file_name(std::string_view name) {
         hash, [&](std::uint32_t place) { return at(file_names_[place]) == name; });
     if (known != name_index::none) return file_names_[known];
 
-    if (name.size() > largest_pool) throw std::bad_alloc();
     const auto place = static_cast<std::uint32_t>(file_names_.size());
     reserve_room(file_names_);
     file_name_index_.reserve(place);

@@ -80,12 +80,11 @@ long long exponent_of(std::string_view digits) {
 }
 
 // Whether a number that does not fit a double is too large rather than too small: its first digit
-// other than 0, with the exponent applied, stands before the point.
+// other than 0, with the exponent applied, stands before the point. REQUIRES: there is such a digit.
 bool is_too_large(std::string_view number, bool hexadecimal) {
     const std::size_t mark = number.find_first_of(hexadecimal ? "pP" : "eE");
     const std::string_view mantissa = number.substr(0, mark);
     const std::size_t first = mantissa.find_first_not_of("0.");
-    if (first == std::string_view::npos) return false;
     const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
     const auto places = static_cast<long long>(point) - static_cast<long long>(first);
     const long long exponent =

@@ -53,8 +53,11 @@ file_handle open_stream(const char* path, const char* mode) {
 
 file_handle open_no_directory(const char* path) {
     file_handle file = open_stream(path, "re");
+    if (file == nullptr) return file;
+    // Where there is no status, reading tells.
     struct stat status = {};
-    if (file != nullptr && ::fstat(::fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode)) {
+    ::fstat(::fileno(file.get()), &status);
+    if (S_ISDIR(status.st_mode)) {
         file.reset();
         errno = EISDIR;
     }
@@ -95,6 +98,19 @@ void* run(void* argument) {
 void require(int status, const char* what) {
     if (status != 0) throw std::system_error(status, std::generic_category(), what);
 }
+
+class thread_attributes {
+public:
+    thread_attributes() { require(::pthread_attr_init(&attributes_), "pthread_attr_init"); }
+    ~thread_attributes() { ::pthread_attr_destroy(&attributes_); }
+    thread_attributes(const thread_attributes&) = delete;
+    thread_attributes& operator=(const thread_attributes&) = delete;
+
+    pthread_attr_t* get() { return &attributes_; }
+
+private:
+    pthread_attr_t attributes_;
+};
 
 }  // namespace
 
@@ -237,14 +253,12 @@ void breakpoint_trap() {
 
 void call_on_stack(std::size_t bytes, const std::function<void()>& work) {
     stack_call call{work, nullptr};
-    pthread_attr_t attributes;
-    require(::pthread_attr_init(&attributes), "pthread_attr_init");
-    pthread_t thread = {};
+    thread_attributes attributes;
     const auto least = static_cast<std::size_t>(PTHREAD_STACK_MIN);
-    int status = ::pthread_attr_setstacksize(&attributes, std::max(bytes, least));
-    if (status == 0) status = ::pthread_create(&thread, &attributes, run, &call);
-    ::pthread_attr_destroy(&attributes);
-    require(status, "pthread_create");
+    require(::pthread_attr_setstacksize(attributes.get(), std::max(bytes, least)),
+            "pthread_attr_setstacksize");
+    pthread_t thread = {};
+    require(::pthread_create(&thread, attributes.get(), run, &call), "pthread_create");
     ::pthread_join(thread, nullptr);
     if (call.thrown != nullptr) std::rethrow_exception(call.thrown);
 }
