@@ -17,16 +17,19 @@ namespace {
 struct FaultKind {
     int reason;
     bool forEver;
+    bool handlersThrow;
 };
 
 // No signal interrupts every call for ever.
-constexpr FaultKind faultKinds[] = {{EIO, false},    {EIO, true},     {ENOSPC, false},
-                                    {ENOSPC, true},  {EMFILE, false}, {EMFILE, true},
-                                    {EACCES, false}, {EACCES, true},  {EINTR, false}};
+constexpr FaultKind faultKinds[] = {
+    {EIO, false, false},    {EIO, true, false},    {ENOSPC, false, false}, {ENOSPC, true, false},
+    {EMFILE, false, false}, {EMFILE, true, false}, {EACCES, false, false}, {EACCES, true, false},
+    {EINTR, false, false},  {EIO, false, true},    {EIO, true, true}};
 
 std::string describe(const FaultKind& kind, int number) {
     return "call " + std::to_string(number) + (kind.forEver ? " and all later ones: " : ": ") +
-           std::strerror(kind.reason);
+           std::strerror(kind.reason) +
+           (kind.handlersThrow ? ", of which a handler makes an exception" : "");
 }
 
 class FailingCallsOf : public OperationTest {
@@ -50,9 +53,13 @@ protected:
             Workshop at(directory.path(), calls);
             const Files found = filesOf(directory.path());
             const auto descriptors = openDescriptors();
+            if (kind.handlersThrow) letHandlersThrow();
             const Outcome outcome = operation().run(at);
+            silence();
             EXPECT_EQ(openDescriptors(), descriptors);
-            if (!operation().givesSystemErrors || outcome.status != -kind.reason) {
+            if (outcome.status == handlerThrew) {
+                EXPECT_TRUE(kind.handlersThrow);
+            } else if (!operation().givesSystemErrors || outcome.status != -kind.reason) {
                 expectDocumented(outcome);
             }
             const bool isComplete = outcome.status == operation().success;

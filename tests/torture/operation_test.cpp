@@ -40,6 +40,12 @@ void OperationTest::silence() {
     set_trace_handler(nothing);
 }
 
+void OperationTest::letHandlersThrow() {
+    const auto failure = [](const char*) { throw HandlerFailure(); };
+    set_error_handler(failure);
+    set_fatal_handler(failure);
+}
+
 void OperationTest::expectDocumented(const Outcome& outcome) const {
     if (outcome.status != operation().success) {
         EXPECT_EQ(operation().failures.count(outcome.status), 1U) << outcome.status;

@@ -23,8 +23,10 @@ protected:
 
     static const Operation& operation() { return GetParam(); }
 
-    /// Replaces the handlers of the channels by ones that return.
+    /// Replaces the handlers of the channels by ones that return, or those of errors by ones that
+    /// throw a HandlerFailure.
     static void silence();
+    static void letHandlersThrow();
 
     /// Whether the answer is a success with the full result or a documented failure.
     void expectDocumented(const Outcome& outcome) const;

@@ -32,8 +32,12 @@ public:
     void disarm() override {}
 };
 
-/// In place of a status: the operation threw std::bad_alloc.
+/// What a handler of the host throws.
+struct HandlerFailure {};
+
+/// In place of a status: the operation threw std::bad_alloc, or a handler threw.
 inline constexpr int threwBadAlloc = 1000;
+inline constexpr int handlerThrew = 1001;
 
 /// All files of a directory and below it: by relative name, their bytes. Directories have none.
 using Files = std::map<std::string, std::string>;
@@ -59,6 +63,8 @@ public:
             return static_cast<int>(call());
         } catch (const std::bad_alloc&) {
             return threwBadAlloc;
+        } catch (const HandlerFailure&) {
+            return handlerThrew;
         }
     }
 

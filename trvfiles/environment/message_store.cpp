@@ -4,6 +4,7 @@
 #include <trvfiles/environment/reference_resolver.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/permanent_block.h>
 
 #include <algorithm>
 #include <cstring>
@@ -151,12 +152,13 @@ bool write_newlines(char* text) {
 }  // namespace
 
 message_store* create_store() {
-    void* block = allocate_permanent(sizeof(message_store));
+    permanent_block block(allocate_permanent(sizeof(message_store)));
     if (block == nullptr) return nullptr;
     try {
-        return new (block) message_store();
+        auto* const store = new (block.get()) message_store();
+        static_cast<void>(block.release());
+        return store;
     } catch (const std::bad_alloc&) {
-        _Wfree(block);
         return nullptr;
     }
 }

@@ -1,8 +1,8 @@
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/dynamic_storage.h>
+#include <trvfiles/support/permanent_block.h>
 
 #include <cstring>
-#include <memory>
 #include <new>
 #include <string>
 
@@ -21,12 +21,6 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr std::int64_t alignment = 4;
-
-struct block_deleter {
-    void operator()(void* block) const noexcept { _Wfree(block); }
-};
-// Freed on every way out, also when a host's handler throws.
-using permanent_block = std::unique_ptr<void, block_deleter>;
 
 std::int64_t round_up(std::int64_t value, std::int64_t step) {
     return (value + step - 1) / step * step;
