@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 
 #include <functional>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -27,6 +28,9 @@ struct Work {
     std::function<void()> prepare;
     std::function<void()> run;
 };
+
+/// Of a ratio that is measured to be compared with others.
+inline constexpr double noBound = std::numeric_limits<double>::infinity();
 
 struct Peer {
     std::string name;

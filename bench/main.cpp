@@ -131,15 +131,22 @@ std::string figureText(const Row& row, double figure) {
     return text;
 }
 
+std::string boundText(const Row& row) {
+    if (row.bound == noBound) return "-";
+    char text[20];
+    std::snprintf(text, sizeof text, "%.2f", row.bound);
+    return text;
+}
+
 void printHeader() {
     std::printf("%-36s %-36s %14s %14s %7s %7s\n", "name", "other", "trvfiles", "other", "ratio",
                 "bound");
 }
 
 void print(const Row& row) {
-    std::printf("%-36s %-36s %14s %14s %7.2f %7.2f%s\n", row.work.c_str(), row.peer.c_str(),
+    std::printf("%-36s %-36s %14s %14s %7.2f %7s%s\n", row.work.c_str(), row.peer.c_str(),
                 figureText(row, row.ours).c_str(), figureText(row, row.other).c_str(), row.ratio(),
-                row.bound, row.isMissed() ? "  MISSED" : "");
+                boundText(row).c_str(), row.isMissed() ? "  MISSED" : "");
     std::fflush(stdout);
 }
 
@@ -151,7 +158,7 @@ QJsonObject json(const Row& row) {
         {QStringLiteral("trvfilesMedian"), row.ours},
         {QStringLiteral("otherMedian"), row.other},
         {QStringLiteral("ratio"), row.ratio()},
-        {QStringLiteral("bound"), row.bound},
+        {QStringLiteral("bound"), row.bound == noBound ? QJsonValue() : QJsonValue(row.bound)},
         {QStringLiteral("missed"), row.isMissed()}};
 }
 
@@ -166,6 +173,7 @@ Comparisons allComparisons() {
 
 int run(const QString& filter, int repetitions, const QString& jsonFile) {
     QJsonArray rows;
+    int bounds = 0;
     int missed = 0;
     printHeader();
     for (const Comparison& comparison : allComparisons()) {
@@ -173,10 +181,11 @@ int run(const QString& filter, int repetitions, const QString& jsonFile) {
         for (const Row& row : rowsOf(comparison, repetitions)) {
             print(row);
             rows.append(json(row));
+            if (row.bound != noBound) ++bounds;
             if (row.isMissed()) ++missed;
         }
     }
-    std::printf("%d of %d bounds missed\n", missed, rows.size());
+    std::printf("%d of %d bounds missed\n", missed, bounds);
     if (!jsonFile.isEmpty()) {
         QFile file(jsonFile);
         const QByteArray text = QJsonDocument(rows).toJson();
