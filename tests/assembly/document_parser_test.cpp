@@ -196,6 +196,12 @@ TEST_F(DocumentParser, RefusesEntityDeclarations) {
     EXPECT_EQ(fault.line, 2);
 }
 
+TEST_F(DocumentParser, RefusesWhatStandsBehindTheRoot) {
+    EXPECT_FALSE(parse("<a/><!DOCTYPE a [<!ENTITY e \"x\">]>"));
+    EXPECT_EQ(fault.reason, QStringLiteral("an entity is declared"));
+    EXPECT_FALSE(parse("<a/>" + nested(100000)));
+}
+
 TEST_F(DocumentParser, ReadsADocumentTypeWithoutEntities) {
     EXPECT_TRUE(parse("<!DOCTYPE a SYSTEM \"/dev/zero\" [<!ELEMENT a (b|c)*>]><a/>"));
     EXPECT_TRUE(parse("<!DOCTYPE a><a/>"));

@@ -23,6 +23,24 @@ TEST(EntryText, SplitsAtTheFirstSign) {
     EXPECT_EQ(entry_value(" no entry "), "no entry ");
 }
 
+TEST(EntryText, HasANameThatIsTheWholeOfIt) {
+    EXPECT_TRUE(is_named(" A B\t== c = d", "A B"));
+    EXPECT_TRUE(is_named("=", ""));
+    EXPECT_TRUE(is_named(" \t= x", ""));
+    for (const char* other : {"", "A", "A ", "A  B", "A B ", "A B=", "A BC", "A C", "a b", " A B"})
+        EXPECT_FALSE(is_named(" A B = c", other)) << other;
+    EXPECT_FALSE(is_named("=", " "));
+    EXPECT_FALSE(is_named("=x", "x"));
+}
+
+TEST(EntryText, FoldsTheLettersOfANameAlone) {
+    EXPECT_TRUE(is_named_ignoring_case(" PaTh_1 = x", "pAtH_1"));
+    for (const char* other : {"", "path_", "path_1 ", "path_11", "path\x7f\x31", "path_\x11"})
+        EXPECT_FALSE(is_named_ignoring_case(" PaTh_1 = x", other)) << other;
+    EXPECT_FALSE(is_named_ignoring_case("[ = x", "{"));
+    EXPECT_FALSE(is_named_ignoring_case("\xC4 = x", "\xE4"));
+}
+
 TEST(EntryText, KeepsBytesFrom128OnInNamesAndValues) {
     EXPECT_EQ(entry_name("\xA0 A \x85 = x"), "\xA0 A \x85");
     EXPECT_EQ(entry_value("A = \x85x\x20"), "\x85x ");

@@ -1,6 +1,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/name_index.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -52,6 +53,34 @@ TEST_F(StoreEntries, AreFoundByTheirTrimmedNamesAndGiveTheirTrimmedValues) {
     EXPECT_EQ(value("A"), "=b");
     EXPECT_EQ(value(""), "of no name");
     EXPECT_EQ(value("TWO WORDS"), "2");
+}
+
+// Names that share a hash, which few do.
+TEST_F(StoreEntries, AreToldApartThoughTheirNamesHaveOneHash) {
+    ASSERT_EQ(hash_name("TOOL_10194"), hash_name("TOOL_70886"));
+    append_message(store, 0, "TOOL_10194 = first", home, 1);
+    EXPECT_EQ(value("TOOL_70886"), "<none>");
+    EXPECT_EQ(set_parameter(store, 0, "TOOL_70886 = second", home, 2), 0);
+    EXPECT_EQ(message_count(store, 0), 2);
+    EXPECT_EQ(value("TOOL_10194"), "first");
+    EXPECT_EQ(value("TOOL_70886"), "second");
+
+    ASSERT_EQ(hash_name_ignoring_case("TOOL[1]"), hash_name_ignoring_case("tool{1}"));
+    append_message(store, 0, "TOOL[1] = square", home, 3);
+    EXPECT_EQ(value("tool{1}", false), "<none>");
+    EXPECT_EQ(value("tool[1]", false), "square");
+    append_message(store, 0, "Tool{1} = round", home, 4);
+    EXPECT_EQ(value("tool{1}", false), "round");
+    EXPECT_EQ(value("tool[1]", false), "square");
+}
+
+TEST_F(StoreEntries, AreInTheSectionOfTheirNameThoughAnotherHasItsHash) {
+    const std::uint16_t first = add_section(store, "TOOL_10194");
+    EXPECT_EQ(find_section(store, "TOOL_70886"), -1);
+    const std::uint16_t second = add_section(store, "TOOL_70886");
+    EXPECT_EQ(find_section(store, "TOOL_10194"), first);
+    EXPECT_EQ(find_section(store, "TOOL_70886"), second);
+    EXPECT_NE(register_file_name(store, "TOOL_10194"), register_file_name(store, "TOOL_70886"));
 }
 
 TEST_F(StoreEntries, TakeCodes1To32ForBlanksAndNothingElse) {

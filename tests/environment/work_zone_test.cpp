@@ -1,5 +1,6 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
+#include <tests/common/scoped_variable.h>
 #include <tests/environment/installation.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/environment/work_zone.h>
@@ -20,6 +21,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using testing::Installation;
 using ::testing::IsEmpty;
+using testing::ScopedVariable;
 using ::testing::StartsWith;
 using testing::textOf;
 
@@ -165,6 +167,8 @@ TEST_F(WorkZone, GivesWayToADirectoryThatIsSetLater) {
         set_temporary_directory("");
         EXPECT_EQ(platform::get_environment("TRVTMPDIR"), nullptr);
         EXPECT_EQ(temporaryDirectory(), worked_out);
+        const ScopedVariable empty("TRVTMPDIR", "");
+        EXPECT_EQ(temporaryDirectory(), worked_out);
         set_temporary_directory("x");
         set_temporary_directory(nullptr);
         EXPECT_EQ(temporaryDirectory(), worked_out);
@@ -194,6 +198,15 @@ TEST_F(WorkZone, TakesTheCounterBelowTheRootWhereTrvConfDoesNotExpand) {
         const ChannelLog log;
         EXPECT_EQ(temporaryDirectory(), installation.path("temporary/00000002"));
         EXPECT_THAT(log.traces(), Contains("$TRVCONF/workzone.num expansion error : -31"));
+    };
+    TRV_EXPECT_IN_CHILD(find);
+}
+
+TEST_F(WorkZone, TracesNothingWhereNobodyListens) {
+    const auto find = [] {
+        const ZoneInstallation installation("");
+        installation.write("client/trvconf/workzone.num", "1\n");
+        EXPECT_EQ(temporaryDirectory(), installation.path("temporary/00000002"));
     };
     TRV_EXPECT_IN_CHILD(find);
 }

@@ -173,6 +173,7 @@ TEST_F(Facade, IgnoresItsDirectoryForAnAbsoluteName) {
     EXPECT_EQ(writeAxisTo(elsewhere, absolute), eFileIOSuccess);
     EXPECT_EQ(readAxisFrom(elsewhere, absolute), eFileIOSuccess);
     EXPECT_EQ(readAxisFrom(elsewhere, directory_.wide() + L"/x/../f"), eFileIOSuccess);
+    EXPECT_EQ(readAxisFrom(elsewhere, directory_.wide() + L"/x//../f"), eFileIOSuccess);
     EXPECT_TRUE(elsewhere.isfileExists(absolute));
     EXPECT_EQ(elsewhere.absoluteFileName(absolute), absolute);
     EXPECT_EQ(elsewhere.writeTrvAssembly((directory_.text() + "/g").c_str(), assembly("x")),

@@ -96,7 +96,8 @@ int load_config_list(message_store* store, const char* file_name, const char* di
     path_buffer name;
     if (!expand(directory_list != nullptr ? directory_list : "?CFG", list)) return -1;
     if (!expand(file_name, name)) return -1;
-    return overload_files(store, list, name) != nullptr ? 0 : -1;
+    overload_files(store, list, name);
+    return 0;
 }
 
 int load_application_files(const char* file_name, const char* directory_list) {

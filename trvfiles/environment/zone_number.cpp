@@ -23,7 +23,9 @@ bool read_line(std::FILE* file, std::string& line) {
 }
 
 bool write_line(std::FILE* file, const std::string& line) {
-    return std::fputs((line + '\n').c_str(), file) >= 0 && std::fflush(file) == 0;
+    std::fputs((line + '\n').c_str(), file);
+    std::fflush(file);
+    return std::ferror(file) == 0;
 }
 
 void report(std::string_view before, const char* path, std::string_view after) {

@@ -107,9 +107,9 @@ bool provideAxis(CQvFilesIO& files, const std::wstring& name) {
     return !isThere && writeIdentity(files, name);
 }
 
+// REQUIRES: a path that has just been written to.
 void removeFile(const std::wstring& path) {
-    const QString text = trv::fromWide(path);
-    if (trv::isOpenable(text)) trv::platform::remove_file(trv::systemPath(text));
+    trv::platform::remove_file(trv::systemPath(trv::fromWide(path)));
 }
 
 void give(std::wstring* destination, std::wstring&& text) {

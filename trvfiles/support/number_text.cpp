@@ -80,7 +80,8 @@ long long exponent_of(std::string_view digits) {
 }
 
 // Whether a number that does not fit a double is too large rather than too small: its first digit
-// other than 0, with the exponent applied, stands before the point. REQUIRES: there is such a digit.
+// other than 0, with the exponent applied, stands before the point. REQUIRES: there is such a
+// digit.
 bool is_too_large(std::string_view number, bool hexadecimal) {
     const std::size_t mark = number.find_first_of(hexadecimal ? "pP" : "eE");
     const std::string_view mantissa = number.substr(0, mark);
