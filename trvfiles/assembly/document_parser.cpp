@@ -46,7 +46,7 @@ private:
 };
 
 struct Outcome {
-    bool accepted = false;
+    bool wellFormed = false;
     XmlScreen::Refusal refusal = XmlScreen::Refusal::none;
 };
 
@@ -54,8 +54,7 @@ Outcome parse(QIODevice& device, int deepest, QDomDocument& document, ParseFault
     ScreenedSource source(device, deepest);
     const bool wellFormed =
         document.setContent(&source, false, &fault.reason, &fault.line, &fault.column);
-    // A refusal behind the root element's end leaves a document that looks complete.
-    return {wellFormed && source.refusal() == XmlScreen::Refusal::none, source.refusal()};
+    return {wellFormed, source.refusal()};
 }
 
 }  // namespace
@@ -79,12 +78,16 @@ bool parseDocument(QIODevice& device, DomTree& tree, ParseFault& fault) {
             return false;
         }
     }
+    // What is cut off at a refusal may look complete.
     if (outcome.refusal == XmlScreen::Refusal::tooDeep) {
         fault.reason = QStringLiteral("more than %1 elements are open").arg(deepestNesting);
-    } else if (outcome.refusal == XmlScreen::Refusal::entityDeclaration) {
-        fault.reason = QStringLiteral("an entity is declared");
+        return false;
     }
-    return outcome.accepted;
+    if (outcome.refusal == XmlScreen::Refusal::entityDeclaration) {
+        fault.reason = QStringLiteral("an entity is declared");
+        return false;
+    }
+    return outcome.wellFormed;
 }
 
 }  // namespace trv

@@ -30,14 +30,14 @@ bool copy_to_single_plus(std::string_view& text, std::string& copy) {
     return found;
 }
 
-// `same(a, b)` compares a character of the entry with one of the name.
+// `same(a, b)` compares a character of the entry with one of the name. Every entry has a "=".
 template <class Same>
 bool begins_with_name(const char* entry, std::string_view name, Same same) {
     while (is_blank(*entry))
         ++entry;
     for (const char c : name) {
         // The name of an entry ends there, and has no "=" in it.
-        if (*entry == '=' || *entry == '\0' || !same(*entry, c)) return false;
+        if (*entry == '=' || !same(*entry, c)) return false;
         ++entry;
     }
     const bool ends_in_blank = !name.empty() && is_blank(name.back());
