@@ -23,8 +23,8 @@ bool read_line(std::FILE* file, std::string& line) {
 }
 
 bool write_line(std::FILE* file, const std::string& line) {
-    std::fputs((line + '\n').c_str(), file);
-    std::fflush(file);
+    static_cast<void>(std::fputs((line + '\n').c_str(), file));
+    static_cast<void>(std::fflush(file));
     return std::ferror(file) == 0;
 }
 
