@@ -1,5 +1,6 @@
 #include <cli/dispatch.h>
 #include <cli/text_output.h>
+#include <trvfiles/version.h>
 
 #include <QStringBuilder>
 
@@ -140,7 +141,7 @@ ExitStatus run(const QStringList& arguments, const Console& console) {
             return done;
         }
         if (words.isEmpty() && asksForVersion(argument)) {
-            print(console.out, QStringLiteral("trvfiles " TRVFILES_VERSION "\n"));
+            print(console.out, QStringLiteral("trvfiles %1\n").arg(QLatin1String(version_text())));
             return done;
         }
         const QString group = words.join(QLatin1Char(' '));

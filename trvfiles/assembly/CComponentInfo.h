@@ -16,7 +16,9 @@ public:
     /// Copies twelve numbers and takes the name. A null pointer gives zeros.
     ///
     /// @param fileName  the geometry file's name as the component stores it, no directory joined
-    /// @param vec1, vec2, vec3  three numbers each: the final images of the x, y and z axes
+    /// @param vec1  three numbers: the final image of the x axis
+    /// @param vec2  three numbers: the final image of the y axis
+    /// @param vec3  three numbers: the final image of the z axis
     /// @param translation  three numbers: the final origin, in the project's length unit
     CComponentInfo(std::string fileName, const double vec1[3], const double vec2[3],
                    const double vec3[3], const double translation[3]);

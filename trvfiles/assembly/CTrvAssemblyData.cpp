@@ -3,7 +3,8 @@
 
 #include <utility>
 
-struct CTrvAssemblyData::Body {
+// Of an exported class, but not exported itself.
+struct TRVFILES_NO_EXPORT CTrvAssemblyData::Body {
     static const Body& of(const CTrvAssemblyData& data) {
         static const Body defaults;
         return data.body_ == nullptr ? defaults : *data.body_;

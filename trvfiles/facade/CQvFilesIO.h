@@ -105,7 +105,9 @@ public:
     ///                  length unit; written on success only, and not at all where the pointer is
     ///                  null. The axes are the inverse of the block in the file, so a written
     ///                  rotation comes back and a written scale comes back as its reciprocal.
-    /// @param tag1, tag2, tag3  set where the tag line holds them, otherwise left as they are
+    /// @param tag1  set if the tag line holds it, otherwise unchanged
+    /// @param tag2  likewise
+    /// @param tag3  likewise
     /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened; eFileIOContentError
     ///         when one of the four matrix lines is missing or does not hold four numbers
     EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3);

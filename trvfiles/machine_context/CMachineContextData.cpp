@@ -5,7 +5,8 @@
 
 #include <cmath>
 
-struct CMachineContextData::Body {
+// Of an exported class, but not exported itself.
+struct TRVFILES_NO_EXPORT CMachineContextData::Body {
     static const Body& of(const CMachineContextData& data) {
         // A local static, because a host's own static objects may ask before main() begins.
         static const Body defaults;

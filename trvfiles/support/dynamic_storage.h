@@ -61,8 +61,9 @@ TRV_EXPORT bool storage_fits(std::uint64_t extra);
 
 /// Writes "data base memory : 10/15": the permanent bytes and all bytes in use.
 ///
-/// @param buffer, size  never more than `size` bytes are written, the terminator included; 64 hold
-///                      every text. Nothing is written to a null buffer or with a size of 0.
+/// @param buffer  nullptr takes nothing
+/// @param size    of the buffer: never more bytes are written, the terminator included; 64 bytes
+///                hold every text, 0 takes nothing
 TRV_EXPORT void storage_report(char* buffer, std::size_t size);
 
 /// Storage that only grows and is addressed by offsets: growing moves what it holds, so a pointer

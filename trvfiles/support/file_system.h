@@ -84,7 +84,8 @@ TRV_EXPORT void listing_free(file_listing* listing);
 
 /// Writes the path of the current directory, with "\" on every system.
 ///
-/// @param buffer, size  receives the path and a terminator; "" where they do not fit
+/// @param buffer  receives the path and a terminator; "" if they do not fit
+/// @param size    of the buffer, in bytes
 /// @return the part of the buffer behind the last "\", "" in a root; null where the path does not
 ///         fit or holds no "\"
 TRV_EXPORT const char* current_directory_name(char* buffer, int size);
