@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -93,6 +94,24 @@ TEST(AssemblyFileOnPosix, ReadsFromAPipe) {
     EXPECT_EQ(facade.readTrvAssembly("pipe", data), eFileIOSuccess);
     EXPECT_EQ(data, deep);
     writer.join();
+}
+
+TEST(AssemblyFileOnPosix, ThrowsBadAllocForADeepFileWhenNoFurtherStackIsAvailable) {
+    const trv::testing::TemporaryDirectory directory;
+    CQvFilesIO facade(directory.text());
+    ASSERT_EQ(facade.writeTrvAssembly("deep.xml", assemblyOf(trv::testing::chain(150))),
+              eFileIOSuccess);
+    ASSERT_EQ(facade.writeTrvAssembly("flat.xml", part()), eFileIOSuccess);
+    std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(trv::testing::forbidThreads());
+        const std::ptrdiff_t descriptors = openDescriptors();
+        CTrvAssemblyData data = part();
+        EXPECT_THROW(facade.readTrvAssembly("deep.xml", data), std::bad_alloc);
+        EXPECT_EQ(data, part());
+        EXPECT_EQ(openDescriptors(), descriptors);
+        EXPECT_EQ(facade.readTrvAssembly("flat.xml", data), eFileIOSuccess);
+    }));
 }
 
 // Qt's own serialisation orders attributes by a hash that differs from process to process.

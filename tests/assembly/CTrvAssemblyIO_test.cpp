@@ -217,6 +217,27 @@ TEST_F(AssemblyFile, AnswersRandomBytesWithAStatus) {
     }
 }
 
+TEST_F(AssemblyFile, IsRefusedForACharacterThatXmlDoesNotAllow) {
+    const std::string before = "<ComponentInfo version='1'><Attributs/>";
+    const std::string after = "<Component name='a'/></ComponentInfo>";
+    using namespace std::string_literals;
+    for (const std::string& bad :
+         {"\0"s, "\x01"s, "\x1F"s, "\xEF\xBF\xBE"s, "\xEF\xBF\xBF"s, "<!--\x01-->"s,
+          "<!--\xEF\xBF\xBE-->"s, "<![CDATA[\x02]]>"s, "<?p \xEF\xBF\xBF?>"s, "&#1;"s, "&#xFFFE;"s,
+          "&#xD800;"s, "&#0;"s, "&#x110000;"s}) {
+        EXPECT_EQ(readBytes(before + bad + after), eFileIOContentError) << bad;
+        EXPECT_EQ(data, CTrvAssemblyData()) << bad;
+    }
+}
+
+TEST_F(AssemblyFile, IsReadWithACharacterBeyondTheFirstPlaneInAComment) {
+    ASSERT_EQ(readBytes("<!--\U0001F600--><ComponentInfo version='1'><Attributs/>\U0001F600"
+                        "<![CDATA[\U0001F600]]><?p \U0001F600?>&#x1F600;&#x10000;"
+                        "<Component name='a'/></ComponentInfo>"),
+              eFileIOSuccess);
+    EXPECT_EQ(data.getRootComponent().getName(), "a");
+}
+
 TEST_F(AssemblyFile, ReadsAnAttributeOfAHundredMegabytes) {
     constexpr std::size_t length = 100'000'000;
     ASSERT_EQ(readBytes("<ComponentInfo version='1'><Attributs/><Component name='" +
