@@ -23,10 +23,10 @@ QString XmlScreen::pass(QString piece) {
     for (; index_ < size; ++index_) {
         see(characters[index_]);
         if (refusal_ != Refusal::none) return text_.left(passed_);
-        countLine(characters[index_]);
+        if (characters[index_] <= '\r') countLine(characters[index_]);
     }
     if (place_ == Place::reference) return release(referenceStart_);
-    return release(afterHighSurrogate_ ? size - 1 : size);
+    return release(place_ == Place::lowSurrogate ? size - 1 : size);
 }
 
 // Takes the beginning out of the text.
@@ -64,12 +64,13 @@ void XmlScreen::refuseCharacter(uint code, int index) {
 }
 
 void XmlScreen::see(ushort& character) {
-    if (afterHighSurrogate_) return seeLowSurrogate(character);
     switch (place_) {
         case Place::content:
             return seeContent(character);
         case Place::reference:
             return seeReference(character);
+        case Place::lowSurrogate:
+            return seeLowSurrogate(character);
         case Place::markup:
             return seeMarkup(character);
         case Place::startTag:
@@ -98,7 +99,7 @@ void XmlScreen::seeContent(ushort& character) {
         place_ = Place::reference;
         referenceStart_ = index_;
     } else if (QChar::isHighSurrogate(character)) {
-        afterHighSurrogate_ = true;
+        seeHighSurrogate();
         seeText(replacement, index_, replacement);
     } else {
         seeText(character, index_, character);
@@ -125,8 +126,13 @@ void XmlScreen::endRun() {
     feed_ = 0;
 }
 
+void XmlScreen::seeHighSurrogate() {
+    beforePair_ = place_;
+    place_ = Place::lowSurrogate;
+}
+
 void XmlScreen::seeLowSurrogate(ushort& character) {
-    afterHighSurrogate_ = false;
+    place_ = beforePair_;
     auto* characters = reinterpret_cast<ushort*>(text_.data());
     if (!QChar::isLowSurrogate(character)) {
         return refuseCharacter(characters[index_ - 1], index_ - 1);
@@ -203,7 +209,7 @@ void XmlScreen::seeUntilClosed(ushort character, ushort closing, int repetitions
     if (character == '>' && repetitions_ >= repetitions) {
         place_ = afterwards_;
     } else if (QChar::isHighSurrogate(character)) {
-        afterHighSurrogate_ = true;
+        seeHighSurrogate();
     } else if (!isXmlCharacter(character)) {
         refuseCharacter(character, index_);
     }

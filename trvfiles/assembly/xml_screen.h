@@ -61,6 +61,7 @@ private:
     enum class Place {
         content,
         reference,
+        lowSurrogate,
         markup,
         startTag,
         endTag,
@@ -78,6 +79,7 @@ private:
     void endReference();
     void seeNumber(uint number);
     void endRun();
+    void seeHighSurrogate();
     void seeLowSurrogate(ushort& character);
     void seeMarkup(ushort character);
     void seeStartTag(ushort character);
@@ -104,6 +106,8 @@ private:
     Place place_ = Place::content;
     // Where a comment, a CDATA section or an instruction leads when it ends.
     Place afterwards_ = Place::content;
+    // Where the current surrogate pair is.
+    Place beforePair_ = Place::content;
     // The quote that ends the current literal, 0 outside literals.
     ushort quote_ = 0;
     ushort previous_ = 0;
@@ -128,7 +132,6 @@ private:
     // Where the parser's part ends: at what was refused or is held back.
     int passed_ = 0;
     int referenceStart_ = 0;
-    bool afterHighSurrogate_ = false;
 
     qint64 line_ = 1;
     // Where the current line begins, before text_ when it is negative.
