@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -268,11 +269,27 @@ TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheDeepest) {
 }
 
 TEST_F(AssemblyFile, SetsThePolicyForInvalidDataAtEveryCall) {
-    QDomImplementation::setInvalidDataPolicy(QDomImplementation::AcceptInvalidChars);
-    facade.readTrvAssembly("missing.xml", data);
+    const std::wstring path = directory.wide() + L"/a.xml";
+    const std::function<EFileIOStatus()> calls[] = {
+        [&] { return facade.writeTrvAssembly("a.xml", vise()); },
+        [&] { return facade.writeTrvAssembly(std::wstring(L"a.xml"), vise()); },
+        [&] { return CQvFilesIO::sWriteTrvAssembly(path, vise()); },
+        [&] { return facade.readTrvAssembly("a.xml", data); },
+        [&] { return facade.readTrvAssembly(std::wstring(L"a.xml"), data); },
+        [&] { return CQvFilesIO::sReadTrvAssembly(path, data); }};
+    for (const auto& call : calls) {
+        for (const auto policy :
+             {QDomImplementation::AcceptInvalidChars, QDomImplementation::DropInvalidChars}) {
+            QDomImplementation::setInvalidDataPolicy(policy);
+            EXPECT_EQ(call(), eFileIOSuccess);
+            EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
+        }
+    }
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::DropInvalidChars);
+    EXPECT_EQ(facade.readTrvAssembly("missing.xml", data), eFileIOOpenError);
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
     QDomImplementation::setInvalidDataPolicy(QDomImplementation::DropInvalidChars);
-    CQvFilesIO::sWriteTrvAssembly(L"", data);
+    EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"", data), eFileIOOpenError);
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
 }
 

@@ -34,10 +34,10 @@ public:
     void getDimension(double dimension[3]) const;
     void setDimension(const double dimension[3]);
 
-    /// The root of the tree, to be read or edited in place. The reference is valid while the assembly
-    /// lives and is not moved from; assigning to the assembly, setRootComponent() and reading a file
-    /// into it keep it valid. For a moved-from assembly the constant form refers to a
-    /// default-constructed component, which no later change reaches.
+    /// The root of the tree, to be read or edited in place. The reference is valid while the
+    /// assembly lives and is not moved from; assigning to the assembly, setRootComponent() and
+    /// reading a file into it keep it valid. For a moved-from assembly the constant form refers to
+    /// a default-constructed component, which no later change reaches.
     const CTrvAssemblyComponentData& getRootComponent() const;
     CTrvAssemblyComponentData& getRootComponent();
 
