@@ -312,6 +312,23 @@ TEST_F(AssemblyFile, TellsAPersonWhyItWasNotRead) {
     EXPECT_THAT(report.fault.reason.toStdString(), ::testing::Not(::testing::IsEmpty()));
 }
 
+TEST_F(AssemblyFile, SaysThatANameNamesNoFile) {
+    for (const QString& name : {QString(), QStringLiteral(""), QStringLiteral("a") + QChar(0)}) {
+        trv::ReadReport report;
+        report.fault = {QStringLiteral("old"), 7, 7};
+        report.leftOut = 7;
+        EXPECT_EQ(CTrvAssemblyIO(name).read(data, &report), eFileIOOpenError);
+        EXPECT_EQ(report.fault.reason, QStringLiteral("the name names no file"));
+        EXPECT_EQ(report.fault.line, 0);
+        EXPECT_EQ(report.fault.column, 0);
+        EXPECT_EQ(report.leftOut, 0);
+        EXPECT_EQ(CTrvAssemblyIO(name).read(data), eFileIOOpenError);
+    }
+    trv::ReadReport report;
+    EXPECT_EQ(CTrvAssemblyIO(QStringLiteral("missing.xml")).read(data, &report), eFileIOOpenError);
+    EXPECT_NE(report.fault.reason, QStringLiteral("the name names no file"));
+}
+
 TEST_F(AssemblyFile, TakesNamesBeyondAscii) {
     ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"Spannb\u00fcchse \u6f22.xml"), vise()),
               eFileIOSuccess);
