@@ -1,8 +1,10 @@
 #include <trvfiles/assembly/document_parser.h>
+#include <trvfiles/assembly/plain_decoder.h>
 #include <trvfiles/assembly/xml_screen.h>
 #include <trvfiles/support/platform.h>
 
 #include <QByteArray>
+#include <QTextCodec>
 #include <QXmlInputSource>
 
 #include <cstddef>
@@ -23,27 +25,39 @@ constexpr std::size_t stackForDeepest = std::size_t{4} << 20;
 
 constexpr int blockSize = 65536;
 
+// Qt destroys its codecs during exit, and its input source takes the one for UTF-8 for granted.
+bool hasTextCodecs() {
+    constexpr int mibOfUtf8 = 106;
+    return QTextCodec::codecForMib(mibOfUtf8) != nullptr;
+}
+
 class ScreenedSource : public QXmlInputSource {
 public:
     ScreenedSource(QIODevice& device, int deepest) : device_(device), screen_(deepest) {}
 
-    XmlScreen::Refusal refusal() const { return screen_.refusal(); }
     const XmlScreen& screen() const { return screen_; }
+    bool isUnknownEncoding() const { return decoder_.isUnknownEncoding(); }
 
     void fetchData() override {
         QString passed;
         // An empty piece would be taken for the end of the document.
-        while (passed.isEmpty() && !atEnd_ && refusal() == XmlScreen::Refusal::none) {
+        while (passed.isEmpty() && !atEnd_ && screen_.refusal() == XmlScreen::Refusal::none) {
             const QByteArray block = device_.read(blockSize);
-            atEnd_ = block.isEmpty();
-            passed = atEnd_ ? screen_.rest() : screen_.pass(fromRawData(block));
+            atEnd_ = block.isEmpty() || isUnknownEncoding();
+            passed = atEnd_ ? screen_.rest() : screen_.pass(decoded(block));
         }
         setData(passed);
     }
 
 private:
+    QString decoded(const QByteArray& block) {
+        return hasTextCodecs_ ? fromRawData(block) : decoder_.decode(block);
+    }
+
     QIODevice& device_;
     XmlScreen screen_;
+    const bool hasTextCodecs_ = hasTextCodecs();
+    PlainDecoder decoder_;
     bool atEnd_ = false;
 };
 
@@ -77,7 +91,12 @@ Outcome parse(QIODevice& device, int deepest, QDomDocument& document, ParseFault
         document.setContent(&source, false, &fault.reason, &fault.line, &fault.column);
     const XmlScreen& screen = source.screen();
     // What is cut off at a refusal may look complete.
-    if (screen.refusal() == XmlScreen::Refusal::none) return {isWellFormed, false};
+    if (screen.refusal() == XmlScreen::Refusal::none) {
+        if (source.isUnknownEncoding()) {
+            fault = {QStringLiteral("during exit the encoding of the document is unknown"), 1, 1};
+        }
+        return {isWellFormed, false};
+    }
     const XmlScreen::Position position = screen.refusedAt();
     fault = {reasonOf(screen), static_cast<int>(position.line), static_cast<int>(position.column)};
     return {false, screen.refusal() == XmlScreen::Refusal::tooDeep};
