@@ -11,6 +11,7 @@
 
 #include <sys/stat.h>
 
+#include <QTextCodec>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -112,6 +113,23 @@ TEST(AssemblyFileOnPosix, ThrowsBadAllocForADeepFileWhenNoFurtherStackIsAvailabl
         EXPECT_EQ(openDescriptors(), descriptors);
         EXPECT_EQ(facade.readTrvAssembly("flat.xml", data), eFileIOSuccess);
     }));
+}
+
+TEST(AssemblyFileOnPosix, IsNamedInUtf8WhateverCodecTheHostSets) {
+    const trv::testing::TemporaryDirectory directory;
+    for (const char* codec : {"ISO-8859-1", "Shift_JIS", "UTF-8"}) {
+        EXPECT_TRUE(passesInChild([&] {
+            QTextCodec::setCodecForLocale(QTextCodec::codecForName(codec));
+            CQvFilesIO facade(directory.text());
+            EXPECT_EQ(facade.writeTrvAssembly(L"Fr\u00e4se \u20ac.xml", part()), eFileIOSuccess);
+            EXPECT_TRUE(std::filesystem::exists(directory / "Fr\u00e4se \u20ac.xml"));
+            CTrvAssemblyData data;
+            EXPECT_EQ(facade.readTrvAssembly("Fr\u00e4se \u20ac.xml", data), eFileIOSuccess);
+            EXPECT_EQ(data, part());
+            std::filesystem::remove(directory / "Fr\u00e4se \u20ac.xml");
+            EXPECT_EQ(facade.readTrvAssembly("Fr\u00e4se \u20ac.xml", data), eFileIOOpenError);
+        })) << codec;
+    }
 }
 
 // Qt's own serialisation orders attributes by a hash that differs from process to process.

@@ -1,29 +1,34 @@
 // A host that reads and writes assemblies while its process exits.
-// Usage: assembly_exit_host FILE COPY
+// Usage: assembly_exit_host DIRECTORY
 
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <utility>
 
 namespace {
 
-const char* file;
-const char* copy;
+const char* directory;
+
+std::string nameOf(const CTrvAssemblyData& data) {
+    return data.getRootComponent().getName();
+}
 
 void readAndWrite(const char* moment) {
-    CQvFilesIO files("");
+    CQvFilesIO files(directory);
     CTrvAssemblyData data;
+    const EFileIOStatus readStatus = files.readTrvAssembly(std::wstring(L"Fr\u00e4se.xml"), data);
+    const EFileIOStatus writeStatus = files.writeTrvAssembly(std::wstring(L"\u20ac.xml"), data);
+    // A moved-from assembly reads the defaults, which all have in common.
     CTrvAssemblyData movedFrom;
     const CTrvAssemblyData taken = std::move(movedFrom);
-    const EFileIOStatus readStatus = files.readTrvAssembly(file, data);
-    const EFileIOStatus writeStatus = files.writeTrvAssembly(copy, data);
-    std::printf(
-        "%s: read %d \"%s\" %llu, written %d, default \"%s\"\n", moment, readStatus,
-        data.getRootComponent().getName().c_str(), data.getComponentNumber(), writeStatus,
-        static_cast<const CTrvAssemblyData&>(movedFrom).getRootComponent().getName().c_str());
-    std::fflush(stdout);
+    std::printf("%s: read %d \"%s\" %llu, written %d, default \"%s\"\n", moment, readStatus,
+                nameOf(data).c_str(), data.getComponentNumber(), writeStatus,
+                nameOf(movedFrom).c_str());
+    static_cast<void>(std::fflush(stdout));
 }
 
 // Constructed before anything of the library or of Qt is used, so destroyed after all that they
@@ -35,11 +40,10 @@ struct Early {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 3) return EXIT_FAILURE;
-    file = arguments[1];
-    copy = arguments[2];
-    std::atexit([] { readAndWrite("early handler"); });
+    if (count != 2) return EXIT_FAILURE;
+    directory = arguments[1];
+    if (std::atexit([] { readAndWrite("early handler"); }) != 0) return EXIT_FAILURE;
     readAndWrite("main");
-    std::atexit([] { readAndWrite("late handler"); });
+    if (std::atexit([] { readAndWrite("late handler"); }) != 0) return EXIT_FAILURE;
     return EXIT_SUCCESS;
 }
