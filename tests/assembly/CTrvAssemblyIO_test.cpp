@@ -231,6 +231,25 @@ TEST_F(AssemblyFile, IsRefusedForACharacterThatXmlDoesNotAllow) {
     }
 }
 
+TEST_F(AssemblyFile, IsRefusedForWhatQtCannotHoldBeforeItsRootIsLookedAt) {
+    const auto nested = [](int levels, const std::string& open, const std::string& close,
+                           std::string text = "") {
+        for (int i = 0; i < levels; ++i)
+            text = open + text + close;
+        return text;
+    };
+    const auto groups = [&](int levels) {
+        return "<!DOCTYPE a [<!ELEMENT a " + nested(levels, "(", ")", "b") + ">]><a/>";
+    };
+    EXPECT_EQ(readBytes("<a/>"), eFileIOStructureError);
+    EXPECT_EQ(readBytes("<!DOCTYPE a [<!ENTITY e 'x'>]><a/>"), eFileIOContentError);
+    EXPECT_EQ(readBytes(nested(2000, "<a>", "</a>")), eFileIOStructureError);
+    EXPECT_EQ(readBytes(nested(2001, "<a>", "</a>")), eFileIOContentError);
+    EXPECT_EQ(readBytes(groups(2000)), eFileIOStructureError);
+    EXPECT_EQ(readBytes(groups(2001)), eFileIOContentError);
+    EXPECT_EQ(readBytes("<a>\x01</a>"), eFileIOContentError);
+}
+
 TEST_F(AssemblyFile, IsReadWithACharacterBeyondTheFirstPlaneInAComment) {
     ASSERT_EQ(readBytes("<!--\U0001F600--><ComponentInfo version='1'><Attributs/>\U0001F600"
                         "<![CDATA[\U0001F600]]><?p \U0001F600?>&#x1F600;&#x10000;"
