@@ -1,6 +1,7 @@
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
+#include <trvfiles/assembly/invalid_data_policy.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/open_file.h>
 #include <trvfiles/facade/text_conversion.h>
@@ -9,7 +10,6 @@
 #include <trvfiles/support/platform.h>
 
 #include <QDir>
-#include <QDomImplementation>
 #include <QFileInfo>
 
 #include <cerrno>
@@ -113,7 +113,7 @@ Problem findKind(const QString& name, FileKind& kind) {
 }
 
 Problem readAssembly(const QString& name, CTrvAssemblyData& data, ReadReport* report) {
-    QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    setInvalidDataPolicy();
     ReadReport unasked;
     ReadReport& result = report == nullptr ? unasked : *report;
     const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &result);

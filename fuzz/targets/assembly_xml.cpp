@@ -7,6 +7,8 @@
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/document_text.h>
+#include <trvfiles/assembly/dom_walk.h>
+#include <trvfiles/assembly/xml_characters.h>
 #include <trvfiles/assembly/xml_screen.h>
 
 #include <QBuffer>
@@ -19,13 +21,29 @@
 namespace trv::fuzz {
 namespace {
 
+// Attributes keep what Qt takes, elements have none of this.
+void requireXmlCharactersOutsideTags(const QDomDocument& document) {
+    walkDocument(
+        document,
+        [](const QDomNode& node, int) {
+            const QString value = node.nodeValue();
+            for (const QChar unit : value)
+                require(isXmlCharacter(unit.unicode()), "a text holds what XML allows");
+        },
+        [](const QDomNode&, int) {});
+}
+
 EFileIOStatus readText(const QByteArray& text, CTrvAssemblyData& data) {
     QBuffer device;
     device.setData(text);
     device.open(QIODevice::ReadOnly);
     DomTree tree;
     ReadReport report;
-    if (!parseDocument(device, tree, report.fault)) return eFileIOContentError;
+    if (!parseDocument(device, tree, report.fault)) {
+        require(!report.fault.reason.isEmpty() && report.fault.line > 0, "a fault has its place");
+        return eFileIOContentError;
+    }
+    requireXmlCharactersOutsideTags(tree.document);
     int version = 0;
     return readDocument(tree.document, version, data, report);
 }
@@ -37,25 +55,41 @@ bool writeText(const CTrvAssemblyData& data, QByteArray& text) {
     return true;
 }
 
-QString screened(const QString& text, int pieceLength, XmlScreen::Refusal& refusal) {
+struct Screened {
+    QString passed;
+    XmlScreen::Refusal refusal = XmlScreen::Refusal::none;
+    XmlScreen::Position refusedAt;
+    uint refusedCharacter = 0;
+
+    bool operator==(const Screened& other) const {
+        return passed == other.passed && refusal == other.refusal &&
+               refusedAt.line == other.refusedAt.line &&
+               refusedAt.column == other.refusedAt.column &&
+               refusedCharacter == other.refusedCharacter;
+    }
+};
+
+Screened screened(const QString& text, int pieceLength) {
     XmlScreen screen(deepestNesting);
     QString passed;
     for (int start = 0; start < text.size() && screen.refusal() == XmlScreen::Refusal::none;
          start += pieceLength) {
         passed += screen.pass(text.mid(start, pieceLength));
     }
-    refusal = screen.refusal();
-    return refusal == XmlScreen::Refusal::none ? passed + screen.rest() : passed;
+    if (screen.refusal() == XmlScreen::Refusal::none) passed += screen.rest();
+    return {passed, screen.refusal(), screen.refusedAt(), screen.refusedCharacter()};
 }
 
 void requirePiecesMakeNoDifference(const QString& text) {
-    XmlScreen::Refusal whole = {};
-    XmlScreen::Refusal pieces = {};
-    const QString passed = screened(text, text.size() + 1, whole);
-    require(passed == screened(text, 1, pieces) && whole == pieces,
-            "what is screened does not depend on the pieces");
-    require(whole != XmlScreen::Refusal::none || passed.size() == text.size(),
+    const Screened whole = screened(text, text.size() + 1);
+    require(whole == screened(text, 1), "what is screened does not depend on the pieces");
+    require(whole.refusal != XmlScreen::Refusal::none || whole.passed.size() == text.size(),
             "the screen keeps the length");
+    if (whole.refusal != XmlScreen::Refusal::character) return;
+    const auto unit = static_cast<ushort>(whole.refusedCharacter);
+    require(!isXmlCharacter(unit), "what XML allows is not refused");
+    require(text.contains(QChar(unit)) || text.contains(QLatin1String("&#")),
+            "what is refused is there");
 }
 
 // What a file cannot hold, so that the record is refused, and what it holds cut off.

@@ -17,6 +17,8 @@ using namespace trv::testing;
 static_assert(!std::is_polymorphic_v<Assembly>);
 static_assert(std::is_default_constructible_v<Assembly>);
 static_assert(std::is_copy_constructible_v<Assembly> && std::is_copy_assignable_v<Assembly>);
+static_assert(std::is_nothrow_move_constructible_v<Assembly>);
+static_assert(std::is_nothrow_move_assignable_v<Assembly>);
 static_assert(std::is_same_v<decltype(std::declval<Assembly&>().getRootComponent()),
                              CTrvAssemblyComponentData&>);
 static_assert(std::is_same_v<decltype(std::declval<const Assembly&>().getRootComponent()),
@@ -136,6 +138,63 @@ TEST(Assembly, IsCopiedWithItsTree) {
     const Assembly& same = assigned;
     assigned = same;
     expectSample(assigned);
+}
+
+TEST(Assembly, IsAssignedIntoTheRootThatItHas) {
+    Assembly assembly = sized(7, 7, 7);
+    CTrvAssemblyComponentData& root = assembly.getRootComponent();
+    const CTrvAssemblyComponentData& sameRoot =
+        static_cast<const Assembly&>(assembly).getRootComponent();
+
+    const Assembly source = sample();
+    assembly = source;
+    expectSample(assembly);
+    EXPECT_EQ(&assembly.getRootComponent(), &root);
+    EXPECT_EQ(root.getName(), "root");
+
+    assembly = sized(1, 2, 3);
+    EXPECT_EQ(dimensionOf(assembly), (Vector{1, 2, 3}));
+    EXPECT_EQ(&assembly.getRootComponent(), &root);
+    EXPECT_EQ(root.getName(), "");
+
+    assembly = sample();
+    root.setName("edited");
+    EXPECT_EQ(assembly.getRootComponent().getName(), "edited");
+    EXPECT_EQ(&sameRoot, &root);
+
+    Assembly movedFrom = sample();
+    const Assembly target = std::move(movedFrom);
+    assembly = movedFrom;
+    expectDefaults(assembly);
+    assembly = target;
+    assembly = std::move(movedFrom);
+    expectDefaults(assembly);
+    EXPECT_EQ(&assembly.getRootComponent(), &root);
+    EXPECT_EQ(root.getName(), "");
+}
+
+TEST(Assembly, IsNotChangedByAssigningItToItself) {
+    Assembly assembly = sample();
+    const CTrvAssemblyComponentData& root = assembly.getRootComponent();
+    Assembly& same = assembly;
+    assembly = same;
+    expectSample(assembly);
+    assembly = std::move(same);
+    expectSample(assembly);
+    EXPECT_EQ(&assembly.getRootComponent(), &root);
+}
+
+TEST(Assembly, KeepsItsOwnRootWhenItIsMovedIntoAnother) {
+    Assembly source = sample();
+    CTrvAssemblyComponentData& root = source.getRootComponent();
+    Assembly target = sized(1, 2, 3);
+    target = std::move(source);
+    expectSample(target);
+    expectDefaults(source);
+    EXPECT_EQ(&source.getRootComponent(), &root);
+    root.setName("again");
+    EXPECT_EQ(source.getRootComponent().getName(), "again");
+    EXPECT_EQ(target.getRootComponent().getName(), "root");
 }
 
 TEST(Assembly, ReadsLikeANewOneAfterItWasMovedFrom) {

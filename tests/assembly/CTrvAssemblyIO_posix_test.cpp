@@ -11,10 +11,12 @@
 
 #include <sys/stat.h>
 
+#include <QTextCodec>
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -93,6 +95,41 @@ TEST(AssemblyFileOnPosix, ReadsFromAPipe) {
     EXPECT_EQ(facade.readTrvAssembly("pipe", data), eFileIOSuccess);
     EXPECT_EQ(data, deep);
     writer.join();
+}
+
+TEST(AssemblyFileOnPosix, ThrowsBadAllocForADeepFileWhenNoFurtherStackIsAvailable) {
+    const trv::testing::TemporaryDirectory directory;
+    CQvFilesIO facade(directory.text());
+    ASSERT_EQ(facade.writeTrvAssembly("deep.xml", assemblyOf(trv::testing::chain(150))),
+              eFileIOSuccess);
+    ASSERT_EQ(facade.writeTrvAssembly("flat.xml", part()), eFileIOSuccess);
+    std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(trv::testing::forbidThreads());
+        const std::ptrdiff_t descriptors = openDescriptors();
+        CTrvAssemblyData data = part();
+        EXPECT_THROW(facade.readTrvAssembly("deep.xml", data), std::bad_alloc);
+        EXPECT_EQ(data, part());
+        EXPECT_EQ(openDescriptors(), descriptors);
+        EXPECT_EQ(facade.readTrvAssembly("flat.xml", data), eFileIOSuccess);
+    }));
+}
+
+TEST(AssemblyFileOnPosix, IsNamedInUtf8WhateverCodecTheHostSets) {
+    const trv::testing::TemporaryDirectory directory;
+    for (const char* codec : {"ISO-8859-1", "Shift_JIS", "UTF-8"}) {
+        EXPECT_TRUE(passesInChild([&] {
+            QTextCodec::setCodecForLocale(QTextCodec::codecForName(codec));
+            CQvFilesIO facade(directory.text());
+            EXPECT_EQ(facade.writeTrvAssembly(L"Fr\u00e4se \u20ac.xml", part()), eFileIOSuccess);
+            EXPECT_TRUE(std::filesystem::exists(directory / "Fr\u00e4se \u20ac.xml"));
+            CTrvAssemblyData data;
+            EXPECT_EQ(facade.readTrvAssembly("Fr\u00e4se \u20ac.xml", data), eFileIOSuccess);
+            EXPECT_EQ(data, part());
+            std::filesystem::remove(directory / "Fr\u00e4se \u20ac.xml");
+            EXPECT_EQ(facade.readTrvAssembly("Fr\u00e4se \u20ac.xml", data), eFileIOOpenError);
+        })) << codec;
+    }
 }
 
 // Qt's own serialisation orders attributes by a hash that differs from process to process.

@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -217,6 +218,46 @@ TEST_F(AssemblyFile, AnswersRandomBytesWithAStatus) {
     }
 }
 
+TEST_F(AssemblyFile, IsRefusedForACharacterThatXmlDoesNotAllow) {
+    const std::string before = "<ComponentInfo version='1'><Attributs/>";
+    const std::string after = "<Component name='a'/></ComponentInfo>";
+    using namespace std::string_literals;
+    for (const std::string& bad :
+         {"\0"s, "\x01"s, "\x1F"s, "\xEF\xBF\xBE"s, "\xEF\xBF\xBF"s, "<!--\x01-->"s,
+          "<!--\xEF\xBF\xBE-->"s, "<![CDATA[\x02]]>"s, "<?p \xEF\xBF\xBF?>"s, "&#1;"s, "&#xFFFE;"s,
+          "&#xD800;"s, "&#0;"s, "&#x110000;"s}) {
+        EXPECT_EQ(readBytes(before + bad + after), eFileIOContentError) << bad;
+        EXPECT_EQ(data, CTrvAssemblyData()) << bad;
+    }
+}
+
+TEST_F(AssemblyFile, IsRefusedForWhatQtCannotHoldBeforeItsRootIsLookedAt) {
+    const auto nested = [](int levels, const std::string& open, const std::string& close,
+                           std::string text = "") {
+        for (int i = 0; i < levels; ++i)
+            text = open + text + close;
+        return text;
+    };
+    const auto groups = [&](int levels) {
+        return "<!DOCTYPE a [<!ELEMENT a " + nested(levels, "(", ")", "b") + ">]><a/>";
+    };
+    EXPECT_EQ(readBytes("<a/>"), eFileIOStructureError);
+    EXPECT_EQ(readBytes("<!DOCTYPE a [<!ENTITY e 'x'>]><a/>"), eFileIOContentError);
+    EXPECT_EQ(readBytes(nested(2000, "<a>", "</a>")), eFileIOStructureError);
+    EXPECT_EQ(readBytes(nested(2001, "<a>", "</a>")), eFileIOContentError);
+    EXPECT_EQ(readBytes(groups(2000)), eFileIOStructureError);
+    EXPECT_EQ(readBytes(groups(2001)), eFileIOContentError);
+    EXPECT_EQ(readBytes("<a>\x01</a>"), eFileIOContentError);
+}
+
+TEST_F(AssemblyFile, IsReadWithACharacterBeyondTheFirstPlaneInAComment) {
+    ASSERT_EQ(readBytes("<!--\U0001F600--><ComponentInfo version='1'><Attributs/>\U0001F600"
+                        "<![CDATA[\U0001F600]]><?p \U0001F600?>&#x1F600;&#x10000;"
+                        "<Component name='a'/></ComponentInfo>"),
+              eFileIOSuccess);
+    EXPECT_EQ(data.getRootComponent().getName(), "a");
+}
+
 TEST_F(AssemblyFile, ReadsAnAttributeOfAHundredMegabytes) {
     constexpr std::size_t length = 100'000'000;
     ASSERT_EQ(readBytes("<ComponentInfo version='1'><Attributs/><Component name='" +
@@ -247,11 +288,27 @@ TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheDeepest) {
 }
 
 TEST_F(AssemblyFile, SetsThePolicyForInvalidDataAtEveryCall) {
-    QDomImplementation::setInvalidDataPolicy(QDomImplementation::AcceptInvalidChars);
-    facade.readTrvAssembly("missing.xml", data);
+    const std::wstring path = directory.wide() + L"/a.xml";
+    const std::function<EFileIOStatus()> calls[] = {
+        [&] { return facade.writeTrvAssembly("a.xml", vise()); },
+        [&] { return facade.writeTrvAssembly(std::wstring(L"a.xml"), vise()); },
+        [&] { return CQvFilesIO::sWriteTrvAssembly(path, vise()); },
+        [&] { return facade.readTrvAssembly("a.xml", data); },
+        [&] { return facade.readTrvAssembly(std::wstring(L"a.xml"), data); },
+        [&] { return CQvFilesIO::sReadTrvAssembly(path, data); }};
+    for (const auto& call : calls) {
+        for (const auto policy :
+             {QDomImplementation::AcceptInvalidChars, QDomImplementation::DropInvalidChars}) {
+            QDomImplementation::setInvalidDataPolicy(policy);
+            EXPECT_EQ(call(), eFileIOSuccess);
+            EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
+        }
+    }
+    QDomImplementation::setInvalidDataPolicy(QDomImplementation::DropInvalidChars);
+    EXPECT_EQ(facade.readTrvAssembly("missing.xml", data), eFileIOOpenError);
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
     QDomImplementation::setInvalidDataPolicy(QDomImplementation::DropInvalidChars);
-    CQvFilesIO::sWriteTrvAssembly(L"", data);
+    EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"", data), eFileIOOpenError);
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
 }
 
@@ -272,6 +329,23 @@ TEST_F(AssemblyFile, TellsAPersonWhyItWasNotRead) {
     CTrvAssemblyIO missing(QString::fromStdString(directory.text() + "/missing.xml"));
     EXPECT_EQ(missing.read(data, &report), eFileIOOpenError);
     EXPECT_THAT(report.fault.reason.toStdString(), ::testing::Not(::testing::IsEmpty()));
+}
+
+TEST_F(AssemblyFile, SaysThatANameNamesNoFile) {
+    for (const QString& name : {QString(), QStringLiteral(""), QStringLiteral("a") + QChar(0)}) {
+        trv::ReadReport report;
+        report.fault = {QStringLiteral("old"), 7, 7};
+        report.leftOut = 7;
+        EXPECT_EQ(CTrvAssemblyIO(name).read(data, &report), eFileIOOpenError);
+        EXPECT_EQ(report.fault.reason, QStringLiteral("the name names no file"));
+        EXPECT_EQ(report.fault.line, 0);
+        EXPECT_EQ(report.fault.column, 0);
+        EXPECT_EQ(report.leftOut, 0);
+        EXPECT_EQ(CTrvAssemblyIO(name).read(data), eFileIOOpenError);
+    }
+    trv::ReadReport report;
+    EXPECT_EQ(CTrvAssemblyIO(QStringLiteral("missing.xml")).read(data, &report), eFileIOOpenError);
+    EXPECT_NE(report.fault.reason, QStringLiteral("the name names no file"));
 }
 
 TEST_F(AssemblyFile, TakesNamesBeyondAscii) {

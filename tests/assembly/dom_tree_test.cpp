@@ -4,28 +4,42 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <memory>
 
 namespace {
 
-// A chain of elements, each with some siblings beside it on its own level.
-void fill(QDomDocument& document, int levels) {
-    QDomNode parent = document;
-    for (int level = 0; level < levels; ++level) {
+// Qt's recursion over 5,000 levels needs some 450 KB.
+constexpr int levels = 5000;
+constexpr std::size_t smallStack = std::size_t{64} << 10;
+
+// A document whose elements are nested, each with some siblings beside it on its own level.
+QDomDocument nested() {
+    QDomDocument document;
+    document.setContent(QByteArray("<a/>"));
+    QDomElement parent = document.documentElement();
+    for (int level = 1; level < levels; ++level) {
         QDomElement element = document.createElement(QStringLiteral("a"));
         parent.appendChild(element);
-        element.appendChild(document.createElement(QStringLiteral("b")));
-        element.appendChild(document.createElement(QStringLiteral("c")));
+        parent.appendChild(document.createElement(QStringLiteral("b")));
+        parent.appendChild(document.createElement(QStringLiteral("c")));
         parent = element;
     }
+    return document;
+}
+
+int depthOf(const QDomDocument& document) {
+    int depth = 0;
+    for (QDomNode node = document.documentElement(); !node.isNull(); node = node.firstChild())
+        ++depth;
+    return depth;
 }
 
 TEST(DomTree, FreesADeepDocumentOnLittleStack) {
-    constexpr std::size_t stack = std::size_t{64} << 10;
-    trv::platform::call_on_stack(stack, [] {
-        trv::DomTree tree;
-        tree.isDeep = true;
-        fill(tree.document, 50000);
-    });
+    auto tree = std::make_unique<trv::DomTree>();
+    tree->isDeep = true;
+    tree->document = nested();
+    ASSERT_EQ(depthOf(tree->document), levels);
+    trv::platform::call_on_stack(smallStack, [&] { tree.reset(); });
 }
 
 TEST(DomTree, FreesAnEmptyDocument) {

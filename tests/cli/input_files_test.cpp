@@ -120,6 +120,8 @@ TEST_F(InputFiles, SaysWhereAnAssemblyIsBroken) {
     EXPECT_EQ(assemblyProblem("\n<a/>"),
               "eFileIOStructureError: line 2, column 3: the root element is <a>, not "
               "<ComponentInfo>");
+    EXPECT_EQ(assemblyProblem("<a>\n  <!--\x01--></a>"),
+              "eFileIOContentError: line 2, column 7: XML does not allow the character U+0001");
     EXPECT_EQ(
         assemblyProblem("<ComponentInfo version=\"1.0\"/>"),
         "eFileIOContentError: line 1, column 29: the version of <ComponentInfo> is no integer");
@@ -130,6 +132,8 @@ TEST_F(InputFiles, SaysWhyAnAssemblyDoesNotOpen) {
     EXPECT_EQ(text(readAssembly(path("missing"), ignored)),
               "eFileIOOpenError: No such file or directory");
     EXPECT_EQ(text(readAssembly(path(""), ignored)), "eFileIOOpenError: Is a directory");
+    // The current directory.
+    EXPECT_EQ(text(readAssembly(QString(), ignored)), "eFileIOOpenError: Is a directory");
 }
 
 TEST_F(InputFiles, ReadsAnAxisFileWithItsTags) {

@@ -1,4 +1,5 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/never_destroyed.h>
 #include <trvfiles/assembly/vector3.h>
 
 #include <utility>
@@ -6,8 +7,8 @@
 // Of an exported class, but not exported itself.
 struct TRVFILES_NO_EXPORT CTrvAssemblyData::Body {
     static const Body& of(const CTrvAssemblyData& data) {
-        static const Body defaults;
-        return data.body_ == nullptr ? defaults : *data.body_;
+        static const trv::NeverDestroyed<Body> defaults;
+        return data.body_ == nullptr ? defaults.get() : *data.body_;
     }
 
     static Body& own(CTrvAssemblyData& data) {
@@ -27,11 +28,24 @@ CTrvAssemblyData::CTrvAssemblyData(const CTrvAssemblyData& other)
 CTrvAssemblyData::CTrvAssemblyData(CTrvAssemblyData&& other) noexcept = default;
 
 CTrvAssemblyData& CTrvAssemblyData::operator=(const CTrvAssemblyData& other) {
+    // The copy alone can fail, and then nothing has changed.
     if (this != &other) *this = CTrvAssemblyData(other);
     return *this;
 }
 
-CTrvAssemblyData& CTrvAssemblyData::operator=(CTrvAssemblyData&& other) noexcept = default;
+CTrvAssemblyData& CTrvAssemblyData::operator=(CTrvAssemblyData&& other) noexcept {
+    if (this == &other) return *this;
+    if (body_ == nullptr) {
+        body_ = std::move(other.body_);
+    } else if (other.body_ == nullptr) {
+        *body_ = Body();
+    } else {
+        // Into the root that is there: the host may hold references to both roots.
+        *body_ = std::exchange(*other.body_, Body());
+    }
+    return *this;
+}
+
 CTrvAssemblyData::~CTrvAssemblyData() = default;
 
 void CTrvAssemblyData::getDimension(double dimension[3]) const {

@@ -12,9 +12,13 @@
 
 /// An assembly: how a set-up is put together from geometry files.
 ///
-/// A plain value. A default-made assembly has the dimension 0, 0, 0 and a default-made root; a
-/// moved-from one reads like that too. A null pointer in place of three numbers leaves both sides
-/// as they are.
+/// A plain value. A default-constructed assembly has the dimension 0, 0, 0 and a
+/// default-constructed root; a moved-from one reads like that too. A null pointer in place of three
+/// numbers leaves both sides as they are.
+///
+/// Assigning copies or moves into the root that is there: references to it stay valid and refer to
+/// the new root component. Running out of memory throws std::bad_alloc; an assignment or a setter
+/// that throws leaves the assembly as it was.
 ///
 /// Threads: const operations may run at once on one object; anything else needs it alone.
 class TRV_EXPORT CTrvAssemblyData {
@@ -30,8 +34,10 @@ public:
     void getDimension(double dimension[3]) const;
     void setDimension(const double dimension[3]);
 
-    /// The root of the tree, to be read or edited in place; valid while the assembly lives and is
-    /// neither assigned to nor moved from.
+    /// The root of the tree, to be read or edited in place. The reference is valid while the
+    /// assembly lives and is not moved from; assigning to the assembly, setRootComponent() and
+    /// reading a file into it keep it valid. For a moved-from assembly the constant form refers to
+    /// a default-constructed component, which no later change reaches.
     const CTrvAssemblyComponentData& getRootComponent() const;
     CTrvAssemblyComponentData& getRootComponent();
 

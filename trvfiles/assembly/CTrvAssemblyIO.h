@@ -12,8 +12,7 @@ class CTrvAssemblyData;
 
 /// Reads or writes one assembly file, made for one call.
 ///
-/// REQUIRES: Qt's policy for invalid XML data is QDomImplementation::ReturnNullNode; the facade
-/// sets it before each call.
+/// REQUIRES: setInvalidDataPolicy() before each call.
 ///
 /// Threads: one object on one thread; several objects at once.
 class CTrvAssemblyIO {

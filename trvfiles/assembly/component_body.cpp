@@ -1,5 +1,6 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/component_body.h>
+#include <trvfiles/assembly/never_destroyed.h>
 
 #include <utility>
 
@@ -25,8 +26,8 @@ ComponentBody::~ComponentBody() {
 }
 
 const ComponentBody& ComponentBody::of(const CTrvAssemblyComponentData& component) {
-    static const ComponentBody defaults;
-    return component.body_ == nullptr ? defaults : *component.body_;
+    static const NeverDestroyed<ComponentBody> defaults;
+    return component.body_ == nullptr ? defaults.get() : *component.body_;
 }
 
 ComponentBody ComponentBody::copy() const {

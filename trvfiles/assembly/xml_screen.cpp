@@ -1,3 +1,4 @@
+#include <trvfiles/assembly/xml_characters.h>
 #include <trvfiles/assembly/xml_screen.h>
 
 #include <algorithm>
@@ -5,41 +6,13 @@
 namespace trv {
 namespace {
 
-// Legal in every place where it may land, and part of no name.
-constexpr ushort harmless = '!';
-
-// The characters that a DOM text may hold: no control characters but tab and line ends, no halves
-// of a character beyond U+FFFF, neither U+FFFE nor U+FFFF.
-bool isBearable(ushort character) {
-    if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
-    return character < 0xD800 || (character > 0xDFFF && character < 0xFFFE);
-}
-
-// An ASCII character that is as good in a name as the given one: at its beginning, behind its
-// beginning, or not at all.
-ushort plainNameCharacter(ushort character) {
-    const QChar qtCharacter(character);
-    if (character < 0x80) return character;
-    if (qtCharacter.isLetter() || qtCharacter.category() == QChar::Number_Letter) return 'x';
-    if (qtCharacter.isNumber() || qtCharacter.isMark()) return '0';
-    return character;
-}
-
-bool mayBecome(const QString& opening, QLatin1String construct) {
-    return opening.size() <= construct.size() &&
-           QLatin1String(construct.data(), opening.size()) == opening;
-}
-
-constexpr QLatin1String commentStart("<!--", 4);
-constexpr QLatin1String cdataStart("<![CDATA[", 9);
-constexpr QLatin1String documentTypeStart("<!DOCTYPE", 9);
-constexpr QLatin1String entityStart("<!ENTITY", 8);
-constexpr QLatin1String instructionStart("<?", 2);
+// XML allows it in every place that it may come to, and it is part of no name.
+constexpr ushort replacement = '!';
 
 }  // namespace
 
 QString XmlScreen::pass(QString piece) {
-    int index = text_.size();
+    index_ = text_.size();
     if (text_.isEmpty()) {
         text_ = std::move(piece);
     } else {
@@ -47,25 +20,57 @@ QString XmlScreen::pass(QString piece) {
     }
     auto* characters = reinterpret_cast<ushort*>(text_.data());
     const int size = text_.size();
-    while (index < size) {
-        see(characters[index], index);
-        if (refusal_ != Refusal::none) break;
-        ++index;
+    for (; index_ < size; ++index_) {
+        see(characters[index_]);
+        if (refusal_ != Refusal::none) return text_.left(passed_);
+        if (characters[index_] <= '\r') countLine(characters[index_]);
     }
-    const int passed = place_ == Place::reference ? referenceStart_ : index;
+    if (place_ == Place::reference) return release(referenceStart_);
+    return release(place_ == Place::lowSurrogate ? size - 1 : size);
+}
+
+// Takes the beginning out of the text.
+QString XmlScreen::release(int length) {
+    lineStart_ -= length;
     referenceStart_ = 0;
-    if (passed == size) return std::exchange(text_, QString());
-    QString beginning = text_.left(passed);
-    text_.remove(0, passed);
+    if (length == text_.size()) return std::exchange(text_, QString());
+    QString beginning = text_.left(length);
+    text_.remove(0, length);
     return beginning;
 }
 
-void XmlScreen::see(ushort& character, int index) {
+void XmlScreen::countLine(ushort character) {
+    if (character == '\n') {
+        const bool endsReturn = lineStartsAfterReturn_ && lineStart_ == index_;
+        if (!endsReturn) ++line_;
+    } else if (character == '\r') {
+        ++line_;
+    } else {
+        return;
+    }
+    lineStart_ = index_ + 1;
+    lineStartsAfterReturn_ = character == '\r';
+}
+
+void XmlScreen::refuse(Refusal refusal, int index) {
+    refusal_ = refusal;
+    refusedAt_ = positionOf(index);
+    passed_ = index;
+}
+
+void XmlScreen::refuseCharacter(uint code, int index) {
+    refuse(Refusal::character, index);
+    refusedCharacter_ = code;
+}
+
+void XmlScreen::see(ushort& character) {
     switch (place_) {
         case Place::content:
-            return seeContent(character, index);
+            return seeContent(character);
         case Place::reference:
-            return seeReference(character, index);
+            return seeReference(character);
+        case Place::lowSurrogate:
+            return seeLowSurrogate(character);
         case Place::markup:
             return seeMarkup(character);
         case Place::startTag:
@@ -86,45 +91,89 @@ void XmlScreen::see(ushort& character, int index) {
     }
 }
 
-void XmlScreen::seeContent(ushort& character, int index) {
+void XmlScreen::seeContent(ushort& character) {
     if (character == '<') {
         place_ = Place::markup;
+        endRun();
     } else if (character == '&') {
         place_ = Place::reference;
-        referenceStart_ = index;
-    } else if (!isBearable(character)) {
-        character = harmless;
+        referenceStart_ = index_;
+    } else if (QChar::isHighSurrogate(character)) {
+        seeHighSurrogate();
+        seeText(replacement, index_, replacement);
+    } else {
+        seeText(character, index_, character);
     }
 }
 
-void XmlScreen::seeReference(ushort character, int index) {
+// One character of a text: `unit` is what the parser makes of `code`, which begins at `start`.
+void XmlScreen::seeText(ushort unit, int start, uint code) {
+    if (!runHasText_ && (unit == '\v' || unit == '\f')) {
+        if (feed_ == 0) feedAt_ = positionOf(start);
+        feed_ = unit;
+    } else if (!isXmlCharacter(unit)) {
+        refuseCharacter(code, start);
+    } else if (!QChar::isSpace(unit)) {
+        runHasText_ = true;
+        if (feed_ == 0) return;
+        refuseCharacter(feed_, start);
+        refusedAt_ = feedAt_;
+    }
+}
+
+void XmlScreen::endRun() {
+    runHasText_ = false;
+    feed_ = 0;
+}
+
+void XmlScreen::seeHighSurrogate() {
+    beforePair_ = place_;
+    place_ = Place::lowSurrogate;
+}
+
+void XmlScreen::seeLowSurrogate(ushort& character) {
+    place_ = beforePair_;
+    auto* characters = reinterpret_cast<ushort*>(text_.data());
+    if (!QChar::isLowSurrogate(character)) {
+        return refuseCharacter(characters[index_ - 1], index_ - 1);
+    }
+    characters[index_ - 1] = character = replacement;
+}
+
+void XmlScreen::seeReference(ushort character) {
     if (character == ';') {
-        disarmReference(index);
         place_ = Place::content;
+        endReference();
     } else if (character == '<') {
         place_ = Place::markup;
     }
 }
 
-// The parser makes a text of a character reference, and a node of a named one that nothing
-// declares: it bears neither an illegal character in the first nor, in the second, every letter
-// that it reads.
-void XmlScreen::disarmReference(int end) {
-    const QStringRef name = text_.midRef(referenceStart_ + 1, end - referenceStart_ - 1);
+void XmlScreen::endReference() {
     auto* characters = reinterpret_cast<ushort*>(text_.data());
-    if (!name.startsWith(QLatin1Char('#'))) {
-        std::transform(characters + referenceStart_, characters + end, characters + referenceStart_,
-                       plainNameCharacter);
-        return;
+    const QStringView name =
+        QStringView(text_).mid(referenceStart_ + 1, index_ - referenceStart_ - 1);
+    if (name.startsWith(QLatin1Char('#'))) {
+        uint number = 0;
+        if (referencedNumber(name.mid(1), number)) seeNumber(number);
+    } else if (isPredefinedEntity(name)) {
+        seeText(replacement, referenceStart_, replacement);
+    } else {
+        endRun();
+        std::transform(characters + referenceStart_, characters + index_,
+                       characters + referenceStart_, plainNameCharacter);
     }
-    const bool hexadecimal = name.startsWith(QLatin1String("#x"));
-    bool isNumber = false;
-    const uint code =
-        hexadecimal ? name.mid(2).toUInt(&isNumber, 16) : name.mid(1).toUInt(&isNumber);
-    // The parser takes the lower half of a number beyond U+FFFF.
-    if (isNumber && !isBearable(static_cast<ushort>(code))) {
-        std::fill(characters + referenceStart_, characters + end + 1, harmless);
+}
+
+// The parser makes a character of the lower 16 bits.
+void XmlScreen::seeNumber(uint number) {
+    const auto unit = static_cast<ushort>(number);
+    if (number == unit || isXmlCharacter(unit) || !isXmlCharacter(number)) {
+        return seeText(unit, referenceStart_, number);
     }
+    auto* characters = reinterpret_cast<ushort*>(text_.data());
+    std::fill(characters + referenceStart_, characters + index_ + 1, replacement);
+    seeText(replacement, referenceStart_, replacement);
 }
 
 void XmlScreen::seeMarkup(ushort character) {
@@ -152,81 +201,17 @@ void XmlScreen::seeStartTag(ushort character) {
     previous_ = character;
 }
 
-void XmlScreen::seeDeclaration(ushort character) {
-    opening_ += QChar(character);
-    if (opening_ == commentStart) {
-        enter(Place::comment, Place::content);
-    } else if (opening_ == cdataStart) {
-        enter(Place::cdata, Place::content);
-    } else if (opening_ == documentTypeStart) {
-        place_ = Place::documentType;
-        opening_.clear();
-    } else if (!mayBecome(opening_, commentStart) && !mayBecome(opening_, cdataStart) &&
-               !mayBecome(opening_, documentTypeStart)) {
-        place_ = Place::content;
-    }
-}
-
-void XmlScreen::seeDocumentType(ushort character) {
-    if (isQuoted(character) || seeOpening(character)) return;
-    switch (character) {
-        case '<':
-            opening_ = QStringLiteral("<");
-            break;
-        case '[':
-            inSubset_ = true;
-            break;
-        case ']':
-            if (!inDeclaration_) inSubset_ = false;
-            break;
-        case '(':
-            // The parser recurses into the groups of a content model as it does into elements.
-            open();
-            break;
-        case ')':
-            close();
-            break;
-        case '>':
-            if (inDeclaration_) {
-                inDeclaration_ = false;
-            } else if (!inSubset_) {
-                place_ = Place::content;
-            }
-            break;
-        default:
-            break;
-    }
-}
-
-// Inside a document type: whether the character goes on with the beginning of a construct.
-bool XmlScreen::seeOpening(ushort character) {
-    if (opening_.isEmpty()) return false;
-    opening_ += QChar(character);
-    if (opening_ == commentStart) {
-        inDeclaration_ = false;
-        enter(Place::comment, Place::documentType);
-    } else if (opening_ == instructionStart) {
-        enter(Place::instruction, Place::documentType);
-    } else if (opening_ == entityStart) {
-        refusal_ = Refusal::entityDeclaration;
-    } else if (mayBecome(opening_, commentStart) || mayBecome(opening_, entityStart)) {
-        inDeclaration_ = true;
-        return true;
-    }
-    const bool complete = place_ != Place::documentType || refusal_ != Refusal::none;
-    opening_.clear();
-    return complete;
-}
-
-void XmlScreen::seeUntilClosed(ushort& character, ushort closing, int repetitions) {
+void XmlScreen::seeUntilClosed(ushort character, ushort closing, int repetitions) {
     if (character == closing) {
         ++repetitions_;
         return;
     }
     if (character == '>' && repetitions_ >= repetitions) {
         place_ = afterwards_;
-    } else if (!isBearable(character)) {
-        character = harmless;
+    } else if (QChar::isHighSurrogate(character)) {
+        seeHighSurrogate();
+    } else if (!isXmlCharacter(character)) {
+        refuseCharacter(character, index_);
     }
     repetitions_ = 0;
 }
@@ -252,7 +237,7 @@ void XmlScreen::enter(Place place, Place afterwards) {
 
 void XmlScreen::open() {
     if (depth_ == deepest_) {
-        refusal_ = Refusal::tooDeep;
+        refuse(Refusal::tooDeep, index_);
     } else {
         ++depth_;
     }

@@ -11,17 +11,31 @@ namespace trv {
 
 /// Looks through a document's characters on their way to the parser, piece by piece.
 ///
-/// Two things happen to them. What the parser cannot bear in a comment, a text, a CDATA section or
-/// a processing instruction becomes a harmless character: those carry nothing for us, and their
-/// length stays, so that lines and columns still fit. And the document is refused, before the
-/// parser sees the offending place, where it nests too deeply (the parser recurses) or declares an
-/// entity (which can grow without bound). Attributes pass untouched.
+/// It refuses a document, before the parser sees the offending place, which
+/// - nests too deeply: the parser recurses;
+/// - declares an entity, which can grow without bound;
+/// - holds a character that XML does not allow, or a reference to one, in a text, a comment, a
+/// CDATA
+///   section or a processing instruction. Under ReturnNullNode most of them crash Qt's DOM.
 ///
-/// Wherever the document is well-formed so far, the count of open elements is exact; where it is
-/// not, the parser has already given up.
+/// In the same places it replaces the characters that XML allows and Qt's DOM cannot hold: those
+/// beyond U+FFFF, and some letters in the names of entities. Nothing there means anything to the
+/// library. The length stays, so that lines and columns still fit.
+///
+/// Attributes and the literals of a document type pass untouched: Qt takes every character there
+/// but U+FFFE and U+FFFF, at which it reports an error of its own.
+///
+/// As long as the document is well-formed, the count of open elements is exact; after that, the
+/// parser has already given up.
 class XmlScreen {
 public:
-    enum class Refusal { none, tooDeep, entityDeclaration };
+    enum class Refusal { none, tooDeep, entityDeclaration, character };
+
+    /// Counted from 1, in UTF-16 units, as the parser counts.
+    struct Position {
+        qint64 line = 1;
+        qint64 column = 1;
+    };
 
     /// @param deepest  how many elements, or groups in a document type, may be open at once
     explicit XmlScreen(int deepest) : deepest_(deepest) {}
@@ -36,10 +50,18 @@ public:
 
     Refusal refusal() const { return refusal_; }
 
+    /// The offending place. REQUIRES: a refusal.
+    Position refusedAt() const { return refusedAt_; }
+
+    /// The number of the character that is not allowed, which may be beyond U+10FFFF in a
+    /// reference. REQUIRES: Refusal::character.
+    uint refusedCharacter() const { return refusedCharacter_; }
+
 private:
     enum class Place {
         content,
         reference,
+        lowSurrogate,
         markup,
         startTag,
         endTag,
@@ -50,41 +72,71 @@ private:
         documentType,
     };
 
-    void see(ushort& character, int index);
-    void seeContent(ushort& character, int index);
-    void seeReference(ushort character, int index);
+    void see(ushort& character);
+    void seeContent(ushort& character);
+    void seeText(ushort unit, int start, uint code);
+    void seeReference(ushort character);
+    void endReference();
+    void seeNumber(uint number);
+    void endRun();
+    void seeHighSurrogate();
+    void seeLowSurrogate(ushort& character);
     void seeMarkup(ushort character);
     void seeStartTag(ushort character);
     void seeDeclaration(ushort character);
     void seeDocumentType(ushort character);
     bool seeOpening(ushort character);
-    void seeUntilClosed(ushort& character, ushort closing, int repetitions);
+    void seeUntilClosed(ushort character, ushort closing, int repetitions);
     bool isQuoted(ushort character);
     void enter(Place place, Place afterwards);
     void open();
     void close();
-    void disarmReference(int end);
+    void countLine(ushort character);
+    Position positionOf(int index) const { return {line_, index - lineStart_ + 1}; }
+    void refuse(Refusal refusal, int index);
+    void refuseCharacter(uint code, int index);
+    QString release(int length);
 
     const int deepest_;
     int depth_ = 0;
     Refusal refusal_ = Refusal::none;
+    Position refusedAt_;
+    uint refusedCharacter_ = 0;
 
     Place place_ = Place::content;
     // Where a comment, a CDATA section or an instruction leads when it ends.
     Place afterwards_ = Place::content;
-    // The quote that ends the literal at hand, 0 outside literals.
+    // Where the current surrogate pair is.
+    Place beforePair_ = Place::content;
+    // The quote that ends the current literal, 0 outside literals.
     ushort quote_ = 0;
     ushort previous_ = 0;
-    // How many of the characters that close the place at hand have come in a row.
+    // How many of the characters that close the current place have come in a row.
     int repetitions_ = 0;
     // The beginning of a "<!" construct, as far as it may still become one that matters.
     QString opening_;
     bool inSubset_ = false;
     bool inDeclaration_ = false;
 
-    // The piece at hand, with what was held back before it: a reference is judged as a whole.
+    // The current run of text: from markup or a reference to an entity to the next one. The parser
+    // drops a run of white space, also one with form feeds and vertical tabs, which no other run
+    // may hold.
+    bool runHasText_ = false;
+    ushort feed_ = 0;
+    Position feedAt_;
+
+    // The current piece, with what was held back before it: a reference is judged as a whole, and
+    // so is a surrogate pair.
     QString text_;
+    int index_ = 0;
+    // Where the parser's part ends: at what was refused or is held back.
+    int passed_ = 0;
     int referenceStart_ = 0;
+
+    qint64 line_ = 1;
+    // Where the current line begins, before text_ when it is negative.
+    qint64 lineStart_ = 0;
+    bool lineStartsAfterReturn_ = false;
 };
 
 }  // namespace trv

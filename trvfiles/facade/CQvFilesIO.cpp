@@ -1,5 +1,6 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
+#include <trvfiles/assembly/invalid_data_policy.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/axis_file.h>
 #include <trvfiles/facade/open_file.h>
@@ -8,7 +9,6 @@
 #include <trvfiles/support/platform.h>
 
 #include <QDir>
-#include <QDomImplementation>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -58,12 +58,12 @@ QString joined(const std::wstring& directory, const QString& name) {
 }
 
 EFileIOStatus readAssembly(const QString& path, CTrvAssemblyData& data) {
-    QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    trv::setInvalidDataPolicy();
     return CTrvAssemblyIO(path).read(data);
 }
 
 EFileIOStatus writeAssembly(const QString& path, const CTrvAssemblyData& data) {
-    QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    trv::setInvalidDataPolicy();
     return CTrvAssemblyIO(path).write(data);
 }
 

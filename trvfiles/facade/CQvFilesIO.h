@@ -28,9 +28,15 @@ class CTrvAssemblyData;
 /// way out.
 ///
 /// Threads: instances may be used on several threads at once, each with its own records, but for
-/// writeMachineContext(), which runs on one thread at a time with the whole runtime. The assembly
-/// members set Qt's process-wide policy for invalid XML data to
-/// QDomImplementation::ReturnNullNode and leave it so.
+/// writeMachineContext(), which runs on one thread at a time with the whole runtime. Each call of
+/// an assembly member makes QDomImplementation::ReturnNullNode Qt's process-wide policy for invalid
+/// XML data and leaves it so. It writes the policy only when it is another one: calls at the same
+/// time do not race, a host that sets another policy at the same time does.
+///
+/// Lifetime: assemblies can be read and written until the process ends, also in handlers of
+/// atexit() and in destructors of static objects. From the moment at which Qt destroys its text
+/// codecs, documents have to be in UTF-8, UTF-16 or ISO-8859-1; others are an eFileIOContentError.
+/// On Windows, narrow text beyond ASCII is then converted as ISO-8859-1.
 class TRV_EXPORT CQvFilesIO {
 public:
     /// Binds an instance to a directory; a null pointer acts as the empty one.
@@ -75,14 +81,23 @@ public:
     /// Reads an assembly file.
     ///
     /// @param name  resolved against the directory; a null pointer acts as the empty name
-    /// @param data  takes the root component on success; its dimension may hold the file's values
-    ///              after a failure too
-    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened; eFileIOContentError
-    ///         when it is no well-formed XML, nests more than 2,000 elements, declares an entity,
-    ///         or lacks an integer "version", "Attributs" or the root "Component";
-    ///         eFileIOStructureError when the root element is not "ComponentInfo" or the root
-    ///         component has an incomplete "Orientation". A broken component below the root is
-    ///         left out and no failure.
+    /// @param data  its root component is assigned on success; its dimension may hold the file's
+    ///              values after a failure too. References to the root stay valid.
+    /// @return - eFileIOSuccess. A component below the root with an incomplete "Orientation" is
+    /// left
+    ///           out and no failure.
+    ///         - eFileIOOpenError when the file cannot be opened.
+    ///         - eFileIOContentError when it is not well-formed XML; when it nests more than 2,000
+    ///           elements, or more than 2,000 groups of a content model; when it declares an
+    ///           entity; when a text, a comment, a CDATA section or a processing instruction holds
+    ///           a character that XML does not allow, or a reference to one. All of this decides
+    ///           before the root element does. Also when an integer "version", "Attributs" or the
+    ///           root "Component" is missing.
+    ///         - eFileIOStructureError when the root element is not "ComponentInfo" or the root
+    ///           component has an incomplete "Orientation".
+    /// @throws std::bad_alloc when memory runs out, or when the file nests more than 200 elements
+    /// and
+    ///         the system has no second stack for it. The root component is then as it was.
     EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data);
     EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data);
 

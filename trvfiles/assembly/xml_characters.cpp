@@ -1,0 +1,51 @@
+#include <trvfiles/assembly/xml_characters.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace trv {
+namespace {
+
+constexpr uint noDigit = 16;
+
+uint hexadecimalDigit(ushort character) {
+    if (character >= '0' && character <= '9') return character - uint{'0'};
+    if (character >= 'a' && character <= 'f') return character - uint{'a'} + 10;
+    if (character >= 'A' && character <= 'F') return character - uint{'A'} + 10;
+    return noDigit;
+}
+
+}  // namespace
+
+bool referencedNumber(QStringView digits, uint& number) {
+    const bool isHexadecimal = digits.startsWith(QLatin1Char('x'));
+    const uint base = isHexadecimal ? 16 : 10;
+    if (isHexadecimal) digits = digits.mid(1);
+    if (digits.isEmpty()) return false;
+    quint64 value = 0;
+    for (const QChar character : digits) {
+        const uint digit = hexadecimalDigit(character.unicode());
+        if (digit >= base) return false;
+        value = value * base + digit;
+        if (value > std::numeric_limits<uint>::max()) return false;
+    }
+    number = static_cast<uint>(value);
+    return true;
+}
+
+bool isPredefinedEntity(QStringView name) {
+    const QLatin1String names[] = {QLatin1String("lt", 2), QLatin1String("gt", 2),
+                                   QLatin1String("amp", 3), QLatin1String("quot", 4),
+                                   QLatin1String("apos", 4)};
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+ushort plainNameCharacter(ushort character) {
+    const QChar qtCharacter(character);
+    if (character < 0x80) return character;
+    if (qtCharacter.isLetter() || qtCharacter.category() == QChar::Number_Letter) return 'x';
+    if (qtCharacter.isNumber() || qtCharacter.isMark()) return '0';
+    return character;
+}
+
+}  // namespace trv

@@ -1,0 +1,39 @@
+#pragma once
+
+/// @file
+/// The characters of an XML document, as XML allows them and as Qt's parser takes them.
+
+#include <QChar>
+#include <QString>
+#include <QStringView>
+
+namespace trv {
+
+/// Whether XML 1.0 allows a character in a document: tab, line ends, and all from U+0020 to
+/// U+10FFFF but surrogates, U+FFFE and U+FFFF. The other control characters are not allowed.
+inline bool isXmlCharacter(uint code) {
+    constexpr uint lastBeforeSurrogates = 0xD7FF;
+    constexpr uint firstAfterSurrogates = 0xE000;
+    constexpr uint firstNoncharacter = 0xFFFE;
+    constexpr uint firstOfSecondPlane = 0x10000;
+    if (code < 0x20) return code == '\t' || code == '\n' || code == '\r';
+    return code <= lastBeforeSurrogates ||
+           (code >= firstAfterSurrogates && code < firstNoncharacter) ||
+           (code >= firstOfSecondPlane && code <= QChar::LastValidCodePoint);
+}
+
+/// The number that a character reference gives.
+///
+/// @param digits  what is between "&#" and ";"
+/// @param number  written on success only
+/// @return false when the parser refuses the reference itself: no digits, or more than 32 bits
+bool referencedNumber(QStringView digits, uint& number);
+
+/// Whether the name is one of the five entities that XML declares, each of which is a character.
+bool isPredefinedEntity(QStringView name);
+
+/// An ASCII character that is as good in a name as the given one: at its beginning, after its
+/// beginning, or not at all. Qt's parser reads letters in names that its DOM does not accept.
+ushort plainNameCharacter(ushort character);
+
+}  // namespace trv
