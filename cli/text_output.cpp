@@ -8,6 +8,77 @@
 #include <cmath>
 
 namespace trv::cli {
+namespace {
+
+// A character, or half of a surrogate pair where the other half is missing.
+struct Character {
+    uint code;
+    /// In code units.
+    int length;
+};
+
+Character characterAt(const QString& text, int place) {
+    const QChar first = text.at(place);
+    if (first.isHighSurrogate() && place + 1 < text.size()) {
+        const QChar second = text.at(place + 1);
+        if (second.isLowSurrogate()) return {QChar::surrogateToUcs4(first, second), 2};
+    }
+    return {first.unicode(), 1};
+}
+
+// Whether a terminal or an editor does not show the character, or lets it change how others look.
+bool isHidden(uint code) {
+    constexpr uint firstTag = 0xE0000;
+    constexpr uint lastTag = 0xE007F;
+    switch (QChar::category(code)) {
+        case QChar::Other_Control:
+        case QChar::Other_Format:
+        case QChar::Other_Surrogate:
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            return true;
+        default:
+            // Not all tag characters are assigned.
+            return code >= firstTag && code <= lastTag;
+    }
+}
+
+QString hexadecimal(uint number, int digits) {
+    return QStringLiteral("%1").arg(number, digits, 16, QLatin1Char('0'));
+}
+
+QString escapeForText(uint code) {
+    constexpr uint pastLatin = 0x100;
+    constexpr uint pastBasicPlane = 0x10000;
+    if (code == '\\') return QStringLiteral("\\\\");
+    if (code < pastLatin) return QStringLiteral("\\x") + hexadecimal(code, 2);
+    if (code < pastBasicPlane) return QStringLiteral("\\u") + hexadecimal(code, 4);
+    return QStringLiteral("\\U") + hexadecimal(code, 8);
+}
+
+QString escapeForJson(uint code) {
+    const auto unit = [](uint value) { return QStringLiteral("\\u") + hexadecimal(value, 4); };
+    if (!QChar::requiresSurrogates(code)) return unit(code);
+    return unit(QChar::highSurrogate(code)) + unit(QChar::lowSurrogate(code));
+}
+
+template <class Predicate>
+QString escaped(const QString& text, Predicate isEscaped, QString (*escape)(uint)) {
+    QString result;
+    result.reserve(text.size());
+    for (int place = 0; place < text.size();) {
+        const Character character = characterAt(text, place);
+        if (isEscaped(character.code)) {
+            result += escape(character.code);
+        } else {
+            result.append(text.constData() + place, character.length);
+        }
+        place += character.length;
+    }
+    return result;
+}
+
+}  // namespace
 
 QString numberText(double value) {
     // A NaN may carry a sign, which is not shown.
@@ -41,15 +112,8 @@ QString roundedVectorText(const double vector[3]) {
 }
 
 QString shown(const QString& text) {
-    QString result;
-    for (const QChar character : text) {
-        if (character.category() == QChar::Other_Control) {
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        } else {
-            result += character;
-        }
-    }
-    return result;
+    return escaped(
+        text, [](uint code) { return code == '\\' || isHidden(code); }, escapeForText);
 }
 
 QString shown(const std::string& narrow) {
@@ -73,7 +137,10 @@ QJsonArray jsonNumbers(const double* values, int count) {
 }
 
 void printJson(const QJsonObject& object, std::ostream& out) {
-    out << QJsonDocument(object).toJson(QJsonDocument::Compact).constData() << '\n';
+    // The document's own text escapes a few control characters only. Hidden characters are in
+    // strings alone: everything else of JSON is ASCII.
+    const QString json = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    out << qUtf8Printable(escaped(json, isHidden, escapeForJson)) << '\n';
 }
 
 }  // namespace trv::cli

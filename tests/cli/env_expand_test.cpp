@@ -10,8 +10,9 @@ namespace {
 using EnvExpand = EnvCommand;
 using EnvFind = EnvCommand;
 
+// A path of the system as it is shown.
 std::string native(const char* path) {
-    return platform::backslash_separates() ? backslashed(path) : path;
+    return platform::backslash_separates() ? replaced(backslashed(path), "\\", "\\\\") : path;
 }
 
 TEST_F(EnvExpand, PrintsALineForEachText) {
@@ -26,7 +27,7 @@ TEST_F(EnvExpand, PrintsALineForEachText) {
 
 TEST_F(EnvExpand, NormalisesPathsOnRequest) {
     EXPECT_EQ(run({"expand", "--path", "a//./b/$CELL", "?TXT"}), 0);
-    EXPECT_EQ(out(), "a\\b\\3\n\\opt\\shop\\site\\texts;\\opt\\shop\\texts\n");
+    EXPECT_EQ(out(), "a\\\\b\\\\3\n\\\\opt\\\\shop\\\\site\\\\texts;\\\\opt\\\\shop\\\\texts\n");
 }
 
 TEST_F(EnvExpand, NamesWhatIsUndefined) {
@@ -51,8 +52,8 @@ TEST_F(EnvExpand, SaysWhatIsWrongWithAText) {
 TEST_F(EnvFind, ShowsEachDirectoryThatIsTried) {
     EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
     EXPECT_EQ(out(),
-              "  - '\\opt\\shop\\cell\\shop.cfg' -> Not found\n"
-              "  - '\\opt\\shop\\site\\shop.cfg' -> Found\n" +
+              "  - '\\\\opt\\\\shop\\\\cell\\\\shop.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\site\\\\shop.cfg' -> Found\n" +
                   native("/opt/shop/site/shop.cfg") + "\n");
     EXPECT_EQ(err(), "");
 }
@@ -68,8 +69,8 @@ TEST_F(EnvFind, SaysThatNoDirectoryHasTheFile) {
     process_.setVariable("CFGPATH", "$TRVHOME/site;$TRVHOME/nowhere");
     EXPECT_EQ(run({"find", "?CFG/none.cfg"}), 1);
     EXPECT_EQ(out(),
-              "  - '\\opt\\shop\\site\\none.cfg' -> Not found\n"
-              "  - '\\opt\\shop\\nowhere\\none.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\site\\\\none.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\nowhere\\\\none.cfg' -> Not found\n"
               "?CFG/none.cfg is not found\n");
     EXPECT_EQ(err(), "");
 }
@@ -84,7 +85,7 @@ TEST_F(EnvFind, LooksAtANameWithoutAList) {
 TEST_F(EnvFind, NamesAListThatIsUndefined) {
     EXPECT_EQ(run({"find", "?NOLIST\\shop.cfg"}), 1);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: ?NOLIST\\shop.cfg: ?NOLIST is not defined\n");
+    EXPECT_EQ(err(), "trvfiles: ?NOLIST\\\\shop.cfg: ?NOLIST is not defined\n");
 }
 
 TEST_F(EnvFind, SaysWhyItCannotSearch) {

@@ -10,75 +10,79 @@ using EnvExplain = EnvCommand;
 TEST_F(EnvExplain, ListsTheDefinitionsOfThreeFiles) {
     EXPECT_EQ(run({"explain", "SPINDLE_LIMIT"}), 0);
     EXPECT_EQ(err(), "");
-    EXPECT_EQ(out(),
-              "SPINDLE_LIMIT = 9000\n"
-              "from '\\opt\\shop\\cell\\environ.cfg' line 5: the definition that was read last "
-              "wins\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  SPINDLE_LIMIT = 12000\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 20\n"
-              "  SPINDLE_LIMIT = 10000\n"
-              "    from '\\opt\\shop\\site\\environ.cfg' line 7\n"
-              "  SPINDLE_LIMIT = 9000\n"
-              "    from '\\opt\\shop\\cell\\environ.cfg' line 5\n");
+    EXPECT_EQ(
+        out(),
+        "SPINDLE_LIMIT = 9000\n"
+        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5: the definition that was read last "
+        "wins\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  SPINDLE_LIMIT = 12000\n"
+        "    from '/opt/shop\\\\config\\\\environ.cfg' line 20\n"
+        "  SPINDLE_LIMIT = 10000\n"
+        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 7\n"
+        "  SPINDLE_LIMIT = 9000\n"
+        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5\n");
 }
 
 TEST_F(EnvExplain, TellsWhatAPlusStandsFor) {
     EXPECT_EQ(run({"explain", "POST_OPTIONS"}), 0);
-    EXPECT_EQ(out(),
-              "POST_OPTIONS = comments line-numbers pallet-codes\n"
-              "from '\\opt\\shop\\cell\\environ.cfg' line 6: the definition that was read last "
-              "wins\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  POST_OPTIONS = comments\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 21\n"
-              "  POST_OPTIONS = + line-numbers\n"
-              "    from '\\opt\\shop\\site\\environ.cfg' line 10\n"
-              "    + is 'comments'\n"
-              "  POST_OPTIONS = + pallet-codes\n"
-              "    from '\\opt\\shop\\cell\\environ.cfg' line 6\n"
-              "    + is 'comments line-numbers'\n");
+    EXPECT_EQ(
+        out(),
+        "POST_OPTIONS = comments line-numbers pallet-codes\n"
+        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6: the definition that was read last "
+        "wins\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  POST_OPTIONS = comments\n"
+        "    from '/opt/shop\\\\config\\\\environ.cfg' line 21\n"
+        "  POST_OPTIONS = + line-numbers\n"
+        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 10\n"
+        "    + is 'comments'\n"
+        "  POST_OPTIONS = + pallet-codes\n"
+        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6\n"
+        "    + is 'comments line-numbers'\n");
 }
 
 TEST_F(EnvExplain, TellsWhatReferencesAreReplacedBy) {
     process_.setVariable("CELL", "$NOBODY");
     EXPECT_EQ(run({"explain", "LABEL"}), 0);
-    EXPECT_EQ(out(),
-              "LABEL = $SITE ${PALLET_MARK}$CELL\n"
-              "from '\\opt\\shop\\cell\\environ.cfg' line 7: the only definition that counts\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  LABEL = $SITE ${PALLET_MARK}$CELL\n"
-              "    from '\\opt\\shop\\cell\\environ.cfg' line 7\n"
-              "\n"
-              "Expanded\n"
-              "  = Erlbach #<NOBODY>\n"
-              "    SITE = 'Erlbach' from '\\opt\\shop\\site\\environ.cfg' line 4\n"
-              "    PALLET_MARK = '#' from '/opt/shop\\config\\environ.cfg' line 22\n"
-              "    CELL = '$NOBODY' from environment\n"
-              "    NOBODY = <undefined variable>\n");
+    EXPECT_EQ(
+        out(),
+        "LABEL = $SITE ${PALLET_MARK}$CELL\n"
+        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 7: the only definition that counts\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  LABEL = $SITE ${PALLET_MARK}$CELL\n"
+        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 7\n"
+        "\n"
+        "Expanded\n"
+        "  = Erlbach #<NOBODY>\n"
+        "    SITE = 'Erlbach' from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 4\n"
+        "    PALLET_MARK = '#' from '/opt/shop\\\\config\\\\environ.cfg' line 22\n"
+        "    CELL = '$NOBODY' from environment\n"
+        "    NOBODY = <undefined variable>\n");
 }
 
 TEST_F(EnvExplain, ExplainsPathLists) {
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
-    EXPECT_EQ(out(),
-              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n"
-              "from '\\opt\\shop\\site\\environ.cfg' line 18: the definition that was read last "
-              "wins\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  TXT = $TRVHOME/texts\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 43\n"
-              "  TXT = $TRVHOME/site/texts;+\n"
-              "    from '\\opt\\shop\\site\\environ.cfg' line 18\n"
-              "    + is '$TRVHOME/texts'\n"
-              "\n"
-              "Expanded\n"
-              "  = /opt/shop/site/texts;/opt/shop/texts\n"
-              "    TRVHOME = '/opt/shop' from environment\n"
-              "    TRVHOME = '/opt/shop' from environment\n");
+    EXPECT_EQ(
+        out(),
+        "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n"
+        "from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 18: the definition that was read last "
+        "wins\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  TXT = $TRVHOME/texts\n"
+        "    from '/opt/shop\\\\config\\\\environ.cfg' line 43\n"
+        "  TXT = $TRVHOME/site/texts;+\n"
+        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 18\n"
+        "    + is '$TRVHOME/texts'\n"
+        "\n"
+        "Expanded\n"
+        "  = /opt/shop/site/texts;/opt/shop/texts\n"
+        "    TRVHOME = '/opt/shop' from environment\n"
+        "    TRVHOME = '/opt/shop' from environment\n");
     process_.setVariable("TXTPATH", "here");
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
     EXPECT_EQ(out().substr(0, 83),
@@ -95,7 +99,7 @@ TEST_F(EnvExplain, PutsTheProcessEnvironmentBeforeAllFiles) {
               "\n"
               "Definitions, oldest first\n"
               "  COMPANY = Hollmann Precision Parts\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 7\n");
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 7\n");
     EXPECT_EQ(run({"explain", "TRVHOME"}), 0);
     EXPECT_EQ(out(),
               "TRVHOME = /opt/shop\nfrom environment: the installation does not define it\n");
@@ -116,15 +120,15 @@ TEST_F(EnvExplain, ShowsDefinitionsThatNoLookupReaches) {
     EXPECT_EQ(run({"explain", "cell"}), 0);
     EXPECT_EQ(out(),
               "cell = 1\n"
-              "from '/opt/shop\\config\\environ.cfg' line 2: the only definition that counts\n"
+              "from '/opt/shop\\\\config\\\\environ.cfg' line 2: the only definition that counts\n"
               "\n"
               "Definitions, oldest first\n"
               "  CELL = 1\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 2\n"
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 2\n"
               "\n"
               "Never looked at\n"
               "  CELL = 2\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 3\n");
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 3\n");
 }
 
 TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
@@ -133,7 +137,7 @@ TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
     EXPECT_NE(out().find("\nExpanded\n"
                          "  EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or its "
                          "expansion is too long\n"
-                         "    SITE = '$CELL' from '/opt/shop\\config\\environ.cfg' line 3\n"),
+                         "    SITE = '$CELL' from '/opt/shop\\\\config\\\\environ.cfg' line 3\n"),
               std::string::npos)
         << out();
     EXPECT_EQ(run({"explain", "--json", "CELL"}), 0);
@@ -142,8 +146,9 @@ TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
 
 TEST_F(EnvExplain, KnowsTheTemporaryDirectory) {
     EXPECT_EQ(run({"explain", "TMP"}), 0);
-    EXPECT_EQ(out(),
-              "TMP = \\opt\\shop\\tmp\\00000001\nthe temporary directory of the work zone\n");
+    EXPECT_EQ(
+        out(),
+        "TMP = \\\\opt\\\\shop\\\\tmp\\\\00000001\nthe temporary directory of the work zone\n");
     write("shop/config/environ.cfg", "[var]\nTMP = x\n");
     process_.setVariable("TRVTMPDIR", "here");
     EXPECT_EQ(run({"explain", "TMP"}), 0);
@@ -153,7 +158,7 @@ TEST_F(EnvExplain, KnowsTheTemporaryDirectory) {
               "\n"
               "Never looked at\n"
               "  TMP = x\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 2\n");
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 2\n");
 }
 
 TEST_F(EnvExplain, PrintsJson) {

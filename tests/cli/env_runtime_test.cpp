@@ -88,18 +88,19 @@ TEST_F(EnvCommand, EndsWithWhatIsFatalAtTheStart) {
     write("empty/x", "");
     EXPECT_EQ(run({"list", "--root", "empty"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(),
-              "trvfiles: Error loading '" + directory_.text() + "/empty\\config\\environ.cfg'\n");
+    EXPECT_EQ(err(), "trvfiles: Error loading '" + directory_.text() +
+                         "/empty\\\\config\\\\environ.cfg'\n");
 
     write("shop/config/environ.cfg", "[var]\n/frob\n");
     EXPECT_EQ(run({"explain", "CELL"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(),
-              "trvfiles: load_messages: file '/opt/shop\\config\\environ.cfg', line 2 : Unknown "
-              "keyword : '/frob'\n"
-              "trvfiles: load_messages: file '/opt/shop\\config\\environ.cfg', line 0 : Error "
-              "loading file.\n"
-              "trvfiles: Error loading '/opt/shop\\config\\environ.cfg'\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 2 : Unknown "
+        "keyword : '/frob'\n"
+        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 0 : Error "
+        "loading file.\n"
+        "trvfiles: Error loading '/opt/shop\\\\config\\\\environ.cfg'\n");
 }
 
 TEST_F(EnvCommand, ShowsNoResultsBesideAFatalReport) {
@@ -113,9 +114,10 @@ TEST_F(EnvCommand, WarnsOfWhatIsNotFatalAtTheStart) {
     write("shop/cell/environ.cfg", "[var]\nno entry\nCELL = 4\n");
     EXPECT_EQ(run({"expand", "$CELL"}), 0);
     EXPECT_EQ(out(), "4\n");
-    EXPECT_EQ(err(),
-              "trvfiles: warning: load_messages: [file '\\opt\\shop\\cell\\environ.cfg' line 2] "
-              "Warning - incorrect format (missing '='): [var] no entry\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: warning: load_messages: [file '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 2] "
+        "Warning - incorrect format (missing '='): [var] no entry\n");
 }
 
 TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {
@@ -123,7 +125,7 @@ TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {
     EXPECT_EQ(run({"expand", "$CELL"}), 0);
     EXPECT_EQ(out(), "3\n");
     EXPECT_EQ(err().substr(0, 31), "LOADING ENVIRONMENT FILES ....\n");
-    EXPECT_NE(err().find("\nCELL = '3' from '\\opt\\shop\\cell\\environ.cfg' line 4\n"),
+    EXPECT_NE(err().find("\nCELL = '3' from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 4\n"),
               std::string::npos)
         << err();
 }
