@@ -78,6 +78,15 @@ QString escaped(const QString& text, Predicate isEscaped, QString (*escape)(uint
     return result;
 }
 
+// A document is an object or an array, so the value is put into one, whose brackets are left out.
+// Hidden characters are in strings alone, of which a document's own text escapes few: everything
+// else of JSON is ASCII.
+QString jsonText(const QJsonValue& value) {
+    const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return escaped(QString::fromUtf8(json.constData() + 1, json.size() - 2), isHidden,
+                   escapeForJson);
+}
+
 }  // namespace
 
 QString numberText(double value) {
@@ -136,11 +145,42 @@ QJsonArray jsonNumbers(const double* values, int count) {
     return array;
 }
 
+JsonWriter::JsonWriter(std::ostream& out) : out_(out) {
+    out_ << '{';
+}
+
+void JsonWriter::add(const char* key, const QJsonValue& value) {
+    separate();
+    out_ << '"' << key << "\":" << qUtf8Printable(jsonText(value));
+}
+
+void JsonWriter::beginArray(const char* key) {
+    separate();
+    out_ << '"' << key << "\":[";
+    isFirst_ = true;
+}
+
+void JsonWriter::addElement(const QJsonValue& value) {
+    separate();
+    out_ << qUtf8Printable(jsonText(value));
+}
+
+void JsonWriter::endArray() {
+    out_ << ']';
+    isFirst_ = false;
+}
+
+void JsonWriter::end() {
+    out_ << "}\n";
+}
+
+void JsonWriter::separate() {
+    if (!isFirst_) out_ << ',';
+    isFirst_ = false;
+}
+
 void printJson(const QJsonObject& object, std::ostream& out) {
-    // The document's own text escapes a few control characters only. Hidden characters are in
-    // strings alone: everything else of JSON is ASCII.
-    const QString json = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-    out << qUtf8Printable(escaped(json, isHidden, escapeForJson)) << '\n';
+    out << qUtf8Printable(jsonText(object)) << '\n';
 }
 
 }  // namespace trv::cli

@@ -40,6 +40,29 @@ QString counted(unsigned long long count, const QString& one, const QString& sev
 QJsonValue jsonNumber(double value);
 QJsonArray jsonNumbers(const double* values, int count);
 
+/// Writes an object on one line, member by member, for one that is too large to be built first.
+/// Escapes as printJson().
+class JsonWriter {
+public:
+    /// @param out  has to live as long
+    explicit JsonWriter(std::ostream& out);
+
+    void add(const char* key, const QJsonValue& value);
+
+    /// An array as the next member. Elements follow, and then endArray().
+    void beginArray(const char* key);
+    void addElement(const QJsonValue& value);
+    void endArray();
+
+    void end();
+
+private:
+    void separate();
+
+    std::ostream& out_;
+    bool isFirst_ = true;
+};
+
 /// One line. What shown() escapes, but for the backslash, becomes "\u202e" or two of these.
 void printJson(const QJsonObject& object, std::ostream& out);
 

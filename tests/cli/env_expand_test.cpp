@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace trv::testing {
@@ -47,6 +48,27 @@ TEST_F(EnvExpand, SaysWhatIsWrongWithAText) {
               "trvfiles: $NOBODY: $NOBODY is not defined\n"
               "trvfiles: $SITE: EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or "
               "its expansion is too long\n");
+}
+
+// The trace of the lookup is 500 MB long: a line for each replacement, with the value so far.
+TEST_F(EnvExpand, NeedsNoMemoryForATraceThatIsNotShown) {
+    if (!std::filesystem::exists("/bin/sh")) GTEST_SKIP() << "a shell sets the limit";
+    std::string text = "[var]\nA = 0\n";
+    for (int i = 0; i < 1000; ++i)
+        text += "A = + " + std::string(999, 'x') + '\n';
+    write("shop/config/environ.cfg", "[path]\nENV = $TRVHOME/site\n");
+    write("shop/site/environ.cfg", text);
+    const auto runLimited = [&](const char* call) {
+        return process_.start(
+            QStringLiteral("/bin/sh"),
+            {QStringLiteral("-c"),
+             QStringLiteral("ulimit -v 300000; exec \"$0\" ") + QString::fromLatin1(call),
+             QStringLiteral(TRV_COMMAND)});
+    };
+    if (runLimited("--version") != 0) GTEST_SKIP() << "a sanitizer needs more than the limit";
+    EXPECT_EQ(runLimited("env expand '$A'"), 0);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out().size(), 1 + 1000 * 1000 + 1U);
 }
 
 TEST_F(EnvFind, ShowsEachDirectoryThatIsTried) {

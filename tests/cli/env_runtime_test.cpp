@@ -35,15 +35,43 @@ TEST(RuntimeMessages, HoldsEachReportOnce) {
 TEST(RuntimeMessages, HoldsTheTraceOfACall) {
     std::ostringstream err;
     RuntimeMessages messages(err);
+    std::vector<std::string> lines;
+    const auto keep = [&](std::string_view line) { lines.emplace_back(line); };
     report_trace("before");
-    EXPECT_THAT(messages.traceOf([] {
-        report_trace("one\n");
-        report_trace("two");
-    }),
-                ElementsAre("one\n", "two"));
+    messages.trace(
+        [] {
+            report_trace("one\n");
+            report_trace("two");
+        },
+        keep);
+    EXPECT_THAT(lines, ElementsAre("one\n", "two"));
     report_trace("behind");
-    EXPECT_THAT(messages.traceOf([] {}), IsEmpty());
+    lines.clear();
+    messages.trace([] {}, keep);
+    EXPECT_THAT(lines, IsEmpty());
     EXPECT_EQ(err.str(), "");
+}
+
+// A line for each "+" of a long history takes time for the square of its length.
+TEST(RuntimeMessages, AsksForNoTraceThatNobodyReads) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    EXPECT_FALSE(trace_is_seen());
+    messages.trace([] { EXPECT_TRUE(trace_is_seen()); }, [](std::string_view) {});
+    EXPECT_FALSE(trace_is_seen());
+}
+
+TEST(RuntimeMessages, TellsWhetherOneOfTheReportsIsFatal) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    EXPECT_FALSE(messages.hasFatalReport());
+    report_error("a");
+    EXPECT_FALSE(messages.hasFatalReport());
+    report_fatal("b");
+    report_error("c");
+    EXPECT_TRUE(messages.hasFatalReport());
+    messages.takeReports();
+    EXPECT_FALSE(messages.hasFatalReport());
 }
 
 TEST_F(EnvCommand, TakesTheInstallationOfTrvhome) {

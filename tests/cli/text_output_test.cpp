@@ -184,5 +184,29 @@ TEST(PrintJson, WritesWhatReadsBack) {
     EXPECT_EQ(QJsonDocument::fromJson(json).object().value(QStringLiteral("t")).toString(), text);
 }
 
+TEST(JsonWriter, WritesMembersInTheirOrder) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.add("b", QString::fromUtf8(u8"ü\u202e\""));
+    json.beginArray("none");
+    json.endArray();
+    json.beginArray("some");
+    json.addElement(1);
+    json.addElement(QJsonObject{{QStringLiteral("x"), QJsonValue()}});
+    json.addElement(QStringLiteral("]"));
+    json.endArray();
+    json.add("a", false);
+    json.end();
+    EXPECT_EQ(out.str(),
+              u8"{\"b\":\"ü\\u202e\\\"\",\"none\":[],\"some\":[1,{\"x\":null},\"]\"],"
+              "\"a\":false}\n");
+}
+
+TEST(JsonWriter, WritesAnObjectWithoutMembers) {
+    std::ostringstream out;
+    JsonWriter(out).end();
+    EXPECT_EQ(out.str(), "{}\n");
+}
+
 }  // namespace
 }  // namespace trv::cli
