@@ -3,7 +3,6 @@
 #include <trvfiles/assembly/component_body.h>
 
 #include <QString>
-#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
@@ -34,6 +33,8 @@ bool sizesDiffer(const double one[3], const double other[3]) {
     return squaredDistance > squaredDistanceTolerance;
 }
 
+// Iterative: the trees may be deeper than the stack. The path of the current pair grows and shrinks
+// with the levels, so that a line takes time for its own length.
 class Comparison {
 public:
     explicit Comparison(std::ostream& out) : out_(out) {}
@@ -45,35 +46,37 @@ public:
         double other[3];
         first.getDimension(one);
         second.getDimension(other);
-        if (sizesDiffer(one, other)) {
-            printChange(QStringLiteral("dimension"), vectorText(one), vectorText(other));
-        }
+        path_ = "dimension";
+        if (sizesDiffer(one, other)) printChange(QString(), vectorText(one), vectorText(other));
     }
 
-    // The trees may be deeper than the stack, so the way to the pair at hand stands in a list.
     void compareTrees(const ComponentBody& first, const ComponentBody& second) {
-        rootName_ = &first.name;
+        path_ = first.name.empty() ? "(root)" : shown(first.name).toStdString();
         compare(first, second);
-        while (!way_.empty()) {
-            Level& level = way_.back();
+        while (!levels_.empty()) {
+            Level& level = levels_.back();
             if (level.next == std::min(level.first->size(), level.second->size())) {
-                printExtra(*level.first, level.next, "first");
-                printExtra(*level.second, level.next, "second");
-                way_.pop_back();
+                printExtra(*level.first, "first");
+                printExtra(*level.second, "second");
+                levels_.pop_back();
                 continue;
             }
             const std::size_t index = level.next++;
+            enterChild((*level.first)[index], index);
             compare((*level.first)[index], (*level.second)[index]);
         }
     }
 
 private:
     using Components = std::vector<ComponentBody>;
+    // The children of a pair.
     struct Level {
         const Components* first;
         const Components* second;
-        // Behind the pair at hand.
+        /// The number of the pair after the current one.
         std::size_t next;
+        /// The length of the parents' path.
+        std::size_t pathLength;
     };
 
     void compare(const ComponentBody& one, const ComponentBody& other) {
@@ -81,67 +84,60 @@ private:
         compareTexts("comment", one.comment, other.comment);
         compareTexts("file", one.geometryFileName, other.geometryFileName);
         if (one.enabled != other.enabled) {
-            printChange(path(),
-                        one.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"),
-                        other.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"));
+            printChange(QString(), enabledText(one), enabledText(other));
         }
         compareVectors("translation", one.translation, other.translation);
         compareVectors("vec1", one.vec1, other.vec1);
         compareVectors("vec2", one.vec2, other.vec2);
         if (differ(one.vec3, other.vec3)) {
-            out_ << qUtf8Printable(QStringLiteral("note: %1: vec3 %2 -> %3, which does not count\n")
-                                       .arg(path(), vectorText(one.vec3), vectorText(other.vec3)));
+            const QString change = QStringLiteral(": vec3 %1 -> %2, which does not count\n")
+                                       .arg(vectorText(one.vec3), vectorText(other.vec3));
+            out_ << "note: " << path_ << qUtf8Printable(change);
         }
-        way_.push_back({&one.components, &other.components, 0});
+        levels_.push_back({&one.components, &other.components, 0, path_.size()});
+    }
+
+    static QString enabledText(const ComponentBody& component) {
+        return component.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled");
     }
 
     void compareTexts(const char* what, const std::string& one, const std::string& other) {
         if (one == other) return;
-        printChange(path(), QStringLiteral("%1 \"%2\"").arg(QLatin1String(what), shown(one)),
+        printChange(QString::fromLatin1(what), QStringLiteral("\"%1\"").arg(shown(one)),
                     QStringLiteral("\"%1\"").arg(shown(other)));
     }
 
     void compareVectors(const char* what, const double one[3], const double other[3]) {
         if (!differ(one, other)) return;
-        printChange(path(), QStringLiteral("%1 %2").arg(QLatin1String(what), vectorText(one)),
-                    vectorText(other));
+        printChange(QString::fromLatin1(what), vectorText(one), vectorText(other));
     }
 
-    void printChange(const QString& place, const QString& from, const QString& to) {
+    // @param what  empty where the change says it
+    void printChange(const QString& what, const QString& from, const QString& to) {
         found_ = true;
-        out_ << qUtf8Printable(QStringLiteral("%1: %2 -> %3\n").arg(place, from, to));
+        const QString before = what.isEmpty() ? QString() : what + QLatin1Char(' ');
+        out_ << path_ << qUtf8Printable(QStringLiteral(": %1%2 -> %3\n").arg(before, from, to));
     }
 
-    // Those of one side that have no counterpart.
-    void printExtra(const Components& components, std::size_t from, const char* side) {
-        for (std::size_t index = from; index < components.size(); ++index) {
+    // The components of the last level that have no counterpart on the other side.
+    void printExtra(const Components& components, const char* side) {
+        for (std::size_t index = levels_.back().next; index < components.size(); ++index) {
             found_ = true;
-            const QString place = QStringLiteral("%1/%2").arg(path(way_.size() - 1),
-                                                              segment(components[index], index));
-            out_ << qUtf8Printable(
-                QStringLiteral("%1: only in the %2 file\n").arg(place, QLatin1String(side)));
+            enterChild(components[index], index);
+            out_ << path_ << ": only in the " << side << " file\n";
         }
     }
 
-    static QString segment(const ComponentBody& component, std::size_t index) {
-        return QStringLiteral("%1[%2]").arg(shown(component.name), QString::number(index));
-    }
-
-    QString path() const { return path(way_.size()); }
-
-    // The first so many levels of the way to the pair at hand, in the first assembly's names.
-    QString path(std::size_t levels) const {
-        QStringList segments(rootName_->empty() ? QStringLiteral("(root)") : shown(*rootName_));
-        for (std::size_t i = 0; i < levels; ++i) {
-            const std::size_t index = way_[i].next - 1;
-            segments += segment((*way_[i].first)[index], index);
-        }
-        return segments.join(QLatin1Char('/'));
+    // Makes the path that of a component of the last level.
+    void enterChild(const ComponentBody& component, std::size_t index) {
+        path_.resize(levels_.back().pathLength);
+        path_ += '/' + shown(component.name).toStdString() + '[' + std::to_string(index) + ']';
     }
 
     std::ostream& out_;
-    const std::string* rootName_ = nullptr;
-    std::vector<Level> way_;
+    std::vector<Level> levels_;
+    /// Of the current pair, in the first assembly's names.
+    std::string path_;
     bool found_ = false;
 };
 

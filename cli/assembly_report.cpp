@@ -51,14 +51,12 @@ struct Placement {
     const double* vec3 = nullptr;
 };
 
+// A shown text holds no line end, so that a line is a row.
 QString csvField(const QString& text) {
-    const bool isPlain = std::none_of(text.begin(), text.end(), [](QChar character) {
-        return QStringLiteral(",\"\r\n").contains(character);
-    });
-    if (isPlain) return text;
-    QString quoted = text;
-    quoted.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QStringLiteral("\"%1\"").arg(quoted);
+    QString field = shown(text);
+    if (!field.contains(QLatin1Char(',')) && !field.contains(QLatin1Char('"'))) return field;
+    field.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QStringLiteral("\"%1\"").arg(field);
 }
 
 QString csvVector(const double vector[3]) {

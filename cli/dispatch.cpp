@@ -145,6 +145,9 @@ ExitStatus run(const QStringList& arguments, const Console& console) {
             return done;
         }
         const QString group = words.join(QLatin1Char(' '));
+        if (argument.size() > 1 && argument.startsWith(QLatin1Char('-'))) {
+            return refuseCall(console, group, QStringLiteral("Unknown option '%1'.").arg(argument));
+        }
         words += argument;
         const auto command =
             std::find_if(commands.begin(), commands.end(),

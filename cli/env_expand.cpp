@@ -6,6 +6,9 @@
 #include <trvfiles/support/file_system.h>
 
 #include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace trv::cli {
 namespace {
@@ -15,9 +18,9 @@ void printError(const QString& subject, const QString& text, const Console& cons
         QStringLiteral("trvfiles: %1: %2\n").arg(shown(subject), shown(text)));
 }
 
-void printUndefined(const QString& subject, const std::vector<std::string>& lookups,
+void printUndefined(const QString& subject, const UndefinedReferences& references,
                     const Console& console) {
-    for (const std::string& reference : undefinedIn(lookups)) {
+    for (const std::string& reference : references.inOrder()) {
         printError(subject, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
                    console);
     }
@@ -25,14 +28,16 @@ void printUndefined(const QString& subject, const std::vector<std::string>& look
 
 ExitStatus expandText(const QString& text, bool asPath, RuntimeMessages& messages,
                       const Console& console) {
-    const Expansion expansion = expand(toNarrow(text), asPath, messages);
+    UndefinedReferences undefined;
+    const Expansion expansion = expand(toNarrow(text), asPath, messages,
+                                       [&](std::string_view lookup) { undefined.add(lookup); });
     if (is_expand_error(expansion.code)) {
         printError(text, codeText(expansion.code), console);
         return failed;
     }
     console.out << qUtf8Printable(shown(expansion.text)) << '\n';
     if (expansion.code != EXP_UNDEFINED) return done;
-    printUndefined(text, expansion.lookups, console);
+    printUndefined(text, undefined, console);
     return negative;
 }
 
@@ -46,32 +51,54 @@ ExitStatus expandAll(const QCommandLineParser& call, const Console& console) {
     });
 }
 
-// What the search tells of each directory. Before that stand the lookups, and the list.
-void printTries(const std::vector<std::string>& trace, std::ostream& out) {
-    auto line = std::find_if(trace.begin(), trace.end(), [](const std::string& text) {
-        return text.rfind("SEARCHING for ", 0) == 0;
-    });
-    if (line == trace.end()) return;
-    while (++line != trace.end())
-        out << qUtf8Printable(shown(*line)) << '\n';
-}
+// What is shown of the trace of a search.
+class SearchTrace {
+public:
+    void take(std::string_view line) {
+        if (filter_.isLookup(line)) undefined_.add(line);
+        if (line.substr(0, searchBegins.size()) == searchBegins) {
+            isSearching_ = true;
+            tries_.clear();
+        } else if (isSearching_) {
+            tries_.emplace_back(line);
+        }
+    }
+
+    const UndefinedReferences& undefined() const { return undefined_; }
+
+    /// A line for each directory that was tried.
+    void printTries(std::ostream& out) const {
+        for (const std::string& line : tries_)
+            out << qUtf8Printable(shown(line)) << '\n';
+    }
+
+private:
+    // Begins the line before the tries. Lookups are before it.
+    static constexpr std::string_view searchBegins = "SEARCHING for '";
+
+    LookupFilter filter_;
+    UndefinedReferences undefined_;
+    bool isSearching_ = false;
+    std::vector<std::string> tries_;
+};
 
 ExitStatus findFile(const QString& text, RuntimeMessages& messages, const Console& console) {
     std::string path;
     int code = EXP_OK;
-    const std::vector<std::string> trace =
-        messages.traceOf([&] { code = expand_and_search(toNarrow(text), &path); });
+    SearchTrace trace;
+    messages.trace([&] { code = expand_and_search(toNarrow(text), &path); },
+                   [&](std::string_view line) { trace.take(line); });
     switch (code) {
         case EXP_OK:
-            printTries(trace, console.out);
+            trace.printTries(console.out);
             console.out << qUtf8Printable(shown(native_path(path.c_str()))) << '\n';
             return done;
         case EXP_NOT_FOUND:
-            printTries(trace, console.out);
+            trace.printTries(console.out);
             console.out << qUtf8Printable(shown(text)) << " is not found\n";
             return negative;
         case EXP_UNDEFINED:
-            printUndefined(text, lookupsIn(trace), console);
+            printUndefined(text, trace.undefined(), console);
             return negative;
         default:
             printError(text, codeText(code), console);

@@ -1,8 +1,7 @@
 #include <cli/env_expansion.h>
 #include <trvfiles/environment/variable_expansion.h>
 
-#include <algorithm>
-#include <string_view>
+#include <utility>
 
 namespace trv::cli {
 namespace {
@@ -15,11 +14,11 @@ bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-// How many lines at the front of a trace tell of one "+": the text that refers and the one it
-// refers to, or a reference that is none, and then the value so far.
-std::size_t linesOfReplacement(const std::vector<std::string>& trace, std::size_t line) {
-    if (startsWith(trace[line], "   - ")) return 3;
-    if (startsWith(trace[line], "ref=[") && endsWith(trace[line], "]\n")) return 2;
+// How many lines tell of one "+", from its first one on: the text that refers and the one it refers
+// to, or a reference to nothing, and then the value so far.
+int linesOfReplacement(std::string_view line) {
+    if (startsWith(line, "   - ")) return 3;
+    if (startsWith(line, "ref=[") && endsWith(line, "]\n")) return 2;
     return 0;
 }
 
@@ -57,35 +56,32 @@ constexpr Meaning meanings[] = {
 
 }  // namespace
 
-Expansion expand(const std::string& text, bool asPath, RuntimeMessages& messages) {
+Expansion expand(const std::string& text, bool asPath, RuntimeMessages& messages,
+                 const RuntimeMessages::TraceReader& takeLookup) {
     Expansion expansion;
-    expansion.lookups = lookupsIn(messages.traceOf([&] {
-        expansion.code =
-            asPath ? expand_path(text, &expansion.text) : expand_variables(text, &expansion.text);
-    }));
+    LookupFilter filter;
+    messages.trace(
+        [&] {
+            expansion.code = asPath ? expand_path(text, &expansion.text)
+                                    : expand_variables(text, &expansion.text);
+        },
+        [&](std::string_view line) {
+            if (filter.isLookup(line)) takeLookup(line);
+        });
     return expansion;
 }
 
-std::vector<std::string> lookupsIn(const std::vector<std::string>& trace) {
-    std::vector<std::string> lookups;
-    for (std::size_t line = 0; line < trace.size();) {
-        const std::size_t passed = linesOfReplacement(trace, line);
-        if (passed == 0) lookups.push_back(trace[line]);
-        line += std::max<std::size_t>(passed, 1);
-    }
-    return lookups;
+bool LookupFilter::isLookup(std::string_view line) {
+    if (skipped_ == 0) skipped_ = linesOfReplacement(line);
+    if (skipped_ == 0) return true;
+    --skipped_;
+    return false;
 }
 
-std::vector<std::string> undefinedIn(const std::vector<std::string>& lookups) {
-    std::vector<std::string> references;
-    for (const std::string& lookup : lookups) {
-        const std::string reference = undefinedReference(lookup);
-        if (reference.empty()) continue;
-        if (std::find(references.begin(), references.end(), reference) == references.end()) {
-            references.push_back(reference);
-        }
-    }
-    return references;
+void UndefinedReferences::add(std::string_view lookup) {
+    std::string reference = undefinedReference(lookup);
+    if (reference.empty() || !known_.insert(reference).second) return;
+    inOrder_.push_back(std::move(reference));
 }
 
 QString codeText(int code) {

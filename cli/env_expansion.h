@@ -8,6 +8,8 @@
 #include <QString>
 
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace trv::cli {
@@ -16,19 +18,39 @@ struct Expansion {
     /// As expand_variables() returns it.
     int code = 0;
     std::string text;
-    /// A line for each reference that was replaced, in that order: "NAME = 'value' from 'FILE' line
-    /// N" or "NAME = <undefined variable>".
-    std::vector<std::string> lookups;
 };
 
-/// @param asPath  whether separators are normalised, as expand_path() does
-Expansion expand(const std::string& text, bool asPath, RuntimeMessages& messages);
+/// Expands a text.
+///
+/// @param asPath      whether separators are normalised, as expand_path() does
+/// @param takeLookup  gets a line for each reference that is replaced, in that order: "NAME =
+///                    'value' from 'FILE' line N" or "NAME = <undefined variable>"
+Expansion expand(const std::string& text, bool asPath, RuntimeMessages& messages,
+                 const RuntimeMessages::TraceReader& takeLookup);
 
-/// The lines of a trace that tell lookups, without those that tell how a "+" was replaced.
-std::vector<std::string> lookupsIn(const std::vector<std::string>& trace);
+/// Finds the lines that tell lookups in a trace, among those that tell how a "+" is replaced.
+class LookupFilter {
+public:
+    /// Asks for every line of the trace in turn.
+    bool isLookup(std::string_view line);
 
-/// The undefined references among lookups, as "$NAME" or "?NAME", each once.
-std::vector<std::string> undefinedIn(const std::vector<std::string>& lookups);
+private:
+    int skipped_ = 0;
+};
+
+/// Collects the undefined references among lookups.
+class UndefinedReferences {
+public:
+    /// @param lookup  a line; one that is no lookup is ignored
+    void add(std::string_view lookup);
+
+    /// "$NAME" or "?NAME", each once.
+    const std::vector<std::string>& inOrder() const { return inOrder_; }
+
+private:
+    std::vector<std::string> inOrder_;
+    std::unordered_set<std::string> known_;
+};
 
 /// A status of an expansion or a search for a person: "EXP_SYNTAX_ERROR (-31): ...".
 QString codeText(int code);

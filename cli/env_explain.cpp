@@ -6,6 +6,10 @@
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/facade/text_conversion.h>
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace trv::cli {
 namespace {
 
@@ -13,8 +17,9 @@ struct Explanation {
     Subject subject;
     Value value;
     Definitions definitions;
-    /// Of the value.
+    /// Of the value, with a line for each reference that was replaced.
     Expansion expansion;
+    std::vector<std::string> lookups;
 
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
@@ -25,7 +30,9 @@ Explanation explanationOf(const Subject& subject, RuntimeMessages& messages) {
     explanation.value = lookUp(subject);
     explanation.definitions = definitionsOf(subject);
     if (explanation.refersToOthers()) {
-        explanation.expansion = expand(explanation.value.text, false, messages);
+        explanation.expansion =
+            expand(explanation.value.text, false, messages,
+                   [&](std::string_view lookup) { explanation.lookups.emplace_back(lookup); });
     }
     return explanation;
 }
@@ -42,30 +49,46 @@ QString reasonText(const Explanation& explanation) {
     return QStringLiteral("the only definition that counts");
 }
 
-void printDefinitions(const char* title, const std::vector<Definition>& definitions,
-                      std::ostream& out) {
-    if (definitions.empty()) return;
+// The value so far, cut where it is long, since each definition of a list shows more of it.
+QString extendedText(const Definition& definition, bool all) {
+    constexpr int longestShown = 200;
+    if (definition.isBeyondLimits) {
+        return QStringLiteral("+ is a value beyond the limits of the runtime");
+    }
+    const QString text = fromNarrow(definition.extended);
+    if (all || text.size() <= longestShown) return QStringLiteral("+ is '%1'").arg(shown(text));
+    const int cut = text.at(longestShown - 1).isHighSurrogate() ? longestShown - 1 : longestShown;
+    return QStringLiteral("+ is '%1...' (%2 characters; --all shows them)")
+        .arg(shown(text.left(cut)), QString::number(text.size()));
+}
+
+void printDefinitions(const char* title, const History& definitions, bool all, std::ostream& out) {
+    if (definitions.size() == 0) return;
     out << '\n' << title << '\n';
-    for (const Definition& definition : definitions) {
+    const auto show = [&](const Definition& definition) {
         QString text =
             QStringLiteral("  %1\n    %2\n").arg(shown(definition.entry), shown(definition.origin));
         if (definition.extends) {
-            text += QStringLiteral("    + is '%1'\n").arg(shown(definition.extended));
+            text += QStringLiteral("    %1\n").arg(extendedText(definition, all));
         }
         out << qUtf8Printable(text);
-    }
+    };
+    definitions.forEach(all, show, [&] {
+        out << "  ... " << definitions.leftOut(all) << " more; --all shows them\n";
+    });
 }
 
-void printExpansion(const Expansion& expansion, std::ostream& out) {
+void printExpansion(const Explanation& explanation, std::ostream& out) {
+    const Expansion& expansion = explanation.expansion;
     const QString result = is_expand_error(expansion.code)
                                ? codeText(expansion.code)
                                : QLatin1String("= ") + shown(expansion.text);
     out << qUtf8Printable(QStringLiteral("\nExpanded\n  %1\n").arg(result));
-    for (const std::string& lookup : expansion.lookups)
+    for (const std::string& lookup : explanation.lookups)
         out << qUtf8Printable(QStringLiteral("    %1\n").arg(shown(lookup)));
 }
 
-void printText(const Explanation& explanation, std::ostream& out) {
+void printText(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
     const QString reason = reasonText(explanation);
     out << qUtf8Printable(
@@ -73,68 +96,76 @@ void printText(const Explanation& explanation, std::ostream& out) {
             .arg(shown(explanation.subject.text()), shown(value.text),
                  value.origin.empty() ? reason
                                       : QStringLiteral("%1: %2").arg(shown(value.origin), reason)));
-    printDefinitions("Definitions, oldest first", explanation.definitions.inOrder, out);
-    printDefinitions("Never looked at", explanation.definitions.hidden, out);
-    if (explanation.refersToOthers()) printExpansion(explanation.expansion, out);
+    printDefinitions("Definitions, oldest first", explanation.definitions.inOrder, all, out);
+    printDefinitions("Never looked at", explanation.definitions.hidden, all, out);
+    if (explanation.refersToOthers()) printExpansion(explanation, out);
 }
 
-QJsonArray json(const std::vector<Definition>& definitions) {
-    QJsonArray array;
-    for (const Definition& definition : definitions) {
-        const bool isFromFile = !definition.file.empty();
-        array.append(QJsonObject{
-            {QStringLiteral("entry"), fromNarrow(definition.entry)},
-            {QStringLiteral("file"),
-             isFromFile ? QJsonValue(fromNarrow(definition.file)) : QJsonValue()},
-            {QStringLiteral("line"), isFromFile ? QJsonValue(definition.line) : QJsonValue()},
-            {QStringLiteral("extended"),
-             definition.extends ? QJsonValue(fromNarrow(definition.extended)) : QJsonValue()},
-        });
-    }
-    return array;
-}
-
-QJsonArray json(const std::vector<std::string>& texts) {
-    QJsonArray array;
-    for (const std::string& text : texts)
-        array.append(fromNarrow(text));
-    return array;
-}
-
-QJsonObject json(const Explanation& explanation) {
-    const Value& value = explanation.value;
-    const Expansion& expansion = explanation.expansion;
-    QJsonObject object = {
-        {QStringLiteral("name"), fromNarrow(explanation.subject.text())},
-        {QStringLiteral("defined"), value.isDefined},
+QJsonObject json(const Definition& definition) {
+    const bool isFromFile = !definition.file.empty();
+    const bool isKnown = definition.extends && !definition.isBeyondLimits;
+    return {
+        {QStringLiteral("entry"), fromNarrow(definition.entry)},
+        {QStringLiteral("file"),
+         isFromFile ? QJsonValue(fromNarrow(definition.file)) : QJsonValue()},
+        {QStringLiteral("line"), isFromFile ? QJsonValue(definition.line) : QJsonValue()},
+        {QStringLiteral("extends"), definition.extends},
+        {QStringLiteral("extended"),
+         isKnown ? QJsonValue(fromNarrow(definition.extended)) : QJsonValue()},
     };
-    if (!value.isDefined) return object;
-    object.insert(QStringLiteral("value"), fromNarrow(value.text));
-    object.insert(QStringLiteral("origin"), fromNarrow(value.origin));
-    object.insert(QStringLiteral("fromEnvironment"), value.fromEnvironment);
-    object.insert(QStringLiteral("reason"), reasonText(explanation));
-    object.insert(QStringLiteral("definitions"), json(explanation.definitions.inOrder));
-    object.insert(QStringLiteral("hidden"), json(explanation.definitions.hidden));
-    const bool refers = explanation.refersToOthers();
-    object.insert(QStringLiteral("expanded"),
-                  is_expand_error(expansion.code)
-                      ? QJsonValue()
-                      : QJsonValue(fromNarrow(refers ? expansion.text : value.text)));
-    object.insert(QStringLiteral("lookups"), json(expansion.lookups));
-    return object;
+}
+
+void writeDefinitions(const char* key, const History& definitions, bool all, JsonWriter& json) {
+    json.beginArray(key);
+    definitions.forEach(
+        all, [&](const Definition& definition) { json.addElement(cli::json(definition)); }, [] {});
+    json.endArray();
+    json.add((std::string(key) + "LeftOut").c_str(), static_cast<qint64>(definitions.leftOut(all)));
+}
+
+QJsonValue expandedJson(const Explanation& explanation) {
+    if (is_expand_error(explanation.expansion.code)) return {};
+    return fromNarrow(explanation.refersToOthers() ? explanation.expansion.text
+                                                   : explanation.value.text);
+}
+
+void printJson(const Explanation& explanation, bool all, std::ostream& out) {
+    const Value& value = explanation.value;
+    JsonWriter json(out);
+    json.add("defined", value.isDefined);
+    if (value.isDefined) {
+        writeDefinitions("definitions", explanation.definitions.inOrder, all, json);
+        json.add("expanded", expandedJson(explanation));
+        json.add("fromEnvironment", value.fromEnvironment);
+        writeDefinitions("hidden", explanation.definitions.hidden, all, json);
+        json.beginArray("lookups");
+        for (const std::string& lookup : explanation.lookups)
+            json.addElement(fromNarrow(lookup));
+        json.endArray();
+    }
+    json.add("name", fromNarrow(explanation.subject.text()));
+    if (value.isDefined) {
+        json.add("origin", fromNarrow(value.origin));
+        json.add("reason", reasonText(explanation));
+        json.add("value", fromNarrow(value.text));
+    }
+    json.end();
 }
 
 ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
-    return askInstallation(call, console, [&](RuntimeMessages& messages, const Console& results) {
+    const bool all = call.isSet(QStringLiteral("all"));
+    return askInstallation(call, console, [&](RuntimeMessages& messages, const Console&) {
         const Explanation explanation = explanationOf(subject, messages);
+        if (messages.hasFatalReport()) return failed;
+        // Not held back, since it may be large, and the runtime is not asked any more.
         const bool isDefined = explanation.value.isDefined;
         if (call.isSet(QStringLiteral("json"))) {
-            printJson(json(explanation), results.out);
+            printJson(explanation, all, console.out);
         } else if (isDefined) {
-            printText(explanation, results.out);
+            printText(explanation, all, console.out);
         } else {
-            results.out << qUtf8Printable(shown(subject.text())) << " is not defined\n";
+            console.out << qUtf8Printable(shown(subject.text())) << " is not defined\n";
         }
         return isDefined ? done : negative;
     });
@@ -145,13 +176,17 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
 Command envExplainCommand() {
     Command command;
     command.name = QStringLiteral("env explain");
-    command.arguments = QStringLiteral("[--root DIR] [--json] NAME");
+    command.arguments = QStringLiteral("[--root DIR] [--all] [--json] NAME");
     command.summary = QStringLiteral("Tell why a variable has its value");
     command.details = QStringLiteral(
         "Prints the value that a program gets, every definition of it and what its references\n"
-        "are replaced by. \"?NAME\" explains a path list; a shell wants quotes around it. Exit\n"
-        "status: 0 it is defined, 1 it is not, 2 an error.\n");
-    command.options = {rootOption(), jsonOption()};
+        "are replaced by. Of many definitions it prints the first and the last ones. \"?NAME\"\n"
+        "explains a path list; a shell wants quotes around it. Exit status: 0 it is defined,\n"
+        "1 it is not, 2 an error.\n");
+    command.options = {
+        rootOption(),
+        QCommandLineOption(QStringLiteral("all"), QStringLiteral("Print every definition in full")),
+        jsonOption()};
     command.operand = QStringLiteral("name");
     command.run = explain;
     return command;

@@ -7,18 +7,13 @@
 namespace trv::cli {
 namespace {
 
-struct Variable {
-    std::string name;
-    Value value;
-};
-
-std::vector<Variable> variables(const VariableNames& names) {
-    std::vector<Variable> found;
+// Calls `take` with each name and its value, of which all together may be large.
+template <class Take>
+void forEachVariable(const VariableNames& names, Take take) {
     for (const std::string& name : names.names) {
         const Subject subject = {false, name};
-        if (!isTemporaryDirectory(subject)) found.push_back({name, lookUp(subject)});
+        if (!isTemporaryDirectory(subject)) take(name, lookUp(subject));
     }
-    return found;
 }
 
 void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
@@ -29,27 +24,29 @@ void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
     }
 }
 
-void printText(const std::vector<Variable>& list, bool withOrigin, std::ostream& out) {
-    for (const auto& [name, value] : list) {
+void printText(const VariableNames& names, bool withOrigin, std::ostream& out) {
+    forEachVariable(names, [&](const std::string& name, const Value& value) {
         QString line = QStringLiteral("%1 = %2").arg(shown(name), shown(value.text));
         if (withOrigin || value.fromEnvironment) {
             line += QStringLiteral("  (%1)").arg(shown(value.origin));
         }
         out << qUtf8Printable(line) << '\n';
-    }
+    });
 }
 
-QJsonObject json(const std::vector<Variable>& list) {
-    QJsonArray array;
-    for (const auto& [name, value] : list) {
-        array.append(QJsonObject{
+void printJson(const VariableNames& names, std::ostream& out) {
+    JsonWriter json(out);
+    json.beginArray("variables");
+    forEachVariable(names, [&](const std::string& name, const Value& value) {
+        json.addElement(QJsonObject{
             {QStringLiteral("name"), fromNarrow(name)},
             {QStringLiteral("value"), fromNarrow(value.text)},
             {QStringLiteral("origin"), fromNarrow(value.origin)},
             {QStringLiteral("fromEnvironment"), value.fromEnvironment},
         });
-    }
-    return {{QStringLiteral("variables"), array}};
+    });
+    json.endArray();
+    json.end();
 }
 
 ExitStatus list(const QCommandLineParser& call, const Console& console) {
@@ -57,9 +54,9 @@ ExitStatus list(const QCommandLineParser& call, const Console& console) {
         const VariableNames names = variableNames();
         warnOf(names.otherTexts, results.err);
         if (call.isSet(QStringLiteral("json"))) {
-            printJson(json(variables(names)), results.out);
+            printJson(names, results.out);
         } else {
-            printText(variables(names), call.isSet(QStringLiteral("origin")), results.out);
+            printText(names, call.isSet(QStringLiteral("origin")), results.out);
         }
         return done;
     });

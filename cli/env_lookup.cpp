@@ -1,12 +1,9 @@
 #include <cli/env_lookup.h>
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/environment/message_store_data.h>
-#include <trvfiles/environment/reference_resolver.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/ascii_case.h>
-#include <trvfiles/support/blanks.h>
 
-#include <algorithm>
 #include <string_view>
 #include <unordered_set>
 
@@ -46,40 +43,6 @@ std::string originOf(const Subject& subject, const char* value) {
     return number < 0 ? "" : environment_store()->texts.origin(section->text(number));
 }
 
-// Whether a value holds a reference to the text that it replaced.
-bool extendsAnother(std::string_view value) {
-    std::int32_t offset = 0;
-    for (std::size_t plus = value.find('+'); plus != std::string_view::npos;) {
-        const bool isDoubled = value.substr(plus + 1, 1) == "+";
-        if (!isDoubled && read_reference(value.substr(plus), offset)) return true;
-        plus = value.find('+', plus + (isDoubled ? 2 : 1));
-    }
-    return false;
-}
-
-Definition definitionAt(const message_store& store, std::int32_t text) {
-    const text_record& record = store.texts.record(text);
-    Definition definition;
-    definition.entry = trim(without_references(store.texts.at(text)));
-    definition.origin = store.texts.origin(text);
-    if (record.file != text_pool::none) definition.file = store.texts.at(record.file);
-    definition.line = record.line;
-    if (record.previous != text_pool::none && extendsAnother(store.texts.at(text))) {
-        definition.extends = true;
-        definition.extended = resolve_references(store, record.previous);
-    }
-    return definition;
-}
-
-// Appends a text and those it replaced, oldest first.
-void appendHistory(std::int32_t text, std::vector<Definition>& definitions) {
-    const message_store& store = *environment_store();
-    const auto first = static_cast<std::ptrdiff_t>(definitions.size());
-    for (; text != text_pool::none; text = store.texts.record(text).previous)
-        definitions.push_back(definitionAt(store, text));
-    std::reverse(definitions.begin() + first, definitions.end());
-}
-
 }  // namespace
 
 Subject subjectOf(const std::string& text) {
@@ -110,12 +73,12 @@ Definitions definitionsOf(const Subject& subject) {
     if (counting < 0) return {};
     Definitions definitions;
     const bool counts = !isTemporaryDirectory(subject);
-    appendHistory(section->text(counting), counts ? definitions.inOrder : definitions.hidden);
+    (counts ? definitions.inOrder : definitions.hidden).add(section->text(counting));
     const text_pool& texts = environment_store()->texts;
     for (int number = counting + 1; number < section->message_count(); ++number) {
         const std::string_view text = texts.at(section->text(number));
         if (is_entry(text) && equal_ignoring_case(entry_name(text), subject.name)) {
-            appendHistory(section->text(number), definitions.hidden);
+            definitions.hidden.add(section->text(number));
         }
     }
     return definitions;

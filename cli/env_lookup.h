@@ -5,6 +5,8 @@
 ///
 /// All texts are narrow ones, as the runtime has them.
 
+#include <cli/env_history.h>
+
 #include <string>
 #include <vector>
 
@@ -38,25 +40,12 @@ struct Value {
 /// What a program gets.
 Value lookUp(const Subject& subject);
 
-/// One entry of the configuration that has the name, whether it counts or not.
-struct Definition {
-    /// "NAME = value", as it is written but for the blanks around it.
-    std::string entry;
-    std::string origin;
-    /// Empty and 0 for what is set by program.
-    std::string file;
-    int line = 0;
-    bool extends = false;
-    /// The value so far, for which a "+" stands where the entry `extends` it.
-    std::string extended;
-};
-
 struct Definitions {
     /// Each one replaced by the next; the last one counts.
-    std::vector<Definition> inOrder;
-    /// Entries that a lookup never comes to: they stand behind these in the section, under a name
-    /// that differs in case at most.
-    std::vector<Definition> hidden;
+    History inOrder;
+    /// Entries that a lookup never comes to: they are after these in the section, under a name that
+    /// differs in case at most.
+    History hidden;
 };
 
 Definitions definitionsOf(const Subject& subject);

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <sstream>
 #include <string_view>
 #include <unordered_set>
@@ -22,8 +23,7 @@ namespace {
 struct Inbox {
     std::vector<RuntimeMessages::Report> reports;
     std::unordered_set<std::string> known;
-    std::vector<std::string> trace;
-    bool traced = false;
+    const RuntimeMessages::TraceReader* traceReader = nullptr;
     std::ostream* err = nullptr;
 };
 Inbox inbox;
@@ -48,7 +48,7 @@ void takeFatal(const char* message) {
 }
 
 void takeTrace(const char* message) {
-    if (inbox.traced) inbox.trace.emplace_back(message);
+    if (inbox.traceReader != nullptr) (*inbox.traceReader)(message);
     if (is_verbose() == 0) return;
     const std::string line(withoutNewlines(message));
     *inbox.err << qUtf8Printable(shown(line)) << '\n';
@@ -73,10 +73,11 @@ bool takeRoot(const QCommandLineParser& call, const Console& console) {
 
 // Results are held back until no report can deny them any more.
 ExitStatus doWork(RuntimeMessages& messages, const Console& console, const RuntimeWork& work) {
-    std::ostringstream results;
+    std::stringstream results;
     const ExitStatus status = work(messages, {results, console.err});
     if (printReports(messages.takeReports(), console)) return failed;
-    console.out << results.str();
+    // Without a copy of what may be large. An empty buffer would count as a failure.
+    if (results.tellp() > 0) console.out << results.rdbuf();
     return status;
 }
 
@@ -102,7 +103,8 @@ RuntimeMessages::RuntimeMessages(std::ostream& err) {
     inbox.err = &err;
     set_error_handler(takeError);
     set_fatal_handler(takeFatal);
-    set_trace_handler(takeTrace);
+    // The default handler prints no trace unless it is verbose.
+    if (is_verbose() != 0) set_trace_handler(takeTrace);
 }
 
 RuntimeMessages::~RuntimeMessages() {
@@ -116,11 +118,17 @@ std::vector<RuntimeMessages::Report> RuntimeMessages::takeReports() {
     return std::exchange(inbox.reports, {});
 }
 
-std::vector<std::string> RuntimeMessages::traceOf(const std::function<void()>& call) {
-    inbox.traced = true;
+bool RuntimeMessages::hasFatalReport() const {
+    return std::any_of(inbox.reports.begin(), inbox.reports.end(),
+                       [](const Report& report) { return report.fatal; });
+}
+
+void RuntimeMessages::trace(const std::function<void()>& call, const TraceReader& reader) {
+    inbox.traceReader = &reader;
+    const message_handler earlier = set_trace_handler(takeTrace);
     call();
-    inbox.traced = false;
-    return std::exchange(inbox.trace, {});
+    set_trace_handler(earlier);
+    inbox.traceReader = nullptr;
 }
 
 QCommandLineOption rootOption() {

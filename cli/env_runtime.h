@@ -8,12 +8,15 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace trv::cli {
 
 /// Takes the messages of the runtime while it lives, in place of the default handlers. With
-/// TRV_TRVFILES_VERBOSE the trace goes to standard error. One at a time.
+/// TRV_TRVFILES_VERBOSE the trace goes to standard error. Otherwise, and outside of trace(), the
+/// runtime makes none: the trace of a long history takes time for the square of its length. One at
+/// a time.
 class RuntimeMessages {
 public:
     struct Report {
@@ -30,10 +33,15 @@ public:
     /// The reports since the last call, each text once.
     std::vector<Report> takeReports();
 
-    /// Calls the runtime.
-    ///
-    /// @return the trace lines of the call
-    std::vector<std::string> traceOf(const std::function<void()>& call);
+    /// Whether one of the reports since the last takeReports() is fatal.
+    bool hasFatalReport() const;
+
+    /// Takes a line of the trace, which is valid during the call.
+    using TraceReader = std::function<void(std::string_view line)>;
+
+    /// Calls the runtime and hands over each trace line of the call. All of them together may be
+    /// far longer than what they tell.
+    void trace(const std::function<void()>& call, const TraceReader& reader);
 };
 
 /// "--root", as every command that has it means it.

@@ -1,7 +1,9 @@
 #include <cli/dispatch.h>
+#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/platform.h>
 
 #include <QCoreApplication>
+#include <QStringList>
 #include <QTextCodec>
 
 #include <cerrno>
@@ -9,6 +11,8 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <type_traits>
 
 namespace {
 
@@ -28,9 +32,26 @@ void fixTexts() {
     }
 }
 
-ExitStatus runChecked(const QStringList& arguments) {
+// A text as the system has it: narrow or wide.
+template <class Text>
+QString fromSystem(const Text& text) {
+    if constexpr (std::is_same_v<Text, std::string>) {
+        return trv::fromNarrow(text);
+    } else {
+        return trv::fromWide(text);
+    }
+}
+
+QStringList argumentsOf(int argc, const char* const* argv) {
+    QStringList arguments;
+    for (const auto& argument : trv::platform::program_arguments(argc, argv))
+        arguments += fromSystem(argument);
+    return arguments;
+}
+
+ExitStatus runChecked(int argc, const char* const* argv) {
     try {
-        const ExitStatus status = trv::cli::run(arguments, {std::cout, std::cerr});
+        const ExitStatus status = trv::cli::run(argumentsOf(argc, argv), {std::cout, std::cerr});
         std::cout.flush();
         if (std::cout) return status;
         std::cerr << "trvfiles: standard output cannot be written\n";
@@ -49,8 +70,12 @@ int main(int argc, char* argv[]) {
         std::cerr << "trvfiles: standard output is closed\n";
         return trv::cli::failed;
     }
-    const QCoreApplication application(argc, argv);
+    // It gets no arguments, because it would take out those that it knows.
+    int count = 1;
+    char name[] = "trvfiles";
+    char* names[] = {name, nullptr};
+    const QCoreApplication application(count, names);
     // Not before: the application sets the locale.
     fixTexts();
-    return runChecked(QCoreApplication::arguments().mid(1));
+    return runChecked(argc, argv);
 }

@@ -8,6 +8,86 @@
 #include <cmath>
 
 namespace trv::cli {
+namespace {
+
+// A character, or half of a surrogate pair where the other half is missing.
+struct Character {
+    uint code;
+    /// In code units.
+    int length;
+};
+
+Character characterAt(const QString& text, int place) {
+    const QChar first = text.at(place);
+    if (first.isHighSurrogate() && place + 1 < text.size()) {
+        const QChar second = text.at(place + 1);
+        if (second.isLowSurrogate()) return {QChar::surrogateToUcs4(first, second), 2};
+    }
+    return {first.unicode(), 1};
+}
+
+// Whether a terminal or an editor does not show the character, or lets it change how others look.
+bool isHidden(uint code) {
+    constexpr uint firstTag = 0xE0000;
+    constexpr uint lastTag = 0xE007F;
+    switch (QChar::category(code)) {
+        case QChar::Other_Control:
+        case QChar::Other_Format:
+        case QChar::Other_Surrogate:
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            return true;
+        default:
+            // Not all tag characters are assigned.
+            return code >= firstTag && code <= lastTag;
+    }
+}
+
+QString hexadecimal(uint number, int digits) {
+    return QStringLiteral("%1").arg(number, digits, 16, QLatin1Char('0'));
+}
+
+QString escapeForText(uint code) {
+    constexpr uint pastLatin = 0x100;
+    constexpr uint pastBasicPlane = 0x10000;
+    if (code == '\\') return QStringLiteral("\\\\");
+    if (code < pastLatin) return QStringLiteral("\\x") + hexadecimal(code, 2);
+    if (code < pastBasicPlane) return QStringLiteral("\\u") + hexadecimal(code, 4);
+    return QStringLiteral("\\U") + hexadecimal(code, 8);
+}
+
+QString escapeForJson(uint code) {
+    const auto unit = [](uint value) { return QStringLiteral("\\u") + hexadecimal(value, 4); };
+    if (!QChar::requiresSurrogates(code)) return unit(code);
+    return unit(QChar::highSurrogate(code)) + unit(QChar::lowSurrogate(code));
+}
+
+template <class Predicate>
+QString escaped(const QString& text, Predicate isEscaped, QString (*escape)(uint)) {
+    QString result;
+    result.reserve(text.size());
+    for (int place = 0; place < text.size();) {
+        const Character character = characterAt(text, place);
+        if (isEscaped(character.code)) {
+            result += escape(character.code);
+        } else {
+            result.append(text.constData() + place, character.length);
+        }
+        place += character.length;
+    }
+    return result;
+}
+
+// A document is an object or an array, so the value is put into one, whose brackets are left out.
+// Hidden characters are in strings alone, of which a document's own text escapes few: everything
+// else of JSON is ASCII.
+QString jsonText(const QJsonValue& value) {
+    const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return escaped(QString::fromUtf8(json.constData() + 1, json.size() - 2), isHidden,
+                   escapeForJson);
+}
+
+}  // namespace
 
 QString numberText(double value) {
     // A NaN may carry a sign, which is not shown.
@@ -41,15 +121,8 @@ QString roundedVectorText(const double vector[3]) {
 }
 
 QString shown(const QString& text) {
-    QString result;
-    for (const QChar character : text) {
-        if (character.category() == QChar::Other_Control) {
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        } else {
-            result += character;
-        }
-    }
-    return result;
+    return escaped(
+        text, [](uint code) { return code == '\\' || isHidden(code); }, escapeForText);
 }
 
 QString shown(const std::string& narrow) {
@@ -72,8 +145,42 @@ QJsonArray jsonNumbers(const double* values, int count) {
     return array;
 }
 
+JsonWriter::JsonWriter(std::ostream& out) : out_(out) {
+    out_ << '{';
+}
+
+void JsonWriter::add(const char* key, const QJsonValue& value) {
+    separate();
+    out_ << '"' << key << "\":" << qUtf8Printable(jsonText(value));
+}
+
+void JsonWriter::beginArray(const char* key) {
+    separate();
+    out_ << '"' << key << "\":[";
+    isFirst_ = true;
+}
+
+void JsonWriter::addElement(const QJsonValue& value) {
+    separate();
+    out_ << qUtf8Printable(jsonText(value));
+}
+
+void JsonWriter::endArray() {
+    out_ << ']';
+    isFirst_ = false;
+}
+
+void JsonWriter::end() {
+    out_ << "}\n";
+}
+
+void JsonWriter::separate() {
+    if (!isFirst_) out_ << ',';
+    isFirst_ = false;
+}
+
 void printJson(const QJsonObject& object, std::ostream& out) {
-    out << QJsonDocument(object).toJson(QJsonDocument::Compact).constData() << '\n';
+    out << qUtf8Printable(jsonText(object)) << '\n';
 }
 
 }  // namespace trv::cli

@@ -26,7 +26,10 @@ QString roundedText(double value);
 QString vectorText(const double vector[3]);
 QString roundedVectorText(const double vector[3]);
 
-/// A text on one line that is safe to show: control characters stand as "\x1b".
+/// A text on one line that is safe to show. Control characters, format characters, line and
+/// paragraph separators, tag characters and single surrogates become "\x1b" below U+0100, "\u202e"
+/// below U+10000, and "\U000e0041" from there on. A backslash becomes "\\", so that different texts
+/// are shown differently.
 QString shown(const QString& text);
 QString shown(const std::string& narrow);
 
@@ -37,7 +40,30 @@ QString counted(unsigned long long count, const QString& one, const QString& sev
 QJsonValue jsonNumber(double value);
 QJsonArray jsonNumbers(const double* values, int count);
 
-/// One line.
+/// Writes an object on one line, member by member, for one that is too large to be built first.
+/// Escapes as printJson().
+class JsonWriter {
+public:
+    /// @param out  has to live as long
+    explicit JsonWriter(std::ostream& out);
+
+    void add(const char* key, const QJsonValue& value);
+
+    /// An array as the next member. Elements follow, and then endArray().
+    void beginArray(const char* key);
+    void addElement(const QJsonValue& value);
+    void endArray();
+
+    void end();
+
+private:
+    void separate();
+
+    std::ostream& out_;
+    bool isFirst_ = true;
+};
+
+/// One line. What shown() escapes, but for the backslash, becomes "\u202e" or two of these.
 void printJson(const QJsonObject& object, std::ostream& out);
 
 }  // namespace trv::cli

@@ -3,9 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <limits>
 #include <random>
 #include <sstream>
+#include <streambuf>
+#include <string>
+#include <vector>
 
 namespace trv::testing {
 namespace {
@@ -133,6 +137,63 @@ TEST(PrintDifferences, BearsAnyDepth) {
     EXPECT_EQ(text.size(), 1 + (levels - 1) * std::string("/L[0]").size() +
                                std::string(": file \"f\" -> \"g\"\n").size());
     EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
+// Counts what is written to it.
+class ByteCounter : public std::streambuf {
+public:
+    std::size_t bytes() const { return bytes_; }
+
+protected:
+    int overflow(int character) override {
+        ++bytes_;
+        return character;
+    }
+    std::streamsize xsputn(const char*, std::streamsize count) override {
+        bytes_ += static_cast<std::size_t>(count);
+        return count;
+    }
+
+private:
+    std::size_t bytes_ = 0;
+};
+
+// A chain whose innermost component has so many children, all with this comment.
+CTrvAssemblyData brush(int levels, int count, const std::string& comment) {
+    CTrvAssemblyComponentData bristle = component("b");
+    bristle.setComment(comment);
+    CTrvAssemblyComponentData inner = component(
+        "L", std::vector<CTrvAssemblyComponentData>(static_cast<std::size_t>(count), bristle));
+    for (int level = 1; level < levels; ++level) {
+        std::vector<CTrvAssemblyComponentData> children;
+        children.push_back(std::move(inner));
+        inner = component("L", std::move(children));
+    }
+    return assembly(std::move(inner));
+}
+
+// Making each path anew takes half a minute here.
+TEST(PrintDifferences, TakesTimeForWhatItPrints) {
+    constexpr int levels = 990;
+    constexpr int count = 40000;
+    const CTrvAssemblyData first = brush(levels, count, "x");
+    const CTrvAssemblyData second = brush(levels, count, "y");
+    const CTrvAssemblyData shorter = brush(levels, 0, "");
+    const std::size_t way = 1 + (levels - 1) * std::string("/L[0]").size();
+    std::size_t places = 0;
+    for (int i = 0; i < count; ++i)
+        places += way + std::string("/b[]").size() + std::to_string(i).size();
+
+    ByteCounter changes;
+    std::ostream changesOut(&changes);
+    ByteCounter extras;
+    std::ostream extrasOut(&extras);
+    const std::clock_t begin = std::clock();
+    EXPECT_TRUE(cli::printDifferences(first, second, changesOut));
+    EXPECT_TRUE(cli::printDifferences(shorter, second, extrasOut));
+    EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, 10);
+    EXPECT_EQ(changes.bytes(), places + count * std::string(": comment \"x\" -> \"y\"\n").size());
+    EXPECT_EQ(extras.bytes(), places + count * std::string(": only in the second file\n").size());
 }
 
 // A tree whose fields differ now and then, so that pairs of trees are equal or nearly so.

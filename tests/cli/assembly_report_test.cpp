@@ -168,9 +168,15 @@ TEST(PrintPlacementsAsCsv, QuotesWhereNeeded) {
     EXPECT_EQ(csv(setup()),
               csvHeader + std::string("\"vise, small.stl\",10,5,0.1,1,0,0,0,1,0,0,0,1\r\n"));
     EXPECT_EQ(csv(assembly(leaf("a", "say \"hi\"\r\n"))),
-              csvHeader + std::string("\"say \"\"hi\"\"\r\n\",0,0,0,1,0,0,0,1,0,0,0,1\r\n"));
+              csvHeader + std::string("\"say \"\"hi\"\"\\x0d\\x0a\",0,0,0,1,0,0,0,1,0,0,0,1\r\n"));
     EXPECT_EQ(csv(assembly(leaf("a", " plain %1.stl"))),
               csvHeader + std::string(" plain %1.stl,0,0,0,1,0,0,0,1,0,0,0,1\r\n"));
+}
+
+TEST(PrintPlacementsAsCsv, KeepsALineToARow) {
+    EXPECT_EQ(csv(assembly(leaf("a", u8"a\nb\u2028c\u202e\\,d"))),
+              csvHeader + std::string("\"a\\x0ab\\u2028c\\u202e\\\\,d\","
+                                      "0,0,0,1,0,0,0,1,0,0,0,1\r\n"));
 }
 
 TEST(PrintPlacementsAsCsv, HasAHeaderWithoutFiles) {

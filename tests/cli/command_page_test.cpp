@@ -54,9 +54,10 @@ QStringList wordsOf(const std::string& line) {
     return words;
 }
 
-// The page shows native paths of a system that separates by "/".
+// The page shows native paths of a system that separates by "/". A "\" is shown as two.
 std::string comparable(const std::string& text) {
-    return platform::backslash_separates() ? replaced(text, "\\", "/") : text;
+    if (!platform::backslash_separates()) return text;
+    return replaced(replaced(text, "\\\\", "/"), "\\", "/");
 }
 
 TEST(CommandPage, ShowsWhatTheCommandPrints) {

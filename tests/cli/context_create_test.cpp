@@ -175,13 +175,15 @@ TEST_F(ContextCreate, WantsOneKindOfContext) {
 
 TEST_F(ContextCreate, WantsBareNames) {
     for (const char* option : {"machine", "axis", "name"}) {
-        for (const char* value : {"", "a/b", "a\\b", "/"}) {
+        // As it is given and as it is shown.
+        for (const auto& [value, shown] : {std::pair("", ""), std::pair("a/b", "a/b"),
+                                           std::pair("a\\b", "a\\\\b"), std::pair("/", "/")}) {
             const std::string given = std::string("--") + option + "=" + value;
             QStringList options(QString::fromStdString(given));
             if (std::string(option) != "machine") options += QStringLiteral("--machine=m");
             expectRefusal(create(options, path("")),
                           std::string("--") + option + " takes a name without a directory, not '" +
-                              value + "'.");
+                              shown + "'.");
         }
     }
 }

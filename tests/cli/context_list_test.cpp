@@ -114,7 +114,7 @@ TEST_F(FavoriteList, SaysWhyThereIsNoFavouriteDirectory) {
         process_.err(),
         "trvfiles: warning: _Expand(\"$TRV_MCTX_DEF\") = error -32 - buffer size 400 too "
         "small\n"
-        "trvfiles: warning: _Expand(\"$TRVHOME\\standard\\machine_context\") = error -32 - "
+        "trvfiles: warning: _Expand(\"$TRVHOME\\\\standard\\\\machine_context\") = error -32 - "
         "buffer size 400 too small\n"
         "trvfiles: There is no favourite directory: neither TRV_MCTX_DEF nor TRVHOME leads to "
         "one\n");

@@ -122,6 +122,16 @@ TEST(Dispatch, RefusesWhatIsNoCommand) {
                   "trvfiles: There is no command 'a\\x0ab %1'.\nTry 'trvfiles --help'.\n");
 }
 
+TEST(Dispatch, RefusesOptionsWhereACommandIsExpected) {
+    expectRefusal(words("--frob show a"),
+                  "trvfiles: Unknown option '--frob'.\nTry 'trvfiles --help'.\n");
+    expectRefusal(words("axis -x"),
+                  "trvfiles axis: Unknown option '-x'.\nTry 'trvfiles axis --help'.\n");
+    expectRefusal(words("axis --version"),
+                  "trvfiles axis: Unknown option '--version'.\nTry 'trvfiles axis --help'.\n");
+    expectRefusal(words("-"), "trvfiles: There is no command '-'.\nTry 'trvfiles --help'.\n");
+}
+
 TEST(Dispatch, RefusesOptionsThatACommandDoesNotHave) {
     expectRefusal(words("show --csv a"),
                   "trvfiles show: Unknown option 'csv'.\nTry 'trvfiles show --help'.\n");

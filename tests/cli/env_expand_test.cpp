@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace trv::testing {
@@ -10,8 +11,9 @@ namespace {
 using EnvExpand = EnvCommand;
 using EnvFind = EnvCommand;
 
+// A path of the system as it is shown.
 std::string native(const char* path) {
-    return platform::backslash_separates() ? backslashed(path) : path;
+    return platform::backslash_separates() ? replaced(backslashed(path), "\\", "\\\\") : path;
 }
 
 TEST_F(EnvExpand, PrintsALineForEachText) {
@@ -26,7 +28,7 @@ TEST_F(EnvExpand, PrintsALineForEachText) {
 
 TEST_F(EnvExpand, NormalisesPathsOnRequest) {
     EXPECT_EQ(run({"expand", "--path", "a//./b/$CELL", "?TXT"}), 0);
-    EXPECT_EQ(out(), "a\\b\\3\n\\opt\\shop\\site\\texts;\\opt\\shop\\texts\n");
+    EXPECT_EQ(out(), "a\\\\b\\\\3\n\\\\opt\\\\shop\\\\site\\\\texts;\\\\opt\\\\shop\\\\texts\n");
 }
 
 TEST_F(EnvExpand, NamesWhatIsUndefined) {
@@ -48,11 +50,32 @@ TEST_F(EnvExpand, SaysWhatIsWrongWithAText) {
               "its expansion is too long\n");
 }
 
+// The trace of the lookup is 500 MB long: a line for each replacement, with the value so far.
+TEST_F(EnvExpand, NeedsNoMemoryForATraceThatIsNotShown) {
+    if (!std::filesystem::exists("/bin/sh")) GTEST_SKIP() << "a shell sets the limit";
+    std::string text = "[var]\nA = 0\n";
+    for (int i = 0; i < 1000; ++i)
+        text += "A = + " + std::string(999, 'x') + '\n';
+    write("shop/config/environ.cfg", "[path]\nENV = $TRVHOME/site\n");
+    write("shop/site/environ.cfg", text);
+    const auto runLimited = [&](const char* call) {
+        return process_.start(
+            QStringLiteral("/bin/sh"),
+            {QStringLiteral("-c"),
+             QStringLiteral("ulimit -v 300000; exec \"$0\" ") + QString::fromLatin1(call),
+             QStringLiteral(TRV_COMMAND)});
+    };
+    if (runLimited("--version") != 0) GTEST_SKIP() << "a sanitizer needs more than the limit";
+    EXPECT_EQ(runLimited("env expand '$A'"), 0);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out().size(), 1 + 1000 * 1000 + 1U);
+}
+
 TEST_F(EnvFind, ShowsEachDirectoryThatIsTried) {
     EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
     EXPECT_EQ(out(),
-              "  - '\\opt\\shop\\cell\\shop.cfg' -> Not found\n"
-              "  - '\\opt\\shop\\site\\shop.cfg' -> Found\n" +
+              "  - '\\\\opt\\\\shop\\\\cell\\\\shop.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\site\\\\shop.cfg' -> Found\n" +
                   native("/opt/shop/site/shop.cfg") + "\n");
     EXPECT_EQ(err(), "");
 }
@@ -68,8 +91,8 @@ TEST_F(EnvFind, SaysThatNoDirectoryHasTheFile) {
     process_.setVariable("CFGPATH", "$TRVHOME/site;$TRVHOME/nowhere");
     EXPECT_EQ(run({"find", "?CFG/none.cfg"}), 1);
     EXPECT_EQ(out(),
-              "  - '\\opt\\shop\\site\\none.cfg' -> Not found\n"
-              "  - '\\opt\\shop\\nowhere\\none.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\site\\\\none.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\nowhere\\\\none.cfg' -> Not found\n"
               "?CFG/none.cfg is not found\n");
     EXPECT_EQ(err(), "");
 }
@@ -84,7 +107,7 @@ TEST_F(EnvFind, LooksAtANameWithoutAList) {
 TEST_F(EnvFind, NamesAListThatIsUndefined) {
     EXPECT_EQ(run({"find", "?NOLIST\\shop.cfg"}), 1);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: ?NOLIST\\shop.cfg: ?NOLIST is not defined\n");
+    EXPECT_EQ(err(), "trvfiles: ?NOLIST\\\\shop.cfg: ?NOLIST is not defined\n");
 }
 
 TEST_F(EnvFind, SaysWhyItCannotSearch) {

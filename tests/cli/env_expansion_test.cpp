@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace trv::testing {
 namespace {
@@ -17,12 +20,23 @@ using ::testing::IsEmpty;
 class EnvExpansion : public ::testing::Test {
 protected:
     Expansion expand(const char* text, bool asPath = false) {
-        return cli::expand(text, asPath, messages_);
+        lookups_.clear();
+        return cli::expand(text, asPath, messages_,
+                           [&](std::string_view lookup) { lookups_.emplace_back(lookup); });
+    }
+
+    std::vector<std::string> undefined() const {
+        cli::UndefinedReferences references;
+        for (const std::string& lookup : lookups_)
+            references.add(lookup);
+        return references.inOrder();
     }
 
     ConfiguredStore store_;
     std::ostringstream err_;
     cli::RuntimeMessages messages_{err_};
+    /// Of the last expansion.
+    std::vector<std::string> lookups_;
 };
 
 TEST_F(EnvExpansion, ListsTheLookupsInTheirOrder) {
@@ -32,7 +46,7 @@ TEST_F(EnvExpansion, ListsTheLookupsInTheirOrder) {
     const Expansion expansion = expand("$A//?L $$");
     EXPECT_EQ(expansion.code, EXP_OK);
     EXPECT_EQ(expansion.text, "<b>//d $");
-    EXPECT_THAT(expansion.lookups,
+    EXPECT_THAT(lookups_,
                 ElementsAre("A = '<$B>' from 'a.cfg' line 1", "B = 'b' from 'a.cfg' line 2",
                             "L = 'd' from 'a.cfg' line 3"));
 }
@@ -48,20 +62,35 @@ TEST_F(EnvExpansion, LeavesOutHowAPlusIsReplaced) {
     store_.variable("A = + 3");
     store_.variable("E = 0");
     store_.variable("E = +(00000002)");
-    const Expansion expansion = expand("$A");
-    EXPECT_EQ(expansion.text, "1 2 1 3");
-    ASSERT_EQ(expansion.lookups.size(), 1U);
-    EXPECT_EQ(expansion.lookups[0].substr(0, 13), "A = '1 2 1 3'");
-    EXPECT_THAT(cli::lookupsIn({"ref=[+(00000002)]\n", "$(TRVNULL)(00000002)", "A = 'x' y"}),
+    EXPECT_EQ(expand("$A").text, "1 2 1 3");
+    ASSERT_EQ(lookups_.size(), 1U);
+    EXPECT_EQ(lookups_[0].substr(0, 13), "A = '1 2 1 3'");
+}
+
+std::vector<std::string> lookupsIn(const std::vector<std::string>& trace) {
+    cli::LookupFilter filter;
+    std::vector<std::string> lookups;
+    for (const std::string& line : trace) {
+        if (filter.isLookup(line)) lookups.push_back(line);
+    }
+    return lookups;
+}
+
+TEST(LookupFilter, LeavesOutWhatBelongsToAReplacement) {
+    EXPECT_THAT(lookupsIn({"ref=[+(00000002)]\n", "$(TRVNULL)(00000002)", "A = 'x' y"}),
                 ElementsAre("A = 'x' y"));
+    EXPECT_THAT(lookupsIn({"   - A = + b", "   00000010 -> A = a", "   - A = 'a b'", "A = 'a b' y",
+                           "ref=[B", "C = 'c' z"}),
+                ElementsAre("A = 'a b' y", "ref=[B", "C = 'c' z"));
+    EXPECT_THAT(lookupsIn({"   - A", "ref=[x]\n", "   - x", "   - A", "", ""}), IsEmpty());
 }
 
 TEST_F(EnvExpansion, NamesWhatIsUndefinedOnce) {
-    const Expansion expansion = expand("$A ?A $A ${a b}");
-    EXPECT_EQ(expansion.code, EXP_UNDEFINED);
-    EXPECT_THAT(cli::undefinedIn(expansion.lookups), ElementsAre("$A", "?A", "$a b"));
+    EXPECT_EQ(expand("$A ?A $A ${a b}").code, EXP_UNDEFINED);
+    EXPECT_THAT(undefined(), ElementsAre("$A", "?A", "$a b"));
     store_.variable("A = 1");
-    EXPECT_THAT(cli::undefinedIn(expand("$A").lookups), IsEmpty());
+    EXPECT_EQ(expand("$A").code, EXP_OK);
+    EXPECT_THAT(undefined(), IsEmpty());
 }
 
 TEST_F(EnvExpansion, GivesErrorsAsTheyAre) {

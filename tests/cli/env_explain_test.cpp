@@ -2,83 +2,100 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 namespace trv::testing {
 namespace {
 
-using EnvExplain = EnvCommand;
+class EnvExplain : public EnvCommand {
+protected:
+    // Definitions in a file that is read after the home file, so that each replaces the one before.
+    void writeHistory(const char* line, int count) const {
+        write("shop/config/environ.cfg", "[path]\nENV = $TRVHOME/site\n");
+        std::string text = "[var]\n";
+        for (int i = 0; i < count; ++i)
+            text += std::string(line) + '\n';
+        write("shop/site/environ.cfg", text);
+    }
+};
 
 TEST_F(EnvExplain, ListsTheDefinitionsOfThreeFiles) {
     EXPECT_EQ(run({"explain", "SPINDLE_LIMIT"}), 0);
     EXPECT_EQ(err(), "");
-    EXPECT_EQ(out(),
-              "SPINDLE_LIMIT = 9000\n"
-              "from '\\opt\\shop\\cell\\environ.cfg' line 5: the definition that was read last "
-              "wins\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  SPINDLE_LIMIT = 12000\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 20\n"
-              "  SPINDLE_LIMIT = 10000\n"
-              "    from '\\opt\\shop\\site\\environ.cfg' line 7\n"
-              "  SPINDLE_LIMIT = 9000\n"
-              "    from '\\opt\\shop\\cell\\environ.cfg' line 5\n");
+    EXPECT_EQ(
+        out(),
+        "SPINDLE_LIMIT = 9000\n"
+        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5: the definition that was read last "
+        "wins\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  SPINDLE_LIMIT = 12000\n"
+        "    from '/opt/shop\\\\config\\\\environ.cfg' line 20\n"
+        "  SPINDLE_LIMIT = 10000\n"
+        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 7\n"
+        "  SPINDLE_LIMIT = 9000\n"
+        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5\n");
 }
 
 TEST_F(EnvExplain, TellsWhatAPlusStandsFor) {
     EXPECT_EQ(run({"explain", "POST_OPTIONS"}), 0);
-    EXPECT_EQ(out(),
-              "POST_OPTIONS = comments line-numbers pallet-codes\n"
-              "from '\\opt\\shop\\cell\\environ.cfg' line 6: the definition that was read last "
-              "wins\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  POST_OPTIONS = comments\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 21\n"
-              "  POST_OPTIONS = + line-numbers\n"
-              "    from '\\opt\\shop\\site\\environ.cfg' line 10\n"
-              "    + is 'comments'\n"
-              "  POST_OPTIONS = + pallet-codes\n"
-              "    from '\\opt\\shop\\cell\\environ.cfg' line 6\n"
-              "    + is 'comments line-numbers'\n");
+    EXPECT_EQ(
+        out(),
+        "POST_OPTIONS = comments line-numbers pallet-codes\n"
+        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6: the definition that was read last "
+        "wins\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  POST_OPTIONS = comments\n"
+        "    from '/opt/shop\\\\config\\\\environ.cfg' line 21\n"
+        "  POST_OPTIONS = + line-numbers\n"
+        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 10\n"
+        "    + is 'comments'\n"
+        "  POST_OPTIONS = + pallet-codes\n"
+        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6\n"
+        "    + is 'comments line-numbers'\n");
 }
 
 TEST_F(EnvExplain, TellsWhatReferencesAreReplacedBy) {
     process_.setVariable("CELL", "$NOBODY");
     EXPECT_EQ(run({"explain", "LABEL"}), 0);
-    EXPECT_EQ(out(),
-              "LABEL = $SITE ${PALLET_MARK}$CELL\n"
-              "from '\\opt\\shop\\cell\\environ.cfg' line 7: the only definition that counts\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  LABEL = $SITE ${PALLET_MARK}$CELL\n"
-              "    from '\\opt\\shop\\cell\\environ.cfg' line 7\n"
-              "\n"
-              "Expanded\n"
-              "  = Erlbach #<NOBODY>\n"
-              "    SITE = 'Erlbach' from '\\opt\\shop\\site\\environ.cfg' line 4\n"
-              "    PALLET_MARK = '#' from '/opt/shop\\config\\environ.cfg' line 22\n"
-              "    CELL = '$NOBODY' from environment\n"
-              "    NOBODY = <undefined variable>\n");
+    EXPECT_EQ(
+        out(),
+        "LABEL = $SITE ${PALLET_MARK}$CELL\n"
+        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 7: the only definition that counts\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  LABEL = $SITE ${PALLET_MARK}$CELL\n"
+        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 7\n"
+        "\n"
+        "Expanded\n"
+        "  = Erlbach #<NOBODY>\n"
+        "    SITE = 'Erlbach' from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 4\n"
+        "    PALLET_MARK = '#' from '/opt/shop\\\\config\\\\environ.cfg' line 22\n"
+        "    CELL = '$NOBODY' from environment\n"
+        "    NOBODY = <undefined variable>\n");
 }
 
 TEST_F(EnvExplain, ExplainsPathLists) {
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
-    EXPECT_EQ(out(),
-              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n"
-              "from '\\opt\\shop\\site\\environ.cfg' line 18: the definition that was read last "
-              "wins\n"
-              "\n"
-              "Definitions, oldest first\n"
-              "  TXT = $TRVHOME/texts\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 43\n"
-              "  TXT = $TRVHOME/site/texts;+\n"
-              "    from '\\opt\\shop\\site\\environ.cfg' line 18\n"
-              "    + is '$TRVHOME/texts'\n"
-              "\n"
-              "Expanded\n"
-              "  = /opt/shop/site/texts;/opt/shop/texts\n"
-              "    TRVHOME = '/opt/shop' from environment\n"
-              "    TRVHOME = '/opt/shop' from environment\n");
+    EXPECT_EQ(
+        out(),
+        "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n"
+        "from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 18: the definition that was read last "
+        "wins\n"
+        "\n"
+        "Definitions, oldest first\n"
+        "  TXT = $TRVHOME/texts\n"
+        "    from '/opt/shop\\\\config\\\\environ.cfg' line 43\n"
+        "  TXT = $TRVHOME/site/texts;+\n"
+        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 18\n"
+        "    + is '$TRVHOME/texts'\n"
+        "\n"
+        "Expanded\n"
+        "  = /opt/shop/site/texts;/opt/shop/texts\n"
+        "    TRVHOME = '/opt/shop' from environment\n"
+        "    TRVHOME = '/opt/shop' from environment\n");
     process_.setVariable("TXTPATH", "here");
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
     EXPECT_EQ(out().substr(0, 83),
@@ -95,7 +112,7 @@ TEST_F(EnvExplain, PutsTheProcessEnvironmentBeforeAllFiles) {
               "\n"
               "Definitions, oldest first\n"
               "  COMPANY = Hollmann Precision Parts\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 7\n");
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 7\n");
     EXPECT_EQ(run({"explain", "TRVHOME"}), 0);
     EXPECT_EQ(out(),
               "TRVHOME = /opt/shop\nfrom environment: the installation does not define it\n");
@@ -116,15 +133,15 @@ TEST_F(EnvExplain, ShowsDefinitionsThatNoLookupReaches) {
     EXPECT_EQ(run({"explain", "cell"}), 0);
     EXPECT_EQ(out(),
               "cell = 1\n"
-              "from '/opt/shop\\config\\environ.cfg' line 2: the only definition that counts\n"
+              "from '/opt/shop\\\\config\\\\environ.cfg' line 2: the only definition that counts\n"
               "\n"
               "Definitions, oldest first\n"
               "  CELL = 1\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 2\n"
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 2\n"
               "\n"
               "Never looked at\n"
               "  CELL = 2\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 3\n");
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 3\n");
 }
 
 TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
@@ -133,7 +150,7 @@ TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
     EXPECT_NE(out().find("\nExpanded\n"
                          "  EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or its "
                          "expansion is too long\n"
-                         "    SITE = '$CELL' from '/opt/shop\\config\\environ.cfg' line 3\n"),
+                         "    SITE = '$CELL' from '/opt/shop\\\\config\\\\environ.cfg' line 3\n"),
               std::string::npos)
         << out();
     EXPECT_EQ(run({"explain", "--json", "CELL"}), 0);
@@ -142,8 +159,9 @@ TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
 
 TEST_F(EnvExplain, KnowsTheTemporaryDirectory) {
     EXPECT_EQ(run({"explain", "TMP"}), 0);
-    EXPECT_EQ(out(),
-              "TMP = \\opt\\shop\\tmp\\00000001\nthe temporary directory of the work zone\n");
+    EXPECT_EQ(
+        out(),
+        "TMP = \\\\opt\\\\shop\\\\tmp\\\\00000001\nthe temporary directory of the work zone\n");
     write("shop/config/environ.cfg", "[var]\nTMP = x\n");
     process_.setVariable("TRVTMPDIR", "here");
     EXPECT_EQ(run({"explain", "TMP"}), 0);
@@ -153,26 +171,29 @@ TEST_F(EnvExplain, KnowsTheTemporaryDirectory) {
               "\n"
               "Never looked at\n"
               "  TMP = x\n"
-              "    from '/opt/shop\\config\\environ.cfg' line 2\n");
+              "    from '/opt/shop\\\\config\\\\environ.cfg' line 2\n");
 }
 
 TEST_F(EnvExplain, PrintsJson) {
     EXPECT_EQ(run({"explain", "--json", "POST_OPTIONS"}), 0);
-    EXPECT_EQ(out(),
-              "{\"defined\":true,\"definitions\":["
-              "{\"entry\":\"POST_OPTIONS = comments\",\"extended\":null,"
-              "\"file\":\"/opt/shop\\\\config\\\\environ.cfg\",\"line\":21},"
-              "{\"entry\":\"POST_OPTIONS = + line-numbers\",\"extended\":\"comments\","
-              "\"file\":\"\\\\opt\\\\shop\\\\site\\\\environ.cfg\",\"line\":10},"
-              "{\"entry\":\"POST_OPTIONS = + pallet-codes\",\"extended\":\"comments "
-              "line-numbers\",\"file\":\"\\\\opt\\\\shop\\\\cell\\\\environ.cfg\",\"line\":6}],"
-              "\"expanded\":\"comments line-numbers pallet-codes\",\"fromEnvironment\":false,"
-              "\"hidden\":[],\"lookups\":[],\"name\":\"POST_OPTIONS\","
-              "\"origin\":\"from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6\","
-              "\"reason\":\"the definition that was read last wins\","
-              "\"value\":\"comments line-numbers pallet-codes\"}\n");
+    EXPECT_EQ(
+        out(),
+        "{\"defined\":true,\"definitions\":["
+        "{\"entry\":\"POST_OPTIONS = comments\",\"extended\":null,\"extends\":false,"
+        "\"file\":\"/opt/shop\\\\config\\\\environ.cfg\",\"line\":21},"
+        "{\"entry\":\"POST_OPTIONS = + line-numbers\",\"extended\":\"comments\",\"extends\":true,"
+        "\"file\":\"\\\\opt\\\\shop\\\\site\\\\environ.cfg\",\"line\":10},"
+        "{\"entry\":\"POST_OPTIONS = + pallet-codes\",\"extended\":\"comments "
+        "line-numbers\",\"extends\":true,\"file\":\"\\\\opt\\\\shop\\\\cell\\\\environ.cfg\","
+        "\"line\":6}],\"definitionsLeftOut\":0,"
+        "\"expanded\":\"comments line-numbers pallet-codes\",\"fromEnvironment\":false,"
+        "\"hidden\":[],\"hiddenLeftOut\":0,\"lookups\":[],\"name\":\"POST_OPTIONS\","
+        "\"origin\":\"from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6\","
+        "\"reason\":\"the definition that was read last wins\","
+        "\"value\":\"comments line-numbers pallet-codes\"}\n");
     EXPECT_EQ(run({"explain", "--json", "PC"}), 0);
-    EXPECT_NE(out().find("[{\"entry\":\"PC = 1\",\"extended\":null,\"file\":null,\"line\":null}]"),
+    EXPECT_NE(out().find("[{\"entry\":\"PC = "
+                         "1\",\"extended\":null,\"extends\":false,\"file\":null,\"line\":null}]"),
               std::string::npos)
         << out();
     EXPECT_EQ(run({"explain", "--json", "VIEWER"}), 0);
@@ -180,6 +201,116 @@ TEST_F(EnvExplain, PrintsJson) {
     EXPECT_NE(out().find("\"lookups\":[\"TRVHOME = '/opt/shop' from environment\"]"),
               std::string::npos)
         << out();
+}
+
+TEST_F(EnvExplain, ShowsNothingBesideAFatalReport) {
+    write("other/config/environ.cfg", "[var]\nCELL = $TMP\n");
+    for (const char* form : {"--all", "--json"}) {
+        EXPECT_EQ(run({"explain", "--root", "other", form, "CELL"}), 2);
+        EXPECT_EQ(out(), "");
+        EXPECT_NE(err().find("TRVZONE"), std::string::npos) << err();
+    }
+}
+
+TEST_F(EnvExplain, ShortensALongHistory) {
+    writeHistory("A = + x", 1600);
+    EXPECT_EQ(run({"explain", "A"}), 0);
+    const std::string text = out();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3 + 1 + 10 * 3 - 1 + 1) << text;
+    EXPECT_NE(text.find("\nDefinitions, oldest first\n"
+                        "  A = + x\n"
+                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 2\n"
+                        "  A = + x\n"
+                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 3\n"
+                        "    + is '+ x'\n"
+                        "  A = + x\n"
+                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 4\n"
+                        "    + is '+ x x'\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("' line 6\n"
+                        "    + is '+ x x x x'\n"
+                        "  ... 1590 more; --all shows them\n"
+                        "  A = + x\n"
+                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 1597\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("' line 1601\n    + is '+ x x x"), std::string::npos) << text;
+}
+
+TEST_F(EnvExplain, ShortensALongValueSoFar) {
+    const std::string emoji = u8"\U0001f600";
+    std::string value;
+    for (int i = 0; i < 100; ++i)
+        value += emoji;
+    write("shop/config/environ.cfg", "[path]\nENV = $TRVHOME/site\n");
+    write("shop/site/environ.cfg", "[var]\nA = " + value + "\nA = +\nA = y+\n");
+    EXPECT_EQ(run({"explain", "A"}), 0);
+    EXPECT_NE(out().find("\n    + is '" + value + "'\n"), std::string::npos) << out();
+    // 200 code units would end within a character.
+    write("shop/site/environ.cfg", "[var]\nA = x" + value + "\nA = +\nA = y+\n");
+    EXPECT_EQ(run({"explain", "A"}), 0);
+    EXPECT_NE(out().find("\n    + is 'x" + value.substr(0, 99 * emoji.size()) +
+                         "...' (201 characters; --all shows them)\n"),
+              std::string::npos)
+        << out();
+    EXPECT_EQ(run({"explain", "--all", "A"}), 0);
+    EXPECT_NE(out().find("\n    + is 'x" + value + "'\n"), std::string::npos) << out();
+}
+
+TEST_F(EnvExplain, SaysThatTheLimitsOfTheRuntimeArePassed) {
+    writeHistory("A = +", 10003);
+    EXPECT_EQ(run({"explain", "A"}), 0);
+    EXPECT_NE(out().find("' line 10003\n"
+                         "    + is '+'\n"
+                         "  A = +\n"
+                         "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 10004\n"
+                         "    + is a value beyond the limits of the runtime\n"),
+              std::string::npos)
+        << out();
+    EXPECT_EQ(run({"explain", "--json", "A"}), 0);
+    EXPECT_NE(out().find("\"extended\":\"+\",\"extends\":true"), std::string::npos) << out();
+    EXPECT_NE(out().find("\"extended\":null,\"extends\":true"), std::string::npos) << out();
+}
+
+TEST_F(EnvExplain, CountsInJsonWhatItLeavesOut) {
+    write("shop/config/environ.cfg", "[var]\nA = 0\n[path]\nENV = $TRVHOME/site\n");
+    std::string text = "[var]\n";
+    for (int i = 1; i <= 13; ++i)
+        text += "A = +" + std::string(300, 'x') + "\na = " + std::to_string(i) + '\n';
+    write("shop/site/environ.cfg", text);
+    const auto count = [&](const char* part) {
+        int found = 0;
+        for (std::size_t at = out().find(part); at != std::string::npos;
+             at = out().find(part, at + 1))
+            ++found;
+        return found;
+    };
+    EXPECT_EQ(run({"explain", "--json", "A"}), 0);
+    EXPECT_EQ(count("\"entry\":\"A = "), 10);
+    EXPECT_EQ(count("\"entry\":\"a = "), 10);
+    EXPECT_EQ(count("],\"definitionsLeftOut\":4,"), 1) << out();
+    EXPECT_EQ(count("],\"hiddenLeftOut\":3,"), 1) << out();
+    EXPECT_EQ(count(("\"extended\":\"0" + std::string(900, 'x') + "\"").c_str()), 1) << out();
+    EXPECT_EQ(run({"explain", "--json", "--all", "A"}), 0);
+    EXPECT_EQ(count("\"entry\":\"A = "), 14);
+    EXPECT_EQ(count("\"entry\":\"a = "), 13);
+    EXPECT_EQ(count("],\"definitionsLeftOut\":0,"), 1) << out();
+    EXPECT_EQ(count("],\"hiddenLeftOut\":0,"), 1) << out();
+    EXPECT_EQ(run({"explain", "A"}), 0);
+    EXPECT_EQ(count("\n  ... 4 more; --all shows them\n"), 1) << out();
+    EXPECT_EQ(count("\n  ... 3 more; --all shows them\n"), 1) << out();
+}
+
+// The time of a walk that resolves every definition anew grows with the third power: several
+// minutes, after which the process is given up.
+TEST_F(EnvExplain, ShowsALongHistoryOnRequest) {
+    writeHistory("A = +", 6000);
+    EXPECT_EQ(run({"explain", "--all", "A"}), 0);
+    const std::string text = out();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3 + 1 + 6000 * 3 - 1);
+    const std::string end = "' line 6001\n    + is '+'\n";
+    EXPECT_EQ(text.substr(text.size() - std::min(text.size(), end.size())), end);
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ TEST_F(EnvList, TellsOriginsOnRequest) {
     EXPECT_EQ(run({"list", "--origin"}), 0);
     EXPECT_EQ(out(),
               "SITE = Ulm  (from environment)\n"
-              "CELL = 31  (from '\\opt\\shop\\cell\\environ.cfg' line 2)\n"
+              "CELL = 31  (from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 2)\n"
               "WINDOWS = 1  (set by program)\n"
               "PC = 1  (set by program)\n");
 }
@@ -89,7 +89,7 @@ TEST_F(EnvList, WarnsOfATextThatIsNoVariable) {
     EXPECT_EQ(out(), "CELL = 3\nWINDOWS = 1\nPC = 1\n");
     EXPECT_EQ(err(),
               "trvfiles: warning: there is no \"=\" in the variable from "
-              "'/opt/shop\\config\\environ.cfg' line 2\n");
+              "'/opt/shop\\\\config\\\\environ.cfg' line 2\n");
 }
 
 }  // namespace

@@ -35,15 +35,43 @@ TEST(RuntimeMessages, HoldsEachReportOnce) {
 TEST(RuntimeMessages, HoldsTheTraceOfACall) {
     std::ostringstream err;
     RuntimeMessages messages(err);
+    std::vector<std::string> lines;
+    const auto keep = [&](std::string_view line) { lines.emplace_back(line); };
     report_trace("before");
-    EXPECT_THAT(messages.traceOf([] {
-        report_trace("one\n");
-        report_trace("two");
-    }),
-                ElementsAre("one\n", "two"));
+    messages.trace(
+        [] {
+            report_trace("one\n");
+            report_trace("two");
+        },
+        keep);
+    EXPECT_THAT(lines, ElementsAre("one\n", "two"));
     report_trace("behind");
-    EXPECT_THAT(messages.traceOf([] {}), IsEmpty());
+    lines.clear();
+    messages.trace([] {}, keep);
+    EXPECT_THAT(lines, IsEmpty());
     EXPECT_EQ(err.str(), "");
+}
+
+// A line for each "+" of a long history takes time for the square of its length.
+TEST(RuntimeMessages, AsksForNoTraceThatNobodyReads) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    EXPECT_FALSE(trace_is_seen());
+    messages.trace([] { EXPECT_TRUE(trace_is_seen()); }, [](std::string_view) {});
+    EXPECT_FALSE(trace_is_seen());
+}
+
+TEST(RuntimeMessages, TellsWhetherOneOfTheReportsIsFatal) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    EXPECT_FALSE(messages.hasFatalReport());
+    report_error("a");
+    EXPECT_FALSE(messages.hasFatalReport());
+    report_fatal("b");
+    report_error("c");
+    EXPECT_TRUE(messages.hasFatalReport());
+    messages.takeReports();
+    EXPECT_FALSE(messages.hasFatalReport());
 }
 
 TEST_F(EnvCommand, TakesTheInstallationOfTrvhome) {
@@ -88,18 +116,19 @@ TEST_F(EnvCommand, EndsWithWhatIsFatalAtTheStart) {
     write("empty/x", "");
     EXPECT_EQ(run({"list", "--root", "empty"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(),
-              "trvfiles: Error loading '" + directory_.text() + "/empty\\config\\environ.cfg'\n");
+    EXPECT_EQ(err(), "trvfiles: Error loading '" + directory_.text() +
+                         "/empty\\\\config\\\\environ.cfg'\n");
 
     write("shop/config/environ.cfg", "[var]\n/frob\n");
     EXPECT_EQ(run({"explain", "CELL"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(),
-              "trvfiles: load_messages: file '/opt/shop\\config\\environ.cfg', line 2 : Unknown "
-              "keyword : '/frob'\n"
-              "trvfiles: load_messages: file '/opt/shop\\config\\environ.cfg', line 0 : Error "
-              "loading file.\n"
-              "trvfiles: Error loading '/opt/shop\\config\\environ.cfg'\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 2 : Unknown "
+        "keyword : '/frob'\n"
+        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 0 : Error "
+        "loading file.\n"
+        "trvfiles: Error loading '/opt/shop\\\\config\\\\environ.cfg'\n");
 }
 
 TEST_F(EnvCommand, ShowsNoResultsBesideAFatalReport) {
@@ -113,9 +142,10 @@ TEST_F(EnvCommand, WarnsOfWhatIsNotFatalAtTheStart) {
     write("shop/cell/environ.cfg", "[var]\nno entry\nCELL = 4\n");
     EXPECT_EQ(run({"expand", "$CELL"}), 0);
     EXPECT_EQ(out(), "4\n");
-    EXPECT_EQ(err(),
-              "trvfiles: warning: load_messages: [file '\\opt\\shop\\cell\\environ.cfg' line 2] "
-              "Warning - incorrect format (missing '='): [var] no entry\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: warning: load_messages: [file '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 2] "
+        "Warning - incorrect format (missing '='): [var] no entry\n");
 }
 
 TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {
@@ -123,7 +153,7 @@ TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {
     EXPECT_EQ(run({"expand", "$CELL"}), 0);
     EXPECT_EQ(out(), "3\n");
     EXPECT_EQ(err().substr(0, 31), "LOADING ENVIRONMENT FILES ....\n");
-    EXPECT_NE(err().find("\nCELL = '3' from '\\opt\\shop\\cell\\environ.cfg' line 4\n"),
+    EXPECT_NE(err().find("\nCELL = '3' from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 4\n"),
               std::string::npos)
         << err();
 }

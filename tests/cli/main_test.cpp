@@ -60,6 +60,29 @@ TEST_F(TrvfilesCommand, RefusesABadCallOnStandardError) {
     EXPECT_EQ(err(), "trvfiles: A command is missing.\nTry 'trvfiles --help'.\n");
 }
 
+TEST_F(TrvfilesCommand, LeavesNoArgumentToQt) {
+    EXPECT_EQ(run({"-qmljsdebugger=x"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: Unknown option '-qmljsdebugger=x'.\nTry 'trvfiles --help'.\n");
+    EXPECT_EQ(run({"check", "-qmljsdebugger=x", "a"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(run({"check", "--", "-qmljsdebugger", "-qmljsdebugger=x"}), 1);
+    EXPECT_EQ(out(),
+              "-qmljsdebugger: eFileIOOpenError: No such file or directory\n"
+              "-qmljsdebugger=x: eFileIOOpenError: No such file or directory\n");
+}
+
+TEST_F(TrvfilesCommand, TakesArgumentsAsTheyAreGiven) {
+    for (const char* argument : {"", " ", "a b", "\"", "a \"b\" c", "*", "?", u8"ü€😀"}) {
+        EXPECT_EQ(run({argument}), 2);
+        EXPECT_EQ(err(), "trvfiles: There is no command '" + std::string(argument) +
+                             "'.\nTry 'trvfiles --help'.\n");
+    }
+    EXPECT_EQ(run({"\\a\\\\\"b c\\"}), 2);
+    EXPECT_EQ(err(),
+              "trvfiles: There is no command '\\\\a\\\\\\\\\"b c\\\\'.\nTry 'trvfiles --help'.\n");
+}
+
 TEST_F(TrvfilesCommand, ShowsAnAxisFileThatAHostWrote) {
     const double matrix[] = {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 10, 20, 30, 1};
     ASSERT_EQ(CQvFilesIO(directory_.text()).writeAxis(L"a.ref", matrix, 3, 0, 7), eFileIOSuccess);

@@ -1,5 +1,6 @@
 #include <cli/text_output.h>
 
+#include <QJsonDocument>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -80,15 +81,68 @@ TEST(VectorText, SeparatesWithBlanks) {
     EXPECT_EQ(roundedVectorText(vector).toStdString(), "1 -0.123457 inf");
 }
 
+// A text of one code unit, which need not be a whole character.
+std::string shownUnit(ushort unit) {
+    return shown(QString(QChar(unit))).toStdString();
+}
+
+std::string shownCode(uint code) {
+    return shown(QString::fromUcs4(&code, 1)).toStdString();
+}
+
 TEST(Shown, LeavesOrdinaryTextAlone) {
-    EXPECT_EQ(shown(std::string(u8"Spannmittel ü€😀 \\ \"x\" %1")).toStdString(),
-              u8"Spannmittel ü€😀 \\ \"x\" %1");
+    EXPECT_EQ(shown(std::string(u8"Spannmittel ü€😀 /x/ \"x\" %1")).toStdString(),
+              u8"Spannmittel ü€😀 /x/ \"x\" %1");
+    EXPECT_EQ(shown(std::string(u8"\u00a0\u2010\u2027\u3000\ufe0f")).toStdString(),
+              u8"\u00a0\u2010\u2027\u3000\ufe0f");
+    EXPECT_EQ(shown(QString()).toStdString(), "");
 }
 
 TEST(Shown, MakesControlCharactersVisible) {
     EXPECT_EQ(shown(std::string("a\nb\tc\x1b[31m\x7f")).toStdString(),
               "a\\x0ab\\x09c\\x1b[31m\\x7f");
     EXPECT_EQ(shown(std::string(u8"\u0085")).toStdString(), "\\x85");
+    EXPECT_EQ(shown(QString(QChar(0))).toStdString(), "\\x00");
+}
+
+TEST(Shown, DoublesABackslash) {
+    EXPECT_EQ(shown(std::string("C:\\a\\\\b\\")).toStdString(), "C:\\\\a\\\\\\\\b\\\\");
+    EXPECT_EQ(shown(std::string("\\x0a")).toStdString(), "\\\\x0a");
+}
+
+TEST(Shown, MakesFormatCharactersAndSeparatorsVisible) {
+    EXPECT_EQ(shown(std::string(u8"gpj\u202elts.exe")).toStdString(), "gpj\\u202elts.exe");
+    EXPECT_EQ(shownUnit(0xad), "\\xad");
+    EXPECT_EQ(shownUnit(0x61c), "\\u061c");
+    const ushort units[] = {0x200b, 0x200c, 0x200d, 0x200e, 0x200f, 0x2028, 0x2029, 0x202a, 0x202b,
+                            0x202c, 0x202d, 0x202e, 0x2060, 0x2066, 0x2067, 0x2068, 0x2069, 0xfeff};
+    for (const ushort unit : units) {
+        EXPECT_EQ(shownUnit(unit), "\\u" + QString::number(unit, 16).toStdString());
+    }
+}
+
+TEST(Shown, MakesFormatCharactersBeyondTheBasicPlaneVisible) {
+    EXPECT_EQ(shownCode(0xdffff), QString::fromUtf8("\xf3\x9f\xbf\xbf").toStdString());
+    EXPECT_EQ(shownCode(0xe0000), "\\U000e0000");
+    EXPECT_EQ(shownCode(0xe0001), "\\U000e0001");
+    EXPECT_EQ(shownCode(0xe0041), "\\U000e0041");
+    EXPECT_EQ(shownCode(0xe007f), "\\U000e007f");
+    EXPECT_EQ(shownCode(0xe0100), u8"\U000e0100");
+    EXPECT_EQ(shownCode(0x110bd), "\\U000110bd");
+    EXPECT_EQ(shownCode(0x1d173), "\\U0001d173");
+}
+
+TEST(Shown, MakesHalvesOfAPairVisible) {
+    EXPECT_EQ(shownUnit(0xd83d), "\\ud83d");
+    EXPECT_EQ(shownUnit(0xde00), "\\ude00");
+    EXPECT_EQ(shown(QString(QChar(0xd83d)) + QStringLiteral("x")).toStdString(), "\\ud83dx");
+    EXPECT_EQ(shown(QString(QChar(0xde00)) + QChar(0xd83d)).toStdString(), "\\ude00\\ud83d");
+    EXPECT_EQ(shown(QString(QChar(0xd83d)) + QString::fromUtf8(u8"😀")).toStdString(), u8"\\ud83d😀");
+}
+
+TEST(Shown, GivesDifferentTextsForDifferentTexts) {
+    EXPECT_NE(shown(std::string("a\nb")), shown(std::string("a\\x0ab")));
+    EXPECT_NE(shown(std::string(u8"\u202e")), shown(std::string("\\u202e")));
 }
 
 TEST(JsonNumber, KeepsFiniteNumbersAndNamesTheOthers) {
@@ -103,6 +157,55 @@ TEST(PrintJson, WritesUtf8OnOneLine) {
     printJson({{QStringLiteral("b"), QString::fromUtf8(u8"ü\n\"")}, {QStringLiteral("a"), true}},
               out);
     EXPECT_EQ(out.str(), u8"{\"a\":true,\"b\":\"ü\\n\\\"\"}\n");
+}
+
+std::string jsonOf(const QString& text) {
+    std::ostringstream out;
+    printJson({{QStringLiteral("t"), text}}, out);
+    return out.str();
+}
+
+TEST(PrintJson, EscapesWhatAReaderWouldNotSee) {
+    EXPECT_EQ(jsonOf(QString::fromUtf8(u8"\u007f\u0085\u00ad\u061c\u202e\u2028\ufeff")),
+              "{\"t\":\"\\u007f\\u0085\\u00ad\\u061c\\u202e\\u2028\\ufeff\"}\n");
+    EXPECT_EQ(jsonOf(QString::fromUtf8(u8"\U000e0041\U000e0000\U0001d173")),
+              "{\"t\":\"\\udb40\\udc41\\udb40\\udc00\\ud834\\udd73\"}\n");
+    EXPECT_EQ(jsonOf(QString(QChar(0xd83d)) + QStringLiteral("x")), "{\"t\":\"\\ud83dx\"}\n");
+    EXPECT_EQ(jsonOf(QString(QChar(0xde00))), "{\"t\":\"\\ude00\"}\n");
+}
+
+TEST(PrintJson, LeavesOrdinaryTextAlone) {
+    EXPECT_EQ(jsonOf(QString::fromUtf8(u8"ü€😀\u3000\\ /")), u8"{\"t\":\"ü€😀\u3000\\\\ /\"}\n");
+}
+
+TEST(PrintJson, WritesWhatReadsBack) {
+    const QString text = QString::fromUtf8(u8"a\u202e\U000e0041\\u202e\"\u0001");
+    const QByteArray json = QByteArray::fromStdString(jsonOf(text));
+    EXPECT_EQ(QJsonDocument::fromJson(json).object().value(QStringLiteral("t")).toString(), text);
+}
+
+TEST(JsonWriter, WritesMembersInTheirOrder) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.add("b", QString::fromUtf8(u8"ü\u202e\""));
+    json.beginArray("none");
+    json.endArray();
+    json.beginArray("some");
+    json.addElement(1);
+    json.addElement(QJsonObject{{QStringLiteral("x"), QJsonValue()}});
+    json.addElement(QStringLiteral("]"));
+    json.endArray();
+    json.add("a", false);
+    json.end();
+    EXPECT_EQ(out.str(),
+              u8"{\"b\":\"ü\\u202e\\\"\",\"none\":[],\"some\":[1,{\"x\":null},\"]\"],"
+              "\"a\":false}\n");
+}
+
+TEST(JsonWriter, WritesAnObjectWithoutMembers) {
+    std::ostringstream out;
+    JsonWriter(out).end();
+    EXPECT_EQ(out.str(), "{}\n");
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ namespace trv::platform {
 namespace {
 
 using testing::bytesOf;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 using testing::writeBytes;
@@ -210,6 +211,14 @@ TEST_F(PlatformRuntime, TheProgramFileIsThisTest) {
     EXPECT_THAT(std::filesystem::path(program_file()).filename().string(),
                 ::testing::StartsWith("support_tests"));
     EXPECT_TRUE(path_exists(program_file().c_str()));
+}
+
+TEST_F(PlatformRuntime, ArgumentsAreThoseBehindTheProgram) {
+    if (backslash_separates()) GTEST_SKIP() << "Windows tells the arguments of this test";
+    const char* const arguments[] = {"program", "-x", "a b", "", nullptr};
+    EXPECT_THAT(program_arguments(4, arguments), ElementsAre("-x", "a b", ""));
+    EXPECT_THAT(program_arguments(1, arguments), IsEmpty());
+    EXPECT_THAT(program_arguments(0, arguments + 4), IsEmpty());
 }
 
 TEST_F(PlatformRuntime, SetsAndRemovesVariables) {

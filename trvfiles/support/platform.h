@@ -137,6 +137,12 @@ bool set_environment(const char* name, const char* value);
 /// An instant in local time, broken down.
 std::tm local_time(std::time_t instant);
 
+/// The arguments of the process without its own name, as the system has them: on POSIX those of
+/// main(), on Windows those of the command line, of which main() gets what the code page can hold.
+/// For programs.
+std::vector<std::filesystem::path::string_type> program_arguments(int argc,
+                                                                  const char* const* argv);
+
 /// Makes the standard streams pass their bytes as they are, and a console take them for UTF-8 until
 /// the process ends. For programs, before they print.
 void prepare_console();

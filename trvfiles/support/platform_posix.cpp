@@ -245,6 +245,11 @@ std::tm local_time(std::time_t instant) {
     return broken_down;
 }
 
+std::vector<std::filesystem::path::string_type> program_arguments(int argc,
+                                                                  const char* const* argv) {
+    return argc > 1 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
 void prepare_console() {}
 
 void breakpoint_trap() {

@@ -229,6 +229,16 @@ std::tm local_time(std::time_t instant) {
     return broken_down;
 }
 
+std::vector<std::filesystem::path::string_type> program_arguments(int, const char* const*) {
+    struct releaser {
+        void operator()(LPWSTR* list) const noexcept { ::LocalFree(list); }
+    };
+    int count = 0;
+    const std::unique_ptr<LPWSTR, releaser> list(::CommandLineToArgvW(::GetCommandLineW(), &count));
+    if (list == nullptr) throw std::system_error(ENOMEM, std::generic_category(), "command line");
+    return {list.get() + 1, list.get() + count};
+}
+
 void prepare_console() {
     for (std::FILE* stream : {stdin, stdout, stderr}) {
         if (::_fileno(stream) >= 0) ::_setmode(::_fileno(stream), _O_BINARY);

@@ -1,0 +1,64 @@
+#pragma once
+
+/// @file
+/// The value of a variable while its definitions are read, each of which may extend the value so
+/// far.
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace trv::cli {
+
+/// Follows the definitions of one variable, the oldest first. It gives for each of them what
+/// resolve_references() gives, but in time for what the definition adds, not for all that it
+/// extends.
+class RunningValue {
+public:
+    enum class State {
+        /// The value is that of resolve_references().
+        known,
+        /// The replacements or the length pass the limits of resolve_references(), which then gives
+        /// a value with references left in it.
+        beyondLimits,
+        /// The definitions hold a reference that someone wrote by hand, in the form in which the
+        /// store keeps its own. Only resolve_references() knows the value.
+        unknown
+    };
+
+    /// Whether a definition extends the value so far; arguments as for take().
+    static bool extends(std::string_view value, std::int32_t replaced);
+
+    /// Goes on to a definition.
+    ///
+    /// @param value     as the store holds it: each "+" that extends the value so far is a
+    /// reference
+    ///                  to the replaced text
+    /// @param replaced  the offset of the replaced text; below 0 for the first definition
+    void take(std::string_view value, std::int32_t replaced);
+
+    State state() const { return state_; }
+
+    /// The value so far; empty unless it is `known`.
+    std::string text() const;
+
+private:
+    void extend(const std::vector<std::string_view>& literals);
+    void insert(std::deque<char>& earlier, bool isLast);
+    void addLiteral(const std::string& text, bool isLast);
+    void restart(State state);
+
+    State state_ = State::known;
+    // The resolved value but for its end. Both ends grow: "A = x +" adds at the front.
+    std::deque<char> settled_;
+    // The end, where it begins like a reference, of which the rest may be in a later definition.
+    std::string open_;
+    int replacements_ = 0;
+    // The largest length while the value is resolved, what is not resolved yet included.
+    std::size_t peak_ = 0;
+};
+
+}  // namespace trv::cli
