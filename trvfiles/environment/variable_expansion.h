@@ -96,7 +96,8 @@ TRV_EXPORT int _ExpandText(char* text, std::int32_t size);
 ///
 /// @param source              its text ends before its trailing blanks and before a zero byte
 /// @param destination         written without an error only; may overlap the source
-/// @param destination_length  the result needs its length; nothing fits 0 or below
+/// @param destination_length  the result needs its length: an empty one fits a field of length 0,
+///                            of which nothing is written. Nothing fits a length below 0.
 /// @param code                takes the status, that of _Expand(); null takes nothing
 TRV_EXPORT void _ExpandFixed(const char* source, std::int32_t source_length, char* destination,
                              std::int32_t destination_length, std::int32_t* code);
