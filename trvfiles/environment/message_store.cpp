@@ -42,6 +42,11 @@ struct text_origin {
 };
 constexpr text_origin by_program = {text_pool::none, 0};
 
+// A text that is set by program has no line, whatever the caller says.
+text_origin origin_of(std::int32_t file, int line) {
+    return file == text_pool::none ? by_program : text_origin{file, line};
+}
+
 bool is_origin(const message_store& store, const text_origin& origin) {
     return origin.file == text_pool::none || store.texts.is_file_name(origin.file);
 }
@@ -235,9 +240,10 @@ std::int32_t register_file_name(message_store* store, const char* file_name) {
 int append_message(message_store* store, int section, const char* text, std::int32_t file,
                    int line) {
     store_section* target = section_at(store, section);
-    if (target == nullptr || !is_origin(*store, {file, line})) return -1;
+    const text_origin origin = origin_of(file, line);
+    if (target == nullptr || !is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
-        return append_text(*store, *target, kept_text(*store, text_of(text)).view(), {file, line});
+        return append_text(*store, *target, kept_text(*store, text_of(text)).view(), origin);
     });
 }
 
@@ -245,10 +251,11 @@ int replace_message(message_store* store, int section, int number, const char* t
                     std::int32_t file, int line) {
     store_section* target = section_at(store, section);
     if (target == nullptr || !target->has_message(number)) return -1;
-    if (!is_origin(*store, {file, line})) return -1;
+    const text_origin origin = origin_of(file, line);
+    if (!is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
         return replace_text(*store, *target, number, kept_text(*store, text_of(text)).view(),
-                            {file, line});
+                            origin);
     });
 }
 
@@ -267,7 +274,7 @@ int set_message(message_store* store, int section, int number, const char* text)
 int set_parameter(message_store* store, int section, const char* text, std::int32_t file,
                   int line) {
     store_section* target = section_at(store, section);
-    const text_origin origin = {file, line};
+    const text_origin origin = origin_of(file, line);
     if (target == nullptr || !is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
         const kept_text kept(*store, trim_leading(text_of(text)));
