@@ -21,9 +21,14 @@ constexpr std::uint16_t no_section = 0xFFFF;
 constexpr std::size_t most_sections = 32767;
 constexpr const char* placeholder = "undefined message";
 
-// Process-wide: whether new texts are persistent, and what find_parameter() resolved last.
+// Whether new texts are persistent, for the whole process.
 bool record_flag = true;
-std::string resolved_value;
+
+// What find_parameter() resolved last. Never destroyed: static objects of a host may still look up.
+std::string& resolved_value() {
+    static std::string& value = *new std::string;
+    return value;
+}
 
 std::string_view text_of(const char* text) {
     return text == nullptr ? "" : text;
@@ -313,8 +318,8 @@ std::string_view find_value(const message_store& store, int section, std::string
     std::string_view value = entry_value(store.texts.at(text));
     if (value.find('+') != std::string_view::npos) {
         // Handlers of the trace channel may look up, or add to the store, in the meantime.
-        resolved_value = resolve_references(store, text);
-        value = resolved_value;
+        resolved_value() = resolve_references(store, text);
+        value = resolved_value();
     }
     if (record != nullptr) *record = &store.texts.record(text);
     return value;

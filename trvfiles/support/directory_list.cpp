@@ -16,8 +16,9 @@ struct list_cursor {
     std::string element;
 };
 
+// Never destroyed: static objects of a host may still walk a list.
 list_cursor& cursor() {
-    static list_cursor only;
+    static list_cursor& only = *new list_cursor;
     return only;
 }
 

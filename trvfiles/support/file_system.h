@@ -7,7 +7,8 @@
 /// POSIX a file whose name holds a "\" cannot be named. A null path acts as an empty one.
 ///
 /// Threads: any for what returns no text. Each function that returns one has a single buffer for
-/// the process, which its next call overwrites.
+/// the process, which its next call overwrites. The buffers are there from before main() until the
+/// process ends.
 
 #include <trvfiles/export.h>
 
