@@ -9,8 +9,12 @@
 /// the final word.
 ///
 /// A file that cannot be opened or parsed is reported through the fatal channel, which by default
-/// ends the process. Where a handler returns, what the file gave before the fault is kept and the
-/// other files are loaded.
+/// ends the process. If a handler returns, the other files are loaded. A store that was there
+/// before keeps what the file gave before the fault. A file that would have made a new store gives
+/// nothing.
+///
+/// Texts that are handed over may be results of earlier lookups: they are copied before anything is
+/// looked up.
 ///
 /// Threads: one at a time, with the whole runtime.
 

@@ -12,9 +12,12 @@
 /// Nothing is expanded without end: a reference inside its own value, a result of more than 16 MiB
 /// and more than 1 000 000 replaced references end with EXP_NAME_TOO_LONG.
 ///
-/// Every replaced reference sends a line to the trace channel. The functions with an underscore
-/// serve callers with buffers of their own and report each error through the error channel; the
-/// others report nothing.
+/// Every replaced reference sends a line to the trace channel. A trace handler that a hook sets
+/// during a lookup gets the line of that lookup, and verbose mode that it switches on prints it.
+/// The functions with an underscore serve callers with buffers of their own and report each error
+/// through the error channel; the others report nothing.
+///
+/// A source may be the result of an earlier lookup: it is copied before anything is looked up.
 ///
 /// Threads: any, as far as the lookups allow (see variables.h); expand_and_search() shares a buffer
 /// and is for one thread at a time.

@@ -9,7 +9,7 @@
 
 namespace trv {
 
-/// get_variable() of a name whose length is known. REQUIRES: a terminator behind the name.
+/// get_variable() of a name whose length is known. REQUIRES: a terminator after the name.
 const char* find_variable(std::string_view name);
 
 }  // namespace trv

@@ -37,8 +37,8 @@ bool next_list_element(std::string_view& rest, std::string_view& element) {
 }
 
 void list_begin(const char* list) {
-    list_end();
-    if (list != nullptr) cursor().list = list;
+    // The list may be the element that the cursor holds.
+    cursor() = {list == nullptr ? std::string() : list, 0, {}};
 }
 
 const char* list_next_element() {

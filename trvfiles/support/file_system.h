@@ -113,9 +113,10 @@ TRV_EXPORT const char* directory_identity(const char* path);
 
 /// Walks a list of directories, separated by ";" or ",", with one cursor for the process.
 ///
-/// list_begin() copies the list and drops the one before it. list_next_element() returns the next
-/// element without the blanks around it, or null behind the last one; what is all blank is passed
-/// over. The element is overwritten by the next call. list_end() drops the list.
+/// list_begin() copies the list, which may be the current element, and drops the one before it.
+/// list_next_element() returns the next element without the blanks around it, or null behind the
+/// last one; what is all blank is passed over. The element is overwritten by the next call.
+/// list_end() drops the list.
 TRV_EXPORT void list_begin(const char* list);
 TRV_EXPORT const char* list_next_element();
 TRV_EXPORT void list_end();
