@@ -7,6 +7,7 @@
 #include <trvfiles/support/platform.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -19,6 +20,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+std::atomic<std::uint32_t> hook_call_count{0};
+
 constexpr std::string_view temporary_directory_name = "TMP";
 constexpr std::string_view zone_name = "TRVZONE";
 constexpr const char* null_text_name = "TRVNULL";
@@ -27,6 +30,10 @@ constexpr const char* path_suffix = "PATH";
 // Of these an empty value says nothing; of any other variable it is a value like another.
 constexpr std::string_view unset_when_empty[] = {"TRVHOME", "TRVHOME_LS", "TRVTMPDIR",
                                                  "TRV_EXPAND_LOGFILE_NAME", "TRV_MCTX_DEF"};
+
+void count_hook_call() {
+    hook_call_count.fetch_add(1, std::memory_order_relaxed);
+}
 
 bool says_nothing(std::string_view name, const char* value) {
     return *value == '\0' && std::find(std::begin(unset_when_empty), std::end(unset_when_empty),
@@ -61,6 +68,7 @@ const char* configured_value(std::string_view section, std::string_view name) {
 // REQUIRES: texts that lookups and handlers cannot overwrite.
 const char* value_after_loading(const char* variable, std::string_view section,
                                 std::string_view name) {
+    count_hook_call();
     runtime_hooks.load_environment();
     const char* value = environment_value(variable);
     return value != nullptr ? value : configured_value(section, name);
@@ -76,10 +84,12 @@ int write_origin(char* buffer, std::size_t size, std::string_view origin) {
 
 const char* find_variable(std::string_view name) {
     if (name == temporary_directory_name) {
+        count_hook_call();
         return runtime_hooks.temporary_directory();
     }
     if (name == zone_name) {
-            runtime_hooks.prepare_zone();
+        count_hook_call();
+        runtime_hooks.prepare_zone();
         // The hook's lookups may have overwritten the caller's text.
         name = zone_name;
     }
@@ -88,6 +98,10 @@ const char* find_variable(std::string_view name) {
     if (loaded_stores.environment != nullptr) return configured_value("var", name);
     const std::string kept(name);
     return value_after_loading(kept.c_str(), "var", kept);
+}
+
+std::uint32_t hook_calls() {
+    return hook_call_count.load(std::memory_order_relaxed);
 }
 
 const char* get_variable(const char* name) {
