@@ -30,7 +30,8 @@ namespace trv {
 /// do not count, elements that are empty then are passed over, missing files too. Paths are at most
 /// 511 characters long; a longer one counts as missing.
 ///
-/// @param store           none (null) for a new one
+/// @param store           none (null) for a new one, which the first file without a fault makes:
+///                        nothing is kept of a file with a fault before it
 /// @param directory_list  null acts as empty
 /// @param file_name       null acts as empty; an empty name loads nothing
 /// @return the store, or a new one, which is the caller's to destroy; none only when storage ran

@@ -10,7 +10,8 @@
 /// of its name.
 ///
 /// Nothing is expanded without end: a reference inside its own value, a result of more than 16 MiB
-/// and more than 1 000 000 replaced references end with EXP_NAME_TOO_LONG.
+/// and more than 1 000 000 replaced references end with EXP_NAME_TOO_LONG. So do values that are
+/// open at the same time, one inside the other, and hold more than 16 MiB together.
 ///
 /// Every replaced reference sends a line to the trace channel. A trace handler that a hook sets
 /// during a lookup gets the line of that lookup, and verbose mode that it switches on prints it.
