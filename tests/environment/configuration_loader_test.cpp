@@ -3,6 +3,7 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/installation.h>
+#include <tests/environment/store_access.h>
 #include <trvfiles/environment/configuration_loader.h>
 #include <trvfiles/environment/process_stores.h>
 #include <trvfiles/environment/variables.h>
@@ -226,6 +227,24 @@ TEST_F(ConfigurationLoader, DestroysANewStoreWhenAHandlerThrows) {
     EXPECT_EQ(storageInUse(), before);
 }
 
+// The name of the file is a lookup result, which a lookup for the list overwrites.
+TEST_F(ConfigurationLoader, TakesAFileNameThatExpandingTheListOverwrites) {
+    write("a/m.cfg", "[s]\nA = 1\n");
+    define("NAME = m");
+    define("NAME = +.cfg");
+    define("LIST = $ROOT");
+    define("LIST = +/a");
+    overload_files(store_, "$LIST", get_variable("NAME"));
+    EXPECT_EQ(parameter(store_, "s", "A"), "1");
+
+    const testing::Store other;
+    EXPECT_EQ(load_config_list(other, get_variable("NAME"), "$LIST"), 0);
+    EXPECT_EQ(parameter(other, "s", "A"), "1");
+
+    EXPECT_EQ(load_application_files(get_variable("NAME"), "$LIST"), 0);
+    EXPECT_STREQ(get_application_parameter("s", "A"), "1");
+}
+
 // load_config_list
 
 TEST_F(ConfigurationLoader, LoadsAHostsFileFromTheConfigurationDirectories) {
@@ -347,6 +366,39 @@ TEST_F(ConfigurationLoader, FillsTheMessageCatalogue) {
     EXPECT_EQ(load_catalogue_file(path("b.msg").c_str()), 0);
     EXPECT_EQ(catalogue_store(), store);
     EXPECT_STREQ(get_catalogue_parameter("s", "a"), "12");
+}
+
+// The path is a lookup result, which the handler overwrites; the file is read again after that.
+TEST_F(ConfigurationLoader, FillsTheCatalogueFromAPathThatAHandlerOverwrites) {
+    static std::string second;
+    second = directory_.text() + "/b.msg";
+    write("a.msg", "[s]\nA = 1\n" + std::string(1100, 'x') + "\n");
+    write("b.msg", "[s]\nB = 2\n");
+    define("FILE = " + directory_.text());
+    define("FILE = +/a.msg");
+    define("OTHER = 1");
+    define("OTHER = +2");
+    set_error_handler([](const char*) {
+        get_variable("OTHER");
+        if (catalogue_store() == nullptr) load_catalogue_file(second.c_str());
+    });
+    EXPECT_EQ(load_catalogue_file(get_variable("FILE")), 0);
+    EXPECT_STREQ(get_catalogue_parameter("s", "A"), "1");
+    EXPECT_STREQ(get_catalogue_parameter("s", "B"), "2");
+}
+
+// The path lies in the store that the file is merged into, and moves while it is.
+TEST_F(ConfigurationLoader, MergesAFileWhosePathIsInTheStore) {
+    std::string text = "[s]\n";
+    for (int i = 0; i < 1000; ++i)
+        text += "N" + std::to_string(i) + " = v\n";
+    write("a.cfg", text + "/what\n");
+    const int section = add_section(store_, "files");
+    set_variable(store_, section, ("FILE = " + path("a.cfg")).c_str());
+    EXPECT_EQ(load_message_file(store_, find_parameter(store_, section, "FILE", true)), nullptr);
+    EXPECT_EQ(parameter(store_, "s", "N999"), "v");
+    EXPECT_EQ(log_.fatals().back(),
+              "load_messages: file '" + path("a.cfg") + "', line 0 : Error loading file.");
 }
 
 TEST_F(ConfigurationLoader, AnswersMinusOneWithoutACatalogueFile) {

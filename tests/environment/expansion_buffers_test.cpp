@@ -57,9 +57,11 @@ TEST_F(ExpansionBuffers, OfNoSizeTakeNothing) {
     std::int32_t code = 1;
     _ExpandFixed("abc", 3, buffer, 0, &code);
     EXPECT_EQ(-32, code);
-    _ExpandFixed("   ", 3, buffer, 0, &code);
-    EXPECT_EQ(-32, code);
     _ExpandTextFixed("abc", 3, buffer, -5, &code);
+    EXPECT_EQ(-32, code);
+    _ExpandFixed("   ", 3, buffer, -1, &code);
+    EXPECT_EQ(-32, code);
+    _ExpandTextFixed("", 0, buffer, std::numeric_limits<std::int32_t>::min(), &code);
     EXPECT_EQ(-32, code);
     EXPECT_STREQ("same", buffer);
     EXPECT_THAT(log_.errors(),
@@ -67,8 +69,31 @@ TEST_F(ExpansionBuffers, OfNoSizeTakeNothing) {
                             "_Expand(\"abc\") = error -32 - buffer size -1 too small",
                             "_Expand(\"abc\") = error -32 - buffer size -2147483648 too small",
                             "_Expand(\"abc\") = error -32 - buffer size 0 too small",
-                            "_Expand(\"\") = error -32 - buffer size 0 too small",
-                            "_Expand(\"abc\") = error -32 - buffer size -5 too small"));
+                            "_Expand(\"abc\") = error -32 - buffer size -5 too small",
+                            "_Expand(\"\") = error -32 - buffer size -1 too small",
+                            "_Expand(\"\") = error -32 - buffer size -2147483648 too small"));
+}
+
+TEST_F(ExpansionBuffers, TakeAnEmptyResultInAFieldOfNoWidth) {
+    char field[5] = "same";
+    std::int32_t code = 1;
+    _ExpandFixed("   ", 3, field, 0, &code);
+    EXPECT_EQ(0, code);
+    code = 1;
+    _ExpandTextFixed("   ", 3, field, 0, &code);
+    EXPECT_EQ(0, code);
+    code = 1;
+    _ExpandFixed(field, 0, &code);
+    EXPECT_EQ(0, code);
+    code = 1;
+    _ExpandTextFixed(field, 0, &code);
+    EXPECT_EQ(0, code);
+    _ExpandFixed("$UNDEFINED_X", 12, field, 0, &code);
+    EXPECT_EQ(-43, code);
+    _ExpandTextFixed("   ", 3, nullptr, 0, &code);
+    EXPECT_EQ(-44, code);
+    EXPECT_STREQ("same", field);
+    EXPECT_THAT(log_.errors(), ElementsAre("_Expand(\"\") = error -44 - invalid argument"));
 }
 
 TEST_F(ExpansionBuffers, TakeAResultWithUndefinedReferencesWithoutAReport) {

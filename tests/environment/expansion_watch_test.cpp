@@ -12,10 +12,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace trv {
@@ -104,6 +107,50 @@ TEST_F(ExpansionWatch, LogsTheLocalTime) {
         for (std::time_t instant = before; instant <= after; ++instant)
             possible.push_back(clockText(instant));
         EXPECT_THAT(possible, ::testing::Contains(logged().substr(0, logged().find(']'))));
+    });
+}
+
+TEST_F(ExpansionWatch, LogsTheTimeOfEachLine) {
+    TRV_EXPECT_IN_CHILD([&] {
+        minimum("100");
+        watch_buffer_size("first", 50, STRING_FORMAT_C);
+        const std::time_t logging = std::time(nullptr);
+        while (std::time(nullptr) == logging)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        const std::time_t before = std::time(nullptr);
+        const std::size_t earlier = logged().size();
+        watch_buffer_size("second", 50, STRING_FORMAT_C);
+        const std::time_t after = std::time(nullptr);
+        const std::string stamp = logged().substr(earlier, logged().find(']'));
+        EXPECT_NE(logged().substr(0, logged().find(']')), stamp);
+        std::vector<std::string> possible;
+        for (std::time_t instant = before; instant <= after; ++instant)
+            possible.push_back(clockText(instant));
+        EXPECT_THAT(possible, ::testing::Contains(stamp));
+    });
+}
+
+// What is shared between the threads is seen by the thread sanitizer.
+TEST_F(ExpansionWatch, LogsForSeveralThreadsAtOnce) {
+    TRV_EXPECT_IN_CHILD([&] {
+        minimum("100");
+        const auto expand = [] {
+            for (int i = 0; i < 200; ++i) {
+                char buffer[8];
+                EXPECT_EQ(0, _Expand("text", buffer, sizeof buffer));
+            }
+        };
+        std::thread other(expand);
+        expand();
+        other.join();
+        const std::string log = logged();
+        const std::string end =
+            "] MinBufferSize=101 > 8 (C) " + programName() + " expanding 'text'";
+        std::size_t lines = 0;
+        std::istringstream text(log);
+        for (std::string line; std::getline(text, line); ++lines)
+            EXPECT_EQ(end, withoutClock(line));
+        EXPECT_EQ(400U, lines);
     });
 }
 

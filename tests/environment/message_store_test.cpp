@@ -264,6 +264,20 @@ TEST(MessageStore, KeepsTheRecordBeforeItsText) {
     EXPECT_EQ(fromFile.line, 7);
 }
 
+TEST(MessageStore, GivesATextThatIsSetByProgramNoLine) {
+    const Store store;
+    add_section(store, "s");
+    EXPECT_EQ(append_message(store, 0, "A = 1", byProgram, 7), 0);
+    EXPECT_EQ(recordOf(get_message(store, 0, 0)).line, 0);
+    EXPECT_EQ(replace_message(store, 0, 0, "A = 2", byProgram, 8), 0);
+    EXPECT_EQ(recordOf(get_message(store, 0, 0)).line, 0);
+    EXPECT_EQ(set_parameter(store, 0, "A = 3", byProgram, 9), 0);
+    EXPECT_EQ(recordOf(get_message(store, 0, 0)).line, 0);
+    EXPECT_EQ(set_parameter(store, 0, "B = 4", byProgram, 10), 0);
+    EXPECT_EQ(recordOf(get_message(store, 0, 1)).line, 0);
+    EXPECT_EQ(originOf(store, get_message(store, 0, 0)), "set by program");
+}
+
 TEST(MessageStore, StoresLineNumbersModulo65536) {
     const Store store;
     add_section(store, "s");

@@ -3,6 +3,7 @@
 #include <tests/environment/configured_store.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/work_zone.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -392,6 +393,32 @@ TEST_F(VariableExpansion, TracesOriginsWithLongFileNamesInFull) {
     ChannelLog log;
     expanded("$A");
     EXPECT_THAT(log.traces(), ElementsAre("A = 'v' from '" + file + "' line 7"));
+}
+
+TEST_F(VariableExpansion, TracesFromTheLookupInWhichTheZoneHookSetsAHandler) {
+    static std::vector<std::string> lines;
+    lines.clear();
+    const ScopedVariable zone("TRVZONE", "late");
+    store_.variable("A = a");
+    const zone_hook earlier = set_zone_hook(
+        [] { set_trace_handler([](const char* message) { lines.emplace_back(message); }); });
+    EXPECT_EQ((Outcome{0, "alatea"}), expanded("$A$TRVZONE$A"));
+    set_zone_hook(earlier);
+    set_trace_handler(nullptr);
+    EXPECT_THAT(lines, ElementsAre("TRVZONE = 'late' from environment", "A = 'a' set by program"));
+}
+
+TEST_F(VariableExpansion, TracesFromTheLookupInWhichTheZoneHookSwitchesVerboseModeOn) {
+    const ScopedVariable quiet("TRV_TRVFILES_VERBOSE", nullptr);
+    const ScopedVariable zone("TRVZONE", "late");
+    store_.variable("A = a");
+    const zone_hook earlier =
+        set_zone_hook([] { platform::set_environment("TRV_TRVFILES_VERBOSE", "1"); });
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ((Outcome{0, "alatea"}), expanded("$A$TRVZONE$A"));
+    set_zone_hook(earlier);
+    EXPECT_EQ("TRVZONE = 'late' from environment\nA = 'a' set by program\n",
+              ::testing::internal::GetCapturedStdout());
 }
 
 TEST_F(VariableExpansion, KeepsItsValueWhileATraceHandlerLooksUp) {

@@ -3,6 +3,7 @@
 #include <tests/common/scoped_variable.h>
 #include <tests/environment/configured_store.h>
 #include <tests/environment/installation.h>
+#include <tests/environment/store_access.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/environment/work_zone.h>
 
@@ -186,6 +187,30 @@ TEST_F(Variables, PutTheRightNameIntoThatTextWhenItIsALookupResultItself) {
     EXPECT_EQ("<12>", null_value(get_variable("NAME")));
 }
 
+TEST_F(Variables, AreFoundUnderANameThatTheZoneHookOverwrites) {
+    const ScopedVariable zone("TRVZONE", "here");
+    store_.variable("NAME = TRV");
+    store_.variable("NAME = +ZONE");
+    store_.variable("OTHER = 1");
+    store_.variable("OTHER = +2");
+    const zone_hook earlier = set_zone_hook([] { get_variable("OTHER"); });
+    EXPECT_STREQ("here", get_variable(get_variable("NAME")));
+    set_zone_hook(earlier);
+}
+
+TEST_F(Variables, AreFoundUnderALookupResult) {
+    store_.variable("TRV_TEST_A = 1");
+    store_.variable("TRV_TEST_A = +2");
+    store_.path("TRV_TEST_A = 3");
+    store_.path("TRV_TEST_A = +4");
+    store_.variable("NAME = TRV_");
+    store_.variable("NAME = +TEST_A");
+    EXPECT_STREQ("12", get_variable(get_variable("NAME")));
+    EXPECT_STREQ("34", get_path_variable(get_variable("NAME")));
+    EXPECT_STREQ("12", find_parameter(store_.get(), store_.var(), get_variable("NAME"), true));
+    EXPECT_TRUE(variable_is_on(get_variable("NAME")));
+}
+
 TEST(Switches, AreOnUnlessTheyAreOff) {
     EXPECT_FALSE(is_on(nullptr));
     EXPECT_FALSE(is_on("OFF"));
@@ -329,6 +354,44 @@ TEST_F(LazyLoading, AsksTheProcessOnceMoreForWhatItPublishes) {
         platform::set_environment("TRVHOME", nullptr);
         platform::set_environment("TRVHOME_LS", installation.root().c_str());
         EXPECT_STREQ(installation.root().c_str(), get_variable("TRVHOME"));
+    });
+}
+
+// A lookup result, "TRV_TEST_A", that the next result of its kind overwrites; the home file makes
+// one by its condition.
+class OverwrittenName {
+public:
+    OverwrittenName() {
+        installation_.write("config/environ.cfg",
+                            "[var]\nP = a++b\n/if P == a+b\n/endif\nTRV_TEST_A = found\n"
+                            "TRVNULL = <$>\n[path]\nTRV_TEST_A = listed\n");
+        add_section(store_, "s");
+        set_variable(store_, 0, "N = TRV_TEST");
+        set_variable(store_, 0, "N = +_A");
+    }
+    operator const char*() const { return find_parameter(store_, 0, "N", true); }
+
+private:
+    const Installation installation_;
+    const testing::Store store_;
+};
+
+TEST_F(LazyLoading, DoesNotChangeTheNameThatIsLookedUp) {
+    TRV_EXPECT_IN_CHILD([] {
+        const OverwrittenName name;
+        EXPECT_STREQ("found", get_variable(name));
+    });
+    TRV_EXPECT_IN_CHILD([] {
+        const OverwrittenName name;
+        EXPECT_STREQ("listed", get_path_variable(name));
+    });
+    TRV_EXPECT_IN_CHILD([] {
+        const OverwrittenName name;
+        EXPECT_TRUE(variable_is_on(name));
+    });
+    TRV_EXPECT_IN_CHILD([] {
+        const OverwrittenName name;
+        EXPECT_EQ("<TRV_TEST_A>", null_value(name));
     });
 }
 

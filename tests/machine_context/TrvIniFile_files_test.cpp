@@ -7,6 +7,7 @@
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/installation.h>
 #include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/variables.h>
 #include <trvfiles/environment/work_zone.h>
 #include <trvfiles/machine_context/TrvIniFile.h>
 
@@ -340,6 +341,25 @@ TEST_F(ZoneFiles, ListTheZoneThoughTheCallbackLooksItUp) {
                     ElementsAre(installation.root() + "/z/one", installation.root() + "/z/two"));
     };
     TRV_EXPECT_IN_CHILD(lookUpDuringTheCalls);
+}
+
+TEST_F(ZoneFiles, AreThoseOfASuffixThatLookingTheZoneUpOverwrites) {
+    const auto listTheZone = [] {
+        const Installation installation;
+        installation.write("config/environ.cfg",
+                           "[var]\nP = a++b\nTRVZONE = " + installation.root() + "/z\n");
+        installation.write("z/one.mctx", "");
+        installation.write("z/two.ref", "");
+        trv::set_zone_hook([] { trv::get_variable("P"); });
+        TrvIniFile file;
+        const auto section = static_cast<std::int16_t>(file.addSection("s"));
+        file.setValue(section, "suffix", ".mc");
+        file.setValue(section, "suffix", "+tx");
+        Names names;
+        EXPECT_EQ(file.forEachZoneFile(nullptr, file.getValue("s", "suffix"), collect, &names), 0);
+        EXPECT_THAT(names, ElementsAre(installation.root() + "/z/one.mctx"));
+    };
+    TRV_EXPECT_IN_CHILD(listTheZone);
 }
 
 TEST_F(ZoneFiles, AreThoseOfTheCurrentDirectoryWithoutAZone) {

@@ -5,6 +5,7 @@
 #include <trvfiles/support/diagnostics.h>
 
 #include <cstdio>
+#include <cstring>
 #include <random>
 #include <stdexcept>
 
@@ -281,6 +282,25 @@ TEST_F(Diagnostics, AHandlerMayReportAndReplaceItself) {
     report_error("first");
     report_error("second");
     EXPECT_EQ(log.traces(), std::vector<std::string>{"first"});
+}
+
+// As a lookup does with its last result.
+TEST_F(Diagnostics, AHandlerMayOverwriteTheTextThatWasReported) {
+    static char text[8];
+    static std::vector<std::string> seen;
+    seen.clear();
+    const auto overwrite = [](const char* message) {
+        std::strcpy(text, "other");
+        seen.emplace_back(message);
+    };
+    set_error_handler(overwrite);
+    set_fatal_handler(overwrite);
+    set_trace_handler(overwrite);
+    for (const auto report : {report_error, report_fatal, report_trace}) {
+        std::strcpy(text, "first");
+        report(text);
+    }
+    EXPECT_EQ(seen, (std::vector<std::string>{"first", "first", "first"}));
 }
 
 TEST_F(Diagnostics, ATraceIsSeenWhenItWouldBePrintedOrAHostListens) {

@@ -82,6 +82,16 @@ TEST(ListCursor, ASecondListReplacesTheFirst) {
     list_end();
 }
 
+TEST(ListCursor, WalksAListThatIsItsOwnElement) {
+    for (const char* element : {"a", "an element of more than a few characters"}) {
+        list_begin(element);
+        list_begin(list_next_element());
+        EXPECT_STREQ(list_next_element(), element);
+        EXPECT_EQ(list_next_element(), nullptr);
+    }
+    list_end();
+}
+
 TEST(ListCursor, HasNothingBeforeTheBeginningAndAfterTheEnd) {
     EXPECT_EQ(list_next_element(), nullptr);
     list_begin("a;b");

@@ -398,7 +398,23 @@ TEST_F(PathSearch, GivesNoDirectoryWhereNothingQualifies) {
     EXPECT_EQ(nullptr, first_existing_directory(""));
     EXPECT_EQ(nullptr, first_existing_directory(nullptr));
     EXPECT_EQ(nullptr, first_existing_directory("$(DIR"));
-    EXPECT_EQ(nullptr, first_existing_directory("$UNDEFINED_X;$DIR"));
+    EXPECT_EQ(nullptr, first_existing_directory("$UNDEFINED_X;none"));
+}
+
+TEST_F(PathSearch, ReadsAnUndefinedPartOfADirectoryListAsItsNullValue) {
+    ChannelLog log;
+    EXPECT_STREQ((root() + "/b").c_str(), first_existing_directory("$UNDEFINED_X;$DIR"));
+    EXPECT_STREQ((root() + "/b").c_str(), first_existing_directory("?UNDEFINED_X,$DIR"));
+    EXPECT_STREQ((root() + "/a/").c_str(),
+                 first_existing_directory((root() + "/a/$UNDEFINED_X;$DIR").c_str()));
+    store_.path("CFG = $UNDEFINED_X;$DIR");
+    EXPECT_STREQ((root() + "/b").c_str(), config_directory());
+    store_.path("CFG = $UNDEFINED_X");
+    EXPECT_EQ(nullptr, config_directory());
+    store_.variable("TRVNULL = " + root() + "/a");
+    EXPECT_STREQ((root() + "/a").c_str(), config_directory());
+    EXPECT_STREQ((root() + "/a").c_str(), first_existing_directory("$UNDEFINED_X;$DIR"));
+    EXPECT_THAT(log.errors(), IsEmpty());
 }
 
 TEST_F(PathSearch, TakesADirectoryListOf1535Characters) {

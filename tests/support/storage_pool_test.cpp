@@ -173,15 +173,63 @@ TEST_F(StoragePool, ReportsWhatItCannotGrowTo) {
     pool_destroy(pool);
 }
 
-TEST_F(StoragePool, NeverGrowsBeyondItsOffsets) {
-    storage_pool* const pool = pool_create(100);
+TEST_F(StoragePool, ReportsTheStepThatFailedAndKeepsTheOnesBefore) {
+    storage_pool* const pool = pool_create(600);
+    set_storage_maximum(24 + 1800);
+    EXPECT_EQ(pool_reserve(pool, 1500), -1);
+    EXPECT_THAT(log_.errors(), ElementsAre("Dynamic storage: no more memory, could not expand from "
+                                           "1200 to 1800 bytes\n"));
+    EXPECT_EQ(pool_used(pool), 0);
+    EXPECT_EQ(report(), dataReport(1200));
+    EXPECT_EQ(pool_reserve(pool, 1200), 0);
+    EXPECT_EQ(log_.errors().size(), 1U);
+    pool_destroy(pool);
+}
+
+TEST_F(StoragePool, TakesAsManyStepsAsTheMaximumAllows) {
+    storage_pool* const pool = pool_create(1);
+    set_storage_maximum(24 + 2976);
+    EXPECT_EQ(pool_reserve(pool, 5000), -1);
+    EXPECT_EQ(report(), dataReport(2975));
+    EXPECT_EQ(pool_reserve(pool, 2976), -1);
+    EXPECT_EQ(report(), dataReport(2975));
+    set_storage_maximum(24 + 100000);
     EXPECT_EQ(pool_reserve(pool, INT32_MAX), -1);
-    EXPECT_EQ(pool_reserve(pool, 200), 0);
-    EXPECT_EQ(pool_reserve(pool, INT32_MAX - 100), -1);
+    EXPECT_EQ(report(), dataReport(99999));
     EXPECT_THAT(
         log_.errors(),
-        ElementsAre("Dynamic storage: no more memory, could not expand from 100 to 200 bytes\n",
-                    "Dynamic storage: no more memory, could not expand from 200 to 300 bytes\n"));
+        ElementsAre("Dynamic storage: no more memory, could not expand from 2975 to 2976 bytes\n",
+                    "Dynamic storage: no more memory, could not expand from 2975 to 2976 bytes\n",
+                    "Dynamic storage: no more memory, could not expand from 99999 to 100000 "
+                    "bytes\n"));
+    EXPECT_EQ(pool_used(pool), 0);
+    pool_destroy(pool);
+}
+
+TEST_F(StoragePool, TakesTheStepsThatAreNeverRefused) {
+    set_storage_maximum(0);
+    storage_pool* const pool = pool_create(100);
+    EXPECT_EQ(pool_reserve(pool, 5000), -1);
+    EXPECT_THAT(log_.errors(), ElementsAre("Dynamic storage: no more memory, could not expand from "
+                                           "1000 to 1100 bytes\n"));
+    EXPECT_EQ(report(), dataReport(1000));
+    pool_destroy(pool);
+}
+
+TEST_F(StoragePool, NeverGrowsBeyondItsOffsets) {
+    void* const room = allocate_temporary(2147483600);
+    if (room == nullptr) GTEST_SKIP() << "No room for a pool of this size";
+    _Wfree(room);
+    storage_pool* const pool = pool_create(100);
+    EXPECT_EQ(pool_reserve(pool, INT32_MAX), -1);
+    EXPECT_EQ(report(), dataReport(2147483600));
+    EXPECT_EQ(pool_reserve(pool, 200), 0);
+    EXPECT_EQ(pool_reserve(pool, INT32_MAX - 100), -1);
+    EXPECT_THAT(log_.errors(), ElementsAre("Dynamic storage: no more memory, could not expand from "
+                                           "2147483600 to 2147483700 bytes\n",
+                                           "Dynamic storage: no more memory, could not expand from "
+                                           "2147483600 to 2147483700 bytes\n"));
+    pool_trim(pool);
     EXPECT_EQ(report(), dataReport(200));
     pool_destroy(pool);
 }

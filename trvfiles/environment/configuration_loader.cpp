@@ -29,6 +29,13 @@ bool expand(const char* text, path_buffer& result) {
     return !is_expand_error(_Expand(text, result, sizeof result));
 }
 
+// The lookups of the first text may overwrite the second one where the caller has it.
+bool expand_both(const char* directory_list, path_buffer& list, const char* file_name,
+                 path_buffer& name) {
+    const std::string kept = file_name == nullptr ? "" : file_name;
+    return expand(directory_list, list) && expand(kept.c_str(), name);
+}
+
 // The directories of a list, without the blanks around them and one separator or blank at the end.
 std::vector<std::string_view> directories_of(std::string_view list) {
     std::vector<std::string_view> directories;
@@ -84,7 +91,7 @@ message_store* overload_files(message_store* store, const char* directory_list,
                               const char* file_name) {
     path_buffer list;
     path_buffer name;
-    if (expand(directory_list, list) && expand(file_name, name) && *name != '\0')
+    if (expand_both(directory_list, list, file_name, name) && *name != '\0')
         store = overload_directories(store, list, name);
     return store != nullptr ? store : create_store();
 }
@@ -94,8 +101,8 @@ int load_config_list(message_store* store, const char* file_name, const char* di
     if (store == nullptr) return -1;
     path_buffer list;
     path_buffer name;
-    if (!expand(directory_list != nullptr ? directory_list : "?CFG", list)) return -1;
-    if (!expand(file_name, name)) return -1;
+    if (directory_list == nullptr) directory_list = "?CFG";
+    if (!expand_both(directory_list, list, file_name, name)) return -1;
     overload_files(store, list, name);
     return 0;
 }
@@ -104,14 +111,16 @@ int load_application_files(const char* file_name, const char* directory_list) {
     if (is_empty(file_name)) return 0;
     path_buffer list;
     path_buffer name;
-    if (!expand(directory_list, list) || !expand(file_name, name)) return -1;
+    if (!expand_both(directory_list, list, file_name, name)) return -1;
     return load_into(loaded_stores.application,
                      [&](message_store* store) { return overload_files(store, list, name); });
 }
 
 int load_catalogue_file(const char* path) {
+    // The file may be read twice, and a handler may overwrite the caller's text in between.
+    const std::string kept = path == nullptr ? "" : path;
     return load_into(loaded_stores.catalogue,
-                     [&](message_store* store) { return load_message_file(store, path); });
+                     [&](message_store* store) { return load_message_file(store, kept.c_str()); });
 }
 
 int for_each_variable(int (*callback)(const char* name, const char* value, void* context),

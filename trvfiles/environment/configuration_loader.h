@@ -9,8 +9,12 @@
 /// the final word.
 ///
 /// A file that cannot be opened or parsed is reported through the fatal channel, which by default
-/// ends the process. Where a handler returns, what the file gave before the fault is kept and the
-/// other files are loaded.
+/// ends the process. If a handler returns, the other files are loaded. A store that was there
+/// before keeps what the file gave before the fault. A file that would have made a new store gives
+/// nothing.
+///
+/// Texts that are handed over may be results of earlier lookups: they are copied before anything is
+/// looked up.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -26,7 +30,8 @@ namespace trv {
 /// do not count, elements that are empty then are passed over, missing files too. Paths are at most
 /// 511 characters long; a longer one counts as missing.
 ///
-/// @param store           none (null) for a new one
+/// @param store           none (null) for a new one, which the first file without a fault makes:
+///                        nothing is kept of a file with a fault before it
 /// @param directory_list  null acts as empty
 /// @param file_name       null acts as empty; an empty name loads nothing
 /// @return the store, or a new one, which is the caller's to destroy; none only when storage ran

@@ -38,7 +38,7 @@ void report_failure(const std::string* source, int code, std::int32_t size) {
 }
 
 bool fits(const std::string& result, std::int32_t size, string_format format) {
-    return size > 0 && expansion_space(result.size(), format) <= size;
+    return expansion_space(result.size(), format) <= size;
 }
 
 // Expands for a buffer of the caller's, with the report where that fails. The source is a copy: the

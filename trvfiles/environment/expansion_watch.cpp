@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,18 +76,27 @@ std::string clock_text(std::time_t instant) {
     return std::string(text.data(), length) + std::to_string(local.tm_sec + 100);
 }
 
-const std::string& timestamp() {
-    static std::time_t second_of_text = 0;
-    static std::string& text = *new std::string;
+// The log, which several threads may write at once: each line has its time and stays in one piece.
+struct expansion_log {
+    std::mutex writing;
+    std::time_t second_of_stamp = 0;
+    std::string stamp;
+};
+
+// REQUIRES: the lock of the log.
+const std::string& timestamp(expansion_log& log) {
     const std::time_t now = std::time(nullptr);
-    if (text.empty() || now != second_of_text) {
-        text = clock_text(now);
-        second_of_text = now;
+    if (log.stamp.empty() || now != log.second_of_stamp) {
+        log.stamp = clock_text(now);
+        log.second_of_stamp = now;
     }
-    return text;
+    return log.stamp;
 }
 
-void append_to_log(const std::string& line) {
+void append_to_log(const std::string& text) {
+    static expansion_log& log = *new expansion_log;
+    const std::lock_guard<std::mutex> lock(log.writing);
+    const std::string line = "[" + timestamp(log) + "] " + text + "\n";
     const platform::file_handle file =
         platform::open_for_append(log_file_name().c_str(), platform::file_mode::text);
     if (file != nullptr) static_cast<void>(std::fputs(line.c_str(), file.get()));
@@ -108,9 +118,9 @@ void watch_buffer_size(const char* source, std::int32_t size, string_format form
         (configured < 0 ? -configured : configured) + (format == STRING_FORMAT_C ? 1 : 0);
     if (size >= minimum) return;
 
-    append_to_log("[" + timestamp() + "] MinBufferSize=" + std::to_string(minimum) + " > " +
-                  std::to_string(size) + " (" + string_format_name(format) + ") " + program_name() +
-                  " expanding '" + (source == nullptr ? "<nullptr>" : source) + "'\n");
+    append_to_log("MinBufferSize=" + std::to_string(minimum) + " > " + std::to_string(size) + " (" +
+                  string_format_name(format) + ") " + program_name() + " expanding '" +
+                  (source == nullptr ? "<nullptr>" : source) + "'");
     if (configured < 0 || is_watched(source)) platform::breakpoint_trap();
 }
 

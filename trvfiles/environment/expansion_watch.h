@@ -12,8 +12,9 @@
 /// - TRV_EXPAND_LOGFILE_NAME: the log file; without it travik_expand_log.txt in the directory TEMP.
 ///   Read once. A log that cannot be opened is not written.
 ///
-/// Threads: the lists and names are built exactly once, also with several threads; the clock text
-/// of the log lines is for one thread at a time.
+/// Threads: any. The lists and names are built exactly once. A lock makes each line of the log
+/// whole, with the time at which it is written. The lock is held while the line is written, and
+/// neither while a handler runs nor at the trap.
 
 #include <trvfiles/environment/string_format.h>
 

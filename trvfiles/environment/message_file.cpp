@@ -1,6 +1,8 @@
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_loading.h>
 
+#include <string>
+
 namespace trv {
 namespace {
 
@@ -15,14 +17,15 @@ int load_messages(message_store* store, VCL8BLineSource& source, const char* fil
 }
 
 message_store* load_message_file(message_store* store, const char* path) {
-    if (path == nullptr) path = "";
+    // The path may lie in the store, whose texts move while the file is read.
+    const std::string kept = path == nullptr ? "" : path;
     if (store != nullptr) {
-        const load_result result = load_file(store, path, merging_sink);
+        const load_result result = load_file(store, kept.c_str(), merging_sink);
         return result == load_result::failed ? nullptr : store;
     }
     store_owner made(create_store());
     if (made == nullptr) return nullptr;
-    const load_result result = load_file(made.get(), path, plain_sink);
+    const load_result result = load_file(made.get(), kept.c_str(), plain_sink);
     return result == load_result::loaded ? made.release() : nullptr;
 }
 

@@ -35,7 +35,8 @@ TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, cons
 /// it, an entry replaces that of the same name or is added, as set_parameter() does.
 ///
 /// @param store  none (null) for a new store
-/// @param path   taken as it stands, no reference in it is expanded; null acts as empty
+/// @param path   taken as it stands, no reference in it is expanded; null acts as empty. It may lie
+///               in the store.
 /// @return the store, also when there is no such file: then it is unchanged, and still none if it
 ///         was none. None when the file exists and cannot be opened or read to its end, when it was
 ///         given up or when storage ran out; an existing store stays alive then, with what it has

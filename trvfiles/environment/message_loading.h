@@ -25,7 +25,8 @@ enum class load_result { loaded, missing, failed };
 
 /// Reads the file of that path into the store.
 ///
-/// @param path  taken as it stands; also the name under which the entries are registered
+/// @param path  taken as it stands; also the name under which the entries are registered. REQUIRES:
+///              a text that lookups, handlers and the growth of the store leave where it is
 load_result load_file(message_store* store, const char* path, const message_sink& sink);
 
 struct store_destroyer {

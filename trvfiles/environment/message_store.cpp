@@ -21,9 +21,14 @@ constexpr std::uint16_t no_section = 0xFFFF;
 constexpr std::size_t most_sections = 32767;
 constexpr const char* placeholder = "undefined message";
 
-// Process-wide: whether new texts are persistent, and what find_parameter() resolved last.
+// Whether new texts are persistent, for the whole process.
 bool record_flag = true;
-std::string resolved_value;
+
+// What find_parameter() resolved last. Never destroyed: static objects of a host may still look up.
+std::string& resolved_value() {
+    static std::string& value = *new std::string;
+    return value;
+}
 
 std::string_view text_of(const char* text) {
     return text == nullptr ? "" : text;
@@ -41,6 +46,11 @@ struct text_origin {
     int line;
 };
 constexpr text_origin by_program = {text_pool::none, 0};
+
+// A text that is set by program has no line, whatever the caller says.
+text_origin origin_of(std::int32_t file, int line) {
+    return file == text_pool::none ? by_program : text_origin{file, line};
+}
 
 bool is_origin(const message_store& store, const text_origin& origin) {
     return origin.file == text_pool::none || store.texts.is_file_name(origin.file);
@@ -235,9 +245,10 @@ std::int32_t register_file_name(message_store* store, const char* file_name) {
 int append_message(message_store* store, int section, const char* text, std::int32_t file,
                    int line) {
     store_section* target = section_at(store, section);
-    if (target == nullptr || !is_origin(*store, {file, line})) return -1;
+    const text_origin origin = origin_of(file, line);
+    if (target == nullptr || !is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
-        return append_text(*store, *target, kept_text(*store, text_of(text)).view(), {file, line});
+        return append_text(*store, *target, kept_text(*store, text_of(text)).view(), origin);
     });
 }
 
@@ -245,10 +256,11 @@ int replace_message(message_store* store, int section, int number, const char* t
                     std::int32_t file, int line) {
     store_section* target = section_at(store, section);
     if (target == nullptr || !target->has_message(number)) return -1;
-    if (!is_origin(*store, {file, line})) return -1;
+    const text_origin origin = origin_of(file, line);
+    if (!is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
         return replace_text(*store, *target, number, kept_text(*store, text_of(text)).view(),
-                            {file, line});
+                            origin);
     });
 }
 
@@ -267,7 +279,7 @@ int set_message(message_store* store, int section, int number, const char* text)
 int set_parameter(message_store* store, int section, const char* text, std::int32_t file,
                   int line) {
     store_section* target = section_at(store, section);
-    const text_origin origin = {file, line};
+    const text_origin origin = origin_of(file, line);
     if (target == nullptr || !is_origin(*store, origin)) return -1;
     return unless_exhausted([&] {
         const kept_text kept(*store, trim_leading(text_of(text)));
@@ -306,8 +318,8 @@ std::string_view find_value(const message_store& store, int section, std::string
     std::string_view value = entry_value(store.texts.at(text));
     if (value.find('+') != std::string_view::npos) {
         // Handlers of the trace channel may look up, or add to the store, in the meantime.
-        resolved_value = resolve_references(store, text);
-        value = resolved_value;
+        resolved_value() = resolve_references(store, text);
+        value = resolved_value();
     }
     if (record != nullptr) *record = &store.texts.record(text);
     return value;

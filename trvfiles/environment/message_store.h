@@ -72,6 +72,8 @@ TRV_EXPORT std::int32_t register_file_name(message_store* store, const char* fil
 ///
 /// @param text  null acts as empty
 /// @param file  a registration in this store, or -1 for set by program
+/// @param line  of the text in the file; ignored for a text that is set by program, which has line
+/// 0
 /// @return 0; -1 for a bad section or file, for the 32768th message and when storage runs out
 TRV_EXPORT int append_message(message_store* store, int section, const char* text,
                               std::int32_t file, int line);

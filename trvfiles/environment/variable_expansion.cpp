@@ -136,6 +136,7 @@ private:
     bool is_open(char marker) const {
         return nesting_ != nullptr && nesting_->references.count(marker + name_) != 0;
     }
+    bool is_traced();
     void open(std::string reference, std::string value, std::size_t next);
     void close();
 
@@ -152,7 +153,9 @@ private:
     std::string name_;
     std::unique_ptr<nesting> nesting_;
     bool is_closed_ = false;
-    bool is_traced_ = false;
+    // True at first, so that the first lookup asks.
+    bool is_traced_ = true;
+    std::uint32_t hook_calls_when_asked_ = 0;
     std::size_t replacements_ = 0;
     growing_result result_;
 };
@@ -209,11 +212,9 @@ int expander::replace(char marker) {
 
     const char* found =
         marker == variable_marker ? find_variable(name_) : get_path_variable(name_.c_str());
-    // Asked once for an expansion, and after a lookup, because that may load the environment.
-    if (replacements_ == 1) is_traced_ = trace_is_seen();
     const char* value = found;
     std::string kept;
-    if (is_traced_) {
+    if (is_traced()) {
         // What was found is good until the next lookup only, be it one of a trace handler.
         if (found != nullptr) value = (kept = found).c_str();
         trace_lookup(marker, name_, found, kept);
@@ -226,6 +227,18 @@ int expander::replace(char marker) {
     if (*rest == '\0') return EXP_OK;
     open(marker + name_, value, static_cast<std::size_t>(rest - value));
     return nesting_->open_length > longest_result ? EXP_NAME_TOO_LONG : EXP_OK;
+}
+
+// trace_is_seen() after a lookup. Asking takes a walk along the process environment, an eighth of
+// an expansion, so an answer is kept until something has run that may change it: a hook of the
+// lookup, or a handler that got a line.
+bool expander::is_traced() {
+    const std::uint32_t calls = hook_calls();
+    if (is_traced_ || calls != hook_calls_when_asked_) {
+        is_traced_ = trace_is_seen();
+        hook_calls_when_asked_ = calls;
+    }
+    return is_traced_;
 }
 
 // What is open goes into the result but for its references: it is bounded like the result, so that

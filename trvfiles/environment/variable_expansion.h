@@ -10,11 +10,15 @@
 /// of its name.
 ///
 /// Nothing is expanded without end: a reference inside its own value, a result of more than 16 MiB
-/// and more than 1 000 000 replaced references end with EXP_NAME_TOO_LONG.
+/// and more than 1 000 000 replaced references end with EXP_NAME_TOO_LONG. So do values that are
+/// open at the same time, one inside the other, and hold more than 16 MiB together.
 ///
-/// Every replaced reference sends a line to the trace channel. The functions with an underscore
-/// serve callers with buffers of their own and report each error through the error channel; the
-/// others report nothing.
+/// Every replaced reference sends a line to the trace channel. A trace handler that a hook sets
+/// during a lookup gets the line of that lookup, and verbose mode that it switches on prints it.
+/// The functions with an underscore serve callers with buffers of their own and report each error
+/// through the error channel; the others report nothing.
+///
+/// A source may be the result of an earlier lookup: it is copied before anything is looked up.
 ///
 /// Threads: any, as far as the lookups allow (see variables.h); expand_and_search() shares a buffer
 /// and is for one thread at a time.
@@ -96,7 +100,8 @@ TRV_EXPORT int _ExpandText(char* text, std::int32_t size);
 ///
 /// @param source              its text ends before its trailing blanks and before a zero byte
 /// @param destination         written without an error only; may overlap the source
-/// @param destination_length  the result needs its length; nothing fits 0 or below
+/// @param destination_length  the result needs its length: an empty one fits a field of length 0,
+///                            of which nothing is written. Nothing fits a length below 0.
 /// @param code                takes the status, that of _Expand(); null takes nothing
 TRV_EXPORT void _ExpandFixed(const char* source, std::int32_t source_length, char* destination,
                              std::int32_t destination_length, std::int32_t* code);

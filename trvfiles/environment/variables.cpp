@@ -7,6 +7,9 @@
 #include <trvfiles/support/platform.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <string>
 #include <string_view>
 
 namespace trv {
@@ -17,6 +20,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+std::atomic<std::uint32_t> hook_call_count{0};
+
 constexpr std::string_view temporary_directory_name = "TMP";
 constexpr std::string_view zone_name = "TRVZONE";
 constexpr const char* null_text_name = "TRVNULL";
@@ -26,6 +31,10 @@ constexpr const char* path_suffix = "PATH";
 constexpr std::string_view unset_when_empty[] = {"TRVHOME", "TRVHOME_LS", "TRVTMPDIR",
                                                  "TRV_EXPAND_LOGFILE_NAME", "TRV_MCTX_DEF"};
 
+void count_hook_call() {
+    hook_call_count.fetch_add(1, std::memory_order_relaxed);
+}
+
 bool says_nothing(std::string_view name, const char* value) {
     return *value == '\0' && std::find(std::begin(unset_when_empty), std::end(unset_when_empty),
                                        name) != std::end(unset_when_empty);
@@ -34,15 +43,6 @@ bool says_nothing(std::string_view name, const char* value) {
 const char* environment_value(const char* name) {
     const char* value = platform::get_environment(name);
     return value == nullptr || says_nothing(name, value) ? nullptr : value;
-}
-
-// A value of the process environment, after the configuration has been loaded where it was not:
-// loading may itself set the variable that is asked for.
-const char* environment_value_or_load(const char* name) {
-    const char* value = environment_value(name);
-    if (value != nullptr || loaded_stores.environment != nullptr) return value;
-    runtime_hooks.load_environment();
-    return environment_value(name);
 }
 
 const char* parameter(const message_store* store, const char* section, const char* name) {
@@ -62,6 +62,18 @@ const char* configured_value(std::string_view section, std::string_view name) {
     return value.data();
 }
 
+// The value of an entry of the environment's store once that is loaded. Loading may set the
+// variable of the process that would have gone before, so it is asked for again.
+//
+// REQUIRES: texts that lookups and handlers cannot overwrite.
+const char* value_after_loading(const char* variable, std::string_view section,
+                                std::string_view name) {
+    count_hook_call();
+    runtime_hooks.load_environment();
+    const char* value = environment_value(variable);
+    return value != nullptr ? value : configured_value(section, name);
+}
+
 int write_origin(char* buffer, std::size_t size, std::string_view origin) {
     if (buffer == nullptr || size == 0) return 0;
     buffer[origin.copy(buffer, size - 1)] = '\0';
@@ -71,10 +83,25 @@ int write_origin(char* buffer, std::size_t size, std::string_view origin) {
 }  // namespace
 
 const char* find_variable(std::string_view name) {
-    if (name == temporary_directory_name) return runtime_hooks.temporary_directory();
-    if (name == zone_name) runtime_hooks.prepare_zone();
-    const char* value = environment_value_or_load(name.data());
-    return value != nullptr ? value : configured_value("var", name);
+    if (name == temporary_directory_name) {
+        count_hook_call();
+        return runtime_hooks.temporary_directory();
+    }
+    if (name == zone_name) {
+        count_hook_call();
+        runtime_hooks.prepare_zone();
+        // The hook's lookups may have overwritten the caller's text.
+        name = zone_name;
+    }
+    const char* value = environment_value(name.data());
+    if (value != nullptr) return value;
+    if (loaded_stores.environment != nullptr) return configured_value("var", name);
+    const std::string kept(name);
+    return value_after_loading(kept.c_str(), "var", kept);
+}
+
+std::uint32_t hook_calls() {
+    return hook_call_count.load(std::memory_order_relaxed);
 }
 
 const char* get_variable(const char* name) {
@@ -83,8 +110,12 @@ const char* get_variable(const char* name) {
 
 const char* get_path_variable(const char* name) {
     if (name == nullptr) return nullptr;
-    const char* value = environment_value_or_load((std::string(name) + path_suffix).c_str());
-    return value != nullptr ? value : configured_value("path", name);
+    const std::string variable = std::string(name) + path_suffix;
+    const std::string_view entry(variable.data(), variable.size() - std::strlen(path_suffix));
+    const char* value = environment_value(variable.c_str());
+    if (value != nullptr) return value;
+    if (loaded_stores.environment != nullptr) return configured_value("path", entry);
+    return value_after_loading(variable.c_str(), "path", entry);
 }
 
 std::string null_value(const char* name) {

@@ -6,6 +6,10 @@
 ///
 /// The first lookup that the process environment cannot answer loads the configuration.
 ///
+/// A name may be the result of an earlier lookup: it is copied before loading or a hook could
+/// overwrite it. Results are available from before main() until the process ends, in static objects
+/// and exit handlers too.
+///
 /// Threads: one at a time, with the whole runtime; make the first lookup before threads share it.
 
 #include <trvfiles/environment/message_store.h>

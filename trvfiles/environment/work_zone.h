@@ -21,8 +21,9 @@ namespace trv {
 /// nothing is looked at or made. Otherwise the path, separated by "\", is worked out once in a
 /// process.
 ///
-/// A name that is not defined and a file that cannot be read or written are reported through the
-/// fatal channel, which by default ends the process.
+/// An undefined TRVZONE, an undefined TRVHOME if the counter is looked for there, and a file that
+/// cannot be read or written are reported through the fatal channel, which by default ends the
+/// process. An undefined TRVTMP reports nothing: the result is none.
 ///
 /// @return none (null) where the path cannot be worked out, and for a call that comes from within
 ///         this one: a zone may not depend on its own temporary directory. A directory that cannot

@@ -121,9 +121,10 @@ int TrvIniFile::forEachZoneFile(const char* directory, const char* suffix,
                                 int (*callback)(const char* fileName, void* context),
                                 void* context) {
     if (callback == nullptr) return -1;
+    // The lookup may overwrite the suffix where the caller has it.
+    const std::string namePattern = std::string("/*") + textOf(suffix);
     if (directory == nullptr) directory = trv::get_variable("TRVZONE");
-    const std::string pattern =
-        std::string(directory == nullptr ? "." : directory) + "/*" + textOf(suffix);
+    const std::string pattern = (directory == nullptr ? "." : directory) + namePattern;
     const std::unique_ptr<trv::file_listing, decltype(&trv::listing_free)> files(
         trv::list_matching(pattern.c_str()), trv::listing_free);
     while (const char* fileName = trv::listing_next(files.get())) {

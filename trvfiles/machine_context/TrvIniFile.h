@@ -87,6 +87,7 @@ public:
     /// in byte order, until a call answers other than 0.
     ///
     /// @param directory  null for the work zone's ("TRVZONE"), and where that is not known for "."
+    /// @param suffix     null acts as empty; may be the result of an earlier lookup
     /// @param callback   gets the name behind "<directory>/", good during the call
     /// @param context    handed on as it is
     /// @return what the last call answered; 0 without one; -1 without a callback

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <string>
 #include <utility>
 
 namespace trv {
@@ -47,8 +49,20 @@ void print_trace(const char* message) {
     if (goes_to_output()) print_line(stdout, message);
 }
 
-void send(message_handler handler, const char* message) {
-    handler(message == nullptr ? "" : message);
+// The message may be a looked-up text, which the lookups of a host's handler overwrite: such a
+// handler gets a copy, as far as there is memory for one. The default handlers look nothing up.
+void send(message_handler handler, message_handler standard, const char* message) {
+    if (message == nullptr) message = "";
+    std::string copy;
+    if (handler != standard) {
+        try {
+            copy = message;
+            message = copy.c_str();
+        } catch (const std::bad_alloc&) {
+            // A report of exhausted memory has to get through.
+        }
+    }
+    handler(message);
 }
 
 message_handler exchange_handler(message_handler& slot, message_handler handler,
@@ -59,15 +73,15 @@ message_handler exchange_handler(message_handler& slot, message_handler handler,
 }  // namespace
 
 void report_error(const char* message) {
-    send(error_handler, message);
+    send(error_handler, print_error, message);
 }
 
 void report_fatal(const char* message) {
-    send(fatal_handler, message);
+    send(fatal_handler, print_fatal, message);
 }
 
 void report_trace(const char* message) {
-    send(trace_handler, message);
+    send(trace_handler, print_trace, message);
 }
 
 bool trace_is_seen() {

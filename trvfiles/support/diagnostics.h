@@ -21,7 +21,8 @@
 
 namespace trv {
 
-/// Receives one finished, NUL-terminated message, which is valid during the call alone.
+/// Receives one finished, NUL-terminated message, which is valid until the call ends, whatever the
+/// handler looks up.
 using message_handler = void (*)(const char* message);
 
 /// Hands a message to the channel's handler. A null message acts as an empty one.

@@ -16,8 +16,9 @@ struct list_cursor {
     std::string element;
 };
 
+// Never destroyed: static objects of a host may still walk a list.
 list_cursor& cursor() {
-    static list_cursor only;
+    static list_cursor& only = *new list_cursor;
     return only;
 }
 
@@ -36,8 +37,8 @@ bool next_list_element(std::string_view& rest, std::string_view& element) {
 }
 
 void list_begin(const char* list) {
-    list_end();
-    if (list != nullptr) cursor().list = list;
+    // The list may be the element that the cursor holds.
+    cursor() = {list == nullptr ? std::string() : list, 0, {}};
 }
 
 const char* list_next_element() {

@@ -1,6 +1,7 @@
 #include <trvfiles/support/block_register.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/dynamic_storage.h>
+#include <trvfiles/support/permanent_block.h>
 
 #include <algorithm>
 #include <cinttypes>
@@ -51,6 +52,12 @@ void report_exhaustion(std::size_t size) {
     report_error(("_Wmalloc: unable to allocate " + std::to_string(size) + " bytes").c_str());
 }
 
+void report_no_increase(std::size_t old_size, std::size_t size) {
+    report_error(("_Wrealloc: unable to increase size from " + std::to_string(old_size) + " to " +
+                  std::to_string(size) + ".")
+                     .c_str());
+}
+
 void refuse_resize(const char* kind, std::uint32_t serial) {
     const std::string text = std::string("Trying to reallocp ") + kind + std::to_string(serial);
     report_fatal(text.c_str());
@@ -93,6 +100,30 @@ block_header* resize_block(block_header* header, std::size_t size) {
     return new (room) block_header{size, old.tag, old.serial};
 }
 
+enum class exhaustion { reported, silent };
+
+// As _Wrealloc(), for a block.
+void* resize(std::uint32_t tag, void* block, std::size_t size, exhaustion when_exhausted) {
+    const block_register::finding found = blocks.find(block);
+    if (!may_resize(tag, block, found)) return nullptr;
+    block_header* const header = header_of(block);
+    const auto old_size = static_cast<std::size_t>(header->size);
+    if (size > old_size && is_refused(tag, size, size - old_size)) return nullptr;
+
+    block_header* const resized =
+        size <= largest_block && blocks.reserve() ? resize_block(header, size) : nullptr;
+    if (resized == nullptr) {
+        if (when_exhausted == exhaustion::reported) report_no_increase(old_size, size);
+        return nullptr;
+    }
+    count(tag, size - old_size);
+    if (resized + 1 != block) {
+        blocks.retire(blocks.find(block));
+        blocks.add(resized + 1, found.serial);
+    }
+    return resized + 1;
+}
+
 }  // namespace
 
 void* _Wmalloc(std::uint32_t tag, std::size_t size) {
@@ -116,27 +147,7 @@ void* _Wmalloc(std::uint32_t tag, std::size_t size) {
 }
 
 void* _Wrealloc(std::uint32_t tag, void* block, std::size_t size) {
-    if (block == nullptr) return _Wmalloc(tag, size);
-    const block_register::finding found = blocks.find(block);
-    if (!may_resize(tag, block, found)) return nullptr;
-    block_header* const header = header_of(block);
-    const auto old_size = static_cast<std::size_t>(header->size);
-    if (size > old_size && is_refused(tag, size, size - old_size)) return nullptr;
-
-    block_header* const resized =
-        size <= largest_block && blocks.reserve() ? resize_block(header, size) : nullptr;
-    if (resized == nullptr) {
-        report_error(("_Wrealloc: unable to increase size from " + std::to_string(old_size) +
-                      " to " + std::to_string(size) + ".")
-                         .c_str());
-        return nullptr;
-    }
-    count(tag, size - old_size);
-    if (resized + 1 != block) {
-        blocks.retire(blocks.find(block));
-        blocks.add(resized + 1, found.serial);
-    }
-    return resized + 1;
+    return block == nullptr ? _Wmalloc(tag, size) : resize(tag, block, size, exhaustion::reported);
 }
 
 int _Wfree(void* block) {
@@ -165,6 +176,10 @@ void* allocate_permanent(std::size_t size) {
 
 void* resize_permanent(void* block, std::size_t size) {
     return _Wrealloc(permanent_tag, block, size);
+}
+
+void* try_resize_permanent(void* block, std::size_t size) {
+    return resize(permanent_tag, block, size, exhaustion::silent);
 }
 
 void* allocate_temporary(std::size_t size) {

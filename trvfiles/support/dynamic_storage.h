@@ -76,8 +76,12 @@ TRV_EXPORT storage_pool* pool_create(std::int32_t initial_size);
 
 /// Hands out room for `bytes`, rounded up to a multiple of 4. The bytes are not set.
 ///
-/// @return the offset; -1 for a negative size or no pool, or, after a report, where the pool cannot
-///         grow. It is then as it was.
+/// A pool that is too small grows by its initial size until the bytes fit.
+///
+/// @return the offset; -1 for a negative size, for a null pool, and if the pool cannot grow, which
+///         is reported with the step that failed. What the pool has handed out is unchanged then.
+///         The room of the steps before the failed one stays in the pool: later calls use it, and
+///         pool_trim() gives it back.
 TRV_EXPORT std::int32_t pool_reserve(storage_pool* pool, std::int32_t bytes);
 
 /// @return the address of an offset that was handed out; null for a negative one or no pool, and

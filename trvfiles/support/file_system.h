@@ -7,7 +7,8 @@
 /// POSIX a file whose name holds a "\" cannot be named. A null path acts as an empty one.
 ///
 /// Threads: any for what returns no text. Each function that returns one has a single buffer for
-/// the process, which its next call overwrites.
+/// the process, which its next call overwrites. The buffers are there from before main() until the
+/// process ends.
 
 #include <trvfiles/export.h>
 
@@ -113,9 +114,10 @@ TRV_EXPORT const char* directory_identity(const char* path);
 
 /// Walks a list of directories, separated by ";" or ",", with one cursor for the process.
 ///
-/// list_begin() copies the list and drops the one before it. list_next_element() returns the next
-/// element without the blanks around it, or null behind the last one; what is all blank is passed
-/// over. The element is overwritten by the next call. list_end() drops the list.
+/// list_begin() copies the list, which may be the current element, and drops the one before it.
+/// list_next_element() returns the next element without the blanks around it, or null behind the
+/// last one; what is all blank is passed over. The element is overwritten by the next call.
+/// list_end() drops the list.
 TRV_EXPORT void list_begin(const char* list);
 TRV_EXPORT const char* list_next_element();
 TRV_EXPORT void list_end();

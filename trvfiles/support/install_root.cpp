@@ -51,7 +51,8 @@ std::string root_of_program(std::string program_file) {
 }
 
 const char* install_root(bool publish) {
-    static std::string root;
+    // Never destroyed: static objects of a host may still use the root.
+    static std::string& root = *new std::string;
     const char* home = platform::get_environment("TRVHOME");
     if (is_set(home)) {
         root = home;

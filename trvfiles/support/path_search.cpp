@@ -249,7 +249,7 @@ const char* first_existing_directory(const char* list) {
     if (list == nullptr || std::strlen(list) >= directory_list_size) return nullptr;
     std::array<char, directory_list_size> expanded;
     std::memcpy(expanded.data(), list, std::strlen(list) + 1);
-    if (_ExpandText(expanded.data(), directory_list_size) != EXP_OK) return nullptr;
+    if (is_expand_error(_ExpandText(expanded.data(), directory_list_size))) return nullptr;
 
     std::string_view rest = expanded.data();
     std::string_view element;

@@ -6,8 +6,9 @@
 /// in the directories that the path variable CFG lists, separated by ";" or ",".
 ///
 /// Statuses are those of variable_expansion.h, and -41 where memory for splitting a list runs out.
-/// An expansion that meets an undefined name fails here like any other: its EXP_UNDEFINED is
-/// returned. Each search sends its steps to the trace channel.
+/// A search whose expansion meets an undefined name fails: its EXP_UNDEFINED is returned. Only
+/// config_directory() and first_existing_directory() go on with the null value of that name. Each
+/// search sends its steps to the trace channel.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -67,7 +68,8 @@ TRV_EXPORT int load_found_messages(const char* name, const char* directory);
 TRV_EXPORT const char* config_directory();
 
 /// The first element of a list, after expansion, that exists and is not the current directory
-/// (".", ".\" or "./"). Elements are taken as they stand, blanks included.
+/// (".", ".\" or "./"). Elements are taken as they stand, blanks included. A reference to an
+/// undefined name reads as its null_value().
 ///
 /// @param list  of up to 1535 characters, before and after expansion
 /// @return the element, good until the next call of this function or config_directory(); none

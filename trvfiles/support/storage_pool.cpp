@@ -2,6 +2,7 @@
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/permanent_block.h>
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -34,15 +35,38 @@ void report_no_growth(const storage_pool& pool) {
     report_error(text.c_str());
 }
 
-// Grows by as many increments as `needed` takes, all of them at once.
-bool grow(storage_pool& pool, std::int64_t needed) {
-    const std::int64_t capacity = pool.capacity + round_up(needed - pool.capacity, pool.increment);
-    void* const data = capacity <= INT32_MAX
-                           ? resize_permanent(pool.data, static_cast<std::size_t>(capacity))
-                           : nullptr;
+// Only a single increment that fails is reported by the heap: more of them are an attempt.
+bool grow_by(storage_pool& pool, std::int64_t increments) {
+    const std::int64_t capacity = pool.capacity + increments * pool.increment;
+    if (capacity > INT32_MAX) return false;
+    const auto resize = increments == 1 ? resize_permanent : try_resize_permanent;
+    void* const data = resize(pool.data, static_cast<std::size_t>(capacity));
     if (data == nullptr) return false;
     pool.data = static_cast<char*>(data);
     pool.capacity = static_cast<std::int32_t>(capacity);
+    return true;
+}
+
+// Grows by as many increments as `needed` takes, or by as many of them as succeed.
+//
+// All are taken at once. An attempt that fails is halved, down to the one increment that fails: the
+// pool ends as if it had grown by one after the other, without 2^31 attempts for increments of one
+// byte.
+bool grow(storage_pool& pool, std::int64_t needed) {
+    std::int64_t missing = (needed - pool.capacity + pool.increment - 1) / pool.increment;
+    std::int64_t attempt = missing;
+    while (missing > 0) {
+        // Offsets are 32 bits.
+        const std::int64_t possible = (INT32_MAX - pool.capacity) / pool.increment;
+        attempt = std::min({attempt, missing, std::max<std::int64_t>(possible, 1)});
+        if (grow_by(pool, attempt)) {
+            missing -= attempt;
+        } else if (attempt == 1) {
+            return false;
+        } else {
+            attempt = (attempt + 1) / 2;
+        }
+    }
     return true;
 }
 

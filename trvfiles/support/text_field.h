@@ -26,8 +26,8 @@ inline std::string_view field_text(const char* field, std::int32_t length) {
     return trim_trailing({field, end});
 }
 
-/// Puts a text into a field of at least one byte, cut to it where it is too long. The text lies
-/// outside the field.
+/// Puts a text into a field, cut to it if it is too long. Nothing is written to a field of length
+/// 0. The text lies outside the field. REQUIRES: a length of at least 0.
 inline void fill_field(char* field, std::int32_t length, std::string_view text) {
     const auto width = static_cast<std::size_t>(length);
     const std::size_t copied = text.copy(field, width);
