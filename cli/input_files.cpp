@@ -54,7 +54,7 @@ bool canBeReadTwice(const QString& name) {
 }
 
 Problem notRegular() {
-    return {eFileIOOpenError, QStringLiteral("not a regular file")};
+    return {eFileIOOpenError, notRegularText()};
 }
 
 QString faultText(const ParseFault& fault) {
@@ -95,6 +95,10 @@ ExitStatus report(const QString& name, const Problem& problem, const Console& co
         QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), problemText(problem));
     console.err << qUtf8Printable(text);
     return failed;
+}
+
+QString notRegularText() {
+    return QStringLiteral("not a regular file");
 }
 
 QString resolved(const QString& name) {
