@@ -36,7 +36,7 @@ QString contentText(const std::vector<Section>& sections) {
 
 QStringList findingsOn(const QString& name, RuntimeMessages& messages, QString& content) {
     const MessageFile file = loadMessageFile(name);
-    if (file.result == load_result::missing) return {missingText()};
+    if (file.result == load_result::missing) return {file.whyMissing};
     QStringList findings;
     for (const RuntimeMessages::Report& report : messages.takeReports())
         findings += findingText(report.text, toNarrow(name));

@@ -1,6 +1,9 @@
 #include <cli/env_message_file.h>
+#include <cli/input_files.h>
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/facade/text_conversion.h>
+
+#include <QFileInfo>
 
 #include <new>
 #include <system_error>
@@ -21,18 +24,21 @@ Section sectionOf(const message_store& store, const store_section& stored) {
 }  // namespace
 
 MessageFile loadMessageFile(const QString& name) {
+    const QFileInfo info(nativePath(name));
+    if (info.exists() && !info.isFile()) {
+        return {load_result::missing, notRegularText(), {}};
+    }
     const store_owner store(create_store());
     if (store == nullptr) throw std::bad_alloc();
     MessageFile file;
     file.result = load_file(store.get(), toNarrow(name).c_str(), plain_sink);
+    if (file.result == load_result::missing) {
+        file.whyMissing = QString::fromStdString(
+            std::make_error_code(std::errc::no_such_file_or_directory).message());
+    }
     for (const store_section& section : store->sections)
         file.sections.push_back(sectionOf(*store, section));
     return file;
-}
-
-QString missingText() {
-    return QString::fromStdString(
-        std::make_error_code(std::errc::no_such_file_or_directory).message());
 }
 
 }  // namespace trv::cli

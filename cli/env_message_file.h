@@ -25,17 +25,18 @@ struct Section {
 };
 
 struct MessageFile {
-    /// What is wrong with a file that failed has been reported.
+    /// What is wrong with a file that failed has been reported. One that is not a regular file
+    /// counts as missing.
     load_result result = load_result::missing;
+    /// Why a file is missing, for a person; empty for any other one.
+    QString whyMissing;
     std::vector<Section> sections;
 };
 
-/// Loads a file into a store of its own.
+/// Loads a regular file into a store of its own. A pipe or a device might never end, or never begin,
+/// so neither is opened.
 ///
 /// @param name  where the system finds it; no reference in it is expanded
 MessageFile loadMessageFile(const QString& name);
-
-/// The system's words for a missing file.
-QString missingText();
 
 }  // namespace trv::cli

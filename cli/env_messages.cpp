@@ -57,7 +57,7 @@ ExitStatus print(const QCommandLineParser& call, const Console& console) {
     MessageFile file = loadMessageFile(name);
     if (file.result == load_result::missing) {
         console.err << qUtf8Printable(
-            QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), missingText()));
+            QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), file.whyMissing));
         return failed;
     }
     if (file.result == load_result::failed) return failed;

@@ -2,7 +2,6 @@
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/invalid_data_policy.h>
-#include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/open_file.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
@@ -12,6 +11,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <string>
@@ -54,7 +54,7 @@ bool canBeReadTwice(const QString& name) {
 }
 
 Problem notRegular() {
-    return {eFileIOOpenError, QStringLiteral("not a regular file")};
+    return {eFileIOOpenError, notRegularText()};
 }
 
 QString faultText(const ParseFault& fault) {
@@ -97,6 +97,10 @@ ExitStatus report(const QString& name, const Problem& problem, const Console& co
     return failed;
 }
 
+QString notRegularText() {
+    return QStringLiteral("not a regular file");
+}
+
 QString resolved(const QString& name) {
     return QFileInfo(QDir(QString()), nativePath(name)).absoluteFilePath();
 }
@@ -124,19 +128,20 @@ Problem readAssembly(const QString& name, CTrvAssemblyData& data, ReadReport* re
     return problem;
 }
 
+// As the facade reads it, which does not tell the line, in one pass: the file may change.
 Problem readAxis(const QString& name, AxisFile& axis) {
     if (!canBeReadTwice(name)) return notRegular();
-    auto& [tag1, tag2, tag3] = axis.tags;
-    const EFileIOStatus status =
-        CQvFilesIO("").readAxis(toWide(name), axis.matrix.data(), tag1, tag2, tag3);
-    if (status == eFileIOSuccess) return {};
-
-    Problem problem{status, {}};
-    if (const platform::file_handle file = open(name, problem)) {
-        problem.reason = QStringLiteral("line %1: four numbers are expected")
-                             .arg(readAxisContent(file.get()).faultyLine);
+    Problem problem;
+    const platform::file_handle file = open(name, problem);
+    if (file == nullptr) return problem;
+    const AxisContent content = readAxisContent(file.get());
+    if (content.faultyLine != 0) {
+        return {eFileIOContentError,
+                QStringLiteral("line %1: four numbers are expected").arg(content.faultyLine)};
     }
-    return problem;
+    axis.matrix = content.matrix;
+    std::copy_n(content.tags.begin(), content.tagCount, axis.tags.begin());
+    return {};
 }
 
 Problem writeAxis(const QString& name, const AxisFile& axis) {
@@ -164,7 +169,7 @@ Problem readContext(const QString& name, ContextFile& context) {
     MissingKey missing;
     const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &missing);
     if (status == eFileIOContentError) return missingKeyProblem(missing);
-    if (status != eFileIOSuccess) return {status, QStringLiteral("the file has changed")};
+    if (status != eFileIOSuccess) return {status, QStringLiteral("the file changes while it is read")};
 
     for (const char* section : {"header", "machine", "postpro", "clamping_system"}) {
         if (sections.section(section, true).lineCount() == 0) {

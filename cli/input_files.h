@@ -37,6 +37,9 @@ QString problemText(const Problem& problem);
 /// @return what the command is to end with
 ExitStatus report(const QString& name, const Problem& problem, const Console& console);
 
+/// What a message calls a pipe or a device that is not opened.
+QString notRegularText();
+
 /// The path that a name stands for.
 QString resolved(const QString& name);
 

@@ -62,7 +62,17 @@ TEST_F(EnvCheck, ReportsFilesThatCannotBeRead) {
     EXPECT_EQ(run({"check", "none.msg", "shop"}), 1);
     EXPECT_EQ(out(),
               "none.msg: No such file or directory\n"
-              "shop: Error opening file - Is a directory\n");
+              "shop: not a regular file\n");
+}
+
+// A pipe that nobody writes to would be waited for without end.
+TEST_F(EnvCheck, RefusesWhatIsNoRegularFile) {
+    if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
+    EXPECT_EQ(run({"check", "pipe", "/dev/zero", "shop/texts/messages.msg"}), 1);
+    EXPECT_EQ(out(),
+              "pipe: not a regular file\n"
+              "/dev/zero: not a regular file\n"
+              "shop/texts/messages.msg: ok (2 sections, 5 entries)\n");
 }
 
 TEST_F(EnvCheck, NeedsTheInstallationForAConditionAlone) {

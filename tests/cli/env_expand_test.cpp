@@ -104,6 +104,19 @@ TEST_F(EnvFind, LooksAtANameWithoutAList) {
     EXPECT_EQ(out(), "$TRVHOME/none.cfg is not found\n");
 }
 
+TEST_F(EnvFind, FindsWhatIsNoRegularFile) {
+    EXPECT_EQ(run({"find", "$TRVHOME/cell"}), 0);
+    EXPECT_EQ(out(), native("/opt/shop/cell") + "\n");
+    if (!makePipe("shop/site/pipe")) GTEST_SKIP() << "there are no named pipes here";
+    EXPECT_EQ(run({"find", "?CFG/pipe"}), 0);
+    EXPECT_EQ(out(),
+              "  - '\\\\opt\\\\shop\\\\cell\\\\pipe' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\site\\\\pipe' -> Found\n"
+              "/opt/shop/site/pipe\n");
+    EXPECT_EQ(run({"find", "$TRVHOME/site/pipe"}), 0);
+    EXPECT_EQ(out(), "/opt/shop/site/pipe\n");
+}
+
 TEST_F(EnvFind, NamesAListThatIsUndefined) {
     EXPECT_EQ(run({"find", "?NOLIST\\shop.cfg"}), 1);
     EXPECT_EQ(out(), "");

@@ -212,6 +212,13 @@ TEST_F(EnvExplain, ShowsNothingBesideAFatalReport) {
     }
 }
 
+TEST_F(EnvExplain, WaitsForNoPipe) {
+    if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
+    process_.setVariable("CELL", (directory_.text() + "/pipe").c_str());
+    EXPECT_EQ(run({"explain", "CELL"}), 0);
+    EXPECT_EQ(out().substr(0, out().find('\n')), "CELL = " + directory_.text() + "/pipe");
+}
+
 TEST_F(EnvExplain, ShortensALongHistory) {
     writeHistory("A = + x", 1600);
     EXPECT_EQ(run({"explain", "A"}), 0);

@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+
 namespace trv::testing {
 namespace {
 
@@ -41,13 +44,27 @@ TEST_F(EnvMessageFile, HoldsWhatAProgramGets) {
 }
 
 TEST_F(EnvMessageFile, TellsAMissingFileFromABrokenOne) {
-    EXPECT_EQ(cli::loadMessageFile(QStringLiteral("no such file")).result, load_result::missing);
+    const MessageFile missing = cli::loadMessageFile(QStringLiteral("no such file"));
+    EXPECT_EQ(missing.result, load_result::missing);
+    EXPECT_EQ(missing.whyMissing.toStdString(), "No such file or directory");
     EXPECT_THAT(log_.fatals(), IsEmpty());
     const MessageFile file = load("[one]\nfirst\n/frob\nsecond\n");
     EXPECT_EQ(file.result, load_result::failed);
     ASSERT_EQ(file.sections.size(), 1U);
     EXPECT_EQ(file.sections[0].messages.size(), 1U);
-    EXPECT_EQ(cli::missingText().toStdString(), "No such file or directory");
+    EXPECT_EQ(file.whyMissing.toStdString(), "");
+}
+
+TEST_F(EnvMessageFile, LoadsRegularFilesOnly) {
+    for (const std::string& name : {directory_.text(), std::string("/dev/null")}) {
+        if (!std::filesystem::exists(name)) continue;
+        const MessageFile file = cli::loadMessageFile(QString::fromStdString(name));
+        EXPECT_EQ(file.result, load_result::missing);
+        EXPECT_EQ(file.whyMissing.toStdString(), "not a regular file");
+        EXPECT_THAT(file.sections, IsEmpty());
+    }
+    EXPECT_THAT(log_.errors(), IsEmpty());
+    EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
 }  // namespace

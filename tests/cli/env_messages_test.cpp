@@ -67,12 +67,24 @@ TEST_F(EnvMessages, NeedsTheInstallationForAConditionAlone) {
 TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
     EXPECT_EQ(run({"messages", "none.msg"}), 2);
     EXPECT_EQ(err(), "trvfiles: none.msg: No such file or directory\n");
+    EXPECT_EQ(run({"messages", "shop"}), 2);
+    EXPECT_EQ(err(), "trvfiles: shop: not a regular file\n");
     write("a.msg", "[one]\nfirst\n/frob\n");
     EXPECT_EQ(run({"messages", "a.msg"}), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(),
               "trvfiles: load_messages: file 'a.msg', line 3 : Unknown keyword : '/frob'\n"
               "trvfiles: load_messages: file 'a.msg', line 0 : Error loading file.\n");
+}
+
+// A pipe that nobody writes to would be waited for without end.
+TEST_F(EnvMessages, RefusesWhatIsNoRegularFile) {
+    if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
+    EXPECT_EQ(run({"messages", "--json", "pipe"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: pipe: not a regular file\n");
+    EXPECT_EQ(run({"messages", "/dev/zero"}), 2);
+    EXPECT_EQ(err(), "trvfiles: /dev/zero: not a regular file\n");
 }
 
 TEST_F(EnvMessages, ShowsAFileWithWarnings) {

@@ -95,6 +95,11 @@ protected:
         writeBytes(directory_ / name, text);
     }
 
+    /// @return whether it is made; there are no named pipes in the file system of Windows
+    bool makePipe(const char* name) {
+        return process_.start(QStringLiteral("mkfifo"), {QString::fromLatin1(name)}) == 0;
+    }
+
     int run(std::initializer_list<const char*> arguments) {
         QStringList list(QStringLiteral("env"));
         for (const char* argument : arguments)

@@ -6,8 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <functional>
 #include <sstream>
+#include <thread>
 
 namespace trv::cli {
 namespace {
@@ -164,6 +167,38 @@ TEST_F(InputFiles, SaysWhyAnAxisFileDoesNotOpen) {
     EXPECT_EQ(text(readAxis(path("missing"), ignored)),
               "eFileIOOpenError: No such file or directory");
     EXPECT_EQ(text(readAxis(path(""), ignored)), "eFileIOOpenError: Is a directory");
+}
+
+// Calls `change` again and again in a thread of its own while it lives.
+class Changing {
+public:
+    explicit Changing(const std::function<void()>& change)
+        : thread_([this, change] {
+              while (!stopped_)
+                  change();
+          }) {}
+    ~Changing() {
+        stopped_ = true;
+        thread_.join();
+    }
+    Changing(const Changing&) = delete;
+    Changing& operator=(const Changing&) = delete;
+
+private:
+    std::atomic<bool> stopped_ = false;
+    std::thread thread_;
+};
+
+TEST_F(InputFiles, NamesNoLineThatAFileDoesNotHave) {
+    const QString name = file("a.ref", "");
+    const Changing writer([&] {
+        file("a.ref", "0\n1 0 0 0\n");
+        file("a.ref", testing::identityAxis);
+    });
+    for (int i = 0; i < 20000; ++i) {
+        AxisFile ignored;
+        ASSERT_EQ(text(readAxis(name, ignored)).find("line 0"), std::string::npos);
+    }
 }
 
 TEST_F(InputFiles, WritesAnAxisFile) {
