@@ -3,7 +3,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
-#include <tests/common/small_disk_linux.h>
+#include <tests/common/small_disk.h>
 #include <tests/common/system_calls_linux.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>

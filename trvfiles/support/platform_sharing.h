@@ -5,7 +5,8 @@
 /// how a complete file takes the place of another one.
 ///
 /// Each call is defined in platform_sharing_posix.cpp and in platform_sharing_windows.cpp; the
-/// build takes one of them. A path is a native one, as native_path() returns it.
+/// build takes one of them. A path is a native one, as native_path() returns it, unless it is said
+/// otherwise.
 ///
 /// Threads: any, if the arguments are not shared.
 
@@ -18,6 +19,18 @@ namespace trv::platform {
 
 /// How long an operation waits for other processes before it fails with ETIMEDOUT.
 inline constexpr std::chrono::milliseconds max_lock_wait{10000};
+
+/// Opens an existing file for reading and for writing over what it holds ("r+"), and locks it until
+/// it is closed; other callers wait for that. Between reading and writing comes a call that sets
+/// the position. On a file system without locks the file is not locked.
+///
+/// @param runtime_path  a path that need not be native
+/// @param wait          the maximum time to wait for another caller
+/// @return the file, or nullptr with the reason in `errno`, ETIMEDOUT if another caller holds it
+/// for
+///         too long
+file_handle open_for_update(const char* runtime_path, file_mode mode,
+                            std::chrono::milliseconds wait = max_lock_wait);
 
 /// Creates an empty file which this process holds alone until it releases it. Other callers with
 /// the same path wait for that, in this process as well.

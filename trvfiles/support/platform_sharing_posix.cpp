@@ -171,6 +171,23 @@ int rename_without_replacing(const char* from, const char* to) {
 
 }  // namespace
 
+file_handle open_for_update(const char* runtime_path, file_mode, std::chrono::milliseconds wait) {
+    const std::string path = native_path(runtime_path);
+    file_handle file;
+    do {
+        file.reset(std::fopen(path.c_str(), "r+e"));
+    } while (file == nullptr && errno == EINTR);
+    if (file == nullptr) return file;
+    waiting turn(wait);
+    while (try_lock(::fileno(file.get())) == lock_result::refused) {
+        if (turn.pause()) continue;
+        file.reset();
+        errno = ETIMEDOUT;
+        break;
+    }
+    return file;
+}
+
 int create_held(const char* path, std::chrono::milliseconds wait) {
     descriptor file;
     waiting turn(wait);

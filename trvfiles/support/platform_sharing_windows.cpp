@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <share.h>
 #include <windows.h>
 
 #include <cerrno>
@@ -178,6 +179,23 @@ bool is_refusal(DWORD error) {
 }
 
 }  // namespace
+
+file_handle open_for_update(const char* runtime_path, file_mode mode, milliseconds wait) {
+    if (runtime_path == nullptr || *runtime_path == '\0') {
+        errno = ENOENT;
+        return nullptr;
+    }
+    const auto end = std::chrono::steady_clock::now() + wait;
+    for (;;) {
+        file_handle file(
+            ::_fsopen(runtime_path, mode == file_mode::text ? "r+" : "r+b", _SH_DENYRW));
+        if (file != nullptr || _doserrno != ERROR_SHARING_VIOLATION) return file;
+        if (std::chrono::steady_clock::now() >= end) break;
+        std::this_thread::sleep_for(pause);
+    }
+    errno = ETIMEDOUT;
+    return nullptr;
+}
 
 int create_held(const char* path, milliseconds wait) {
     const auto end = std::chrono::steady_clock::now() + wait;
