@@ -129,6 +129,32 @@ TEST_P(BrokenSave, OfAShortTextOnAFullDiskKeepsTheTarget) {
     TRV_EXPECT_IN_CHILD(saveOnAFullDisk);
 }
 
+class SavedThroughALink : public BrokenSave {};
+
+TEST_P(SavedThroughALink, AFileIsReplacedAndTheLinkStays) {
+    fs::create_directory(directory / "links");
+    const fs::path link = directory / "links/b.cfg";
+    fs::create_symlink("../a.cfg", link);
+    EXPECT_EQ(GetParam().save(store, link.string().c_str()), 0);
+    EXPECT_EQ(fs::read_symlink(link), "../a.cfg");
+    EXPECT_EQ(bytesOf(target()).substr(0, 22), "[var]\nName0 = a value\n");
+    EXPECT_EQ(originOf(store, get_message(store, 0, 0)), GetParam().save == store_parameters
+                                                             ? "from '" + link.string() + "' line 2"
+                                                             : "set by program");
+}
+
+TEST_P(SavedThroughALink, ATemporaryFileThatCannotBeOpenedIsNamedBesideTheFile) {
+    fs::create_directory(directory / "links");
+    const fs::path link = directory / "links/b.cfg";
+    fs::create_symlink(target(), link);
+    fs::create_directory(temporaryPath());
+    const ChannelLog log;
+    EXPECT_EQ(GetParam().save(store, link.string().c_str()), -1);
+    EXPECT_EQ(log.fatals(), std::vector<std::string>{"Store messages : error opening file '" +
+                                                     temporaryPath().string() + "'"});
+    fs::remove(temporaryPath());
+}
+
 class SaveWithoutOneStep : public BrokenSave {
 protected:
     void expectFailure(const std::vector<unsigned>& calls, int reason, int result) {
@@ -201,6 +227,7 @@ const auto saveKinds =
     ::testing::Values(SaveKind{"OfParameters", store_parameters, "a.cfg.messages.tmp"},
                       SaveKind{"OfMessages", store_messages, "messages.tmp"});
 INSTANTIATE_TEST_SUITE_P(StoreWriter, BrokenSave, saveKinds, nameOf);
+INSTANTIATE_TEST_SUITE_P(StoreWriter, SavedThroughALink, saveKinds, nameOf);
 INSTANTIATE_TEST_SUITE_P(StoreWriter, SaveWithoutOneStep, saveKinds, nameOf);
 INSTANTIATE_TEST_SUITE_P(StoreWriter, KilledSave, saveKinds, nameOf);
 

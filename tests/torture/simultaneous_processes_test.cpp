@@ -84,7 +84,7 @@ protected:
 TEST_P(SimultaneousSavesOf, OneFileAllSucceedAndAreReadWhole) {
     constexpr int readers = 2;
     constexpr int savers = 2;
-    const int times = 100 * tortureRounds();
+    const int times = 300 * tortureRounds();
     counts_->savers = savers;
     EXPECT_TRUE(passesInChildren(readers + savers, [&](int child) {
         failAtReports();
@@ -128,7 +128,7 @@ TEST_P(SimultaneousSavesOf, OneFileSucceedBesideOneThatIsKilled) {
 }
 
 TEST_P(SimultaneousSavesOf, TwoFilesOfADirectoryKeepTheirTexts) {
-    const int times = 100 * tortureRounds();
+    const int times = 300 * tortureRounds();
     const Shared<std::atomic<int>> swapped;
     EXPECT_TRUE(passesInChildren(2, [&](int child) {
         failAtReports();
@@ -187,7 +187,7 @@ protected:
 };
 
 TEST_F(SimultaneousZones, OfOneZoneHaveOneDirectory) {
-    const int rounds = 5 * tortureRounds();
+    const int rounds = 20 * tortureRounds();
     for (int round = 0; round < rounds; ++round) {
         const std::string zone = "zone" + std::to_string(round);
         fs::create_directory(directory_ / zone);
@@ -200,7 +200,7 @@ TEST_F(SimultaneousZones, OfOneZoneHaveOneDirectory) {
 }
 
 TEST_F(SimultaneousZones, OfTheirOwnHaveDirectoriesOfTheirOwn) {
-    const int rounds = 5 * tortureRounds();
+    const int rounds = 20 * tortureRounds();
     for (int round = 0; round < rounds; ++round) {
         const auto zoneOf = [&](int child) {
             return "zone" + std::to_string(round) + '.' + std::to_string(child);

@@ -4,9 +4,9 @@
 /// Files that several processes write at the same time: how one process holds a file alone, and
 /// how a complete file takes the place of another one.
 ///
-/// Each call is defined in platform_sharing_posix.cpp and in platform_sharing_windows.cpp; the
-/// build takes one of them. A path is a native one, as native_path() returns it, unless it is said
-/// otherwise.
+/// Each call is defined in platform_sharing_posix.cpp or platform_targets_posix.cpp, and in the two
+/// sources for Windows; the build takes those of its system. A path is a native one, as
+/// native_path() returns it, unless it is said otherwise.
 ///
 /// Threads: any, if the arguments are not shared.
 

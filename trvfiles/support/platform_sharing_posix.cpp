@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
@@ -228,33 +227,6 @@ void release_held(int held) {
 void remove_held(int held, const char* path) {
     if (is_named(held, path)) ::unlink(path);
     ::close(held);
-}
-
-int follow_links(std::string& path) {
-    constexpr int max_links = 40;
-    char text[PATH_MAX];
-    ssize_t length = ::readlink(path.c_str(), text, sizeof text);
-    if (length < 0) return 0;
-    struct stat status = {};
-    const bool leads_somewhere = ::stat(path.c_str(), &status) == 0;
-    // The system does not let every process follow a link in a directory that all can write to.
-    if (!leads_somewhere && errno != ENOENT) return errno;
-    // A device or a pipe is not replaced by a file; the link is.
-    if (leads_somewhere && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return 0;
-    std::string end = path;
-    for (int links = 0; length >= 0; ++links) {
-        if (links == max_links) return ELOOP;
-        end.erase(*text == '/' ? 0 : end.rfind('/') + 1);
-        end.append(text, static_cast<std::size_t>(length));
-        length = ::readlink(end.c_str(), text, sizeof text);
-    }
-    path = end;
-    return 0;
-}
-
-bool is_name_taken(const char* path) {
-    struct stat status = {};
-    return ::lstat(path, &status) == 0;
 }
 
 }  // namespace trv::platform

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <cwchar>
 #include <memory>
 #include <new>
 #include <thread>
@@ -106,31 +105,14 @@ DWORD try_to_hold(const char* path, handle_owner& file) {
     return error;
 }
 
-std::wstring wide_text(const std::string& text) {
-    const auto length = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0');
-    const int units = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length);
+std::wstring full_path(const char* path) {
+    std::string full(::GetFullPathNameA(path, 0, nullptr, nullptr), '\0');
+    full.resize(::GetFullPathNameA(path, static_cast<DWORD>(full.size()), full.data(), nullptr));
+    const auto length = static_cast<int>(full.size());
+    std::wstring wide(full.size(), L'\0');
+    const int units = ::MultiByteToWideChar(CP_ACP, 0, full.data(), length, wide.data(), length);
     wide.resize(static_cast<std::size_t>(units));
     return wide;
-}
-
-// @return empty if the code page has no such text
-std::string narrow_text(const std::wstring& wide) {
-    constexpr std::size_t max_bytes_of_a_unit = 4;
-    const auto units = static_cast<int>(wide.size());
-    std::string text(max_bytes_of_a_unit * wide.size(), '\0');
-    const int bytes = ::WideCharToMultiByte(CP_ACP, 0, wide.data(), units, text.data(),
-                                            static_cast<int>(text.size()), nullptr, nullptr);
-    text.resize(static_cast<std::size_t>(bytes));
-    return wide_text(text) == wide ? text : std::string();
-}
-
-std::wstring full_path(const char* path) {
-    const std::wstring name = wide_text(path);
-    std::wstring full(::GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
-    const DWORD size = static_cast<DWORD>(full.size());
-    full.resize(::GetFullPathNameW(name.c_str(), size, full.data(), nullptr));
-    return full;
 }
 
 // FILE_RENAME_INFO as Windows 10 has it, and the two kinds of information that take it. The headers
@@ -260,36 +242,6 @@ void remove_held(int held, const char* path) {
     static_cast<void>(path);
     mark_removed(handle_of(held));
     ::_close(held);
-}
-
-int follow_links(std::string& path) {
-    const DWORD attributes = ::GetFileAttributesA(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) return 0;
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return 0;
-    constexpr DWORD no_access = 0;
-    const HANDLE opened = ::CreateFileA(
-        path.c_str(), no_access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (opened == INVALID_HANDLE_VALUE) return 0;
-    const handle_owner file(opened);
-    std::wstring end(::GetFinalPathNameByHandleW(opened, nullptr, 0, VOLUME_NAME_DOS), L'\0');
-    end.resize(::GetFinalPathNameByHandleW(opened, end.data(), static_cast<DWORD>(end.size()),
-                                           VOLUME_NAME_DOS));
-    constexpr wchar_t server[] = L"\\\\?\\UNC\\";
-    constexpr wchar_t drive[] = L"\\\\?\\";
-    if (end.rfind(server, 0) == 0) {
-        end.replace(0, std::wcslen(server), L"\\\\");
-    } else if (end.rfind(drive, 0) == 0) {
-        end.erase(0, std::wcslen(drive));
-    }
-    std::string narrow = narrow_text(end);
-    if (narrow.empty()) return ENOENT;
-    path = std::move(narrow);
-    return 0;
-}
-
-bool is_name_taken(const char* path) {
-    return ::GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
 }
 
 }  // namespace trv::platform

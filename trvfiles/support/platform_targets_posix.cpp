@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <cstring>
+#include <string>
 
 namespace trv::platform {
 namespace {
@@ -74,6 +76,15 @@ void remove_access_list(int) {}
 void copy_extended_attributes(const char*, bool, int) {}
 #endif
 
+// @param text  empty if the path is not a link
+int read_link(const std::string& path, std::string& text) {
+    char buffer[PATH_MAX];
+    const ssize_t length = ::readlink(path.c_str(), buffer, sizeof buffer);
+    text.assign(buffer, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    const bool is_known = length >= 0 || errno == EINVAL || errno == ENOENT || errno == ENOTDIR;
+    return is_known ? 0 : errno;
+}
+
 }  // namespace
 
 int copy_attributes(const char* from, int held) {
@@ -84,6 +95,33 @@ int copy_attributes(const char* from, int held) {
     const int failure = copy_permissions(status, has_group, held);
     if (failure == 0) copy_extended_attributes(from, has_group, held);
     return failure;
+}
+
+int follow_links(std::string& path) {
+    constexpr int max_links = 40;
+    std::string text;
+    int failure = read_link(path, text);
+    if (failure != 0 || text.empty()) return failure;
+    struct stat status = {};
+    const bool leads_somewhere = ::stat(path.c_str(), &status) == 0;
+    // The system does not let every process follow a link in a directory that all can write to.
+    if (!leads_somewhere && errno != ENOENT) return errno;
+    // A device or a pipe is not replaced by a file; the link is.
+    if (leads_somewhere && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return 0;
+    std::string end = path;
+    for (int links = 0; failure == 0 && !text.empty(); ++links) {
+        if (links == max_links) return ELOOP;
+        end.erase(text.front() == '/' ? 0 : end.rfind('/') + 1);
+        end += text;
+        failure = read_link(end, text);
+    }
+    if (failure == 0) path = end;
+    return failure;
+}
+
+bool is_name_taken(const char* path) {
+    struct stat status = {};
+    return ::lstat(path, &status) == 0;
 }
 
 }  // namespace trv::platform
