@@ -3,6 +3,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/small_disk.h>
 #include <tests/common/system_calls_linux.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>
@@ -26,10 +27,12 @@ namespace trv {
 namespace {
 
 using testing::bytesOf;
+using testing::canMountSmallDisks;
 using testing::canRefuseSystemCalls;
 using testing::canTraceProcesses;
 using testing::ChannelLog;
 using testing::killAtStep;
+using testing::mountSmallDisk;
 using testing::originOf;
 using testing::refuseSystemCalls;
 using testing::renamingCalls;
@@ -97,21 +100,59 @@ TEST_P(BrokenSave, OnAFileThatMayNotGrowKeepsTheTarget) {
     }
 }
 
-TEST_P(BrokenSave, OnAFullDeviceKeepsTheTarget) {
-    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
-    fs::create_symlink("/dev/full", temporaryPath());
-    EXPECT_EQ(save(), -ENOSPC);
-    expectNothingSaved();
+TEST_P(BrokenSave, OnAFullDiskKeepsTheTarget) {
+    if (!canMountSmallDisks()) GTEST_SKIP() << "file systems cannot be mounted here";
+    constexpr std::size_t page = 4096;
+    for (const std::size_t free : {0U, 1U, 2U}) {
+        const auto saveOnASmallDisk = [&] {
+            ASSERT_TRUE(mountSmallDisk(directory.path(), (free + 2) * page));
+            reset();
+            writeBytes(directory / "filler", std::string(page, 'x'));
+            EXPECT_EQ(save(), -ENOSPC);
+            expectNothingSaved();
+        };
+        TRV_EXPECT_IN_CHILD(saveOnASmallDisk);
+    }
 }
 
-TEST_P(BrokenSave, OfAShortTextOnAFullDeviceKeepsTheTarget) {
-    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+TEST_P(BrokenSave, OfAShortTextOnAFullDiskKeepsTheTarget) {
+    if (!canMountSmallDisks()) GTEST_SKIP() << "file systems cannot be mounted here";
     const Store small;
     add_section(small, "var");
     set_variable(small, 0, "A = 1");
-    fs::create_symlink("/dev/full", temporaryPath());
-    EXPECT_EQ(GetParam().save(small, target().string().c_str()), -ENOSPC);
-    expectNothingSaved();
+    const auto saveOnAFullDisk = [&] {
+        ASSERT_TRUE(mountSmallDisk(directory.path(), std::size_t{4096}));
+        reset();
+        EXPECT_EQ(GetParam().save(small, target().string().c_str()), -ENOSPC);
+        expectNothingSaved();
+    };
+    TRV_EXPECT_IN_CHILD(saveOnAFullDisk);
+}
+
+class SavedThroughALink : public BrokenSave {};
+
+TEST_P(SavedThroughALink, AFileIsReplacedAndTheLinkStays) {
+    fs::create_directory(directory / "links");
+    const fs::path link = directory / "links/b.cfg";
+    fs::create_symlink("../a.cfg", link);
+    EXPECT_EQ(GetParam().save(store, link.string().c_str()), 0);
+    EXPECT_EQ(fs::read_symlink(link), "../a.cfg");
+    EXPECT_EQ(bytesOf(target()).substr(0, 22), "[var]\nName0 = a value\n");
+    EXPECT_EQ(originOf(store, get_message(store, 0, 0)), GetParam().save == store_parameters
+                                                             ? "from '" + link.string() + "' line 2"
+                                                             : "set by program");
+}
+
+TEST_P(SavedThroughALink, ATemporaryFileThatCannotBeOpenedIsNamedBesideTheFile) {
+    fs::create_directory(directory / "links");
+    const fs::path link = directory / "links/b.cfg";
+    fs::create_symlink(target(), link);
+    fs::create_directory(temporaryPath());
+    const ChannelLog log;
+    EXPECT_EQ(GetParam().save(store, link.string().c_str()), -1);
+    EXPECT_EQ(log.fatals(), std::vector<std::string>{"Store messages : error opening file '" +
+                                                     temporaryPath().string() + "'"});
+    fs::remove(temporaryPath());
 }
 
 class SaveWithoutOneStep : public BrokenSave {
@@ -186,6 +227,7 @@ const auto saveKinds =
     ::testing::Values(SaveKind{"OfParameters", store_parameters, "a.cfg.messages.tmp"},
                       SaveKind{"OfMessages", store_messages, "messages.tmp"});
 INSTANTIATE_TEST_SUITE_P(StoreWriter, BrokenSave, saveKinds, nameOf);
+INSTANTIATE_TEST_SUITE_P(StoreWriter, SavedThroughALink, saveKinds, nameOf);
 INSTANTIATE_TEST_SUITE_P(StoreWriter, SaveWithoutOneStep, saveKinds, nameOf);
 INSTANTIATE_TEST_SUITE_P(StoreWriter, KilledSave, saveKinds, nameOf);
 

@@ -1,8 +1,10 @@
 #include <tests/common/channel_log.h>
+#include <tests/common/child_process.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>
+#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/support/dynamic_storage.h>
@@ -11,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -21,6 +24,7 @@ namespace {
 using testing::byProgram;
 using testing::ChannelLog;
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 using testing::loadPlainly;
 using testing::messagesOf;
 using testing::originOf;
@@ -322,6 +326,52 @@ TEST_F(StoreWriter, ReportsATemporaryFileThatCannotBeOpened) {
                                               pathOf("missing/a.cfg") + ".messages.tmp'"));
     EXPECT_EQ(saved("a.cfg"), "old");
     EXPECT_EQ(origin(0, 0), "set by program");
+}
+
+TEST_F(StoreWriter, ReportsAHeldFileThatCannotBeOpened) {
+    const ChannelLog log;
+    set_variable(store, 0, "A = 1");
+    file_replacement held(pathOf("missing/a.cfg"));
+    EXPECT_THAT(log.fatals(), IsEmpty());
+    EXPECT_EQ(store_parameters(store, pathOf("missing/a.cfg").c_str(), held), -1);
+    EXPECT_THAT(log.fatals(), ElementsAre("Store messages : error opening file '" +
+                                          pathOf("missing/a.cfg") + ".messages.tmp'"));
+}
+
+TEST_F(StoreWriter, WritesAFileThatTheCallerHolds) {
+    set_variable(store, 0, "A = 1");
+    {
+        file_replacement held(pathOf("a.cfg"));
+        EXPECT_EQ(store_parameters(store, pathOf("a.cfg").c_str(), held), 0);
+    }
+    EXPECT_EQ(saved("a.cfg"), "[var]\nA = 1\n");
+    EXPECT_EQ(origin(0, 0), "from '" + pathOf("a.cfg") + "' line 2");
+    EXPECT_THAT(files(), ElementsAre("a.cfg"));
+}
+
+TEST_F(StoreWriter, GivesTheReasonWhyAHeldFileMayNotReplaceAnother) {
+    set_variable(store, 0, "A = 1");
+    file_replacement held(pathOf("a.cfg"), own_temporary_name, file_replacement::existing::refused);
+    writeBytes(directory / "a.cfg", "of another program");
+    EXPECT_EQ(store_parameters(store, pathOf("a.cfg").c_str(), held), -EEXIST);
+    EXPECT_EQ(saved("a.cfg"), "of another program");
+    EXPECT_EQ(origin(0, 0), "set by program");
+}
+
+TEST_F(StoreWriter, KeepsAFileWithTheNameOfTheTemporaryFileUntilTheNewOneIsComplete) {
+    writeBytes(directory / "messages.tmp", "old");
+    if (testing::can_fork) {
+        EXPECT_TRUE(testing::passesInChild([&] {
+            ASSERT_TRUE(testing::limitFileSize(2));
+            EXPECT_EQ(saveMessages("messages.tmp"), -EFBIG);
+        }));
+        EXPECT_EQ(saved("messages.tmp"), "old");
+    }
+    EXPECT_EQ(saveMessages("messages.tmp"), 0);
+    EXPECT_EQ(saved("messages.tmp"), "[var]\n");
+    EXPECT_EQ(saveParameters("messages.tmp"), 0);
+    EXPECT_EQ(saved("messages.tmp"), "");
+    EXPECT_THAT(files(), ElementsAre("messages.tmp"));
 }
 
 TEST_F(StoreWriter, EndsTheProcessByDefaultWhereTheTemporaryFileCannotBeOpened) {

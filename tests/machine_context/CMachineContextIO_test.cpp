@@ -2,8 +2,10 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/machine_context/context_samples.h>
+#include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/support/dynamic_storage.h>
+#include <trvfiles/support/platform.h>
 
 #include <QString>
 #include <gtest/gtest.h>
@@ -415,4 +417,42 @@ TEST_F(MachineContextFile, ThatBreaksOffWhileItIsReadGivesTwo) {
     CMachineContextData data = prefilled();
     EXPECT_EQ(readContext("/proc/self/mem", data), eFileIOOpenError);
     EXPECT_EQ(ContextFields(data), ContextFields(prefilled()));
+}
+
+TEST_F(MachineContextFile, KeepsItsRightsWhenItIsWritten) {
+    if (trv::platform::backslash_separates()) GTEST_SKIP() << "files have other rights here";
+    for (const unsigned mode : {0600U, 0640U, 0664U}) {
+        writeBytes(path, completeText);
+        fs::permissions(path, fs::perms(mode));
+        EXPECT_EQ(writeContext(path, allFields()), eFileIOSuccess);
+        EXPECT_EQ(static_cast<unsigned>(fs::status(path).permissions()), mode);
+    }
+}
+
+TEST_F(MachineContextFile, IsWrittenThroughALink) {
+    if (trv::platform::backslash_separates()) GTEST_SKIP() << "links take other rights here";
+    writeBytes(path, completeText);
+    fs::create_directory(directory / "links");
+    fs::create_symlink("../f.mctx", directory / "links/g.mctx");
+    EXPECT_EQ(writeContext(directory / "links/g.mctx", allFields()), eFileIOSuccess);
+    EXPECT_TRUE(fs::is_symlink(directory / "links/g.mctx"));
+    CMachineContextData data;
+    EXPECT_EQ(readContext(path, data), eFileIOSuccess);
+    EXPECT_EQ(ContextFields(data), ContextFields(allFields()));
+}
+
+TEST_F(MachineContextFile, IsWrittenUnderALockThatTheCallerHolds) {
+    const ChannelLog log;
+    CMachineContextIO file(QString::fromStdWString(path.wstring()));
+    trv::file_replacement held(path.string());
+    EXPECT_EQ(file.write(allFields(), &held), eFileIOSuccess);
+    CMachineContextData data;
+    EXPECT_EQ(readContext(path, data), eFileIOSuccess);
+    EXPECT_EQ(ContextFields(data), ContextFields(allFields()));
+    EXPECT_TRUE(log.fatals().empty());
+
+    trv::file_replacement none((directory / "none/f").string());
+    EXPECT_TRUE(log.fatals().empty());
+    EXPECT_EQ(file.write(allFields(), &none), eFileIOOpenError);
+    EXPECT_EQ(log.fatals().size(), 1U);
 }

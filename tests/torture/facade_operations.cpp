@@ -4,6 +4,8 @@
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
 
+#include <sys/xattr.h>
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -38,6 +40,24 @@ Outcome writeContextTo(Workshop& at, const char* name) {
     CQvFilesIO files(at.wide(""));
     const CMachineContextData data = allFields();
     return {at.under([&] { return files.writeMachineContext(name, data); }), ""};
+}
+
+unsigned modeOf(const std::filesystem::path& path) {
+    return static_cast<unsigned>(std::filesystem::status(path).permissions());
+}
+
+Outcome replacePrivateContext(Workshop& at) {
+    const std::filesystem::path path = at.path("private.mctx");
+    ::setxattr(path.c_str(), "user.comment", "kept", 4, 0);
+    const Outcome outcome = writeContextTo(at, "private.mctx");
+    EXPECT_EQ(modeOf(path), 0600U);
+    return outcome;
+}
+
+Outcome replaceLinkedContext(Workshop& at) {
+    const Outcome outcome = writeContextTo(at, "link.mctx");
+    EXPECT_TRUE(std::filesystem::is_symlink(at.path("link.mctx")));
+    return outcome;
 }
 
 Outcome readAssemblyOf(Workshop& at, const char* name) {
@@ -174,6 +194,8 @@ std::vector<Operation> facadeOperations() {
         {"ReadAMachineContext", 1, {2}, readContextOf},
         {"ReadAMachineContextByItsPath", 1, {2}, readContextByPath},
         {"ReplaceAMachineContext", 1, {2, 4, 5}, bound(writeContextTo, "f.mctx")},
+        {"ReplaceAPrivateMachineContext", 1, {2, 4, 5}, replacePrivateContext},
+        {"ReplaceAMachineContextThroughALink", 1, {2, 4, 5}, replaceLinkedContext},
         {"WriteANewMachineContext", 1, {2, 4, 5}, bound(writeContextTo, "new.mctx")},
         inQt({"ReadAnAssembly", 1, {2, 4}, bound(readAssemblyOf, "f.assembly")}),
         inQt({"ReadADeepAssembly", 1, {2, 4}, bound(readAssemblyOf, "deep.assembly")}),

@@ -12,8 +12,8 @@ namespace trv::testing {
 /// Whether the system lets a process answer its own system calls.
 bool canFailCalls();
 
-/// Lets the system calls that open, read, list, write, sync, close, rename, remove and create files
-/// and directories fail with an error instead of doing anything; a close closes all the same, as
+/// Lets the system calls that open, lock, read, list, write, sync, close, rename, remove and create
+/// files, links and directories, and those that set rights and attributes, fail with an error instead of doing anything; a close closes all the same, as
 /// the system's own does. Calls of the process's first thread and of the threads that it starts
 /// later count.
 ///

@@ -270,7 +270,7 @@ std::vector<Operation> runtimeOperations() {
          1,
          {0},
          bound(askForTemporaryDirectory, "zone"),
-         {"conf/workzone.num", "zone/workzone.num"},
+         {"conf/workzone.num"},
          false,
          true,
          false,

@@ -97,6 +97,9 @@ void Workshop::forgetEnvironment() {
 void Workshop::writeFiles() const {
     const MadeFiles& made = madeFiles();
     write(path("f.mctx"), made.context);
+    write(path("private.mctx"), made.context);
+    fs::permissions(path("private.mctx"), fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("f.mctx", path("link.mctx"));
     write(path("f.assembly"), made.assembly);
     write(path("deep.assembly"), made.deepAssembly);
     write(path("f.axis"), made.axis);

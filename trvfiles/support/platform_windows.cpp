@@ -43,6 +43,23 @@ file_handle open_shared(const char* path, const char* text_mode, const char* bin
         ::_fsopen(path, mode == file_mode::text ? text_mode : binary_mode, _SH_DENYNO));
 }
 
+// A stream that reads an open file. Readers share deleting, so that a save can replace the file
+// that they read.
+constexpr DWORD shared_reading = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+file_handle stream_of_reader(HANDLE opened, file_mode mode) {
+    const int kind = mode == file_mode::text ? _O_TEXT : _O_BINARY;
+    const int number =
+        ::_open_osfhandle(reinterpret_cast<std::intptr_t>(opened), _O_RDONLY | _O_NOINHERIT | kind);
+    if (number < 0) {
+        ::CloseHandle(opened);
+        return nullptr;
+    }
+    file_handle stream(::_fdopen(number, mode == file_mode::text ? "r" : "rb"));
+    if (stream == nullptr) ::_close(number);
+    return stream;
+}
+
 bool tells_directory(DWORD attributes) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
@@ -99,15 +116,22 @@ file_handle open_for_read(const std::filesystem::path& path, file_mode mode) {
         errno = EISDIR;
         return nullptr;
     }
-    return open_shared(path, L"r", L"rb", mode);
+    const HANDLE opened = ::CreateFileW(path.c_str(), GENERIC_READ, shared_reading, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (opened != INVALID_HANDLE_VALUE) return stream_of_reader(opened, mode);
+    return open_shared(path, L"r", L"rb", mode);  // which knows the reason
 }
 
 file_handle open_for_read(const char* runtime_path, file_mode mode) {
+    if (runtime_path == nullptr) return open_nothing();
     if (directory_exists(runtime_path)) {
         errno = EISDIR;
         return nullptr;
     }
-    return open_shared(runtime_path, "r", "rb", mode);
+    const HANDLE opened = ::CreateFileA(runtime_path, GENERIC_READ, shared_reading, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (opened != INVALID_HANDLE_VALUE) return stream_of_reader(opened, mode);
+    return open_shared(runtime_path, "r", "rb", mode);  // which knows the reason
 }
 
 file_handle open_for_write(const std::filesystem::path& path, file_mode mode) {
@@ -116,10 +140,6 @@ file_handle open_for_write(const std::filesystem::path& path, file_mode mode) {
 
 file_handle open_for_write(const char* runtime_path, file_mode mode) {
     return open_shared(runtime_path, "w", "wb", mode);
-}
-
-file_handle open_for_update(const char* runtime_path, file_mode mode) {
-    return open_shared(runtime_path, "r+", "r+b", mode);
 }
 
 file_handle open_for_append(const char* runtime_path, file_mode mode) {
@@ -137,18 +157,6 @@ int remove_file(const char* runtime_path) {
 
 int remove_file(const std::filesystem::path& path) {
     return code_of(::_wunlink(path.c_str()));
-}
-
-int replace_file(const char* from, const char* to) {
-    const int removal = remove_file(to);
-    if (removal != 0 && removal != ENOENT) {
-        remove_file(from);
-        return removal;
-    }
-    const int reason = code_of(std::rename(native_path(from).c_str(), native_path(to).c_str()));
-    const bool target_is_gone = removal == 0;
-    if (reason != 0 && !target_is_gone) remove_file(from);
-    return reason;
 }
 
 bool path_exists(const char* runtime_path) {
