@@ -18,15 +18,25 @@
 
 namespace {
 
-// A text that begins with a variable, expanded; empty where the variable is not defined, or the
-// result is not to be had in full.
-std::string expanded(const char* variable, const char* text) {
+// What get_variable() returns is looked at before the next lookup overwrites it.
+bool hasValue(const char* variable) {
     const char* value = trv::get_variable(variable);
-    if (value == nullptr || *value == '\0') return {};
+    return value != nullptr && *value != '\0';
+}
+
+// A text that begins with a variable, expanded; empty if the variable is not defined or the result
+// is not available in full.
+//
+// The text is expanded first in every case, so that the trace shows the variable, an undefined one
+// too. What replaces an undefined one then is no directory, but the status alone does not tell
+// which variable it is: one inside a value may be undefined.
+std::string expanded(const char* variable, const char* text) {
     constexpr std::int32_t bufferSize = 400;
     std::string buffer = text;
     buffer.resize(bufferSize);
-    if (trv::is_expand_error(trv::_ExpandInPlace(buffer.data(), bufferSize))) return {};
+    const int status = trv::_ExpandInPlace(buffer.data(), bufferSize);
+    if (trv::is_expand_error(status)) return {};
+    if (status == trv::EXP_UNDEFINED && !hasValue(variable)) return {};
     buffer.resize(std::char_traits<char>::length(buffer.c_str()));
     return buffer;
 }
