@@ -113,8 +113,10 @@ bool writeIdentity(CQvFilesIO& files, const std::wstring& name) {
 // A file that is there but cannot be read is never written over.
 bool provideAxis(CQvFilesIO& files, const std::wstring& name) {
     if (files.isfileExists(name)) return true;
-    const bool isThere = QFileInfo::exists(trv::fromWide(files.absoluteFileName(name)));
-    return !isThere && writeIdentity(files, name);
+    const QString path = trv::fromWide(files.absoluteFileName(name));
+    // Qt would print a warning about a path that names no file.
+    if (!trv::isOpenable(path)) return false;
+    return !QFileInfo::exists(path) && writeIdentity(files, name);
 }
 
 // REQUIRES: a path that has just been written to.
