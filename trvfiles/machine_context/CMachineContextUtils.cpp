@@ -4,13 +4,14 @@
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/machine_context/context_graph.h>
 #include <trvfiles/machine_context/context_names.h>
+#include <trvfiles/machine_context/context_search.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/support/platform.h>
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStringList>
 
 #include <cstdint>
 #include <string_view>
@@ -40,52 +41,6 @@ std::string expanded(const char* variable, const char* text) {
     buffer.resize(std::char_traits<char>::length(buffer.c_str()));
     return buffer;
 }
-
-// The walk through a directory tree for contexts named after their directories.
-class ContextWalk {
-public:
-    explicit ContextWalk(const QDir& directory) { enter(directory, directory.canonicalPath()); }
-
-    std::vector<std::wstring> take() { return std::move(found_); }
-
-private:
-    // `canonical` is the directory's path without links. A link may lead back to a directory that
-    // is being walked.
-    void enter(const QDir& directory, const QString& canonical) {
-        if (chain_.contains(canonical)) return;
-        chain_.append(canonical);
-        // Without a sort order of its own the list comes by name, case ignored.
-        const QStringList names =
-            directory.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
-        for (const QString& name : names) {
-            QDir subdirectory = directory;
-            if (subdirectory.cd(name) && !addContext(subdirectory, name))
-                enter(subdirectory, canonicalPath(subdirectory, name, canonical));
-        }
-        chain_.removeLast();
-    }
-
-    // Whether the directory holds a context of its name.
-    bool addContext(const QDir& directory, const QString& name) {
-        const QString path = directory.filePath(name + QStringLiteral(".mctx"));
-        const QFileInfo context(path);
-        if (!context.exists() || context.isDir()) return false;
-        found_.push_back(trv::toWide(path));
-        return true;
-    }
-
-    // Resolving a whole path takes a call for each of its parts, so only links are resolved.
-    static QString canonicalPath(const QDir& directory, const QString& name,
-                                 const QString& canonicalParent) {
-        const QFileInfo entry(directory.path());
-        if (entry.isSymLink() || entry.isJunction()) return directory.canonicalPath();
-        const QLatin1String separator(canonicalParent.endsWith(QLatin1Char('/')) ? "" : "/");
-        return canonicalParent + separator + name;
-    }
-
-    QStringList chain_;
-    std::vector<std::wstring> found_;
-};
 
 bool isAscii(wchar_t unit) {
     // Where the type has a sign, what is no character may be negative.
@@ -145,7 +100,10 @@ std::vector<std::wstring> CMachineContextUtils::sGetFavoriteMachineContext(std::
     const QString path = trv::nativePath(trv::fromWide(directory));
     // An empty path would be walked as the current directory.
     if (!trv::isOpenable(path)) return {};
-    return ContextWalk(QDir(path)).take();
+    std::vector<std::wstring> contexts;
+    for (const QString& context : trv::findContexts(trv::listContextDirectories(QDir(path))))
+        contexts.push_back(trv::toWide(context));
+    return contexts;
 }
 
 bool CMachineContextUtils::sGetDefaultMachineContext(std::vector<std::wstring> files, int& index,

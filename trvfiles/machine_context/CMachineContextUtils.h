@@ -40,8 +40,12 @@ public:
 
     /// The favourite contexts below a directory: in each of its directories, by name without regard
     /// to case, the file "<directory>/<directory>.mctx"; where there is none, those further down.
-    /// Hidden directories (on Linux those whose names begin with a dot) are passed over. Links to
-    /// directories are followed, but not into a directory that is just being walked.
+    /// Hidden directories (on Linux those whose names begin with a dot) are ignored.
+    ///
+    /// Links to directories are followed, but not into a directory that is being walked already.
+    /// Each directory is listed once, and entered only if that leads to a context. A context that
+    /// several paths lead to is listed with each of them: directories that link to each other make
+    /// the result as long as the number of ways through them.
     ///
     /// @param directory  empty for sGetFavoriteMachineContextDirectoryW()
     /// @return the paths, each the directory as given with what was found behind it (the "." of the
