@@ -3,10 +3,12 @@
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
+#include <QFileInfo>
 #include <QStringList>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <optional>
 
 namespace trv::cli {
@@ -51,6 +53,9 @@ AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& tr
 ExitStatus invert(const QCommandLineParser& call, const Console& console) {
     const QString from = call.positionalArguments().at(0);
     const QString to = call.positionalArguments().at(1);
+    // Inverted in place by two commands at once, a file would be inverted once.
+    const bool isInPlace = QFileInfo(resolved(from)) == QFileInfo(resolved(to));
+    const std::unique_ptr<file_replacement> held = isInPlace ? holdFile(to) : nullptr;
     AxisFile axis;
     if (const Problem problem = readAxis(from, axis)) return report(from, problem, console);
 

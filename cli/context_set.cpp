@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <memory>
 #include <vector>
 
 namespace trv::cli {
@@ -73,9 +74,10 @@ QString whyNotWritten(const QString& name, const std::vector<Assignment>& assign
         .arg(QString::number(loss.line), shown(loss.lineText));
 }
 
-ExitStatus save(const QString& name, const CMachineContextData& data, const Console& console) {
+ExitStatus save(const QString& name, const CMachineContextData& data, file_replacement* held,
+                const Console& console) {
     RuntimeMessages messages(console.err);
-    const Problem problem = writeContext(name, data);
+    const Problem problem = writeContext(name, data, held);
     if (printReports(messages.takeReports(), console)) return failed;
     return problem ? report(name, problem, console) : done;
 }
@@ -86,6 +88,8 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
     const QString mistake = readAssignments(call.positionalArguments().mid(1), assignments);
     if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("context set"), mistake);
 
+    // From reading to writing, so that no other change is lost.
+    const std::unique_ptr<file_replacement> held = holdFile(name);
     ContextFile context;
     if (const Problem problem = readForChange(name, context)) return report(name, problem, console);
     const QString reason =
@@ -94,7 +98,8 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
 
     for (const Assignment& assignment : assignments)
         setContextField(*assignment.field, assignment.value, context.data);
-    if (const ExitStatus status = save(name, context.data, console); status != done) return status;
+    const ExitStatus status = save(name, context.data, held.get(), console);
+    if (status != done) return status;
 
     ContextFile written;
     if (const Problem problem = readContext(name, written)) return report(name, problem, console);

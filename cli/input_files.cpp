@@ -76,6 +76,9 @@ public:
     using CMachineContextIO::CMachineContextIO;
 
     int save(const char* fileName) override { return saved_ = CMachineContextIO::save(fileName); }
+    int save(const char* fileName, file_replacement& held) override {
+        return saved_ = CMachineContextIO::save(fileName, held);
+    }
 
     /// 0, or the system's number of the failure, negated.
     int saved() const { return saved_; }
@@ -174,12 +177,19 @@ Problem readContext(const QString& name, ContextFile& context) {
     return {};
 }
 
-Problem writeContext(const QString& name, const CMachineContextData& data) {
+Problem writeContext(const QString& name, const CMachineContextData& data, file_replacement* held) {
     ContextWriter writer(resolved(name));
-    const EFileIOStatus status = writer.write(data);
+    const EFileIOStatus status = writer.write(data, held);
     if (status == eFileIOSuccess) return {};
     if (writer.saved() != 0) return systemProblem(status, -writer.saved());
     return {status, QStringLiteral("the record cannot be stored")};
+}
+
+std::unique_ptr<file_replacement> holdFile(const QString& name) {
+    const QString path = resolved(name);
+    std::string narrow;
+    if (!isOpenable(path) || !runtimePath(path, narrow)) return nullptr;
+    return std::make_unique<file_replacement>(narrow);
 }
 
 QString whyNotListed(const QString& name) {

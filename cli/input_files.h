@@ -9,6 +9,7 @@
 #include <cli/file_kind.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/facade/EFileIOStatus.h>
 #include <trvfiles/facade/axis_file.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
@@ -17,6 +18,7 @@
 #include <QStringList>
 
 #include <array>
+#include <memory>
 
 namespace trv::cli {
 
@@ -70,7 +72,17 @@ Problem readContext(const QString& name, ContextFile& context);
 
 /// Writes a machine context. The old file is whole until the new one takes its place. A temporary
 /// file that cannot be opened is also reported through the fatal channel.
-Problem writeContext(const QString& name, const CMachineContextData& data);
+///
+/// @param held  what holdFile() has returned, if the file has been read since
+Problem writeContext(const QString& name, const CMachineContextData& data,
+                     file_replacement* held = nullptr);
+
+/// Keeps other commands from changing a file, and hosts from saving to it, until it is destroyed:
+/// for commands that read a file, change something and write it. Nothing is reported.
+///
+/// @return nullptr for a name that the runtime cannot express; a replacement that is not open if
+///         the file cannot be held
+std::unique_ptr<file_replacement> holdFile(const QString& name);
 
 /// Why a directory cannot be listed, in the system's words; empty where it can.
 QString whyNotListed(const QString& name);

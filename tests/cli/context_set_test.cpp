@@ -1,9 +1,15 @@
 #include <cli/context_fields.h>
 #include <tests/cli/context_directory.h>
 #include <tests/common/child_process.h>
+#include <tests/common/torture_rounds.h>
+#include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
+#include <chrono>
+#include <memory>
 #include <random>
+#include <string>
+#include <thread>
 
 namespace trv::testing {
 namespace {
@@ -245,6 +251,50 @@ TEST_F(ContextSet, KeepsTheOldFileWhenTheDiskIsFull) {
     }));
     EXPECT_EQ(bytes("a.mctx"), setupContext);
     EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(ContextSet, KeepsWhatIsSavedWhileItWaits) {
+    // Another program has read the file and saves it some time later.
+    auto held = std::make_unique<file_replacement>(text("a.mctx"));
+    ASSERT_TRUE(held->is_open());
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        EXPECT_EQ(held->write_and_replace(replacedIn(setupContext, "name=MILL5", "name=LATHE")), 0);
+        held.reset();
+    });
+    const Answer answer = set("machine.position=elsewhere");
+    other.join();
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_NE(bytes("a.mctx").find("[machine]\nname=LATHE\nposition=elsewhere\n"),
+              std::string::npos)
+        << bytes("a.mctx");
+    EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(ContextSet, LosesNoChangeThatAnotherProcessReports) {
+    if (!can_fork) GTEST_SKIP() << "needs processes";
+    const int rounds = 20 * tortureRounds();
+    int lost = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const std::string value = std::to_string(round);
+        const std::string changes[] = {"machine.name=m" + value, "machine.position=p" + value};
+        EXPECT_TRUE(passesInChildren(
+            2, [&](int child) { EXPECT_EQ(set(changes[child].c_str()).status, 0); }));
+        const std::string both = "[machine]\nname=m" + value + "\nposition=p" + value + "\n";
+        if (bytes("a.mctx").find(both) == std::string::npos) ++lost;
+    }
+    EXPECT_EQ(lost, 0) << "of " << rounds;
+    EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(ContextSet, LeavesNothingBesideAFileThatItRefuses) {
+    file("a.mctx", "# a comment\n[header]\nname=n\n");
+    EXPECT_EQ(set("machine.name=M").status, 2);
+    file("a.mctx", "no context");
+    EXPECT_EQ(set("machine.name=M").status, 2);
+    std::filesystem::remove(directory_ / "a.mctx");
+    EXPECT_EQ(set("machine.name=M").status, 2);
+    EXPECT_EQ(names().size(), 0U);
 }
 
 TEST_F(ContextSet, ExplainsItself) {

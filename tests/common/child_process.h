@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <vector>
 
 #if __has_include(<sys/wait.h>)
 #include <grp.h>
@@ -26,27 +27,60 @@ namespace trv::testing {
 
 inline constexpr bool can_fork = true;
 
-/// Runs `work` in a child process. Its expectations print as usual; the answer is whether all of
-/// them held and the child ended by itself.
-inline bool passesInChild(const std::function<void()>& work) {
+/// Starts `work` in a child process, which ends after it.
+///
+/// @return the child, or -1
+inline pid_t startChild(const std::function<void()>& work) {
     constexpr unsigned patience = 200;
     std::fflush(nullptr);
     const pid_t child = fork();
-    if (child == -1) return false;
-    if (child == 0) {
-        alarm(patience);
-        try {
-            work();
-        } catch (...) {
-            ADD_FAILURE() << "an exception left the child's work";
-        }
-        std::fflush(nullptr);
-        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    if (child != 0) return child;
+    alarm(patience);
+    try {
+        work();
+    } catch (...) {
+        ADD_FAILURE() << "an exception left the child's work";
     }
+    std::fflush(nullptr);
+    _exit(::testing::Test::HasFailure() ? 1 : 0);
+}
+
+/// Waits for a child. Its expectations print as usual; the answer is whether all of them held and
+/// the child ended by itself.
+inline bool hasPassed(pid_t child) {
     int status = 0;
-    if (waitpid(child, &status, 0) != child) return false;
+    if (child == -1 || waitpid(child, &status, 0) != child) return false;
     if (WIFSIGNALED(status)) ADD_FAILURE() << "the child ended by signal " << WTERMSIG(status);
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+inline bool passesInChild(const std::function<void()>& work) {
+    return hasPassed(startChild(work));
+}
+
+/// Runs `work` in so many child processes, which begin at the same moment.
+///
+/// @param work  gets the number of its child, from 0
+inline bool passesInChildren(int children, const std::function<void(int child)>& work) {
+    int gate[2] = {};
+    if (pipe(gate) != 0) return false;
+    std::vector<pid_t> started;
+    for (int child = 0; child < children; ++child) {
+        started.push_back(startChild([&] {
+            char none = 0;
+            close(gate[1]);
+            // It opens when the parent closes its end.
+            EXPECT_EQ(read(gate[0], &none, 1), 0);
+            close(gate[0]);
+            work(child);
+        }));
+    }
+    close(gate[0]);
+    close(gate[1]);
+    int passed = 0;
+    for (const pid_t child : started)
+        passed += hasPassed(child) ? 1 : 0;
+    return passed == children;
 }
 
 /// Sets an environment variable. For child processes.
@@ -84,6 +118,9 @@ inline bool exhaustDescriptors() {
 inline constexpr bool can_fork = false;
 
 inline bool passesInChild(const std::function<void()>&) {
+    return false;
+}
+inline bool passesInChildren(int, const std::function<void(int)>&) {
     return false;
 }
 inline bool setEnvironment(const char*, const char*) {

@@ -3,6 +3,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/small_disk.h>
 #include <tests/common/system_calls_linux.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>
@@ -26,10 +27,12 @@ namespace trv {
 namespace {
 
 using testing::bytesOf;
+using testing::canMountSmallDisks;
 using testing::canRefuseSystemCalls;
 using testing::canTraceProcesses;
 using testing::ChannelLog;
 using testing::killAtStep;
+using testing::mountSmallDisk;
 using testing::originOf;
 using testing::refuseSystemCalls;
 using testing::renamingCalls;
@@ -97,21 +100,33 @@ TEST_P(BrokenSave, OnAFileThatMayNotGrowKeepsTheTarget) {
     }
 }
 
-TEST_P(BrokenSave, OnAFullDeviceKeepsTheTarget) {
-    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
-    fs::create_symlink("/dev/full", temporaryPath());
-    EXPECT_EQ(save(), -ENOSPC);
-    expectNothingSaved();
+TEST_P(BrokenSave, OnAFullDiskKeepsTheTarget) {
+    if (!canMountSmallDisks()) GTEST_SKIP() << "file systems cannot be mounted here";
+    constexpr std::size_t page = 4096;
+    for (const std::size_t free : {0U, 1U, 2U}) {
+        const auto saveOnASmallDisk = [&] {
+            ASSERT_TRUE(mountSmallDisk(directory.path(), (free + 2) * page));
+            reset();
+            writeBytes(directory / "filler", std::string(page, 'x'));
+            EXPECT_EQ(save(), -ENOSPC);
+            expectNothingSaved();
+        };
+        TRV_EXPECT_IN_CHILD(saveOnASmallDisk);
+    }
 }
 
-TEST_P(BrokenSave, OfAShortTextOnAFullDeviceKeepsTheTarget) {
-    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+TEST_P(BrokenSave, OfAShortTextOnAFullDiskKeepsTheTarget) {
+    if (!canMountSmallDisks()) GTEST_SKIP() << "file systems cannot be mounted here";
     const Store small;
     add_section(small, "var");
     set_variable(small, 0, "A = 1");
-    fs::create_symlink("/dev/full", temporaryPath());
-    EXPECT_EQ(GetParam().save(small, target().string().c_str()), -ENOSPC);
-    expectNothingSaved();
+    const auto saveOnAFullDisk = [&] {
+        ASSERT_TRUE(mountSmallDisk(directory.path(), std::size_t{4096}));
+        reset();
+        EXPECT_EQ(GetParam().save(small, target().string().c_str()), -ENOSPC);
+        expectNothingSaved();
+    };
+    TRV_EXPECT_IN_CHILD(saveOnAFullDisk);
 }
 
 class SaveWithoutOneStep : public BrokenSave {

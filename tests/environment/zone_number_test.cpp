@@ -1,13 +1,19 @@
 #include <tests/common/channel_log.h>
+#include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/environment/zone_number.h>
+#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/platform.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 namespace trv {
 namespace {
@@ -24,6 +30,13 @@ protected:
     void write(std::string_view text) const { writeBytes(directory_ / "workzone.num", text); }
 
     std::string text() const { return textOf(directory_ / "workzone.num"); }
+
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(directory_.path()))
+            names.push_back(entry.path().filename().string());
+        return names;
+    }
 
     /// The number that follows what a counter file holds.
     std::string numberAfter(std::string_view counter) const {
@@ -114,27 +127,76 @@ TEST_F(ZoneNumber, ReportsACounterThatCannotBeOpenedOrRead) {
 }
 
 TEST_F(ZoneNumber, IsWrittenForANewZone) {
-    EXPECT_TRUE(write_zone_number(path().c_str(), "00000010"));
+    EXPECT_EQ(create_zone_number(path().c_str(), "00000010"), "00000010");
     EXPECT_EQ(text(), "00000010\n");
+    EXPECT_THAT(files(), ElementsAre("workzone.num"));
+}
+
+TEST_F(ZoneNumber, IsThatOfAnotherProcessThatWasFaster) {
+    write("00000009\n");
+    EXPECT_EQ(create_zone_number(path().c_str(), "00000010"), "00000009");
+    EXPECT_EQ(text(), "00000009\n");
+    EXPECT_THAT(files(), ElementsAre("workzone.num"));
+    EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
 TEST_F(ZoneNumber, ReportsAFileThatCannotBeCreated) {
     const std::string missing = directory_.text() + "/missing/workzone.num";
-    EXPECT_FALSE(write_zone_number(missing.c_str(), "00000010"));
+    EXPECT_EQ(create_zone_number(missing.c_str(), "00000010"), std::nullopt);
     EXPECT_THAT(log_.fatals(), ElementsAre("Error creating '" + missing + "' file\n"));
 }
 
-TEST_F(ZoneNumber, ReportsADeviceThatIsFull) {
-    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "needs a device that is always full";
-    std::filesystem::create_symlink("/dev/full", directory_ / "workzone.num");
-    EXPECT_FALSE(write_zone_number(path().c_str(), "00000010"));
-    EXPECT_FALSE(
-        std::filesystem::exists(std::filesystem::symlink_status(directory_ / "workzone.num")))
-        << "no half number is left";
-    std::filesystem::create_symlink("/dev/full", directory_ / "workzone.num");
-    EXPECT_EQ(draw_zone_number(path().c_str()), std::nullopt);
-    EXPECT_THAT(log_.fatals(), ElementsAre("Error creating '" + path() + "' file\n",
-                                           "Error opening '" + path() + "' file\n"));
+TEST_F(ZoneNumber, ReportsACounterThatCannotGrow) {
+    if (!testing::can_fork) GTEST_SKIP() << "needs a process that may not let files grow";
+    write("f");
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::limitFileSize(4));
+        EXPECT_EQ(draw_zone_number(path().c_str()), std::nullopt);
+        EXPECT_THAT(log_.fatals(), ElementsAre("Error opening '" + path() + "' file\n"));
+    }));
+}
+
+TEST_F(ZoneNumber, LeavesNoHalfFileOfANewZone) {
+    if (!testing::can_fork) GTEST_SKIP() << "needs a process that may not let files grow";
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::limitFileSize(4));
+        EXPECT_EQ(create_zone_number(path().c_str(), "00000010"), std::nullopt);
+        EXPECT_THAT(log_.fatals(), ElementsAre("Error creating '" + path() + "' file\n"));
+        EXPECT_THAT(files(), IsEmpty());
+    }));
+}
+
+TEST_F(ZoneNumber, ReportsNothingWhileAFileIsOpen) {
+    static std::ptrdiff_t open = 0;
+    std::ptrdiff_t expected = testing::openDescriptors();
+    if (expected < 0) GTEST_SKIP() << "open descriptors cannot be counted here";
+    const auto count = [](const char*) { open = testing::openDescriptors(); };
+    const auto expectNoneOpen = [&](const char* what) {
+        EXPECT_EQ(open, expected) << what;
+        open = 0;
+    };
+    set_fatal_handler(count);
+    read_zone_number(path().c_str());
+    expectNoneOpen("a missing number");
+    draw_zone_number(path().c_str());
+    expectNoneOpen("a missing counter");
+    write("");
+    read_zone_number(path().c_str());
+    expectNoneOpen("an empty number");
+    draw_zone_number(path().c_str());
+    expectNoneOpen("an empty counter");
+    create_zone_number((path() + "/inside").c_str(), "00000010");
+    expectNoneOpen("a file that cannot be created");
+    EXPECT_TRUE(testing::passesInChild([&] {
+        expected = testing::openDescriptors();
+        write("f");
+        ASSERT_TRUE(testing::limitFileSize(4));
+        draw_zone_number(path().c_str());
+        expectNoneOpen("a counter that cannot grow");
+        std::filesystem::remove(directory_ / "workzone.num");
+        create_zone_number(path().c_str(), "00000010");
+        expectNoneOpen("a number that does not fit");
+    }));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <tests/common/child_process.h>
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
+#include <tests/common/small_disk.h>
 #include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/machine_context/context_samples.h>
@@ -326,13 +327,17 @@ TEST_F(FailingContext, BeyondTheFilesLimitGivesTwoAndStaysOld) {
     EXPECT_EQ(fs::file_size(path), size);
 }
 
-TEST_F(FailingContext, OnAFullDeviceGivesTwoAndStaysOld) {
-    if (!fs::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
-    fs::create_symlink("/dev/full", directory / "f.mctx.messages.tmp");
-    const ChannelLog log;
-    EXPECT_EQ(writeContext(path, allFields()), eFileIOOpenError);
-    EXPECT_THAT(log.fatals(), IsEmpty());
-    expectOldFile();
+TEST_F(FailingContext, OnAFullDiskGivesTwoAndStaysOld) {
+    if (!canMountSmallDisks()) GTEST_SKIP() << "file systems cannot be mounted here";
+    constexpr std::size_t roomForTheOldFile = 4096;
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(mountSmallDisk(directory.path(), roomForTheOldFile));
+        writeBytes(path, oldText);
+        const ChannelLog log;
+        EXPECT_EQ(writeContext(path, allFields()), eFileIOOpenError);
+        EXPECT_THAT(log.fatals(), IsEmpty());
+        expectOldFile();
+    }));
 }
 
 TEST_F(FailingContext, EndsTheProcessUnderTheDefaultHandler) {

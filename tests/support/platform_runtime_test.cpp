@@ -61,7 +61,6 @@ TEST_F(PlatformRuntime, NothingOpensForNoPath) {
         errno = 0;
         EXPECT_EQ(open_for_write(none, file_mode::text), nullptr);
         EXPECT_EQ(errno, ENOENT);
-        EXPECT_EQ(open_for_update(none, file_mode::text), nullptr);
         EXPECT_EQ(open_for_append(none, file_mode::text), nullptr);
     }
 }
@@ -73,11 +72,7 @@ TEST_F(PlatformRuntime, TellsWhyAFileDoesNotOpen) {
     errno = 0;
     EXPECT_EQ(open_for_write(path("/none/f").c_str(), file_mode::text), nullptr);
     EXPECT_EQ(errno, ENOENT);
-    errno = 0;
-    EXPECT_EQ(open_for_update(path("/none").c_str(), file_mode::text), nullptr);
-    EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(open_for_write(directory_.text().c_str(), file_mode::text), nullptr);
-    EXPECT_EQ(open_for_update(directory_.text().c_str(), file_mode::text), nullptr);
     EXPECT_EQ(open_for_append(directory_.text().c_str(), file_mode::text), nullptr);
 }
 
@@ -87,18 +82,6 @@ TEST_F(PlatformRuntime, WritingEmptiesAFile) {
     EXPECT_EQ(bytesOf(directory_ / "f"), "new");
     std::fputs("made", open_for_write(path("\\g").c_str(), file_mode::binary).get());
     EXPECT_EQ(bytesOf(directory_ / "g"), "made");
-}
-
-TEST_F(PlatformRuntime, UpdatingKeepsWhatIsNotWrittenOver) {
-    writeBytes(directory_ / "f", "a long old text");
-    {
-        const file_handle file = open_for_update(path("\\f").c_str(), file_mode::binary);
-        ASSERT_NE(file, nullptr);
-        EXPECT_EQ(std::getc(file.get()), 'a');
-        std::rewind(file.get());
-        std::fputs("A new", file.get());
-    }
-    EXPECT_EQ(bytesOf(directory_ / "f"), "A newg old text");
 }
 
 TEST_F(PlatformRuntime, AppendingWritesBehindTheEnd) {
@@ -139,31 +122,6 @@ TEST_F(PlatformRuntime, RemovesFilesButNoDirectories) {
     EXPECT_NE(remove_file(path("/d").c_str()), 0);
     EXPECT_TRUE(std::filesystem::exists(directory_ / "d"));
     EXPECT_EQ(remove_file(nullptr), ENOENT);
-}
-
-TEST_F(PlatformRuntime, ReplacesAFile) {
-    writeBytes(directory_ / "new", "new");
-    writeBytes(directory_ / "old", "old");
-    EXPECT_EQ(replace_file(path("\\new").c_str(), path("\\old").c_str()), 0);
-    EXPECT_EQ(bytesOf(directory_ / "old"), "new");
-    EXPECT_FALSE(std::filesystem::exists(directory_ / "new"));
-}
-
-TEST_F(PlatformRuntime, ReplacesAFileThatIsMissing) {
-    writeBytes(directory_ / "new", "new");
-    EXPECT_EQ(replace_file(path("\\new").c_str(), path("\\old").c_str()), 0);
-    EXPECT_EQ(bytesOf(directory_ / "old"), "new");
-}
-
-TEST_F(PlatformRuntime, AFailedReplacementLeavesTheTargetAlone) {
-    writeBytes(directory_ / "new", "new");
-    std::filesystem::create_directories(directory_ / "d/e");
-    EXPECT_NE(replace_file(path("\\new").c_str(), path("\\d").c_str()), 0);
-    EXPECT_TRUE(std::filesystem::is_directory(directory_ / "d/e"));
-    EXPECT_FALSE(std::filesystem::exists(directory_ / "new"));
-    writeBytes(directory_ / "new", "new");
-    EXPECT_EQ(replace_file(path("/new").c_str(), path("/none/f").c_str()), ENOENT);
-    EXPECT_FALSE(std::filesystem::exists(directory_ / "new"));
 }
 
 TEST_F(PlatformRuntime, KnowsWhatExists) {

@@ -46,10 +46,8 @@ TEST_F(PlatformWindows, EndsLinesOfTextWithCrLfInEveryWayOfWriting) {
     EXPECT_EQ(bytesOf(directory_ / "f"), "a\r\nb\r\n");
     std::fputs("c\n", open_for_append(path("f").c_str(), file_mode::text).get());
     EXPECT_EQ(bytesOf(directory_ / "f"), "a\r\nb\r\nc\r\n");
-    std::fputs("A\n", open_for_update(path("f").c_str(), file_mode::text).get());
-    EXPECT_EQ(bytesOf(directory_ / "f"), "A\r\nb\r\nc\r\n");
-    EXPECT_EQ(read("f", file_mode::text), "A\nb\nc\n");
-    EXPECT_EQ(read("f", file_mode::binary), "A\r\nb\r\nc\r\n");
+    EXPECT_EQ(read("f", file_mode::text), "a\nb\nc\n");
+    EXPECT_EQ(read("f", file_mode::binary), "a\r\nb\r\nc\r\n");
 }
 
 TEST_F(PlatformWindows, KeepsALoneCrOfAText) {
@@ -84,41 +82,6 @@ TEST_F(PlatformWindows, FindsFilesInAnyCase) {
     EXPECT_TRUE(path_exists(path("NAME.TXT").c_str()));
 }
 
-TEST_F(PlatformWindows, DoesNotReplaceAFileThatIsKeptOpen) {
-    for (const DWORD sharing : {0, FILE_SHARE_READ, FILE_SHARE_READ | FILE_SHARE_WRITE}) {
-        writeBytes(directory_ / "new", "new");
-        writeBytes(directory_ / "old", "old");
-        {
-            const HeldFile held(directory_ / "old", sharing);
-            ASSERT_TRUE(held.isOpen());
-            EXPECT_EQ(replace_file(path("new").c_str(), path("old").c_str()), EACCES);
-        }
-        EXPECT_EQ(bytesOf(directory_ / "old"), "old");
-        EXPECT_FALSE(std::filesystem::exists(directory_ / "new"));
-    }
-}
-
-TEST_F(PlatformWindows, KeepsTheNewFileWhereTheOldOneIsGone) {
-    writeBytes(directory_ / "new", "new");
-    writeBytes(directory_ / "old", "old");
-    {
-        const HeldFile held(directory_ / "new", FILE_SHARE_READ);
-        EXPECT_EQ(replace_file(path("new").c_str(), path("old").c_str()), EACCES);
-    }
-    EXPECT_FALSE(std::filesystem::exists(directory_ / "old"));
-    EXPECT_EQ(bytesOf(directory_ / "new"), "new");
-}
-
-TEST_F(PlatformWindows, DoesNotReplaceAFileThatIsReadOnly) {
-    writeBytes(directory_ / "new", "new");
-    writeBytes(directory_ / "old", "old");
-    ASSERT_NE(::SetFileAttributesW((directory_ / "old").c_str(), FILE_ATTRIBUTE_READONLY), 0);
-    EXPECT_EQ(replace_file(path("new").c_str(), path("old").c_str()), EACCES);
-    EXPECT_EQ(bytesOf(directory_ / "old"), "old");
-    EXPECT_FALSE(std::filesystem::exists(directory_ / "new"));
-    ::SetFileAttributesW((directory_ / "old").c_str(), FILE_ATTRIBUTE_NORMAL);
-}
-
 TEST_F(PlatformWindows, DoesNotOpenWhatAnotherHandleDoesNotShare) {
     writeBytes(directory_ / "f", "text");
     const HeldFile held(directory_ / "f", FILE_SHARE_READ);
@@ -127,7 +90,6 @@ TEST_F(PlatformWindows, DoesNotOpenWhatAnotherHandleDoesNotShare) {
     EXPECT_EQ(open_for_write(path("f"), file_mode::binary), nullptr);
     EXPECT_EQ(errno, EACCES);
     EXPECT_EQ(open_for_write(directory_ / "f", file_mode::binary), nullptr);
-    EXPECT_EQ(open_for_update(path("f").c_str(), file_mode::binary), nullptr);
     EXPECT_EQ(open_for_append(path("f").c_str(), file_mode::binary), nullptr);
     EXPECT_EQ(remove_file(path("f").c_str()), EACCES);
     EXPECT_EQ(bytesOf(directory_ / "f"), "text");
@@ -154,7 +116,6 @@ TEST_F(PlatformWindows, RemovesFilesByTheirWideNames) {
 TEST_F(PlatformWindows, ClosesWhatItHasOpened) {
     writeBytes(directory_ / "f", "text");
     open_for_read(path("f"), file_mode::text).reset();
-    open_for_update(path("f").c_str(), file_mode::text).reset();
     file_identity identity = {};
     EXPECT_TRUE(read_identity(path("f").c_str(), identity));
     EXPECT_NE(::DeleteFileW((directory_ / "f").c_str()), 0);

@@ -2,7 +2,6 @@
 #include <tests/torture/operation_test.h>
 #include <trvfiles/support/diagnostics.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace trv::testing {
@@ -13,12 +12,6 @@ bool isPrefix(const std::string& part, const std::string& whole) {
 }
 
 }  // namespace
-
-int tortureRounds() {
-    const char* rounds = std::getenv("TRV_TORTURE_ROUNDS");
-    const int number = rounds == nullptr ? 1 : std::atoi(rounds);
-    return number < 1 ? 1 : number;
-}
 
 void OperationTest::SetUp() {
     Workshop::makeFiles();

@@ -4,6 +4,7 @@
 /// What holds for every operation, whatever has struck it.
 
 #include <tests/common/temporary_directory.h>
+#include <tests/common/torture_rounds.h>
 #include <tests/torture/operations.h>
 #include <tests/torture/shared_memory.h>
 
@@ -12,10 +13,6 @@
 #include <string>
 
 namespace trv::testing {
-
-/// How often what is only tried at random, or in steps, is tried: the number in the environment
-/// variable TRV_TORTURE_ROUNDS, and 1 without it.
-int tortureRounds();
 
 class OperationTest : public ::testing::TestWithParam<Operation> {
 protected:

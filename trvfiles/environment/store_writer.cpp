@@ -1,12 +1,10 @@
 #include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/support/diagnostics.h>
-#include <trvfiles/support/platform.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -96,51 +94,15 @@ file_content messages_of(const message_store& store) {
     return content;
 }
 
-// A file beside the target, removed again unless it takes the target's place. From the moment it
-// exists no name is translated any more: that would take memory, and without it the file would
-// stay.
-class temporary_file {
-public:
-    temporary_file(const std::string& name, const std::string& target)
-        : name_(platform::native_path(name.c_str())),
-          target_(platform::native_path(target.c_str())),
-          file_(platform::open_for_write(name_.c_str(), platform::file_mode::text)),
-          exists_(file_ != nullptr) {}
-    ~temporary_file() {
-        file_.reset();
-        if (exists_) platform::remove_file(name_.c_str());
-    }
-    temporary_file(const temporary_file&) = delete;
-    temporary_file& operator=(const temporary_file&) = delete;
-
-    bool is_open() const { return file_ != nullptr; }
-
-    /// @return 0, or the system's number for what went wrong
-    int write_and_replace(const std::string& text) {
-        errno = EIO;  // for a failure that leaves no number of its own
-        if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) return errno;
-        if (const int failure = platform::sync_file(file_.get()); failure != 0) return failure;
-        if (std::fclose(file_.release()) != 0) return errno;
-        exists_ = false;
-        return platform::replace_file(name_.c_str(), target_.c_str());
-    }
-
-private:
-    std::string name_;
-    std::string target_;
-    platform::file_handle file_;
-    bool exists_;
-};
-
 // Saves what `content_of(store)` makes of the store.
 //
 // @param new_file  whether the texts that are written belong to the target from then on
 template <class Content>
-int save(message_store& store, const std::string& target, const std::string& temporary_name,
-         bool new_file, Content content_of) {
-    temporary_file temporary(temporary_name, target);
-    if (!temporary.is_open()) {
-        report_fatal(("Store messages : error opening file '" + temporary_name + "'").c_str());
+int save(message_store& store, const std::string& target, file_replacement& held, bool new_file,
+         Content content_of) {
+    if (!held.is_open()) {
+        report_fatal(
+            ("Store messages : error opening file '" + held.temporary_path() + "'").c_str());
         return -1;
     }
     const std::int32_t file = register_file_name(&store, target.c_str());
@@ -149,7 +111,7 @@ int save(message_store& store, const std::string& target, const std::string& tem
         return -1;
     }
     const file_content content = content_of(store);
-    const int failure = temporary.write_and_replace(content.text());
+    const int failure = held.write_and_replace(content.text());
     if (failure != 0) return -failure;
     for (const file_content::entry& written : content.entries()) {
         text_record& record = store.texts.record(written.text);
@@ -163,16 +125,22 @@ int save(message_store& store, const std::string& target, const std::string& tem
 
 int store_parameters(message_store* store, const char* file_name) {
     if (store == nullptr || file_name == nullptr) return -1;
+    file_replacement held(file_name);
+    return store_parameters(store, file_name, held);
+}
+
+int store_parameters(message_store* store, const char* file_name, file_replacement& held) {
+    if (store == nullptr || file_name == nullptr) return -1;
     const std::string target(file_name);
-    return save(*store, target, target + ".messages.tmp", true,
+    return save(*store, target, held, true,
                 [&](const message_store& saved) { return parameters_of(saved, target); });
 }
 
 int store_messages(message_store* store, const char* file_name) {
     if (store == nullptr || file_name == nullptr) return -1;
     const std::string target(file_name);
-    const std::size_t directory = target.find_last_of("/\\") + 1;
-    return save(*store, target, target.substr(0, directory) + "messages.tmp", false, messages_of);
+    file_replacement held(target, shared_temporary_name);
+    return save(*store, target, held, false, messages_of);
 }
 
 }  // namespace trv

@@ -51,9 +51,8 @@ bool counter_path(char* path) {
 std::optional<std::string> new_zone_number(const char* zone_file) {
     char counter[path_size];
     if (!counter_path(counter)) return std::nullopt;
-    std::optional<std::string> number = draw_zone_number(counter);
-    if (number && !write_zone_number(zone_file, *number)) return std::nullopt;
-    return number;
+    const std::optional<std::string> number = draw_zone_number(counter);
+    return number ? create_zone_number(zone_file, *number) : std::nullopt;
 }
 
 std::optional<std::string> zone_number() {
@@ -78,6 +77,8 @@ bool work_out_directory() {
 
 void make_missing_directory(const char* directory) {
     if (is_directory(directory) || make_directory(directory) == 0) return;
+    // Another process of this zone may have been faster.
+    if (is_directory(directory)) return;
     const std::string text =
         std::string("Could not create temporary directory '") + directory + "'";
     report_fatal(text.c_str());

@@ -1,12 +1,15 @@
+#include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/environment/zone_number.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/number_text.h>
-#include <trvfiles/support/platform.h>
+#include <trvfiles/support/platform_sharing.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 namespace trv {
 namespace {
@@ -22,10 +25,10 @@ bool read_line(std::FILE* file, std::string& line) {
     return true;
 }
 
-bool write_line(std::FILE* file, const std::string& line) {
-    static_cast<void>(std::fputs((line + '\n').c_str(), file));
-    static_cast<void>(std::fflush(file));
-    return std::ferror(file) == 0;
+// Closes the file, which shows the last failures.
+bool write_line(platform::file_handle file, const std::string& line) {
+    const bool is_written = std::fputs((line + '\n').c_str(), file.get()) >= 0;
+    return std::fclose(file.release()) == 0 && is_written;
 }
 
 void report(std::string_view before, const char* path, std::string_view after) {
@@ -70,6 +73,15 @@ std::string zone_number_text(std::uint32_t number) {
     return text;
 }
 
+// The file appears under its name with the whole text, unless something has the name already.
+int create_file(const char* path, const std::string& text) {
+    // A link that leads nowhere gets its file.
+    std::string target = platform::native_path(path);
+    if (const int failure = platform::follow_links(target); failure != 0) return failure;
+    file_replacement file(target, own_temporary_name, file_replacement::existing::refused);
+    return file.write_and_replace(text);
+}
+
 }  // namespace
 
 std::optional<std::string> read_zone_number(const char* path) {
@@ -102,24 +114,18 @@ std::optional<std::string> draw_zone_number(const char* path) {
     }
     const std::string number = zone_number_text(hexadecimal_number(line) + 1);
     std::rewind(file.get());
-    if (!write_line(file.get(), number)) {
-        // A number that is not counted would be drawn again by another zone.
-        file.reset();
-        report("Error opening ", path, " file\n");
-        return std::nullopt;
-    }
-    return number;
+    if (write_line(std::move(file), number)) return number;
+    // A number that is not counted would be given to another zone as well.
+    report("Error opening ", path, " file\n");
+    return std::nullopt;
 }
 
-bool write_zone_number(const char* path, const std::string& number) {
-    platform::file_handle file = platform::open_for_write(path, platform::file_mode::text);
-    const bool is_opened = file != nullptr;
-    if (is_opened && write_line(file.get(), number)) return true;
-    file.reset();
-    // Half a number would be another zone's.
-    if (is_opened) platform::remove_file(path);
+std::optional<std::string> create_zone_number(const char* path, const std::string& number) {
+    const int failure = create_file(path, number + '\n');
+    if (failure == 0) return number;
+    if (failure == EEXIST) return read_zone_number(path);
     report("Error creating ", path, " file\n");
-    return false;
+    return std::nullopt;
 }
 
 }  // namespace trv

@@ -15,7 +15,8 @@ namespace trv {
 /// The number of a zone, as its file holds it up to the 80th character, without trailing blanks.
 std::optional<std::string> read_zone_number(const char* path);
 
-/// Moves the installation's counter on by one.
+/// Allocates the next number of the installation's counter. The file is locked meanwhile, so that
+/// no two processes get the same number.
 ///
 /// What does not read as a hexadecimal number counts as 0, more than ffffffff as ffffffff, which is
 /// followed by 0. The file is written over, not cut: the rest of a longer line stays.
@@ -24,9 +25,10 @@ std::optional<std::string> read_zone_number(const char* path);
 /// @return the new number
 std::optional<std::string> draw_zone_number(const char* path);
 
-/// Creates the file of a new zone.
+/// Creates the file of a new zone. It appears complete: whoever finds it reads the whole number.
 ///
-/// @return whether the file is there, whole
-bool write_zone_number(const char* path, const std::string& number);
+/// @return the number of the zone: `number`, or that of another process which has created the file
+///         meanwhile
+std::optional<std::string> create_zone_number(const char* path, const std::string& number);
 
 }  // namespace trv

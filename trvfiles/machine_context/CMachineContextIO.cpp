@@ -116,14 +116,15 @@ EFileIOStatus CMachineContextIO::read(CMachineContextData& data, trv::MissingKey
 
 // A section that lacks one of its keys must not replace the good one of an existing file, so a key
 // that cannot be set counts like a section that cannot be added.
-EFileIOStatus CMachineContextIO::write(const CMachineContextData& data) {
+EFileIOStatus CMachineContextIO::write(const CMachineContextData& data,
+                                       trv::file_replacement* held) {
     setVersion(formatVersion);
     EFileIOStatus status = writeHeader(data) ? eFileIOSuccess : eFileIOStructureError;
     if (!writeMachine(data)) status = eFileIOStructureError;
     if (!writePostprocessor(data)) status = eFileIOStructureError;
     if (!writePart(data)) status = eFileIOContentError;
     if (!writeClampingSystem(data)) status = eFileIOContentError;
-    return status == eFileIOSuccess ? saveFile() : status;
+    return status == eFileIOSuccess ? saveFile(held) : status;
 }
 
 bool CMachineContextIO::writeHeader(const CMachineContextData& data) {
@@ -186,7 +187,7 @@ bool CMachineContextIO::setProximity(int section, double value) {
                                          static_cast<float>(value)) == 0;
 }
 
-EFileIOStatus CMachineContextIO::saveFile() {
+EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held) {
     if (!trv::isOpenable(path_)) return eFileIOOpenError;
     std::string path;
     if (!trv::runtimePath(path_, path)) {
@@ -196,5 +197,6 @@ EFileIOStatus CMachineContextIO::saveFile() {
                 .c_str());
         return eFileIOOpenError;
     }
-    return save(path.c_str()) < 0 ? eFileIOOpenError : eFileIOSuccess;
+    const int result = held == nullptr ? save(path.c_str()) : save(path.c_str(), *held);
+    return result < 0 ? eFileIOOpenError : eFileIOSuccess;
 }

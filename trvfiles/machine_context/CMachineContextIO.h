@@ -42,7 +42,10 @@ public:
     EFileIOStatus read(CMachineContextData& data, trv::MissingKey* missing = nullptr);
 
     /// Writes a record to the file; the statuses are those of CQvFilesIO::writeMachineContext().
-    EFileIOStatus write(const CMachineContextData& data);
+    ///
+    /// @param held  a replacement of this file, if the caller has read or checked something since
+    ///              it holds it; nullptr to hold the file for the save alone
+    EFileIOStatus write(const CMachineContextData& data, trv::file_replacement* held = nullptr);
 
 private:
     bool setText(int section, const char* key, std::string value);
@@ -52,7 +55,7 @@ private:
     bool writePostprocessor(const CMachineContextData& data);
     bool writePart(const CMachineContextData& data);
     bool writeClampingSystem(const CMachineContextData& data);
-    EFileIOStatus saveFile();
+    EFileIOStatus saveFile(trv::file_replacement* held);
 
     QString path_;
 };

@@ -1,3 +1,4 @@
+#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
@@ -52,6 +53,10 @@ int TrvIniFile::load(const char* fileName) {
 
 int TrvIniFile::save(const char* fileName) {
     return trv::store_parameters(document_, fileName);
+}
+
+int TrvIniFile::save(const char* fileName, trv::file_replacement& held) {
+    return trv::store_parameters(document_, fileName, held);
 }
 
 void TrvIniFile::close() {

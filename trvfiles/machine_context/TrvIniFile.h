@@ -6,8 +6,9 @@
 #include <cstdint>
 
 namespace trv {
+class file_replacement;
 struct message_store;
-}
+}  // namespace trv
 
 /// Builds, loads and saves a sectioned settings file in a store of its own.
 ///
@@ -40,6 +41,9 @@ public:
     /// @return 0; otherwise as store_parameters(), and -1 where nothing was set or loaded: no file
     ///         is touched then
     virtual int save(const char* fileName);
+
+    /// The same for a caller that has read or checked something since it holds the file.
+    virtual int save(const char* fileName, trv::file_replacement& held);
 
     /// Drops everything but the version.
     virtual void close();

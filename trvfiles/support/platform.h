@@ -60,12 +60,6 @@ inline file_handle open_for_write(const std::string& runtime_path, file_mode mod
     return open_for_write(runtime_path.c_str(), mode);
 }
 
-/// Opens an existing file for reading and for writing over what it holds ("r+"). Between the two
-/// stands a call that sets the position.
-///
-/// @return the file, or none with the reason in `errno`
-file_handle open_for_update(const char* runtime_path, file_mode mode);
-
 /// Opens a file for writing behind its end, and creates it where it is missing.
 ///
 /// @return the file, or none with the reason in `errno`
@@ -81,15 +75,6 @@ int sync_file(std::FILE* file);
 /// @return 0, or the `errno`
 int remove_file(const char* runtime_path);
 int remove_file(const std::filesystem::path& path);
-
-/// Puts a finished file in the place of another one, which need not exist.
-///
-/// On POSIX this is one step. On Windows the target is removed first, then the file is renamed.
-///
-/// @return 0, or the `errno`. After a failure the target has kept its bytes and `from` is removed;
-///         only where the target is gone already does `from` stay, because nothing else holds the
-///         text any more. So the caller removes nothing.
-int replace_file(const char* from, const char* to);
 
 /// Whether something of that name exists and its status can be read.
 bool path_exists(const char* runtime_path);

@@ -144,10 +144,6 @@ file_handle open_for_write(const char* runtime_path, file_mode) {
     return open_stream(system_path(runtime_path).c_str(), "we");
 }
 
-file_handle open_for_update(const char* runtime_path, file_mode) {
-    return open_stream(system_path(runtime_path).c_str(), "r+e");
-}
-
 file_handle open_for_append(const char* runtime_path, file_mode) {
     return open_stream(system_path(runtime_path).c_str(), "ae");
 }
@@ -169,12 +165,6 @@ int remove_file(const char* runtime_path) {
 
 int remove_file(const std::filesystem::path& path) {
     return code_of(::unlink(path.c_str()));
-}
-
-int replace_file(const char* from, const char* to) {
-    const int reason = code_of(std::rename(system_path(from).c_str(), system_path(to).c_str()));
-    if (reason != 0) remove_file(from);
-    return reason;
 }
 
 bool path_exists(const char* runtime_path) {

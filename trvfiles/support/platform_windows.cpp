@@ -118,10 +118,6 @@ file_handle open_for_write(const char* runtime_path, file_mode mode) {
     return open_shared(runtime_path, "w", "wb", mode);
 }
 
-file_handle open_for_update(const char* runtime_path, file_mode mode) {
-    return open_shared(runtime_path, "r+", "r+b", mode);
-}
-
 file_handle open_for_append(const char* runtime_path, file_mode mode) {
     return open_shared(runtime_path, "a", "ab", mode);
 }
@@ -137,18 +133,6 @@ int remove_file(const char* runtime_path) {
 
 int remove_file(const std::filesystem::path& path) {
     return code_of(::_wunlink(path.c_str()));
-}
-
-int replace_file(const char* from, const char* to) {
-    const int removal = remove_file(to);
-    if (removal != 0 && removal != ENOENT) {
-        remove_file(from);
-        return removal;
-    }
-    const int reason = code_of(std::rename(native_path(from).c_str(), native_path(to).c_str()));
-    const bool target_is_gone = removal == 0;
-    if (reason != 0 && !target_is_gone) remove_file(from);
-    return reason;
 }
 
 bool path_exists(const char* runtime_path) {

@@ -1,0 +1,82 @@
+#include <trvfiles/environment/file_replacement.h>
+#include <trvfiles/support/ascii_case.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+constexpr std::string_view shared_name = "messages.tmp";
+
+bool is_shared_name(std::string_view name) {
+    return platform::backslash_separates() ? equal_ignoring_case(name, shared_name)
+                                           : name == shared_name;
+}
+
+}  // namespace
+
+std::string own_temporary_name(const std::string& target) {
+    return target + ".messages.tmp";
+}
+
+std::string shared_temporary_name(const std::string& target) {
+    const std::size_t name = target.find_last_of("/\\") + 1;
+    if (is_shared_name(std::string_view(target).substr(name))) return own_temporary_name(target);
+    return target.substr(0, name).append(shared_name);
+}
+
+file_replacement::file_replacement(const std::string& target, temporary_name name_of, existing what,
+                                   std::chrono::milliseconds wait)
+    : existing_(what), target_(platform::native_path(target.c_str())) {
+    std::string end = target_;
+    if (what == existing::replaced) open_failure_ = platform::follow_links(end);
+    // Reports name the path as it was given, unless another file is meant.
+    temporary_path_ = name_of(end == target_ ? target : end);
+    temporary_ = platform::native_path(temporary_path_.c_str());
+    target_ = std::move(end);
+    if (open_failure_ != 0) return;
+    held_ = platform::create_held(temporary_.c_str(), wait);
+    if (held_ < 0) {
+        open_failure_ = errno;
+    } else if (what == existing::refused && platform::is_name_taken(target_.c_str())) {
+        open_failure_ = EEXIST;
+        platform::remove_held(std::exchange(held_, -1), temporary_.c_str());
+    }
+}
+
+file_replacement::~file_replacement() {
+    if (is_open()) platform::remove_held(held_, temporary_.c_str());
+}
+
+int file_replacement::write_and_replace(const std::string& text) {
+    if (!is_open()) return open_failure_;
+    // The rights come first: nobody may read the text who could not read the old one.
+    if (existing_ == existing::replaced) {
+        const int failure = platform::copy_attributes(target_.c_str(), held_);
+        if (failure != 0) return failure;
+    }
+    if (const int failure = write(text); failure != 0) return failure;
+    const int failure = platform::move_held(held_, temporary_.c_str(), target_.c_str(), existing_);
+    if (failure != 0) return failure;
+    platform::release_held(std::exchange(held_, -1));
+    open_failure_ = EBADF;  // nothing is left to write to
+    return 0;
+}
+
+// Closing shows failures too, so the stream is closed before the file is renamed. The file stays
+// held.
+int file_replacement::write(const std::string& text) const {
+    errno = EIO;  // for a failure that leaves no number of its own
+    platform::file_handle stream = platform::open_stream_of(held_, platform::file_mode::text);
+    if (stream == nullptr) return errno;
+    if (std::fwrite(text.data(), 1, text.size(), stream.get()) != text.size()) return errno;
+    if (const int failure = platform::sync_file(stream.get()); failure != 0) return failure;
+    return std::fclose(stream.release()) == 0 ? 0 : errno;
+}
+
+}  // namespace trv

@@ -1,0 +1,87 @@
+#pragma once
+
+/// @file
+/// A file that is replaced as a whole.
+///
+/// The new text goes to a temporary file beside the target, which takes the target's place when it
+/// is complete and on the disk. Whoever opens the target reads the old text or the new one, whole;
+/// the process may be killed at any moment.
+///
+/// Threads: one at a time, with the whole runtime.
+
+#include <trvfiles/support/platform_sharing.h>
+
+#include <chrono>
+#include <string>
+
+namespace trv {
+
+/// The name of a target's temporary file.
+using temporary_name = std::string (*)(const std::string& target);
+
+/// The target's own: ".messages.tmp" is appended.
+std::string own_temporary_name(const std::string& target);
+
+/// One for all targets of a directory: "messages.tmp". For a target of this very name, the target's
+/// own.
+std::string shared_temporary_name(const std::string& target);
+
+/// Replaces a file, or creates it. From the constructor to the destructor the temporary file is
+/// locked, so that all who save to targets with this temporary file do so one after the other: who
+/// reads the target in between, and then replaces it, overwrites nobody's change.
+///
+/// A process holds one replacement of a temporary file at a time. A second one would wait for the
+/// first.
+///
+/// The target keeps permission bits, owner, group, access control list and extended attributes, as
+/// platform::copy_attributes() says. A target that is a symbolic link stays one: the file to which
+/// it leads is replaced, and has the temporary file beside it. Other hard links to the target keep
+/// the old text.
+class file_replacement {
+public:
+    /// What happens to a file that has the target's name. With `refused` a link is not followed:
+    /// its name is taken, also if it leads nowhere.
+    using existing = platform::existing_file;
+
+    /// Creates and locks the temporary file; other processes that hold it are waited for. Nothing
+    /// is reported.
+    ///
+    /// @param target  a runtime path
+    /// @param wait    the maximum time to wait
+    explicit file_replacement(const std::string& target,
+                              temporary_name name_of = own_temporary_name,
+                              existing what = existing::replaced,
+                              std::chrono::milliseconds wait = platform::max_lock_wait);
+    /// Removes the temporary file unless it has taken the target's place, and releases the lock.
+    ~file_replacement();
+    file_replacement(const file_replacement&) = delete;
+    file_replacement& operator=(const file_replacement&) = delete;
+
+    /// Whether the temporary file is locked, and empty so far.
+    bool is_open() const { return held_ >= 0; }
+    /// Why it is not, as an `errno`: ETIMEDOUT if another process held it for too long, EEXIST if
+    /// the target exists and is refused.
+    int open_failure() const { return open_failure_; }
+    /// The runtime path of the temporary file, for reports.
+    const std::string& temporary_path() const { return temporary_path_; }
+
+    /// Writes the text and puts it in the target's place. To be called once.
+    ///
+    /// @param text  its line ends become those of the system
+    /// @return 0, or the `errno` of the step that has failed; the target is as it was then
+    int write_and_replace(const std::string& text);
+
+private:
+    int write(const std::string& text) const;
+
+    existing existing_;
+    // Native paths. Once the file exists no name is translated any more: that would take memory,
+    // and without memory the file would stay.
+    std::string target_;
+    std::string temporary_path_;
+    std::string temporary_;
+    int open_failure_ = 0;
+    int held_ = -1;
+};
+
+}  // namespace trv

@@ -1,0 +1,260 @@
+#include <trvfiles/support/platform_sharing.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <cstdio>
+#include <ctime>
+#include <thread>
+#include <utility>
+
+namespace trv::platform {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+int code_of(int result) {
+    return result == 0 ? 0 : errno;
+}
+
+class descriptor {
+public:
+    descriptor() = default;
+    explicit descriptor(int number) : number_(number) {}
+    ~descriptor() { reset(); }
+    descriptor(const descriptor&) = delete;
+    descriptor& operator=(const descriptor&) = delete;
+
+    int get() const { return number_; }
+    bool is_open() const { return number_ >= 0; }
+    void reset(int number = -1) {
+        if (is_open()) ::close(number_);
+        number_ = number;
+    }
+    int release() { return std::exchange(number_, -1); }
+
+private:
+    int number_ = -1;
+};
+
+int open_itself(const char* path, int flags) {
+    constexpr mode_t everyone_as_the_mask_allows = 0666;
+    int number = -1;
+    do {
+        number = ::open(path, flags | O_NOFOLLOW | O_CLOEXEC, everyone_as_the_mask_allows);
+    } while (number < 0 && errno == EINTR);
+    return number;
+}
+
+bool is_named(int file, const char* path) {
+    struct stat held = {};
+    struct stat named = {};
+    return ::fstat(file, &held) == 0 && ::lstat(path, &named) == 0 && held.st_dev == named.st_dev &&
+           held.st_ino == named.st_ino;
+}
+
+enum class lock_result { locked, refused, unavailable };
+
+lock_result try_lock(int file) {
+    int result = 0;
+    do {
+        result = ::flock(file, LOCK_EX | LOCK_NB);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0) return lock_result::locked;
+    return errno == EWOULDBLOCK ? lock_result::refused : lock_result::unavailable;
+}
+
+// The pauses between two attempts, until their time is over.
+class waiting {
+public:
+    explicit waiting(std::chrono::milliseconds wait) : end_(clock::now() + wait) {}
+
+    bool is_over() const { return clock::now() >= end_; }
+
+    bool pause() {
+        // Two processes that save without a break leave a moment between two saves. A longer pause
+        // would miss it for seconds.
+        constexpr std::chrono::milliseconds max_pause(8);
+        if (is_over()) return false;
+        std::this_thread::sleep_for(pause_);
+        pause_ = std::min(2 * pause_, max_pause);
+        return true;
+    }
+
+private:
+    using clock = std::chrono::steady_clock;
+    clock::time_point end_;
+    std::chrono::milliseconds pause_{1};
+};
+
+// The reason why a file that cannot be locked is not free yet; 0 if it has been removed. One that
+// has not changed for so long is not in use: its holder would have finished.
+int remove_unlocked(const char* path, const struct stat& status, std::chrono::milliseconds wait) {
+    using std::chrono::nanoseconds;
+    using std::chrono::seconds;
+    timespec now = {};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const nanoseconds age = seconds(now.tv_sec - status.st_ctim.tv_sec) +
+                            nanoseconds(now.tv_nsec - status.st_ctim.tv_nsec);
+    return std::chrono::abs(age) >= wait ? code_of(::unlink(path)) : EBUSY;
+}
+
+// Removes a regular file unless another caller holds it. Its lock is held meanwhile: a caller that
+// has opened the file before waits, and then finds that the name is gone.
+int remove_left_file(const char* path, const struct stat& status, std::chrono::milliseconds wait) {
+    descriptor file(open_itself(path, O_RDWR | O_NONBLOCK));
+    // Reading is enough for a lock.
+    if (!file.is_open() && errno == EACCES) file.reset(open_itself(path, O_RDONLY | O_NONBLOCK));
+    if (!file.is_open()) return errno == EACCES ? remove_unlocked(path, status, wait) : errno;
+    switch (try_lock(file.get())) {
+        case lock_result::refused:
+            return EBUSY;
+        case lock_result::unavailable:
+            return remove_unlocked(path, status, wait);
+        case lock_result::locked:
+            break;
+    }
+    return is_named(file.get(), path) ? code_of(::unlink(path)) : 0;
+}
+
+// Removes what has the name. A caller that holds a file never gives it a second name.
+//
+// @return 0, EBUSY if another caller holds the file, or why it cannot be removed
+int clear_name(const char* path, std::chrono::milliseconds wait) {
+    struct stat status = {};
+    if (::lstat(path, &status) != 0) return errno;
+    if (S_ISDIR(status.st_mode)) return EISDIR;
+    const bool may_be_held = S_ISREG(status.st_mode) && status.st_nlink < 2;
+    return may_be_held ? remove_left_file(path, status, wait) : code_of(::unlink(path));
+}
+
+// Tries to create and lock the file.
+//
+// @return 0; EAGAIN if it is worth another attempt at once, EBUSY after a pause
+int try_to_hold(const char* path, std::chrono::milliseconds wait, descriptor& file) {
+    file.reset(open_itself(path, O_RDWR | O_CREAT | O_EXCL));
+    if (file.is_open()) {
+        // Before it was locked, another caller may have taken it for a file that was left behind.
+        // On a file system without locks there is nothing to compare but the name.
+        if (try_lock(file.get()) != lock_result::refused && is_named(file.get(), path)) return 0;
+        file.reset();
+        return EBUSY;
+    }
+    if (errno != EEXIST) return errno;
+    const int reason = clear_name(path, wait);
+    // The name is free, or something else has it by now.
+    const bool has_changed = reason == 0 || reason == ENOENT || reason == ELOOP;
+    return has_changed ? EAGAIN : reason;
+}
+
+int rename_without_replacing(const char* from, const char* to) {
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+#endif
+    if (::link(from, to) == 0) {
+        // If the first name stays, the next caller takes it for one that was left behind.
+        static_cast<void>(::unlink(from));
+        return 0;
+    }
+    const bool has_links = errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
+    if (has_links) return errno;
+    // The lock keeps other callers away, which all create the target from a held file.
+    return is_name_taken(to) ? EEXIST : code_of(std::rename(from, to));
+}
+
+}  // namespace
+
+file_handle open_for_update(const char* runtime_path, file_mode, std::chrono::milliseconds wait) {
+    const std::string path = native_path(runtime_path);
+    file_handle file;
+    do {
+        file.reset(std::fopen(path.c_str(), "r+e"));
+    } while (file == nullptr && errno == EINTR);
+    if (file == nullptr) return file;
+    waiting turn(wait);
+    while (try_lock(::fileno(file.get())) == lock_result::refused) {
+        if (turn.pause()) continue;
+        file.reset();
+        errno = ETIMEDOUT;
+        break;
+    }
+    return file;
+}
+
+int create_held(const char* path, std::chrono::milliseconds wait) {
+    descriptor file;
+    waiting turn(wait);
+    int reason = 0;
+    bool goes_on = true;
+    while (goes_on) {
+        const bool was_free = reason == EAGAIN;
+        reason = try_to_hold(path, wait, file);
+        // Somebody who puts something under the name again and again does not keep the caller here.
+        if (reason == EAGAIN)
+            goes_on = !was_free || !turn.is_over();
+        else
+            goes_on = reason == EBUSY && turn.pause();
+    }
+    if (reason == 0) return file.release();
+    errno = reason == EBUSY || reason == EAGAIN ? ETIMEDOUT : reason;
+    return -1;
+}
+
+file_handle open_stream_of(int held, file_mode) {
+    descriptor copy(::fcntl(held, F_DUPFD_CLOEXEC, 0));
+    if (!copy.is_open()) return nullptr;
+    file_handle stream(::fdopen(copy.get(), "w"));
+    if (stream != nullptr) copy.release();
+    return stream;
+}
+
+int move_held(int held, const char* from, const char* to, existing_file existing) {
+    if (!is_named(held, from)) return ENOENT;
+    if (existing == existing_file::refused) return rename_without_replacing(from, to);
+    return code_of(std::rename(from, to));
+}
+
+void release_held(int held) {
+    ::close(held);
+}
+
+void remove_held(int held, const char* path) {
+    if (is_named(held, path)) ::unlink(path);
+    ::close(held);
+}
+
+int follow_links(std::string& path) {
+    constexpr int max_links = 40;
+    char text[PATH_MAX];
+    ssize_t length = ::readlink(path.c_str(), text, sizeof text);
+    if (length < 0) return 0;
+    struct stat status = {};
+    const bool leads_somewhere = ::stat(path.c_str(), &status) == 0;
+    // The system does not let every process follow a link in a directory that all can write to.
+    if (!leads_somewhere && errno != ENOENT) return errno;
+    // A device or a pipe is not replaced by a file; the link is.
+    if (leads_somewhere && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return 0;
+    std::string end = path;
+    for (int links = 0; length >= 0; ++links) {
+        if (links == max_links) return ELOOP;
+        end.erase(*text == '/' ? 0 : end.rfind('/') + 1);
+        end.append(text, static_cast<std::size_t>(length));
+        length = ::readlink(end.c_str(), text, sizeof text);
+    }
+    path = end;
+    return 0;
+}
+
+bool is_name_taken(const char* path) {
+    struct stat status = {};
+    return ::lstat(path, &status) == 0;
+}
+
+}  // namespace trv::platform
