@@ -1,14 +1,16 @@
+#include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/axis_file.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/machine_context/context_creation.h>
 #include <trvfiles/machine_context/context_graph.h>
 #include <trvfiles/machine_context/context_names.h>
 #include <trvfiles/machine_context/context_search.h>
 #include <trvfiles/support/number_text.h>
-#include <trvfiles/support/platform.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -59,24 +61,38 @@ bool scanPosition(const std::wstring& file, int& position) {
     return trv::scan_decimal(text, position);
 }
 
-bool writeIdentity(CQvFilesIO& files, const std::wstring& name) {
-    constexpr double identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    constexpr int noTag = -1;
-    return files.writeAxis(name, identity, noTag, noTag, noTag) == eFileIOSuccess;
+using Existing = trv::ContextCreation::existing;
+
+Existing replacedIf(bool isThere) {
+    return isThere ? Existing::replaced : Existing::refused;
 }
 
-// A file that is there but cannot be read is never written over.
+QString absolutePath(const CQvFilesIO& files, const std::wstring& name) {
+    return trv::fromWide(files.absoluteFileName(name));
+}
+
+// The path by which CQvFilesIO::writeMachineContext() goes.
+QString contextPath(const CQvFilesIO& files, const std::wstring& name) {
+    const QString path = absolutePath(files, name);
+    return trv::isOpenable(path) ? QFileInfo(path).absoluteFilePath() : path;
+}
+
+// Creates the directory's own axis file if nothing has its name. It appears complete: another
+// caller copies it as soon as it is there.
 bool provideAxis(CQvFilesIO& files, const std::wstring& name) {
     if (files.isfileExists(name)) return true;
-    const QString path = trv::fromWide(files.absoluteFileName(name));
-    // Qt would print a warning about a path that names no file.
-    if (!trv::isOpenable(path)) return false;
-    return !QFileInfo::exists(path) && writeIdentity(files, name);
-}
-
-// REQUIRES: a path that has just been written to.
-void removeFile(const std::wstring& path) {
-    trv::platform::remove_file(trv::systemPath(trv::fromWide(path)));
+    constexpr trv::AxisMatrix identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    constexpr int noTag = -1;
+    const QString path = absolutePath(files, name);
+    std::string target;
+    if (!trv::runtimePath(path, target)) {
+        // No context can be saved here either, so nobody copies the file.
+        return trv::isOpenable(path) && !QFileInfo::exists(path) &&
+               files.writeAxis(name, identity.data(), noTag, noTag, noTag) == eFileIOSuccess;
+    }
+    trv::file_replacement axis(target, trv::own_temporary_name, Existing::refused);
+    const int failure = axis.write_and_replace(trv::axisFileText(identity, noTag, noTag, noTag));
+    return failure == 0 || files.isfileExists(name);
 }
 
 void give(std::wstring* destination, std::wstring&& text) {
@@ -125,20 +141,22 @@ bool CMachineContextUtils::sCreateDefaultMachineContext(const std::wstring& dire
     if (position < 1) return false;
     trv::ContextNames names = trv::defaultContextNames(position);
     CQvFilesIO files(directory);
-    if (files.isfileExists(names.contextFile) && files.isfileExists(names.referenceFile))
-        return false;
-
+    const bool hasContext = files.isfileExists(names.contextFile);
+    if (hasContext && files.isfileExists(names.referenceFile)) return false;
     if (!provideAxis(files, names.axisFile)) return false;
-    const std::wstring referencePath = files.absoluteFileName(names.referenceFile);
-    if (!files.copyFile(files.absoluteFileName(names.axisFile), referencePath)) return false;
 
+    trv::ContextCreation creation(contextPath(files, names.contextFile), replacedIf(hasContext));
+    // Another caller may have created the missing files in the meantime.
+    const bool hasReference = files.isfileExists(names.referenceFile);
+    if (hasReference && files.isfileExists(names.contextFile)) return false;
+    if (!creation.copyAxis(absolutePath(files, names.axisFile),
+                           absolutePath(files, names.referenceFile), replacedIf(hasReference))) {
+        return false;
+    }
     CMachineContextData record;
     record.setMachinePositionW(names.referenceFile);
     record.setNameW(names.context);
-    if (files.writeMachineContext(names.contextFile, record) != eFileIOSuccess) {
-        removeFile(referencePath);
-        return false;
-    }
+    if (!creation.write(record)) return false;
     give(contextFile, std::move(names.contextFile));
     give(referenceFile, std::move(names.referenceFile));
     return true;
@@ -153,19 +171,25 @@ bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
     trv::ContextNames names = trv::createdContextNames(machine, referenceAxisFile, contextFile);
     CQvFilesIO files(directory);
     if (!files.isfileExists(names.axisFile)) return false;
-    if (files.isfileExists(names.contextFile) || files.isfileExists(names.referenceFile))
-        return false;
+    const auto hasOne = [&] {
+        return files.isfileExists(names.contextFile) || files.isfileExists(names.referenceFile);
+    };
+    if (hasOne()) return false;
 
-    // Bare names, unlike the checks above: copying and deleting go by the current directory.
-    if (!files.copyFile(names.axisFile, names.referenceFile)) return false;
+    trv::ContextCreation creation(contextPath(files, names.contextFile), Existing::refused);
+    // Bare names, unlike the checks around: copying and deleting go by the current directory.
+    const bool hasReference = CQvFilesIO(std::wstring()).isfileExists(names.referenceFile);
+    // Another caller may have created the context in the meantime.
+    if (hasOne()) return false;
+    if (!creation.copyAxis(trv::fromWide(names.axisFile), trv::fromWide(names.referenceFile),
+                           replacedIf(hasReference))) {
+        return false;
+    }
     CMachineContextData record;
     record.setMachineNameW(machine);
     record.setMachinePositionW(names.referenceFile);
     record.setNameW(names.context);
-    if (files.writeMachineContext(names.contextFile, record) != eFileIOSuccess) {
-        removeFile(names.referenceFile);
-        return false;
-    }
+    if (!creation.write(record)) return false;
     give(createdContextFile, std::move(names.contextFile));
     give(createdReferenceFile, std::move(names.referenceFile));
     return true;
