@@ -45,26 +45,40 @@ bool exists(const QString& path) {
     return info.exists() || info.isSymLink();
 }
 
-// Why a file cannot be created; empty where it can. Leaves none behind.
+QString lastReason() {
+    return QString::fromStdString(std::generic_category().message(errno));
+}
+
+// Why a file can be neither created nor, if it exists, read; empty if it can. Leaves none behind.
 QString whyNotCreated(const QString& path) {
-    if (exists(path)) return {};
     errno = 0;
-    if (openForWrite(resolved(path), platform::file_mode::binary) == nullptr) {
-        return QString::fromStdString(std::generic_category().message(errno));
+    if (exists(path)) {
+        if (!QFileInfo::exists(resolved(path)))
+            return QStringLiteral("is a link that leads nowhere");
+        const bool isReadable = openForRead(resolved(path), platform::file_mode::binary) != nullptr;
+        return isReadable ? QString() : lastReason();
     }
+    if (openForWrite(resolved(path), platform::file_mode::binary) == nullptr) return lastReason();
     platform::remove_file(systemPath(resolved(path)));
     return {};
 }
 
-// After the catalogue has said no: the first file that cannot be created.
+// After the catalogue has refused: the first file that cannot be created.
 ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
                           const Console& console) {
+    const QString context = pathIn(directory, plan.context);
+    // A failure leaves at most one of the two: another process has created both in the meantime.
+    if (exists(context) && exists(pathIn(directory, plan.reference))) {
+        return fail(context, QStringLiteral("is there already"), console);
+    }
     for (const QString& file : {plan.axisFile, plan.reference, plan.context}) {
         const QString path = pathIn(directory, file);
         const QString reason = whyNotCreated(path);
         if (!reason.isEmpty()) return fail(path, reason, console);
     }
-    return fail(pathIn(directory, plan.context), QStringLiteral("cannot be written"), console);
+    // The axis file is the first one that is written, and it stays.
+    const QString axis = pathIn(directory, plan.axisFile);
+    return fail(exists(axis) ? context : axis, QStringLiteral("cannot be written"), console);
 }
 
 using Creation = std::function<bool(std::wstring& context, std::wstring& reference)>;

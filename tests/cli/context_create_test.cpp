@@ -1,8 +1,12 @@
 #include <tests/cli/context_directory.h>
 #include <tests/common/child_process.h>
 #include <tests/common/current_directory.h>
+#include <trvfiles/environment/file_replacement.h>
 
 #include <gmock/gmock.h>
+
+#include <chrono>
+#include <thread>
 
 namespace trv::testing {
 namespace {
@@ -249,12 +253,72 @@ TEST_F(ContextCreate, SaysWhenTheFileCannotBeWrittenToItsEnd) {
     if (!can_fork) GTEST_SKIP() << "the limit is set in a child process";
     EXPECT_TRUE(passesInChild([&] {
         ASSERT_TRUE(limitFileSize(100));
-        const Answer answer = create("--position 1");
-        EXPECT_EQ(answer.status, 2);
-        EXPECT_EQ(answer.err,
-                  "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": cannot be written\n");
+        expectFailure(create("--position 1"),
+                      "trvfiles: " + text("transfo.dat") + ": cannot be written\n");
+    }));
+    EXPECT_THAT(names(), IsEmpty());
+    file("transfo.dat", identityAxis);
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(limitFileSize(100));
+        for (const char* options : {"--position 1", "--machine m --name [MACHINE_POSITION_1]"}) {
+            expectFailure(create(options), "trvfiles: " + text("[MACHINE_POSITION_1].mctx") +
+                                               ": cannot be written\n");
+        }
     }));
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
+}
+
+TEST_F(ContextCreate, SaysWhichLinkLeadsNowhere) {
+    file("transfo.dat", identityAxis);
+    for (const char* name :
+         {"[MACHINE_POSITION_1].mctx", "[stockposition@[MACHINE_POSITION_1]]MACHINE.ref"}) {
+        std::error_code error;
+        std::filesystem::create_symlink("nowhere", directory_ / name, error);
+        if (error) GTEST_SKIP() << "links cannot be made here";
+        expectFailure(create("--position 1"),
+                      "trvfiles: " + text(name) + ": is a link that leads nowhere\n");
+        EXPECT_THAT(names(), ElementsAre(name, "transfo.dat"));
+        std::filesystem::remove(directory_ / name);
+    }
+}
+
+TEST_F(ContextCreate, SaysWhichFileTheUserMayNotRead) {
+    if (!can_fork) GTEST_SKIP() << "rights are given up in a child process";
+    file("transfo.dat", identityAxis);
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0777));
+    for (const char* name :
+         {"[MACHINE_POSITION_1].mctx", "[stockposition@[MACHINE_POSITION_1]]MACHINE.ref"}) {
+        file(name, "mine");
+        std::filesystem::permissions(directory_ / name, std::filesystem::perms(0222));
+        EXPECT_TRUE(passesInChild([&] {
+            ASSERT_TRUE(becomeOrdinaryUser());
+            expectFailure(create("--position 1"),
+                          "trvfiles: " + text(name) + ": Permission denied\n");
+        }));
+        EXPECT_EQ(bytes(name), "mine");
+        std::filesystem::remove(directory_ / name);
+    }
+}
+
+TEST_F(ContextCreate, SaysThatAnotherProcessWasFirst) {
+    if (!can_fork) GTEST_SKIP() << "needs a second process";
+    file("transfo.dat", identityAxis);
+    const std::filesystem::path ready = directory_ / "ready";
+    EXPECT_TRUE(passesInChildren(2, [&](int process) {
+        if (process == 0) {
+            const file_replacement held((directory_ / "[MACHINE_POSITION_1].mctx").string());
+            file("ready", "");
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            file("[stockposition@[MACHINE_POSITION_1]]MACHINE.ref", "first");
+            file("[MACHINE_POSITION_1].mctx", "first");
+            return;
+        }
+        while (!std::filesystem::exists(ready))
+            std::this_thread::yield();
+        expectFailure(create("--position 1"),
+                      "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": is there already\n");
+    }));
+    EXPECT_EQ(bytes("[MACHINE_POSITION_1].mctx"), "first");
 }
 
 TEST_F(ContextCreate, ExplainsItself) {

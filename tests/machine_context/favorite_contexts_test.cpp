@@ -187,6 +187,16 @@ TEST_F(FavoriteContexts, AreFoundBesideNamesThatAreNoText) {
     EXPECT_THAT(found(), ::testing::Contains("A/A.mctx"));
 }
 
+// QDir::cd() takes such a name for a resource that is compiled into the host.
+TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatBeginWithAColon) {
+    if (onWindows()) GTEST_SKIP() << "Windows has no such names";
+    add(":x/:x.mctx");
+    add(":/:.mctx");
+    add(":y/A/A.mctx");
+    add("a:b/a:b.mctx");
+    EXPECT_THAT(found(), ElementsAre("a:b/a:b.mctx"));
+}
+
 TEST_F(FavoriteContexts, MayBeBehindLinksToDirectories) {
     const TemporaryDirectory elsewhere;
     if (!link("L", elsewhere.path())) GTEST_SKIP() << "links cannot be made here";

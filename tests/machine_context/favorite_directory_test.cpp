@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -266,6 +267,92 @@ TEST_F(FavoriteDirectory, IsEmptyWhereTheInstallationsDoesNotFitEither) {
                     ElementsAre("_Expand(\"$TRVHOME\\standard\\machine_context\") = error -32 - "
                                 "buffer size 400 too small"));
         EXPECT_THAT(contexts(L""), IsEmpty());
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+// What the trace shows: the variable is expanded in every case, and what is undefined is told.
+
+TEST_F(FavoriteDirectory, TracesTheVariableThatItIsTakenFrom) {
+    const auto ask = [] {
+        const Installation installation;
+        const std::string directory = installation.root() + "/fav";
+        setVariable("TRV_MCTX_DEF", directory);
+        const ChannelLog log;
+        EXPECT_EQ(favorites(), directory);
+        EXPECT_THAT(log.traces(),
+                    ElementsAre("TRV_MCTX_DEF = '" + directory + "' from environment"));
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+TEST_F(FavoriteDirectory, TracesTheUndefinedVariableAndTheInstallation) {
+    const auto ask = [] {
+        const Installation installation;
+        trv::get_variable("TRV_MCTX_DEF");
+        const std::string root = "TRVHOME = '" + installation.root() + "' from environment";
+        const ChannelLog log;
+        EXPECT_EQ(favorites(), installation.fallback());
+        EXPECT_THAT(log.traces(), ElementsAre("TRV_MCTX_DEF = <undefined variable>", root));
+        log.traces().clear();
+        const ScopedVariable empty("TRV_MCTX_DEF", "");
+        EXPECT_EQ(favorites(), installation.fallback());
+        EXPECT_THAT(log.traces(), ElementsAre("TRV_MCTX_DEF = <undefined variable>", root));
+        EXPECT_THAT(log.errors(), IsEmpty());
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+TEST_F(FavoriteDirectory, TracesAnEmptyValueOfTheConfiguration) {
+    const auto ask = [] {
+        const Installation installation("[var]\nTRV_MCTX_DEF =\n");
+        trv::get_variable("TRV_MCTX_DEF");
+        const ChannelLog log;
+        EXPECT_EQ(favorites(), installation.fallback());
+        ASSERT_THAT(log.traces(), ::testing::SizeIs(2));
+        EXPECT_THAT(log.traces()[0], ::testing::StartsWith("TRV_MCTX_DEF = '' "));
+        EXPECT_EQ(log.traces()[1], "TRVHOME = '" + installation.root() + "' from environment");
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+TEST_F(FavoriteDirectory, TracesTheUndefinedInstallation) {
+    const auto ask = [] {
+        const Installation installation;
+        setVariable("TRVHOME", "");
+        setVariable("TRVNULL", "null-$");
+        const ChannelLog log;
+        EXPECT_EQ(favorites(), "");
+        // Each lookup tries to load the configuration, which is traced too.
+        std::vector<std::string>& traces = log.traces();
+        traces.erase(std::remove(traces.begin(), traces.end(), "LOADING ENVIRONMENT FILES ...."),
+                     traces.end());
+        EXPECT_THAT(traces, ElementsAre("TRV_MCTX_DEF = <undefined variable>",
+                                        "TRVHOME = <undefined variable>"));
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+TEST_F(FavoriteDirectory, ReportsATextForUndefinedVariablesThatIsTooLong) {
+    const auto ask = [] {
+        const Installation installation;
+        setVariable("TRVNULL", std::string(400, 'n'));
+        const ChannelLog log;
+        EXPECT_EQ(favorites(), installation.fallback());
+        EXPECT_THAT(log.errors(), ElementsAre("_Expand(\"$TRV_MCTX_DEF\") = error -32 - buffer "
+                                              "size 400 too small"));
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+// A value with a "+" is in a buffer that every lookup overwrites, also one of a trace handler.
+TEST_F(FavoriteDirectory, OutlivesTheLookupsOfATraceHandler) {
+    const auto ask = [] {
+        const Installation installation(
+            "[var]\nOTHER = o++o++o\nTRV_MCTX_DEF = $TRVHOME/a++b/$SUB\nSUB = c++d\n");
+        const ChannelLog log;
+        trv::set_trace_handler([](const char*) { trv::get_variable("OTHER"); });
+        EXPECT_EQ(favorites(), installation.root() + "/a+b/c+d");
     };
     TRV_EXPECT_IN_CHILD(ask);
 }

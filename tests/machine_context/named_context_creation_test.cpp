@@ -13,8 +13,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -350,6 +352,79 @@ TEST_F(NamedContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNobo
     EXPECT_EXIT(runAndLeave(call), endedByDefaultFatalHandler,
                 ::testing::AllOf(::testing::StartsWith("Store messages : error opening file '"),
                                  ::testing::EndsWith("/job.mctx.messages.tmp'\n")));
+    EXPECT_EQ(contents(),
+              (Contents{{"transfo.dat", "axis"}, {"job.mctx.messages.tmp", aDirectory}}));
+}
+
+TEST_F(NamedContextCreation, WorksAgainAfterAHandlerThatThrows) {
+    write("transfo.dat", "axis");
+    makeDirectory("job.mctx.messages.tmp");
+    const ChannelLog log;
+    trv::set_fatal_handler([](const char* message) { throw std::runtime_error(message); });
+    EXPECT_THROW(create({"m", "", "job.mctx"}), std::runtime_error);
+    expectUntouched();
+    EXPECT_EQ(contents(),
+              (Contents{{"transfo.dat", "axis"}, {"job.mctx.messages.tmp", aDirectory}}));
+    fs::remove(directory_ / "job.mctx.messages.tmp");
+    EXPECT_TRUE(create({"m", "", "job.mctx"}));
+}
+
+TEST_F(NamedContextCreation, TakesTheReferenceFileBackBeforeItReportsTheContext) {
+    write("transfo.dat", "axis");
+    makeDirectory("job.mctx.messages.tmp");
+    static bool hadReference;
+    hadReference = true;
+    const ChannelLog log;
+    trv::set_fatal_handler(
+        [](const char*) { hadReference = fs::exists("[stockposition@job]MACHINE.ref"); });
+    EXPECT_FALSE(create({"m", "", "job.mctx"}));
+    EXPECT_FALSE(hadReference);
+}
+
+// A link that leads nowhere would have the file created wherever it leads to.
+TEST_F(NamedContextCreation, CreatesNoFileThroughALink) {
+    makeDirectory("elsewhere");
+    const std::string reference = "[stockposition@job]MACHINE.ref";
+    for (const std::string& name : {"transfo.dat"s, reference, "job.mctx"s}) {
+        SCOPED_TRACE(name);
+        write("transfo.dat", "axis");
+        fs::remove(directory_ / name);
+        std::error_code error;
+        fs::create_symlink(directory_ / "elsewhere/f", directory_ / name, error);
+        if (error) GTEST_SKIP() << "links cannot be made here";
+        const ChannelLog log;
+        EXPECT_FALSE(create({"m", "", "job.mctx"}));
+        EXPECT_THAT(log.fatals(), IsEmpty());
+        EXPECT_TRUE(fs::is_symlink(directory_ / name));
+        EXPECT_TRUE(fs::is_empty(directory_ / "elsewhere"));
+        for (const std::string& other : {reference, "job.mctx"s, "job.mctx.messages.tmp"s}) {
+            EXPECT_TRUE(other == name || !fs::exists(fs::symlink_status(directory_ / other)))
+                << other;
+        }
+        fs::remove(directory_ / name);
+    }
+    write("transfo.dat", "axis");
+    EXPECT_TRUE(create({"m", "", "job.mctx"}));
+}
+
+TEST_F(NamedContextCreation, OverwritesNoFileThatTheUserMayNotRead) {
+    if (!can_fork) GTEST_SKIP() << "needs a child process";
+    fs::permissions(directory_.path(), fs::perms::all);
+    write("transfo.dat", "axis");
+    const std::string reference = "[stockposition@job]MACHINE.ref";
+    for (const std::string& name : {reference, "job.mctx"s}) {
+        SCOPED_TRACE(name);
+        write(name, "old");
+        fs::permissions(directory_ / name, fs::perms::others_write);
+        EXPECT_TRUE(passesInChild([&] {
+            ASSERT_TRUE(becomeOrdinaryUser());
+            const ChannelLog log;
+            EXPECT_FALSE(create({"m", "", "job.mctx"}));
+            EXPECT_THAT(log.fatals(), IsEmpty());
+        }));
+        EXPECT_EQ(contents(), (Contents{{"transfo.dat", "axis"}, {name, "old"}}));
+        fs::remove(directory_ / name);
+    }
 }
 
 TEST_F(NamedContextCreation, FailsOnAFullDisk) {

@@ -18,6 +18,7 @@ using trv::platform::file_handle;
 using trv::platform::file_mode;
 using trv::platform::open_for_read;
 using trv::platform::open_for_write;
+using trv::platform::open_new;
 using namespace std::string_literals;
 using namespace trv::testing;
 
@@ -87,6 +88,43 @@ TEST_F(Platform, CutsAnExistingFileToNothingForWriting) {
     file_handle file = open_for_write(directory_ / "f", file_mode::binary);
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(bytesOf(directory_ / "f"), "");
+}
+
+TEST_F(Platform, CreatesAFileThatIsNew) {
+    file_handle file = open_new(directory_ / "f", file_mode::binary);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(std::fwrite(binary_bytes.data(), 1, binary_bytes.size(), file.get()),
+              binary_bytes.size());
+    file.reset();
+    EXPECT_EQ(bytesOf(directory_ / "f"), binary_bytes);
+    file = open_new(directory_ / "g", file_mode::text);
+    ASSERT_NE(file, nullptr);
+    std::fputs("a\n", file.get());
+    file.reset();
+    const bool windows = trv::platform::backslash_separates();
+    EXPECT_EQ(bytesOf(directory_ / "g"), windows ? "a\r\n" : "a\n");
+}
+
+TEST_F(Platform, CreatesNoFileOfANameThatIsTaken) {
+    writeBytes(directory_ / "f", "old");
+    std::filesystem::create_directory(directory_ / "d");
+    EXPECT_EQ(open_new(directory_ / "f", file_mode::binary), nullptr);
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(bytesOf(directory_ / "f"), "old");
+    EXPECT_EQ(open_new(directory_ / "d", file_mode::binary), nullptr);
+    EXPECT_EQ(open_new(directory_ / "missing" / "f", file_mode::binary), nullptr);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(open_new({}, file_mode::binary), nullptr);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(Platform, CreatesNoFileThroughALink) {
+    std::error_code error;
+    std::filesystem::create_symlink(directory_ / "missing", directory_ / "link", error);
+    if (error) GTEST_SKIP() << "links cannot be made here";
+    EXPECT_EQ(open_new(directory_ / "link", file_mode::binary), nullptr);
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_FALSE(std::filesystem::exists(directory_ / "missing"));
 }
 
 TEST_F(Platform, LetsAFileBeOpenSeveralTimesAtOnce) {

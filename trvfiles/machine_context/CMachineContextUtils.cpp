@@ -1,16 +1,19 @@
+#include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/facade/axis_file.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/machine_context/context_creation.h>
+#include <trvfiles/machine_context/context_graph.h>
 #include <trvfiles/machine_context/context_names.h>
+#include <trvfiles/machine_context/context_search.h>
 #include <trvfiles/support/number_text.h>
-#include <trvfiles/support/platform.h>
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStringList>
 
 #include <cstdint>
 #include <string_view>
@@ -18,64 +21,28 @@
 
 namespace {
 
-// A text that begins with a variable, expanded; empty where the variable is not defined, or the
-// result is not to be had in full.
-std::string expanded(const char* variable, const char* text) {
+// What get_variable() returns is looked at before the next lookup overwrites it.
+bool hasValue(const char* variable) {
     const char* value = trv::get_variable(variable);
-    if (value == nullptr || *value == '\0') return {};
+    return value != nullptr && *value != '\0';
+}
+
+// A text that begins with a variable, expanded; empty if the variable is not defined or the result
+// is not available in full.
+//
+// The text is expanded first in every case, so that the trace shows the variable, an undefined one
+// too. What replaces an undefined one then is no directory, but the status alone does not tell
+// which variable it is: one inside a value may be undefined.
+std::string expanded(const char* variable, const char* text) {
     constexpr std::int32_t bufferSize = 400;
     std::string buffer = text;
     buffer.resize(bufferSize);
-    if (trv::is_expand_error(trv::_ExpandInPlace(buffer.data(), bufferSize))) return {};
+    const int status = trv::_ExpandInPlace(buffer.data(), bufferSize);
+    if (trv::is_expand_error(status)) return {};
+    if (status == trv::EXP_UNDEFINED && !hasValue(variable)) return {};
     buffer.resize(std::char_traits<char>::length(buffer.c_str()));
     return buffer;
 }
-
-// The walk through a directory tree for contexts named after their directories.
-class ContextWalk {
-public:
-    explicit ContextWalk(const QDir& directory) { enter(directory, directory.canonicalPath()); }
-
-    std::vector<std::wstring> take() { return std::move(found_); }
-
-private:
-    // `canonical` is the directory's path without links. A link may lead back to a directory that
-    // is being walked.
-    void enter(const QDir& directory, const QString& canonical) {
-        if (chain_.contains(canonical)) return;
-        chain_.append(canonical);
-        // Without a sort order of its own the list comes by name, case ignored.
-        const QStringList names =
-            directory.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
-        for (const QString& name : names) {
-            QDir subdirectory = directory;
-            if (subdirectory.cd(name) && !addContext(subdirectory, name))
-                enter(subdirectory, canonicalPath(subdirectory, name, canonical));
-        }
-        chain_.removeLast();
-    }
-
-    // Whether the directory holds a context of its name.
-    bool addContext(const QDir& directory, const QString& name) {
-        const QString path = directory.filePath(name + QStringLiteral(".mctx"));
-        const QFileInfo context(path);
-        if (!context.exists() || context.isDir()) return false;
-        found_.push_back(trv::toWide(path));
-        return true;
-    }
-
-    // Resolving a whole path takes a call for each of its parts, so only links are resolved.
-    static QString canonicalPath(const QDir& directory, const QString& name,
-                                 const QString& canonicalParent) {
-        const QFileInfo entry(directory.path());
-        if (entry.isSymLink() || entry.isJunction()) return directory.canonicalPath();
-        const QLatin1String separator(canonicalParent.endsWith(QLatin1Char('/')) ? "" : "/");
-        return canonicalParent + separator + name;
-    }
-
-    QStringList chain_;
-    std::vector<std::wstring> found_;
-};
 
 bool isAscii(wchar_t unit) {
     // Where the type has a sign, what is no character may be negative.
@@ -94,22 +61,38 @@ bool scanPosition(const std::wstring& file, int& position) {
     return trv::scan_decimal(text, position);
 }
 
-bool writeIdentity(CQvFilesIO& files, const std::wstring& name) {
-    constexpr double identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    constexpr int noTag = -1;
-    return files.writeAxis(name, identity, noTag, noTag, noTag) == eFileIOSuccess;
+using Existing = trv::ContextCreation::existing;
+
+Existing replacedIf(bool isThere) {
+    return isThere ? Existing::replaced : Existing::refused;
 }
 
-// A file that is there but cannot be read is never written over.
+QString absolutePath(const CQvFilesIO& files, const std::wstring& name) {
+    return trv::fromWide(files.absoluteFileName(name));
+}
+
+// The path by which CQvFilesIO::writeMachineContext() goes.
+QString contextPath(const CQvFilesIO& files, const std::wstring& name) {
+    const QString path = absolutePath(files, name);
+    return trv::isOpenable(path) ? QFileInfo(path).absoluteFilePath() : path;
+}
+
+// Creates the directory's own axis file if nothing has its name. It appears complete: another
+// caller copies it as soon as it is there.
 bool provideAxis(CQvFilesIO& files, const std::wstring& name) {
     if (files.isfileExists(name)) return true;
-    const bool isThere = QFileInfo::exists(trv::fromWide(files.absoluteFileName(name)));
-    return !isThere && writeIdentity(files, name);
-}
-
-// REQUIRES: a path that has just been written to.
-void removeFile(const std::wstring& path) {
-    trv::platform::remove_file(trv::systemPath(trv::fromWide(path)));
+    constexpr trv::AxisMatrix identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    constexpr int noTag = -1;
+    const QString path = absolutePath(files, name);
+    std::string target;
+    if (!trv::runtimePath(path, target)) {
+        // No context can be saved here either, so nobody copies the file.
+        return trv::isOpenable(path) && !QFileInfo::exists(path) &&
+               files.writeAxis(name, identity.data(), noTag, noTag, noTag) == eFileIOSuccess;
+    }
+    trv::file_replacement axis(target, trv::own_temporary_name, Existing::refused);
+    const int failure = axis.write_and_replace(trv::axisFileText(identity, noTag, noTag, noTag));
+    return failure == 0 || files.isfileExists(name);
 }
 
 void give(std::wstring* destination, std::wstring&& text) {
@@ -133,7 +116,10 @@ std::vector<std::wstring> CMachineContextUtils::sGetFavoriteMachineContext(std::
     const QString path = trv::nativePath(trv::fromWide(directory));
     // An empty path would be walked as the current directory.
     if (!trv::isOpenable(path)) return {};
-    return ContextWalk(QDir(path)).take();
+    std::vector<std::wstring> contexts;
+    for (const QString& context : trv::findContexts(trv::listContextDirectories(QDir(path))))
+        contexts.push_back(trv::toWide(context));
+    return contexts;
 }
 
 bool CMachineContextUtils::sGetDefaultMachineContext(std::vector<std::wstring> files, int& index,
@@ -155,20 +141,22 @@ bool CMachineContextUtils::sCreateDefaultMachineContext(const std::wstring& dire
     if (position < 1) return false;
     trv::ContextNames names = trv::defaultContextNames(position);
     CQvFilesIO files(directory);
-    if (files.isfileExists(names.contextFile) && files.isfileExists(names.referenceFile))
-        return false;
-
+    const bool hasContext = files.isfileExists(names.contextFile);
+    if (hasContext && files.isfileExists(names.referenceFile)) return false;
     if (!provideAxis(files, names.axisFile)) return false;
-    const std::wstring referencePath = files.absoluteFileName(names.referenceFile);
-    if (!files.copyFile(files.absoluteFileName(names.axisFile), referencePath)) return false;
 
+    trv::ContextCreation creation(contextPath(files, names.contextFile), replacedIf(hasContext));
+    // Another caller may have created the missing files in the meantime.
+    const bool hasReference = files.isfileExists(names.referenceFile);
+    if (hasReference && files.isfileExists(names.contextFile)) return false;
+    if (!creation.copyAxis(absolutePath(files, names.axisFile),
+                           absolutePath(files, names.referenceFile), replacedIf(hasReference))) {
+        return false;
+    }
     CMachineContextData record;
     record.setMachinePositionW(names.referenceFile);
     record.setNameW(names.context);
-    if (files.writeMachineContext(names.contextFile, record) != eFileIOSuccess) {
-        removeFile(referencePath);
-        return false;
-    }
+    if (!creation.write(record)) return false;
     give(contextFile, std::move(names.contextFile));
     give(referenceFile, std::move(names.referenceFile));
     return true;
@@ -183,19 +171,25 @@ bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
     trv::ContextNames names = trv::createdContextNames(machine, referenceAxisFile, contextFile);
     CQvFilesIO files(directory);
     if (!files.isfileExists(names.axisFile)) return false;
-    if (files.isfileExists(names.contextFile) || files.isfileExists(names.referenceFile))
-        return false;
+    const auto hasOne = [&] {
+        return files.isfileExists(names.contextFile) || files.isfileExists(names.referenceFile);
+    };
+    if (hasOne()) return false;
 
-    // Bare names, unlike the checks above: copying and deleting go by the current directory.
-    if (!files.copyFile(names.axisFile, names.referenceFile)) return false;
+    trv::ContextCreation creation(contextPath(files, names.contextFile), Existing::refused);
+    // Bare names, unlike the checks around: copying and deleting go by the current directory.
+    const bool hasReference = CQvFilesIO(std::wstring()).isfileExists(names.referenceFile);
+    // Another caller may have created the context in the meantime.
+    if (hasOne()) return false;
+    if (!creation.copyAxis(trv::fromWide(names.axisFile), trv::fromWide(names.referenceFile),
+                           replacedIf(hasReference))) {
+        return false;
+    }
     CMachineContextData record;
     record.setMachineNameW(machine);
     record.setMachinePositionW(names.referenceFile);
     record.setNameW(names.context);
-    if (files.writeMachineContext(names.contextFile, record) != eFileIOSuccess) {
-        removeFile(names.referenceFile);
-        return false;
-    }
+    if (!creation.write(record)) return false;
     give(createdContextFile, std::move(names.contextFile));
     give(createdReferenceFile, std::move(names.referenceFile));
     return true;

@@ -14,12 +14,22 @@
 /// "[stockposition@<name>]<axis>.ref", which the context names as its machine position. A
 /// directory's own axis file is "transfo.dat".
 ///
-/// No operation throws for a file problem. One thing is reported: a context whose temporary file
-/// cannot be opened, through the fatal channel, whose default handler ends the process. Where the
-/// handler returns, the operation fails.
+/// No operation prints or throws for a file problem. One problem is reported: a context whose
+/// temporary file cannot be opened, through the fatal channel, whose default handler ends the
+/// process. If the handler returns, the operation fails.
 ///
-/// Threads: one at a time, with the whole runtime. Two processes that create the same context at
-/// once may both succeed.
+/// Creation, both kinds:
+/// - A file "exists" if it can be opened for reading. Any other file is created exclusively: if its
+///   name is taken after all, the operation fails and what has the name stays. A link is never
+///   followed to create a file.
+/// - If the context cannot be written, its reference file is removed, before anything is reported.
+///   That is the copy which this call has made, also if it has overwritten an older reference file.
+///   Nothing else is removed.
+/// - Several processes may create contexts in a directory at the same time. Those that create one
+///   context wait for each other, and one of them succeeds. The others find the two files and fail,
+///   or report the temporary file if they have waited for 10 seconds.
+///
+/// Threads: one at a time, with the whole runtime.
 class TRV_EXPORT CMachineContextUtils {
 public:
     CMachineContextUtils() = default;
@@ -40,8 +50,12 @@ public:
 
     /// The favourite contexts below a directory: in each of its directories, by name without regard
     /// to case, the file "<directory>/<directory>.mctx"; where there is none, those further down.
-    /// Hidden directories (on Linux those whose names begin with a dot) are passed over. Links to
-    /// directories are followed, but not into a directory that is just being walked.
+    /// Hidden directories (on Linux those whose names begin with a dot) are ignored.
+    ///
+    /// Links to directories are followed, but not into a directory that is being walked already.
+    /// Each directory is listed once, and entered only if that leads to a context. A context that
+    /// several paths lead to is listed with each of them: directories that link to each other make
+    /// the result as long as the number of ways through them.
     ///
     /// @param directory  empty for sGetFavoriteMachineContextDirectoryW()
     /// @return the paths, each the directory as given with what was found behind it (the "." of the
@@ -59,35 +73,36 @@ public:
                                           int& position);
 
     /// Creates the default context of a machine position: "[MACHINE_POSITION_<n>].mctx" and its
-    /// reference file, a copy of the directory's "transfo.dat", which is written as the identity
-    /// where it is missing. With one of the two files there already, both are written anew.
+    /// reference file, a copy of the directory's "transfo.dat". If that is missing, it is created
+    /// as the identity, complete from the moment when it appears. If one of the two files exists,
+    /// both are written anew, and the existing one is lost if the reference file is the one and the
+    /// context cannot be written.
     ///
     /// @param directory      has to exist; empty for the current one
     /// @param position       from 1
-    /// @param contextFile    where asked for, takes the bare name of the context file on success
+    /// @param contextFile    takes the bare name of the context file on success; may be nullptr
     /// @param referenceFile  likewise
-    /// @return false for a position below 1, where both files are there already, and where a file
-    ///         cannot be written: a context that cannot be written takes its reference file with
-    ///         it, "transfo.dat" stays
+    /// @return false for a position below 1, if both files exist, and if a file cannot be written;
+    ///         a "transfo.dat" that has been created stays
     static bool sCreateDefaultMachineContext(const std::wstring& directory, int position,
                                              std::wstring* contextFile,
                                              std::wstring* referenceFile);
 
     /// Creates a context for a machine.
     ///
-    /// Both axis files are looked for in the directory, but copied and deleted by their bare names
-    /// in the current directory: a host makes the two the same. Where the current directory lacks
-    /// the axis file, the copy leaves an empty reference file there.
+    /// Both axis files are looked for in the directory, but copied and removed by their bare names
+    /// in the current directory: a host makes the two the same. A reference file that exists in
+    /// another current directory is overwritten. If the current directory lacks the axis file, the
+    /// copy leaves an empty reference file there.
     ///
     /// @param directory          empty for the current one
     /// @param machine            the machine's file name; without ".mac" it begins a generated name
     /// @param referenceAxisFile  the axis file to copy; empty for "transfo.dat"
     /// @param contextFile        the name of the context file; empty for "<machine>[<axis>].mctx"
-    /// @param createdContextFile    where asked for, takes the name of the context file on success
+    /// @param createdContextFile    takes the name of the context file on success; may be nullptr
     /// @param createdReferenceFile  likewise, of the reference file
-    /// @return false where the axis file is not there, where one of the files to create is, and
-    ///         where a file cannot be written: a context that cannot be written takes its reference
-    ///         file with it
+    /// @return false if the axis file does not exist, if one of the files to create exists, and if
+    ///         a file cannot be written
     static bool sCreateMachineContext(const std::wstring& directory, const std::wstring& machine,
                                       const std::wstring& referenceAxisFile,
                                       const std::wstring& contextFile,

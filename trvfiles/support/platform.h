@@ -60,6 +60,11 @@ inline file_handle open_for_write(const std::string& runtime_path, file_mode mod
     return open_for_write(runtime_path.c_str(), mode);
 }
 
+/// Creates a file for writing if nothing has its name yet, a link that leads nowhere included.
+///
+/// @return the file, or nullptr with the reason in `errno`: EEXIST if the name is taken
+file_handle open_new(const std::filesystem::path& path, file_mode mode);
+
 /// Opens a file for writing behind its end, and creates it where it is missing.
 ///
 /// @return the file, or none with the reason in `errno`

@@ -144,6 +144,10 @@ file_handle open_for_write(const char* runtime_path, file_mode) {
     return open_stream(system_path(runtime_path).c_str(), "we");
 }
 
+file_handle open_new(const std::filesystem::path& path, file_mode) {
+    return open_stream(path.c_str(), "wxe");
+}
+
 file_handle open_for_append(const char* runtime_path, file_mode) {
     return open_stream(system_path(runtime_path).c_str(), "ae");
 }

@@ -64,6 +64,20 @@ bool tells_directory(DWORD attributes) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+int code_of_creation(DWORD error) {
+    switch (error) {
+        case ERROR_FILE_EXISTS:
+            return EEXIST;
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_INVALID_NAME:
+        case ERROR_FILENAME_EXCED_RANGE:
+            return ENOENT;
+        default:
+            return EACCES;
+    }
+}
+
 int code_of(int result) {
     return result == 0 ? 0 : errno;
 }
@@ -140,6 +154,28 @@ file_handle open_for_write(const std::filesystem::path& path, file_mode mode) {
 
 file_handle open_for_write(const char* runtime_path, file_mode mode) {
     return open_shared(runtime_path, "w", "wb", mode);
+}
+
+file_handle open_new(const std::filesystem::path& path, file_mode mode) {
+    // With this flag the name of a link is taken, wherever the link leads to.
+    constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
+    const HANDLE created =
+        ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                      CREATE_NEW, flags, nullptr);
+    if (created == INVALID_HANDLE_VALUE) {
+        errno = code_of_creation(::GetLastError());
+        return nullptr;
+    }
+    const bool is_text = mode == file_mode::text;
+    const int number = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(created),
+                                         _O_NOINHERIT | (is_text ? _O_TEXT : _O_BINARY));
+    if (number < 0) {
+        ::CloseHandle(created);
+        return nullptr;
+    }
+    file_handle file(::_fdopen(number, is_text ? "w" : "wb"));
+    if (file == nullptr) ::_close(number);
+    return file;
 }
 
 file_handle open_for_append(const char* runtime_path, file_mode mode) {
