@@ -20,8 +20,11 @@ void printError(const QString& subject, const QString& text, const Console& cons
 
 void printUndefined(const QString& subject, const UndefinedReferences& references,
                     const Console& console) {
+    // Each line names the subject.
+    constexpr int longestSubject = 200;
+    const QString beginning = beginningOf(subject, longestSubject);
     for (const std::string& reference : references.inOrder()) {
-        printError(subject, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
+        printError(beginning, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
                    console);
     }
 }

@@ -57,9 +57,8 @@ QString extendedText(const Definition& definition, bool all) {
     }
     const QString text = fromNarrow(definition.extended);
     if (all || text.size() <= longestShown) return QStringLiteral("+ is '%1'").arg(shown(text));
-    const int cut = text.at(longestShown - 1).isHighSurrogate() ? longestShown - 1 : longestShown;
-    return QStringLiteral("+ is '%1...' (%2 characters; --all shows them)")
-        .arg(shown(text.left(cut)), QString::number(text.size()));
+    return QStringLiteral("+ is '%1' (%2 characters; --all shows them)")
+        .arg(shown(beginningOf(text, longestShown)), QString::number(text.size()));
 }
 
 void printDefinitions(const char* title, const History& definitions, bool all, std::ostream& out) {

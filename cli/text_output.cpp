@@ -129,6 +129,12 @@ QString shown(const std::string& narrow) {
     return shown(fromNarrow(narrow));
 }
 
+QString beginningOf(const QString& text, int longest) {
+    if (text.size() <= longest) return text;
+    const bool splitsPair = text.at(longest - 1).isHighSurrogate();
+    return text.left(splitsPair ? longest - 1 : longest) + QStringLiteral("...");
+}
+
 QString counted(unsigned long long count, const QString& one, const QString& several) {
     return QStringLiteral("%1 %2").arg(QString::number(count), count == 1 ? one : several);
 }

@@ -33,6 +33,10 @@ QString roundedVectorText(const double vector[3]);
 QString shown(const QString& text);
 QString shown(const std::string& narrow);
 
+/// A text of at most `longest` code units as it is; of a longer one as much of the beginning, and
+/// "...".
+QString beginningOf(const QString& text, int longest);
+
 /// "1 file", "2 files"
 QString counted(unsigned long long count, const QString& one, const QString& several);
 

@@ -39,6 +39,16 @@ TEST_F(EnvExpand, NamesWhatIsUndefined) {
               "trvfiles: $NOBODY ?NOLIST $NOBODY: ?NOLIST is not defined\n");
 }
 
+// Every line names the text, so a long one would make the output grow with its square.
+TEST_F(EnvExpand, NamesALongTextByItsBeginning) {
+    const std::string text = "$NOBODY ?NOLIST " + std::string(184, 'x');
+    EXPECT_EQ(run({"expand", text.c_str(), (text + 'y').c_str()}), 1);
+    EXPECT_EQ(err(), "trvfiles: " + text + ": $NOBODY is not defined\n" +      //
+                         "trvfiles: " + text + ": ?NOLIST is not defined\n" +  //
+                         "trvfiles: " + text + "...: $NOBODY is not defined\n" +
+                         "trvfiles: " + text + "...: ?NOLIST is not defined\n");
+}
+
 TEST_F(EnvExpand, SaysWhatIsWrongWithAText) {
     process_.setVariable("SITE", "$SITE");
     EXPECT_EQ(run({"expand", "${CELL", "$CELL", "$NOBODY", "$SITE"}), 2);

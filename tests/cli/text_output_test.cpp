@@ -145,6 +145,18 @@ TEST(Shown, GivesDifferentTextsForDifferentTexts) {
     EXPECT_NE(shown(std::string(u8"\u202e")), shown(std::string("\\u202e")));
 }
 
+TEST(BeginningOf, CutsBetweenCharacters) {
+    const auto beginning = [](const char* text, int longest) {
+        return beginningOf(QString::fromUtf8(text), longest).toStdString();
+    };
+    EXPECT_EQ(beginning("abc", 3), "abc");
+    EXPECT_EQ(beginning("abc", 2), "ab...");
+    EXPECT_EQ(beginning("", 2), "");
+    EXPECT_EQ(beginning(u8"a😀", 3), u8"a😀");
+    EXPECT_EQ(beginning(u8"a😀b", 3), u8"a😀...");
+    EXPECT_EQ(beginning(u8"a😀b", 2), "a...");
+}
+
 TEST(JsonNumber, KeepsFiniteNumbersAndNamesTheOthers) {
     const double values[] = {0.1, 1e300, infinity, -infinity, notANumber};
     std::ostringstream out;
