@@ -52,9 +52,10 @@ TEST_F(SharingOnWindows, EndsLinesWithCrLf) {
     EXPECT_EQ(bytesOf(directory_ / "g"), "A\r\nb\r\n");
 }
 
-TEST_F(SharingOnWindows, NobodyElseOpensOrRemovesAHeldFile) {
+TEST_F(SharingOnWindows, NobodyElseWritesToAHeldFileOrRemovesIt) {
     const int held = hold("f");
-    EXPECT_EQ(open_for_read(path("f"), file_mode::binary), nullptr);
+    EXPECT_EQ(open_for_write(path("f"), file_mode::binary), nullptr);
+    EXPECT_EQ(open_for_append(path("f").c_str(), file_mode::binary), nullptr);
     EXPECT_EQ(::DeleteFileW((directory_ / "f").c_str()), 0);
     remove_held(held, path("f").c_str());
     EXPECT_FALSE(fs::exists(directory_ / "f"));
@@ -108,6 +109,16 @@ TEST_F(SharingOnWindows, AReaderSharesDeleting) {
     EXPECT_NE(::DeleteFileW((directory_ / "f").c_str()), 0);
     EXPECT_EQ(std::getc(reader.get()), 't');
     EXPECT_EQ(std::getc(wide.get()), 't');
+}
+
+TEST_F(SharingOnWindows, AFileIsReadAsSoonAsItIsReplaced) {
+    writeBytes(directory_ / "old", "old");
+    const int held = holdText("new", "new");
+    EXPECT_EQ(move(held, "new", "old"), 0);
+    const file_handle reader = open_for_read(path("old"), file_mode::binary);
+    ASSERT_NE(reader, nullptr);
+    EXPECT_EQ(std::getc(reader.get()), 'n');
+    release_held(held);
 }
 
 TEST_F(SharingOnWindows, UsesNoFileThatHasAnotherName) {

@@ -13,9 +13,9 @@ namespace trv::testing {
 bool canFailCalls();
 
 /// Lets the system calls that open, lock, read, list, write, sync, close, rename, remove and create
-/// files, links and directories, and those that set rights and attributes, fail with an error instead of doing anything; a close closes all the same, as
-/// the system's own does. Calls of the process's first thread and of the threads that it starts
-/// later count.
+/// files, links and directories, and those that set rights and attributes, fail with an error
+/// instead of doing anything; a close closes all the same, as the system's own does. Calls of the
+/// process's first thread and of the threads that it starts later count.
 ///
 /// For child processes: from the constructor on the process's calls are watched until it ends.
 class FailingCalls : public Fault {

@@ -47,9 +47,11 @@ protected:
             texts_.push_back(bytesOf(target()));
         }
     }
-    ~SimultaneousSavesOf() override {
-        std::printf("%d saves, %d failed; %d reads, %d torn\n", counts_->saves.load(),
-                    counts_->failedSaves.load(), counts_->reads.load(), counts_->tornReads.load());
+    void TearDown() override {
+        RecordProperty("saves", counts_->saves);
+        RecordProperty("failedSaves", counts_->failedSaves);
+        RecordProperty("reads", counts_->reads);
+        RecordProperty("tornReads", counts_->tornReads);
     }
 
     fs::path target() const { return directory_ / "target"; }

@@ -3,10 +3,20 @@
 /// @file
 /// Stores written back to message files.
 ///
-/// The text goes to a temporary file beside the target, which takes the target's place only when it
-/// is complete and on the disk. Whatever fails before, and if the process is killed at any moment,
-/// the target holds the old file or the new one, whole. On Windows alone there is a moment between
-/// them: if the last step fails there, the temporary file stays and holds the new text.
+/// The text goes to a temporary file beside the target, which replaces the target in one step when
+/// it is complete and on the disk. If anything fails, and if the process is killed at any moment,
+/// the target is the old file or the new one, whole.
+///
+/// Several processes may save to the same file. The temporary file is locked from the beginning to
+/// the end of a save, so that they do it one after the other: a save that reports success is lost
+/// to a later one only. A save waits 10 seconds at most; then the temporary file counts as one that
+/// cannot be opened. What a killed process has left, and what somebody else has put under the name
+/// of the temporary file, a directory excepted, is removed and never followed or written to.
+///
+/// A save changes the content of the target and nothing else: permission bits stay, owner, group,
+/// access control list and extended attributes as far as the system allows it. A target that is a
+/// symbolic link stays one; the file to which it leads is replaced, and has the temporary file
+/// beside it. Other hard links to the target keep the old text.
 ///
 /// The records get their new lines, and the file where it changes, only after the target is in
 /// place. Comments, blank lines and directives of a file that was loaded are not written.
@@ -33,7 +43,9 @@ TRV_EXPORT int store_parameters(message_store* store, const char* file_name);
 /// Writes every section and every message, deleted ones too. The texts keep the files they came
 /// from.
 ///
-/// @param file_name  the target; the temporary file is "messages.tmp" beside it
+/// @param file_name  the target; the temporary file is "messages.tmp" beside it, which all targets
+///                   of a directory share, and "messages.tmp.messages.tmp" for a target that is
+///                   named "messages.tmp" itself
 /// @return as store_parameters()
 TRV_EXPORT int store_messages(message_store* store, const char* file_name);
 

@@ -4,10 +4,15 @@
 /// The work zone's temporary directory.
 ///
 /// A work zone is the directory that the variable TRVZONE names. Its file workzone.num holds a
-/// number, and the temporary directory is the directory of that number in $TRVTMP. A new zone draws
-/// the next number from the installation's file $TRVCONF/workzone.num, or, where TRVCONF is not
-/// defined, $TRVHOME/client/trvconf/workzone.num. That file is never created here, and it is not
-/// locked: two processes that start new zones at the same moment may draw the same number.
+/// number, and the temporary directory is the directory of that number in $TRVTMP. A new zone gets
+/// the next number of the installation's file $TRVCONF/workzone.num, or, if TRVCONF is not defined,
+/// $TRVHOME/client/trvconf/workzone.num. That file is never created here.
+///
+/// Several processes may start zones at the same moment, the same zone included. The installation's
+/// file is locked while a number is taken from it, so that no number is given twice. A zone's file
+/// appears with its whole number; of several processes that create it one is the first, and the
+/// others take the number that they find. Their own numbers are not used again. A process waits 10
+/// seconds at most for a lock; then the file counts as one that cannot be opened.
 ///
 /// Threads: one at a time, with the whole runtime.
 

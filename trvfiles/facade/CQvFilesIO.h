@@ -63,17 +63,23 @@ public:
     EFileIOStatus readMachineContext(std::wstring name, CMachineContextData& data);
 
     /// Writes a machine context file. The text goes to a temporary file beside the target, which
-    /// replaces the target when it is complete and on the disk: whatever fails, the old file stays
-    /// whole.
+    /// replaces the target in one step when it is complete and on the disk. If anything fails, the
+    /// old file stays whole. A reader sees the old file or the new one, never a part.
+    ///
+    /// Several processes may write the same file. They wait for each other, for 10 seconds at most;
+    /// the text of the last one stays. The file keeps its rights, and its owner if the system
+    /// allows it. A symbolic link stays one, and the file that it leads to is replaced. Another
+    /// hard link to the file keeps the old text.
     ///
     /// Line ends in texts become blanks, texts end at their first zero, the proximities are
     /// narrowed to single precision, and in a text a "+" followed, later, by a ")" loses what is
     /// between them, the ")" included.
     ///
     /// @param name  resolved against the directory; a null pointer acts as the empty name
-    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be saved. Where it is the
-    ///         temporary file that cannot be opened, this is reported through the fatal channel
-    ///         first, whose default handler ends the process. eFileIOContentError or
+    /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be saved. If the temporary
+    ///         file cannot be opened, or another process writes it for too long, this is reported
+    ///         through the fatal channel first, whose default handler ends the process.
+    ///         eFileIOContentError or
     ///         eFileIOStructureError when storage for a section runs out: no file is touched then.
     EFileIOStatus writeMachineContext(const char* name, const CMachineContextData& data);
     EFileIOStatus writeMachineContext(std::wstring name, const CMachineContextData& data);

@@ -74,11 +74,12 @@ bool mark_removed(HANDLE file) {
     return ::SetFileInformationByHandle(file, FileDispositionInfo, &removed, sizeof removed) != 0;
 }
 
-// Opens the file itself, never what a link under its name leads to. Nobody else opens it meanwhile.
+// Opens the file itself, never what a link under its name leads to. Nobody else writes to it or
+// removes it meanwhile. After it has been renamed there are readers at once.
 HANDLE open_alone(const char* path) {
-    constexpr DWORD nobody = 0;
-    return ::CreateFileA(path, GENERIC_READ | GENERIC_WRITE | DELETE, nobody, nullptr, OPEN_ALWAYS,
-                         FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    return ::CreateFileA(path, GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr,
+                         OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT,
+                         nullptr);
 }
 
 // Whether the file is a regular one under this name alone.
@@ -221,7 +222,7 @@ file_handle open_stream_of(int held, file_mode mode) {
 }
 
 int move_held(int held, const char* from, const char* to, existing_file existing) {
-    static_cast<void>(from);  // nobody can take the name of a file that is not shared
+    static_cast<void>(from);  // nobody else can remove the file
     if (existing == existing_file::replaced && is_never_replaced(to)) return EACCES;
     constexpr std::chrono::seconds max_wait_for_other_programs(1);
     const auto end = std::chrono::steady_clock::now() + max_wait_for_other_programs;
