@@ -1,7 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_text.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/facade/open_file.h>
 
 #include <QFile>
 
@@ -17,15 +17,8 @@ EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, trv::ReadReport* repo
     trv::ReadReport& result = report == nullptr ? unasked : *report;
     result = {};
 
-    if (!trv::isOpenable(fileName_)) {
-        result.fault.reason = QStringLiteral("the name names no file");
-        return eFileIOOpenError;
-    }
-    QFile file(trv::nativePath(fileName_));
-    if (!file.open(QIODevice::ReadOnly)) {
-        result.fault.reason = file.errorString();
-        return eFileIOOpenError;
-    }
+    QFile file;
+    if (!trv::openForRead(fileName_, file, result.fault.reason)) return eFileIOOpenError;
     if (!trv::parseDocument(file, tree_, result.fault)) return eFileIOContentError;
     return trv::readDocument(tree_.document, version_, data, result);
 }
@@ -34,11 +27,11 @@ EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data) {
     if (!trv::writeDocument(data, tree_)) return eFileIOContentError;
     const std::string text = trv::documentText(tree_.document);
 
-    QFile file(trv::nativePath(fileName_));
-    // Unbuffered, so that a full disk shows in what was written.
-    if (!trv::isOpenable(fileName_) || !file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        return eFileIOOpenError;
-    }
+    QFile file;
+    if (!trv::openForWrite(fileName_, file)) return eFileIOOpenError;
+    // What a full disk does not take shows in the number of bytes, or when the last ones are
+    // handed to the system.
     const auto length = static_cast<qint64>(text.size());
-    return file.write(text.data(), length) == length ? eFileIOSuccess : eFileIOShortWrite;
+    const bool isWhole = file.write(text.data(), length) == length && file.flush();
+    return isWhole ? eFileIOSuccess : eFileIOShortWrite;
 }
