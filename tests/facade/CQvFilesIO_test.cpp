@@ -93,6 +93,36 @@ TEST_F(Facade, IsCopiedWithItsDirectory) {
     EXPECT_EQ(other.absoluteFileName(L"f"s), directory_.wide() + L"/f");
 }
 
+TEST_F(Facade, KeepsItsDirectoryWhenItIsMovedFrom) {
+    const TemporaryDirectory elsewhere;
+    const CurrentDirectory current(elsewhere.path());
+    // Long and short: a short text is not moved but copied by the standard library.
+    fs::create_directory(elsewhere / "d");
+    for (const std::wstring& directory : {directory_.wide(), L"d"s}) {
+        CQvFilesIO source(directory);
+        CQvFilesIO constructed(std::move(source));
+        CQvFilesIO assigned(L"nowhere"s);
+        // NOLINTNEXTLINE(bugprone-use-after-move): a moved-from instance keeps its directory.
+        assigned = std::move(source);
+        for (CQvFilesIO* files : {&source, &constructed, &assigned}) {
+            EXPECT_EQ(files->absoluteFileName(L"f"s),
+                      CQvFilesIO(directory).absoluteFileName(L"f"s));
+            EXPECT_EQ(writeAxisTo(*files, L"f"), eFileIOSuccess);
+        }
+    }
+    EXPECT_TRUE(fs::exists(directory_ / "f"));
+    EXPECT_TRUE(fs::exists(elsewhere / "d" / "f"));
+    EXPECT_FALSE(fs::exists(elsewhere / "f"));
+}
+
+TEST_F(Facade, KeepsItsDirectoryWhenItIsMovedToItself) {
+    CQvFilesIO& same = files_;
+    files_ = std::move(same);
+    EXPECT_EQ(files_.absoluteFileName(L"f"s), directory_.wide() + L"/f");
+    EXPECT_EQ(writeAxisTo(files_, L"f"), eFileIOSuccess);
+    EXPECT_TRUE(fs::exists(directory_ / "f"));
+}
+
 TEST_F(Facade, GivesAbsoluteNamesAsTheyAreSpelled) {
     if (onWindows()) GTEST_SKIP() << "drive letters come first on Windows";
     const CQvFilesIO files("/d"s);

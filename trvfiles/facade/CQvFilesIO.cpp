@@ -81,10 +81,15 @@ CQvFilesIO::CQvFilesIO(const std::string& directory) : directory_(trv::widePath(
 CQvFilesIO::CQvFilesIO(const std::wstring& directory) : directory_(directory) {}
 
 CQvFilesIO::CQvFilesIO(const CQvFilesIO& other) = default;
-CQvFilesIO::CQvFilesIO(CQvFilesIO&& other) noexcept = default;
 CQvFilesIO& CQvFilesIO::operator=(const CQvFilesIO& other) = default;
-CQvFilesIO& CQvFilesIO::operator=(CQvFilesIO&& other) noexcept = default;
 CQvFilesIO::~CQvFilesIO() = default;
+
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): the copy may run out of memory.
+CQvFilesIO::CQvFilesIO(CQvFilesIO&& other) : CQvFilesIO(other.directory_) {}
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): the copy may run out of memory.
+CQvFilesIO& CQvFilesIO::operator=(CQvFilesIO&& other) {
+    return *this = std::as_const(other);
+}
 
 EFileIOStatus CQvFilesIO::readMachineContext(const char* name, CMachineContextData& data) {
     return readContext(resolvedFile(directory_, trv::pathFromNarrow(name)), data);

@@ -46,10 +46,15 @@ public:
     explicit CQvFilesIO(const std::wstring& directory);
 
     CQvFilesIO(const CQvFilesIO& other);
-    CQvFilesIO(CQvFilesIO&& other) noexcept;
     CQvFilesIO& operator=(const CQvFilesIO& other);
-    CQvFilesIO& operator=(CQvFilesIO&& other) noexcept;
     ~CQvFilesIO();
+
+    /// A move is a copy: the source keeps its directory, because without one it would read and
+    /// write in the current directory. A copy may throw std::bad_alloc, so neither is noexcept.
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor)
+    CQvFilesIO(CQvFilesIO&& other);
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor)
+    CQvFilesIO& operator=(CQvFilesIO&& other);
 
     /// Reads a machine context file in one pass. Section and key names count case; what the file
     /// knows beyond them is passed over.
