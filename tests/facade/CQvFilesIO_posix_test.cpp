@@ -9,6 +9,7 @@
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -19,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -60,6 +62,40 @@ protected:
 
 }  // namespace
 
+TEST_F(FacadeOnPosix, AnswersAtOnceAboutAPipeThatNobodyWritesTo) {
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(endsSoon([this] {
+        EXPECT_TRUE(files_.isfileExists("pipe"s));
+        EXPECT_TRUE(files_.isfileExists(L"pipe"s));
+    }));
+}
+
+TEST_F(FacadeOnPosix, DoesNotFindAPipeThatItMayNotRead) {
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0200), 0);
+    fs::permissions(directory_.path(), fs::perms::all);
+    EXPECT_TRUE(endsSoon([this] {
+        ASSERT_TRUE(becomeOrdinaryUser());
+        EXPECT_FALSE(files_.isfileExists("pipe"s));
+        EXPECT_FALSE(files_.isfileExists(L"pipe"s));
+    }));
+}
+
+// Opened and closed, the pipe would lose its only reader, and its writer would be ended.
+TEST_F(FacadeOnPosix, LeavesAPipeToItsReaderWhenAskedAboutIt) {
+    ASSERT_EQ(files_.writeAxis(L"axis", identity, 4, 5, 6), eFileIOSuccess);
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(endsSoon([this] {
+        std::thread writer([this] { writeBytes(path("pipe"), bytesOf(path("axis"))); });
+        for (int i = 0; i < 1000; ++i)
+            EXPECT_TRUE(files_.isfileExists("pipe"s));
+        double matrix[16];
+        int tags[3] = {};
+        EXPECT_EQ(files_.readAxis(L"pipe", matrix, tags[0], tags[1], tags[2]), eFileIOSuccess);
+        EXPECT_EQ(tags[2], 6);
+        writer.join();
+    }));
+}
+
 TEST_F(FacadeOnPosix, ReadsEveryKindOfFileFromAPipe) {
     CMachineContextData record;
     record.setName("n");
@@ -79,6 +115,21 @@ TEST_F(FacadeOnPosix, ReadsEveryKindOfFileFromAPipe) {
         assemblyWriter.join();
     }));
 }
+
+#ifdef F_SETLEASE
+TEST_F(FacadeOnPosix, FindsAFileThatAnotherProcessHasALeaseOn) {
+    writeBytes(path("leased"), "x");
+    const int descriptor = ::open(path("leased").c_str(), O_RDWR);
+    ASSERT_GE(descriptor, 0);
+    // The system asks by a signal that ends the process to give the lease back.
+    const auto earlier = std::signal(SIGIO, SIG_IGN);
+    const bool isLeased = ::fcntl(descriptor, F_SETLEASE, F_WRLCK) == 0;
+    EXPECT_TRUE(!isLeased || endsSoon([this] { EXPECT_TRUE(files_.isfileExists("leased"s)); }));
+    ::close(descriptor);
+    std::signal(SIGIO, earlier);
+    if (!isLeased) GTEST_SKIP() << "the file system has no leases";
+}
+#endif
 
 TEST_F(FacadeOnPosix, FindsDevicesButNoSockets) {
     EXPECT_TRUE(files_.isfileExists("/dev/null"s));

@@ -16,6 +16,7 @@
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 using namespace trv::testing;
+using trv::isReadable;
 using trv::openForRead;
 using trv::openForWrite;
 using trv::platform::file_handle;
@@ -163,6 +164,25 @@ TEST_F(OpenFile, SharesItsFileWithOthers) {
     EXPECT_NE(writer, nullptr);
     EXPECT_NE(second, nullptr);
     EXPECT_NE(reader, nullptr);
+}
+
+TEST_F(OpenFile, TellsWhichFilesAreReadable) {
+    const CurrentDirectory here(directory_.path());
+    writeBytes(directory_ / "f", "");
+    writeBytes(directory_ / "\xC3\xA4", "x");
+    fs::create_directory(directory_ / "d");
+    writeBytes(directory_ / "d/f", "x");
+    EXPECT_TRUE(isReadable(QStringLiteral("f")));
+    EXPECT_TRUE(isReadable(path(L"f")));
+    EXPECT_TRUE(isReadable(path(L"\u00E4")));
+    EXPECT_TRUE(isReadable(path(L"d\\f")));
+    EXPECT_FALSE(isReadable(path(L"d")));
+    EXPECT_FALSE(isReadable(path(L"missing")));
+    EXPECT_FALSE(isReadable(path(L"f/g")));
+    EXPECT_FALSE(isReadable(QString()));
+    EXPECT_FALSE(isReadable(QStringLiteral("")));
+    EXPECT_FALSE(isReadable(path(L"f\0"s)));
+    EXPECT_EQ(bytesOf(directory_ / "d/f"), "x");
 }
 
 TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {

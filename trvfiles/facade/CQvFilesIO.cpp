@@ -37,7 +37,7 @@ QString resolvedFile(const std::wstring& directory, const HostPath& name) {
 
 bool exists(const std::wstring& directory, const HostPath& name) {
     const HostPath path = trv::absolutePath(trv::pathFromWide(directory), name);
-    return trv::openForRead(fileOnly(path.openable()), file_mode::text) != nullptr;
+    return trv::isReadable(fileOnly(path.openable()));
 }
 
 EFileIOStatus readAssembly(const QString& path, CTrvAssemblyData& data) {

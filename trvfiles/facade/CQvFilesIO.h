@@ -151,7 +151,7 @@ public:
     std::wstring absoluteFileName(const std::wstring& name) const;
 
     /// Whether the file that absoluteFileName() gives can be opened for reading. A directory
-    /// cannot.
+    /// cannot, a pipe that may be read can. The answer never waits for the writer of a pipe.
     bool isfileExists(const std::string& name) const;
     bool isfileExists(const std::wstring& name) const;
 

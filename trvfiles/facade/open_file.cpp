@@ -15,14 +15,14 @@ namespace {
 // Narrow names, where they can hold every path, come without the parting that a
 // std::filesystem::path does.
 template <class Open>
-platform::file_handle open(const QString& path, Open openPath) {
+auto open(const QString& path, Open openPath) -> decltype(openPath(std::string())) {
     if (!platform::narrow_text_is_utf8()) {
         if (isOpenable(path)) return openPath(systemPath(path));
     } else if (std::string narrow; runtimePath(path, narrow)) {
         return openPath(narrow);
     }
     errno = ENOENT;
-    return nullptr;
+    return {};
 }
 
 // Whether Qt takes a name as the library does: on POSIX it applies the codec and the search paths
@@ -46,6 +46,10 @@ platform::file_handle openForRead(const QString& path, platform::file_mode mode)
 
 platform::file_handle openForWrite(const QString& path, platform::file_mode mode) {
     return open(path, [mode](const auto& name) { return platform::open_for_write(name, mode); });
+}
+
+bool isReadable(const QString& path) {
+    return open(path, [](const auto& name) { return platform::can_open_for_read(name); });
 }
 
 bool openForRead(const QString& path, QFile& file, QString& reason) {

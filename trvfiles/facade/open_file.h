@@ -23,6 +23,10 @@ platform::file_handle openForRead(const QString& path, platform::file_mode mode)
 /// @return as openForRead()
 platform::file_handle openForWrite(const QString& path, platform::file_mode mode);
 
+/// Whether openForRead() would open the file. Answers at once, and never waits for the writer of a
+/// pipe.
+bool isReadable(const QString& path);
+
 /// Opens a file, or a resource of the host (":/x"), for Qt's readers.
 ///
 /// @param file    a QFile that has no name yet
