@@ -105,6 +105,19 @@ TEST_F(CodePage, IsThatOfNarrowText) {
     EXPECT_EQ(trv::toNarrow(trv::fromWide(sample().foreign)), sample().replaced);
 }
 
+TEST_F(CodePage, KeepsAFirstByteOrderMark) {
+    const std::wstring wide = L"\xFEFF" + sample().wide;
+    EXPECT_EQ(trv::toWide(trv::fromWide(wide)), wide);
+    if (::GetACP() != CP_UTF8) GTEST_SKIP() << "the code page lacks it";
+    const std::string narrow = "\xEF\xBB\xBF\xEF\xBB\xBF" + sample().narrow;
+    EXPECT_EQ(trv::toNarrow(trv::fromNarrow(narrow)), narrow);
+    EXPECT_EQ(trv::toWide(trv::fromNarrow(narrow)), L"\xFEFF" + wide);
+    EXPECT_EQ(files_.writeTrvAssembly(narrow.c_str(), assembly(narrow)), eFileIOSuccess);
+    CTrvAssemblyData read;
+    EXPECT_EQ(files_.readTrvAssembly(L"\xFEFF" + wide, read), eFileIOSuccess);
+    EXPECT_EQ(read.getRootComponent().getName(), narrow);
+}
+
 TEST_F(CodePage, HoldsAMachineContextsTexts) {
     CMachineContextData context;
     context.setMachineName(sample().narrow);

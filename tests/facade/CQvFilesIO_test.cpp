@@ -1,7 +1,10 @@
+#include <tests/common/channel_log.h>
+#include <tests/common/current_directory.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
@@ -54,23 +57,6 @@ std::string fileNameIn(const CTrvAssemblyData& data) {
     return data.getRootComponent().getGeometryFileName();
 }
 
-/// Changes the current directory for as long as it lives.
-class CurrentDirectory {
-public:
-    explicit CurrentDirectory(const fs::path& path) : before_(fs::current_path()) {
-        fs::current_path(path);
-    }
-    ~CurrentDirectory() {
-        std::error_code ignored;
-        fs::current_path(before_, ignored);
-    }
-    CurrentDirectory(const CurrentDirectory&) = delete;
-    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
-
-private:
-    fs::path before_;
-};
-
 bool onWindows() {
     return trv::platform::backslash_separates();
 }
@@ -107,6 +93,36 @@ TEST_F(Facade, IsCopiedWithItsDirectory) {
     EXPECT_EQ(other.absoluteFileName(L"f"s), directory_.wide() + L"/f");
 }
 
+TEST_F(Facade, KeepsItsDirectoryWhenItIsMovedFrom) {
+    const TemporaryDirectory elsewhere;
+    const CurrentDirectory current(elsewhere.path());
+    // Long and short: a short text is not moved but copied by the standard library.
+    fs::create_directory(elsewhere / "d");
+    for (const std::wstring& directory : {directory_.wide(), L"d"s}) {
+        CQvFilesIO source(directory);
+        CQvFilesIO constructed(std::move(source));
+        CQvFilesIO assigned(L"nowhere"s);
+        // NOLINTNEXTLINE(bugprone-use-after-move): a moved-from instance keeps its directory.
+        assigned = std::move(source);
+        for (CQvFilesIO* files : {&source, &constructed, &assigned}) {
+            EXPECT_EQ(files->absoluteFileName(L"f"s),
+                      CQvFilesIO(directory).absoluteFileName(L"f"s));
+            EXPECT_EQ(writeAxisTo(*files, L"f"), eFileIOSuccess);
+        }
+    }
+    EXPECT_TRUE(fs::exists(directory_ / "f"));
+    EXPECT_TRUE(fs::exists(elsewhere / "d" / "f"));
+    EXPECT_FALSE(fs::exists(elsewhere / "f"));
+}
+
+TEST_F(Facade, KeepsItsDirectoryWhenItIsMovedToItself) {
+    CQvFilesIO& same = files_;
+    files_ = std::move(same);
+    EXPECT_EQ(files_.absoluteFileName(L"f"s), directory_.wide() + L"/f");
+    EXPECT_EQ(writeAxisTo(files_, L"f"), eFileIOSuccess);
+    EXPECT_TRUE(fs::exists(directory_ / "f"));
+}
+
 TEST_F(Facade, GivesAbsoluteNamesAsTheyAreSpelled) {
     if (onWindows()) GTEST_SKIP() << "drive letters come first on Windows";
     const CQvFilesIO files("/d"s);
@@ -120,6 +136,9 @@ TEST_F(Facade, GivesAbsoluteNamesAsTheyAreSpelled) {
         {"?X", "/d/?X"},        {":/x", ":/x"},
         {"a\\b", "/d/a/b"},     {"\\abs\\y", "/abs/y"},
         {"C:\\x", "/d/C:/x"},   {"b ", "/d/b "},
+        {":x", "/d/:x"},        {":", "/d/:"},
+        {":a/b", "/d/:a/b"},    {"::/x", "/d/::/x"},
+        {"b/", "/d/b/"},        {".", "/d/."},
     };
     for (const auto& [name, expected] : names) {
         EXPECT_EQ(files.absoluteFileName(std::string(name)), expected);
@@ -130,6 +149,9 @@ TEST_F(Facade, GivesAbsoluteNamesAsTheyAreSpelled) {
     EXPECT_EQ(CQvFilesIO("/d/"s).absoluteFileName("b"s), "/d/b");
     EXPECT_EQ(CQvFilesIO("/"s).absoluteFileName("b"s), "/b");
     EXPECT_EQ(CQvFilesIO("/$X"s).absoluteFileName("b"s), "/$X/b");
+    EXPECT_EQ(CQvFilesIO("/d//x/../e/."s).absoluteFileName("b"s), "/d/e/b");
+    EXPECT_EQ(CQvFilesIO("//srv/d"s).absoluteFileName("b"s), "/srv/d/b");
+    EXPECT_EQ(CQvFilesIO(":/d"s).absoluteFileName("b"s), ":/d/b");
 }
 
 TEST_F(Facade, NeedsNoDirectoryThatExists) {
@@ -259,6 +281,75 @@ TEST_F(Facade, TakesAnEmptyOrNullNameForTheDirectoryItself) {
     EXPECT_TRUE(fs::is_empty(directory_.path()));
 }
 
+// The name of a directory that does not exist yet must not become that of a file.
+TEST_F(Facade, CreatesNoFileWhereItsDirectoryIsMissing) {
+    const trv::testing::ChannelLog log;
+    CQvFilesIO files((directory_ / "missing").wstring());
+    const CTrvAssemblyData data = assembly("x");
+    CMachineContextData context;
+    const char* const null = nullptr;
+    EXPECT_EQ(files.writeTrvAssembly(null, data), eFileIOOpenError);
+    EXPECT_EQ(files.writeMachineContext(null, context), eFileIOOpenError);
+    for (const char* name : {"", ".", "./", "sub/..", "sub\\..", "./sub/../."}) {
+        const std::wstring wide(name, name + std::string(name).size());
+        SCOPED_TRACE(name);
+        EXPECT_EQ(files.writeTrvAssembly(name, data), eFileIOOpenError);
+        EXPECT_EQ(files.writeTrvAssembly(wide, data), eFileIOOpenError);
+        EXPECT_EQ(files.writeMachineContext(name, context), eFileIOOpenError);
+        EXPECT_EQ(files.writeMachineContext(wide, context), eFileIOOpenError);
+        EXPECT_EQ(writeAxisTo(files, wide), eFileIOOpenError);
+    }
+    EXPECT_TRUE(fs::is_empty(directory_.path()));
+    EXPECT_TRUE(log.fatals().empty());
+}
+
+TEST_F(Facade, ReadsNothingByTheNameOfItsDirectory) {
+    ASSERT_EQ(files_.writeTrvAssembly("assembly", assembly("x")), eFileIOSuccess);
+    ASSERT_EQ(writeAxisTo(files_, L"axis"), eFileIOSuccess);
+    const char* const null = nullptr;
+    for (const char* name : {null, "", "."}) {
+        CTrvAssemblyData data;
+        CMachineContextData context;
+        const std::string directory = directory_.text();
+        EXPECT_EQ(CQvFilesIO(directory + "/assembly").readTrvAssembly(name, data),
+                  eFileIOOpenError);
+        EXPECT_EQ(CQvFilesIO(directory + "/axis").readMachineContext(name, context),
+                  eFileIOOpenError);
+    }
+    CQvFilesIO axis(directory_.wide() + L"/axis");
+    EXPECT_EQ(readAxisFrom(axis, L""), eFileIOOpenError);
+    EXPECT_EQ(readAxisFrom(axis, L"."), eFileIOOpenError);
+    EXPECT_EQ(readAxisFrom(axis, L"../axis"), eFileIOSuccess);
+}
+
+TEST_F(Facade, KeepsAByteOrderMarkAtTheBeginningOfANameAndOfATextOnPosix) {
+    if (onWindows()) GTEST_SKIP() << "the code page decides";
+    const std::string name = "\xEF\xBB\xBF\xEF\xBB\xBFx";
+    const std::wstring wide = L"\uFEFF\uFEFFx";
+    EXPECT_EQ(files_.writeTrvAssembly(name.c_str(), assembly(name)), eFileIOSuccess);
+    EXPECT_TRUE(fs::exists(directory_ / name));
+    CTrvAssemblyData data;
+    EXPECT_EQ(files_.readTrvAssembly(wide, data), eFileIOSuccess);
+    EXPECT_EQ(fileNameIn(data), name);
+    EXPECT_TRUE(files_.isfileExists(name));
+    EXPECT_TRUE(files_.isfileExists(wide));
+    EXPECT_EQ(files_.absoluteFileName(wide), directory_.wide() + L"/" + wide);
+    const CurrentDirectory current(directory_.path());
+    EXPECT_TRUE(files_.copyFile(name, name + "2"));
+    EXPECT_EQ(bytesOf(directory_ / (name + "2")), bytesOf(directory_ / name));
+    fs::create_directory(directory_ / "\xEF\xBB\xBF");
+    CQvFilesIO relative("\xEF\xBB\xBF"s);
+    CMachineContextData context;
+    context.setName(name);
+    EXPECT_EQ(context.getNameW(), wide);
+    EXPECT_EQ(relative.writeMachineContext("f", context), eFileIOSuccess);
+    EXPECT_TRUE(fs::exists(directory_ / "\xEF\xBB\xBF" / "f"));
+    EXPECT_NE(bytesOf(directory_ / "\xEF\xBB\xBF" / "f").find("\nname=" + name + "\n"),
+              std::string::npos);
+    EXPECT_EQ(relative.readMachineContext("f", context), eFileIOSuccess);
+    EXPECT_EQ(context.getName(), name);
+}
+
 TEST_F(Facade, KnowsFilesByWideNamesOfEveryKind) {
     const std::pair<std::wstring, std::string> names[] = {
         {L"Fr\u00E4se", "Fr\xC3\xA4se"},
@@ -292,7 +383,7 @@ TEST_F(Facade, TakesNarrowNamesForUtf8OnPosix) {
     EXPECT_TRUE(files_.isfileExists(L"Fr\u00E4se \U0001F527"s));
     EXPECT_TRUE(files_.isfileExists("Fr\xC3\xA4se \xF0\x9F\x94\xA7"s));
     EXPECT_EQ(files_.absoluteFileName("Fr\xC3\xA4se"s), directory_.text() + "/Fr\xC3\xA4se");
-    // A byte that is no UTF-8 becomes U+FFFD, so a file of that name cannot be reached.
+    // As text, a byte that is not UTF-8 becomes U+FFFD. As a name it names no file.
     writeBytes(directory_.path() / "\xE4", "x");
     EXPECT_EQ(files_.absoluteFileName("\xE4"s), directory_.text() + "/\xEF\xBF\xBD");
     EXPECT_FALSE(files_.isfileExists("\xE4"s));

@@ -6,9 +6,12 @@
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/machine_context/CMachineContextData.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <string>
 
 using namespace std::string_literals;
@@ -64,6 +67,65 @@ TEST_F(FacadeOnWindows, OpensAnAbsoluteNameOnAnotherDrive) {
               eFileIOSuccess);
     EXPECT_EQ(tags[2], 3);
     EXPECT_TRUE(other.isfileExists(here + "\\A.DAT"));
+}
+
+// The current drive is another one than the directory's, and has no directory of that name.
+TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheDrivesOfItsDirectory) {
+    const std::string here = directory_.text();
+    const std::wstring name = directory_.wide().substr(2) + L"/a.dat";
+    const std::string narrow(name.begin(), name.end());
+    const CurrentDirectory current(here.substr(0, 2) == "Z:" ? "C:/" : "Z:/");
+    double matrix[16];
+    int tags[3] = {};
+    ASSERT_EQ(writeAxis(name), eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(directory_ / "a.dat"));
+    EXPECT_EQ(files_.readAxis(name, matrix, tags[0], tags[1], tags[2]), eFileIOSuccess);
+    EXPECT_EQ(tags[2], 3);
+    EXPECT_TRUE(files_.isfileExists(narrow));
+    EXPECT_TRUE(files_.isfileExists(name));
+    EXPECT_EQ(files_.absoluteFileName(narrow), here + "/a.dat");
+
+    std::wstring backslashes = name;
+    std::replace(backslashes.begin(), backslashes.end(), L'/', L'\\');
+    EXPECT_EQ(readAxis(backslashes), eFileIOSuccess);
+    EXPECT_TRUE(files_.isfileExists(backslashes));
+    EXPECT_EQ(files_.writeTrvAssembly(backslashes, assembly()), eFileIOSuccess);
+    CTrvAssemblyData data;
+    EXPECT_EQ(files_.readTrvAssembly(narrow.c_str(), data), eFileIOSuccess);
+    EXPECT_EQ(data, assembly());
+    CMachineContextData context;
+    EXPECT_EQ(files_.writeMachineContext(narrow.c_str(), context), eFileIOSuccess);
+    EXPECT_EQ(files_.readMachineContext(backslashes, context), eFileIOSuccess);
+    EXPECT_EQ(bytesOf(directory_ / "a.dat").substr(0, 8), "[header]");
+}
+
+TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheShareOfItsDirectory) {
+    ASSERT_EQ(writeAxis(L"a.dat"), eFileIOSuccess);
+    CQvFilesIO share("//trvfiles-no-server/share/d"s);
+    const std::wstring name = directory_.wide().substr(2) + L"/a.dat";
+    const CurrentDirectory current(directory_.path());
+    double matrix[16];
+    int tag = 0;
+    EXPECT_EQ(share.readAxis(name, matrix, tag, tag, tag), eFileIOOpenError);
+    EXPECT_FALSE(share.isfileExists(name));
+    EXPECT_EQ(share.absoluteFileName(L"/y"s), L"//trvfiles-no-server/share/y");
+}
+
+TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheCurrentDriveForARelativeDirectory) {
+    const CurrentDirectory current(directory_.path());
+    CQvFilesIO relative(L"sub"s);
+    const std::wstring name = directory_.wide().substr(2) + L"/b.dat";
+    EXPECT_EQ(relative.writeAxis(name, identity, 1, 2, 3), eFileIOSuccess);
+    EXPECT_TRUE(std::filesystem::exists(directory_ / "b.dat"));
+    EXPECT_TRUE(relative.isfileExists(name));
+}
+
+TEST_F(FacadeOnWindows, PrintsNothingAboutADirectoryThatIsAServerAlone) {
+    ::testing::internal::CaptureStderr();
+    CQvFilesIO server("//trvfiles-no-server"s);
+    EXPECT_EQ(server.writeAxis(L"/trvfiles-no-directory/f", identity, 1, 2, 3), eFileIOOpenError);
+    EXPECT_FALSE(server.isfileExists("/trvfiles-no-directory/f"s));
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(FacadeOnWindows, TakesBothSeparators) {

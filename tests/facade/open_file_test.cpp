@@ -4,6 +4,7 @@
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/facade/open_file.h>
 
+#include <QFile>
 #include <QString>
 #include <gtest/gtest.h>
 
@@ -15,10 +16,17 @@
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 using namespace trv::testing;
+using trv::isReadable;
 using trv::openForRead;
 using trv::openForWrite;
 using trv::platform::file_handle;
 using trv::platform::file_mode;
+
+// What the resource compiler calls, which no header of Qt declares.
+bool qRegisterResourceData(int version, const unsigned char* tree, const unsigned char* names,
+                           const unsigned char* data);
+bool qUnregisterResourceData(int version, const unsigned char* tree, const unsigned char* names,
+                             const unsigned char* data);
 
 namespace {
 
@@ -156,4 +164,98 @@ TEST_F(OpenFile, SharesItsFileWithOthers) {
     EXPECT_NE(writer, nullptr);
     EXPECT_NE(second, nullptr);
     EXPECT_NE(reader, nullptr);
+}
+
+TEST_F(OpenFile, TellsWhichFilesAreReadable) {
+    const CurrentDirectory here(directory_.path());
+    writeBytes(directory_ / "f", "");
+    writeBytes(directory_ / "\xC3\xA4", "x");
+    fs::create_directory(directory_ / "d");
+    writeBytes(directory_ / "d/f", "x");
+    EXPECT_TRUE(isReadable(QStringLiteral("f")));
+    EXPECT_TRUE(isReadable(path(L"f")));
+    EXPECT_TRUE(isReadable(path(L"\u00E4")));
+    EXPECT_TRUE(isReadable(path(L"d\\f")));
+    EXPECT_FALSE(isReadable(path(L"d")));
+    EXPECT_FALSE(isReadable(path(L"missing")));
+    EXPECT_FALSE(isReadable(path(L"f/g")));
+    EXPECT_FALSE(isReadable(QString()));
+    EXPECT_FALSE(isReadable(QStringLiteral("")));
+    EXPECT_FALSE(isReadable(path(L"f\0"s)));
+    EXPECT_EQ(bytesOf(directory_ / "d/f"), "x");
+}
+
+TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {
+    writeBytes(directory_ / "\xC3\xA4", "a\r\nb\n");
+    QFile file;
+    QString reason;
+    ASSERT_TRUE(openForRead(path(L"\u00E4"), file, reason));
+    EXPECT_TRUE(reason.isEmpty());
+    EXPECT_FALSE(file.isSequential());
+    EXPECT_EQ(file.readAll().toStdString(), "a\r\nb\n");
+    EXPECT_TRUE(file.seek(0));
+    EXPECT_EQ(file.read(1).toStdString(), "a");
+    EXPECT_FALSE(file.isWritable());
+}
+
+TEST_F(OpenFile, SaysWhyItDoesNotReadForQt) {
+    fs::create_directory(directory_ / "d");
+    for (const QString& none : {path(L"missing"), path(L"d"), path(L"f\0"s), QString()}) {
+        QFile file;
+        QString reason;
+        EXPECT_FALSE(openForRead(none, file, reason));
+        EXPECT_FALSE(reason.isEmpty());
+        EXPECT_FALSE(file.isOpen());
+    }
+    if (!can_fork) GTEST_SKIP() << "Windows has words of its own";
+    QFile file;
+    QString reason;
+    EXPECT_FALSE(openForRead(path(L"missing"), file, reason));
+    EXPECT_EQ(reason, QStringLiteral("No such file or directory"));
+}
+
+TEST_F(OpenFile, WritesForQtWhatIsOnTheDiskAfterAFlush) {
+    writeBytes(directory_ / "\xC3\xA4", "something longer");
+    QFile file;
+    ASSERT_TRUE(openForWrite(path(L"\u00E4"), file));
+    EXPECT_EQ(file.write("a\nb"), 3);
+    EXPECT_TRUE(file.flush());
+    EXPECT_EQ(bytesOf(directory_ / "\xC3\xA4"), "a\nb");
+    EXPECT_FALSE(file.isReadable());
+    file.close();
+    EXPECT_EQ(bytesOf(directory_ / "\xC3\xA4"), "a\nb");
+}
+
+TEST_F(OpenFile, DoesNotWriteForQtToPathsThatNameNoFile) {
+    const CurrentDirectory here(directory_.path());
+    fs::create_directory(directory_ / "d");
+    fs::create_directory(directory_ / "e");
+    for (const QString& none : {path(L"missing/f"), path(L"d"), path(L"f\0"s), QString()}) {
+        QFile file;
+        EXPECT_FALSE(openForWrite(none, file));
+        EXPECT_FALSE(file.isOpen());
+    }
+    EXPECT_TRUE(fs::is_empty(directory_ / "d"));
+    EXPECT_FALSE(fs::exists(directory_ / "f"));
+}
+
+TEST_F(OpenFile, ReadsAResourceForQtAndNothingElse) {
+    // Qt's own smallest resource file: one file "x" of one byte.
+    const std::string tree("\0\0\0\0\0\2\0\0\0\1\0\0\0\1\0\0\0\0\0\0\0\0\0\1\0\0\0\0", 28);
+    const std::string names("\0\1\0\0\0x\0x", 8);
+    const std::string data("\0\0\0\1!", 5);
+    const auto bytes = [](const std::string& text) {
+        return reinterpret_cast<const unsigned char*>(text.data());
+    };
+    ASSERT_TRUE(qRegisterResourceData(1, bytes(tree), bytes(names), bytes(data)));
+    {
+        QFile file;
+        QString reason;
+        ASSERT_TRUE(openForRead(QStringLiteral(":/x"), file, reason)) << reason.toStdString();
+        EXPECT_EQ(file.readAll().toStdString(), "!");
+        QFile missing;
+        EXPECT_FALSE(openForRead(QStringLiteral(":/y"), missing, reason));
+        EXPECT_FALSE(openForWrite(QStringLiteral(":/x"), missing));
+    }
+    EXPECT_TRUE(qUnregisterResourceData(1, bytes(tree), bytes(names), bytes(data)));
 }

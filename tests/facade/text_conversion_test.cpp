@@ -15,10 +15,13 @@ using trv::fromNarrow;
 using trv::fromWide;
 using trv::isOpenable;
 using trv::nativePath;
+using trv::pathFromNarrow;
+using trv::pathFromWide;
 using trv::runtimePath;
 using trv::systemPath;
 using trv::toNarrow;
 using trv::toWide;
+using trv::widePath;
 
 namespace {
 
@@ -94,6 +97,57 @@ TEST(TextConversion, TakesNarrowTextForUtf8InEveryLocaleOfPosix) {
     }
 }
 
+TEST(TextConversion, FindsNarrowPathsThatAreNotUtf8) {
+    const char* const null = nullptr;
+    for (const std::string& path : {""s, "a"s, "\xC3\xA4/\xEF\xBF\xBD"s, "\xEF\xBB\xBF"s,
+                                    "\xF0\x9F\x94\xA7\0\xFF"s, "\xEF\xBF\xBF"s}) {
+        EXPECT_TRUE(pathFromNarrow(path).isExact) << path;
+        EXPECT_TRUE(pathFromNarrow(path.c_str()).isExact) << path;
+        EXPECT_EQ(pathFromNarrow(path).text, fromNarrow(path));
+        EXPECT_EQ(pathFromNarrow(path.c_str()).openable(), fromNarrow(path));
+    }
+    EXPECT_TRUE(pathFromNarrow(null).isExact);
+    EXPECT_TRUE(pathFromNarrow(null).text.isEmpty());
+    if (onWindows()) GTEST_SKIP() << "the ANSI code page decides what its bytes mean";
+    for (const char* path : {"\xE4", "a\xC3", "\xEF\xBF\xBD\xE4", "\xED\xA0\xBD", "\xC0\xAF"}) {
+        EXPECT_FALSE(pathFromNarrow(path).isExact);
+        EXPECT_FALSE(pathFromNarrow(std::string(path)).isExact);
+        EXPECT_TRUE(pathFromNarrow(path).openable().isEmpty());
+        EXPECT_EQ(pathFromNarrow(path).text, fromNarrow(path));
+    }
+}
+
+TEST(TextConversion, FindsUnitsOfWidePathsThatAreNoCharacters) {
+    const auto unit = [](std::uint32_t code) { return static_cast<wchar_t>(code); };
+    for (const std::wstring& path :
+         {L""s, L"a"s, L"\u00E4\uFFFD"s, L"\U0010FFFF"s, L"a\0b"s, L"\uFEFF"s, L"\xFFFF"s}) {
+        EXPECT_TRUE(pathFromWide(path).isExact);
+        EXPECT_EQ(pathFromWide(path).openable(), fromWide(path));
+    }
+    const std::wstring halves = {unit(0xD83D), unit(0xDD27)};
+    EXPECT_EQ(pathFromWide(halves).isExact, onWindows());
+    EXPECT_EQ(pathFromWide(halves).text, wide(L"\U0001F527"));
+    if (onWindows()) GTEST_SKIP() << "wide text is UTF-16 there";
+    for (const std::uint32_t code : {0xD800U, 0xDFFFU, 0x110000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+        const std::wstring path = {L'a', unit(code)};
+        EXPECT_FALSE(pathFromWide(path).isExact) << code;
+        EXPECT_TRUE(pathFromWide(path).openable().isEmpty()) << code;
+        EXPECT_EQ(pathFromWide(path).text, fromWide(path)) << code;
+    }
+}
+
+TEST(TextConversion, KeepsInWidePathsWhetherTheNarrowOnesAreExact) {
+    EXPECT_EQ(widePath("a"), L"a");
+    EXPECT_EQ(widePath(""), L"");
+    EXPECT_EQ(widePath("a\0b"s), L"a");
+    if (onWindows()) GTEST_SKIP() << "every narrow path is exact there";
+    EXPECT_EQ(widePath("\xC3\xA4\xEF\xBF\xBD"), L"\u00E4\uFFFD");
+    for (const std::string& path : {"a\xE4"s, "\xEF\xBF\xBD\xE4"s, "\xE4/b"s}) {
+        EXPECT_FALSE(pathFromWide(widePath(path)).isExact) << path;
+        EXPECT_EQ(pathFromWide(widePath(path)).text, fromNarrow(path)) << path;
+    }
+}
+
 TEST(TextConversion, TurnsBackslashesOfPathsWherePosixNeedsIt) {
     const QString path = wide(L"\\a\\b/c\\\\d");
     EXPECT_EQ(nativePath(path), onWindows() ? path : wide(L"/a/b/c//d"));
@@ -166,6 +220,36 @@ TEST(TextConversion, KeepsAFirstByteOrderMarkOfWideText) {
         EXPECT_EQ(units.at(1), QChar(u'a'));
         EXPECT_EQ(units.at(2).unicode(), 0xFEFF);
     }
+}
+
+TEST(TextConversion, KeepsAFirstByteOrderMarkOfNarrowTextOnPosix) {
+    if (onWindows()) GTEST_SKIP() << "the code page decides";
+    const std::string mark = "\xEF\xBB\xBF";
+    for (const std::string& text :
+         {mark, mark + "a", mark + mark, mark + mark + "a" + mark, "a" + mark, mark + "\xC3\xA4"}) {
+        EXPECT_EQ(toNarrow(fromNarrow(text)), text);
+        EXPECT_EQ(toNarrow(fromNarrow(text.c_str())), text);
+    }
+    EXPECT_EQ(fromNarrow(mark + "a").size(), 2);
+    EXPECT_EQ(fromNarrow(mark + "a").at(0).unicode(), 0xFEFF);
+    EXPECT_EQ(fromNarrow(mark + mark + "a").size(), 3);
+    EXPECT_EQ(fromNarrow(mark + "\0a"s).size(), 1);
+    EXPECT_EQ(fromNarrow("\xEF\xBB"), wide(L"\uFFFD\uFFFD")) << "an incomplete mark";
+}
+
+TEST(TextConversion, GivesAFirstByteOrderMarkBackInWideText) {
+    for (const std::wstring& text : {L"\uFEFF"s, L"\uFEFFa"s, L"\uFEFF\uFEFF"s, L"a\uFEFF"s}) {
+        EXPECT_EQ(toWide(fromWide(text)), text);
+        EXPECT_EQ(fromWide(text).size(), static_cast<int>(text.size()));
+    }
+    EXPECT_EQ(toWide(QChar(0xFEFF) + QString(QChar(u'a'))), L"\uFEFFa");
+    if (onWindows()) return;
+    EXPECT_EQ(toNarrow(fromWide(L"\uFEFFa")),
+              "\xEF\xBB\xBF"
+              "a");
+    EXPECT_EQ(toWide(fromNarrow("\xEF\xBB\xBF"
+                                "a")),
+              L"\uFEFFa");
 }
 
 TEST(TextConversion, ReplacesWhatIsBeyondUnicodeInUtf32) {

@@ -4,12 +4,10 @@
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/axis_file.h>
 #include <trvfiles/facade/open_file.h>
+#include <trvfiles/facade/path_resolution.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/support/platform.h>
-
-#include <QDir>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <cstddef>
@@ -18,43 +16,27 @@
 
 namespace {
 
+using trv::HostPath;
 using trv::platform::file_handle;
 using trv::platform::file_mode;
 
-QDir directoryOf(const std::wstring& directory) {
-    return QDir(trv::nativePath(trv::fromWide(directory)));
+QString resolved(const std::wstring& directory, const HostPath& name) {
+    return trv::resolvedPath(trv::pathFromWide(directory), name);
 }
 
-// Both resolutions give a path that cannot be opened as it is, without a warning of Qt's.
-
-// Whether cleaning would leave an absolute path as it is, told without making a QFileInfo. A "."
-// behind a "/" may be the beginning of a hidden name: then nothing is spared.
-bool isCleanAbsolute(const QString& path) {
-    const QChar slash = QLatin1Char('/');
-    if (trv::platform::backslash_separates() || path.isEmpty() || path.front() != slash ||
-        path.back() == slash) {
-        return false;
-    }
-    const auto mayGo = [slash](QChar first, QChar second) {
-        return first == slash && (second == slash || second == QLatin1Char('.'));
-    };
-    return std::adjacent_find(path.begin(), path.end(), mayGo) == path.end();
+// Only an assembly is read from a resource. The name of a resource is no path for the system, which
+// would look in the current directory.
+QString fileOnly(const QString& path) {
+    return trv::isResource(path) ? QString() : path;
 }
 
-// For reads and writes: the path comes out clean.
-QString resolved(const std::wstring& directory, const QString& name) {
-    QString native = trv::nativePath(name);
-    if (isCleanAbsolute(native)) return native;
-    const bool isAbsolute = native.startsWith(QLatin1Char('/')) || QDir::isAbsolutePath(native);
-    const QString path = isAbsolute ? native : directoryOf(directory).filePath(native);
-    return trv::isOpenable(path) ? QFileInfo(path).absoluteFilePath() : path;
+QString resolvedFile(const std::wstring& directory, const HostPath& name) {
+    return fileOnly(resolved(directory, name));
 }
 
-// For absoluteFileName() and isfileExists(): the path stays as it is joined.
-QString joined(const std::wstring& directory, const QString& name) {
-    const QDir base = directoryOf(directory);
-    const QString native = trv::nativePath(name);
-    return trv::isOpenable(base.path()) ? base.absoluteFilePath(native) : base.filePath(native);
+bool exists(const std::wstring& directory, const HostPath& name) {
+    const HostPath path = trv::absolutePath(trv::pathFromWide(directory), name);
+    return trv::isReadable(fileOnly(path.openable()));
 }
 
 EFileIOStatus readAssembly(const QString& path, CTrvAssemblyData& data) {
@@ -75,10 +57,10 @@ EFileIOStatus writeContext(const QString& path, const CMachineContextData& data)
     return CMachineContextIO(path).write(data);
 }
 
-bool copyBytes(const QString& source, const QString& destination) {
+bool copyBytes(const HostPath& source, const HostPath& destination) {
     // This order is part of the contract: a missing source leaves an empty destination.
-    const file_handle to = trv::openForWrite(destination, file_mode::binary);
-    const file_handle from = trv::openForRead(source, file_mode::binary);
+    const file_handle to = trv::openForWrite(destination.openable(), file_mode::binary);
+    const file_handle from = trv::openForRead(source.openable(), file_mode::binary);
     if (to == nullptr || from == nullptr) return false;
 
     char block[16384];
@@ -92,73 +74,77 @@ bool copyBytes(const QString& source, const QString& destination) {
 }  // namespace
 
 CQvFilesIO::CQvFilesIO(const char* directory)
-    : directory_(trv::toWide(trv::fromNarrow(directory))) {}
-CQvFilesIO::CQvFilesIO(const std::string& directory)
-    : directory_(trv::toWide(trv::fromNarrow(directory))) {}
+    : directory_(directory == nullptr ? std::wstring() : trv::widePath(directory)) {}
+CQvFilesIO::CQvFilesIO(const std::string& directory) : directory_(trv::widePath(directory)) {}
 // NOLINTNEXTLINE(modernize-pass-by-value): the signature is part of the interface.
 CQvFilesIO::CQvFilesIO(const std::wstring& directory) : directory_(directory) {}
 
 CQvFilesIO::CQvFilesIO(const CQvFilesIO& other) = default;
-CQvFilesIO::CQvFilesIO(CQvFilesIO&& other) noexcept = default;
 CQvFilesIO& CQvFilesIO::operator=(const CQvFilesIO& other) = default;
-CQvFilesIO& CQvFilesIO::operator=(CQvFilesIO&& other) noexcept = default;
 CQvFilesIO::~CQvFilesIO() = default;
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): the copy may run out of memory.
+CQvFilesIO::CQvFilesIO(CQvFilesIO&& other) : CQvFilesIO(other.directory_) {}
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): the copy may run out of memory.
+CQvFilesIO& CQvFilesIO::operator=(CQvFilesIO&& other) {
+    return *this = std::as_const(other);
+}
+
 EFileIOStatus CQvFilesIO::readMachineContext(const char* name, CMachineContextData& data) {
-    return readContext(resolved(directory_, trv::fromNarrow(name)), data);
+    return readContext(resolvedFile(directory_, trv::pathFromNarrow(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::readMachineContext(std::wstring name, CMachineContextData& data) {
-    return readContext(resolved(directory_, trv::fromWide(name)), data);
+    return readContext(resolvedFile(directory_, trv::pathFromWide(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::writeMachineContext(const char* name, const CMachineContextData& data) {
-    return writeContext(resolved(directory_, trv::fromNarrow(name)), data);
+    return writeContext(resolvedFile(directory_, trv::pathFromNarrow(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::writeMachineContext(std::wstring name, const CMachineContextData& data) {
-    return writeContext(resolved(directory_, trv::fromWide(name)), data);
+    return writeContext(resolvedFile(directory_, trv::pathFromWide(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::sReadMachineContext(const std::wstring& path, CMachineContextData& data) {
-    return readContext(trv::fromWide(path), data);
+    return readContext(trv::pathFromWide(path).openable(), data);
 }
 
 EFileIOStatus CQvFilesIO::sWriteMachineContext(const std::wstring& path,
                                                const CMachineContextData& data) {
-    return writeContext(trv::fromWide(path), data);
+    return writeContext(trv::pathFromWide(path).openable(), data);
 }
 
 EFileIOStatus CQvFilesIO::readTrvAssembly(const char* name, CTrvAssemblyData& data) {
-    return readAssembly(resolved(directory_, trv::fromNarrow(name)), data);
+    return readAssembly(resolved(directory_, trv::pathFromNarrow(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::readTrvAssembly(std::wstring name, CTrvAssemblyData& data) {
-    return readAssembly(resolved(directory_, trv::fromWide(name)), data);
+    return readAssembly(resolved(directory_, trv::pathFromWide(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::writeTrvAssembly(const char* name, const CTrvAssemblyData& data) {
-    return writeAssembly(resolved(directory_, trv::fromNarrow(name)), data);
+    return writeAssembly(resolved(directory_, trv::pathFromNarrow(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::writeTrvAssembly(std::wstring name, const CTrvAssemblyData& data) {
-    return writeAssembly(resolved(directory_, trv::fromWide(name)), data);
+    return writeAssembly(resolved(directory_, trv::pathFromWide(name)), data);
 }
 
 EFileIOStatus CQvFilesIO::sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data) {
-    return readAssembly(trv::fromWide(path), data);
+    return readAssembly(trv::pathFromWide(path).openable(), data);
 }
 
 EFileIOStatus CQvFilesIO::sWriteTrvAssembly(const std::wstring& path,
                                             const CTrvAssemblyData& data) {
-    return writeAssembly(trv::fromWide(path), data);
+    return writeAssembly(trv::pathFromWide(path).openable(), data);
 }
 
 EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2,
                                    int& tag3) {
     char buffer[4096];
     const file_handle file =
-        trv::openForRead(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
+        trv::openForRead(resolvedFile(directory_, trv::pathFromWide(fileName)), file_mode::text);
     if (file == nullptr) return eFileIOOpenError;
     static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
     const trv::AxisContent content = trv::readAxisContent(file.get());
@@ -178,7 +164,7 @@ EFileIOStatus CQvFilesIO::writeAxis(std::wstring fileName, const double* matrix,
     const std::string text = trv::axisFileText(written, tag1, tag2, tag3);
 
     const file_handle file =
-        trv::openForWrite(resolved(directory_, trv::fromWide(fileName)), file_mode::text);
+        trv::openForWrite(resolvedFile(directory_, trv::pathFromWide(fileName)), file_mode::text);
     if (file == nullptr) return eFileIOOpenError;
     // What the disk does not take is not reported: hosts rely on the open alone.
     static_cast<void>(std::fwrite(text.data(), 1, text.size(), file.get()));
@@ -186,27 +172,29 @@ EFileIOStatus CQvFilesIO::writeAxis(std::wstring fileName, const double* matrix,
 }
 
 std::string CQvFilesIO::absoluteFileName(const std::string& name) const {
-    return trv::toNarrow(joined(directory_, trv::fromNarrow(name)));
+    const HostPath directory = trv::pathFromWide(directory_);
+    return trv::toNarrow(trv::absolutePath(directory, trv::pathFromNarrow(name)).text);
 }
 
 std::wstring CQvFilesIO::absoluteFileName(const std::wstring& name) const {
-    return trv::toWide(joined(directory_, trv::fromWide(name)));
+    const HostPath directory = trv::pathFromWide(directory_);
+    return trv::toWide(trv::absolutePath(directory, trv::pathFromWide(name)).text);
 }
 
 bool CQvFilesIO::isfileExists(const std::string& name) const {
-    return trv::openForRead(joined(directory_, trv::fromNarrow(name)), file_mode::text) != nullptr;
+    return exists(directory_, trv::pathFromNarrow(name));
 }
 
 bool CQvFilesIO::isfileExists(const std::wstring& name) const {
-    return trv::openForRead(joined(directory_, trv::fromWide(name)), file_mode::text) != nullptr;
+    return exists(directory_, trv::pathFromWide(name));
 }
 
 bool CQvFilesIO::copyFile(const std::string& source, const std::string& destination) {
     if (source == destination) return false;
-    return copyBytes(trv::fromNarrow(source), trv::fromNarrow(destination));
+    return copyBytes(trv::pathFromNarrow(source), trv::pathFromNarrow(destination));
 }
 
 bool CQvFilesIO::copyFile(const std::wstring& source, const std::wstring& destination) {
     if (source == destination) return false;
-    return copyBytes(trv::fromWide(source), trv::fromWide(destination));
+    return copyBytes(trv::pathFromWide(source), trv::pathFromWide(destination));
 }

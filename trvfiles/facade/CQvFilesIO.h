@@ -15,13 +15,20 @@ class CTrvAssemblyData;
 ///
 /// An instance holds the directory as it was given: it need not exist, and a relative or an empty
 /// one is resolved against the current directory at each call. Names are used literally, "$", "?"
-/// and "~" included. Narrow names are in the local 8-bit code page (UTF-8 on Linux) and end at
-/// their first zero byte; wide names take every character. On Linux each "\" of a directory or a
-/// name acts as "/", so a file name that holds one cannot be named there.
+/// and "~" included. Narrow names are in the local 8-bit code page and end at their first zero
+/// byte; wide names take every character. On Linux narrow text is UTF-8 in every locale and under
+/// every codec that the host sets in Qt. There each "\" of a directory or a name acts as "/", so a
+/// file name that holds one cannot be named.
+///
+/// A path that names nothing gives eFileIOOpenError or false, and never another file: one that
+/// holds a zero and, on Linux, narrow bytes that are not UTF-8 or a wide unit that is no character.
 ///
 /// Two rules resolve names. Reads and writes clean the path ("sub/../f" is "f", whether or not
-/// "sub" exists); absoluteFileName() and isfileExists() leave it as it stands. An absolute name
-/// ignores the directory. The static members take the path as it is, without any directory.
+/// "sub" exists); absoluteFileName() and isfileExists() leave it as it is spelled. An absolute name
+/// ignores the directory; on Windows "/f" is on the drive or the share of the directory. ":/f" is
+/// the name of a Qt resource of the host: assemblies are read from it, otherwise it names no file.
+/// The empty name, "." and "sub/.." name the directory itself: nothing is read or written. The
+/// static members take the path as it is, without any directory.
 ///
 /// No operation throws or prints for a file problem: the status tells. One reports as well:
 /// writeMachineContext(). Running out of memory throws std::bad_alloc. The file is closed on every
@@ -45,10 +52,15 @@ public:
     explicit CQvFilesIO(const std::wstring& directory);
 
     CQvFilesIO(const CQvFilesIO& other);
-    CQvFilesIO(CQvFilesIO&& other) noexcept;
     CQvFilesIO& operator=(const CQvFilesIO& other);
-    CQvFilesIO& operator=(CQvFilesIO&& other) noexcept;
     ~CQvFilesIO();
+
+    /// A move is a copy: the source keeps its directory, because without one it would read and
+    /// write in the current directory. A copy may throw std::bad_alloc, so neither is noexcept.
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor)
+    CQvFilesIO(CQvFilesIO&& other);
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor)
+    CQvFilesIO& operator=(CQvFilesIO&& other);
 
     /// Reads a machine context file in one pass. Section and key names count case; what the file
     /// knows beyond them is passed over.
@@ -156,12 +168,13 @@ public:
     /// writeTrvAssembly() on a path that is taken as it is.
     static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data);
 
-    /// The absolute path of a name, with "/" between its parts; not cleaned.
+    /// The absolute path of a name, with "/" between its parts; not cleaned. On Linux U+FFFD takes
+    /// the place of what is not UTF-8 or no character: then the result does not name the file.
     std::string absoluteFileName(const std::string& name) const;
     std::wstring absoluteFileName(const std::wstring& name) const;
 
     /// Whether the file that absoluteFileName() gives can be opened for reading. A directory
-    /// cannot.
+    /// cannot, a pipe that may be read can. The answer never waits for the writer of a pipe.
     bool isfileExists(const std::string& name) const;
     bool isfileExists(const std::wstring& name) const;
 

@@ -1,10 +1,11 @@
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/platform.h>
 
-#include <QFile>
-
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <limits>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -18,9 +19,26 @@ int lengthToZero(const char* text, std::size_t longest) {
                                 : static_cast<std::size_t>(static_cast<const char*>(zero) - text));
 }
 
+// QString::fromUtf8() drops a byte order mark at the beginning of its text. A mark is a character
+// of the text here, so the marks at the beginning are taken off and put back.
+QString decodeUtf8(std::string_view text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    int marks = 0;
+    for (; text.substr(0, mark.size()) == mark; ++marks)
+        text.remove_prefix(mark.size());
+    QString decoded = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return marks == 0 ? decoded : QString(marks, QChar::ByteOrderMark) + decoded;
+}
+
 QString decode(const char* text, int length) {
-    return platform::narrow_text_is_utf8() ? QString::fromUtf8(text, length)
-                                           : QString::fromLocal8Bit(text, length);
+    return platform::narrow_text_is_utf8()
+               ? decodeUtf8(std::string_view(text, static_cast<std::size_t>(length)))
+               : QString::fromLocal8Bit(text, length);
+}
+
+bool isCharacter(wchar_t unit) {
+    const auto code = static_cast<char32_t>(unit);
+    return code <= QChar::LastValidCodePoint && !QChar::isSurrogate(code);
 }
 
 // An openable path of ASCII, which is the same in every encoding of file names, in the system's
@@ -81,6 +99,35 @@ std::wstring toWide(const QString& text) {
     return text.toStdWString();
 }
 
+HostPath pathFromNarrow(const char* path) {
+    return path == nullptr ? HostPath() : pathFromNarrow(std::string(path));
+}
+
+HostPath pathFromNarrow(const std::string& path) {
+    HostPath result{fromNarrow(path)};
+    // What is not UTF-8 has become U+FFFD, which may also be a character of the path.
+    if (platform::narrow_text_is_utf8() && result.text.contains(QChar::ReplacementCharacter)) {
+        result.isExact = toNarrow(result.text) == path.substr(0, path.find('\0'));
+    }
+    return result;
+}
+
+HostPath pathFromWide(const std::wstring& path) {
+    // In UTF-16 a half of a surrogate pair is a unit like any other.
+    const bool hasHalves = !platform::narrow_text_is_utf8();
+    return {fromWide(path), hasHalves || std::all_of(path.begin(), path.end(), isCharacter)};
+}
+
+std::wstring widePath(const std::string& path) {
+    const HostPath narrow = pathFromNarrow(path);
+    std::wstring wide = toWide(narrow.text);
+    if (narrow.isExact) return wide;
+    // No character, and U+FFFD as a text.
+    constexpr wchar_t beyondUnicode = std::numeric_limits<wchar_t>::max();
+    std::replace(wide.begin(), wide.end(), wchar_t{QChar::ReplacementCharacter}, beyondUnicode);
+    return wide;
+}
+
 QString nativePath(const QString& path) {
     if (platform::backslash_separates()) return path;
     QString native = path;
@@ -106,7 +153,8 @@ bool runtimePath(const QString& path, std::string& narrow) {
     if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
         if (asciiPath(path, narrow)) return true;
         if (!isOpenable(path)) return false;
-        narrow = QFile::encodeName(nativePath(path)).toStdString();
+        // Not by QFile::encodeName(), which takes the codec that the host has set.
+        narrow = nativePath(path).toUtf8().toStdString();
         return true;
     } else {
         if (!isOpenable(path)) return false;

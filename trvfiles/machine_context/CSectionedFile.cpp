@@ -110,7 +110,7 @@ int CSectionedFile::parse(std::FILE* file) {
 }
 
 int CSectionedFile::parseFile(const std::wstring& fileName) {
-    return parseFile(trv::fromWide(fileName));
+    return parseFile(trv::pathFromWide(fileName).openable());
 }
 
 int CSectionedFile::parseFile(const QString& fileName) {

@@ -50,6 +50,14 @@ inline file_handle open_for_read(const std::string& runtime_path, file_mode mode
     return open_for_read(runtime_path.c_str(), mode);
 }
 
+/// Whether open_for_read() would open the file now. Answers at once: it does not wait for the
+/// writer of a pipe, and leaves a pipe to its reader.
+bool can_open_for_read(const std::filesystem::path& path);
+bool can_open_for_read(const char* runtime_path);
+inline bool can_open_for_read(const std::string& runtime_path) {
+    return can_open_for_read(runtime_path.c_str());
+}
+
 /// Creates a file for writing, or cuts an existing one to nothing; other processes may have it open
 /// too.
 ///

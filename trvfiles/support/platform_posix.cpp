@@ -1,6 +1,7 @@
 #include <trvfiles/support/platform.h>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -62,6 +63,22 @@ file_handle open_no_directory(const char* path) {
         errno = EISDIR;
     }
     return file;
+}
+
+bool can_open(const char* path) {
+    struct stat status = {};
+    if (::stat(path, &status) != 0 || S_ISDIR(status.st_mode)) return false;
+    // To open a pipe waits for its writer, and to close it again ends a writer that has waited for
+    // a reader. So a pipe is asked for the right alone.
+    if (S_ISFIFO(status.st_mode)) return ::faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0;
+    int descriptor = -1;
+    do {
+        descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    } while (descriptor < 0 && errno == EINTR);
+    // Another process holds a lease on the file: an open that may wait gets it.
+    if (descriptor < 0) return errno == EWOULDBLOCK;
+    ::close(descriptor);
+    return true;
 }
 
 int code_of(int result) {
@@ -134,6 +151,14 @@ file_handle open_for_read(const std::filesystem::path& path, file_mode) {
 
 file_handle open_for_read(const char* runtime_path, file_mode) {
     return open_no_directory(system_path(runtime_path).c_str());
+}
+
+bool can_open_for_read(const std::filesystem::path& path) {
+    return can_open(path.c_str());
+}
+
+bool can_open_for_read(const char* runtime_path) {
+    return can_open(system_path(runtime_path).c_str());
 }
 
 file_handle open_for_write(const std::filesystem::path& path, file_mode) {

@@ -148,6 +148,14 @@ file_handle open_for_read(const char* runtime_path, file_mode mode) {
     return open_shared(runtime_path, "r", "rb", mode);  // which knows the reason
 }
 
+bool can_open_for_read(const std::filesystem::path& path) {
+    return open_for_read(path, file_mode::binary) != nullptr;
+}
+
+bool can_open_for_read(const char* runtime_path) {
+    return open_for_read(runtime_path, file_mode::binary) != nullptr;
+}
+
 file_handle open_for_write(const std::filesystem::path& path, file_mode mode) {
     return open_shared(path, L"w", L"wb", mode);
 }
