@@ -22,9 +22,15 @@ TEST(WideProduct, IsTheLowerHalfXorTheUpperHalf) {
 
 TEST(WideProduct, IsTheSameByHalves) {
     std::mt19937_64 random(20260101);
-    constexpr std::uint64_t edges[] = {0,          1,           0x7FFFFFFF,         0xFFFFFFFF,
-                                       0x100000000, 0x1FFFFFFFF, 0x8000000000000000,
-                                       0xFFFFFFFF00000000, 0xFFFFFFFFFFFFFFFF};
+    constexpr std::uint64_t edges[] = {0,
+                                       1,
+                                       0x7FFFFFFF,
+                                       0xFFFFFFFF,
+                                       0x100000000,
+                                       0x1FFFFFFFF,
+                                       0x8000000000000000,
+                                       0xFFFFFFFF00000000,
+                                       0xFFFFFFFFFFFFFFFF};
     for (const std::uint64_t a : edges)
         for (const std::uint64_t b : edges)
             EXPECT_EQ(folded_product_of_halves(a, b), folded_product(a, b));

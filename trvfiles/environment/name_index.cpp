@@ -29,8 +29,9 @@ void name_index::put(std::uint32_t place, std::uint32_t hash) noexcept {
     add(place, hash);
 }
 
-// Descends to the first node of a lower priority and takes its position. The subtree of that node is
-// split along one path: what is before the new node becomes its left side, the rest its right side.
+// Descends to the first node of a lower priority and takes its position. The subtree of that node
+// is split along one path: what is before the new node becomes its left side, the rest its right
+// side.
 void name_index::add(std::uint32_t place, std::uint32_t hash) noexcept {
     std::uint32_t* link = &nodes_[bucket_of(hash)].root;
     if (*link != none) {

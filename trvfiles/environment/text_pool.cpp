@@ -39,8 +39,8 @@ void text_pool::reserve_bytes(std::size_t bytes) {
     if (bytes <= reserved - used) return;
     if (bytes > largest_pool - used) throw std::bad_alloc();
     const std::size_t needed = used + bytes - reserved;
-    // Growing by half makes a long load linear. Near the storage maximum the pool takes up to half of
-    // what is left: growing by what each text needs would make a load quadratic there.
+    // Growing by half makes a long load linear. Near the storage maximum the pool takes up to half
+    // of what is left: growing by what each text needs would make a load quadratic there.
     std::size_t step = std::min(std::max(needed, reserved / 2), largest_pool - reserved);
     while (step > needed && !storage_fits(2 * step + initial_pool_size))
         step = std::max(needed, step / 2);

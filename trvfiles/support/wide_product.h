@@ -16,7 +16,8 @@ constexpr std::uint64_t folded_product_of_halves(std::uint64_t a, std::uint64_t 
     const std::uint64_t left = (a >> 32) * (b & half);
     const std::uint64_t right = (a & half) * (b >> 32);
     const std::uint64_t middle = (low >> 32) + (left & half) + (right & half);
-    const std::uint64_t high = (a >> 32) * (b >> 32) + (left >> 32) + (right >> 32) + (middle >> 32);
+    const std::uint64_t high =
+        (a >> 32) * (b >> 32) + (left >> 32) + (right >> 32) + (middle >> 32);
     return high ^ (middle << 32 | (low & half));
 }
 
@@ -24,7 +25,7 @@ constexpr std::uint64_t folded_product_of_halves(std::uint64_t a, std::uint64_t 
 /// number changes bits everywhere in the result.
 constexpr std::uint64_t folded_product(std::uint64_t a, std::uint64_t b) {
 #ifdef __SIZEOF_INT128__
-    // 0.6 of the time of the halves in a lookup.
+    // By halves, a lookup in an index of names takes 1.2 times as long.
     __extension__ using wide = unsigned __int128;
     const wide product = wide{a} * b;
     return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
