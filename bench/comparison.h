@@ -54,6 +54,7 @@ Comparisons assemblyComparisons();
 Comparisons axisComparisons();
 Comparisons contextComparisons();
 Comparisons storeComparisons();
+Comparisons storeGrowthComparisons();
 Comparisons expansionComparisons();
 Comparisons supportComparisons();
 

@@ -164,8 +164,9 @@ QJsonObject json(const Row& row) {
 
 Comparisons allComparisons() {
     Comparisons all;
-    for (Comparisons group : {assemblyComparisons(), axisComparisons(), contextComparisons(),
-                              storeComparisons(), expansionComparisons(), supportComparisons()}) {
+    for (Comparisons group :
+         {assemblyComparisons(), axisComparisons(), contextComparisons(), storeComparisons(),
+          storeGrowthComparisons(), expansionComparisons(), supportComparisons()}) {
         std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;

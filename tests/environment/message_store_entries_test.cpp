@@ -1,12 +1,14 @@
 #include <tests/common/channel_log.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/environment/message_store.h>
-#include <trvfiles/environment/name_index.h>
+#include <trvfiles/environment/name_hash.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <unordered_map>
+#include <utility>
 
 namespace trv {
 namespace {
@@ -55,32 +57,51 @@ TEST_F(StoreEntries, AreFoundByTheirTrimmedNamesAndGiveTheirTrimmedValues) {
     EXPECT_EQ(value("TWO WORDS"), "2");
 }
 
-// Names that share a hash, which few do.
-TEST_F(StoreEntries, AreToldApartThoughTheirNamesHaveOneHash) {
-    ASSERT_EQ(hash_name("TOOL_10194"), hash_name("TOOL_70886"));
-    append_message(store, 0, "TOOL_10194 = first", home, 1);
-    EXPECT_EQ(value("TOOL_70886"), "<none>");
-    EXPECT_EQ(set_parameter(store, 0, "TOOL_70886 = second", home, 2), 0);
-    EXPECT_EQ(message_count(store, 0), 2);
-    EXPECT_EQ(value("TOOL_10194"), "first");
-    EXPECT_EQ(value("TOOL_70886"), "second");
+// Two names that share a hash. Which ones differs from process to process; a hash of 32 bits takes
+// some 80,000 names to find them.
+std::pair<std::string, std::string> namesOfOneHash(std::uint32_t (*hash)(std::string_view)) {
+    std::unordered_map<std::uint32_t, std::string> names;
+    for (int number = 0;; ++number) {
+        const std::string name = "TOOL_" + std::to_string(number);
+        const auto [known, isNew] = names.emplace(hash(name), name);
+        if (!isNew) return {known->second, name};
+    }
+}
 
-    ASSERT_EQ(hash_name_ignoring_case("TOOL[1]"), hash_name_ignoring_case("tool{1}"));
-    append_message(store, 0, "TOOL[1] = square", home, 3);
-    EXPECT_EQ(value("tool{1}", false), "<none>");
-    EXPECT_EQ(value("tool[1]", false), "square");
-    append_message(store, 0, "Tool{1} = round", home, 4);
-    EXPECT_EQ(value("tool{1}", false), "round");
-    EXPECT_EQ(value("tool[1]", false), "square");
+TEST_F(StoreEntries, AreToldApartThoughTheirNamesHaveOneHash) {
+    const auto [first, second] = namesOfOneHash(hash_name);
+    append_message(store, 0, (first + " = first").c_str(), home, 1);
+    EXPECT_EQ(value(second.c_str()), "<none>");
+    EXPECT_EQ(set_parameter(store, 0, (second + " = second").c_str(), home, 2), 0);
+    EXPECT_EQ(message_count(store, 0), 2);
+    EXPECT_EQ(value(first.c_str()), "first");
+    EXPECT_EQ(value(second.c_str()), "second");
+    EXPECT_EQ(remove_parameter(store, 0, second.c_str()), 0);
+    EXPECT_EQ(value(first.c_str()), "first");
+    EXPECT_EQ(value(second.c_str()), "<none>");
+}
+
+TEST_F(StoreEntries, AreToldApartInAnyCaseThoughTheirNamesHaveOneHash) {
+    const auto [square, round] = namesOfOneHash(hash_name_ignoring_case);
+    const std::string lowerSquare = "tool_" + square.substr(5);
+    const std::string lowerRound = "tool_" + round.substr(5);
+    append_message(store, 0, (square + " = square").c_str(), home, 3);
+    EXPECT_EQ(value(lowerRound.c_str(), false), "<none>");
+    EXPECT_EQ(value(lowerSquare.c_str(), false), "square");
+    append_message(store, 0, (round + " = round").c_str(), home, 4);
+    EXPECT_EQ(value(lowerRound.c_str(), false), "round");
+    EXPECT_EQ(value(lowerSquare.c_str(), false), "square");
 }
 
 TEST_F(StoreEntries, AreInTheSectionOfTheirNameThoughAnotherHasItsHash) {
-    const std::uint16_t first = add_section(store, "TOOL_10194");
-    EXPECT_EQ(find_section(store, "TOOL_70886"), -1);
-    const std::uint16_t second = add_section(store, "TOOL_70886");
-    EXPECT_EQ(find_section(store, "TOOL_10194"), first);
-    EXPECT_EQ(find_section(store, "TOOL_70886"), second);
-    EXPECT_NE(register_file_name(store, "TOOL_10194"), register_file_name(store, "TOOL_70886"));
+    const auto [firstName, secondName] = namesOfOneHash(hash_name);
+    const std::uint16_t first = add_section(store, firstName.c_str());
+    EXPECT_EQ(find_section(store, secondName.c_str()), -1);
+    const std::uint16_t second = add_section(store, secondName.c_str());
+    EXPECT_EQ(find_section(store, firstName.c_str()), first);
+    EXPECT_EQ(find_section(store, secondName.c_str()), second);
+    EXPECT_NE(register_file_name(store, firstName.c_str()),
+              register_file_name(store, secondName.c_str()));
 }
 
 TEST_F(StoreEntries, TakeCodes1To32ForBlanksAndNothingElse) {

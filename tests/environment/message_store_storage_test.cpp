@@ -17,6 +17,7 @@ namespace {
 using testing::byProgram;
 using testing::ChannelLog;
 using testing::messagesOf;
+using testing::recordOf;
 using testing::Store;
 using testing::valueOf;
 
@@ -176,6 +177,66 @@ TEST(MessageStoreStorage, NearItsEndIsUsedToTheLastBlock) {
         ++messages;
     EXPECT_GT(messages * 900, 90000);
     EXPECT_EQ(message_count(store, 0), messages);
+}
+
+// A record of 12 bytes and a terminator, at a multiple of 4.
+constexpr std::uint64_t bytesOfAnEmptyText = 16;
+
+TEST(MessageStoreStorage, IsTakenForEachEmptyText) {
+    const Store store;
+    add_section(store, "s");
+    std::uint64_t before = permanentBytes();
+    for (int number = 0; number < 5000; ++number)
+        ASSERT_EQ(append_message(store, 0, "", byProgram, number), 0);
+    EXPECT_GE(permanentBytes() - before, 5000 * bytesOfAnEmptyText);
+    before = permanentBytes();
+    for (int line = 0; line < 5000; ++line)
+        ASSERT_EQ(replace_message(store, 0, 4999, "", byProgram, line), 0);
+    EXPECT_GE(permanentBytes() - before, 5000 * bytesOfAnEmptyText);
+    for (int number = 0; number < 5000; ++number) {
+        ASSERT_STREQ(get_message(store, 0, number), "");
+        ASSERT_EQ(recordOf(get_message(store, 0, number)).line, number);
+    }
+}
+
+TEST(MessageStoreStorage, IsTakenForALongTextOnce) {
+    const ChannelLog log;
+    const std::string text(1000000, 'x');
+    constexpr std::uint64_t spare = 1010000;
+    {
+        const Store store;
+        add_section(store, "s");
+        const StorageCap cap(spare);
+        EXPECT_EQ(append_message(store, 0, text.c_str(), byProgram, 0), 0);
+        EXPECT_EQ(append_message(store, 0, text.c_str(), byProgram, 0), -1);
+    }
+    {
+        const Store store;
+        add_section(store, "s");
+        append_message(store, 0, "short", byProgram, 0);
+        const StorageCap cap(spare);
+        EXPECT_EQ(replace_message(store, 0, 0, text.c_str(), byProgram, 0), 0);
+        EXPECT_EQ(replace_message(store, 0, 0, text.c_str(), byProgram, 0), -1);
+        EXPECT_EQ(get_message(store, 0, 0), text);
+    }
+    {
+        const Store store;
+        add_section(store, "s");
+        const StorageCap cap(spare);
+        EXPECT_EQ(set_message(store, 0, 10, text.c_str()), 0);
+        EXPECT_EQ(message_count(store, 0), 11);
+    }
+}
+
+// Each placeholder takes a record of 12 bytes and 18 for "undefined message", at a multiple of 4.
+TEST(MessageStoreStorage, IsTakenForEachPlaceholderOnce) {
+    const ChannelLog log;
+    const Store store;
+    add_section(store, "s");
+    constexpr std::uint64_t lists = 2 * 4 * 30001;
+    const StorageCap cap(30000 * 32 + 30000 + lists + 1024);
+    EXPECT_EQ(set_message(store, 0, 30000, ""), 0);
+    EXPECT_EQ(message_count(store, 0), 30001);
 }
 
 TEST(MessageStoreStorage, IsFoundForAnEmptyStoreWhateverTheMaximum) {

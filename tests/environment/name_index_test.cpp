@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <map>
+#include <random>
 #include <vector>
 
 namespace trv {
@@ -101,10 +103,46 @@ TEST(NameIndex, KeepsEverythingWhileItGrows) {
     }
 }
 
-TEST(NameIndex, HashesExactNamesApartAndFoldsAsciiLettersAlone) {
-    EXPECT_NE(hash_name("path"), hash_name("PATH"));
-    EXPECT_EQ(hash_name_ignoring_case("path"), hash_name_ignoring_case("PaTH"));
-    EXPECT_NE(hash_name_ignoring_case("\xE4"), hash_name_ignoring_case("\xC4"));
+// Few hashes, of which some share a bucket at every size of the index, against a map.
+TEST(NameIndex, KeepsTheOrderThroughRandomChanges) {
+    std::mt19937 random(20260101);
+    name_index index;
+    std::map<std::uint32_t, std::uint32_t> hashes;
+    const auto expectEqual = [&](std::uint32_t hash) {
+        Places expected;
+        for (const auto& [place, itsHash] : hashes) {
+            if (itsHash == hash) expected.push_back(place);
+        }
+        ASSERT_EQ(placesOf(index, hash), expected);
+    };
+    for (int change = 0; change < 20000; ++change) {
+        const auto place = static_cast<std::uint32_t>(random() % 300);
+        const auto hash = static_cast<std::uint32_t>(random() % 6) << 28;
+        if (random() % 3 == 0) {
+            index.remove(place);
+            hashes.erase(place);
+        } else {
+            put(index, place, hash);
+            hashes[place] = hash;
+        }
+        if (change % 50 != 0) continue;
+        for (std::uint32_t every = 0; every < 6; ++every)
+            expectEqual(every << 28);
+    }
+}
+
+TEST(NameIndex, ComparesNoMoreNamesThanHaveTheHash) {
+    name_index index;
+    for (std::uint32_t place = 0; place < 32000; ++place)
+        put(index, place, place << 17);
+    int compared = 0;
+    for (std::uint32_t place = 0; place < 32000; ++place) {
+        index.first(place << 17, [&](std::uint32_t) {
+            ++compared;
+            return true;
+        });
+    }
+    EXPECT_EQ(compared, 32000);
 }
 
 }  // namespace

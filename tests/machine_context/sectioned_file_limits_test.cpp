@@ -1,6 +1,7 @@
 // Streams that fail, and files beyond every measure.
 
 #include <tests/common/file_bytes.h>
+#include <tests/common/growth.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 
@@ -21,6 +22,8 @@
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
+using trv::testing::growth;
+using trv::testing::processorTime;
 using trv::testing::TemporaryDirectory;
 using trv::testing::writeBytes;
 
@@ -220,6 +223,41 @@ TEST(SectionedFileLimits, HoldLinesOfAnyLength) {
     const std::string value = valueOf(file, "s", "k");
     EXPECT_EQ(value.size(), length);
     EXPECT_EQ(value.find_first_not_of('x'), std::string::npos);
+}
+
+// Sixteen times the text: linear work takes 16 times as long, n log n 20 times, quadratic 256
+// times.
+TEST(SectionedFileLimits, TakeATimeThatGrowsAsTheText) {
+    const auto repeated = [](const std::string& lines, std::size_t size) {
+        std::string text;
+        while (text.size() < size)
+            text += lines;
+        return text;
+    };
+    const struct {
+        const char* name;
+        std::string before;  // repeated to half of the text
+        std::string between;
+        std::string after;  // repeated to the other half
+    } inputs[] = {{"equal keys", "k=\n", "", "k=\n"},
+                  {"equal headers", "[a]\n", "", "[a]\n"},
+                  {"a long key with short ones", "a", "=\n", "a=\n"},
+                  {"blanks before a key", " ", "a=\n", "a=\n"},
+                  {"blanks before a value", "a=\n", "k=", " "},
+                  {"a long header with short ones", "[", "]\n", "[a]\n"},
+                  {"brackets without their ends", "[\n", "", "[\n"}};
+    for (const auto& input : inputs) {
+        const auto timeToParse = [&](int size) {
+            const auto half = static_cast<std::size_t>(size) / 2;
+            std::istringstream stream(repeated(input.before, half) + input.between +
+                                      repeated(input.after, half));
+            return processorTime([&] {
+                CSectionedFile file;
+                ASSERT_EQ(file.parse(stream), 0);
+            });
+        };
+        EXPECT_LT(growth(16384, 262144, timeToParse), 80) << input.name;
+    }
 }
 
 TEST(SectionedFileLimits, TakeRandomBytesByTheRules) {

@@ -1,6 +1,7 @@
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/environment/name_hash.h>
 #include <trvfiles/environment/reference_resolver.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
@@ -300,9 +301,12 @@ int remove_parameter(message_store* store, int section, const char* name) {
     if (target == nullptr) return -1;
     const int number = target->find_entry(store->texts, text_of(name));
     if (number < 0) return -2;
-    for (std::int32_t text = target->text(number); text != text_pool::none;
-         text = store->texts.record(text).previous) {
-        store->texts.record(text).flags |= deleted_text;
+    // What a deleted text has replaced is deleted already.
+    for (std::int32_t text = target->text(number); text != text_pool::none;) {
+        text_record& version = store->texts.record(text);
+        if ((version.flags & deleted_text) != 0) break;
+        version.flags |= deleted_text;
+        text = version.previous;
     }
     target->update_indexes(store->texts, number);
     return 0;

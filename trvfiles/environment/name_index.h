@@ -4,8 +4,9 @@
 /// An index of names beside a list: which places of the list have a given name.
 ///
 /// It keeps hashes, not names; whoever owns the list compares the names themselves. The places of
-/// one name are visited in ascending order, whatever the order in which they came and went, so the
-/// first hit is the one that a walk along the list would find.
+/// one hash are visited in ascending order, whatever the order in which they were added and
+/// removed, so the first hit is the one that a walk along the list would find. With n places of one
+/// hash, each call takes a time that grows as log n for each place that it adds, removes or visits.
 ///
 /// Threads: one at a time, as the list.
 
@@ -13,14 +14,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 namespace trv {
 
-/// The hash of a name as it stands, or the one it shares with all that differ in case alone.
-std::uint32_t hash_name(std::string_view name);
-std::uint32_t hash_name_ignoring_case(std::string_view name);
-
+/// A hash table whose buckets are treaps: binary search trees by hash and place that are heaps by a
+/// keyed hash of the place. So each tree has the shape of one that was built in random order,
+/// whatever the order of the changes.
 class name_index {
 public:
     static constexpr std::uint32_t none = 0xFFFFFFFF;
@@ -33,42 +32,62 @@ public:
     /// Adds a place, or moves it to this hash. REQUIRES: reserve() of it.
     void put(std::uint32_t place, std::uint32_t hash) noexcept;
 
-    /// Takes a place out; one that is not in the index stays out.
+    /// Removes a place; one that is not in the index is ignored.
     void remove(std::uint32_t place) noexcept;
 
     /// The first place of this hash for which `matches(place)` is true, or `none`.
     template <class Matches>
     std::uint32_t first(std::uint32_t hash, Matches matches) const {
-        if (chains_.empty()) return none;
-        std::uint32_t place = chains_[chain_of(hash)].first;
-        while (place != none && (links_[place].hash != hash || !matches(place)))
-            place = links_[place].next;
+        if (nodes_.empty()) return none;
+        std::uint32_t place = first_from(0, hash);
+        while (place != none && !matches(place))
+            place = first_from(place + 1, hash);
         return place;
     }
 
 private:
-    // The places whose hashes fall together, linked in ascending order.
-    struct chain {
-        std::uint32_t first = none;
-        std::uint32_t last = none;
-    };
-    struct link {
+    struct node {
         std::uint32_t hash = 0;
-        std::uint32_t next = outside;
+        std::uint32_t left = outside;
+        std::uint32_t right = none;
+        // Of the bucket of this number, not of this node: one block holds both.
+        std::uint32_t root = none;
     };
-    // In place of the next one: this place is not in the index.
+    // Instead of the left child: this place is not in the index.
     static constexpr std::uint32_t outside = none - 1;
 
-    std::size_t chain_of(std::uint32_t hash) const { return hash & (chains_.size() - 1); }
+    std::size_t bucket_of(std::uint32_t hash) const { return hash & (nodes_.size() - 1); }
     bool is_inside(std::uint32_t place) const {
-        return place < links_.size() && links_[place].next != outside;
+        return place < nodes_.size() && nodes_[place].left != outside;
     }
-    void add(std::uint32_t place, std::uint32_t hash) noexcept;
-    void spread(std::size_t chains);
+    // The order of the trees.
+    static bool is_before(const node& one, std::uint32_t one_place, std::uint32_t hash,
+                          std::uint32_t place) {
+        return one.hash < hash || (one.hash == hash && one_place < place);
+    }
 
-    // As many as there are links, a power of two; links that no place has come for stand outside.
-    stored_vector<chain> chains_;
-    stored_vector<link> links_;
+    // The first place of this hash that is not below `start`.
+    std::uint32_t first_from(std::uint32_t start, std::uint32_t hash) const {
+        std::uint32_t found = none;
+        std::uint32_t place = nodes_[bucket_of(hash)].root;
+        while (place != none) {
+            const node& visited = nodes_[place];
+            if (is_before(visited, place, hash, start)) {
+                place = visited.right;
+            } else {
+                if (visited.hash == hash) found = place;
+                place = visited.left;
+            }
+        }
+        return found;
+    }
+
+    std::uint32_t* link_towards(std::uint32_t from, std::uint32_t hash,
+                                std::uint32_t place) noexcept;
+    void add(std::uint32_t place, std::uint32_t hash) noexcept;
+
+    // As many as there are buckets, a power of two.
+    stored_vector<node> nodes_;
 };
 
 }  // namespace trv

@@ -1,4 +1,5 @@
 #include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/name_hash.h>
 #include <trvfiles/environment/store_section.h>
 #include <trvfiles/support/ascii_case.h>
 
@@ -13,6 +14,11 @@ int number_of(std::uint32_t place) {
     return place == name_index::none ? -1 : static_cast<int>(place);
 }
 
+// A deleted entry is kept under a hash of its own, so that a lookup of live ones does not meet it.
+std::uint32_t hash_of_deleted(std::uint32_t hash) {
+    return ~hash;
+}
+
 }  // namespace
 
 store_section::store_section(std::string_view name)
@@ -20,19 +26,22 @@ store_section::store_section(std::string_view name)
     std::copy(name.begin(), name.end(), name_);
 }
 
+std::uint32_t store_section::first_named(const text_pool& pool, std::string_view name,
+                                         std::uint32_t hash) const {
+    return exact_names_.first(
+        hash, [&](std::uint32_t place) { return is_named(pool.at(texts_[place]), name); });
+}
+
 int store_section::find_entry(const text_pool& pool, std::string_view name) const {
-    return number_of(exact_names_.first(hash_name(name), [&](std::uint32_t place) {
-        return is_named(pool.at(texts_[place]), name);
-    }));
+    const std::uint32_t hash = hash_name(name);
+    const std::uint32_t live = first_named(pool, name, hash);
+    if (!has_deleted_) return number_of(live);
+    // Instead of a place, `none` is above all places.
+    return number_of(std::min(live, first_named(pool, name, hash_of_deleted(hash))));
 }
 
 int store_section::find_live_entry(const text_pool& pool, std::string_view name, bool exact) const {
-    if (exact) {
-        return number_of(exact_names_.first(hash_name(name), [&](std::uint32_t place) {
-            const std::int32_t text = texts_[place];
-            return (pool.record(text).flags & deleted_text) == 0 && is_named(pool.at(text), name);
-        }));
-    }
+    if (exact) return number_of(first_named(pool, name, hash_name(name)));
     return number_of(live_names_.first(hash_name_ignoring_case(name), [&](std::uint32_t place) {
         return is_named_ignoring_case(pool.at(texts_[place]), name);
     }));
@@ -64,11 +73,13 @@ void store_section::update_indexes(const text_pool& pool, int number) noexcept {
         return;
     }
     const std::string_view name = entry_name(changed);
-    exact_names_.put(place, hash_name(name));
     if ((pool.record(text(number)).flags & deleted_text) == 0) {
+        exact_names_.put(place, hash_name(name));
         live_names_.put(place, hash_name_ignoring_case(name));
     } else {
+        exact_names_.put(place, hash_of_deleted(hash_name(name)));
         live_names_.remove(place);
+        has_deleted_ = true;
     }
 }
 

@@ -55,8 +55,13 @@ public:
     void update_indexes(const text_pool& pool, int number) noexcept;
 
 private:
+    std::uint32_t first_named(const text_pool& pool, std::string_view name,
+                              std::uint32_t hash) const;
+
     char name_[longest_name + 1] = "";
     std::uint8_t name_length_;
+    // Whether an entry has ever been deleted: most sections are spared a lookup of deleted ones.
+    bool has_deleted_ = false;
     stored_vector<std::int32_t> texts_;
     // Every entry by its exact name; entries that are not deleted by their name without case.
     name_index exact_names_;

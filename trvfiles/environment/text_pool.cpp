@@ -1,3 +1,4 @@
+#include <trvfiles/environment/name_hash.h>
 #include <trvfiles/environment/text_pool.h>
 
 #include <algorithm>
@@ -37,10 +38,12 @@ void text_pool::reserve_bytes(std::size_t bytes) {
     const auto reserved = static_cast<std::size_t>(reserved_);
     if (bytes <= reserved - used) return;
     if (bytes > largest_pool - used) throw std::bad_alloc();
-    std::size_t step = used + bytes - reserved;
-    // Growing by half makes a long load linear. Near the storage maximum, what is needed has to do.
-    const std::size_t generous = std::min(std::max(step, reserved / 2), largest_pool - reserved);
-    if (storage_fits(generous + initial_pool_size)) step = generous;
+    const std::size_t needed = used + bytes - reserved;
+    // Growing by half makes a long load linear. Near the storage maximum the pool takes up to half
+    // of what is left: growing by what each text needs would make a load quadratic there.
+    std::size_t step = std::min(std::max(needed, reserved / 2), largest_pool - reserved);
+    while (step > needed && !storage_fits(2 * step + initial_pool_size))
+        step = std::max(needed, step / 2);
     if (pool_reserve(pool_.get(), static_cast<std::int32_t>(step)) < 0) throw std::bad_alloc();
     reserved_ = pool_used(pool_.get());
     base_ = static_cast<char*>(pool_address(pool_.get(), 0));

@@ -1,6 +1,7 @@
 #include <trvfiles/facade/open_file.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
+#include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/ascii_case.h>
 
 #include <algorithm>
@@ -9,62 +10,12 @@
 #include <ostream>
 #include <utility>
 
+namespace settings = trv::settings;
+
 namespace {
 
 constexpr std::size_t mostBytes = std::size_t{256} << 20;
 constexpr std::string_view utf8Signature = "\xEF\xBB\xBF";
-
-// The set is the format's own: " \t\f\v\n\r".
-constexpr bool isBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
-// Takes lines off the front of a text.
-class Lines {
-public:
-    explicit Lines(std::string_view text) : rest_(text) {}
-
-    // The next line without its end. False at the end of the text; an empty line there, which may
-    // have been a lone CR, is none.
-    bool next(std::string_view& line) {
-        const std::size_t end = rest_.find('\n');
-        const bool isTerminated = end != std::string_view::npos;
-        line = rest_.substr(0, end);
-        rest_.remove_prefix(isTerminated ? end + 1 : rest_.size());
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        return isTerminated || !line.empty();
-    }
-
-    std::string_view rest() const { return rest_; }
-
-private:
-    std::string_view rest_;
-};
-
-bool isHeader(std::string_view line, std::string_view& name) {
-    if (line.empty() || line.front() != '[') return false;
-    const std::size_t end = line.find(']');
-    if (end == std::string_view::npos) return false;
-    name = trimmed(line.substr(1, end - 1));
-    return true;
-}
-
-bool isKeyLine(std::string_view line, std::string_view& key, std::string_view& value) {
-    if (line.empty() || line.front() == '#') return false;
-    const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos) return false;
-    key = trimmed(line.substr(0, equals));
-    value = trimmed(line.substr(equals + 1));
-    return true;
-}
 
 // Finds a name among elements that are sorted by it; the first that matches where case is ignored.
 template <class Iterator, class NameOf>
@@ -129,89 +80,120 @@ void CSectionedFile::clear() {
 }
 
 int CSectionedFile::parseText(std::string text) {
-    constexpr std::size_t usualSections = 8;
-    constexpr std::size_t usualKeys = 16;
     content_ = std::make_shared<Content>();
     content_->text = std::move(text);
-    content_->keys.reserve(usualKeys);
-    sections_.reserve(usualSections);
-
+    content_->text.shrink_to_fit();
     std::string_view unread = content_->text;
     hasUtf8Signature_ = unread.substr(0, utf8Signature.size()) == utf8Signature;
     if (hasUtf8Signature_) unread.remove_prefix(utf8Signature.size());
+    reserve(unread);
 
-    Lines lines(unread);
-    open({}, -1, unread);
+    settings::Lines lines(unread);
     std::string_view line;
     std::string_view name;
+    std::string_view ofSection = unread;
     int lineNumber = 0;
+    open({}, -1);
     for (std::string_view before = unread; lines.next(line); before = lines.rest(), ++lineNumber) {
-        if (isHeader(line, name)) {
-            close(before);
-            open(name, lineNumber, lines.rest());
+        if (settings::isHeader(line, name)) {
+            ofSection.remove_suffix(before.size());
+            close(ofSection);
+            open(name, lineNumber);
+            ofSection = lines.rest();
         } else {
             takeLine(line);
         }
     }
-    close({});
+    close(ofSection);
     sortSections();
     return 0;
 }
 
-// @param rest  what follows the header
-void CSectionedFile::open(std::string_view name, int headerLine, std::string_view rest) {
+// Makes room for exactly what the text holds: a list that grows by doubling takes three times its
+// size meanwhile. A section with a name takes 24 bytes and its header at least 4, "[a]" and a line
+// end; a key takes 12 bytes and its line at least 2. So both lists take 6 times the text at most.
+void CSectionedFile::reserve(std::string_view unread) {
+    // The section without a name, and another one of this kind until it is closed.
+    constexpr std::size_t unnamedSections = 2;
+    const settings::Counts counts = settings::countOf(unread);
+    sections_.reserve(counts.sections + unnamedSections);
+    content_->keys.reserve(counts.keys);
+}
+
+CSectionedFile::Place CSectionedFile::placeOf(std::string_view part) const {
+    return {static_cast<std::uint32_t>(part.data() - content_->text.data()),
+            static_cast<std::uint32_t>(part.size())};
+}
+
+void CSectionedFile::open(std::string_view name, int headerLine) {
     Section& section = sections_.emplace_back();
-    section.name_ = name;
-    section.text_ = rest;
+    if (headerLine >= 0) section.name_ = placeOf(name);
     section.headerLine_ = headerLine;
-    section.keys_ = &content_->keys;
-    section.firstKey_ = content_->keys.size();
+    section.firstKey_ = static_cast<std::uint32_t>(content_->keys.size());
 }
 
 void CSectionedFile::takeLine(std::string_view line) {
     Section& section = sections_.back();
-    Section::KeyLine keyLine = {{}, {}, section.lineCount_++};
-    if (isKeyLine(line, keyLine.key, keyLine.value)) content_->keys.push_back(keyLine);
+    const int index = section.lineCount_++;
+    std::string_view key;
+    if (settings::isKeyLine(line, key)) content_->keys.push_back({placeOf(key), index});
 }
 
-// @param rest  what follows the last line of the section
-void CSectionedFile::close(std::string_view rest) {
+// @param lines  all lines of the section
+void CSectionedFile::close(std::string_view lines) {
     Section& section = sections_.back();
-    section.text_.remove_suffix(rest.size());
-    if (section.name_.empty() && trimmed(section.text_).empty()) {
-        sections_.pop_back();
+    if (section.name_.length != 0) {
+        sortKeys(section);
         return;
     }
+    // The first section has no name. A later one without a name replaces it at once, unless all of
+    // its lines are blank.
+    const bool isBlank = settings::trimmed(lines).empty();
+    if (isBlank) section.lineCount_ = 0;
+    if (!isBlank) sortKeys(section);
+    if (sections_.size() == 1) return;
+    if (!isBlank) sections_.front() = section;
+    sections_.pop_back();
+}
+
+void CSectionedFile::sortKeys(Section& section) {
     // The last line of a key first, which is the one that stays.
-    std::vector<Section::KeyLine>& keys = content_->keys;
+    const char* const text = content_->text.data();
+    std::vector<KeyLine>& keys = content_->keys;
     const auto first = keys.begin() + static_cast<std::ptrdiff_t>(section.firstKey_);
-    std::sort(first, keys.end(), [](const Section::KeyLine& left, const Section::KeyLine& right) {
-        const int order = left.key.compare(right.key);
+    std::sort(first, keys.end(), [text](const KeyLine& left, const KeyLine& right) {
+        const int order = left.key.in(text).compare(right.key.in(text));
         return order != 0 ? order < 0 : left.index > right.index;
     });
-    const auto isSameKey = [](const Section::KeyLine& left, const Section::KeyLine& right) {
-        return left.key == right.key;
+    const auto isSameKey = [text](const KeyLine& left, const KeyLine& right) {
+        return left.key.in(text) == right.key.in(text);
     };
     keys.erase(std::unique(first, keys.end(), isSameKey), keys.end());
-    section.keyCount_ = keys.size() - section.firstKey_;
+    section.keyCount_ = static_cast<std::uint32_t>(keys.size()) - section.firstKey_;
 }
 
 void CSectionedFile::sortSections() {
     // The last section of a name first, which is the one that stays.
-    std::sort(sections_.begin(), sections_.end(), [](const Section& left, const Section& right) {
-        const int order = left.name_.compare(right.name_);
-        return order != 0 ? order < 0 : left.headerLine_ > right.headerLine_;
-    });
-    const auto isSameName = [](const Section& left, const Section& right) {
-        return left.name_ == right.name_;
+    const char* const text = content_->text.data();
+    std::sort(sections_.begin(), sections_.end(),
+              [text](const Section& left, const Section& right) {
+                  const int order = left.name_.in(text).compare(right.name_.in(text));
+                  return order != 0 ? order < 0 : left.headerLine_ > right.headerLine_;
+              });
+    const auto isSameName = [text](const Section& left, const Section& right) {
+        return left.name_.in(text) == right.name_.in(text);
     };
     sections_.erase(std::unique(sections_.begin(), sections_.end(), isSameName), sections_.end());
+    // The section without a name is the first one.
+    if (sections_.front().lineCount_ == 0) sections_.erase(sections_.begin());
 }
 
 const CSectionedFile::Section& CSectionedFile::section(const std::string& name,
                                                        bool caseSensitive) const {
     static const Section none;
-    const auto nameOf = [](const Section& section) { return section.name_; };
+    if (sections_.empty()) return none;
+    const char* const text = content_->text.data();
+    const auto nameOf = [text](const Section& section) { return section.name_.in(text); };
     const auto found = find(sections_.begin(), sections_.end(), name, caseSensitive, nameOf);
     return found == sections_.end() ? none : *found;
 }
@@ -219,10 +201,13 @@ const CSectionedFile::Section& CSectionedFile::section(const std::string& name,
 bool CSectionedFile::sectionValue(const Section& section, const std::string& key,
                                   bool caseSensitive, std::string& value, int* lineNumber) const {
     if (section.keyCount_ == 0) return false;
-    const auto keyOf = [](const Section::KeyLine& line) { return line.key; };
-    const auto line = find(section.begin(), section.end(), key, caseSensitive, keyOf);
-    if (line == section.end()) return false;
-    value = line->value;
+    const KeyLine* const first = content_->keys.data() + section.firstKey_;
+    const KeyLine* const last = first + section.keyCount_;
+    const char* const text = content_->text.data();
+    const auto keyOf = [text](const KeyLine& line) { return line.key.in(text); };
+    const KeyLine* const line = find(first, last, key, caseSensitive, keyOf);
+    if (line == last) return false;
+    value = valueOf(*line);
     if (lineNumber != nullptr) *lineNumber = line->index;
     return true;
 }
@@ -236,15 +221,34 @@ bool CSectionedFile::value(const std::string& sectionName, bool sectionCaseSensi
     return true;
 }
 
+std::string_view CSectionedFile::valueOf(const KeyLine& line) const {
+    std::string_view rest =
+        std::string_view(content_->text).substr(line.key.start + line.key.length);
+    rest = rest.substr(0, rest.find('\n'));
+    return settings::trimmed(rest.substr(rest.find('=') + 1));
+}
+
+// The lines of a section, and what follows them.
+std::string_view CSectionedFile::textFrom(const Section& section) const {
+    const std::string_view text = content_->text;
+    if (section.headerLine_ < 0) return text.substr(hasUtf8Signature_ ? utf8Signature.size() : 0);
+    const std::size_t headerEnd = text.find('\n', section.name_.start + section.name_.length);
+    return headerEnd == std::string_view::npos ? std::string_view() : text.substr(headerEnd + 1);
+}
+
 void CSectionedFile::dump(std::ostream& stream) const {
+    if (sections_.empty()) return;
+    const char* const text = content_->text.data();
     for (const Section& section : sections_) {
-        stream << '[' << section.name_ << "]\n";
-        Lines lines(section.text_);
-        for (std::string_view line; lines.next(line);)
+        stream << '[' << section.name_.in(text) << "]\n";
+        settings::Lines lines(textFrom(section));
+        std::string_view line;
+        for (int index = 0; index < section.lineCount_ && lines.next(line); ++index)
             stream << line << '\n';
         stream << "-- Vars:" << section.keyCount_ << " --\n";
-        for (const Section::KeyLine& line : section)
-            stream << line.key << "={" << line.value << "}\n";
+        const KeyLine* const first = content_->keys.data() + section.firstKey_;
+        for (const KeyLine* key = first; key != first + section.keyCount_; ++key)
+            stream << key->key.in(text) << "={" << valueOf(*key) << "}\n";
         stream << "------------------\n";
     }
 }
