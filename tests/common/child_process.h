@@ -95,6 +95,18 @@ inline bool becomeOrdinaryUser() {
     return setgroups(0, nullptr) == 0 && setgid(nobody) == 0 && setuid(nobody) == 0;
 }
 
+/// Whether changeRoot() can do its work: for user 0 alone, and not in every container.
+inline bool mayChangeRoot() {
+    return getuid() == 0 && passesInChild([] {
+               if (chroot("/") != 0) _exit(1);
+           });
+}
+
+/// From here on paths begin at this directory. For child processes.
+inline bool changeRoot(const char* directory) {
+    return chroot(directory) == 0 && chdir("/") == 0;
+}
+
 /// From here on no file grows beyond `bytes`: writing more fails with EFBIG. For child processes.
 inline bool limitFileSize(std::uint64_t bytes) {
     const rlimit limit = {bytes, bytes};
@@ -127,6 +139,12 @@ inline bool setEnvironment(const char*, const char*) {
     return false;
 }
 inline bool becomeOrdinaryUser() {
+    return false;
+}
+inline bool mayChangeRoot() {
+    return false;
+}
+inline bool changeRoot(const char*) {
     return false;
 }
 inline bool limitFileSize(std::uint64_t) {

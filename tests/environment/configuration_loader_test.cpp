@@ -5,6 +5,7 @@
 #include <tests/environment/installation.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/configuration_paths.h>
 #include <trvfiles/environment/process_stores.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/dynamic_storage.h>
@@ -15,6 +16,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -360,6 +362,7 @@ TEST_F(ConfigurationLoader, FillsTheMessageCatalogue) {
     write("a.msg", "[text]\nfirst\nsecond\n[s]\nA = 1\n");
     EXPECT_EQ(load_catalogue_file(path("a.msg").c_str()), 0);
     message_store* store = catalogue_store();
+    ASSERT_NE(store, nullptr);
     EXPECT_STREQ(get_catalogue_message("text", 1), "second");
     EXPECT_STREQ(get_catalogue_parameter("s", "a"), "1");
     write("b.msg", "[s]\nA = +2\n");
@@ -510,6 +513,41 @@ TEST_F(VariableWalk, AnswersMinusOneWhereTheEnvironmentDoesNotLoad) {
         EXPECT_EQ(log.fatals().size(), 1U);
     };
     TRV_EXPECT_IN_CHILD(walk);
+}
+
+// What a load does once
+
+TEST_F(ConfigurationLoader, LoadsEachFileOnceIntoANewStore) {
+    write("a/m.cfg", "[s]\nA = 1\nno entry\n");
+    write("b/m.cfg", "[s]\nB = 1\n");
+    EXPECT_EQ(load_application_files("m.cfg", "$ROOT/a;$ROOT/b"), 0);
+    EXPECT_THAT(overloaded(), ElementsAre(overloading("b/m.cfg"), overloading("a/m.cfg")));
+    EXPECT_EQ(log_.errors().size(), 1U);
+}
+
+TEST_F(ConfigurationLoader, DoesNotTryAFailedFirstLoadAgainThoughAHandlerHasMadeTheStore) {
+    static std::string good;
+    static int reports;
+    good = path("good.msg");
+    reports = 0;
+    write("good.msg", "[s]\nA = 1\n");
+    write("bad.msg", "[s]\nB = 1\n[" + std::string(100, 'n') + "]\n");
+    set_fatal_handler([](const char*) {
+        ++reports;
+        load_catalogue_file(good.c_str());
+    });
+    EXPECT_EQ(load_catalogue_file(path("bad.msg").c_str()), -1);
+    EXPECT_EQ(reports, 1);
+    EXPECT_STREQ(get_catalogue_parameter("s", "A"), "1");
+    EXPECT_EQ(get_catalogue_parameter("s", "B"), nullptr);
+}
+
+TEST(ConfigurationPaths, LoseOneSeparatorAtTheirEndAndNothingBeforeTheirBeginning) {
+    constexpr std::string_view text = "a//";
+    EXPECT_EQ(without_trailing_separator(text), "a/");
+    EXPECT_EQ(without_trailing_separator("a\\"), "a");
+    EXPECT_EQ(without_trailing_separator("a"), "a");
+    EXPECT_EQ(without_trailing_separator(text.substr(3)).size(), 0U);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace trv {
 namespace {
@@ -99,6 +100,29 @@ TEST(EntryText, WithManySignsIsWorkedThroughAtOnce) {
         signs += "+a";
     EXPECT_EQ(without_references(signs), signs);
     EXPECT_EQ(without_references(with_references(signs, 1)), signs);
+}
+
+TEST(EntryText, EndsItsNameAtTheFirstSign) {
+    EXPECT_TRUE(is_named("A=B=C", "A"));
+    EXPECT_FALSE(is_named("A=B=C", "A=B"));
+    EXPECT_FALSE(is_named_ignoring_case("a=b=c", "A=B"));
+}
+
+TEST(EntryText, ReadsNoReferenceThatBeginsWithOtherCharacters) {
+    std::int32_t offset = 5;
+    for (const char* text : {"-(0000012C)", "+[0000012C)", "((0000012C)", "++0000012C)"})
+        EXPECT_FALSE(read_reference(text, offset)) << text;
+    EXPECT_EQ(offset, 5);
+}
+
+TEST(EntryText, ReadsNoReferenceBeyondItsEnd) {
+    constexpr std::string_view text = "+(0000012C)";
+    std::int32_t offset = 5;
+    for (std::size_t length = 0; length < 11; ++length)
+        EXPECT_FALSE(read_reference(text.substr(0, length), offset)) << length;
+    EXPECT_EQ(offset, 5);
+    EXPECT_TRUE(read_reference(text, offset));
+    EXPECT_EQ(offset, 300);
 }
 
 }  // namespace

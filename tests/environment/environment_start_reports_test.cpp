@@ -1,9 +1,11 @@
 #include <tests/common/channel_log.h>
+#include <tests/common/child_process.h>
 #include <tests/common/death_test.h>
 #include <tests/environment/installation.h>
 #include <tests/environment/start_up.h>
 #include <trvfiles/environment/environment_start.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/support/dynamic_storage.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,6 +87,7 @@ TEST_F(EnvironmentStart, ReportsAHomeFileThatIsGivenUp) {
         EXPECT_THAT(log.fatals(), ElementsAre("load_messages: file '" + installation.homeFile() +
                                                   "', line 0 : Error loading file.",
                                               notLoaded(installation.homeFile())));
+        EXPECT_THAT(progress(log), ElementsAre(opening, loading(installation.homeFile())));
         EXPECT_EQ(environment_store(), nullptr);
     };
     TRV_EXPECT_IN_CHILD(start);
@@ -111,6 +114,40 @@ TEST_F(EnvironmentStart, NeverReadsTheHomeFileOfAnEmptyRoot) {
         const ChannelLog log;
         EXPECT_EQ(valueOf("N"), "<undefined>");
         EXPECT_THAT(log.fatals(), ElementsAre("Error loading '\\config\\environ.cfg'\n"));
+    };
+    TRV_EXPECT_IN_CHILD(start);
+}
+
+// The file that the path would name exists there.
+TEST_F(EnvironmentStart, NeverReadsTheHomeFileOfAnEmptyRootThoughItExists) {
+    if (!testing::mayChangeRoot()) GTEST_SKIP() << "needs the right to change the root directory";
+    const auto start = [] {
+        const Installation installation;
+        installation.write("config/environ.cfg", "[var]\nN = home\n");
+        EXPECT_TRUE(testing::passesInChild([&installation] {
+            ASSERT_TRUE(testing::changeRoot(installation.root().c_str()));
+            platform::set_environment("TRVHOME", "/");
+            const ChannelLog log;
+            EXPECT_EQ(valueOf("N"), "<undefined>");
+            EXPECT_THAT(log.fatals(), ElementsAre("Error loading '\\config\\environ.cfg'\n"));
+            platform::set_environment("TRVHOME", "/.");
+            EXPECT_EQ(valueOf("N"), "home");
+        }));
+    };
+    TRV_EXPECT_IN_CHILD(start);
+}
+
+TEST_F(EnvironmentStart, GivesTheStorageOfAHomeFileBackThatIsGivenUp) {
+    const auto start = [] {
+        const Installation installation;
+        installation.write("config/environ.cfg",
+                           "[var]\nN = home\n[" + std::string(100, 'n') + "]\n");
+        const ChannelLog log;
+        EXPECT_EQ(valueOf("N"), "<undefined>");
+        EXPECT_EQ(log.fatals().size(), 2U);
+        char inUse[64];
+        storage_report(inUse, sizeof inUse);
+        EXPECT_STREQ(inUse, "data base memory : 0/0");
     };
     TRV_EXPECT_IN_CHILD(start);
 }
@@ -188,6 +225,8 @@ TEST_F(EnvironmentStart, KeepsTheStoreWhereTheSecondFileSpoilsTheList) {
         const ChannelLog log;
         EXPECT_EQ(valueOf("N"), "a");
         EXPECT_THAT(log.fatals(), ElementsAre(listError));
+        EXPECT_THAT(progress(log), ElementsAre(opening, loading(installation.homeFile()),
+                                               loading(installation.path("a/environ.cfg"))));
     };
     TRV_EXPECT_IN_CHILD(start);
 }

@@ -268,5 +268,22 @@ TEST_F(TooSmallBuffer, AloneTraps) {
     EXPECT_EQ(-44, _Expand(nullptr, buffer, sizeof buffer));
 }
 
+TEST_F(ExpansionBuffers, OfNoSizeHideNoOtherError) {
+    char buffer[8] = "same";
+    EXPECT_EQ(-31, _Expand("$(A", buffer, 0));
+    EXPECT_EQ(-44, _Expand(nullptr, buffer, 0));
+    EXPECT_EQ(-44, _Expand("abc", nullptr, 0));
+    EXPECT_STREQ("same", buffer);
+    EXPECT_THAT(log_.errors(), ElementsAre("_Expand(\"$(A\") = error -31 - syntax error",
+                                           "_Expand(<nullptr>) = error -44 - invalid argument",
+                                           "_Expand(\"abc\") = error -44 - invalid argument"));
+}
+
+TEST_F(ExpansionBuffers, AreWrittenUpToTheTerminatorAlone) {
+    char buffer[9] = "########";
+    EXPECT_EQ(0, _Expand("abc", buffer, 8));
+    EXPECT_EQ(std::string("abc\0####", 8), std::string(buffer, 8));
+}
+
 }  // namespace
 }  // namespace trv

@@ -185,5 +185,19 @@ TEST_F(ExpansionSearch, MayBeMadeByATraceHandlerOfASearch) {
     EXPECT_EQ(path("a/none.t"), inner);
 }
 
+TEST_F(ExpansionSearch, IsMadeOnceWhereTheBufferIsLargeEnough) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    TRV_EXPECT_IN_CHILD([&] {
+        const ChannelLog log;
+        EXPECT_EQ(0, search("?CFG/x.t"));
+        EXPECT_EQ(-21, search("?CFG/none.t"));
+        std::vector<std::string> searches;
+        for (const std::string& line : log.traces()) {
+            if (line.rfind("SEARCHING for ", 0) == 0) searches.push_back(line.substr(0, 24));
+        }
+        EXPECT_THAT(searches, ElementsAre("SEARCHING for 'x.t' in '", "SEARCHING for 'none.t' i"));
+    });
+}
+
 }  // namespace
 }  // namespace trv

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace trv {
 namespace {
@@ -115,6 +116,14 @@ TEST_F(MessageCondition, SendsNoTraceLines) {
     evaluate_condition(" X == 1");
     evaluate_condition(" UNKNOWN");
     EXPECT_TRUE(log_.traces().empty());
+}
+
+TEST_F(MessageCondition, LooksAtNothingOutsideOfItsText) {
+    constexpr std::string_view line = "(X))";
+    EXPECT_EQ(evaluate_condition(line.substr(0, 0)), condition_result::no);
+    EXPECT_EQ(evaluate_condition(line.substr(4)), condition_result::no);
+    EXPECT_EQ(evaluate_condition(line.substr(2, 1)), condition_result::no);
+    EXPECT_EQ(evaluate_condition(line.substr(1, 1)), condition_result::yes);
 }
 
 }  // namespace

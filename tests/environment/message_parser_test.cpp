@@ -196,7 +196,8 @@ TEST_P(UnknownKeyword, IsReportedAThousandTimesAndEndsTheParse) {
 }
 
 INSTANTIATE_TEST_SUITE_P(MessageParser, UnknownKeyword,
-                         ::testing::Values("/", "/IF X", "/ if X", "/define A b", "/%s%n"));
+                         ::testing::Values("/", "/IF X", "/ if X", "/define A b", "/%s%n", "/i X",
+                                           "/els", "/endi"));
 
 TEST_F(MessageParser, EndsTheParseWithAHandlerThatThrows) {
     set_fatal_handler([](const char* message) { throw std::runtime_error(message); });
@@ -400,6 +401,18 @@ TEST_F(MessageParser, LetsACallbackParseAnotherText) {
         return load_messages(store, inner, "inner.cfg", takeHeader, takeEntry);
     });
     EXPECT_THAT(taken, ElementsAre("a", "[x]", "2:A = 1", "b", "[x]", "2:A = 1"));
+}
+
+TEST_F(MessageParser, TakesWhatFollowsTheKeywordDirectlyForTheCondition) {
+    EXPECT_THAT(entries("/ifX\nA\n/endif\nB\n"), ElementsAre("3:A", "5:B"));
+    EXPECT_THAT(entries("/if(X)\nA\n/endif\nB\n"), ElementsAre("3:A", "5:B"));
+    EXPECT_THAT(entries("/ifXX\nA\n/endif\nB\n"), ElementsAre("5:B"));
+    EXPECT_THAT(log_.fatals(), IsEmpty());
+}
+
+TEST_F(MessageParser, TakesTheBeginningOfAKeywordForNothingInASkippedBlock) {
+    EXPECT_THAT(entries("/if Y\n/i X\n/els\nA\n/endi\nB\n/endif\nC\n"), ElementsAre("9:C"));
+    EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
 }  // namespace

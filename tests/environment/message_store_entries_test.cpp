@@ -359,5 +359,17 @@ TEST_F(StoreEntries, StayRightThroughTwentyThousandOfThem) {
     EXPECT_THAT(value("Name20000"), "<none>");
 }
 
+TEST_F(StoreEntries, GetTheMarkOfARemovedOneAndNoOther) {
+    set_record_flag(false);
+    append_message(store, 0, "A = 1", home, 1);
+    set_record_flag(true);
+    const char* const text = get_message(store, 0, 0);
+    EXPECT_EQ(recordOf(text).flags, 0);
+    EXPECT_EQ(remove_parameter(store, 0, "A"), 0);
+    EXPECT_EQ(recordOf(text).flags, 2);
+    EXPECT_EQ(remove_parameter(store, 0, "A"), 0);
+    EXPECT_EQ(recordOf(text).flags, 2);
+}
+
 }  // namespace
 }  // namespace trv

@@ -250,5 +250,47 @@ TEST(MessageStoreStorage, IsFoundForAnEmptyStoreWhateverTheMaximum) {
     EXPECT_TRUE(log.errors().empty());
 }
 
+// A block of this size has pages of its own, which go when it moves: a text that was still read
+// from the earlier place would end the process.
+TEST(MessageStoreStorage, MovesWhileItTakesATextOfItsOwn) {
+    const Store stores[2];
+    const std::string text(200000, 'x');
+    for (const Store& store : stores) {
+        add_section(store, "s");
+        append_message(store, 0, text.c_str(), byProgram, 0);
+    }
+    const char* const before = get_message(stores[0], 0, 0);
+    for (int number = 1; number < 40; ++number) {
+        for (const Store& store : stores) {
+            const char* const own = get_message(store, 0, number - 1);
+            if (number % 3 == 0) {
+                ASSERT_EQ(append_message(store, 0, own, byProgram, 0), 0);
+            } else if (number % 3 == 1) {
+                ASSERT_EQ(set_message(store, 0, number, own), 0);
+            } else {
+                ASSERT_EQ(append_message(store, 0, "", byProgram, 0), 0);
+                ASSERT_EQ(replace_message(store, 0, number, get_message(store, 0, number - 1),
+                                          byProgram, 0),
+                          0);
+            }
+            ASSERT_EQ(get_message(store, 0, number), text);
+        }
+    }
+    EXPECT_NE(get_message(stores[0], 0, 0), before);
+}
+
+TEST(MessageStoreStorage, TakesRoomForTheMissingPlaceholdersAlone) {
+    const ChannelLog log;
+    const Store store;
+    add_section(store, "s");
+    for (int number = 0; number < 20000; ++number)
+        ASSERT_EQ(append_message(store, 0, "text", byProgram, 0), 0);
+    // The list of the messages may double; 20 000 placeholders would take over 600 000 bytes more.
+    const StorageCap cap(300000);
+    EXPECT_EQ(set_message(store, 0, 20001, "last"), 0);
+    EXPECT_STREQ(get_message(store, 0, 20000), "undefined message");
+    EXPECT_STREQ(get_message(store, 0, 20001), "last");
+}
+
 }  // namespace
 }  // namespace trv

@@ -96,5 +96,18 @@ TEST(TextPool, GrowsThoughLessThanHalfOfItIsLeftToTheLimit) {
     EXPECT_THROW(pool.reserve_texts(1, 2048 * megabyte), std::bad_alloc);
 }
 
+TEST(TextPool, HoldsNothingFourGigabytesFromItsTexts) {
+    if (sizeof(std::uintptr_t) < 8) GTEST_SKIP() << "there are no such addresses";
+    text_pool pool;
+    const std::int32_t text = add(pool, "text");
+    const auto address = reinterpret_cast<std::uintptr_t>(pool.at(text));
+    const std::uintptr_t far = std::uintptr_t{1} << 16 << 16;
+    EXPECT_TRUE(pool.holds(reinterpret_cast<const char*>(address)));
+    for (const std::uintptr_t other : {address + far, address - far}) {
+        EXPECT_FALSE(pool.holds(reinterpret_cast<const char*>(other)));
+        EXPECT_EQ(pool.text_around(reinterpret_cast<const char*>(other)), text_pool::none);
+    }
+}
+
 }  // namespace
 }  // namespace trv

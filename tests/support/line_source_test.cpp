@@ -1,4 +1,5 @@
 #include <tests/common/file_bytes.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/support/line_source.h>
 
@@ -241,6 +242,15 @@ TEST_F(LineSource, ServesThroughTheInterface) {
     char text[16];
     EXPECT_EQ(source.readLine(text, sizeof text), 4U);
     EXPECT_EQ(source.lineNumber(), 2U);
+}
+
+TEST_F(LineSource, ClosesTheFileThatItHasOpened) {
+    if (testing::openDescriptors() < 0) GTEST_SKIP() << "the system does not list descriptors";
+    const auto before = testing::openDescriptors();
+    open("one\n");
+    EXPECT_EQ(testing::openDescriptors(), before + 1);
+    source_.reset();
+    EXPECT_EQ(testing::openDescriptors(), before);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/scoped_variable.h>
+#include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/support/platform.h>
 
@@ -229,6 +230,22 @@ TEST_F(PlatformRuntime, ABreakpointStopsTheProcess) {
                static_cast<unsigned>(status) == breakpointException;
     };
     EXPECT_EXIT(breakpoint_trap(), stopped, "");
+}
+
+TEST_F(PlatformRuntime, LeavesNoDescriptorOpen) {
+    if (testing::openDescriptors() < 0) GTEST_SKIP() << "the system does not list descriptors";
+    writeBytes(directory_ / "f", "x");
+    const auto before = testing::openDescriptors();
+    EXPECT_THAT(directory_entries(directory_.text().c_str()), ElementsAre("f"));
+    EXPECT_THAT(directory_entries(path("/f").c_str()), IsEmpty());
+    for (const char* name : {"/f", "/none", ""}) {
+        open_for_read(path(name).c_str(), file_mode::text).reset();
+        open_for_update(path(name).c_str(), file_mode::text).reset();
+        open_for_append(path(name).c_str(), file_mode::text).reset();
+    }
+    file_identity identity = {};
+    EXPECT_TRUE(read_identity(directory_.text().c_str(), identity));
+    EXPECT_EQ(testing::openDescriptors(), before);
 }
 
 }  // namespace

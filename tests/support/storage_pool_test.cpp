@@ -275,5 +275,26 @@ TEST_F(StoragePool, AHandlerMayThrow) {
     pool_destroy(pool);
 }
 
+// A pool of this size has pages of its own, which go when it moves: a text that was still read from
+// the earlier place would end the process.
+TEST_F(StoragePool, MovesWhileItStoresATextOfItsOwn) {
+    storage_pool* const pools[2] = {pool_create(300000), pool_create(300000)};
+    const std::string text(199999, 'x');
+    for (storage_pool* const pool : pools)
+        ASSERT_EQ(pool_add_string(pool, text.c_str()), 0);
+    const void* const before = pool_address(pools[0], 0);
+    for (std::int32_t number = 1; number < 20; ++number) {
+        for (storage_pool* const pool : pools) {
+            const std::int32_t latest = (number - 1) * 200000;
+            const auto* const own = static_cast<const char*>(pool_address(pool, latest));
+            ASSERT_EQ(pool_add_string(pool, own), latest + 200000);
+            ASSERT_EQ(static_cast<char*>(pool_address(pool, latest + 200000)), text);
+        }
+    }
+    EXPECT_NE(pool_address(pools[0], 0), before);
+    for (storage_pool* const pool : pools)
+        pool_destroy(pool);
+}
+
 }  // namespace
 }  // namespace trv
