@@ -10,7 +10,6 @@
 #include <numeric>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace trv::bench {
@@ -74,27 +73,9 @@ Comparison mergingColliding() {
     return {"merge 32,000 colliding names", merge("colliding.msg", collidingName), {ordinary}};
 }
 
-// Each name in another case.
-Work lookUp(NameOf nameOf) {
-    const std::shared_ptr<message_store> store(create_store(), StoreEnd());
-    const auto names = std::make_shared<std::vector<std::string>>();
-    add_section(store.get(), "var");
-    for (int number = 0; number < count; ++number) {
-        std::string name = nameOf(number);
-        append_message(store.get(), 0, (name + " = 1").c_str(), -1, 0);
-        name.back() = 'X';
-        names->push_back(std::move(name));
-    }
-    return {[=] {
-        for (const std::string& name : *names)
-            require(find_parameter(store.get(), 0, name.c_str(), false) != nullptr, "a lookup");
-    }};
-}
-
-Comparison lookingUpBrackets() {
-    return {"look up 32,000 names of brackets",
-            lookUp(bracketName),
-            {{"other names", lookUp(ordinaryName), 3.0}}};
+Comparison mergingBrackets() {
+    const Peer ordinary = {"other names", merge("ordinary.msg", ordinaryName), 3.0};
+    return {"merge 32,000 names of brackets", merge("brackets.msg", bracketName), {ordinary}};
 }
 
 // Renames every entry in the given order, from A to B or from A0, A1, ... to B0, B1, ...
@@ -144,7 +125,7 @@ Comparison renaming(const char* name, const std::vector<int>& order, double boun
 }  // namespace
 
 Comparisons storeGrowthComparisons() {
-    return {mergingColliding(), lookingUpBrackets(),
+    return {mergingColliding(), mergingBrackets(),
             renaming("rename 32,000 equal names", ascending(), 3.0),
             renaming("rename them backwards", descending(), 3.0),
             renaming("rename them in random order", shuffled(), 5.0)};
