@@ -33,8 +33,8 @@ struct MessageFile {
     std::vector<Section> sections;
 };
 
-/// Loads a regular file into a store of its own. A pipe or a device might never end, or never begin,
-/// so neither is opened.
+/// Loads a regular file into a store of its own. A pipe or a device might never end, or never
+/// begin, so neither is opened.
 ///
 /// @param name  where the system finds it; no reference in it is expanded
 MessageFile loadMessageFile(const QString& name);
