@@ -185,13 +185,14 @@ constexpr std::uint64_t bytesOfAnEmptyText = 16;
 TEST(MessageStoreStorage, IsTakenForEachEmptyText) {
     const Store store;
     add_section(store, "s");
+    const std::int32_t file = register_file_name(store, "f");
     std::uint64_t before = permanentBytes();
     for (int number = 0; number < 5000; ++number)
-        ASSERT_EQ(append_message(store, 0, "", byProgram, number), 0);
+        ASSERT_EQ(append_message(store, 0, "", file, number), 0);
     EXPECT_GE(permanentBytes() - before, 5000 * bytesOfAnEmptyText);
     before = permanentBytes();
     for (int line = 0; line < 5000; ++line)
-        ASSERT_EQ(replace_message(store, 0, 4999, "", byProgram, line), 0);
+        ASSERT_EQ(replace_message(store, 0, 4999, "", file, line), 0);
     EXPECT_GE(permanentBytes() - before, 5000 * bytesOfAnEmptyText);
     for (int number = 0; number < 5000; ++number) {
         ASSERT_STREQ(get_message(store, 0, number), "");

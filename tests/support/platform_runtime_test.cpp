@@ -5,6 +5,7 @@
 #include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/support/platform_sharing.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
