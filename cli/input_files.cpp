@@ -172,7 +172,8 @@ Problem readContext(const QString& name, ContextFile& context) {
     MissingKey missing;
     const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &missing);
     if (status == eFileIOContentError) return missingKeyProblem(missing);
-    if (status != eFileIOSuccess) return {status, QStringLiteral("the file changes while it is read")};
+    if (status != eFileIOSuccess)
+        return {status, QStringLiteral("the file changes while it is read")};
 
     for (const char* section : {"header", "machine", "postpro", "clamping_system"}) {
         if (sections.section(section, true).lineCount() == 0) {

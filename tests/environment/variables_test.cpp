@@ -259,6 +259,13 @@ TEST_F(Variables, OfPathsTellWhereTheirValueCameFrom) {
     EXPECT_EQ("from environment 'TRV_TEST_FPATH'", pathOrigin("TRV_TEST_F"));
 }
 
+TEST_F(Variables, OfPathsTakeANullNameForTheEmptyOne) {
+    const ScopedVariable process("PATH", "v");
+    char origin[64] = "left over";
+    EXPECT_EQ(0, describe_path_origin(origin, sizeof origin, nullptr, "v"));
+    EXPECT_STREQ("from environment 'PATH'", origin);
+}
+
 TEST_F(Variables, WithoutAKnownOriginHaveAnEmptyOne) {
     char origin[64] = "left over";
     EXPECT_EQ(-1, describe_variable_origin(origin, sizeof origin, "TRV_TEST_X", "elsewhere"));

@@ -88,6 +88,13 @@ TEST_F(ZoneNumber, TakesACounterAsAHexadecimalScanDoes) {
     EXPECT_EQ(numberAfter(" \t1f\n"), "00000020");
     EXPECT_EQ(numberAfter("face off\n"), "0000facf");
     EXPECT_EQ(numberAfter("+9\n"), "0000000a");
+    // The first and the last digit of each range, and the characters beside them.
+    EXPECT_EQ(numberAfter("0000000A\n"), "0000000b");
+    EXPECT_EQ(numberAfter("0000000F\n"), "00000010");
+    EXPECT_EQ(numberAfter("0000000a\n"), "0000000b");
+    EXPECT_EQ(numberAfter("00000000\n"), "00000001");
+    for (const char* other : {"1:2", "1/2", "1@2", "1G2", "1`2", "1g2"})
+        EXPECT_EQ(numberAfter(other), "00000002") << other;
     EXPECT_EQ(numberAfter("-2\n"), "ffffffff");
     EXPECT_EQ(numberAfter("00000000000000000000000000001\n"), "00000002");
 }
@@ -98,6 +105,7 @@ TEST_F(ZoneNumber, StartsAnewAfterTheLargestCounter) {
     EXPECT_EQ(numberAfter("100000000\n"), "00000000");
     EXPECT_EQ(numberAfter(std::string(80, 'f')), "00000000");
     EXPECT_EQ(numberAfter("-fffffffff\n"), "00000000");
+    EXPECT_EQ(numberAfter("-ffffffff\n"), "00000002");
 }
 
 TEST_F(ZoneNumber, TakesACounterThatIsNoNumberForZero) {
