@@ -176,7 +176,10 @@ TEST_F(PlatformRuntime, TheProgramFileIsThisTest) {
 TEST_F(PlatformRuntime, ArgumentsAreThoseBehindTheProgram) {
     if (backslash_separates()) GTEST_SKIP() << "Windows tells the arguments of this test";
     const char* const arguments[] = {"program", "-x", "a b", "", nullptr};
-    EXPECT_THAT(program_arguments(4, arguments), ElementsAre("-x", "a b", ""));
+    std::vector<std::string> given;
+    for (const std::filesystem::path argument : program_arguments(4, arguments))
+        given.push_back(argument.string());
+    EXPECT_THAT(given, ElementsAre("-x", "a b", ""));
     EXPECT_THAT(program_arguments(1, arguments), IsEmpty());
     EXPECT_THAT(program_arguments(0, arguments + 4), IsEmpty());
 }
