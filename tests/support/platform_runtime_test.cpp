@@ -12,6 +12,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace trv::platform {
 namespace {
