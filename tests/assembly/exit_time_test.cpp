@@ -78,6 +78,7 @@ TEST_F(AssemblyAtExit, IsReadInUtf16AndLatin1) {
 }
 
 TEST_F(AssemblyAtExit, IsRefusedInAnEncodingThatQtNoLongerKnows) {
+    if (trv::platform::backslash_separates()) GTEST_SKIP() << "Qt's DLL outlives the program";
     const std::string bytes =
         "<?xml version='1.0' encoding='windows-1252'?><ComponentInfo version='1'><Attributs/>"
         "<Component name='a'><Data><File name='f'/></Data></Component></ComponentInfo>";

@@ -1,4 +1,5 @@
 #include <tests/cli/env_sample.h>
+#include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -246,6 +247,7 @@ TEST_F(EnvExplain, ShortensALongHistory) {
 }
 
 TEST_F(EnvExplain, ShortensALongValueSoFar) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "no code page of Windows has the text";
     const std::string emoji = u8"\U0001f600";
     std::string value;
     for (int i = 0; i < 100; ++i)

@@ -290,7 +290,8 @@ TEST_F(FavoriteDirectory, TracesTheUndefinedVariableAndTheInstallation) {
     const auto ask = [] {
         const Installation installation;
         trv::get_variable("TRV_MCTX_DEF");
-        const std::string root = "TRVHOME = '" + installation.root() + "' from environment";
+        const std::string root = std::string("TRVHOME = '") +
+                                 trv::platform::get_environment("TRVHOME") + "' from environment";
         const ChannelLog log;
         EXPECT_EQ(favorites(), installation.fallback());
         EXPECT_THAT(log.traces(), ElementsAre("TRV_MCTX_DEF = <undefined variable>", root));
@@ -311,7 +312,9 @@ TEST_F(FavoriteDirectory, TracesAnEmptyValueOfTheConfiguration) {
         EXPECT_EQ(favorites(), installation.fallback());
         ASSERT_THAT(log.traces(), ::testing::SizeIs(2));
         EXPECT_THAT(log.traces()[0], ::testing::StartsWith("TRV_MCTX_DEF = '' "));
-        EXPECT_EQ(log.traces()[1], "TRVHOME = '" + installation.root() + "' from environment");
+        EXPECT_EQ(log.traces()[1], std::string("TRVHOME = '") +
+                                       trv::platform::get_environment("TRVHOME") +
+                                       "' from environment");
     };
     TRV_EXPECT_IN_CHILD(ask);
 }

@@ -196,10 +196,11 @@ int create_held(const char* path, std::chrono::milliseconds wait) {
         const bool was_free = reason == EAGAIN;
         reason = try_to_hold(path, wait, file);
         // Somebody who puts something under the name again and again does not keep the caller here.
-        if (reason == EAGAIN)
+        if (reason == EAGAIN) {
             goes_on = !was_free || !turn.is_over();
-        else
+        } else {
             goes_on = reason == EBUSY && turn.pause();
+        }
     }
     if (reason == 0) return file.release();
     errno = reason == EBUSY || reason == EAGAIN ? ETIMEDOUT : reason;
