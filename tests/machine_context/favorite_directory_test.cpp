@@ -51,6 +51,11 @@ public:
     }
 
     std::string fallback() const { return root() + "/standard/machine_context"; }
+
+    /// What the trace shows when the root is looked up.
+    std::string rootTrace() const {
+        return "TRVHOME = '" + trv::testing::Installation::root() + "' from environment";
+    }
 };
 
 /// The directory in UTF-8.
@@ -290,7 +295,7 @@ TEST_F(FavoriteDirectory, TracesTheUndefinedVariableAndTheInstallation) {
     const auto ask = [] {
         const Installation installation;
         trv::get_variable("TRV_MCTX_DEF");
-        const std::string root = "TRVHOME = '" + installation.root() + "' from environment";
+        const std::string root = installation.rootTrace();
         const ChannelLog log;
         EXPECT_EQ(favorites(), installation.fallback());
         EXPECT_THAT(log.traces(), ElementsAre("TRV_MCTX_DEF = <undefined variable>", root));
@@ -311,7 +316,7 @@ TEST_F(FavoriteDirectory, TracesAnEmptyValueOfTheConfiguration) {
         EXPECT_EQ(favorites(), installation.fallback());
         ASSERT_THAT(log.traces(), ::testing::SizeIs(2));
         EXPECT_THAT(log.traces()[0], ::testing::StartsWith("TRV_MCTX_DEF = '' "));
-        EXPECT_EQ(log.traces()[1], "TRVHOME = '" + installation.root() + "' from environment");
+        EXPECT_EQ(log.traces()[1], installation.rootTrace());
     };
     TRV_EXPECT_IN_CHILD(ask);
 }
