@@ -51,6 +51,11 @@ public:
     }
 
     std::string fallback() const { return root() + "/standard/machine_context"; }
+
+    /// What the trace shows when the root is looked up.
+    std::string rootTrace() const {
+        return "TRVHOME = '" + trv::testing::Installation::root() + "' from environment";
+    }
 };
 
 /// The directory in UTF-8.
@@ -183,6 +188,16 @@ TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheVariableIsEmpty) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
+TEST_F(FavoriteDirectory, IsEmptyIfTheConfiguredRootIsEmpty) {
+    const auto ask = [] {
+        const Installation installation("[var]\nTRVHOME =\n");
+        trv::get_variable("TRV_MCTX_DEF");
+        setVariable("TRVHOME", "");
+        EXPECT_EQ(favorites(), "");
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
 TEST_F(FavoriteDirectory, IsTheConfiguredOneWhereTheEnvironmentsIsEmpty) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF = $TRVHOME/favourites\n");
@@ -290,8 +305,7 @@ TEST_F(FavoriteDirectory, TracesTheUndefinedVariableAndTheInstallation) {
     const auto ask = [] {
         const Installation installation;
         trv::get_variable("TRV_MCTX_DEF");
-        const std::string root = std::string("TRVHOME = '") +
-                                 trv::platform::get_environment("TRVHOME") + "' from environment";
+        const std::string root = installation.rootTrace();
         const ChannelLog log;
         EXPECT_EQ(favorites(), installation.fallback());
         EXPECT_THAT(log.traces(), ElementsAre("TRV_MCTX_DEF = <undefined variable>", root));
@@ -312,9 +326,7 @@ TEST_F(FavoriteDirectory, TracesAnEmptyValueOfTheConfiguration) {
         EXPECT_EQ(favorites(), installation.fallback());
         ASSERT_THAT(log.traces(), ::testing::SizeIs(2));
         EXPECT_THAT(log.traces()[0], ::testing::StartsWith("TRV_MCTX_DEF = '' "));
-        EXPECT_EQ(log.traces()[1], std::string("TRVHOME = '") +
-                                       trv::platform::get_environment("TRVHOME") +
-                                       "' from environment");
+        EXPECT_EQ(log.traces()[1], installation.rootTrace());
     };
     TRV_EXPECT_IN_CHILD(ask);
 }

@@ -38,8 +38,7 @@ std::string expanded(const char* variable, const char* text) {
     std::string buffer = text;
     buffer.resize(bufferSize);
     const int status = trv::_ExpandInPlace(buffer.data(), bufferSize);
-    if (trv::is_expand_error(status)) return {};
-    if (status == trv::EXP_UNDEFINED && !hasValue(variable)) return {};
+    if (trv::is_expand_error(status) || !hasValue(variable)) return {};
     buffer.resize(std::char_traits<char>::length(buffer.c_str()));
     return buffer;
 }
