@@ -187,9 +187,10 @@ TEST_F(OpenFile, TellsWhichFilesAreReadable) {
 
 TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {
     writeBytes(directory_ / "\xC3\xA4", "a\r\nb\n");
+    file_handle handle;
     QFile file;
     QString reason;
-    ASSERT_TRUE(openForRead(path(L"\u00E4"), file, reason));
+    ASSERT_TRUE(openForRead(path(L"\u00E4"), handle, file, reason));
     EXPECT_TRUE(reason.isEmpty());
     EXPECT_FALSE(file.isSequential());
     EXPECT_EQ(file.readAll().toStdString(), "a\r\nb\n");
@@ -201,23 +202,26 @@ TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {
 TEST_F(OpenFile, SaysWhyItDoesNotReadForQt) {
     fs::create_directory(directory_ / "d");
     for (const QString& none : {path(L"missing"), path(L"d"), path(L"f\0"s), QString()}) {
+        file_handle handle;
         QFile file;
         QString reason;
-        EXPECT_FALSE(openForRead(none, file, reason));
+        EXPECT_FALSE(openForRead(none, handle, file, reason));
         EXPECT_FALSE(reason.isEmpty());
         EXPECT_FALSE(file.isOpen());
     }
     if (!can_fork) GTEST_SKIP() << "Windows has words of its own";
+    file_handle handle;
     QFile file;
     QString reason;
-    EXPECT_FALSE(openForRead(path(L"missing"), file, reason));
+    EXPECT_FALSE(openForRead(path(L"missing"), handle, file, reason));
     EXPECT_EQ(reason, QStringLiteral("No such file or directory"));
 }
 
 TEST_F(OpenFile, WritesForQtWhatIsOnTheDiskAfterAFlush) {
     writeBytes(directory_ / "\xC3\xA4", "something longer");
+    file_handle handle;
     QFile file;
-    ASSERT_TRUE(openForWrite(path(L"\u00E4"), file));
+    ASSERT_TRUE(openForWrite(path(L"\u00E4"), handle, file));
     EXPECT_EQ(file.write("a\nb"), 3);
     EXPECT_TRUE(file.flush());
     EXPECT_EQ(bytesOf(directory_ / "\xC3\xA4"), "a\nb");
@@ -231,8 +235,9 @@ TEST_F(OpenFile, DoesNotWriteForQtToPathsThatNameNoFile) {
     fs::create_directory(directory_ / "d");
     fs::create_directory(directory_ / "e");
     for (const QString& none : {path(L"missing/f"), path(L"d"), path(L"f\0"s), QString()}) {
+        file_handle handle;
         QFile file;
-        EXPECT_FALSE(openForWrite(none, file));
+        EXPECT_FALSE(openForWrite(none, handle, file));
         EXPECT_FALSE(file.isOpen());
     }
     EXPECT_TRUE(fs::is_empty(directory_ / "d"));
@@ -249,13 +254,15 @@ TEST_F(OpenFile, ReadsAResourceForQtAndNothingElse) {
     };
     ASSERT_TRUE(qRegisterResourceData(1, bytes(tree), bytes(names), bytes(data)));
     {
+        file_handle handle;
         QFile file;
         QString reason;
-        ASSERT_TRUE(openForRead(QStringLiteral(":/x"), file, reason)) << reason.toStdString();
+        ASSERT_TRUE(openForRead(QStringLiteral(":/x"), handle, file, reason))
+            << reason.toStdString();
         EXPECT_EQ(file.readAll().toStdString(), "!");
         QFile missing;
-        EXPECT_FALSE(openForRead(QStringLiteral(":/y"), missing, reason));
-        EXPECT_FALSE(openForWrite(QStringLiteral(":/x"), missing));
+        EXPECT_FALSE(openForRead(QStringLiteral(":/y"), handle, missing, reason));
+        EXPECT_FALSE(openForWrite(QStringLiteral(":/x"), handle, missing));
     }
     EXPECT_TRUE(qUnregisterResourceData(1, bytes(tree), bytes(names), bytes(data)));
 }

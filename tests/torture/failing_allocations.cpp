@@ -5,6 +5,7 @@
 #include <execinfo.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <new>
 
@@ -99,37 +100,47 @@ std::string FailingAllocations::stackOfFailure() {
 
 using trv::testing::AllocationKind;
 
+namespace {
+
+// What malloc() gives when there is no memory.
+void* refused() {
+    errno = ENOMEM;
+    return nullptr;
+}
+
+}  // namespace
+
 // The program's own definitions stand before those of every library.
 
 extern "C" {
 
 void* malloc(std::size_t size) {
-    return trv::testing::strikes(AllocationKind::any) ? nullptr : trv::testing::allocate(size);
+    return trv::testing::strikes(AllocationKind::any) ? refused() : trv::testing::allocate(size);
 }
 
 void* calloc(std::size_t count, std::size_t size) {
     static const auto next = trv::testing::below<void*(std::size_t, std::size_t)>("calloc");
-    return trv::testing::strikes(AllocationKind::any) ? nullptr : next(count, size);
+    return trv::testing::strikes(AllocationKind::any) ? refused() : next(count, size);
 }
 
 void* realloc(void* block, std::size_t size) {
     static const auto next = trv::testing::below<void*(void*, std::size_t)>("realloc");
-    return trv::testing::strikes(AllocationKind::any) ? nullptr : next(block, size);
+    return trv::testing::strikes(AllocationKind::any) ? refused() : next(block, size);
 }
 
 // The linker leads the calls of the program's own objects here, and of those only the checked heap
 // makes any while a fault is armed.
 
 void* __wrap_malloc(std::size_t size) {
-    return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? nullptr : malloc(size);
+    return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? refused() : malloc(size);
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? nullptr : calloc(count, size);
+    return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? refused() : calloc(count, size);
 }
 
 void* __wrap_realloc(void* block, std::size_t size) {
-    return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? nullptr : realloc(block, size);
+    return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? refused() : realloc(block, size);
 }
 
 }  // extern "C"

@@ -256,9 +256,9 @@ std::vector<Operation> runtimeOperations() {
     return {
         {"LoadAMessageFile", 1, {0}, bound(loadNewStore, "a.cfg")},
         {"MergeAMessageFile", 1, {0}, mergeIntoAStore},
-        {"SaveParameters", 0, {-1}, bound(save, store_parameters), {}, true},
-        {"SaveMessages", 0, {-1}, bound(save, store_messages), {}, true},
-        {"EditAnIniFile", 0, {-1}, editAnIniFile, {}, true},
+        {"SaveParameters", 0, {-1, -ENOMEM}, bound(save, store_parameters), {}, true},
+        {"SaveMessages", 0, {-1, -ENOMEM}, bound(save, store_messages), {}, true},
+        {"EditAnIniFile", 0, {-1, -ENOMEM}, editAnIniFile, {}, true},
         {"OverloadFiles", 1, {0}, overload, {}, false, true},
         {"OverloadFilesOfAStore", 0, {-1}, overloadAStore, {}, false, true},
         {"LoadApplicationFiles", 0, {-1}, loadApplication, {}, false, true},

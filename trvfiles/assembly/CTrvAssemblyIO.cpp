@@ -17,8 +17,9 @@ EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, trv::ReadReport* repo
     trv::ReadReport& result = report == nullptr ? unasked : *report;
     result = {};
 
+    trv::platform::file_handle handle;
     QFile file;
-    if (!trv::openForRead(fileName_, file, result.fault.reason)) return eFileIOOpenError;
+    if (!trv::openForRead(fileName_, handle, file, result.fault.reason)) return eFileIOOpenError;
     if (!trv::parseDocument(file, tree_, result.fault)) return eFileIOContentError;
     return trv::readDocument(tree_.document, version_, data, result);
 }
@@ -27,8 +28,9 @@ EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data) {
     if (!trv::writeDocument(data, tree_)) return eFileIOContentError;
     const std::string text = trv::documentText(tree_.document);
 
+    trv::platform::file_handle handle;
     QFile file;
-    if (!trv::openForWrite(fileName_, file)) return eFileIOOpenError;
+    if (!trv::openForWrite(fileName_, handle, file)) return eFileIOOpenError;
     // What a full disk does not take shows in the number of bytes, or when the last ones are
     // handed to the system.
     const auto length = static_cast<qint64>(text.size());

@@ -31,13 +31,6 @@ bool isForQtToOpen(const QString& path) {
     return !platform::narrow_text_is_utf8() || isResource(nativePath(path));
 }
 
-bool adopt(platform::file_handle handle, QFile& file, QIODevice::OpenMode mode) {
-    if (handle == nullptr) return false;
-    const bool isOpen = file.open(handle.get(), mode, QFileDevice::AutoCloseHandle);
-    if (isOpen) static_cast<void>(handle.release());
-    return isOpen;
-}
-
 }  // namespace
 
 platform::file_handle openForRead(const QString& path, platform::file_mode mode) {
@@ -52,7 +45,7 @@ bool isReadable(const QString& path) {
     return open(path, [](const auto& name) { return platform::can_open_for_read(name); });
 }
 
-bool openForRead(const QString& path, QFile& file, QString& reason) {
+bool openForRead(const QString& path, platform::file_handle& handle, QFile& file, QString& reason) {
     constexpr QIODevice::OpenMode mode = QIODevice::ReadOnly;
     if (!isOpenable(path)) {
         reason = QStringLiteral("the name names no file");
@@ -64,16 +57,18 @@ bool openForRead(const QString& path, QFile& file, QString& reason) {
         reason = file.errorString();
         return false;
     }
-    if (adopt(openForRead(path, platform::file_mode::binary), file, mode)) return true;
+    handle = openForRead(path, platform::file_mode::binary);
+    if (handle != nullptr && file.open(handle.get(), mode)) return true;
     reason = QString::fromStdString(std::generic_category().message(errno));
     return false;
 }
 
-bool openForWrite(const QString& path, QFile& file) {
+bool openForWrite(const QString& path, platform::file_handle& handle, QFile& file) {
     constexpr QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
     if (!isOpenable(path)) return false;
     if (!isForQtToOpen(path)) {
-        return adopt(openForWrite(path, platform::file_mode::binary), file, mode);
+        handle = openForWrite(path, platform::file_mode::binary);
+        return handle != nullptr && file.open(handle.get(), mode);
     }
     file.setFileName(nativePath(path));
     return file.open(mode);

@@ -29,14 +29,16 @@ bool isReadable(const QString& path);
 
 /// Opens a file, or a resource of the host (":/x"), for Qt's readers.
 ///
+/// @param handle  takes the open file, which `file` reads without owning it: has to outlive `file`
 /// @param file    a QFile that has no name yet
 /// @param reason  takes the reason if the file does not open
-bool openForRead(const QString& path, QFile& file, QString& reason);
+bool openForRead(const QString& path, platform::file_handle& handle, QFile& file, QString& reason);
 
 /// Creates a file for Qt's writers, or cuts an existing one to nothing. Nothing is left in a buffer
 /// of Qt's after a write, and QFile::flush() reports what the system refuses.
 ///
-/// @param file  a QFile that has no name yet
-bool openForWrite(const QString& path, QFile& file);
+/// @param handle  as for openForRead()
+/// @param file    a QFile that has no name yet
+bool openForWrite(const QString& path, platform::file_handle& handle, QFile& file);
 
 }  // namespace trv
