@@ -44,9 +44,11 @@ void text_pool::reserve_bytes(std::size_t bytes) {
     std::size_t step = std::min(std::max(needed, reserved / 2), largest_pool - reserved);
     while (step > needed && !storage_fits(2 * step + initial_pool_size))
         step = std::max(needed, step / 2);
-    if (pool_reserve(pool_.get(), static_cast<std::int32_t>(step)) < 0) throw std::bad_alloc();
+    const std::int32_t offset = pool_reserve(pool_.get(), static_cast<std::int32_t>(step));
     reserved_ = pool_used(pool_.get());
-    base_ = static_cast<char*>(pool_address(pool_.get(), 0));
+    // A pool that cannot grow far enough may have grown a part of the way, which moves the texts.
+    if (reserved_ > 0) base_ = static_cast<char*>(pool_address(pool_.get(), 0));
+    if (offset < 0) throw std::bad_alloc();
 }
 
 std::int32_t text_pool::take(std::size_t bytes) noexcept {
