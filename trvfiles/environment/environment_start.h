@@ -6,9 +6,9 @@
 /// 1. config\environ.cfg under the installation root: the home file.
 /// 2. WINDOWS = 1 and PC = 1, in the home file's section `var`.
 /// 3. The last directory of the list "?ENV" whose environ.cfg is another file: the second file.
-/// 4. "?ENV" again, which the second file may have changed: the environ.cfg of every directory,
-/// from
-///    the last that holds neither of the two to the first. If there is no such directory, none.
+/// 4. "?ENV" again, which the second file may have changed: the environ.cfg of every directory, in
+///    reverse order, from the last directory that holds neither of the two files. None if there is
+///    no such directory.
 ///
 /// Threads: one at a time; the first lookup has to be made before threads share the runtime.
 

@@ -12,9 +12,8 @@ namespace trv {
 
 /// store_parameters() for a caller that has read or checked something since it holds the target.
 ///
-/// @param held  a replacement of this very target. If it could not be opened, this is reported
-/// here,
-///              through the fatal channel, and the result is -1.
+/// @param held  a replacement of this very target. If it is not open, this function reports so
+///              through the fatal channel and returns -1.
 int store_parameters(message_store* store, const char* file_name, file_replacement& held);
 
 }  // namespace trv

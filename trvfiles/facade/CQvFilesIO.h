@@ -91,8 +91,8 @@ public:
     /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be saved. If the temporary
     ///         file cannot be opened, or another process writes it for too long, this is reported
     ///         through the fatal channel first, whose default handler ends the process.
-    ///         eFileIOContentError or
-    ///         eFileIOStructureError when storage for a section runs out: no file is touched then.
+    ///         eFileIOContentError or eFileIOStructureError when storage for a section runs out: no
+    ///         file is touched then.
     EFileIOStatus writeMachineContext(const char* name, const CMachineContextData& data);
     EFileIOStatus writeMachineContext(std::wstring name, const CMachineContextData& data);
 
@@ -102,8 +102,7 @@ public:
     /// @param data  its root component is assigned on success; its dimension may hold the file's
     ///              values after a failure too. References to the root stay valid.
     /// @return - eFileIOSuccess. A component below the root with an incomplete "Orientation" is
-    /// left
-    ///           out and no failure.
+    ///           left out and no failure.
     ///         - eFileIOOpenError when the file cannot be opened.
     ///         - eFileIOContentError when it is not well-formed XML; when it nests more than 2,000
     ///           elements, or more than 2,000 groups of a content model; when it declares an
@@ -113,9 +112,8 @@ public:
     ///           root "Component" is missing.
     ///         - eFileIOStructureError when the root element is not "ComponentInfo" or the root
     ///           component has an incomplete "Orientation".
-    /// @throws std::bad_alloc when memory runs out, or when the file nests more than 200 elements
-    /// and
-    ///         the system has no second stack for it. The root component is then as it was.
+    /// @throws std::bad_alloc when memory runs out. Also when the file nests more than 200 elements
+    ///         and the system has no second stack for it. The root component is then as it was.
     EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data);
     EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data);
 
