@@ -50,6 +50,8 @@ std::vector<std::wstring> impossibleNames() {
                                        std::wstring(100000, L'n')};
     if (!surrogatesAreNames()) {
         names.push_back(std::wstring(1, L'\xD800'));
+        // Beyond Unicode: a conversion makes U+FFFD of it, which is a name like any other.
+        names.push_back(L"a" + std::wstring(1, static_cast<wchar_t>(0x110000)));
         names.push_back(L"a" + std::wstring(1, L'\xDFFF') + L"b");
     }
     return names;

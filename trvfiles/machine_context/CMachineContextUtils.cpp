@@ -3,6 +3,7 @@
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/axis_file.h>
+#include <trvfiles/facade/path_resolution.h>
 #include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
@@ -66,23 +67,27 @@ Existing replacedIf(bool isThere) {
     return isThere ? Existing::replaced : Existing::refused;
 }
 
-QString absolutePath(const CQvFilesIO& files, const std::wstring& name) {
-    return trv::fromWide(files.absoluteFileName(name));
+// Empty, which no file has, if the name or the directory does not survive the conversion.
+QString absolutePath(const std::wstring& directory, const std::wstring& name) {
+    return trv::absolutePath(trv::pathFromWide(directory), trv::pathFromWide(name)).openable();
 }
 
 // The path by which CQvFilesIO::writeMachineContext() goes.
-QString contextPath(const CQvFilesIO& files, const std::wstring& name) {
-    const QString path = absolutePath(files, name);
-    return trv::isOpenable(path) ? QFileInfo(path).absoluteFilePath() : path;
+QString contextPath(const std::wstring& directory, const std::wstring& name) {
+    return trv::resolvedPath(trv::pathFromWide(directory), trv::pathFromWide(name));
+}
+
+QString barePath(const std::wstring& name) {
+    return trv::pathFromWide(name).openable();
 }
 
 // Creates the directory's own axis file if nothing has its name. It appears complete: another
 // caller copies it as soon as it is there.
-bool provideAxis(CQvFilesIO& files, const std::wstring& name) {
+bool provideAxis(CQvFilesIO& files, const std::wstring& directory, const std::wstring& name) {
     if (files.isfileExists(name)) return true;
     constexpr trv::AxisMatrix identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     constexpr int noTag = -1;
-    const QString path = absolutePath(files, name);
+    const QString path = absolutePath(directory, name);
     std::string target;
     if (!trv::runtimePath(path, target)) {
         // No context can be saved here either, so nobody copies the file.
@@ -112,7 +117,7 @@ std::wstring CMachineContextUtils::sGetFavoriteMachineContextDirectoryW() {
 
 std::vector<std::wstring> CMachineContextUtils::sGetFavoriteMachineContext(std::wstring directory) {
     if (directory.empty()) directory = sGetFavoriteMachineContextDirectoryW();
-    const QString path = trv::nativePath(trv::fromWide(directory));
+    const QString path = trv::nativePath(barePath(directory));
     // An empty path would be walked as the current directory.
     if (!trv::isOpenable(path)) return {};
     std::vector<std::wstring> contexts;
@@ -142,14 +147,16 @@ bool CMachineContextUtils::sCreateDefaultMachineContext(const std::wstring& dire
     CQvFilesIO files(directory);
     const bool hasContext = files.isfileExists(names.contextFile);
     if (hasContext && files.isfileExists(names.referenceFile)) return false;
-    if (!provideAxis(files, names.axisFile)) return false;
+    if (!provideAxis(files, directory, names.axisFile)) return false;
 
-    trv::ContextCreation creation(contextPath(files, names.contextFile), replacedIf(hasContext));
+    trv::ContextCreation creation(contextPath(directory, names.contextFile),
+                                  replacedIf(hasContext));
     // Another caller may have created the missing files in the meantime.
     const bool hasReference = files.isfileExists(names.referenceFile);
     if (hasReference && files.isfileExists(names.contextFile)) return false;
-    if (!creation.copyAxis(absolutePath(files, names.axisFile),
-                           absolutePath(files, names.referenceFile), replacedIf(hasReference))) {
+    if (!creation.copyAxis(absolutePath(directory, names.axisFile),
+                           absolutePath(directory, names.referenceFile),
+                           replacedIf(hasReference))) {
         return false;
     }
     CMachineContextData record;
@@ -175,12 +182,12 @@ bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
     };
     if (hasOne()) return false;
 
-    trv::ContextCreation creation(contextPath(files, names.contextFile), Existing::refused);
+    trv::ContextCreation creation(contextPath(directory, names.contextFile), Existing::refused);
     // Bare names, unlike the checks around: copying and deleting go by the current directory.
     const bool hasReference = CQvFilesIO(std::wstring()).isfileExists(names.referenceFile);
     // Another caller may have created the context in the meantime.
     if (hasOne()) return false;
-    if (!creation.copyAxis(trv::fromWide(names.axisFile), trv::fromWide(names.referenceFile),
+    if (!creation.copyAxis(barePath(names.axisFile), barePath(names.referenceFile),
                            replacedIf(hasReference))) {
         return false;
     }
