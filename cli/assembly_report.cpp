@@ -1,7 +1,7 @@
 #include <cli/assembly_report.h>
 #include <cli/assembly_walk.h>
 #include <cli/text_output.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QJsonArray>
 

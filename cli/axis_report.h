@@ -4,7 +4,7 @@
 /// What there is to say about a placement.
 
 #include <cli/input_files.h>
-#include <trvfiles/facade/axis_file.h>
+#include <trvfiles/axis/axis_file.h>
 
 #include <QJsonObject>
 #include <QString>

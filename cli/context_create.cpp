@@ -3,9 +3,9 @@
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
-#include <trvfiles/facade/open_file.h>
-#include <trvfiles/facade/text_conversion.h>
-#include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/catalogue/CMachineContextUtils.h>
+#include <trvfiles/text/open_file.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QFileInfo>
 #include <QStringList>

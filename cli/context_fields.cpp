@@ -1,6 +1,6 @@
 #include <cli/context_fields.h>
 #include <cli/context_values.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 #include <cmath>

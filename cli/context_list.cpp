@@ -2,8 +2,8 @@
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
-#include <trvfiles/facade/text_conversion.h>
-#include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/catalogue/CMachineContextUtils.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include <cli/context_plan.h>
 #include <cli/context_values.h>
-#include <trvfiles/facade/text_conversion.h>
-#include <trvfiles/machine_context/context_names.h>
+#include <trvfiles/catalogue/context_names.h>
+#include <trvfiles/text/text_conversion.h>
 
 namespace trv::cli {
 namespace {

@@ -1,6 +1,6 @@
 #include <cli/context_report.h>
 #include <cli/text_output.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QJsonArray>
 

@@ -2,9 +2,9 @@
 #include <cli/context_rewrite.h>
 #include <cli/context_values.h>
 #include <cli/input_files.h>
-#include <trvfiles/facade/open_file.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
+#include <trvfiles/text/open_file.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <set>
 #include <sstream>

@@ -1,7 +1,7 @@
 #include <cli/context_values.h>
 #include <trvfiles/environment/entry_text.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <cmath>
 #include <string_view>

@@ -2,8 +2,8 @@
 #include <cli/env_expansion.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 #include <string>

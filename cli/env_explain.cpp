@@ -4,7 +4,7 @@
 #include <cli/env_runtime.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <string>
 #include <string_view>

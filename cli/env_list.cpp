@@ -2,7 +2,7 @@
 #include <cli/env_lookup.h>
 #include <cli/env_runtime.h>
 #include <cli/text_output.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 namespace trv::cli {
 namespace {

@@ -1,7 +1,7 @@
 #include <cli/env_message_file.h>
 #include <cli/input_files.h>
 #include <trvfiles/environment/message_store_data.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QFileInfo>
 

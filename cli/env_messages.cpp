@@ -3,7 +3,7 @@
 #include <cli/env_runtime.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/entry_text.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 

@@ -2,10 +2,10 @@
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/environment_start.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include <cli/context_fields.h>
 #include <cli/file_kind.h>
-#include <trvfiles/facade/axis_file.h>
+#include <trvfiles/axis/axis_file.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 
 #include <algorithm>

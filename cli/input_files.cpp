@@ -2,11 +2,11 @@
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/invalid_data_policy.h>
-#include <trvfiles/facade/open_file.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/text/open_file.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QDir>
 #include <QFileInfo>

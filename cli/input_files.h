@@ -9,10 +9,10 @@
 #include <cli/file_kind.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/axis/axis_file.h>
 #include <trvfiles/environment/file_replacement.h>
-#include <trvfiles/facade/EFileIOStatus.h>
-#include <trvfiles/facade/axis_file.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/support/EFileIOStatus.h>
 
 #include <QString>
 #include <QStringList>

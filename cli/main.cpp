@@ -1,6 +1,6 @@
 #include <cli/dispatch.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QCoreApplication>
 #include <QStringList>

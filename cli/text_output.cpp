@@ -1,6 +1,6 @@
 #include <cli/text_output.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QJsonDocument>
 

@@ -7,16 +7,16 @@
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/catalogue/CMachineContextUtils.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/process_stores.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/facade/CQvFilesIO.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
-#include <trvfiles/machine_context/CMachineContextUtils.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <windows.h>
 

@@ -6,10 +6,10 @@
 #include <tests/common/scoped_variable.h>
 #include <tests/environment/installation.h>
 #include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/path_search.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/file_system.h>
-#include <trvfiles/support/path_search.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <fuzz/harness/require.h>
-#include <trvfiles/facade/axis_file.h>
+#include <trvfiles/axis/axis_file.h>
 
 #include <cstdio>
 #include <memory>

@@ -8,10 +8,10 @@
 #include <fuzz/harness/require.h>
 #include <fuzz/harness/storage_balance.h>
 #include <fuzz/targets.h>
+#include <trvfiles/environment/path_search.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/file_system.h>
-#include <trvfiles/support/path_search.h>
 
 #include <algorithm>
 #include <cstring>

@@ -5,8 +5,8 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/component_body.h>
 #include <trvfiles/facade/CQvFilesIO.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QDomImplementation>
 #include <QFile>

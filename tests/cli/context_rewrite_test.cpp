@@ -1,6 +1,6 @@
 #include <cli/context_rewrite.h>
 #include <tests/cli/context_directory.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 namespace trv::testing {
 namespace {

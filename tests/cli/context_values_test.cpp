@@ -1,9 +1,9 @@
 #include <cli/context_values.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/facade/CQvFilesIO.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <gtest/gtest.h>
 

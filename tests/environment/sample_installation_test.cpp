@@ -2,10 +2,10 @@
 #include <tests/common/death_test.h>
 #include <tests/environment/installation.h>
 #include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/path_search.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/environment/work_zone.h>
-#include <trvfiles/support/path_search.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

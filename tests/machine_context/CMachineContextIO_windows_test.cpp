@@ -1,12 +1,12 @@
 // Machine context files where text mode, open handles and attributes are those of Windows.
 
+#include <tests/catalogue/catalogue_files.h>
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/held_file_windows.h>
 #include <tests/common/temporary_directory.h>
-#include <tests/machine_context/catalogue_files.h>
 #include <tests/machine_context/context_samples.h>
-#include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/catalogue/CMachineContextUtils.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include <tests/assembly/sample_components.h>
 #include <tests/machine_context/context_samples.h>
 #include <tests/torture/operations.h>
+#include <trvfiles/catalogue/CMachineContextUtils.h>
 #include <trvfiles/facade/CQvFilesIO.h>
-#include <trvfiles/machine_context/CMachineContextUtils.h>
 
 #include <sys/xattr.h>
 

@@ -2,13 +2,13 @@
 #include <tests/environment/store_access.h>
 #include <tests/torture/operations.h>
 #include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/path_search.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/environment/work_zone.h>
 #include <trvfiles/machine_context/TrvIniFile.h>
 #include <trvfiles/support/file_system.h>
-#include <trvfiles/support/path_search.h>
 #include <trvfiles/support/platform.h>
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_text.h>
-#include <trvfiles/facade/open_file.h>
+#include <trvfiles/text/open_file.h>
 
 #include <QFile>
 

@@ -4,7 +4,7 @@
 /// The reader and writer of one assembly file.
 
 #include <trvfiles/assembly/assembly_reader.h>
-#include <trvfiles/facade/EFileIOStatus.h>
+#include <trvfiles/support/EFileIOStatus.h>
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_reader.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QDomElement>
 #include <QString>

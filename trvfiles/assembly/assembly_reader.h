@@ -4,7 +4,7 @@
 /// From the DOM document of an assembly file to its record.
 
 #include <trvfiles/assembly/document_parser.h>
-#include <trvfiles/facade/EFileIOStatus.h>
+#include <trvfiles/support/EFileIOStatus.h>
 
 #include <QDomDocument>
 

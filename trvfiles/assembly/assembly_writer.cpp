@@ -2,7 +2,7 @@
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/component_body.h>
-#include <trvfiles/facade/text_conversion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QDomElement>
 #include <QString>

@@ -1,6 +1,6 @@
+#include <trvfiles/environment/path_search.h>
 #include <trvfiles/environment/text_list.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/support/path_search.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,13 +1,13 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/invalid_data_policy.h>
+#include <trvfiles/axis/axis_file.h>
 #include <trvfiles/facade/CQvFilesIO.h>
-#include <trvfiles/facade/axis_file.h>
-#include <trvfiles/facade/open_file.h>
-#include <trvfiles/facade/path_resolution.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/text/open_file.h>
+#include <trvfiles/text/path_resolution.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -4,7 +4,7 @@
 /// The one entry point through which a host reads and writes project files.
 
 #include <trvfiles/export.h>
-#include <trvfiles/facade/EFileIOStatus.h>
+#include <trvfiles/support/EFileIOStatus.h>
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <QString>
 

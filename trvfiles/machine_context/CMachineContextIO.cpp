@@ -1,9 +1,9 @@
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 #include <string_view>

@@ -3,8 +3,8 @@
 /// @file
 /// The reader and writer of one machine context file.
 
-#include <trvfiles/facade/EFileIOStatus.h>
 #include <trvfiles/machine_context/TrvIniFile.h>
+#include <trvfiles/support/EFileIOStatus.h>
 
 #include <QString>
 

@@ -1,8 +1,8 @@
-#include <trvfiles/facade/open_file.h>
-#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/ascii_case.h>
+#include <trvfiles/text/open_file.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,0 +1,265 @@
+#include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/path_search.h>
+#include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/support/directory_list.h>
+#include <trvfiles/support/dynamic_storage.h>
+#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/platform.h>
+#include <trvfiles/support/text_field.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace trv {
+namespace {
+
+[[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
+
+// Beside the statuses of the expansion.
+constexpr int out_of_memory = -41;
+
+constexpr std::size_t longest_text = 509;
+constexpr std::size_t longest_field_text = 511;
+constexpr std::size_t longest_list_text = 512;
+constexpr std::int32_t list_field_width = 8192;
+constexpr std::int32_t existing_field_width = 512;
+constexpr std::size_t message_path_size = 512;
+constexpr std::int32_t directory_list_size = 1536;
+constexpr std::size_t shortest_marked_list = 81;
+
+struct search_reference {
+    std::string list;
+    std::string name;
+};
+
+// The name stays empty where nothing follows the component with the "?", or none holds one.
+search_reference split_reference(std::string_view text) {
+    std::size_t cut = text.size();
+    for (std::size_t i = text.size(); i-- > 0;) {
+        if (text[i] == '/' || text[i] == '\\') {
+            cut = i;
+        } else if (text[i] == '?') {
+            if (cut == text.size()) break;
+            return {std::string(text.substr(0, cut)), std::string(text.substr(cut + 1))};
+        }
+    }
+    return {};
+}
+
+bool is_narrower(std::string_view text, std::int32_t width) {
+    return text.size() < static_cast<std::size_t>(width);
+}
+
+void trace_search(const std::string& name, std::string_view list) {
+    if (!trace_is_seen()) return;
+    // A long list is marked as one, and printed whole all the same.
+    std::string line = "SEARCHING for '" + name + "' in '";
+    line += list;
+    line += list.size() < shortest_marked_list ? "'" : "...'";
+    report_trace(line.c_str());
+}
+
+bool exists(const std::string& candidate) {
+    const bool found = fileExists(candidate.c_str()) != 0;
+    if (trace_is_seen()) {
+        report_trace(("  - '" + candidate + "' -> " + (found ? "Found" : "Not found")).c_str());
+    }
+    return found;
+}
+
+// Tries the name in each directory of an expanded list, and puts the outcome into the field.
+int try_directories(std::string_view list, const std::string& name, char* field,
+                    std::int32_t width) {
+    std::string first;
+    std::string_view element;
+    while (next_list_element(list, element)) {
+        std::string candidate(trim(element));
+        if (candidate.empty()) continue;
+        if (candidate.back() != '\\') candidate += '\\';
+        candidate += name;
+        if (first.empty()) first = candidate;
+        if (!exists(candidate)) continue;
+        const bool narrower = is_narrower(candidate, width);
+        fill_field(field, width, narrower ? candidate : std::string());
+        return narrower ? EXP_OK : EXP_BUFFER_TOO_SMALL;
+    }
+    fill_field(field, width, first);
+    return EXP_NOT_FOUND;
+}
+
+struct storage_releaser {
+    void operator()(char* block) const { _Wfree(block); }
+};
+using storage_text = std::unique_ptr<char, storage_releaser>;
+
+// None where memory has run out, which has then been reported.
+storage_text copy_of(std::string_view text) {
+    storage_text copy(static_cast<char*>(allocate_temporary(text.size() + 1)));
+    if (copy != nullptr) copy.get()[text.copy(copy.get(), text.size())] = '\0';
+    return copy;
+}
+
+// Searches for the name that stands in the field, and leaves the outcome there.
+int search(std::string_view list_text, char* name_field, std::int32_t width) {
+    if (list_text.size() > longest_list_text) return EXP_NAME_TOO_LONG;
+    // The list may be a looked-up value, which expanding the name overwrites.
+    std::array<char, list_field_width> list_field;
+    fill_field(list_field.data(), list_field_width, list_text);
+
+    std::int32_t code = EXP_OK;
+    _ExpandFixed(name_field, width, &code);
+    if (code != EXP_OK) return code;
+    const std::string name(field_text(name_field, width));
+    _ExpandFixed(list_field.data(), list_field_width, &code);
+    if (code != EXP_OK) return code;
+    const std::string_view expanded = field_text(list_field.data(), list_field_width);
+    trace_search(name, expanded);
+
+    const storage_text list = copy_of(expanded);
+    if (list == nullptr) return out_of_memory;
+    return try_directories(list.get(), name, name_field, width);
+}
+
+int search_for(const search_reference& reference, char* field, std::int32_t width) {
+    fill_field(field, width, reference.name);
+    return search(reference.list, field, width);
+}
+
+// Makes a field a NUL-terminated text again, whatever happens while it is one.
+class field_terminator {
+public:
+    field_terminator(char* field, std::int32_t width) : field_(field), width_(width) {}
+    ~field_terminator() {
+        const auto last = static_cast<std::size_t>(width_ - 1);
+        field_[std::min(field_text(field_, width_).size(), last)] = '\0';
+    }
+    field_terminator(const field_terminator&) = delete;
+    field_terminator& operator=(const field_terminator&) = delete;
+
+private:
+    char* field_;
+    std::int32_t width_;
+};
+
+int status_of_existence(const char* path) {
+    return fileExists(path) != 0 ? EXP_OK : EXP_NOT_FOUND;
+}
+
+int status_of_field(const char* field, std::int32_t width) {
+    return status_of_existence(std::string(field_text(field, width)).c_str());
+}
+
+int resolve_field(const char* text, std::int32_t length, char* result, std::int32_t result_length) {
+    if (text == nullptr || result == nullptr) return EXP_INVALID_ARGUMENT;
+    if (result_length < 1) return EXP_BUFFER_TOO_SMALL;
+    const std::string whole(field_text(text, length));
+    if (whole.size() > longest_field_text) return EXP_NAME_TOO_LONG;
+    const search_reference reference = split_reference(whole);
+    if (!reference.name.empty()) {
+        if (!is_narrower(reference.name, result_length)) return EXP_BUFFER_TOO_SMALL;
+        return search_for(reference, result, result_length);
+    }
+    if (whole.find('?') != std::string::npos) return EXP_INVALID_ARGUMENT;
+
+    std::int32_t code = EXP_OK;
+    _ExpandFixed(whole.data(), static_cast<std::int32_t>(whole.size()), result, result_length,
+                 &code);
+    return code != EXP_OK ? code : status_of_field(result, result_length);
+}
+
+int expand_and_test(const char* text, std::int32_t length) {
+    if (text == nullptr) return EXP_INVALID_ARGUMENT;
+    const std::string_view trimmed = field_text(text, length);
+    if (trimmed.size() >= existing_field_width) return EXP_BUFFER_TOO_SMALL;
+    std::array<char, existing_field_width> field;
+    fill_field(field.data(), existing_field_width, trimmed);
+    std::int32_t code = EXP_OK;
+    _ExpandFixed(field.data(), existing_field_width, &code);
+    return code != EXP_OK ? code : status_of_field(field.data(), existing_field_width);
+}
+
+bool is_current_directory(std::string_view element) {
+    return element == "." || element == ".\\" || element == "./";
+}
+
+void give(std::int32_t* place, int code) {
+    if (place != nullptr) *place = code;
+}
+
+}  // namespace
+
+int resolve_path(char* text, std::int32_t size) {
+    if (text == nullptr) return EXP_INVALID_ARGUMENT;
+    if (size < 1) return EXP_BUFFER_TOO_SMALL;
+    const std::string_view whole = text;
+    if (whole.size() > longest_text) return EXP_NAME_TOO_LONG;
+    const search_reference reference = split_reference(whole);
+    if (!reference.name.empty()) {
+        if (!is_narrower(reference.name, size)) return EXP_BUFFER_TOO_SMALL;
+        const field_terminator terminator(text, size);
+        return search_for(reference, text, size);
+    }
+    if (whole.find('?') != std::string_view::npos) return EXP_INVALID_ARGUMENT;
+
+    const int code = _ExpandInPlace(text, size);
+    return code != EXP_OK ? code : status_of_existence(text);
+}
+
+void resolve_path_fixed(const char* text, std::int32_t length, char* result,
+                        std::int32_t result_length, std::int32_t* code) {
+    give(code, resolve_field(text, length, result, result_length));
+}
+
+void expand_existing(const char* text, std::int32_t length, std::int32_t* code) {
+    give(code, expand_and_test(text, length));
+}
+
+void search_list(const char* list, char* name, std::int32_t* code, std::int32_t list_length,
+                 std::int32_t name_width) {
+    int status = EXP_BUFFER_TOO_SMALL;
+    if (list == nullptr || name == nullptr) {
+        status = EXP_INVALID_ARGUMENT;
+    } else if (name_width >= 1) {
+        status = search(field_text(list, list_length), name, name_width);
+    }
+    give(code, status);
+}
+
+int load_found_messages(const char* name, const char* directory) {
+    if (name == nullptr || directory == nullptr) return -1;
+    const std::string joined = std::string(directory) + '\\' + name;
+    std::array<char, message_path_size> path;
+    if (joined.size() + 1 > path.size()) return -1;
+    std::memcpy(path.data(), joined.c_str(), joined.size() + 1);
+    if (resolve_path(path.data(), static_cast<std::int32_t>(path.size())) != EXP_OK) return -1;
+    return load_catalogue_file(path.data());
+}
+
+const char* config_directory() {
+    return first_existing_directory("?CFG");
+}
+
+const char* first_existing_directory(const char* list) {
+    static std::array<char, directory_list_size> directory;
+    if (list == nullptr || std::strlen(list) >= directory_list_size) return nullptr;
+    std::array<char, directory_list_size> expanded;
+    std::memcpy(expanded.data(), list, std::strlen(list) + 1);
+    if (is_expand_error(_ExpandText(expanded.data(), directory_list_size))) return nullptr;
+
+    std::string_view rest = expanded.data();
+    std::string_view element;
+    while (next_list_element(rest, element)) {
+        const std::string path(element);
+        if (is_current_directory(element) || !platform::path_exists(path.c_str())) continue;
+        std::memcpy(directory.data(), path.c_str(), path.size() + 1);
+        return directory.data();
+    }
+    return nullptr;
+}
+
+}  // namespace trv

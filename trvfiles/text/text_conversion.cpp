@@ -1,0 +1,168 @@
+#include <trvfiles/support/platform.h>
+#include <trvfiles/text/text_conversion.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace trv {
+namespace {
+
+int lengthToZero(const char* text, std::size_t longest) {
+    const void* zero = std::memchr(text, 0, longest);
+    return static_cast<int>(zero == nullptr
+                                ? longest
+                                : static_cast<std::size_t>(static_cast<const char*>(zero) - text));
+}
+
+// QString::fromUtf8() drops a byte order mark at the beginning of its text. A mark is a character
+// of the text here, so the marks at the beginning are taken off and put back.
+QString decodeUtf8(std::string_view text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    int marks = 0;
+    for (; text.substr(0, mark.size()) == mark; ++marks)
+        text.remove_prefix(mark.size());
+    QString decoded = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return marks == 0 ? decoded : QString(marks, QChar::ByteOrderMark) + decoded;
+}
+
+QString decode(const char* text, int length) {
+    return platform::narrow_text_is_utf8()
+               ? decodeUtf8(std::string_view(text, static_cast<std::size_t>(length)))
+               : QString::fromLocal8Bit(text, length);
+}
+
+bool isCharacter(wchar_t unit) {
+    const auto code = static_cast<char32_t>(unit);
+    return code <= QChar::LastValidCodePoint && !QChar::isSurrogate(code);
+}
+
+// An openable path of ASCII, which is the same in every encoding of file names, in the system's
+// form. Most paths are.
+bool asciiPath(const QString& path, std::string& narrow) {
+    constexpr ushort firstBeyondAscii = 0x80;
+    std::string ascii(static_cast<std::size_t>(path.size()), '\0');
+    for (int i = 0; i < path.size(); ++i) {
+        const ushort character = path.at(i).unicode();
+        if (character == 0 || character >= firstBeyondAscii) return false;
+        ascii[static_cast<std::size_t>(i)] = character == '\\' ? '/' : static_cast<char>(character);
+    }
+    if (ascii.empty()) return false;
+    narrow = std::move(ascii);
+    return true;
+}
+
+}  // namespace
+
+QString fromNarrow(const char* text) {
+    return text == nullptr ? QString() : decode(text, static_cast<int>(std::strlen(text)));
+}
+
+QString fromNarrow(const std::string& text) {
+    return decode(text.data(), lengthToZero(text.data(), text.size()));
+}
+
+// Not by fromStdWString(), which drops a first U+FEFF as a byte order mark and, behind a swapped
+// one, swaps the bytes of what follows.
+QString fromWide(const std::wstring& text) {
+    const auto isPair = [](char32_t code) {
+        return QChar::requiresSurrogates(code) && code <= QChar::LastValidCodePoint;
+    };
+    const auto pairs = std::count_if(text.begin(), text.end(), isPair);
+    QString units(static_cast<int>(text.size()) + static_cast<int>(pairs), Qt::Uninitialized);
+    QChar* next = units.data();
+    for (const wchar_t character : text) {
+        const auto code = static_cast<char32_t>(character);
+        if (isPair(code)) {
+            *next++ = QChar(QChar::highSurrogate(code));
+            *next++ = QChar(QChar::lowSurrogate(code));
+        } else {
+            *next++ = QChar::requiresSurrogates(code) ? QChar(QChar::ReplacementCharacter)
+                                                      : QChar(static_cast<ushort>(code));
+        }
+    }
+    return units;
+}
+
+std::string toNarrow(const QString& text) {
+    const QByteArray bytes = platform::narrow_text_is_utf8() ? text.toUtf8() : text.toLocal8Bit();
+    return std::string(bytes.constData(),
+                       static_cast<std::size_t>(lengthToZero(
+                           bytes.constData(), static_cast<std::size_t>(bytes.size()))));
+}
+
+std::wstring toWide(const QString& text) {
+    return text.toStdWString();
+}
+
+HostPath pathFromNarrow(const char* path) {
+    return path == nullptr ? HostPath() : pathFromNarrow(std::string(path));
+}
+
+HostPath pathFromNarrow(const std::string& path) {
+    HostPath result{fromNarrow(path)};
+    // What is not UTF-8 has become U+FFFD, which may also be a character of the path.
+    if (platform::narrow_text_is_utf8() && result.text.contains(QChar::ReplacementCharacter)) {
+        result.isExact = toNarrow(result.text) == path.substr(0, path.find('\0'));
+    }
+    return result;
+}
+
+HostPath pathFromWide(const std::wstring& path) {
+    // In UTF-16 a half of a surrogate pair is a unit like any other.
+    const bool hasHalves = !platform::narrow_text_is_utf8();
+    return {fromWide(path), hasHalves || std::all_of(path.begin(), path.end(), isCharacter)};
+}
+
+std::wstring widePath(const std::string& path) {
+    const HostPath narrow = pathFromNarrow(path);
+    std::wstring wide = toWide(narrow.text);
+    if (narrow.isExact) return wide;
+    // No character, and U+FFFD as a text.
+    constexpr wchar_t beyondUnicode = std::numeric_limits<wchar_t>::max();
+    std::replace(wide.begin(), wide.end(), wchar_t{QChar::ReplacementCharacter}, beyondUnicode);
+    return wide;
+}
+
+QString nativePath(const QString& path) {
+    if (platform::backslash_separates()) return path;
+    QString native = path;
+    return native.replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+bool isOpenable(const QString& path) {
+    return !path.isEmpty() && !path.contains(QChar(0)) &&
+           (path.isValidUtf16() || !platform::narrow_text_is_utf8());
+}
+
+std::filesystem::path systemPath(const QString& path) {
+    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
+        std::string narrow;
+        runtimePath(path, narrow);
+        return std::filesystem::path(std::move(narrow));
+    } else {
+        return std::filesystem::path(path.toStdWString());
+    }
+}
+
+bool runtimePath(const QString& path, std::string& narrow) {
+    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
+        if (asciiPath(path, narrow)) return true;
+        if (!isOpenable(path)) return false;
+        // Not by QFile::encodeName(), which takes the codec that the host has set.
+        narrow = nativePath(path).toUtf8().toStdString();
+        return true;
+    } else {
+        if (!isOpenable(path)) return false;
+        std::string text = toNarrow(path);
+        if (fromNarrow(text) != path) return false;
+        narrow = std::move(text);
+        return true;
+    }
+}
+
+}  // namespace trv
