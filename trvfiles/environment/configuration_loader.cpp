@@ -6,7 +6,7 @@
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
-#include <trvfiles/support/directory_list.h>
+#include <trvfiles/support/list_elements.h>
 
 #include <string>
 #include <string_view>
@@ -40,7 +40,7 @@ bool expand_both(const char* directory_list, path_buffer& list, const char* file
 std::vector<std::string_view> directories_of(std::string_view list) {
     std::vector<std::string_view> directories;
     std::string_view element;
-    while (next_list_element(list, element)) {
+    while (consume_list_element(list, element)) {
         element = without_trailing_separator(trim(element));
         if (!element.empty()) directories.push_back(element);
     }

@@ -6,8 +6,8 @@
 #include <trvfiles/environment/process_stores.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/support/diagnostics.h>
-#include <trvfiles/support/directory_list.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/support/list_elements.h>
 
 #include <algorithm>
 #include <initializer_list>

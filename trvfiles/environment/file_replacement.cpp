@@ -1,5 +1,6 @@
 #include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/support/ascii_case.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <cerrno>
 #include <cstdio>

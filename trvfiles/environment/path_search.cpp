@@ -2,9 +2,9 @@
 #include <trvfiles/environment/path_search.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/support/diagnostics.h>
-#include <trvfiles/support/directory_list.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/support/list_elements.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/support/text_field.h>
 
@@ -77,7 +77,7 @@ int try_directories(std::string_view list, const std::string& name, char* field,
                     std::int32_t width) {
     std::string first;
     std::string_view element;
-    while (next_list_element(list, element)) {
+    while (consume_list_element(list, element)) {
         std::string candidate(trim(element));
         if (candidate.empty()) continue;
         if (candidate.back() != '\\') candidate += '\\';
@@ -253,7 +253,7 @@ const char* first_existing_directory(const char* list) {
 
     std::string_view rest = expanded.data();
     std::string_view element;
-    while (next_list_element(rest, element)) {
+    while (consume_list_element(rest, element)) {
         const std::string path(element);
         if (is_current_directory(element) || !platform::path_exists(path.c_str())) continue;
         std::memcpy(directory.data(), path.c_str(), path.size() + 1);

@@ -4,6 +4,7 @@
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/support/platform_sharing.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <cerrno>
 #include <cstdint>
