@@ -1,6 +1,6 @@
+#include <trvfiles/facade/text_conversion.h>
 #include <trvfiles/machine_context/context_search.h>
-
-#include <QFileInfo>
+#include <trvfiles/support/platform_directories.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -13,6 +13,10 @@ using Places = std::vector<int>;
 
 std::size_t at(int place) {
     return static_cast<std::size_t>(place);
+}
+
+bool isDirectory(const QString& path) {
+    return platform::kind_of(systemPath(path)) == platform::file_kind::directory;
 }
 
 // For each directory those with an entry that leads there.
@@ -206,7 +210,7 @@ private:
             if (isKnown || isContext(context)) found_.push_back(context);
             return;
         }
-        if (path == directories_[at(entry.target)].path || QFileInfo(path).isDir())
+        if (path == directories_[at(entry.target)].path || isDirectory(path))
             enter(entry.target, path);
     }
 
