@@ -91,7 +91,6 @@ private:
             indexOf(entry.isLink ? platform::canonical_path(systemPath(path))
                                  : canonicalPaths_[static_cast<std::size_t>(parent)] /
                                        systemPath(entry.name));
-        if (!at(target).path.isEmpty()) return target;
         if (entry.isLink) {
             waiting_.push_back({target, path});
         } else {
