@@ -318,6 +318,7 @@ TEST_F(NamedContextCreation, FailsForNamesWithADirectoryPart) {
 TEST_F(NamedContextCreation, WritesTheContextThroughADirectoryThatIsMissing) {
     write("transfo.dat", "axis");
     makeDirectory("[stockposition@missing");
+    const ChannelLog log;
     EXPECT_TRUE(create({"m", "", "missing/../job.mctx"}));
     EXPECT_EQ(contextFile_, L"missing/../job.mctx");
     const std::string reference = "[stockposition@missing/../job]MACHINE.ref";
