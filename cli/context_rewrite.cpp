@@ -81,11 +81,11 @@ QString whyChanges(const ContextField& field, const std::string& bytes) {
 void findValue(const CSectionedFile& file, const QStringList& newFields, RewriteLoss& loss) {
     for (const ContextField& field : contextFields()) {
         std::string value;
-        if (newFields.contains(field.name())) continue;
+        if (newFields.contains(nameOf(field))) continue;
         if (!file.value(field.section, true, field.key, true, value)) continue;
         loss.reason = whyChanges(field, value);
         if (loss.reason.isEmpty()) continue;
-        loss.field = field.name();
+        loss.field = nameOf(field);
         loss.value = fromNarrow(value);
         return;
     }

@@ -1,5 +1,6 @@
 #include <cli/context_values.h>
 #include <trvfiles/environment/entry_text.h>
+#include <trvfiles/machine_context/context_fields.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -55,23 +56,6 @@ bool readNumbers(const QString& text, double* numbers, int count) {
     }
     skip_white_space(rest);
     return rest.empty();
-}
-
-std::string proximityText(double value) {
-    constexpr std::size_t mostCharacters = 19;
-    std::string text;
-    append_fixed(text, static_cast<double>(static_cast<float>(value)));
-    return text.substr(0, mostCharacters);
-}
-
-std::string originText(const double origin[3]) {
-    std::string text;
-    append_fixed(text, origin[0]);
-    text += ' ';
-    append_fixed(text, origin[1]);
-    text += ' ';
-    append_fixed(text, origin[2]);
-    return text;
 }
 
 bool comesBack(double value) {

@@ -91,11 +91,15 @@ int TrvIniFile::setValue(std::int16_t section, const char* key, const char* valu
 }
 
 int TrvIniFile::setFloatValue(std::int16_t section, const char* key, float value) {
-    constexpr std::size_t mostCharacters = 19;
+    return setValue(section, key, floatText(value).c_str());
+}
+
+std::string TrvIniFile::floatText(float value) {
+    constexpr std::size_t maxLength = 19;
     std::string text;
     trv::append_fixed(text, static_cast<double>(value));
-    if (text.size() > mostCharacters) text.resize(mostCharacters);
-    return setValue(section, key, text.c_str());
+    if (text.size() > maxLength) text.resize(maxLength);
+    return text;
 }
 
 int TrvIniFile::setHeaderValue(const char* key, const char* value) {
