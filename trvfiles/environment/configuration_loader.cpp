@@ -1,9 +1,10 @@
 #include <trvfiles/environment/configuration_loader.h>
-#include <trvfiles/environment/configuration_paths.h>
-#include <trvfiles/environment/message_loading.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/message_file_internal.h>
+#include <trvfiles/environment/path_text.h>
+#include <trvfiles/environment/runtime.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/directory_list.h>

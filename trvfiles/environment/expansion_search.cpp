@@ -1,5 +1,6 @@
+#include <trvfiles/environment/expansion_search.h>
 #include <trvfiles/environment/path_search.h>
-#include <trvfiles/environment/text_list.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variable_expansion.h>
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 ///
 /// Threads: one at a time, with the whole runtime.
 
-#include <trvfiles/environment/message_callbacks.h>
+#include <trvfiles/environment/message_file.h>
 
 #include <string>
 #include <string_view>

@@ -18,7 +18,6 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::uint16_t no_section = 0xFFFF;
 constexpr std::size_t most_sections = 32767;
 constexpr const char* placeholder = "undefined message";
 

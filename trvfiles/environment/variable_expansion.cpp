@@ -1,7 +1,7 @@
-#include <trvfiles/environment/text_list.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/environment/variable_lookup.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/diagnostics.h>
 
 #include <array>

@@ -1,5 +1,6 @@
 #include <trvfiles/environment/guards.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/environment/work_zone.h>
 #include <trvfiles/environment/zone_number.h>
 #include <trvfiles/support/diagnostics.h>
@@ -98,6 +99,10 @@ const char* get_temporary_directory() {
 
 void set_temporary_directory(const char* directory) {
     platform::set_environment(directory_variable, directory);
+}
+
+zone_hook set_zone_hook(zone_hook hook) {
+    return exchange_zone_hook(hook);
 }
 
 }  // namespace trv

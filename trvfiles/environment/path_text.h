@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace trv {
 
@@ -33,6 +34,16 @@ inline std::string_view without_trailing_separator(std::string_view directory) {
     if (!directory.empty() && (directory.back() == '/' || directory.back() == '\\'))
         directory.remove_suffix(1);
     return directory;
+}
+
+/// The elements as one list, with a ";" between each two.
+inline std::string join_list(const std::vector<std::string>& elements) {
+    std::string list;
+    for (const std::string& element : elements) {
+        if (&element != &elements.front()) list += ';';
+        list += element;
+    }
+    return list;
 }
 
 }  // namespace trv
