@@ -1,6 +1,6 @@
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_file_internal.h>
-#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/support/line_source.h>
 #include <trvfiles/support/platform.h>
 
@@ -31,7 +31,7 @@ load_result load_file(message_store* store, const char* path, const message_sink
         const int reason = errno;
         if (!platform::path_exists(path)) return load_result::missing;
         const std::string text = "Error opening file - " + std::generic_category().message(reason);
-        report_fatal(message_file_report(path, 0, text).c_str());
+        current_observer().fault_found({fault_kind::fatal, path, 0, text});
         return load_result::failed;
     }
     CL8BFile source(file.get());
@@ -42,7 +42,7 @@ load_result load_file(message_store* store, const char* path, const message_sink
     // A line that cannot be read looks like the end of the file. What is loaded of it must not pass
     // for the whole: saving it would cut the file short.
     if (std::ferror(file.get()) == 0) return load_result::loaded;
-    report_fatal(message_file_report(path, 0, "Error loading file.").c_str());
+    current_observer().fault_found({fault_kind::fatal, path, 0, "Error loading file."});
     return load_result::failed;
 }
 

@@ -1,8 +1,8 @@
 #include <trvfiles/environment/message_condition.h>
 #include <trvfiles/environment/message_parser.h>
 #include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/support/blanks.h>
-#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/line_source.h>
 
 #include <cstring>
@@ -71,8 +71,7 @@ private:
         if (length == 0) return false;
         ++line_number_;
         if (length >= line_buffer_size) {
-            report_error(
-                message_file_report(file_name_, line_number_, "Input line too long").c_str());
+            report(fault_kind::line_too_long, line_number_, "Input line too long");
         }
         return true;
     }
@@ -135,7 +134,8 @@ private:
             case condition_result::no:
                 break;
             case condition_result::undefined:
-                warn_of_unknown_variable(line);
+                report(fault_kind::unknown_variable, line_number_,
+                       "unknown variable : '" + line + "'");
                 break;
             case condition_result::invalid:
                 report_fatal_at(line_number_, "invalid condition: " + line);
@@ -183,15 +183,10 @@ private:
         }
     }
 
-    void report_fatal_at(int line, std::string_view text) {
-        report_fatal(message_file_report(file_name_, line, text).c_str());
-    }
+    void report_fatal_at(int line, std::string_view text) { report(fault_kind::fatal, line, text); }
 
-    void warn_of_unknown_variable(const std::string& line) {
-        const std::string text = std::string("load_messages: file '") + file_name_ + "' line " +
-                                 std::to_string(line_number_) + ", unknown variable : '" + line +
-                                 "'\n";
-        report_error(text.c_str());
+    void report(fault_kind kind, int line, std::string_view text) {
+        current_observer().fault_found({kind, file_name_, line, text});
     }
 
     message_store* store_;
@@ -212,16 +207,6 @@ private:
 };
 
 }  // namespace
-
-std::string message_file_report(std::string_view file_name, int line, std::string_view text) {
-    std::string report = "load_messages: file '";
-    report += file_name;
-    report += "', line ";
-    report += std::to_string(line);
-    report += " : ";
-    report += text;
-    return report;
-}
 
 parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                             const message_sink& sink) {

@@ -3,6 +3,7 @@
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/name_hash.h>
 #include <trvfiles/environment/reference_resolver.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/permanent_block.h>
@@ -123,17 +124,17 @@ int append_text_at(message_store& store, store_section& section, int number,
 
 int refuse_parameter(const message_store& store, const store_section& section,
                      std::string_view text, const text_origin& origin) {
-    const std::string place = "[" + std::string(section.name()) + "] " + std::string(text) + "\n";
+    const std::string place = "[" + std::string(section.name()) + "] " + std::string(text);
     if (origin.file == text_pool::none) {
-        report_error(
-            ("set_parameter : The program is trying to modify a non-parameter message: " + place)
-                .c_str());
+        report_error(("set_parameter : The program is trying to modify a non-parameter message: " +
+                      place + '\n')
+                         .c_str());
         return -1;
     }
-    report_error(("load_messages: [file '" + std::string(store.texts.at(origin.file)) + "' line " +
-                  std::to_string(origin.line) +
-                  "] Warning - incorrect format (missing '='): " + place)
-                     .c_str());
+    // The observer may add to the store, which moves the name.
+    const std::string file = store.texts.at(origin.file);
+    current_observer().fault_found({fault_kind::missing_equals, file, origin.line,
+                                    "incorrect format (missing '='): " + place});
     return 0;
 }
 

@@ -1,7 +1,7 @@
 #include <trvfiles/environment/configuration_loader.h>
 #include <trvfiles/environment/path_search.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/directory_list.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/file_system.h>
@@ -30,7 +30,6 @@ constexpr std::int32_t list_field_width = 8192;
 constexpr std::int32_t existing_field_width = 512;
 constexpr std::size_t message_path_size = 512;
 constexpr std::int32_t directory_list_size = 1536;
-constexpr std::size_t shortest_marked_list = 81;
 
 struct search_reference {
     std::string list;
@@ -55,26 +54,15 @@ bool is_narrower(std::string_view text, std::int32_t width) {
     return text.size() < static_cast<std::size_t>(width);
 }
 
-void trace_search(const std::string& name, std::string_view list) {
-    if (!trace_is_seen()) return;
-    // A long list is marked as one, and printed whole all the same.
-    std::string line = "SEARCHING for '" + name + "' in '";
-    line += list;
-    line += list.size() < shortest_marked_list ? "'" : "...'";
-    report_trace(line.c_str());
-}
-
-bool exists(const std::string& candidate) {
+bool exists(const std::string& candidate, observation& observed) {
     const bool found = fileExists(candidate.c_str()) != 0;
-    if (trace_is_seen()) {
-        report_trace(("  - '" + candidate + "' -> " + (found ? "Found" : "Not found")).c_str());
-    }
+    if (observed.is_on()) current_observer().candidate_tried({candidate, found});
     return found;
 }
 
 // Tries the name in each directory of an expanded list, and puts the outcome into the field.
-int try_directories(std::string_view list, const std::string& name, char* field,
-                    std::int32_t width) {
+int try_directories(std::string_view list, const std::string& name, char* field, std::int32_t width,
+                    observation& observed) {
     std::string first;
     std::string_view element;
     while (next_list_element(list, element)) {
@@ -83,7 +71,7 @@ int try_directories(std::string_view list, const std::string& name, char* field,
         if (candidate.back() != '\\') candidate += '\\';
         candidate += name;
         if (first.empty()) first = candidate;
-        if (!exists(candidate)) continue;
+        if (!exists(candidate, observed)) continue;
         const bool narrower = is_narrower(candidate, width);
         fill_field(field, width, narrower ? candidate : std::string());
         return narrower ? EXP_OK : EXP_BUFFER_TOO_SMALL;
@@ -118,11 +106,12 @@ int search(std::string_view list_text, char* name_field, std::int32_t width) {
     _ExpandFixed(list_field.data(), list_field_width, &code);
     if (code != EXP_OK) return code;
     const std::string_view expanded = field_text(list_field.data(), list_field_width);
-    trace_search(name, expanded);
+    observation observed;
+    if (observed.is_on()) current_observer().search_began({name, expanded});
 
     const storage_text list = copy_of(expanded);
     if (list == nullptr) return out_of_memory;
-    return try_directories(list.get(), name, name_field, width);
+    return try_directories(list.get(), name, name_field, width, observed);
 }
 
 int search_for(const search_reference& reference, char* field, std::int32_t width) {
