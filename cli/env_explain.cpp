@@ -7,7 +7,6 @@
 #include <trvfiles/text/text_conversion.h>
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace trv::cli {
@@ -24,15 +23,15 @@ struct Explanation {
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
 
-Explanation explanationOf(const Subject& subject, RuntimeMessages& messages) {
+Explanation explanationOf(const Subject& subject) {
     Explanation explanation;
     explanation.subject = subject;
     explanation.value = lookUp(subject);
     explanation.definitions = definitionsOf(subject);
     if (explanation.refersToOthers()) {
-        explanation.expansion =
-            expand(explanation.value.text, false, messages,
-                   [&](std::string_view lookup) { explanation.lookups.emplace_back(lookup); });
+        explanation.expansion = expand(
+            explanation.value.text, false,
+            [&](const lookup_event& lookup) { explanation.lookups.push_back(event_text(lookup)); });
     }
     return explanation;
 }
@@ -155,7 +154,7 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
     return askInstallation(call, console, [&](RuntimeMessages& messages, const Console&) {
-        const Explanation explanation = explanationOf(subject, messages);
+        const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
         // Not held back, since it may be large, and the runtime is not asked any more.
         const bool isDefined = explanation.value.isDefined;
