@@ -21,8 +21,8 @@ void printError(const QString& subject, const QString& text, const Console& cons
 void printUndefined(const QString& subject, const UndefinedReferences& references,
                     const Console& console) {
     // Each line names the subject.
-    constexpr int longestSubject = 200;
-    const QString beginning = beginningOf(subject, longestSubject);
+    constexpr int maxLength = 200;
+    const QString beginning = beginningOf(subject, maxLength);
     for (const std::string& reference : references.inOrder()) {
         printError(beginning, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
                    console);

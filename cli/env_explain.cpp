@@ -50,14 +50,14 @@ QString reasonText(const Explanation& explanation) {
 
 // The value so far, cut where it is long, since each definition of a list shows more of it.
 QString extendedText(const Definition& definition, bool all) {
-    constexpr int longestShown = 200;
+    constexpr int maxShown = 200;
     if (definition.isBeyondLimits) {
         return QStringLiteral("+ is a value beyond the limits of the runtime");
     }
     const QString text = fromNarrow(definition.extended);
-    if (all || text.size() <= longestShown) return QStringLiteral("+ is '%1'").arg(shown(text));
+    if (all || text.size() <= maxShown) return QStringLiteral("+ is '%1'").arg(shown(text));
     return QStringLiteral("+ is '%1' (%2 characters; --all shows them)")
-        .arg(shown(beginningOf(text, longestShown)), QString::number(text.size()));
+        .arg(shown(beginningOf(text, maxShown)), QString::number(text.size()));
 }
 
 void printDefinitions(const char* title, const History& definitions, bool all, std::ostream& out) {

@@ -18,7 +18,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-using path_buffer = char[configuration_path_size];
+using path_buffer = char[path_buffer_size];
 
 bool is_empty(const char* text) {
     return text == nullptr || *text == '\0';

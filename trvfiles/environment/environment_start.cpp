@@ -76,13 +76,13 @@ bool load_second_file(const std::string& path) {
 void define_predefined_variables() {
     const int section = find_section(loaded_stores.environment, "var");
     if (section < 0) return;
-    const record_guard not_persistent;
+    const record_guard not_persistent(false);
     set_variable(loaded_stores.environment, section, "WINDOWS = 1");
     set_variable(loaded_stores.environment, section, "PC = 1");
 }
 
 bool read_directories(std::string& list) {
-    char buffer[configuration_path_size];
+    char buffer[path_buffer_size];
     if (is_expand_error(_Expand("?ENV", buffer, sizeof buffer))) {
         report_fatal("Error loading 'environ.cfg' files\n");
         return false;

@@ -14,11 +14,11 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr int line_buffer_size = 1024;
-constexpr int most_open_conditions = 7;
+constexpr int max_open_conditions = 7;
 
 // A handler that returns does not make an unknown keyword known. The report is repeated, because
 // the parse cannot go on, but not for ever.
-constexpr int most_keyword_reports = 1000;
+constexpr int max_keyword_reports = 1000;
 
 bool starts_with(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
@@ -117,7 +117,7 @@ private:
     }
 
     void open_condition(const std::string& line) {
-        if (level_ == most_open_conditions) {
+        if (level_ == max_open_conditions) {
             // The "%s" is part of the text.
             report_fatal_at(line_number_, "too many nested conditions: %s");
             aborted_ = true;
@@ -162,7 +162,7 @@ private:
 
     void refuse_keyword(std::string_view keyword) {
         const std::string text = "Unknown keyword : '/" + std::string(keyword) + "'";
-        for (int report = 0; report < most_keyword_reports; ++report)
+        for (int report = 0; report < max_keyword_reports; ++report)
             report_fatal_at(line_number_, text);
         aborted_ = true;
     }
@@ -201,7 +201,7 @@ private:
     bool aborted_ = false;
 
     // One flag for each open "/if" and, below them, one for the file itself.
-    bool condition_[1 + most_open_conditions] = {true};
+    bool condition_[1 + max_open_conditions] = {true};
     int level_ = 0;
     std::uint64_t skipped_conditions_ = 0;
 };

@@ -19,7 +19,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t most_sections = 32767;
+constexpr std::size_t max_sections = 32767;
 constexpr const char* placeholder = "undefined message";
 
 // Whether new texts are persistent, for the whole process.
@@ -90,7 +90,7 @@ private:
 int append_text(message_store& store, store_section& section, std::string_view text,
                 const text_origin& origin) {
     const int number = section.message_count();
-    if (number == store_section::most_messages) return -1;
+    if (number == store_section::max_messages) return -1;
     section.reserve(number, text);
     store.texts.reserve_texts(1, text.size());
     put_text(store, section, number, text, origin);
@@ -196,7 +196,7 @@ std::uint16_t add_section(message_store* store, const char* name) {
     if (store == nullptr || name == nullptr) return no_section;
     const std::size_t length = std::strlen(name);
     const std::size_t index = store->sections.size();
-    if (length > store_section::longest_name || index == most_sections) return no_section;
+    if (length > store_section::max_name_length || index == max_sections) return no_section;
     const int added = unless_exhausted([&] {
         store_section section({name, length});
         const auto place = static_cast<std::uint32_t>(index);
@@ -267,7 +267,7 @@ int replace_message(message_store* store, int section, int number, const char* t
 
 int set_message(message_store* store, int section, int number, const char* text) {
     store_section* target = section_at(store, section);
-    if (target == nullptr || number < 0 || number >= store_section::most_messages) return -1;
+    if (target == nullptr || number < 0 || number >= store_section::max_messages) return -1;
     return unless_exhausted([&] {
         const kept_text kept(*store, text_of(text));
         if (target->has_message(number)) {

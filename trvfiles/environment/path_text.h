@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The paths of configuration files: how they are joined, and how long they may be.
+/// Paths and lists of paths as texts of the runtime: how they are joined, and how long they may be.
 ///
 /// Threads: any.
 
@@ -14,12 +14,19 @@
 
 namespace trv {
 
-/// Bytes of a path or a list of directories, the terminator counted. Longer paths are never cut:
-/// they count as paths of missing files.
-inline constexpr std::size_t configuration_path_size = 512;
+/// Bytes of a buffer for a path or a list of directories, the terminator counted. A longer path is
+/// never cut: it counts as the path of a missing file.
+inline constexpr std::size_t path_buffer_size = 512;
 
 inline bool fits_path_buffer(std::string_view path) {
-    return path.size() < configuration_path_size;
+    return path.size() < path_buffer_size;
+}
+
+/// The runtime's paths are separated by "/" and "\" on every system.
+inline constexpr std::string_view path_separators = "/\\";
+
+constexpr bool is_path_separator(char c) {
+    return c == '/' || c == '\\';
 }
 
 inline std::string path_in(std::string_view directory, std::string_view file_name) {
@@ -31,8 +38,7 @@ inline std::string path_in(std::string_view directory, std::string_view file_nam
 
 /// The directory without one "/" or "\" at its end.
 inline std::string_view without_trailing_separator(std::string_view directory) {
-    if (!directory.empty() && (directory.back() == '/' || directory.back() == '\\'))
-        directory.remove_suffix(1);
+    if (!directory.empty() && is_path_separator(directory.back())) directory.remove_suffix(1);
     return directory;
 }
 

@@ -13,8 +13,6 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t longest_result = std::size_t{1024} * 1024;
-constexpr int most_replacements = 10000;
 constexpr std::string_view undefined_reference = "$(TRVNULL)";
 
 class reference_resolver final : private partial_value {
@@ -83,7 +81,7 @@ private:
             skip(1);
         } else if (!read_reference(characters, earlier)) {
             finish(1);
-        } else if (replacements_ == most_replacements) {
+        } else if (replacements_ == max_resolved_references) {
             full_ = true;
         } else if (is_good(earlier)) {
             insert_value(earlier);
@@ -96,15 +94,15 @@ private:
         return earlier < open_.back().text && store_.texts.is_text(earlier);
     }
 
-    // Whether the result stays within its limit when `removed` characters make room for others.
-    bool fits(std::size_t removed, std::size_t inserted) {
-        full_ = done_.size() + open_length_ - removed + inserted > longest_result;
-        return !full_;
+    // Whether the result stays within its limit if `inserted` characters replace `removed` ones.
+    bool fits(std::size_t removed, std::size_t inserted) const {
+        return done_.size() + open_length_ - removed + inserted <= max_resolved_length;
     }
 
     void insert_value(std::int32_t earlier) {
         const std::size_t length = entry_value(store_.texts.at(earlier)).size();
-        if (!fits(reference_length, length)) return;
+        full_ = !fits(reference_length, length);
+        if (full_) return;
         const std::int32_t referring = open_.back().text;
         skip(reference_length);
         open_value(earlier);
@@ -112,7 +110,8 @@ private:
     }
 
     void insert_undefined() {
-        if (!fits(1, undefined_reference.size())) return;
+        full_ = !fits(1, undefined_reference.size());
+        if (full_) return;
         const std::int32_t referring = open_.back().text;
         skip(1);
         done_ += undefined_reference;

@@ -7,7 +7,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t shortest_marked_list = 81;
+constexpr std::size_t min_marked_list = 81;
 
 std::string described(const stored_text& text) {
     return text.text + ' ' + text.origin;
@@ -41,7 +41,7 @@ public:
         // A long list is marked as one, and printed whole all the same.
         std::string line = "SEARCHING for '" + event.name + "' in '";
         line += event.directories;
-        line += event.directories.size() < shortest_marked_list ? "'" : "...'";
+        line += event.directories.size() < min_marked_list ? "'" : "...'";
         report_trace(line.c_str());
     }
 

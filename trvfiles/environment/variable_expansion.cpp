@@ -15,8 +15,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t longest_result = std::size_t{16} << 20;
-constexpr std::size_t most_replacements = 1'000'000;
+constexpr std::size_t max_length = std::size_t{16} << 20;
+constexpr std::size_t max_replacements = 1'000'000;
 
 constexpr char variable_marker = '$';
 constexpr char path_marker = '?';
@@ -163,7 +163,7 @@ int expander::run() {
         const int code = step();
         if (is_expand_error(code)) return code;
         if (code == EXP_UNDEFINED) complete = code;
-        if (result_.size() > longest_result) return EXP_NAME_TOO_LONG;
+        if (result_.size() > max_length) return EXP_NAME_TOO_LONG;
     }
     return complete;
 }
@@ -205,7 +205,7 @@ int expander::step() {
 }
 
 int expander::replace(char marker) {
-    if (++replacements_ > most_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
+    if (++replacements_ > max_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
 
     const char* found =
         marker == variable_marker ? find_variable(name_) : get_path_variable(name_.c_str());
@@ -223,7 +223,7 @@ int expander::replace(char marker) {
     const char* const rest = result_.add_to_marker(value);
     if (*rest == '\0') return EXP_OK;
     open(marker + name_, value, static_cast<std::size_t>(rest - value));
-    return nesting_->open_length > longest_result ? EXP_NAME_TOO_LONG : EXP_OK;
+    return nesting_->open_length > max_length ? EXP_NAME_TOO_LONG : EXP_OK;
 }
 
 // What is open goes into the result but for its references: it is bounded like the result, so that
@@ -294,7 +294,7 @@ int expand_path(const std::vector<std::string>& sources, std::string* output) {
 
 std::string normalize_separators(const std::string& path) {
     const auto separator_at = [&path](std::size_t i) {
-        return i < path.size() && (path[i] == '/' || path[i] == '\\');
+        return i < path.size() && is_path_separator(path[i]);
     };
     std::string normal;
     normal.reserve(path.size());
