@@ -1,7 +1,8 @@
+#include <trvfiles/environment/file_replacement.h>
+#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
-#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -192,9 +193,7 @@ EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held) {
     std::string path;
     if (!trv::runtimePath(path_, path)) {
         // Saving goes by narrow names, and the nearest one would be another file's.
-        trv::report_fatal(
-            ("Store messages : error opening file '" + trv::toNarrow(path_) + ".messages.tmp'")
-                .c_str());
+        trv::report_not_opened(trv::own_temporary_name(trv::toNarrow(path_)));
         return eFileIOOpenError;
     }
     const int result = held == nullptr ? save(path.c_str()) : save(path.c_str(), *held);
