@@ -1,9 +1,9 @@
 #include <trvfiles/environment/file_replacement.h>
+#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/machine_context/context_fields.h>
-#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/open_file.h>
@@ -64,7 +64,8 @@ private:
         if (fault_ == nullptr) return;
         if (reading != trv::NumberReading::whole) noteNumber(field, reading);
         if (field.isText() && (data_.*field.text)() != value_) {
-            addNote(Kind::notText, field, " has bytes that are not text: ", "; they are replaced or dropped");
+            addNote(Kind::notText, field,
+                    " has bytes that are not text: ", "; they are replaced or dropped");
         }
     }
 
@@ -182,9 +183,7 @@ EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held, CFileFaul
     std::string path;
     if (!trv::runtimePath(path_, path)) {
         // Saving uses narrow names, and the nearest one would be another file's.
-        trv::report_fatal(
-            ("Store messages : error opening file '" + trv::toNarrow(path_) + ".messages.tmp'")
-                .c_str());
+        trv::report_not_opened(trv::own_temporary_name(trv::toNarrow(path_)));
         trv::set_fault(fault, "the local code page lacks a character of the file name");
         return eFileIOOpenError;
     }
