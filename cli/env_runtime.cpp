@@ -133,7 +133,7 @@ void RuntimeMessages::trace(const std::function<void()>& call, const TraceReader
 
 QCommandLineOption rootOption() {
     return QCommandLineOption(QStringLiteral("root"),
-                              QStringLiteral("The installation, in place of that of TRVHOME"),
+                              QStringLiteral("The installation, instead of that of TRVHOME"),
                               QStringLiteral("DIR"));
 }
 
