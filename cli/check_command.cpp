@@ -80,8 +80,8 @@ CommandGroup checkCommand() {
     command.arguments = QStringLiteral("FILE...");
     command.summary = QStringLiteral("Check that files can be read");
     command.details = QStringLiteral(
-        "Prints a line for each file. Exit status: 0 all files can be read, 1 one cannot,\n"
-        "2 an error.\n");
+        "Prints a line for each file. Exit status: 0 all files can be read, 1 a file\n"
+        "cannot be read, 2 an error.\n");
     command.mostFiles = Command::anyNumber;
     command.run = check;
     return {command};

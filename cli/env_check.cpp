@@ -67,9 +67,9 @@ Command envCheckCommand() {
     command.arguments = QStringLiteral("[--root DIR] FILE...");
     command.summary = QStringLiteral("Check message and configuration files");
     command.details = QStringLiteral(
-        "Prints a line for each fault, or one that says what a sound file holds. Conditions in\n"
-        "the files see the installation. Exit status: 0 all files are sound, 1 one is not, 2 an\n"
-        "error.\n");
+        "Prints a line for each fault, or a summary of a file without faults. Conditions\n"
+        "in the files are evaluated for the installation. Exit status: 0 no file has\n"
+        "faults, 1 a file has faults, 2 an error.\n");
     command.options = {rootOption()};
     command.mostFiles = Command::anyNumber;
     command.run = check;

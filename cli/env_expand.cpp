@@ -122,9 +122,9 @@ Command envExpandCommand() {
     command.arguments = QStringLiteral("[--root DIR] [--path] TEXT...");
     command.summary = QStringLiteral("Replace the references in texts");
     command.details = QStringLiteral(
-        "Prints a line for each text. A shell wants single quotes around one that holds a \"$\"\n"
-        "or a \"?\". Separators stay as they are. Exit status: 0 done, 1 something that a text\n"
-        "refers to is not defined, 2 an error.\n");
+        "Prints a line for each text. In a shell, write a text with \"$\" or \"?\" in single\n"
+        "quotes. Without --path separators do not change. Exit status: 0 done, 1 a\n"
+        "reference is not defined, 2 an error.\n");
     command.options = {
         rootOption(), QCommandLineOption(QStringLiteral("path"),
                                          QStringLiteral("Make each run of separators one \"\\\""))};
@@ -140,8 +140,9 @@ Command envFindCommand() {
     command.arguments = QStringLiteral("[--root DIR] '?LIST\\FILE'");
     command.summary = QStringLiteral("Search for a file in the directories of a path list");
     command.details = QStringLiteral(
-        "Prints a line for each directory that is tried, and last the path that is found, with\n"
-        "the separators of the system. Exit status: 0 found, 1 not found, 2 an error.\n");
+        "Prints a line for each directory that is tried, and then the path that is found,\n"
+        "with the separators of the system. Exit status: 0 found, 1 not found, 2 an\n"
+        "error.\n");
     command.options = {rootOption()};
     command.operand = QStringLiteral("name");
     command.run = find;

@@ -175,12 +175,12 @@ Command envExplainCommand() {
     Command command;
     command.name = QStringLiteral("env explain");
     command.arguments = QStringLiteral("[--root DIR] [--all] [--json] NAME");
-    command.summary = QStringLiteral("Tell why a variable has its value");
+    command.summary = QStringLiteral("Explain why a variable has its value");
     command.details = QStringLiteral(
-        "Prints the value that a program gets, every definition of it and what its references\n"
-        "are replaced by. Of many definitions it prints the first and the last ones. \"?NAME\"\n"
-        "explains a path list; a shell wants quotes around it. Exit status: 0 it is defined,\n"
-        "1 it is not, 2 an error.\n");
+        "Prints the value that a program gets, every definition of it, and the\n"
+        "replacement of each reference. If there are many definitions, it prints the\n"
+        "first and the last ones. \"?NAME\" explains a path list; write it in quotes in a\n"
+        "shell. Exit status: 0 the name is defined, 1 it is not, 2 an error.\n");
     command.options = {
         rootOption(),
         QCommandLineOption(QStringLiteral("all"), QStringLiteral("Print every definition in full")),

@@ -140,7 +140,7 @@ void RuntimeMessages::fault_found(const fault_event& event) {
 
 QCommandLineOption rootOption() {
     return QCommandLineOption(QStringLiteral("root"),
-                              QStringLiteral("The installation, in place of that of TRVHOME"),
+                              QStringLiteral("The installation, instead of that of TRVHOME"),
                               QStringLiteral("DIR"));
 }
 

@@ -18,7 +18,7 @@ struct ReadAxis {
 
 /// Reads axis text from memory.
 inline ReadAxis axisOf(std::string text) {
-    // A memory file of no bytes cannot be opened everywhere.
+    // Not every system can open a memory file of 0 bytes.
     if (text.empty()) text = "\n";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
         fmemopen(text.data(), text.size(), "rb"), std::fclose);

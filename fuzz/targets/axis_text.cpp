@@ -1,4 +1,5 @@
-// An axis file's text, its line ends, and what is read of it written again.
+// The text of an axis file, with both line ends. The placement that is read is written and read
+// again.
 
 #include <fuzz/harness/axis_source.h>
 #include <fuzz/harness/own_directory.h>
@@ -42,15 +43,15 @@ void requireTheFacadeAgrees(const std::string& text, const ReadAxis& read) {
     CQvFilesIO files(ownDirectory().wide());
     const EFileIOStatus status = files.readAxis(L"axis", matrix.data(), tags[0], tags[1], tags[2]);
     require(status == (read.fault.line == 0 ? eFileIOSuccess : eFileIOContentError),
-            "the status is 1, or 4 where a line is faulty");
+            "the status is 1, or 4 if a line is faulty");
     AxisMatrix expected = content.matrix;
     if (status != eFileIOSuccess) expected.fill(untouched);
     require(std::memcmp(&matrix, &expected, sizeof matrix) == 0,
-            "the matrix is the one of the text, or as it was");
+            "the matrix is that of the text, or unchanged");
     for (int i = 0; i < 3; ++i) {
         const bool isSet = status == eFileIOSuccess && i < content.tagCount;
         require(tags[i] == (isSet ? content.tags[static_cast<std::size_t>(i)] : -1 - i),
-                "the tags are those of the text, or as they were");
+                "the tags are those of the text, or unchanged");
     }
 }
 
@@ -66,7 +67,8 @@ bool isRotation(const AxisMatrix& m) {
     return true;
 }
 
-// Beyond that a double has fewer decimals than the text, and a line may be longer than what counts.
+// A larger double has fewer decimals than the text, and its line may be longer than the part that
+// counts.
 bool hasAllDecimals(double value) {
     return std::fabs(value) < 1e9;
 }
