@@ -21,7 +21,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// Beside the statuses of the expansion.
+// Not one of the statuses of the expansion.
 constexpr int out_of_memory = -41;
 
 // Three numbers beside that of path_text.h, each of which hosts know from the documentation.
@@ -36,7 +36,8 @@ struct search_reference {
     std::string name;
 };
 
-// The name stays empty where nothing follows the component with the "?", or none holds one.
+// Searches backwards: in "?A/?B/f" the last component with a "?" ends the list. The name stays
+// empty if no component has a "?", or if nothing follows the last one that has.
 search_reference split_reference(std::string_view text) {
     std::size_t cut = text.size();
     for (std::size_t i = text.size(); i-- > 0;) {
@@ -54,13 +55,15 @@ bool is_narrower(std::string_view text, std::int32_t width) {
     return text.size() < static_cast<std::size_t>(width);
 }
 
+// @param observed  of the whole search: unless somebody observes it, no code of the host runs in it
 bool exists(const std::string& candidate, observation& observed) {
     const bool found = fileExists(candidate.c_str()) != 0;
     if (observed.is_on()) current_observer().candidate_tried({candidate, found});
     return found;
 }
 
-// Tries the name in each directory of an expanded list, and puts the outcome into the field.
+// Tries the name in each directory of an expanded list, and puts the outcome into the field. A path
+// that fills the field completely is refused: callers with terminated texts need the last byte.
 int try_directories(std::string_view list, const std::string& name, char* field, std::int32_t width,
                     observation& observed) {
     std::string first;
@@ -85,17 +88,18 @@ struct storage_releaser {
 };
 using storage_text = std::unique_ptr<char, storage_releaser>;
 
-// None where memory has run out, which has then been reported.
+// A copy in the checked heap, so that a list counts towards the storage maximum of the host.
+// nullptr, after a report, if storage has run out.
 storage_text copy_of(std::string_view text) {
     storage_text copy(static_cast<char*>(allocate_temporary(text.size() + 1)));
     if (copy != nullptr) copy.get()[text.copy(copy.get(), text.size())] = '\0';
     return copy;
 }
 
-// Searches for the name that stands in the field, and leaves the outcome there.
+// Searches for the name in the field, and leaves the outcome there.
 int search(std::string_view list_text, char* name_field, std::int32_t width) {
     if (list_text.size() > max_list_text) return EXP_NAME_TOO_LONG;
-    // The list may be a looked-up value, which expanding the name overwrites.
+    // A copy: the list may be a looked-up value, which expanding the name overwrites.
     std::array<char, list_field_width> list_field;
     fill_field(list_field.data(), list_field_width, list_text);
 
@@ -119,7 +123,8 @@ int search_for(const search_reference& reference, char* field, std::int32_t widt
     return search(reference.list, field, width);
 }
 
-// Makes a field a NUL-terminated text again, whatever happens while it is one.
+// Turns the caller's text back from a blank-padded field into a terminated text on every way out,
+// also if an observer throws in the middle of the search.
 class field_terminator {
 public:
     field_terminator(char* field, std::int32_t width) : field_(field), width_(width) {}
@@ -233,6 +238,8 @@ const char* config_directory() {
     return first_existing_directory("?CFG");
 }
 
+// The static buffer is constant-initialised and has no destructor: the function may be called from
+// static objects of a host.
 const char* first_existing_directory(const char* list) {
     static std::array<char, directory_list_size> directory;
     if (list == nullptr || std::strlen(list) >= directory_list_size) return nullptr;
