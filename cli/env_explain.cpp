@@ -154,6 +154,7 @@ void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     json.end();
 }
 
+// JSON is printed for an undefined variable too, so that a script can tell it from an error.
 ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));

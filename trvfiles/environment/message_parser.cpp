@@ -131,10 +131,11 @@ private:
             return;
         }
         ++level_;
-        condition_[level_] = is_true(line);
+        condition_[level_] = evaluate(line);
     }
 
-    bool is_true(const std::string& line) {
+    // Reports a condition that cannot be evaluated, which then counts as false.
+    bool evaluate(const std::string& line) {
         switch (evaluate_condition(std::string_view(line).substr(sizeof "/if" - 1))) {
             case condition_result::yes:
                 return true;

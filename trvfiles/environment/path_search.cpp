@@ -51,19 +51,20 @@ search_reference split_reference(std::string_view text) {
     return {};
 }
 
+// A text as long as the field is refused, although it would fit: the field may become a terminated
+// text again, which needs the last byte.
 bool is_narrower(std::string_view text, std::int32_t width) {
     return text.size() < static_cast<std::size_t>(width);
 }
 
 // @param observed  of the whole search: unless somebody observes it, no code of the host runs in it
-bool exists(const std::string& candidate, observation& observed) {
+bool try_candidate(const std::string& candidate, observation& observed) {
     const bool found = fileExists(candidate.c_str()) != 0;
     if (observed.is_on()) current_observer().candidate_tried({candidate, found});
     return found;
 }
 
-// Tries the name in each directory of an expanded list, and puts the outcome into the field. A path
-// that fills the field completely is refused: callers with terminated texts need the last byte.
+// Tries the name in each directory of an expanded list, and puts the outcome into the field.
 int try_directories(std::string_view list, const std::string& name, char* field, std::int32_t width,
                     observation& observed) {
     std::string first;
@@ -71,10 +72,11 @@ int try_directories(std::string_view list, const std::string& name, char* field,
     while (next_list_element(list, element)) {
         std::string candidate(trim(element));
         if (candidate.empty()) continue;
+        // No "/" is left at the end: the expansion has normalised the separators.
         if (candidate.back() != '\\') candidate += '\\';
         candidate += name;
         if (first.empty()) first = candidate;
-        if (!exists(candidate, observed)) continue;
+        if (!try_candidate(candidate, observed)) continue;
         const bool narrower = is_narrower(candidate, width);
         fill_field(field, width, narrower ? candidate : std::string());
         return narrower ? EXP_OK : EXP_BUFFER_TOO_SMALL;
@@ -104,6 +106,7 @@ int search(std::string_view list_text, char* name_field, std::int32_t width) {
     fill_field(list_field.data(), list_field_width, list_text);
 
     std::int32_t code = EXP_OK;
+    // EXP_UNDEFINED ends a search too: a list with an undefined part would search in other places.
     _ExpandFixed(name_field, width, &code);
     if (code != EXP_OK) return code;
     const std::string name(field_text(name_field, width));
@@ -151,6 +154,7 @@ int status_of_field(const char* field, std::int32_t width) {
 int resolve_field(const char* text, std::int32_t length, char* result, std::int32_t result_length) {
     if (text == nullptr || result == nullptr) return EXP_INVALID_ARGUMENT;
     if (result_length < 1) return EXP_BUFFER_TOO_SMALL;
+    // A copy, which is split and expanded: text and result may overlap.
     const std::string whole(field_text(text, length));
     if (!fits_path_buffer(whole)) return EXP_NAME_TOO_LONG;
     const search_reference reference = split_reference(whole);
@@ -158,6 +162,7 @@ int resolve_field(const char* text, std::int32_t length, char* result, std::int3
         if (!is_narrower(reference.name, result_length)) return EXP_BUFFER_TOO_SMALL;
         return search_for(reference, result, result_length);
     }
+    // A "?" without a name: "?CFG" is a list of directories and not a file.
     if (whole.find('?') != std::string::npos) return EXP_INVALID_ARGUMENT;
 
     std::int32_t code = EXP_OK;
@@ -250,6 +255,7 @@ const char* first_existing_directory(const char* list) {
     std::string_view rest = expanded.data();
     std::string_view element;
     while (next_list_element(rest, element)) {
+        // The element is a part of the list: a copy has the terminator that the system needs.
         const std::string path(element);
         if (is_current_directory(element) || !platform::path_exists(path.c_str())) continue;
         std::memcpy(directory.data(), path.c_str(), path.size() + 1);

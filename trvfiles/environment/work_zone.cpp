@@ -38,7 +38,7 @@ int expand_fully(const char* text, char* path, std::size_t size) {
 
 // The counter of the installation. TRVCONF goes first, and TRVHOME/client/trvconf is for
 // installations that do not define it.
-bool counter_path(char* path) {
+bool expand_counter_path(char* path) {
     constexpr char configured[] = "$TRVCONF/workzone.num";
     const int code = expand_fully(configured, path, path_buffer_size);
     if (code == EXP_OK) return true;
@@ -57,7 +57,7 @@ bool counter_path(char* path) {
 // get the same one.
 std::optional<std::string> new_zone_number(const char* zone_file) {
     char counter[path_buffer_size];
-    if (!counter_path(counter)) return std::nullopt;
+    if (!expand_counter_path(counter)) return std::nullopt;
     const std::optional<std::string> number = allocate_zone_number(counter);
     return number ? create_zone_number(zone_file, *number) : std::nullopt;
 }
