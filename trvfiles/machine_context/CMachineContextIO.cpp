@@ -1,5 +1,5 @@
 #include <trvfiles/environment/file_replacement.h>
-#include <trvfiles/environment/held_store_writer.h>
+#include <trvfiles/environment/store_writer_internal.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>

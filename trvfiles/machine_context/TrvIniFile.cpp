@@ -1,8 +1,8 @@
 #include <trvfiles/environment/guards.h>
-#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
+#include <trvfiles/environment/store_writer_internal.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/machine_context/TrvIniFile.h>
 #include <trvfiles/support/file_system.h>
