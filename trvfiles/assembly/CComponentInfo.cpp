@@ -1,5 +1,5 @@
 #include <trvfiles/assembly/CComponentInfo.h>
-#include <trvfiles/assembly/vector3.h>
+#include <trvfiles/assembly/record_support.h>
 
 #include <utility>
 

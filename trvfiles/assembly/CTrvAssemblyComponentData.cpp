@@ -1,8 +1,8 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/assembly/assembly_comparison.h>
 #include <trvfiles/assembly/component_body.h>
-#include <trvfiles/assembly/vector3.h>
+#include <trvfiles/assembly/record_support.h>
 
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -12,27 +12,10 @@ namespace {
 
 using trv::ComponentBody;
 
-constexpr double placementTolerance = 1e-6;
-
-bool differ(const double one[3], const double other[3]) {
-    for (int i = 0; i < 3; ++i) {
-        if (std::fabs(one[i] - other[i]) > placementTolerance) return true;
-    }
-    return false;
-}
-
 void setRow(Math::XForm3Gen<double>& form, int row, const double values[3], double last) {
     for (int column = 0; column < 3; ++column)
         form(row, column) = values[column];
     form(row, 3) = last;
-}
-
-bool haveSameFields(const ComponentBody& one, const ComponentBody& other) {
-    // vec3 is not compared, which hosts rely on.
-    return one.name == other.name && one.comment == other.comment &&
-           one.geometryFileName == other.geometryFileName && one.enabled == other.enabled &&
-           !differ(one.vec1, other.vec1) && !differ(one.vec2, other.vec2) &&
-           !differ(one.translation, other.translation);
 }
 
 Math::XForm3Gen<double> placementOf(const ComponentBody& component) {
@@ -83,9 +66,8 @@ bool CTrvAssemblyComponentData::operator==(const CTrvAssemblyComponentData& othe
     std::vector<Pair> pending;
     // Those with children wait for their turn.
     const auto mayBeEqual = [&pending](const ComponentBody& one, const ComponentBody& two) {
-        if (one.components.size() != two.components.size() || !haveSameFields(one, two)) {
-            return false;
-        }
+        if (one.components.size() != two.components.size()) return false;
+        if (trv::differenceOf(one, two).counts()) return false;
         if (!one.components.empty()) pending.push_back({&one, &two});
         return true;
     };

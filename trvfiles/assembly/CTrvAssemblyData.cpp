@@ -1,6 +1,6 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
-#include <trvfiles/assembly/never_destroyed.h>
-#include <trvfiles/assembly/vector3.h>
+#include <trvfiles/assembly/assembly_comparison.h>
+#include <trvfiles/assembly/record_support.h>
 
 #include <utility>
 
@@ -69,14 +69,10 @@ void CTrvAssemblyData::setRootComponent(const CTrvAssemblyComponentData& compone
 }
 
 bool CTrvAssemblyData::operator==(const CTrvAssemblyData& other) const {
-    double squaredDistance = 0;
-    for (int i = 0; i < 3; ++i) {
-        const double difference = Body::of(*this).dimension[i] - Body::of(other).dimension[i];
-        squaredDistance += difference * difference;
-    }
-    // The squared distance itself meets the tolerance, so sizes within 0.001 of each other agree.
-    if (squaredDistance > 1e-6) return false;
-    return Body::of(*this).rootComponent == Body::of(other).rootComponent;
+    const Body& first = Body::of(*this);
+    const Body& second = Body::of(other);
+    return !trv::dimensionsDiffer(first.dimension, second.dimension) &&
+           first.rootComponent == second.rootComponent;
 }
 
 bool CTrvAssemblyData::operator!=(const CTrvAssemblyData& other) const {

@@ -1,6 +1,6 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/component_body.h>
-#include <trvfiles/assembly/never_destroyed.h>
+#include <trvfiles/assembly/record_support.h>
 
 #include <utility>
 
