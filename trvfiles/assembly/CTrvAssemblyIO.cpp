@@ -2,7 +2,6 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_parser.h>
-#include <trvfiles/assembly/document_text.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 

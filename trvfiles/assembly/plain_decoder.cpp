@@ -15,8 +15,8 @@ int lengthFor(uchar firstByte) {
 
 // How many bytes at the end begin a character of UTF-8 that needs more.
 int incompleteTail(const QByteArray& bytes) {
-    constexpr int longestStart = 3;
-    for (int count = 1; count <= std::min(longestStart, bytes.size()); ++count) {
+    constexpr int maxStart = 3;
+    for (int count = 1; count <= std::min(maxStart, bytes.size()); ++count) {
         const auto byte = static_cast<uchar>(bytes.at(bytes.size() - count));
         const bool isContinuation = (byte & 0xC0) == 0x80;
         if (!isContinuation) return lengthFor(byte) > count ? count : 0;

@@ -37,8 +37,8 @@ public:
         qint64 column = 1;
     };
 
-    /// @param deepest  how many elements, or groups in a document type, may be open at once
-    explicit XmlScreen(int deepest) : deepest_(deepest) {}
+    /// @param maxDepth  how many elements, or groups in a document type, may be open at once
+    explicit XmlScreen(int maxDepth) : maxDepth_(maxDepth) {}
 
     /// Takes the next piece of the document and gives back what the parser may see of it, together
     /// with what was held back before. It may be empty. After a refusal it ends at the offending
@@ -85,9 +85,9 @@ private:
     void seeStartTag(ushort character);
     void seeDeclaration(ushort character);
     void seeDocumentType(ushort character);
-    bool seeOpening(ushort character);
+    bool consumeOpening(ushort character);
     void seeUntilClosed(ushort character, ushort closing, int repetitions);
-    bool isQuoted(ushort character);
+    bool consumeQuoted(ushort character);
     void enter(Place place, Place afterwards);
     void open();
     void close();
@@ -97,7 +97,7 @@ private:
     void refuseCharacter(uint code, int index);
     QString release(int length);
 
-    const int deepest_;
+    const int maxDepth_;
     int depth_ = 0;
     Refusal refusal_ = Refusal::none;
     Position refusedAt_;

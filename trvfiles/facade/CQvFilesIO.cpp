@@ -1,6 +1,6 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
-#include <trvfiles/assembly/invalid_data_policy.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
