@@ -6,7 +6,8 @@
 #include <cstddef>
 #include <utility>
 
-// Trees may be deeper than any stack, so every walk over one keeps its own list of what is left.
+// A host may build trees that are deeper than its stack, so no walk recurses: each keeps a list of
+// the components or levels that are left.
 
 namespace {
 
@@ -64,7 +65,7 @@ bool CTrvAssemblyComponentData::operator==(const CTrvAssemblyComponentData& othe
         const ComponentBody* other;
     };
     std::vector<Pair> pending;
-    // Those with children wait for their turn.
+    // Compares all but the children. A pair that has some goes to the list.
     const auto mayBeEqual = [&pending](const ComponentBody& one, const ComponentBody& two) {
         if (one.components.size() != two.components.size()) return false;
         if (trv::differenceOf(one, two).counts()) return false;
@@ -147,7 +148,7 @@ void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentD
     std::vector<ComponentBody> children;
     children.reserve(components.size());
     for (CTrvAssemblyComponentData& component : components) {
-        // Each goes at once, so that a long list does not stand in memory twice.
+        // Frees each component at once: otherwise a long list would be in memory twice.
         const std::unique_ptr<ComponentBody> taken = std::move(component.body_);
         children.push_back(taken == nullptr ? ComponentBody() : std::move(*taken));
     }
@@ -197,7 +198,7 @@ void CTrvAssemblyComponentData::getComponentFileList(Math::XForm3Gen<double> par
             continue;
         }
         const ComponentBody& child = (*level.children)[level.next++];
-        // Entering may grow the list of levels, which would move the placement away.
+        // enter() may grow the list of levels, and `level` would refer to freed memory.
         const Math::XForm3Gen<double> outer = level.world;
         enter(child, outer);
     }

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-// Of an exported class, but not exported itself.
+// A nested class of an exported one would be exported with it.
 struct TRVFILES_NO_EXPORT CTrvAssemblyData::Body {
     static const Body& of(const CTrvAssemblyData& data) {
         static const trv::NeverDestroyed<Body> defaults;
@@ -28,7 +28,7 @@ CTrvAssemblyData::CTrvAssemblyData(const CTrvAssemblyData& other)
 CTrvAssemblyData::CTrvAssemblyData(CTrvAssemblyData&& other) noexcept = default;
 
 CTrvAssemblyData& CTrvAssemblyData::operator=(const CTrvAssemblyData& other) {
-    // The copy alone can fail, and then nothing has changed.
+    // Only the copy can throw, and then nothing has changed.
     if (this != &other) *this = CTrvAssemblyData(other);
     return *this;
 }
@@ -40,7 +40,7 @@ CTrvAssemblyData& CTrvAssemblyData::operator=(CTrvAssemblyData&& other) noexcept
     } else if (other.body_ == nullptr) {
         *body_ = Body();
     } else {
-        // Into the root that is there: the host may hold references to both roots.
+        // Moves into the existing root: the host may hold references to both roots.
         *body_ = std::exchange(*other.body_, Body());
     }
     return *this;

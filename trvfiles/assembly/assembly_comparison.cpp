@@ -31,7 +31,6 @@ ComponentDifference differenceOf(const ComponentFields& one, const ComponentFiel
     return difference;
 }
 
-// The tolerance is for the square: existing hosts compare it so.
 bool dimensionsDiffer(const double one[3], const double other[3]) {
     double squaredDistance = 0;
     for (int i = 0; i < 3; ++i) {

@@ -18,14 +18,14 @@ namespace {
 
 constexpr int formatVersion = 1;
 
-// A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
-// more.
+// A component on level n, the root being on level 1, has 2n open elements, and its "Data" and
+// "File" are two more.
 constexpr std::size_t maxLevel = (maxNesting - 2) / 2;
 constexpr std::size_t maxShallowLevel = (shallowNesting - 2) / 2;
 
 constexpr char noncharacter[] = " has a text with U+FFFE or U+FFFF, which XML does not allow";
 
-// Qt's parser takes U+FFFE and U+FFFF for the end of its input.
+// Qt's parser uses U+FFFE and U+FFFF as marks for the end of its input.
 bool canBeReadBack(const QString& text) {
     return !text.contains(QChar(0xFFFE)) && !text.contains(QChar(0xFFFF));
 }
@@ -122,7 +122,7 @@ private:
                               static_cast<qulonglong>(component.components.size()));
             pending_.push_back({data, &component.components, 0});
         } else {
-            // A geometry file hides the children: they are not written.
+            // The format has either a file or children; the children are not written.
             data.setAttribute(names::number(), 1);
             append(data, names::file()).setAttribute(names::name(), fileName);
         }

@@ -16,8 +16,7 @@ namespace {
 using platform::file_handle;
 using platform::file_mode;
 
-// What the disk does not take is not noticed here, as in CQvFilesIO::copyFile(). It is noticed when
-// the context is written.
+// As in CQvFilesIO::copyFile(), a full disk is not noticed here. Writing the context notices it.
 void copyBytes(std::FILE* from, std::FILE* to) {
     char block[16384];
     std::size_t read = 0;
@@ -40,7 +39,7 @@ ContextCreation::~ContextCreation() {
 
 bool ContextCreation::copyAxis(const QString& axisFile, const QString& referenceFile,
                                existing what) {
-    // The other caller may be using its own copy under this name.
+    // The caller that holds the context may be using its own copy under this name.
     if (failedWith(ETIMEDOUT)) return true;
     if (!isOpenable(referenceFile)) return false;
     std::filesystem::path path = systemPath(referenceFile);

@@ -24,8 +24,8 @@ QString resolved(const std::wstring& directory, const HostPath& name) {
     return trv::resolvedPath(trv::pathFromWide(directory), name);
 }
 
-// Only an assembly is read from a resource. The name of a resource is no path for the system, which
-// would look in the current directory.
+// Only an assembly is read from a resource. The system would take ":/x" for a path in the current
+// directory.
 QString fileOnly(const QString& path) {
     return trv::isResource(path) ? QString() : path;
 }
@@ -58,7 +58,7 @@ EFileIOStatus writeContext(const QString& path, const CMachineContextData& data)
 }
 
 bool copyBytes(const HostPath& source, const HostPath& destination) {
-    // This order is part of the contract: a missing source leaves an empty destination.
+    // The order is part of the interface: a missing source leaves an empty destination.
     const file_handle to = trv::openForWrite(destination.openable(), file_mode::binary);
     const file_handle from = trv::openForRead(source.openable(), file_mode::binary);
     if (to == nullptr || from == nullptr) return false;

@@ -64,7 +64,8 @@ private:
         if (fault_ == nullptr) return;
         if (reading != trv::NumberReading::whole) noteNumber(field, reading);
         if (field.isText() && (data_.*field.text)() != value_) {
-            addNote(Kind::notText, field, " has bytes that are not text: ", "; they are replaced or dropped");
+            addNote(Kind::notText, field,
+                    " has bytes that are not text: ", "; they are replaced or dropped");
         }
     }
 
@@ -81,6 +82,7 @@ private:
 
     void addNote(Kind kind, const ContextField& field, const char* what, const char* consequence) {
         const std::string name = field.name();
+        // headerLine() counts from 0, and line_ counts from the line after the header.
         fault_->notes.push_back({kind, section_->headerLine() + 1 + line_ + 1, 0, name,
                                  name + what + quotedValue(value_) + consequence});
     }

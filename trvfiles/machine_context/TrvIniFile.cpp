@@ -19,8 +19,8 @@ const char* textOf(const char* text) {
     return text == nullptr ? "" : text;
 }
 
-// What is set through this class is written when it is saved, whatever the runtime has just
-// switched to for texts of its own.
+// Turns the record flag on: only texts that are set while it is on are saved, and the runtime turns
+// it off while it sets texts of its own.
 class PersistentRecords {
 public:
     PersistentRecords() : earlier_(trv::set_record_flag(true)) {}
@@ -130,7 +130,7 @@ int TrvIniFile::forEachZoneFile(const char* directory, const char* suffix,
                                 int (*callback)(const char* fileName, void* context),
                                 void* context) {
     if (callback == nullptr) return -1;
-    // The lookup may overwrite the suffix where the caller has it.
+    // The suffix may be the result of an earlier lookup, which the next lookup overwrites.
     const std::string namePattern = std::string("/*") + textOf(suffix);
     if (directory == nullptr) directory = trv::get_variable("TRVZONE");
     const std::string pattern = (directory == nullptr ? "." : directory) + namePattern;
