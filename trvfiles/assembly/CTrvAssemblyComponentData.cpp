@@ -145,6 +145,7 @@ std::vector<CTrvAssemblyComponentData> CTrvAssemblyComponentData::getComponents(
 }
 void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentData> components) {
     ComponentBody& body = own(body_);
+    // Assigned at the end: if memory runs out, the component keeps its children.
     std::vector<ComponentBody> children;
     children.reserve(components.size());
     for (CTrvAssemblyComponentData& component : components) {
@@ -155,6 +156,8 @@ void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentD
     body.components = std::move(children);
 }
 
+// A component with a file is counted once, and what is below it is not. Flattening, below, does go
+// there.
 unsigned long long CTrvAssemblyComponentData::getComponentNumber() const {
     unsigned long long count = 0;
     std::vector<const ComponentBody*> pending{&ComponentBody::of(*this)};

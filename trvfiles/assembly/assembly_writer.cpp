@@ -43,6 +43,7 @@ public:
         : tree_(tree), document_(tree.document), fault_(fault) {}
 
     bool write(const CTrvAssemblyData& data) {
+        // The two blanks at the end are part of the format.
         document_.appendChild(document_.createProcessingInstruction(
             QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"  ")));
         QDomElement root = append(document_, names::root());
@@ -170,6 +171,7 @@ const char* escape(const QString& value, int index) {
             return "&#xa;";
         case '\r':
             return "&#xd;";
+        // XML requires it only in "]]>", and Qt escapes it only there.
         case '>':
             return value.midRef(0, index).endsWith(QLatin1String("]]")) ? "&gt;" : nullptr;
         default:
@@ -199,6 +201,8 @@ void appendValue(std::string& text, const QString& value) {
     }
 }
 
+// Qt stores attributes in a hash whose order differs from process to process. This order is the
+// same for every element, and no element has all of them.
 void appendAttributes(std::string& text, const QDomElement& element) {
     const QString order[] = {names::version(), names::x(),       names::y(),       names::z(),
                              names::name(),    names::comment(), names::enabled(), names::number()};

@@ -13,6 +13,7 @@
 namespace trv {
 namespace {
 
+// The numbers in a file have six decimals.
 constexpr double identityTolerance = 1e-6;
 constexpr double minDeterminant = 1e-10;
 constexpr int numberColumns = 12;
@@ -119,6 +120,7 @@ AxisMatrix affineInverse(const AxisMatrix& x) {
     const double determinant = x[0] * (x[5] * x[10] - x[6] * x[9]) +
                                x[4] * (x[2] * x[9] - x[1] * x[10]) +
                                x[8] * (x[1] * x[6] - x[2] * x[5]);
+    // A NaN passes: the inverse then consists of NaN, as the matrix does.
     if (std::fabs(determinant) < minDeterminant) return inverse;
 
     inverse[0] = (x[5] * x[10] - x[6] * x[9]) / determinant;

@@ -50,6 +50,7 @@ bool ContextCreation::copyAxis(const QString& axisFile, const QString& reference
     reference_ = std::move(path);
     const file_handle from = openForRead(axisFile, file_mode::binary);
     if (from == nullptr) {
+        // The empty file stays, as after CQvFilesIO::copyFile().
         reference_.clear();
         return false;
     }
@@ -58,6 +59,7 @@ bool ContextCreation::copyAxis(const QString& axisFile, const QString& reference
 }
 
 bool ContextCreation::write(const CMachineContextData& record) {
+    // The report below may end the process, so the copy is removed before it.
     const bool canBeSaved = held_ && held_->is_open();
     if (!canBeSaved) removeReference();
     if (failedWith(EEXIST)) return false;

@@ -39,6 +39,7 @@ bool exists(const std::wstring& directory, const HostPath& name) {
     return trv::isReadable(fileOnly(path.openable()));
 }
 
+// The policy is set for each call, because a host may have set another one since the last call.
 EFileIOStatus readAssembly(const QString& path, CTrvAssemblyData& data) {
     trv::setInvalidDataPolicy();
     return CTrvAssemblyIO(path).read(data);
@@ -147,6 +148,7 @@ EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& t
         trv::readAxisFile(resolvedFile(directory_, trv::pathFromWide(fileName)), content);
     if (status != eFileIOSuccess) return status;
 
+    // Nothing of the caller is written before the whole file is read.
     if (matrix != nullptr) std::copy(content.matrix.begin(), content.matrix.end(), matrix);
     int* const tags[] = {&tag1, &tag2, &tag3};
     for (int i = 0; i < content.tagCount; ++i)
@@ -185,6 +187,7 @@ bool CQvFilesIO::isfileExists(const std::wstring& name) const {
 }
 
 bool CQvFilesIO::copyFile(const std::string& source, const std::string& destination) {
+    // Opening the destination would empty the source.
     if (source == destination) return false;
     return copyBytes(trv::pathFromNarrow(source), trv::pathFromNarrow(destination));
 }

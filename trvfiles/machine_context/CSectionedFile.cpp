@@ -16,6 +16,7 @@ namespace settings = trv::settings;
 
 namespace {
 
+// No settings file is this long. A Place counts in 32 bits, which is enough for it.
 constexpr std::size_t maxBytes = std::size_t{256} << 20;
 constexpr std::string_view utf8Signature = "\xEF\xBB\xBF";
 
@@ -54,6 +55,7 @@ int CSectionedFile::parse(std::istream& stream, CFileFault* fault) {
         text += c;
         if (text.size() > maxBytes) return failTooLong(fault);
     }
+    // The last line of a stream that goes bad is not complete. Without a line end nothing is left.
     const bool endsInMidLine = stream.bad();
     if (endsInMidLine) text.resize(text.rfind('\n') + 1);
     return parseText(std::move(text));
@@ -83,6 +85,7 @@ int CSectionedFile::parseFile(const std::wstring& fileName, CFileFault* fault) {
 int CSectionedFile::parseFile(const QString& fileName, CFileFault* fault) {
     clear();
     trv::clear_fault(fault);
+    // The C library would allocate a buffer for each file that it opens.
     char buffer[4096];
     const auto file = trv::openForRead(fileName, trv::platform::file_mode::text, fault);
     if (file == nullptr) return -1;
@@ -99,6 +102,7 @@ void CSectionedFile::clear() {
 int CSectionedFile::parseText(std::string text) {
     content_ = std::make_shared<Content>();
     content_->text = std::move(text);
+    // Growing has reserved up to twice the length, and the text stays as long as the object.
     content_->text.shrink_to_fit();
     std::string_view unread = content_->text;
     hasUtf8Signature_ = unread.substr(0, utf8Signature.size()) == utf8Signature;
@@ -208,6 +212,7 @@ void CSectionedFile::sortSections() {
 
 const CSectionedFile::Section& CSectionedFile::section(const std::string& name,
                                                        bool caseSensitive) const {
+    // The result is a reference, so a section that is missing needs an object, too.
     static const Section none;
     if (sections_.empty()) return none;
     const char* const text = content_->text.data();
@@ -239,6 +244,7 @@ bool CSectionedFile::value(const std::string& sectionName, bool sectionCaseSensi
     return true;
 }
 
+// A key ends before the first "=" of its line, so the first "=" after it is that one.
 std::string_view CSectionedFile::valueOf(const KeyLine& line) const {
     std::string_view rest =
         std::string_view(content_->text).substr(line.key.start + line.key.length);

@@ -34,11 +34,13 @@ private:
 
 }  // namespace
 
+// Not the virtual function: a derived class is destroyed already.
 TrvIniFile::~TrvIniFile() {
     TrvIniFile::close();
 }
 
 int TrvIniFile::load(const char* fileName) {
+    // Loading creates the store if there is none, and keeps the existing one after a failure.
     trv::message_store* loaded = trv::load_message_file(document_, fileName);
     if (loaded == nullptr) return -1;
     document_ = loaded;
@@ -95,6 +97,7 @@ int TrvIniFile::setFloatValue(std::int16_t section, const char* key, float value
 }
 
 std::string TrvIniFile::floatText(float value) {
+    // Part of the format: the text of 1e20 is cut off in its digits.
     constexpr std::size_t maxLength = 19;
     std::string text;
     trv::append_fixed(text, static_cast<double>(value));

@@ -95,6 +95,7 @@ std::string toNarrow(const QString& text) {
                            bytes.constData(), static_cast<std::size_t>(bytes.size()))));
 }
 
+// Unlike fromStdWString(), Qt's conversion in this direction drops nothing.
 std::wstring toWide(const QString& text) {
     return text.toStdWString();
 }
