@@ -13,8 +13,8 @@
 namespace trv::cli {
 namespace {
 
-// Iterative: the trees may be deeper than the stack. The path of the current pair grows and shrinks
-// with the levels, so that a line takes time for its own length.
+// Iterative: the trees may be deeper than the stack. The path of the current pair is one text that
+// grows and shrinks with the levels, so a line takes time for its own length only.
 class Comparison {
 public:
     explicit Comparison(std::ostream& out) : out_(out) {}
@@ -93,7 +93,7 @@ private:
         printChange(QString::fromLatin1(what), vectorText(one), vectorText(other));
     }
 
-    // @param what  empty where the change says it
+    // @param what  empty if the change itself says it
     void printChange(const QString& what, const QString& from, const QString& to) {
         found_ = true;
         const QString before = what.isEmpty() ? QString() : what + QLatin1Char(' ');

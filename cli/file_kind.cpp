@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::size_t beginningLength = 512;
 
-// Before its first "<" an XML file holds nothing but a byte order mark, the zeros of UTF-16 and
-// white space.
+// Before its first "<" an XML file has at most a byte order mark, the zeros of UTF-16 and white
+// space.
 bool looksLikeXml(std::string_view beginning) {
     constexpr std::string_view skipped("\xEF\xBB\xBF\xFE\xFF\0 \t\r\n", 10);
     const std::size_t first = beginning.find_first_not_of(skipped);

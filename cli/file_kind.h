@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Which kind of project file a file is, by what is in it.
+/// The kind of a project file, found by its content.
 
 #include <QString>
 
@@ -11,14 +11,14 @@ namespace trv::cli {
 
 enum class FileKind { unknown, assembly, axis, machineContext };
 
-/// Tells the kind of a file that need not be sound: an XML file counts as an assembly; a file whose
-/// second line holds four numbers, or whose first line is the flag 0 or 1, as an axis file; any
-/// other one in which a section of a machine context begins, as that.
+/// Finds the kind of a file, also of a broken one: an XML file is an assembly; a file whose second
+/// line holds four numbers, or whose first line is the flag 0 or 1, is an axis file; any other one
+/// that has a section of a machine context is a machine context.
 ///
 /// @param file  open for reading, at its beginning; left anywhere
 FileKind kindOf(std::FILE* file);
 
-/// Why a file is of no kind, for a person: it is empty, or something else.
+/// Why the kind of a file is unknown, human-readable: it is empty, or something else.
 ///
 /// @param file  open for reading; left anywhere
 QString whyUnknown(std::FILE* file);
