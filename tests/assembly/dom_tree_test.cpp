@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/support/platform.h>
 
+#include <QDomImplementation>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -46,6 +47,16 @@ TEST(DomTree, FreesAnEmptyDocument) {
     trv::DomTree tree;
     tree.isDeep = true;
     EXPECT_TRUE(tree.document.isNull());
+}
+
+TEST(InvalidDataPolicy, IsSetWhateverItWas) {
+    for (const auto policy :
+         {QDomImplementation::AcceptInvalidChars, QDomImplementation::DropInvalidChars,
+          QDomImplementation::ReturnNullNode}) {
+        QDomImplementation::setInvalidDataPolicy(policy);
+        trv::setInvalidDataPolicy();
+        EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
+    }
 }
 
 }  // namespace

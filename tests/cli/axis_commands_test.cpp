@@ -142,7 +142,7 @@ TEST_F(AxisCommands, InvertRefusesWhatHasNoInverse) {
     EXPECT_EQ(refusal("0\n1 0 0 inf\n0 1 0 2\n0 0 1 3\n0 0 0 1\n"),
               "the matrix holds nan or inf and has no inverse\n");
     EXPECT_EQ(refusal("0\n1 0 0 1\n0 1 0 2\n0 0 1 3\n0 2 0 1\n"),
-              "line 5 does not start with 0 0 0; the matrix is no placement\n");
+              "line 5 does not start with 0 0 0; the matrix is not a placement\n");
 }
 
 TEST_F(AxisCommands, InvertSaysWhichFileIsWrong) {
@@ -215,7 +215,7 @@ TEST_F(AxisCommands, WriteWantsVectorsThatSpanSpace) {
     const Answer answer = write("--vec1 1,0,0 --vec2 2,0,0 --vec3 0,0,1");
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err,
-              "trvfiles axis write: The three vectors do not span space.\n"
+              "trvfiles axis write: The three vectors are not linearly independent.\n"
               "Try 'trvfiles axis write --help'.\n");
     EXPECT_FALSE(exists("w.ref"));
 }

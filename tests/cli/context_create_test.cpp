@@ -73,7 +73,7 @@ TEST_F(ContextCreate, OverwritesNoPairOfFiles) {
     ASSERT_EQ(create("--position 3").status, 0);
     file("[MACHINE_POSITION_3].mctx", "mine");
     expectFailure(create("--position 3"),
-                  "trvfiles: " + text("[MACHINE_POSITION_3].mctx") + ": is there already\n");
+                  "trvfiles: " + text("[MACHINE_POSITION_3].mctx") + ": exists already\n");
     EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), "mine");
     EXPECT_EQ(names().size(), 3U);
 }
@@ -83,14 +83,14 @@ TEST_F(ContextCreate, NotesTheSingleFileThatItReplaces) {
     Answer answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "trvfiles: note: " + text("[MACHINE_POSITION_3].mctx") +
-                              " stood there without its other file and was replaced\n");
+                              " existed without its other file and was replaced\n");
     EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), positionContext);
     std::filesystem::remove(directory_ / "[MACHINE_POSITION_3].mctx");
     answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err,
               "trvfiles: note: " + text("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") +
-                  " stood there without its other file and was replaced\n");
+                  " existed without its other file and was replaced\n");
 }
 
 TEST_F(ContextCreate, MakesAContextForAMachine) {
@@ -143,11 +143,11 @@ TEST_F(ContextCreate, OverwritesNeitherFileOfAMachine) {
     file("transfo.dat", identityAxis);
     file("m[MACHINE].mctx", "mine");
     expectFailure(create("--machine m"),
-                  "trvfiles: " + text("m[MACHINE].mctx") + ": is there already\n");
+                  "trvfiles: " + text("m[MACHINE].mctx") + ": exists already\n");
     file("[stockposition@n[MACHINE]]MACHINE.ref", "mine");
     expectFailure(
         create("--machine n"),
-        "trvfiles: " + text("[stockposition@n[MACHINE]]MACHINE.ref") + ": is there already\n");
+        "trvfiles: " + text("[stockposition@n[MACHINE]]MACHINE.ref") + ": exists already\n");
     EXPECT_EQ(names().size(), 3U);
 }
 
@@ -193,10 +193,9 @@ TEST_F(ContextCreate, WantsBareNames) {
 }
 
 TEST_F(ContextCreate, RefusesNamesThatTheFileCannotHold) {
-    expectRefusal(
-        create("--machine a+b(1)"),
-        "A context cannot hold 'a+b(1)': what stands between a \"+\" and a later \")\" is "
-        "lost.");
+    expectRefusal(create("--machine a+b(1)"),
+                  "A context cannot hold 'a+b(1)': what is between a \"+\" and a later \")\" is "
+                  "lost.");
 }
 
 TEST_F(ContextCreate, SaysWhyTheDirectoryIsNone) {
@@ -276,7 +275,7 @@ TEST_F(ContextCreate, SaysWhichLinkLeadsNowhere) {
         std::filesystem::create_symlink("nowhere", directory_ / name, error);
         if (error) GTEST_SKIP() << "links cannot be made here";
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text(name) + ": is a link that leads nowhere\n");
+                      "trvfiles: " + text(name) + ": is a link whose target does not exist\n");
         EXPECT_THAT(names(), ElementsAre(name, "transfo.dat"));
         std::filesystem::remove(directory_ / name);
     }
@@ -316,7 +315,7 @@ TEST_F(ContextCreate, SaysThatAnotherProcessWasFirst) {
         while (!std::filesystem::exists(ready))
             std::this_thread::yield();
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": is there already\n");
+                      "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": exists already\n");
     }));
     EXPECT_EQ(bytes("[MACHINE_POSITION_1].mctx"), "first");
 }

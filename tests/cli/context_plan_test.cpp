@@ -51,7 +51,7 @@ TEST(ContextPlan, SaysWhichNameARecordCannotHold) {
     EXPECT_EQ(whyPlanFails(plan("m ", "", "x")).toStdString(),
               "A context cannot hold 'm ': blanks at its ends are lost.");
     EXPECT_EQ(whyPlanFails(plan("a+", "b)")).toStdString(),
-              "A context cannot hold '[stockposition@a+[b)]]b).ref': what stands between a \"+\" "
+              "A context cannot hold '[stockposition@a+[b)]]b).ref': what is between a \"+\" "
               "and a later \")\" is lost.");
     EXPECT_EQ(whyPlanFails(plan("m", "", " x")).toStdString(),
               "A context cannot hold ' x': blanks at its ends are lost.");

@@ -60,11 +60,11 @@ TEST_F(ContextRewrite, TakesVersionTwoForNothingElse) {
 
 TEST_F(ContextRewrite, NamesATextThatWouldChange) {
     EXPECT_EQ(changedValue("[header]\nname=A+B(1)\n"),
-              "header.name 'A+B(1)': what stands between a \"+\" and a later \")\" is lost");
+              "header.name 'A+B(1)': what is between a \"+\" and a later \")\" is lost");
     EXPECT_EQ(changedValue("[header]\nname=a\rb\n"),
               "header.name 'a\rb': a line end becomes a blank");
     EXPECT_EQ(changedValue("[header]\nname=a\0b\n"sv),
-              "header.name 'a': it holds bytes that are no text");
+              "header.name 'a': it holds bytes that are not text");
 }
 
 TEST_F(ContextRewrite, NamesBytesThatAreNoText) {
@@ -73,17 +73,17 @@ TEST_F(ContextRewrite, NamesBytesThatAreNoText) {
     EXPECT_EQ(changedValue("[clamping_system]\nname=Gr\xF6\xDF"
                            "e\n"),
               "clamping_system.name 'Gr\xEF\xBF\xBD\xEF\xBF\xBD"
-              "e': it holds bytes that are no text");
+              "e': it holds bytes that are not text");
 }
 
 TEST_F(ContextRewrite, NamesNumbersThatWouldChange) {
     EXPECT_EQ(changedValue("[machine]\nproximity=abc\n"),
-              "machine.proximity 'abc': it is no number");
-    EXPECT_EQ(changedValue("[machine]\nproximity=\n"), "machine.proximity '': it is no number");
+              "machine.proximity 'abc': it is not a number");
+    EXPECT_EQ(changedValue("[machine]\nproximity=\n"), "machine.proximity '': it is not a number");
     EXPECT_EQ(changedValue("[machine]\nproximity=1.5 mm\n"),
-              "machine.proximity '1.5 mm': it is no number");
+              "machine.proximity '1.5 mm': it is not a number");
     EXPECT_EQ(changedValue("[machine]\nproximity=1e20\n"),
-              "machine.proximity '1e20': a file keeps no number as large");
+              "machine.proximity '1e20': the number is too large for a file");
     EXPECT_EQ(changedValue("[postpro]\norigin_program=1 2\n"),
               "postpro.origin_program '1 2': it is not three numbers");
     EXPECT_EQ(changedValue("[postpro]\norigin_program=1 2 3 4\n"),
@@ -96,7 +96,7 @@ TEST_F(ContextRewrite, NamesNumbersThatWouldChange) {
 TEST_F(ContextRewrite, LooksAtNoFieldThatIsSet) {
     const char* const content = "[header]\nname=A+B(1)\n[machine]\nproximity=abc\n";
     EXPECT_EQ(changedValue(content, {QStringLiteral("header.name")}),
-              "machine.proximity 'abc': it is no number");
+              "machine.proximity 'abc': it is not a number");
     EXPECT_EQ(
         changedValue(content, {QStringLiteral("machine.proximity"), QStringLiteral("header.name")}),
         "");

@@ -91,7 +91,7 @@ TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
     expectRefusal("machine.speed=1", "There is no field 'machine.speed'.");
     expectRefusal("Machine.name=1", "There is no field 'Machine.name'.");
     expectRefusal("=1", "There is no field ''.");
-    expectRefusal("header.version=3", "header.version is what the writer makes it.");
+    expectRefusal("header.version=3", "header.version is set by the writer.");
     const Answer answer = set({QStringLiteral("machine.name=a"), QStringLiteral("machine.name=b")});
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err,
@@ -102,14 +102,14 @@ TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
 
 TEST_F(ContextSet, RefusesWhatTheFileCannotHold) {
     expectRefusal("machine.name=A+B(1)",
-                  "machine.name cannot hold 'A+B(1)': what stands between a \"+\" and a later "
+                  "machine.name cannot hold 'A+B(1)': what is between a \"+\" and a later "
                   "\")\" is lost.");
     expectRefusal("header.comment=r\norigin_program=9 9 9",
                   "header.comment cannot hold 'r\\x0aorigin_program=9 9 9': a line end becomes a "
                   "blank.");
     expectRefusal("header.name= x", "header.name cannot hold ' x': blanks at its ends are lost.");
     expectRefusal("machine.proximity=1e20",
-                  "machine.proximity cannot hold '1e20': a file keeps no number as large.");
+                  "machine.proximity cannot hold '1e20': the number is too large for a file.");
     expectRefusal("machine.proximity=ten",
                   "machine.proximity takes a number, such as 2.5, not 'ten'.");
     expectRefusal("postpro.origin_program=1 2",
@@ -180,7 +180,7 @@ TEST_F(ContextSet, ChangesNoOtherValueUnasked) {
         const Answer answer = set(QStringList(QStringLiteral("machine.name=M")), options);
         EXPECT_EQ(answer.status, 2);
         EXPECT_EQ(answer.err, "trvfiles: " + text("a.mctx") +
-                                  ": header.comment 'A+B(1)' would change: what stands between a "
+                                  ": header.comment 'A+B(1)' would change: what is between a "
                                   "\"+\" and a later \")\" is lost; set it too\n");
         EXPECT_EQ(bytes("a.mctx"), content);
     }

@@ -32,9 +32,9 @@ TEST(ContextValues, SaysWhyATextChanges) {
     for (const char* text : {" x", "x ", "\tx", "x\t", "x\f", "\vx", " "})
         EXPECT_EQ(reason(text), "blanks at its ends are lost");
     for (const char* text : {"A+B(1)", "A+)", "A+++B(1)", "++ +)", "+(0000012C)"})
-        EXPECT_EQ(reason(text), "what stands between a \"+\" and a later \")\" is lost");
+        EXPECT_EQ(reason(text), "what is between a \"+\" and a later \")\" is lost");
     EXPECT_EQ(reason("a\x1A"), "code 26 ends the file on Windows");
-    EXPECT_EQ(reason("a\xEF\xBF\xBD"), "it holds bytes that are no text");
+    EXPECT_EQ(reason("a\xEF\xBF\xBD"), "it holds bytes that are not text");
     EXPECT_EQ(whyTextChanges(QString(QLatin1Char('a')) + QChar(0)).toStdString(),
               "what follows a zero is lost");
     EXPECT_EQ(whyTextChanges(QString(QChar(0xD800))).toStdString(),

@@ -2,7 +2,6 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_parser.h>
-#include <trvfiles/assembly/document_text.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 
@@ -28,6 +27,8 @@ EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, CFileFault* fault) {
 EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data, CFileFault* fault) {
     trv::clear_fault(fault);
     if (!trv::writeDocument(data, tree_, fault)) return eFileIOContentError;
+    // Before the file is opened, which truncates it: a record that is refused, or memory that runs
+    // out, leaves the old file.
     const std::string text = trv::documentText(tree_.document);
 
     trv::platform::file_handle handle;

@@ -98,6 +98,7 @@ bool Reader::readOrientation(const QDomElement& orientation, CTrvAssemblyCompone
     return true;
 }
 
+// Only "1" is enabled. The attribute may be missing, which is the same as "1".
 bool Reader::readEnabled(const QDomElement& element) {
     const QString text = element.attribute(names::enabled(), QStringLiteral("1"));
     const bool isEnabled = text == QLatin1String("1");
@@ -129,6 +130,7 @@ bool Reader::readComponent(const QDomElement& element, CTrvAssemblyComponentData
 
     const QDomElement data = element.firstChildElement(names::data());
     const QDomElement file = data.firstChildElement(names::file());
+    // A "File" hides the children, also if it has no name.
     if (file.isNull()) {
         firstChild = data.firstChildElement(names::component());
     } else if (file.hasAttribute(names::name())) {
@@ -215,6 +217,7 @@ EFileIOStatus Reader::read(const QDomElement& root, int& version, CTrvAssemblyDa
     if (element.isNull()) {
         return fail(eFileIOContentError, missing(names::component(), root), root);
     }
+    // Read into a component of its own: after a failure the record keeps its root.
     CTrvAssemblyComponentData component;
     if (!readTree(element, component)) {
         return fail(eFileIOStructureError,

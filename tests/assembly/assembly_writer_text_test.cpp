@@ -1,7 +1,6 @@
 #include <tests/assembly/random_assemblies.h>
 #include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/assembly_writer.h>
-#include <trvfiles/assembly/document_text.h>
 #include <trvfiles/support/platform.h>
 
 #include <QDomImplementation>
