@@ -46,7 +46,7 @@ protected:
     ScopedVariable verbose_{"TRV_TRVFILES_VERBOSE", nullptr};
 };
 
-// Where a child process sends its standard output. The child finds the name in the environment.
+// The file for the standard output of a child process. The child gets its name in the environment.
 class ChildOutput {
 public:
     ChildOutput() {
@@ -284,7 +284,7 @@ TEST_F(Diagnostics, AHandlerMayReportAndReplaceItself) {
     EXPECT_EQ(log.traces(), std::vector<std::string>{"first"});
 }
 
-// As a lookup does with its last result.
+// A lookup overwrites its last result in the same way.
 TEST_F(Diagnostics, AHandlerMayOverwriteTheTextThatWasReported) {
     static char text[8];
     static std::vector<std::string> seen;

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// Under a sanitizer, too, a request that is too large is to fail and not to end the process.
+// With a sanitizer too, a request that is too large must fail and not end the process.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __tsan_default_options();
 
@@ -29,7 +29,7 @@ using testing::ChannelLog;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// More than a process's addresses, but no overflow.
+// More than the address space of a process, but without an overflow.
 constexpr std::size_t tooLarge = std::size_t{1} << 58U;
 
 struct Header {
@@ -54,7 +54,7 @@ std::string report() {
     return text;
 }
 
-// Each test begins and ends with nothing in use.
+// No block is in use before and after each test.
 class DynamicStorage : public testing::ChildProcessTest {
 protected:
     void SetUp() override { ASSERT_EQ(report(), "data base memory : 0/0"); }

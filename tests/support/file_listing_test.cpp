@@ -24,7 +24,7 @@ std::string storage() {
     return text;
 }
 
-// The entries, after checking that the listing is freed without a rest.
+// Returns the entries, and checks that the listing is freed completely.
 Names listed(const std::string& pattern) {
     const std::string before = storage();
     file_listing* const listing = list_matching(pattern.c_str());

@@ -20,7 +20,7 @@ using testing::TemporaryDirectory;
 
 class FileSystem : public ::testing::Test {
 protected:
-    // A path in the test's directory, with the separators as they are given.
+    // A path in the test's directory, with unchanged separators.
     std::string path(const std::string& name) const { return directory_.text() + name; }
 
     void makeFile(const std::string& name) const { testing::writeBytes(directory_ / name, "x"); }

@@ -91,7 +91,7 @@ TEST_F(InstallRoot, OutlivesTheVariableThatItCameFrom) {
     EXPECT_STREQ(root, "/first");
 }
 
-// Runs in a copy of this program that lies where an installation has its programs.
+// Runs in a copy of this program in the directory in which an installation has its programs.
 TEST_F(InstallRoot, DISABLED_OfAnInstalledProgramIsPublished) {
     const char* const expected = platform::get_environment("TRVFILES_TEST_ROOT");
     ASSERT_NE(expected, nullptr);
@@ -107,7 +107,7 @@ TEST_F(InstallRoot, IsFoundFromTheProgramFile) {
     std::filesystem::create_directories(programs);
     const std::filesystem::path program = programs / "tests.exe";
     std::filesystem::copy_file(platform::program_file(), program);
-    // Windows looks for a program's libraries beside it.
+    // Windows searches the libraries of a program in the program's directory.
     for (const auto& entry : std::filesystem::directory_iterator(
              std::filesystem::path(platform::program_file()).parent_path())) {
         if (entry.path().extension() != ".dll") continue;

@@ -41,7 +41,7 @@ std::string decimal(int value) {
     return text;
 }
 
-/// What a scan found, and what it left of the text.
+/// The result of a scan, and the rest of the text.
 template <class Number>
 struct Scan {
     bool found;
@@ -121,7 +121,8 @@ TEST(NumberText, RoundsToTheSixthDecimal) {
     EXPECT_EQ(fixed(0.0000006), "0.000001");
     EXPECT_EQ(fixed(0.9999996), "1.000000");
     EXPECT_EQ(fixed(99999.9999996), "100000.000000");
-    // Both are exact in binary and lie half way: the even sixth decimal wins.
+    // Both numbers are exact in binary and half way between two decimals, so the even sixth decimal
+    // is used.
     EXPECT_EQ(fixed(0.0000152587890625), "0.000015");
     EXPECT_EQ(fixed(1.0 / 128), "0.007812");
     EXPECT_EQ(fixed(3.0 / 128), "0.023438");
@@ -331,7 +332,7 @@ TEST(NumberText, ReadsNumbersAsStrtodDoes) {
         std::string text;
         for (int left = length(random); left > 0; --left)
             text += letters[letter(random)];
-        // On Windows strtod takes any characters between the brackets of a NaN.
+        // On Windows strtod accepts any characters between the brackets of a NaN.
         if (trv::platform::backslash_separates() && text.find('(') != std::string::npos) continue;
         char* end = nullptr;
         const double expected = std::strtod(text.c_str(), &end);

@@ -1,4 +1,4 @@
-// What only Windows does to files that several processes write.
+// Behaviour of files that several processes write, on Windows only.
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/held_file_windows.h>
@@ -140,7 +140,7 @@ TEST_F(SharingOnWindows, GivesTheAttributesOfTheFile) {
     EXPECT_NE(::GetFileAttributesW((directory_ / "old").c_str()) & FILE_ATTRIBUTE_HIDDEN, 0U);
 }
 
-/// How many entries the access control list of a file has, and whether it is protected.
+/// The number of entries in the access control list of a file, and whether it is protected.
 std::pair<int, bool> accessListOf(const fs::path& path) {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;

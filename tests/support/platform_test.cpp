@@ -33,7 +33,7 @@ std::string contentOf(std::FILE* file) {
     return content;
 }
 
-/// Recurses over more stack than a thread has by default on any system.
+/// Recurses so deeply that no thread's default stack on any system is large enough.
 std::size_t recurse(std::size_t levels) {
     volatile char frame[1024] = {};
     frame[levels % sizeof frame] = 1;

@@ -1,4 +1,4 @@
-// What only Windows does to files, names and the environment.
+// Behaviour of files, names and the environment on Windows only.
 
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>

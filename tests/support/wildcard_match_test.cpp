@@ -76,7 +76,7 @@ TEST(WildcardMatch, ManyStarsCostNoExponentialTime) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
-// The rule as it is defined, whatever time it takes.
+// The definition of the rule, without regard to time.
 bool matchesByRule(const char* pattern, const char* name) {
     if (*pattern == '\0') return *name == '\0';
     if (*pattern == '*') {
