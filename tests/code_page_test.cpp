@@ -38,10 +38,10 @@ struct Sample {
     std::wstring wide;
     std::string narrow;
     std::string utf8;
-    /// What the code page cannot hold, and what it makes of it.
+    /// A text that the code page cannot hold, and its replacement.
     std::wstring foreign;
     std::string replaced;
-    /// What no narrow path names, and the name that is nearest to it.
+    /// A name that no narrow path has, and the name that is nearest to it.
     std::wstring unnamed;
     std::wstring nearest;
 };
@@ -181,7 +181,7 @@ TEST_F(CodePage, MayLackTheNameOfAMachineContextWhichIsReadButNotSaved) {
                                  ".messages.tmp'";
 
     CMachineContextData read;
-    // Half a character, which UTF-8 lacks, may be no name to the file system behind Wine either.
+    // UTF-8 lacks half a surrogate pair. The file system under Wine may reject it as a name, too.
     if (!error) {
         EXPECT_EQ(files_.readMachineContext(sample().unnamed, read), eFileIOSuccess);
         EXPECT_EQ(read.getName(), "n");

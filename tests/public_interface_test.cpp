@@ -1,4 +1,5 @@
-// What a host sees: the public headers alone, without Qt, and the library with what it exports.
+// The interface of a host: only the public headers, without Qt, and the exported symbols of the
+// library.
 
 #include <tests/common/child_process.h>
 #include <tests/common/temporary_directory.h>

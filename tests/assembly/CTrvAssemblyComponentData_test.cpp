@@ -318,7 +318,7 @@ TEST(AssemblyComponent, ComparesItsPlacementEntryByEntry) {
             expectUnequal(turned(-more), turned(0));
         }
     }
-    // The tolerance holds for each entry alone.
+    // The tolerance applies to each entry separately.
     expectEqual(moved(0, 0, 0), moved(1e-6, 1e-6, 1e-6));
 }
 
@@ -349,7 +349,7 @@ TEST(AssemblyComponent, ComparesItsChildrenInOrder) {
     expectUnequal(group({Component()}), Component());
     expectUnequal(over(over(named("a"))), over(over(named("b"))));
     expectEqual(over(over(moved(0, 0, 0))), over(over(moved(1e-7, 0, 0))));
-    // The same names at other levels.
+    // The same names on other levels.
     expectUnequal(group({over(named("a")), Component()}), group({Component(), over(named("a"))}));
 }
 

@@ -66,7 +66,7 @@ bool sameBits(const double* one, const double* other) {
     return true;
 }
 
-// A text as it comes back: bytes that are no text do not survive.
+// The text that comes back. Bytes that are not text are replaced.
 std::string readable(const std::string& text) {
     return trv::toNarrow(trv::fromNarrow(text));
 }
@@ -137,7 +137,7 @@ TEST_F(AssemblyFile, HasTheSameBytesEveryTime) {
     EXPECT_EQ(bytes.back(), '\n');
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(writtenBytes(vise()), bytes);
-    // And written back after a read.
+    // The assembly that was read is written again.
     ASSERT_EQ(readBytes(bytes), eFileIOSuccess);
     EXPECT_EQ(writtenBytes(data), bytes);
 }

@@ -119,7 +119,7 @@ TEST_F(AssemblyReader, NeedsARootComponent) {
                    "</ComponentInfo>"),
               eFileIOContentError);
     EXPECT_EQ(report.fault.reason, QStringLiteral("<ComponentInfo> has no <Component>"));
-    // The dimension is taken before the root component is looked for.
+    // The reader sets the dimension before it searches the root component.
     EXPECT_THAT(dimension(), ElementsAre(7, 0, 0));
 }
 

@@ -135,7 +135,7 @@ TEST_F(AssemblyWriter, WritesAsDeepAsCanBeReadBack) {
 }
 
 TEST_F(AssemblyWriter, TellsADeepDocumentFromAShallowOne) {
-    // 99 components are 2 + 2 * 99 elements at the end of the chain.
+    // With 99 components the end of the chain has 2 + 2 * 99 open elements.
     ASSERT_TRUE(write(chain(99)));
     EXPECT_FALSE(tree->isDeep);
     ASSERT_TRUE(write(chain(100)));

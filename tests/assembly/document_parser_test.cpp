@@ -41,7 +41,7 @@ protected:
     trv::ParseFault fault;
 };
 
-// Says that it can go back, and cannot.
+// Claims to be random-access, but cannot seek.
 class OneWayBuffer : public QBuffer {
 public:
     using QBuffer::QBuffer;
@@ -61,7 +61,7 @@ int depthOf(const QDomDocument& document) {
     return depth;
 }
 
-// A device that gives its bytes once, in pieces of its own choice.
+// A sequential device that returns its bytes in pieces of any size.
 class Pipe : public QIODevice {
 public:
     explicit Pipe(QByteArray bytes) : bytes_(std::move(bytes)) {}
@@ -303,14 +303,15 @@ TEST_F(DocumentParser, CountsElementsInEveryEncoding) {
     for (const char* name : {"UTF-16", "UTF-16LE", "UTF-16BE", "UTF-32"}) {
         EXPECT_FALSE(parse(QTextCodec::codecForName(name)->fromUnicode(deep))) << name;
     }
-    // "+ADw-" is "<" in UTF-7, a spelling that no look at the bytes would recognise.
+    // "+ADw-" is "<" in UTF-7. A check of the bytes would not recognise it.
     const QByteArray disguised =
         "<?xml version='1.0' encoding='UTF-7'?>" + QByteArray("+ADw-a>").repeated(100000);
     EXPECT_FALSE(parse(disguised));
 }
 
 TEST_F(DocumentParser, ReadsAcrossItsBlocks) {
-    // References and characters of up to four bytes lie on every possible place of a block's end.
+    // The end of a block is at every possible position of references and of characters of up to
+    // four bytes.
     for (int shift = 65536 - 64; shift < 65536; ++shift) {
         const QByteArray start = "<a b='1'>";
         const QByteArray bytes = start + QByteArray(shift - start.size(), ' ') +

@@ -122,7 +122,8 @@ TEST(DocumentText, IsWhatTheDomWouldWriteButForTheOrderOfAttributes) {
     for (int i = 0; i < 200; ++i) {
         const auto tree = treeOf(assemblies.next());
         const QString ours = QString::fromStdString(trv::documentText(tree->document));
-        // By way of UTF-8 on both sides, where a half character becomes a question mark.
+        // Both sides are converted through UTF-8, in which half a surrogate pair becomes a question
+        // mark.
         const QString theirs = QString::fromUtf8(tree->document.toString(3).toUtf8());
         ASSERT_EQ(withSortedAttributes(ours), withSortedAttributes(theirs));
     }

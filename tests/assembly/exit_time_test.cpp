@@ -1,4 +1,4 @@
-// Assemblies during exit: reading outlives what Qt destroys then.
+// Assemblies during exit: they can be read after Qt has destroyed its static objects.
 
 #include <tests/assembly/sample_components.h>
 #include <tests/common/file_bytes.h>
@@ -19,7 +19,7 @@ using namespace trv::testing;
 
 class AssemblyAtExit : public ::testing::Test {
 protected:
-    // What the host prints about a file of these bytes.
+    // The output of the host for a file of these bytes.
     std::string outputFor(const std::string& bytes) {
         writeBytes(directory / u8"Fr\u00e4se.xml", bytes);
         QProcess host;
@@ -42,7 +42,7 @@ protected:
     TemporaryDirectory directory;
 };
 
-// Narrow text that is not UTF-8 takes a codec of Qt's for what is not ASCII.
+// Narrow text that is not UTF-8 needs a codec of Qt for characters that are not ASCII.
 const std::string name =
     trv::platform::narrow_text_is_utf8() ? "Fr\u00e4se \u20ac \U0001F600" : "Fraese";
 const std::string document = "<ComponentInfo version='1'><Attributs/><Component name='" + name +

@@ -63,7 +63,7 @@ constexpr Surroundings outsideTags[] = {{"<a>", "</a>"},
                                         {"<a/>", ""},
                                         {"<a/><!--", "-->"}};
 
-// What the parser gets of a document that is refused for a character.
+// The part that the parser gets of a document that is rejected for a character.
 struct Refused {
     uint code = 0;
     qint64 line = 0;
@@ -260,7 +260,8 @@ TEST(XmlScreen, LeavesOtherReferencesAsTheyAre) {
 }
 
 TEST(XmlScreen, MakesNamesOfUndeclaredEntitiesPlain) {
-    // A letter becomes a letter, a digit or a mark a digit; what is part of no name stays.
+    // A letter becomes a letter. A digit or a mark becomes a digit. Other characters, which no name
+    // contains, do not change.
     EXPECT_EQ(screened("<a>&é;&xé٣\u0301;&\uff76;&\u2160;&x€;</a>"),
               QString::fromUtf8("<a>&x;&xx00;&x;&x;&x€;</a>"));
 }

@@ -46,10 +46,10 @@ TEST(AffineInverse, MovesBackBeforeItTurnsBack) {
 }
 
 TEST(AffineInverse, InvertsABlockWithoutZeros) {
-    // Determinant -1; all cofactors are whole.
+    // The determinant is -1; all cofactors are whole numbers.
     EXPECT_EQ(affineInverse({1, 2, 3, 0, 2, 4, 5, 0, 3, 5, 6, 0, 1, 1, 1, 1}),
               (Matrix{1, -3, 2, 0, -3, 3, -1, 0, 2, -1, 0, 0, 0, 1, -1, 1}));
-    // Not symmetric: determinant 1.
+    // Not symmetric, with determinant 1.
     EXPECT_EQ(affineInverse({1, 2, 3, 0, 0, 1, 4, 0, 5, 6, 0, 0, 0, 0, 0, 1}),
               (Matrix{-24, 18, 5, 0, 20, -15, -4, 0, -5, 4, 1, 0, 0, 0, 0, 1}));
 }

@@ -36,7 +36,7 @@ Matrix translation(double x, double y, double z) {
     return {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1};
 }
 
-/// What lines 2 to 5, and so 6 to 9, of the identity hold.
+/// Lines 2 to 5 of the identity, which are also lines 6 to 9.
 const std::string identityLines =
     "      1.000000      0.000000      0.000000      0.000000\n"
     "      0.000000      1.000000      0.000000      0.000000\n"
@@ -45,7 +45,7 @@ const std::string identityLines =
 
 class AxisFile : public ::testing::Test {
 protected:
-    /// The bytes that writing gives, each CR removed.
+    /// The bytes that are written, without CRs.
     std::string written(const Matrix& matrix, int tag1 = -1, int tag2 = -1, int tag3 = -1) {
         EXPECT_EQ(files_.writeAxis(L"written", matrix.data(), tag1, tag2, tag3), eFileIOSuccess);
         return textOf(directory_ / "written");
@@ -83,7 +83,7 @@ protected:
         return reading.tags;
     }
 
-    /// Reads a file with this as its second line and the identity's lines after it.
+    /// Reads a file with this second line, followed by the lines of the identity.
     Reading readWithFirstRow(const std::string& row) {
         return read("0\n" + row + identityLines.substr(identityLines.find('\n')));
     }
@@ -123,7 +123,7 @@ TEST_F(AxisFile, HoldsATranslationInTheFourthColumn) {
 }
 
 TEST_F(AxisFile, HoldsTheMatrixTransposedAndItsInverse) {
-    // The block has the determinant 2; its inverse was worked out by hand.
+    // The determinant of the block is 2. Its inverse was computed by hand.
     EXPECT_EQ(written({1, 2, 0, 0.25, 0, 1, 0, 0.5, 0, 3, 2, 0.75, 4, 5, 6, 8}),
               "      1\n"
               "      1.000000      0.000000      0.000000      4.000000\n"
@@ -262,7 +262,7 @@ TEST_F(AxisFile, ReadsAWrittenPlacementBack) {
     for (std::size_t element = 0; element < 16; ++element)
         EXPECT_NEAR(reading.matrix[element], placement[element], 1e-6) << element;
     EXPECT_EQ(reading.tags, (Tags{31, 0, INT_MAX}));
-    // A turn of x into y, y into z and z into x is exact.
+    // The rotation of x to y, y to z and z to x is exact.
     const Matrix turn = {0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 1, 2, 3, 1};
     EXPECT_EQ(read(written(turn)).matrix, turn);
     EXPECT_EQ(read(written(identity)).matrix, identity);
@@ -328,7 +328,7 @@ TEST_F(AxisFile, NeedsNoMoreThanFiveLines) {
 TEST_F(AxisFile, ReadsEveryTruncationOfAFileAsFarAsItGoes) {
     const Matrix placement = {0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, -10, 20, 30.5, 1};
     const std::string whole = written(placement, 31, 5, 72);
-    // The fifth line is complete with the first digit of its fourth number.
+    // The fifth line is complete after the first digit of its fourth number.
     const std::size_t complete = 8 + 3 * 57 + 49;
     const std::size_t tagLine = 8 + 8 * 57;
     for (std::size_t length = 0; length <= whole.size(); ++length) {

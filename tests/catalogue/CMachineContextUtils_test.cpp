@@ -45,7 +45,7 @@ Choice choiceOf(const std::vector<std::wstring>& files) {
     return choice;
 }
 
-/// What the catalogue makes of the name "[MACHINE_POSITION_" and these characters.
+/// The result of the catalogue for the name "[MACHINE_POSITION_" followed by these characters.
 Choice choiceOfNumber(const std::wstring& rest) {
     return choiceOf({L"[MACHINE_POSITION_" + rest});
 }

@@ -27,7 +27,7 @@ protected:
         return trv::listContextDirectories(QDir(QString::fromStdString(start())));
     }
 
-    /// The paths by which directories are listed, without that of the start.
+    /// The paths under which directories are listed, without that of the start.
     std::vector<std::string> paths() const {
         std::vector<std::string> paths;
         for (const ContextDirectory& directory : listed())
@@ -89,7 +89,8 @@ TEST_F(ContextGraph, HoldsEachDirectoryOnce) {
     EXPECT_THAT(paths(), UnorderedElementsAre("", "/d0", "/d1", "/d2", "/d3", "/d4"));
 }
 
-// The links come first by name, and lead deeper than their targets are.
+// The links are first in the order of names, and their paths are longer than those of their
+// targets.
 TEST_F(ContextGraph, ListsADirectoryByThePathOfFewestLinks) {
     if (!linksCanBeMade()) GTEST_SKIP() << "links cannot be made here";
     makeDirectory("z/z/z");

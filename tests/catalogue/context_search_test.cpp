@@ -19,7 +19,7 @@ using ::testing::IsEmpty;
 
 namespace {
 
-/// The paths that the catalogue gives.
+/// The paths that the catalogue returns.
 std::vector<std::string> listed(const fs::path& directory) {
     std::vector<std::string> paths;
     for (const std::wstring& path :
@@ -40,7 +40,7 @@ protected:
         writeBytes(directory_ / name, "x");
     }
 
-    /// The contexts below the directory; their paths without it.
+    /// The contexts below the directory, with paths relative to it.
     std::vector<std::string> found() const {
         std::vector<std::string> names;
         const std::string start = directory_.path().generic_u8string() + "/";
@@ -55,7 +55,7 @@ protected:
 }  // namespace
 
 TEST_F(ContextSearch, FindsWhatThePlainWalkFinds) {
-    // Tens of thousands of files are made: in memory, where there is a place for it.
+    // Tens of thousands of files are created, in memory if the system has a directory for that.
     const char* memory = fs::is_directory("/dev/shm") ? "/dev/shm" : std::getenv("TMPDIR");
     const ScopedVariable temporary("TMPDIR", memory);
     int contexts = 0;
@@ -65,11 +65,11 @@ TEST_F(ContextSearch, FindsWhatThePlainWalkFinds) {
         contexts += static_cast<int>(expected.size());
         ASSERT_EQ(listed(graph.start()), expected) << "seed " << seed;
     }
-    // Without results the comparison would say nothing.
+    // Without results the comparison would be meaningless.
     EXPECT_GT(contexts, 3000);
 }
 
-// By the plain walk there are more than 20! ways.
+// The plain walk would take more than 20! paths.
 TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersWithoutAContext) {
     linkEachToAll(directory_.path(), 20);
     EXPECT_THAT(found(), IsEmpty());

@@ -42,7 +42,7 @@ protected:
     }
     bool create() { return create(directory_.wide()); }
 
-    /// Creates nothing, touches no result and leaves this behind.
+    /// Creates nothing, changes no result and leaves these files.
     void expectFailure(const std::wstring& directory, const Contents& left) {
         EXPECT_FALSE(create(directory));
         EXPECT_EQ(contextFile_, L"old context");
@@ -279,7 +279,7 @@ TEST_F(DefaultContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNo
     const auto call = [&] {
         CMachineContextUtils::sCreateDefaultMachineContext(directory, 1, nullptr, nullptr);
     };
-    // Not every system gives the child the directory of its parent.
+    // Not every system starts the child in the directory of its parent.
     EXPECT_EXIT(runAndLeave(call), endedByDefaultFatalHandler,
                 ::testing::AllOf(::testing::StartsWith("Store messages : error opening file '"),
                                  ::testing::EndsWith("/" + temporary1 + "'\n")));
@@ -312,7 +312,7 @@ TEST_F(DefaultContextCreation, WorksAgainAfterAHandlerThatThrows) {
     EXPECT_EQ(contents(), complete_);
 }
 
-// A link that leads nowhere would have the file created wherever it leads to.
+// A link to a missing file would create the file at the target of the link.
 TEST_F(DefaultContextCreation, CreatesNoFileThroughALink) {
     makeDirectory("elsewhere");
     for (const std::string& name : {"transfo.dat"s, reference1, context1}) {
@@ -408,7 +408,7 @@ TEST_F(DefaultContextCreation, FailsOnAFullDisk) {
 TEST_F(DefaultContextCreation, FailsWithoutADescriptorLeft) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(passesInChild([&] {
-        // A sanitizer opens pipes when it meets a class for the first time.
+        // A sanitizer opens pipes at the first use of a class.
         EXPECT_FALSE(create(directory_.wide() + L"/missing"));
         ASSERT_TRUE(exhaustDescriptors());
         EXPECT_FALSE(create());

@@ -29,7 +29,7 @@ bool onWindows() {
     return trv::platform::backslash_separates();
 }
 
-/// The paths that the catalogue gives, in UTF-8.
+/// The paths that the catalogue returns, in UTF-8.
 std::vector<std::string> listed(const std::wstring& directory) {
     std::vector<std::string> paths;
     for (const std::wstring& path : CMachineContextUtils::sGetFavoriteMachineContext(directory))
@@ -46,14 +46,14 @@ protected:
 
     void makeDirectory(const std::string& name) { fs::create_directories(directory_ / name); }
 
-    /// Whether the link could be made: not every user may do so on every system.
+    /// Whether the link was created. Not every user of every system has the right to create links.
     bool link(const std::string& name, const fs::path& target) {
         std::error_code error;
         fs::create_directory_symlink(target, directory_ / name, error);
         return !error;
     }
 
-    /// The contexts below the directory; their paths without it.
+    /// The contexts below the directory, with paths relative to it.
     std::vector<std::string> found() const {
         std::vector<std::string> names;
         const std::string start = directory_.path().generic_u8string() + "/";
@@ -187,7 +187,7 @@ TEST_F(FavoriteContexts, AreFoundBesideNamesThatAreNoText) {
     EXPECT_THAT(found(), ::testing::Contains("A/A.mctx"));
 }
 
-// QDir::cd() takes such a name for a resource that is compiled into the host.
+// QDir::cd() takes such a name as a resource that is compiled into the host.
 TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatBeginWithAColon) {
     if (onWindows()) GTEST_SKIP() << "Windows has no such names";
     add(":x/:x.mctx");
@@ -241,8 +241,8 @@ TEST_F(FavoriteContexts, AreFoundOnceWhereLinksLeadUp) {
     EXPECT_THAT(found(), ElementsAre("A/B/C/C.mctx"));
 }
 
-// Each path through the tree may go through 40 links, so following two of them at each step would
-// never end.
+// A path may contain 40 links. So a walk that follows two links at each step would not end in
+// practice.
 TEST_F(FavoriteContexts, AreFoundWhereTwoLinksLeadBack) {
     add("C/C.mctx");
     if (!link("a", directory_.path())) GTEST_SKIP() << "links cannot be made here";

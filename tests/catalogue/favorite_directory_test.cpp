@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-// The configuration is loaded once in a process, so each test runs in one of its own.
+// The configuration is loaded once in a process, so each test runs in its own process.
 
 namespace fs = std::filesystem;
 using ::testing::Each;
@@ -45,14 +45,14 @@ public:
         write("config/environ.cfg", configuration);
     }
 
-    /// The root as the catalogue gives it.
+    /// The root as the catalogue returns it.
     std::string root() const {
         return std::filesystem::path(trv::testing::Installation::root()).generic_string();
     }
 
     std::string fallback() const { return root() + "/standard/machine_context"; }
 
-    /// What the trace shows when the root is looked up.
+    /// The trace of a lookup of the root.
     std::string rootTrace() const {
         return "TRVHOME = '" + trv::testing::Installation::root() + "' from environment";
     }
@@ -286,7 +286,7 @@ TEST_F(FavoriteDirectory, IsEmptyWhereTheInstallationsDoesNotFitEither) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-// What the trace shows: the variable is expanded in every case, and what is undefined is told.
+// The trace. The variable is always expanded, and undefined references are reported.
 
 TEST_F(FavoriteDirectory, TracesTheVariableThatItIsTakenFrom) {
     const auto ask = [] {
@@ -360,7 +360,7 @@ TEST_F(FavoriteDirectory, ReportsATextForUndefinedVariablesThatIsTooLong) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-// A value with a "+" is in a buffer that every lookup overwrites, also one of a trace handler.
+// A value with a "+" is in a buffer that every lookup overwrites, also a lookup by a trace handler.
 TEST_F(FavoriteDirectory, OutlivesTheLookupsOfATraceHandler) {
     const auto ask = [] {
         const Installation installation(

@@ -32,14 +32,14 @@ std::wstring wide(const std::string& text) {
     return QString::fromStdString(text).toStdWString();
 }
 
-/// What is asked for, in UTF-8.
+/// The arguments of a call, in UTF-8.
 struct Request {
     std::string machine;
     std::string axisFile;
     std::string contextFile;
 };
 
-/// Creates contexts in a directory that is the current one as well.
+/// Creates contexts in a directory that is also the current one.
 class NamedContextCreation : public ::testing::Test {
 protected:
     NamedContextCreation() : here_(directory_.path()) {}
@@ -51,7 +51,7 @@ protected:
     }
     bool create(const Request& request) { return create(directory_.wide(), request); }
 
-    /// Creates, beside the axis file, exactly this pair of files.
+    /// Creates exactly this pair of files beside the axis file.
     void expectCreated(const Request& request, const std::string& name, const std::string& context,
                        const std::string& reference) {
         SCOPED_TRACE(context);
@@ -70,7 +70,7 @@ protected:
         referenceFile_ = L"old reference";
     }
 
-    /// Creates nothing, touches no result and leaves this behind.
+    /// Creates nothing, changes no result and leaves these files.
     void expectFailure(const Request& request, const Contents& left) {
         SCOPED_TRACE(request.machine + ", " + request.axisFile + ", " + request.contextFile);
         EXPECT_FALSE(create(request));
@@ -272,8 +272,8 @@ TEST_F(NamedContextCreation, FailsWhereTheFileSystemTakesNoSuchName) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-// The reference file's name is longer than the context's by 22 characters here, and ends it all at
-// 255, which is what a name may have on Linux.
+// Here the name of the reference file is 22 characters longer than that of the context. It has 255
+// characters, the limit of Linux.
 TEST_F(NamedContextCreation, TakesNamesAsLongAsTheFileSystemDoes) {
     if (!can_fork) GTEST_SKIP() << "other systems have other limits";
     const std::string longest(228, 'k');
@@ -300,7 +300,7 @@ TEST_F(NamedContextCreation, RefusesNamesThatHoldAZero) {
     EXPECT_EQ(contents(), (Contents{{"transfo.dat", "axis"}}));
 }
 
-// "[stockposition@" comes before every directory part, so no such name leads to a place.
+// "[stockposition@" is before every directory part, so the directory of such a name does not exist.
 TEST_F(NamedContextCreation, FailsForNamesWithADirectoryPart) {
     makeDirectory("sub");
     write("sub/head.ref", "axis");
@@ -348,7 +348,7 @@ TEST_F(NamedContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNobo
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     const auto call = [&] { create({"m", "", "job.mctx"}); };
-    // Not every system gives the child the directory of its parent.
+    // Not every system starts the child in the directory of its parent.
     EXPECT_EXIT(runAndLeave(call), endedByDefaultFatalHandler,
                 ::testing::AllOf(::testing::StartsWith("Store messages : error opening file '"),
                                  ::testing::EndsWith("/job.mctx.messages.tmp'\n")));
@@ -381,7 +381,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackBeforeItReportsTheContext)
     EXPECT_FALSE(hadReference);
 }
 
-// A link that leads nowhere would have the file created wherever it leads to.
+// A link to a missing file would create the file at the target of the link.
 TEST_F(NamedContextCreation, CreatesNoFileThroughALink) {
     makeDirectory("elsewhere");
     const std::string reference = "[stockposition@job]MACHINE.ref";
@@ -438,7 +438,7 @@ TEST_F(NamedContextCreation, FailsOnAFullDisk) {
     }));
 }
 
-// A directory that is not the current one: looked at, but not copied in.
+// A directory that is not the current one. It is checked, but nothing is copied into it.
 
 TEST_F(NamedContextCreation, LeavesAnEmptyFileInTheCurrentDirectoryThatLacksTheAxisFile) {
     makeDirectory("other");

@@ -10,7 +10,7 @@
 namespace trv::testing {
 namespace {
 
-// A group with a placed file and a disabled one that is turned by 90 degrees.
+// A group with a placed file and a disabled one that is rotated by 90 degrees.
 CTrvAssemblyData setup() {
     CTrvAssemblyComponentData vise = leaf("Vise", "vise, small.stl");
     const double up[] = {0, 5, 0.1};

@@ -101,7 +101,7 @@ TEST_F(AxisCommands, InvertKeepsTheDigitsOfARotation) {
     ASSERT_EQ(answerTo(words("axis invert") + QStringList({name, path("b")})).status, 0);
     EXPECT_EQ(bytes("b").substr(0, 36), "      1\n      0.866025      0.500000");
     ASSERT_EQ(answerTo(words("axis invert") + QStringList({path("b"), name})).status, 0);
-    // The translation is rounded twice on its way.
+    // The translation is rounded twice.
     constexpr std::size_t flagAndFirstRow = 8 + 42;
     EXPECT_EQ(bytes("a").substr(0, flagAndFirstRow), before.substr(0, flagAndFirstRow));
 }

@@ -40,7 +40,7 @@ TEST(AxisTraits, KnowOrthonormalAxes) {
 }
 
 TEST(AxisTraits, TakeRoundedRotationsForOrthonormal) {
-    // Every element is as far from a true rotation as six decimals allow.
+    // Every element has the largest deviation from a rotation that six decimals allow.
     for (int degrees = 0; degrees < 360; ++degrees) {
         const double angle = degrees * 3.14159265358979 / 180;
         const double cosine = std::round(std::cos(angle) * 1e6) / 1e6;

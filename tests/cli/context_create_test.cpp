@@ -179,7 +179,7 @@ TEST_F(ContextCreate, WantsOneKindOfContext) {
 
 TEST_F(ContextCreate, WantsBareNames) {
     for (const char* option : {"machine", "axis", "name"}) {
-        // As it is given and as it is shown.
+        // As an argument and as it is printed.
         for (const auto& [value, shown] : {std::pair("", ""), std::pair("a/b", "a/b"),
                                            std::pair("a\\b", "a\\\\b"), std::pair("/", "/")}) {
             const std::string given = std::string("--") + option + "=" + value;

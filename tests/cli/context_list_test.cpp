@@ -101,7 +101,7 @@ TEST_F(FavoriteList, SaysWhyThereIsNoFavouriteDirectory) {
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
 
-    // Neither of the two fits, once expanded.
+    // Both are too long after expansion.
     write("shop/config/environ.cfg", "[var]\n");
     std::string longRoot = root();
     while (longRoot.size() < 380)

@@ -123,7 +123,7 @@ TEST_F(ContextSet, WritesNothingUnlessAllCanBeSet) {
     EXPECT_EQ(bytes("a.mctx"), setupContext);
 }
 
-// A value is either refused or comes back, and no other field changes with it.
+// A value is either rejected or comes back, and no other field changes.
 TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
     const QString alphabet = QStringLiteral("+()=[]#\n\r\t ab1") + QChar(0xF6);
     std::mt19937 random(11);
@@ -254,7 +254,7 @@ TEST_F(ContextSet, KeepsTheOldFileWhenTheDiskIsFull) {
 }
 
 TEST_F(ContextSet, KeepsWhatIsSavedWhileItWaits) {
-    // Another program has read the file and saves it some time later.
+    // Another program reads the file and saves it some time later.
     auto held = std::make_unique<file_replacement>(text("a.mctx"));
     ASSERT_TRUE(held->is_open());
     std::thread other([&] {

@@ -1,4 +1,4 @@
-// The command on machine contexts where Ctrl-Z and open handles are those of Windows.
+// The command on machine contexts, with Ctrl-Z and open handles on Windows.
 
 #include <cli/context_rewrite.h>
 #include <tests/cli/context_directory.h>

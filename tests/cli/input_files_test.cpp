@@ -169,7 +169,7 @@ TEST_F(InputFiles, SaysWhyAnAxisFileDoesNotOpen) {
     EXPECT_EQ(text(readAxis(path(""), ignored)), "eFileIOOpenError: Is a directory");
 }
 
-// Calls `change` again and again in a thread of its own while it lives.
+// Calls `change` repeatedly in another thread until it is destroyed.
 class Changing {
 public:
     explicit Changing(const std::function<void()>& change)
@@ -210,7 +210,7 @@ TEST_F(InputFiles, WritesAnAxisFile) {
 TEST_F(InputFiles, SeesEveryFailureToWrite) {
     EXPECT_EQ(text(writeAxis(path("missing/a.ref"), {})),
               "eFileIOOpenError: No such file or directory");
-    // The rest of the text is the system's.
+    // The rest of the text is from the system.
     EXPECT_EQ(text(writeAxis(path(""), {})).substr(0, 18), "eFileIOOpenError: ");
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
     EXPECT_EQ(text(writeAxis(QStringLiteral("/dev/full"), {})),

@@ -1,4 +1,4 @@
-// The built command, run as a person runs it.
+// Runs the built command as a user does.
 
 #include <tests/cli/process.h>
 #include <tests/cli/samples.h>
@@ -195,7 +195,7 @@ TEST_F(TrvfilesCommand, FailsWhenStandardOutputIsClosed) {
 TEST_F(TrvfilesCommand, FailsWhenNobodyReadsItsOutput) {
     if (!hasShell()) GTEST_SKIP() << "a shell makes the pipe";
     writeBytes(directory_ / "deep.xml", chainXml(999, "f.stl"));
-    // The text is far longer than a pipe holds.
+    // The text is much longer than the buffer of a pipe.
     EXPECT_EQ(process_.start(
                   QStringLiteral("/bin/sh"),
                   {QStringLiteral("-c"),

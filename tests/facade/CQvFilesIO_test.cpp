@@ -96,7 +96,8 @@ TEST_F(Facade, IsCopiedWithItsDirectory) {
 TEST_F(Facade, KeepsItsDirectoryWhenItIsMovedFrom) {
     const TemporaryDirectory elsewhere;
     const CurrentDirectory current(elsewhere.path());
-    // Long and short: a short text is not moved but copied by the standard library.
+    // A long and a short text, because the standard library copies a short text instead of moving
+    // it.
     fs::create_directory(elsewhere / "d");
     for (const std::wstring& directory : {directory_.wide(), L"d"s}) {
         CQvFilesIO source(directory);
@@ -281,7 +282,7 @@ TEST_F(Facade, TakesAnEmptyOrNullNameForTheDirectoryItself) {
     EXPECT_TRUE(fs::is_empty(directory_.path()));
 }
 
-// The name of a directory that does not exist yet must not become that of a file.
+// The name of a directory that does not exist yet must not name a file.
 TEST_F(Facade, CreatesNoFileWhereItsDirectoryIsMissing) {
     const trv::testing::ChannelLog log;
     CQvFilesIO files((directory_ / "missing").wstring());
@@ -383,7 +384,7 @@ TEST_F(Facade, TakesNarrowNamesForUtf8OnPosix) {
     EXPECT_TRUE(files_.isfileExists(L"Fr\u00E4se \U0001F527"s));
     EXPECT_TRUE(files_.isfileExists("Fr\xC3\xA4se \xF0\x9F\x94\xA7"s));
     EXPECT_EQ(files_.absoluteFileName("Fr\xC3\xA4se"s), directory_.text() + "/Fr\xC3\xA4se");
-    // As text, a byte that is not UTF-8 becomes U+FFFD. As a name it names no file.
+    // In a text, a byte that is not UTF-8 becomes U+FFFD. A name with such a byte names no file.
     writeBytes(directory_.path() / "\xE4", "x");
     EXPECT_EQ(files_.absoluteFileName("\xE4"s), directory_.text() + "/\xEF\xBF\xBD");
     EXPECT_FALSE(files_.isfileExists("\xE4"s));

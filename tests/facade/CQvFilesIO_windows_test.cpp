@@ -1,4 +1,4 @@
-// The facade where drives, servers, text mode and open handles are those of Windows.
+// The facade with drives, servers, text mode and open handles on Windows.
 
 #include <tests/common/current_directory.h>
 #include <tests/common/file_bytes.h>
@@ -69,7 +69,7 @@ TEST_F(FacadeOnWindows, OpensAnAbsoluteNameOnAnotherDrive) {
     EXPECT_TRUE(other.isfileExists(here + "\\A.DAT"));
 }
 
-// The current drive is another one than the directory's, and has no directory of that name.
+// The current drive is not that of the directory, and has no directory of that name.
 TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheDrivesOfItsDirectory) {
     const std::string here = directory_.text();
     const std::wstring name = directory_.wide().substr(2) + L"/a.dat";

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int rounds = 100;
 
-/// Starts all of them at the same moment and waits for them.
+/// Starts all threads at the same moment and waits for them.
 void runAtOnce(const std::vector<std::function<void()>>& works) {
     std::atomic<std::size_t> waiting = works.size();
     std::vector<std::thread> threads;
@@ -48,7 +48,7 @@ CTrvAssemblyData assembly(const std::string& name, int round) {
     return data;
 }
 
-/// Writes and reads the files of one thread, and counts what did not come back as written.
+/// Writes and reads the files of one thread. Counts the results that differ from what was written.
 int useFiles(const std::filesystem::path& directory, const std::string& name) {
     CQvFilesIO files(directory.wstring());
     const std::wstring axisName = std::filesystem::path(name + ".axis").wstring();
@@ -135,7 +135,7 @@ TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-// Contexts are read while one thread writes another one: that is what the runtime allows.
+// Contexts are read while one thread writes another one. The runtime allows this.
 TEST(ConcurrentUse, OfMachineContextsByReadersBesideTheOneWriterIsFine) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());

@@ -248,7 +248,7 @@ TEST_F(MachineContextMembers, NeverLoadTheEnvironment) {
         EXPECT_EQ(trv::environment_store(), nullptr);
         EXPECT_THAT(log.fatals(), IsEmpty());
         EXPECT_THAT(log.traces(), IsEmpty());
-        // A lookup would have been noticed.
+        // The test would notice a lookup.
         EXPECT_EQ(trv::get_variable("UNDEFINED"), nullptr);
         EXPECT_FALSE(log.fatals().empty());
     };

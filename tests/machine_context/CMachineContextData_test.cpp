@@ -65,7 +65,7 @@ Context withOrigin(double x, double y, double z) {
     return context;
 }
 
-/// Every field has a value of its own.
+/// Every field has a different value.
 Context sample() {
     Context context = withOrigin(1, -2, 3.5);
     for (const Text& text : texts)
@@ -97,7 +97,7 @@ void expectDefaults(const Context& context) {
     EXPECT_FALSE(context.isNotNull());
 }
 
-/// Uses a record while the host's static objects are being made.
+/// Uses a record during the construction of the host's static objects.
 struct EarlyHost {
     bool nullAtFirst = Context().isNull();
     bool notNullWithAName = false;

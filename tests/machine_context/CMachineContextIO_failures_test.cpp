@@ -1,4 +1,4 @@
-// Machine context files that cannot be written: the status, the report, and the old file.
+// Machine context files that cannot be written: the status, the report and the old file.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/child_process.h>
@@ -41,7 +41,7 @@ std::uint64_t permanentBytes() {
     return std::stoull(text.substr(text.find(':') + 1));
 }
 
-/// Lets the checked heap grow by so many bytes and no further.
+/// Limits the growth of the checked heap to a number of bytes.
 class StorageCap {
 public:
     explicit StorageCap(std::uint64_t spare) { trv::set_storage_maximum(permanentBytes() + spare); }
@@ -65,7 +65,7 @@ protected:
         EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), {}), 1);
     }
 
-    /// Expects that there is no room for a text of this record, but for a small one.
+    /// Expects that there is no storage for a text of this record, but for a small one.
     void expectStatus(const CMachineContextData& data, EFileIOStatus status) const {
         const ChannelLog log;
         const std::uint64_t before = permanentBytes();
@@ -178,7 +178,7 @@ TEST_F(FailingContext, IsTheOldOneOrTheWholeNewOneWhereverStorageEnds) {
 TEST_F(FailingContext, WithoutStorageForItsFileNameGivesTwo) {
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "paths are too short here";
     const ChannelLog log;
-    // Longer than the room that the texts of a record leave.
+    // Longer than the storage that remains beside the texts of a record.
     fs::path deep = directory.path();
     for (int level = 0; level < 15; ++level)
         deep /= std::string(200, 'd');
@@ -272,7 +272,7 @@ TEST_F(FailingContext, WithoutADescriptorLeftIsReportedAndGivesTwo) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(passesInChild([&] {
         const ChannelLog log;
-        // A sanitizer opens pipes when it meets a class for the first time.
+        // A sanitizer opens pipes at the first use of a class.
         EXPECT_EQ(writeContext(directory / "missing" / "f", allFields()), eFileIOOpenError);
         CMachineContextData data = prefilled();
         EXPECT_EQ(readContext(directory / "missing", data), eFileIOOpenError);

@@ -29,14 +29,14 @@ protected:
         return CMachineContextIO(QString::fromStdWString(path.wstring())).read(data, missing);
     }
 
-    /// Reads a text that has to be complete.
+    /// Reads a text and expects that it is complete.
     CMachineContextData read(const std::string& text) const {
         CMachineContextData data = prefilled();
         EXPECT_EQ(readText(text, data), eFileIOSuccess) << text;
         return data;
     }
 
-    /// Expects that a text is read and gives the prefilled record with these changes.
+    /// Expects that reading a text changes a prefilled record in exactly this way.
     template <class Change>
     void expectRead(const std::string& text, const Change& change) const {
         CMachineContextData expected = prefilled();
@@ -48,7 +48,7 @@ protected:
         expectRead(text, [](CMachineContextData&) {});
     }
 
-    /// Expects that a text lacks a key, and what the record holds by then.
+    /// Expects that a text lacks a key, and the content of the record after the failed read.
     template <class Change>
     void expectMissing(const std::string& text, const trv::MissingKey& key,
                        const Change& change) const {
@@ -316,7 +316,7 @@ TEST_F(MachineContextFile, IsWrittenInTheLayoutOfTheFormat) {
         const std::string expected = textOf(golden / name);
         EXPECT_FALSE(expected.empty()) << name;
         EXPECT_EQ(textOf(path), expected) << name;
-        // Once more, over what is there.
+        // Writes again, over the existing file.
         EXPECT_EQ(writeContext(path, data), eFileIOSuccess);
         EXPECT_EQ(textOf(path), expected) << name;
     };
@@ -339,7 +339,7 @@ TEST_F(MachineContextFile, ReadsItsLayoutBack) {
     EXPECT_EQ(readContext(golden / "all_fields.mctx", data), eFileIOSuccess);
     EXPECT_EQ(ContextFields(data), ContextFields(allFields()));
 
-    // Without a section "part" and a clamping name, what was there stays.
+    // Without a section "part" and a clamping name, the earlier values stay.
     CMachineContextData expected;
     expected.setSurfaceGroup("FACES");
     expected.setClampingSystem("VISE");

@@ -1,4 +1,4 @@
-// Machine context files where text mode, open handles and attributes are those of Windows.
+// Machine context files with text mode, open handles and attributes on Windows.
 
 #include <tests/catalogue/catalogue_files.h>
 #include <tests/common/channel_log.h>
@@ -34,7 +34,8 @@ protected:
         return found;
     }
 
-    /// Expects that the file cannot be written, without a report, and stays as it is, alone.
+    /// Expects that the file cannot be written, that nothing is reported, and that the directory
+    /// does not change.
     void expectOldFile() const {
         const ChannelLog log;
         EXPECT_EQ(writeContext(path_, allFields()), eFileIOOpenError);

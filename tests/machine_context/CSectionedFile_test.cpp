@@ -236,7 +236,7 @@ TEST(SectionedFile, FindsNamesWithoutRegardToCaseWhereAsked) {
     EXPECT_FALSE(file.value("MACHINE", true, "Name", true, value));
     EXPECT_FALSE(file.value("Machine", true, "NAME", true, value));
     EXPECT_EQ(value, "kept");
-    // In byte order capital letters come first.
+    // In byte order capital letters are first.
     EXPECT_TRUE(file.value("MACHINE", false, "Name", true, value));
     EXPECT_EQ(value, "A");
     EXPECT_TRUE(file.value("machine", false, "NAME", false, value));
@@ -247,7 +247,7 @@ TEST(SectionedFile, FindsNamesWithoutRegardToCaseWhereAsked) {
     EXPECT_EQ(value, "b");
     EXPECT_FALSE(file.value("machine", false, "nam", false, value));
     EXPECT_FALSE(file.value("machine", false, "names", false, value));
-    // Only ASCII letters fold.
+    // Only ASCII letters are folded.
     EXPECT_FALSE(file.value("\xC3\xA4", false, "k", true, value));
     EXPECT_TRUE(file.value("\xC3\x84", false, "K", false, value));
 }

@@ -22,7 +22,7 @@ std::int16_t index(int section) {
     return static_cast<std::int16_t>(section);
 }
 
-/// Puts the record flag where a test wants it, and back at its end.
+/// Sets the record flag for a test, and restores it at the end.
 class RecordFlag {
 public:
     explicit RecordFlag(bool record) : earlier_(trv::set_record_flag(record)) {}
@@ -30,7 +30,7 @@ public:
     RecordFlag(const RecordFlag&) = delete;
     RecordFlag& operator=(const RecordFlag&) = delete;
 
-    /// What it is now.
+    /// The current value of the flag.
     static bool current() {
         const bool flag = trv::set_record_flag(true);
         trv::set_record_flag(flag);

@@ -22,7 +22,7 @@ using trv::openForWrite;
 using trv::platform::file_handle;
 using trv::platform::file_mode;
 
-// What the resource compiler calls, which no header of Qt declares.
+// The function that the resource compiler calls. No header of Qt declares it.
 bool qRegisterResourceData(int version, const unsigned char* tree, const unsigned char* names,
                            const unsigned char* data);
 bool qUnregisterResourceData(int version, const unsigned char* tree, const unsigned char* names,
@@ -36,7 +36,7 @@ protected:
         return QString::fromStdWString(directory_.wide() + L"/" + name);
     }
 
-    /// What the file holds; "<none>" where it does not open.
+    /// The content of the file, or "<none>" if it does not open.
     static std::string read(const QString& path, file_mode mode = file_mode::binary) {
         const file_handle file = openForRead(path, mode);
         if (file == nullptr) return "<none>";
@@ -51,7 +51,7 @@ protected:
         return file != nullptr && std::fputs(text, file.get()) >= 0;
     }
 
-    /// Opens neither way, and gives these reasons.
+    /// Expects that the path opens neither for reading nor for writing, with these reasons.
     static void expectClosed(const QString& path, int readReason, int writeReason) {
         SCOPED_TRACE(path.toStdString());
         for (const file_mode mode : {file_mode::text, file_mode::binary}) {
@@ -245,7 +245,7 @@ TEST_F(OpenFile, DoesNotWriteForQtToPathsThatNameNoFile) {
 }
 
 TEST_F(OpenFile, ReadsAResourceForQtAndNothingElse) {
-    // Qt's own smallest resource file: one file "x" of one byte.
+    // The smallest resource file of Qt: one file "x" of one byte.
     const std::string tree("\0\0\0\0\0\2\0\0\0\1\0\0\0\1\0\0\0\0\0\0\0\0\0\1\0\0\0\0", 28);
     const std::string names("\0\1\0\0\0x\0x", 8);
     const std::string data("\0\0\0\1!", 5);

@@ -277,7 +277,7 @@ TEST(TextConversion, TakesUtf16UnitByUnitOnWindows) {
 TEST(TextConversion, GivesTheRuntimeNoPathThatTheCodePageOfWindowsLacks) {
     if (!onWindows()) GTEST_SKIP() << "UTF-8 has every character";
     std::string path = "old";
-    // No code page has half a surrogate pair, not even UTF-8.
+    // No code page, not even UTF-8, has half a surrogate pair.
     EXPECT_FALSE(runtimePath(wide(L"a.mctx") + QChar(0xD83D), path));
     EXPECT_FALSE(runtimePath(QChar(0xDD27) + wide(L"a.mctx"), path));
     EXPECT_EQ(path, "old");
