@@ -93,7 +93,7 @@ protected:
 
 }  // namespace
 
-TEST_F(CodePage, IsTheOneThatThisRunIsMeantFor) {
+TEST_F(CodePage, IsTheExpectedOne) {
     ASSERT_NE(expected(), 0U);
     EXPECT_EQ(::GetACP(), expected());
     EXPECT_EQ(samples().count(::GetACP()), 1U);
@@ -202,7 +202,7 @@ TEST_F(CodePage, MayLackTheNameOfADirectoryInWhichNoMachineContextIsSaved) {
     const std::filesystem::path directory = directory_.path() / sample().unnamed;
     std::error_code error;
     if (!std::filesystem::create_directory(directory, error))
-        GTEST_SKIP() << "the file system behind Wine takes no half characters";
+        GTEST_SKIP() << "the file system under Wine rejects half characters";
     std::filesystem::create_directory(directory_.path() / sample().nearest);
     const ChannelLog log;
     EXPECT_FALSE(CMachineContextUtils::sCreateDefaultMachineContext(directory.wstring(), 1, nullptr,

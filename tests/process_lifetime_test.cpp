@@ -142,7 +142,7 @@ TEST(ProcessLifetime, ResultsAreReadyForTheConstructorOfAStaticObject) {
     EXPECT_STREQ(lastValue, "one long value;+;another");
 }
 
-TEST(ProcessLifetime, ResultsLastBeyondMain) {
+TEST(ProcessLifetime, ResultsAreValidAfterMain) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {

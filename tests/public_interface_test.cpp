@@ -145,7 +145,7 @@ TEST(PublicInterface, CreatesAndFindsMachineContexts) {
     EXPECT_EQ(&(one = CMachineContextUtils()), &one);
 }
 
-TEST(PublicInterface, KnowsWhereTheFavoritesAre) {
+TEST(PublicInterface, KnowsTheDirectoryOfTheFavorites) {
     if (!trv::testing::can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(trv::testing::passesInChild([] {
         ASSERT_TRUE(trv::testing::setEnvironment("TRV_MCTX_DEF", "/favourites"));

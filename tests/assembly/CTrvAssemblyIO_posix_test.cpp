@@ -36,7 +36,7 @@ TEST(AssemblyFileOnPosix, GivesAShortWriteOnAFullDevice) {
     EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"/dev/full", part()), eFileIOShortWrite);
 }
 
-TEST(AssemblyFileOnPosix, GivesAShortWriteWhereTheDiskFillsUpAtAnyByte) {
+TEST(AssemblyFileOnPosix, GivesAShortWriteIfTheDiskIsFullAtAnyByte) {
     const trv::testing::TemporaryDirectory directory;
     const std::string path = (directory / "a.xml").string();
     CQvFilesIO facade(directory.text());

@@ -107,7 +107,7 @@ TEST_F(AssemblyFile, ReadsWhatWasWrittenAsAnEqualRecord) {
     EXPECT_EQ(data, vise());
 }
 
-TEST_F(AssemblyFile, IsTheSameThroughEveryWayIntoTheFacade) {
+TEST_F(AssemblyFile, IsTheSameThroughEveryFunctionOfTheFacade) {
     const std::wstring path = directory.wide() + L"/w.xml";
     ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"w.xml"), vise()), eFileIOSuccess);
     ASSERT_EQ(CQvFilesIO::sReadTrvAssembly(path, data), eFileIOSuccess);
@@ -171,7 +171,7 @@ TEST_F(AssemblyFile, DoesNotOpenANameWithAZeroInside) {
     EXPECT_EQ(data, vise());
 }
 
-TEST_F(AssemblyFile, LeavesTheOldFileWhereTheRecordCannotBeWritten) {
+TEST_F(AssemblyFile, KeepsTheOldFileIfTheRecordCannotBeWritten) {
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
     const std::string before = bytesOf(directory / "a.xml");
     EXPECT_EQ(facade.writeTrvAssembly("a.xml", CTrvAssemblyData()), eFileIOContentError);
@@ -183,7 +183,7 @@ TEST_F(AssemblyFile, LeavesTheOldFileWhereTheRecordCannotBeWritten) {
     EXPECT_FALSE(std::filesystem::exists(directory / "new.xml"));
 }
 
-TEST_F(AssemblyFile, CutsALongerOldFile) {
+TEST_F(AssemblyFile, TruncatesALongerOldFile) {
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
     const CTrvAssemblyData small = assemblyOf(leaf("a", "a"));
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", small), eFileIOSuccess);
@@ -200,7 +200,7 @@ TEST_F(AssemblyFile, RefusesEveryTruncationOfAFile) {
     }
 }
 
-TEST_F(AssemblyFile, AnswersRandomBytesWithAStatus) {
+TEST_F(AssemblyFile, ReturnsAStatusForRandomBytes) {
     std::mt19937 random(3);
     const std::string valid = writtenBytes(vise());
     for (int i = 0; i < 2000; ++i) {
@@ -231,7 +231,7 @@ TEST_F(AssemblyFile, IsRefusedForACharacterThatXmlDoesNotAllow) {
     }
 }
 
-TEST_F(AssemblyFile, IsRefusedForWhatQtCannotHoldBeforeItsRootIsLookedAt) {
+TEST_F(AssemblyFile, IsRefusedForWhatQtCannotHoldBeforeItsRootIsRead) {
     const auto nested = [](int levels, const std::string& open, const std::string& close,
                            std::string text = "") {
         for (int i = 0; i < levels; ++i)
@@ -266,7 +266,7 @@ TEST_F(AssemblyFile, ReadsAnAttributeOfAHundredMegabytes) {
     EXPECT_EQ(data.getRootComponent().getName().size(), length);
 }
 
-TEST_F(AssemblyFile, GoesAllTheWayWithTheDeepestNestingOnASmallStack) {
+TEST_F(AssemblyFile, IsWrittenAndReadWithTheMaxNestingOnASmallStack) {
     constexpr std::size_t stack = std::size_t{512} << 10;
     trv::platform::call_on_stack(stack, [&] {
         const CTrvAssemblyData deepest = assemblyOf(chain(999));
@@ -279,7 +279,7 @@ TEST_F(AssemblyFile, GoesAllTheWayWithTheDeepestNestingOnASmallStack) {
     });
 }
 
-TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheDeepest) {
+TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheMaxNesting) {
     std::string bytes = writtenBytes(assemblyOf(chain(999)));
     ASSERT_EQ(readBytes(bytes), eFileIOSuccess);
     const std::string file = "<File name=\"end.stl\"/>";
@@ -312,7 +312,7 @@ TEST_F(AssemblyFile, SetsThePolicyForInvalidDataAtEveryCall) {
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
 }
 
-TEST_F(AssemblyFile, TellsAPersonWhyItWasNotRead) {
+TEST_F(AssemblyFile, HasAReadableReasonIfItIsNotRead) {
     QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
     trv::ReadReport report;
     const auto reasonFor = [&](const char* bytes) {
@@ -331,7 +331,7 @@ TEST_F(AssemblyFile, TellsAPersonWhyItWasNotRead) {
     EXPECT_THAT(report.fault.reason.toStdString(), ::testing::Not(::testing::IsEmpty()));
 }
 
-TEST_F(AssemblyFile, SaysThatANameNamesNoFile) {
+TEST_F(AssemblyFile, ReportsThatANameNamesNoFile) {
     for (const QString& name : {QString(), QStringLiteral(""), QStringLiteral("a") + QChar(0)}) {
         trv::ReadReport report;
         report.fault = {QStringLiteral("old"), 7, 7};
@@ -348,7 +348,7 @@ TEST_F(AssemblyFile, SaysThatANameNamesNoFile) {
     EXPECT_NE(report.fault.reason, QStringLiteral("the name names no file"));
 }
 
-TEST_F(AssemblyFile, TakesNamesBeyondAscii) {
+TEST_F(AssemblyFile, AcceptsNamesBeyondAscii) {
     ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"Spannb\u00fcchse \u6f22.xml"), vise()),
               eFileIOSuccess);
     EXPECT_TRUE(std::filesystem::exists(directory / "Spannb\u00fcchse \u6f22.xml"));

@@ -101,7 +101,7 @@ TEST(XForm3Gen, CanBeMultipliedIntoItself) {
     EXPECT_EQ(entriesOf(turned), (Entries{-1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1, 0, -1, 3, 6, 1}));
 }
 
-TEST(XForm3Gen, CarriesANanWhereItBelongs) {
+TEST(XForm3Gen, KeepsANanInItsElements) {
     Placement local;
     local(3, 0) = std::numeric_limits<double>::quiet_NaN();
     const Placement product = local * Placement();

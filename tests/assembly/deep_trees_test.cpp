@@ -123,7 +123,7 @@ TEST_P(DeepTree, IsFlattenedInOrderWithBranchesOnEveryLevel) {
     });
 }
 
-TEST_P(DeepTree, IsCutShort) {
+TEST_P(DeepTree, MayBeTruncated) {
     run([] {
         Component component = deep();
         component.setComponents({});
@@ -165,7 +165,7 @@ TEST_P(DeepTree, IsMoved) {
     });
 }
 
-TEST_P(DeepTree, StandsInAnAssembly) {
+TEST_P(DeepTree, MayBeInAnAssembly) {
     run([] {
         CTrvAssemblyData assembly;
         assembly.setRootComponent(deep());

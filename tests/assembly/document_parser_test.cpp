@@ -167,7 +167,7 @@ TEST_F(DocumentParser, RefusesHalvesOfSurrogatePairs) {
     }
 }
 
-TEST_F(DocumentParser, TakesFormFeedsInWhiteSpaceAlone) {
+TEST_F(DocumentParser, AcceptsFormFeedsInWhiteSpaceOnly) {
     for (const char* bytes :
          {"<a b='1'>\f<c/>\v</a>", "<a b='1'>x<c/>&#12; \n</a>", "<a b='1'>x&y;\f&z;x</a>"}) {
         EXPECT_TRUE(parse(bytes)) << bytes;
@@ -201,7 +201,7 @@ TEST_F(DocumentParser, RefusesWhatIsNotWellFormed) {
     }
 }
 
-TEST_F(DocumentParser, TellsWhereADocumentBreaks) {
+TEST_F(DocumentParser, ReportsThePlaceOfAnError) {
     ASSERT_FALSE(parse("<a>\n  <b>\n  </c>\n</a>"));
     EXPECT_EQ(fault.line, 3);
     EXPECT_EQ(fault.reason, QStringLiteral("tag mismatch"));
@@ -214,14 +214,14 @@ TEST_F(DocumentParser, ReadsAsManyOpenElementsAsAreAllowed) {
     EXPECT_EQ(fault.reason, QStringLiteral("more than 2000 elements are open"));
 }
 
-TEST_F(DocumentParser, ReadsEveryDepthAroundTheOneThatTheCallersStackBears) {
+TEST_F(DocumentParser, ReadsEveryDepthAroundTheLimitOfTheCallersStack) {
     for (int depth = 195; depth < 205; ++depth) {
         EXPECT_TRUE(parse(nested(depth)));
         EXPECT_EQ(depthOf(tree->document), depth);
     }
 }
 
-TEST_F(DocumentParser, ReadsTheDeepestDocumentOnASmallStack) {
+TEST_F(DocumentParser, ReadsADocumentOfMaxDepthOnASmallStack) {
     constexpr std::size_t stack = std::size_t{512} << 10;
     bool parsed = false;
     trv::platform::call_on_stack(stack, [&] {
@@ -271,7 +271,7 @@ TEST_F(DocumentParser, RefusesEntityDeclarations) {
     EXPECT_EQ(fault.line, 2);
 }
 
-TEST_F(DocumentParser, RefusesWhatStandsBehindTheRoot) {
+TEST_F(DocumentParser, RefusesTextAfterTheRoot) {
     EXPECT_FALSE(parse("<a/><!DOCTYPE a [<!ENTITY e \"x\">]>"));
     EXPECT_EQ(fault.reason, QStringLiteral("an entity is declared"));
     EXPECT_FALSE(parse("<a/>" + nested(100000)));
@@ -333,7 +333,7 @@ TEST_F(DocumentParser, GivesThePlaceOfARefusalBeyondItsFirstBlock) {
     EXPECT_EQ(fault.column, 200004);
 }
 
-TEST_F(DocumentParser, TakesTheLastOfDoubledAttributes) {
+TEST_F(DocumentParser, UsesTheLastOfDoubledAttributes) {
     ASSERT_TRUE(parse("<a b='1' b='2'/>"));
     EXPECT_EQ(rootAttribute("b"), QStringLiteral("2"));
 }

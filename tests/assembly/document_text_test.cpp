@@ -50,7 +50,7 @@ QString withSortedAttributes(const QString& text) {
     return lines.join(QLatin1Char('\n'));
 }
 
-TEST(DocumentText, StandsToTheByte) {
+TEST(DocumentText, HasExactlyTheseBytes) {
     using trv::testing::leaf;
     CTrvAssemblyComponentData part = leaf("Part", "part.stl");
     part.setEnabled(false);
@@ -129,7 +129,7 @@ TEST(DocumentText, IsWhatTheDomWouldWriteButForTheOrderOfAttributes) {
     }
 }
 
-TEST(DocumentText, WritesTheDeepestDocumentOnASmallStack) {
+TEST(DocumentText, WritesADocumentOfMaxDepthOnASmallStack) {
     constexpr std::size_t stack = std::size_t{512} << 10;
     std::string text;
     trv::platform::call_on_stack(stack, [&] {

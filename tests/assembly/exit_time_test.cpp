@@ -77,7 +77,7 @@ TEST_F(AssemblyAtExit, IsReadInUtf16AndLatin1) {
                         "\" 0, written 1, default \"\""));
 }
 
-TEST_F(AssemblyAtExit, IsRefusedInAnEncodingThatQtNoLongerKnows) {
+TEST_F(AssemblyAtExit, IsRefusedInAnEncodingThatQtNoLongerSupports) {
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "Qt's DLL outlives the program";
     const std::string bytes =
         "<?xml version='1.0' encoding='windows-1252'?><ComponentInfo version='1'><Attributs/>"
@@ -94,7 +94,7 @@ TEST_F(AssemblyAtExit, IsReadOnASecondStackWhenItIsDeep) {
               everyTime("read 1 \"level\" 1, written 1, default \"\""));
 }
 
-TEST_F(AssemblyAtExit, IsRefusedAsEverWhenItIsBroken) {
+TEST_F(AssemblyAtExit, IsRefusedAsBeforeIfItIsMalformed) {
     EXPECT_EQ(outputFor("<ComponentInfo version='1'><Attributs/><!--\x01-->"),
               everyTime("read 4 \"\" 0, written 4, default \"\""));
     EXPECT_EQ(outputFor("<a/>"), everyTime("read 5 \"\" 0, written 4, default \"\""));

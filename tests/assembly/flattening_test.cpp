@@ -69,7 +69,7 @@ TEST(Flattening, ListsAComponentBeforeItsDescendants) {
     EXPECT_EQ(namesOf(flattened(table)), (Names{"table", "vise", "jaw", "screw", "part"}));
 }
 
-TEST(Flattening, GoesBelowAGeometryFileWhereCountingStops) {
+TEST(Flattening, IncludesWhatIsBelowAGeometryFileUnlikeCounting) {
     Component parent = leaf("p");
     parent.setComponents({leaf("a"), leaf("b")});
     const Component top = over(parent);

@@ -80,7 +80,7 @@ TEST(PlainDecoder, DecodesNothingOfAnotherEncoding) {
     }
 }
 
-TEST(PlainDecoder, TakesNoOtherTextForADeclaration) {
+TEST(PlainDecoder, TreatsNoOtherTextAsADeclaration) {
     for (const char* bytes :
          {"<?xml version='1.0'?><a encoding='windows-1252'/>", "<!-- encoding='x' -->",
           "<?xml encoding?>'x'", "<?xml encoding=''?><a/>", "<a encoding='x'/>", "<?xml "}) {

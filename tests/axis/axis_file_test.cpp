@@ -173,7 +173,7 @@ TEST_F(AxisFile, SetsTheFlagForADifferenceOfMoreThanAMillionth) {
     }
 }
 
-TEST_F(AxisFile, NeverTakesANanForADifference) {
+TEST_F(AxisFile, NeverTreatsANanAsADifference) {
     for (std::size_t element = 0; element < 16; ++element)
         EXPECT_EQ(written(identityBut(element, not_a_number)).substr(0, 8), "      0\n");
     Matrix matrix = translation(0, 0, 1);
@@ -283,7 +283,7 @@ TEST_F(AxisFile, ReadsAShearBackAsTheInverseOfItsTranspose) {
               (Matrix{1, 0, 0, 0, -2, 1, 0, 0, 0, 0, 1, 0, 4, 5, 6, 1}));
 }
 
-TEST_F(AxisFile, TakesTheLastRowAndTheLastColumnFromTheFile) {
+TEST_F(AxisFile, ReadsTheLastRowAndTheLastColumnFromTheFile) {
     const Reading reading = read("0\n0 1 0 10\n0 0 1 20\n1 0 0 30\n4 5 6 99\n");
     EXPECT_EQ(reading.status, eFileIOSuccess);
     EXPECT_EQ(reading.matrix, (Matrix{0, 0, 1, 4, 1, 0, 0, 5, 0, 1, 0, 6, 10, 20, 30, 1}));
@@ -309,7 +309,7 @@ TEST_F(AxisFile, ReadsNanAndInfinityAsNumbers) {
     EXPECT_TRUE(std::isnan(readWithFirstRow("1 0 0 -NaN").matrix[12]));
 }
 
-TEST_F(AxisFile, SkipsItsFirstLineWhateverItHolds) {
+TEST_F(AxisFile, SkipsItsFirstLine) {
     for (const std::string first : {"", "1", "any text # 1 2", "1 2 3 4", "\xFF\xFE"})
         EXPECT_EQ(read(first + "\n" + identityLines).matrix, identity) << first;
     EXPECT_EQ(read("a\0b\n"s + identityLines).matrix, identity);
@@ -391,7 +391,7 @@ TEST_F(AxisFile, ReadsBothKindsOfLineEnds) {
     EXPECT_EQ(reading.tags, (Tags{1, 2, 3}));
 }
 
-TEST_F(AxisFile, LooksAtTheFirst511CharactersOfAMatrixLine) {
+TEST_F(AxisFile, ReadsTheFirst511CharactersOfAMatrixLine) {
     const auto padded = [](const std::string& text, std::size_t length) {
         return text + std::string(length - text.size(), ' ');
     };
@@ -403,7 +403,7 @@ TEST_F(AxisFile, LooksAtTheFirst511CharactersOfAMatrixLine) {
     EXPECT_EQ(readWithFirstRow(std::string(504, ' ') + "1 0 0 7").matrix, translation(7, 0, 0));
 }
 
-TEST_F(AxisFile, ReadsATagLineBehindFourLinesOfAnything) {
+TEST_F(AxisFile, ReadsATagLineAfterFourLinesOfAnyContent) {
     const std::string start = "0\n" + identityLines;
     EXPECT_EQ(read(start + "a\nb\nc\nd\n#1 2 3").tags, (Tags{1, 2, 3}));
     EXPECT_EQ(read(start + "\n\n\n\n#1 2 3\n#4 5 6\n").tags, (Tags{1, 2, 3}));
@@ -441,7 +441,7 @@ TEST_F(AxisFile, ClampsTagsToTheRangeOfAnInteger) {
               (Tags{INT_MAX, INT_MIN, 1}));
 }
 
-TEST_F(AxisFile, LooksAtTheFirst511CharactersOfTheTagLine) {
+TEST_F(AxisFile, ReadsTheFirst511CharactersOfTheTagLine) {
     EXPECT_EQ(tagsOf("#1 2" + std::string(506, ' ') + "34\n"), (Tags{1, 2, 3}));
     EXPECT_EQ(tagsOf("#1 2" + std::string(507, ' ') + "3\n"), (Tags{1, 2, -9}));
     EXPECT_EQ(tagsOf(std::string(511, ' ') + "#1 2 3\n"), unset);
@@ -460,7 +460,7 @@ TEST_F(AxisFile, EndsOnADeviceThatDoesNot) {
     EXPECT_EQ(files_.readAxis(L"/dev/zero", matrix.data(), tag, tag, tag), eFileIOContentError);
 }
 
-TEST_F(AxisFile, GivesTheStatusAloneForANullMatrix) {
+TEST_F(AxisFile, GivesOnlyTheStatusForANullMatrix) {
     Tags tags = unset;
     writeBytes(directory_ / "good", "0\n" + identityLines + "\n\n\n\n#1 2 3\n");
     EXPECT_EQ(files_.readAxis(L"good", nullptr, tags[0], tags[1], tags[2]), eFileIOSuccess);
@@ -471,7 +471,7 @@ TEST_F(AxisFile, GivesTheStatusAloneForANullMatrix) {
     EXPECT_EQ(tags, (Tags{1, 2, 3}));
 }
 
-TEST_F(AxisFile, TakesOneVariableForAllItsTags) {
+TEST_F(AxisFile, AcceptsOneVariableForAllTags) {
     Matrix matrix = {};
     int tag = 0;
     writeBytes(directory_ / "f", "0\n" + identityLines + "\n\n\n\n#1 2 3\n");

@@ -70,12 +70,12 @@ TEST_F(ContextSearch, FindsWhatThePlainWalkFinds) {
 }
 
 // The plain walk would take more than 20! paths.
-TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersWithoutAContext) {
+TEST_F(ContextSearch, EndsIfDirectoriesLinkToAllOthersWithoutAContext) {
     linkEachToAll(directory_.path(), 20);
     EXPECT_THAT(found(), IsEmpty());
 }
 
-TEST_F(ContextSearch, EndsWhereAContextIsBehindADirectoryThatIsBeingWalked) {
+TEST_F(ContextSearch, EndsIfAContextIsBelowADirectoryThatIsBeingWalked) {
     linkEachToAll(directory_ / "all", 20);
     for (int i = 0; i < 20; ++i) {
         fs::create_directory_symlink(directory_.path(),
@@ -85,7 +85,7 @@ TEST_F(ContextSearch, EndsWhereAContextIsBehindADirectoryThatIsBeingWalked) {
     EXPECT_THAT(found(), ElementsAre("k/k.mctx"));
 }
 
-TEST_F(ContextSearch, EndsWhereTheOnlyWayOnIsTheFirstDirectory) {
+TEST_F(ContextSearch, EndsIfTheOnlyLinkLeadsToTheFirstDirectory) {
     linkEachToAll(directory_ / "all", 20);
     fs::create_directory(directory_ / "gate");
     for (int i = 0; i < 20; ++i) {
@@ -98,14 +98,14 @@ TEST_F(ContextSearch, EndsWhereTheOnlyWayOnIsTheFirstDirectory) {
                 ElementsAre((directory_ / "gate/k/k.mctx").generic_string()));
 }
 
-TEST_F(ContextSearch, FindsAContextBehindDirectoriesThatLinkToAllOthers) {
+TEST_F(ContextSearch, FindsAContextBelowDirectoriesThatLinkToAllOthers) {
     linkEachToAll(directory_.path(), 3);
     add("d2/k/k.mctx");
     EXPECT_THAT(found(), ElementsAre("d0/l1/l2/k/k.mctx", "d0/l2/k/k.mctx", "d1/l0/l2/k/k.mctx",
                                      "d1/l2/k/k.mctx", "d2/k/k.mctx"));
 }
 
-TEST_F(ContextSearch, TakesADirectoryForALeafUnderTheNameOfItsContextOnly) {
+TEST_F(ContextSearch, TreatsADirectoryAsALeafUnderTheNameOfItsContextOnly) {
     add("a/k.mctx");
     add("a/b/b.mctx");
     fs::create_directory_symlink(directory_ / "a", directory_ / "k");
@@ -113,7 +113,7 @@ TEST_F(ContextSearch, TakesADirectoryForALeafUnderTheNameOfItsContextOnly) {
     EXPECT_THAT(found(), ElementsAre("a/b/b.mctx", "k/k.mctx", "z/b/b.mctx"));
 }
 
-TEST_F(ContextSearch, FindsEachContextOnceWhereItsDirectoriesLinkUp) {
+TEST_F(ContextSearch, FindsEachContextOnceIfItsDirectoriesLinkToTheirParents) {
     std::string path;
     for (const char* name : {"a", "b", "c", "d"}) {
         path += std::string(name) + "/";

@@ -142,7 +142,7 @@ TEST_F(FavoriteContexts, AreNotSearchedForInHiddenDirectories) {
     EXPECT_THAT(found(), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, MayStandInAHiddenDirectoryThatIsAskedFor) {
+TEST_F(FavoriteContexts, MayBeInAHiddenDirectoryThatIsTheArgument) {
     add(".fav/A/A.mctx");
     EXPECT_THAT(listed(directory_.wide() + L"/.fav"),
                 ElementsAre(directory_.path().generic_u8string() + "/.fav/A/A.mctx"));
@@ -188,7 +188,7 @@ TEST_F(FavoriteContexts, AreFoundBesideNamesThatAreNoText) {
 }
 
 // QDir::cd() takes such a name as a resource that is compiled into the host.
-TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatBeginWithAColon) {
+TEST_F(FavoriteContexts, AreNotSearchedBelowNamesThatBeginWithAColon) {
     if (onWindows()) GTEST_SKIP() << "Windows has no such names";
     add(":x/:x.mctx");
     add(":/:.mctx");
@@ -197,7 +197,7 @@ TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatBeginWithAColon) {
     EXPECT_THAT(found(), ElementsAre("a:b/a:b.mctx"));
 }
 
-TEST_F(FavoriteContexts, MayBeBehindLinksToDirectories) {
+TEST_F(FavoriteContexts, MayBeBelowLinksToDirectories) {
     const TemporaryDirectory elsewhere;
     if (!link("L", elsewhere.path())) GTEST_SKIP() << "links cannot be made here";
     add("A/A.mctx");
@@ -221,7 +221,7 @@ TEST_F(FavoriteContexts, MayBeLinksToFiles) {
     EXPECT_THAT(found(), ElementsAre("A/A.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundBesideLinksThatLeadNowhere) {
+TEST_F(FavoriteContexts, AreFoundBesideLinksToMissingFiles) {
     if (!link("missing", directory_ / "none")) GTEST_SKIP() << "links cannot be made here";
     link("itself", "itself");
     link("one", "other");
@@ -232,7 +232,7 @@ TEST_F(FavoriteContexts, AreFoundBesideLinksThatLeadNowhere) {
     EXPECT_THAT(found(), ElementsAre("A/A.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundOnceWhereLinksLeadUp) {
+TEST_F(FavoriteContexts, AreFoundOnceIfLinksLeadToAParent) {
     add("A/B/C/C.mctx");
     if (!link("A/B/up", directory_ / "A")) GTEST_SKIP() << "links cannot be made here";
     link("A/B/top", directory_.path());
@@ -243,7 +243,7 @@ TEST_F(FavoriteContexts, AreFoundOnceWhereLinksLeadUp) {
 
 // A path may contain 40 links. So a walk that follows two links at each step would not end in
 // practice.
-TEST_F(FavoriteContexts, AreFoundWhereTwoLinksLeadBack) {
+TEST_F(FavoriteContexts, AreFoundIfTwoLinksLeadBack) {
     add("C/C.mctx");
     if (!link("a", directory_.path())) GTEST_SKIP() << "links cannot be made here";
     link("b", directory_.path());
@@ -251,7 +251,7 @@ TEST_F(FavoriteContexts, AreFoundWhereTwoLinksLeadBack) {
     EXPECT_THAT(found(), ElementsAre("C/C.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundOnBothWaysWhereDirectoriesLeadToEachOther) {
+TEST_F(FavoriteContexts, AreFoundOnBothPathsIfDirectoriesLinkToEachOther) {
     add("A/K/K.mctx");
     makeDirectory("B");
     if (!link("A/toB", directory_ / "B")) GTEST_SKIP() << "links cannot be made here";
@@ -259,7 +259,7 @@ TEST_F(FavoriteContexts, AreFoundOnBothWaysWhereDirectoriesLeadToEachOther) {
     EXPECT_THAT(found(), ElementsAre("A/K/K.mctx", "B/toA/K/K.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundOnceBehindALinkWithALoopOfItsOwn) {
+TEST_F(FavoriteContexts, AreFoundOnceBelowALinkToADirectoryWithALoop) {
     const TemporaryDirectory elsewhere;
     if (!link("L", elsewhere.path())) GTEST_SKIP() << "links cannot be made here";
     fs::create_directories(elsewhere / "S/K");
@@ -271,7 +271,7 @@ TEST_F(FavoriteContexts, AreFoundOnceBehindALinkWithALoopOfItsOwn) {
     EXPECT_THAT(listed(directory_.wide() + L"/L"), ElementsAre(link + "/S/K/K.mctx"));
 }
 
-TEST_F(FavoriteContexts, MayBeNamedAfterALinkThatLeadsUp) {
+TEST_F(FavoriteContexts, MayHaveTheNameOfALinkToAParent) {
     add("A/up.mctx");
     if (!link("A/up", directory_ / "A")) GTEST_SKIP() << "links cannot be made here";
     EXPECT_THAT(found(), ElementsAre("A/up/up.mctx"));
@@ -329,7 +329,7 @@ TEST_F(FavoriteContexts, HaveSlashesInTheirPaths) {
                 ElementsAre(directory_.path().generic_u8string() + "/fav/sub/A/A.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreNoneWhereThereIsNoDirectory) {
+TEST_F(FavoriteContexts, AreEmptyIfTheDirectoryIsMissing) {
     add("A/A.mctx");
     const CurrentDirectory here(directory_.path());
     EXPECT_THAT(listed(L"missing"), IsEmpty());
@@ -342,21 +342,21 @@ TEST_F(FavoriteContexts, AreNoneWhereThereIsNoDirectory) {
     EXPECT_THAT(listed(L"$HOME"), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, AreNoneInADirectoryThatIsNoText) {
+TEST_F(FavoriteContexts, AreEmptyForADirectoryThatIsNotText) {
     if (onWindows()) GTEST_SKIP() << "Windows takes every unit";
     add("?/A/A.mctx");
     add("\xEF\xBF\xBD/A/A.mctx");
     EXPECT_THAT(listed(directory_.wide() + L"/" + std::wstring(1, L'\xD800')), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, AreNoneInAnEmptyTree) {
+TEST_F(FavoriteContexts, AreEmptyInAnEmptyTree) {
     EXPECT_THAT(found(), IsEmpty());
     makeDirectory("a/b/c");
     makeDirectory("d");
     EXPECT_THAT(found(), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, MayStandAThousandDirectoriesDown) {
+TEST_F(FavoriteContexts, MayBeAThousandDirectoriesDeep) {
     if (onWindows()) GTEST_SKIP() << "paths of Windows end at 260 characters";
     std::string levels;
     for (int i = 0; i < 1000; i += 10) {

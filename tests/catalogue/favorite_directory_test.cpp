@@ -75,7 +75,7 @@ using FavoriteDirectory = trv::testing::ChildProcessTest;
 
 }  // namespace
 
-TEST_F(FavoriteDirectory, IsTheVariablesValueAsItStands) {
+TEST_F(FavoriteDirectory, IsTheUnchangedValueOfTheVariable) {
     const auto ask = [] {
         const Installation installation;
         const std::string directory = installation.root() + "/no such directory";
@@ -158,7 +158,7 @@ TEST_F(FavoriteDirectory, MayHaveAnyCharactersInItsName) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheVariableIsUndefined) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheVariableIsUndefined) {
     const auto ask = [] {
         const Installation installation;
         EXPECT_EQ(favorites(), installation.fallback());
@@ -178,7 +178,7 @@ TEST_F(FavoriteDirectory, BelongsToTheInstallationThatTheLoadingFinds) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheVariableIsEmpty) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheVariableIsEmpty) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF =\n");
         EXPECT_EQ(favorites(), installation.fallback());
@@ -198,7 +198,7 @@ TEST_F(FavoriteDirectory, IsEmptyIfTheConfiguredRootIsEmpty) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsTheConfiguredOneWhereTheEnvironmentsIsEmpty) {
+TEST_F(FavoriteDirectory, IsTheConfiguredOneIfThatOfTheEnvironmentIsEmpty) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF = $TRVHOME/favourites\n");
         const ScopedVariable empty("TRV_MCTX_DEF", "");
@@ -207,7 +207,7 @@ TEST_F(FavoriteDirectory, IsTheConfiguredOneWhereTheEnvironmentsIsEmpty) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheValueExpandsToNothing) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheValueExpandsToNothing) {
     const auto ask = [] {
         const Installation installation;
         setVariable("TRV_MCTX_DEF", "$NO_SUCH_VARIABLE");
@@ -224,7 +224,7 @@ TEST_F(FavoriteDirectory, IsNeverTheTextForUndefinedVariables) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheValueCannotBeExpanded) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheValueCannotBeExpanded) {
     const auto ask = [] {
         const Installation installation;
         const ChannelLog log;
@@ -264,7 +264,7 @@ TEST_F(FavoriteDirectory, HasUpTo399BytesWhenItIsExpanded) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsEmptyWhereTheInstallationsDoesNotFitEither) {
+TEST_F(FavoriteDirectory, IsEmptyIfThatOfTheInstallationIsTooLongToo) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF =\n");
         EXPECT_EQ(favorites(), installation.fallback());
@@ -372,7 +372,7 @@ TEST_F(FavoriteDirectory, OutlivesTheLookupsOfATraceHandler) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsFatalWhereThereIsNoInstallation) {
+TEST_F(FavoriteDirectory, IsFatalIfThereIsNoInstallation) {
     const auto ask = [] {
         for (const char* name : {"TRV_MCTX_DEF", "TRVHOME", "TRVHOME_LS"})
             setVariable(name, "");
@@ -381,7 +381,7 @@ TEST_F(FavoriteDirectory, IsFatalWhereThereIsNoInstallation) {
     TRV_EXPECT_FATAL(ask, std::string(noRoot) + "\n");
 }
 
-TEST_F(FavoriteDirectory, IsEmptyWhereThereIsNoInstallationAndTheHandlerReturns) {
+TEST_F(FavoriteDirectory, IsEmptyIfThereIsNoInstallationAndTheHandlerReturns) {
     const auto ask = [] {
         const Installation installation;
         setVariable("TRVHOME", "");
@@ -396,7 +396,7 @@ TEST_F(FavoriteDirectory, IsEmptyWhereThereIsNoInstallationAndTheHandlerReturns)
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, NeedsNoInstallationWhereTheVariableIsSet) {
+TEST_F(FavoriteDirectory, NeedsNoInstallationIfTheVariableIsSet) {
     const auto ask = [] {
         const Installation installation;
         setVariable("TRVHOME", "");
@@ -406,7 +406,7 @@ TEST_F(FavoriteDirectory, NeedsNoInstallationWhereTheVariableIsSet) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsListedWhereNoOtherIsGiven) {
+TEST_F(FavoriteDirectory, IsListedIfNoOtherIsGiven) {
     const auto ask = [] {
         const Installation installation;
         installation.write("fav/A/A.mctx", "x");

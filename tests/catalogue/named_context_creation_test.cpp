@@ -105,7 +105,7 @@ TEST_F(NamedContextCreation, NamesTheFilesAfterTheMachine) {
                   "[stockposition@mill5[head]]head.ref");
 }
 
-TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheMachinesName) {
+TEST_F(NamedContextCreation, RemovesTheLastOccurrenceOfASuffixFromTheMachinesName) {
     expectCreated({"a.mac.b", "head.ref", ""}, "a.b[head]", "a.b[head].mctx",
                   "[stockposition@a.b[head]]head.ref");
     const std::pair<const char*, const char*> bases[] = {
@@ -126,7 +126,7 @@ TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheMachinesName
     }
 }
 
-TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheAxisFilesName) {
+TEST_F(NamedContextCreation, RemovesTheLastOccurrenceOfASuffixFromTheAxisFilesName) {
     const std::pair<const char*, const char*> bases[] = {
         {"x.ref-y.ref", "x.ref-y"}, {"x.ref-y.ref-z", "x.ref-y-z"},
         {"a.ref.b", "a.b"},         {"a.refx", "ax"},
@@ -139,7 +139,7 @@ TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheAxisFilesNam
     }
 }
 
-TEST_F(NamedContextCreation, TakesTheNameOfTheContextFileThatIsGiven) {
+TEST_F(NamedContextCreation, UsesTheGivenNameOfTheContextFile) {
     expectCreated({"mill.mac", "", "job.mctx"}, "job", "job.mctx",
                   "[stockposition@job]MACHINE.ref");
     expectCreated({"mill.mac", "head.ref", "job.mctx"}, "job", "job.mctx",
@@ -225,7 +225,7 @@ TEST_F(NamedContextCreation, OverwritesNeitherOfItsFiles) {
     expectFailure({"mill.mac", "", "job.mctx"}, {{"transfo.dat", "axis"}, {reference, ""}});
 }
 
-TEST_F(NamedContextCreation, NeedsNoPlaceForItsResults) {
+TEST_F(NamedContextCreation, AcceptsNullPointersForItsResults) {
     write("transfo.dat", "axis");
     const std::wstring none;
     EXPECT_TRUE(CMachineContextUtils::sCreateMachineContext(directory_.wide(), L"a", none, none,
@@ -240,7 +240,7 @@ TEST_F(NamedContextCreation, NeedsNoPlaceForItsResults) {
                                                              nullptr, nullptr));
 }
 
-TEST_F(NamedContextCreation, MayPutItsResultsWhereItsArgumentsStand) {
+TEST_F(NamedContextCreation, MayReturnItsResultsInItsArguments) {
     write("head.ref", "axis");
     std::wstring context = L"job.mctx";
     std::wstring axis = L"head.ref";
@@ -250,7 +250,7 @@ TEST_F(NamedContextCreation, MayPutItsResultsWhereItsArgumentsStand) {
     EXPECT_EQ(axis, L"[stockposition@job]head.ref");
 }
 
-TEST_F(NamedContextCreation, TakesTheEmptyDirectoryForTheCurrentOne) {
+TEST_F(NamedContextCreation, TreatsAnEmptyDirectoryAsTheCurrentOne) {
     write("transfo.dat", "axis");
     EXPECT_TRUE(create(L"", {"m", "", ""}));
     EXPECT_TRUE(fs::exists(directory_ / "m[MACHINE].mctx"));
@@ -262,7 +262,7 @@ TEST_F(NamedContextCreation, KeepsAMachineOf600CharactersInTheRecord) {
     expectCreated({machine, "", "job.mctx"}, "job", "job.mctx", "[stockposition@job]MACHINE.ref");
 }
 
-TEST_F(NamedContextCreation, FailsWhereTheFileSystemTakesNoSuchName) {
+TEST_F(NamedContextCreation, FailsIfTheFileSystemRejectsTheName) {
     write("transfo.dat", "axis");
     const ChannelLog log;
     expectFailure({std::string(600, 'm'), "", ""}, {{"transfo.dat", "axis"}});
@@ -274,7 +274,7 @@ TEST_F(NamedContextCreation, FailsWhereTheFileSystemTakesNoSuchName) {
 
 // Here the name of the reference file is 22 characters longer than that of the context. It has 255
 // characters, the limit of Linux.
-TEST_F(NamedContextCreation, TakesNamesAsLongAsTheFileSystemDoes) {
+TEST_F(NamedContextCreation, AcceptsNamesAsLongAsTheFileSystemDoes) {
     if (!can_fork) GTEST_SKIP() << "other systems have other limits";
     const std::string longest(228, 'k');
     expectCreated({"m", "", longest + ".mctx"}, longest, longest + ".mctx",
@@ -314,7 +314,7 @@ TEST_F(NamedContextCreation, FailsForNamesWithADirectoryPart) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(NamedContextCreation, FailsWhereTheReferenceFileCannotBeWritten) {
+TEST_F(NamedContextCreation, FailsIfTheReferenceFileCannotBeWritten) {
     write("transfo.dat", "axis");
     const std::string reference = "[stockposition@job]MACHINE.ref";
     makeDirectory(reference);
@@ -323,7 +323,7 @@ TEST_F(NamedContextCreation, FailsWhereTheReferenceFileCannotBeWritten) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeReplaced) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileIfTheContextCannotBeReplaced) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx/inside");
     const ChannelLog log;
@@ -333,7 +333,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeRep
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeWritten) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileIfTheContextCannotBeWritten) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     const ChannelLog log;
@@ -344,7 +344,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeWri
                             directory_.path().generic_u8string() + "/job.mctx.messages.tmp'"));
 }
 
-TEST_F(NamedContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNobodyListens) {
+TEST_F(NamedContextCreation, EndsTheProcessIfTheContextCannotBeWrittenWithTheDefaultHandler) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     const auto call = [&] { create({"m", "", "job.mctx"}); };
@@ -369,7 +369,7 @@ TEST_F(NamedContextCreation, WorksAgainAfterAHandlerThatThrows) {
     EXPECT_TRUE(create({"m", "", "job.mctx"}));
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackBeforeItReportsTheContext) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileBeforeItReportsTheContext) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     static bool hadReference;
@@ -492,7 +492,7 @@ TEST_F(NamedContextCreation, LooksForItsFilesInItsDirectory) {
     EXPECT_FALSE(fs::exists(directory_ / reference));
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackFromTheCurrentDirectory) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileFromTheCurrentDirectory) {
     makeDirectory("other/job.mctx.messages.tmp");
     write("other/transfo.dat", "other axis");
     write("transfo.dat", "axis here");
@@ -506,7 +506,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackFromTheCurrentDirectory) {
                                           "/other/job.mctx.messages.tmp'"));
 }
 
-TEST_F(NamedContextCreation, FailsWhereTheUserMayNotWriteToItsDirectory) {
+TEST_F(NamedContextCreation, FailsIfTheUserMayNotWriteToItsDirectory) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     fs::permissions(directory_.path(), fs::perms::all);
     makeDirectory("other");

@@ -87,7 +87,7 @@ TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnce) {
     }
 }
 
-TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheReferenceIsThere) {
+TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceIfOnlyTheReferenceExists) {
     for (int round = 0; round < rounds(); ++round) {
         write(reference1, std::string(5000, 'x'));
         ASSERT_EQ(create([&](int) { return createDefault(); }), 1) << "in round " << round;
@@ -96,7 +96,7 @@ TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheReferenceIsThe
     }
 }
 
-TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheContextIsThere) {
+TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceIfOnlyTheContextExists) {
     for (int round = 0; round < rounds(); ++round) {
         write(context1, "[machine]\nname=old\n");
         ASSERT_EQ(create([&](int) { return createDefault(); }), 1) << "in round " << round;
@@ -105,7 +105,7 @@ TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheContextIsThere
     }
 }
 
-TEST_F(SimultaneousCreation, OfPositionsOfTheirOwnCopiesAWholeAxisFile) {
+TEST_F(SimultaneousCreation, OfDifferentPositionsCopiesACompleteAxisFile) {
     Contents expected = {{"transfo.dat", identityAxis}};
     for (int process = 0; process < processes; ++process) {
         const std::string name = "[MACHINE_POSITION_" + std::to_string(process + 1) + "]";

@@ -81,7 +81,7 @@ TEST(PrintDifferences, ComparesPlacementsWithATolerance) {
               "a: translation 0 0 0 -> 0 2e-06 0\n");
 }
 
-TEST(PrintDifferences, TakesNoNanForADifference) {
+TEST(PrintDifferences, TreatsNoNanAsADifference) {
     EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(0, 0, notANumber))), "");
     EXPECT_EQ(difference(assembly(movedTo(infinity, 0, 0)), assembly(movedTo(infinity, 0, 0))), "");
     EXPECT_EQ(difference(assembly(movedTo(infinity, 0, 0)), assembly(movedTo(-infinity, 0, 0))),
@@ -111,7 +111,7 @@ TEST(PrintDifferences, GivesThePathOfNamesAndPlaces) {
         "a/c[1]/[1]: file \"f\" -> \"g\"\n");
 }
 
-TEST(PrintDifferences, NamesWhatHasNoCounterpart) {
+TEST(PrintDifferences, NamesComponentsWithoutACounterpart) {
     EXPECT_EQ(
         difference(assembly(component(
                        "a", {component("b", {component("x")}), component("c"), component("d")})),
@@ -121,7 +121,7 @@ TEST(PrintDifferences, NamesWhatHasNoCounterpart) {
         "a/d[2]: only in the first file\n");
 }
 
-TEST(PrintDifferences, GoesOnBehindADifference) {
+TEST(PrintDifferences, ContinuesAfterADifference) {
     EXPECT_EQ(
         difference(assembly(component("a", {component("b", {component("c")}), leaf("d", "f")})),
                    assembly(component("a", {component("B", {component("C")}), leaf("d", "g")}))),
@@ -130,7 +130,7 @@ TEST(PrintDifferences, GoesOnBehindADifference) {
         "a/d[1]: file \"f\" -> \"g\"\n");
 }
 
-TEST(PrintDifferences, BearsAnyDepth) {
+TEST(PrintDifferences, AcceptsAnyDepth) {
     constexpr int levels = 100000;
     const std::string text = difference(chain(levels, "f"), chain(levels, "g"));
     const std::string end = "/L[0]/L[0]: file \"f\" -> \"g\"\n";
@@ -174,7 +174,7 @@ CTrvAssemblyData brush(int levels, int count, const std::string& comment) {
 
 // The length of each component's path is proportional to its depth. Printing takes about 9 times as
 // long as a loop that writes the same number of paths of this length.
-TEST(PrintDifferences, TakesTimeForWhatItPrints) {
+TEST(PrintDifferences, TakesTimeOnlyForWhatItPrints) {
     constexpr int levels = 990;
     constexpr int count = 20000;
     const CTrvAssemblyData first = brush(levels, count, "x");

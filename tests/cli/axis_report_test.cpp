@@ -134,13 +134,13 @@ TEST(AxisJson, HasEveryKey) {
               "\"orthonormal\":true,\"singular\":false,\"tags\":[3,0,null]}");
 }
 
-TEST(AxisJson, HasNoInverseWhereThereIsNone) {
+TEST(AxisJson, HasANullInverseForASingularMatrix) {
     const QJsonObject json = axisJson(QStringLiteral("a"), {flat, {-1, -1, -1}});
     EXPECT_TRUE(json.value(QStringLiteral("inverse")).isNull());
     EXPECT_TRUE(json.value(QStringLiteral("singular")).toBool());
 }
 
-TEST(AxisSummary, NamesWhatMatters) {
+TEST(AxisSummary, NamesTraitsAndTags) {
     const auto summary = [](const AxisMatrix& matrix, std::array<int, 3> tags = {-1, -1, -1}) {
         return axisSummary({matrix, tags}).toStdString();
     };

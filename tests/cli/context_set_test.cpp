@@ -69,7 +69,7 @@ TEST_F(ContextSet, ChangesEveryField) {
               "[header]\nversion=2\ncomment=c=d\nname=[machine]\n[machine]\nname");
 }
 
-TEST_F(ContextSet, EmptiesTexts) {
+TEST_F(ContextSet, ClearsTexts) {
     const Answer answer =
         set({QStringLiteral("part.surface_group="), QStringLiteral("clamping_system.name="),
              QStringLiteral("header.name=")});
@@ -86,7 +86,7 @@ TEST_F(ContextSet, EmptiesTexts) {
         false);
 }
 
-TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
+TEST_F(ContextSet, RejectsWhatIsNotAnAssignment) {
     expectRefusal("machine.name", "'machine.name' is not of the form section.key=value.");
     expectRefusal("machine.speed=1", "There is no field 'machine.speed'.");
     expectRefusal("Machine.name=1", "There is no field 'Machine.name'.");
@@ -100,7 +100,7 @@ TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
     EXPECT_EQ(bytes("a.mctx"), setupContext);
 }
 
-TEST_F(ContextSet, RefusesWhatTheFileCannotHold) {
+TEST_F(ContextSet, RejectsWhatTheFileCannotHold) {
     expectRefusal("machine.name=A+B(1)",
                   "machine.name cannot hold 'A+B(1)': what stands between a \"+\" and a later "
                   "\")\" is lost.");
@@ -124,7 +124,7 @@ TEST_F(ContextSet, WritesNothingUnlessAllCanBeSet) {
 }
 
 // A value is either rejected or comes back, and no other field changes.
-TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
+TEST_F(ContextSet, ChangesNoOtherFieldByAValue) {
     const QString alphabet = QStringLiteral("+()=[]#\n\r\t ab1") + QChar(0xF6);
     std::mt19937 random(11);
     int accepted = 0;
@@ -153,7 +153,7 @@ TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
     EXPECT_LT(accepted, 270);
 }
 
-TEST_F(ContextSet, LosesNoLineUnasked) {
+TEST_F(ContextSet, LosesNoLineWithoutTheOption) {
     const std::string content = std::string("# note\n") + setupContext + "[tools]\nname=x\n";
     file("a.mctx", content);
     const QStringList assignment(QStringLiteral("machine.name=M"));
@@ -172,7 +172,7 @@ TEST_F(ContextSet, LosesNoLineUnasked) {
     EXPECT_EQ(bytes("a.mctx"), replacedIn(setupContext, "name=MILL5", "name=M"));
 }
 
-TEST_F(ContextSet, ChangesNoOtherValueUnasked) {
+TEST_F(ContextSet, ChangesNoOtherValue) {
     const std::string content = replacedIn(setupContext, "first op", "A+B(1)\n# note");
     file("a.mctx", content);
     for (const char* options : {"context set", "context set --drop-unknown"}) {
@@ -198,7 +198,7 @@ TEST_F(ContextSet, GivesAFileTheSectionsThatItLacks) {
               "reference_axis=\n[clamping_system]\nproximity=0.000000\n");
 }
 
-TEST_F(ContextSet, WantsAMachineContext) {
+TEST_F(ContextSet, RequiresAMachineContext) {
     const auto problem = [&](std::string_view content) {
         file("a.mctx", content);
         const Answer answer =
@@ -220,7 +220,7 @@ TEST_F(ContextSet, WantsAMachineContext) {
               "eFileIOContentError: line 1: section [machine] has no \"position\"\n");
 }
 
-TEST_F(ContextSet, SaysThatAFileIsMissing) {
+TEST_F(ContextSet, ReportsThatAFileIsMissing) {
     std::filesystem::remove(directory_ / "a.mctx");
     const Answer answer = set("machine.name=M");
     EXPECT_EQ(answer.status, 2);

@@ -62,7 +62,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FacadeOnPosix, AnswersAtOnceAboutAPipeThatNobodyWritesTo) {
+TEST_F(FacadeOnPosix, ReturnsAtOnceForAPipeWithoutAWriter) {
     ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_TRUE(endsSoon([this] {
         EXPECT_TRUE(files_.isfileExists("pipe"s));
@@ -145,7 +145,7 @@ TEST_F(FacadeOnPosix, FindsDevicesButNoSockets) {
     ::close(listener);
 }
 
-TEST_F(FacadeOnPosix, FindsWhatALinkLeadsTo) {
+TEST_F(FacadeOnPosix, FindsTheTargetOfALink) {
     writeBytes(path("file"), "x");
     fs::create_directory(path("directory"));
     fs::create_symlink("file", path("good"));
@@ -203,7 +203,7 @@ TEST_F(FacadeOnPosix, JoinsADirectoryThatBeginsWithAColonToTheCurrentOne) {
     EXPECT_TRUE(files.isfileExists("f"s));
 }
 
-TEST_F(FacadeOnPosix, TakesTheNameOfAResourceForNoFileOfTheCurrentDirectory) {
+TEST_F(FacadeOnPosix, DoesNotTreatTheNameOfAResourceAsAFileOfTheCurrentDirectory) {
     fs::create_directory(path(":"));
     for (const char* name : {"axis", "context", "assembly"})
         writeBytes(path(":/"s + name), "old");
@@ -226,7 +226,7 @@ TEST_F(FacadeOnPosix, TakesTheNameOfAResourceForNoFileOfTheCurrentDirectory) {
         EXPECT_EQ(bytesOf(entry.path()), "old") << entry.path();
 }
 
-TEST_F(FacadeOnPosix, TakesThePrefixesOfAHostsSearchPathsLiterally) {
+TEST_F(FacadeOnPosix, UsesThePrefixesOfAHostsSearchPathsLiterally) {
     EXPECT_TRUE(passesInChild([this] {
         const TemporaryDirectory elsewhere;
         writeBytes(elsewhere / "f", "old");
@@ -244,7 +244,7 @@ TEST_F(FacadeOnPosix, TakesThePrefixesOfAHostsSearchPathsLiterally) {
     }));
 }
 
-TEST_F(FacadeOnPosix, NamesNoFileWhereTheCurrentDirectoryIsGone) {
+TEST_F(FacadeOnPosix, NamesNoFileIfTheCurrentDirectoryWasRemoved) {
     EXPECT_TRUE(passesInChild([this] {
         fs::create_directory(path("gone"));
         fs::current_path(path("gone"));

@@ -69,7 +69,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Facade, TakesItsDirectoryInThreeForms) {
+TEST_F(Facade, AcceptsItsDirectoryInThreeForms) {
     const std::string expected = directory_.text() + "/f";
     EXPECT_EQ(CQvFilesIO(directory_.text().c_str()).absoluteFileName("f"s), expected);
     EXPECT_EQ(CQvFilesIO(directory_.text()).absoluteFileName("f"s), expected);
@@ -227,7 +227,7 @@ TEST_F(Facade, ResolvesARelativeOrEmptyDirectoryAtEachCall) {
     }
 }
 
-TEST_F(Facade, TakesDollarsAndTildesLiterally) {
+TEST_F(Facade, UsesDollarsAndTildesLiterally) {
     for (const wchar_t* name : {L"$HOME", L"~", L"$X.axis", L"%s%n", L"a;b", L"#", L" x"}) {
         EXPECT_EQ(writeAxisTo(files_, name), eFileIOSuccess);
         EXPECT_TRUE(fs::exists(directory_.path() / name)) << fs::path(name);
@@ -238,7 +238,7 @@ TEST_F(Facade, TakesDollarsAndTildesLiterally) {
     EXPECT_TRUE(fs::exists(directory_ / "?X"));
 }
 
-TEST_F(Facade, LeavesTheNamesOfCompiledInResourcesAlone) {
+TEST_F(Facade, DoesNotChangeTheNamesOfCompiledInResources) {
     CTrvAssemblyData data;
     EXPECT_EQ(files_.readTrvAssembly(":/x", data), eFileIOOpenError);
     EXPECT_EQ(readAxisFrom(files_, L":/x"), eFileIOOpenError);
@@ -246,7 +246,7 @@ TEST_F(Facade, LeavesTheNamesOfCompiledInResourcesAlone) {
     EXPECT_FALSE(files_.isfileExists(":/x"s));
 }
 
-TEST_F(Facade, TakesBackslashesForSeparators) {
+TEST_F(Facade, TreatsBackslashesAsSeparators) {
     fs::create_directory(directory_ / "a");
     CQvFilesIO files(directory_.wide() + L"\\.\\");
     EXPECT_EQ(writeAxisTo(files, L"a\\f"), eFileIOSuccess);
@@ -264,7 +264,7 @@ TEST_F(Facade, TakesBackslashesForSeparators) {
     EXPECT_TRUE(fs::exists(directory_ / "a" / "h"));
 }
 
-TEST_F(Facade, TakesAnEmptyOrNullNameForTheDirectoryItself) {
+TEST_F(Facade, TreatsAnEmptyOrNullNameAsTheDirectoryItself) {
     CTrvAssemblyData data = assembly("x");
     const char* const null = nullptr;
     EXPECT_EQ(files_.readTrvAssembly(null, data), eFileIOOpenError);
@@ -283,7 +283,7 @@ TEST_F(Facade, TakesAnEmptyOrNullNameForTheDirectoryItself) {
 }
 
 // The name of a directory that does not exist yet must not name a file.
-TEST_F(Facade, CreatesNoFileWhereItsDirectoryIsMissing) {
+TEST_F(Facade, CreatesNoFileIfItsDirectoryIsMissing) {
     const trv::testing::ChannelLog log;
     CQvFilesIO files((directory_ / "missing").wstring());
     const CTrvAssemblyData data = assembly("x");
@@ -376,7 +376,7 @@ TEST_F(Facade, KnowsFilesByWideNamesOfEveryKind) {
     EXPECT_TRUE(fs::exists(directory_ / "\xC3\xA4" / fs::u8path("\xC3\xB6")));
 }
 
-TEST_F(Facade, TakesNarrowNamesForUtf8OnPosix) {
+TEST_F(Facade, TreatsNarrowNamesAsUtf8OnPosix) {
     if (onWindows()) GTEST_SKIP() << "Windows has code pages";
     EXPECT_EQ(files_.writeTrvAssembly("Fr\xC3\xA4se \xF0\x9F\x94\xA7", assembly("x")),
               eFileIOSuccess);
@@ -461,7 +461,7 @@ TEST_F(Facade, ReadsWhatItWroteInEveryForm) {
     EXPECT_EQ(fileNameIn(data), "static");
 }
 
-TEST_F(Facade, TakesStaticPathsAsTheyAre) {
+TEST_F(Facade, DoesNotChangeStaticPaths) {
     const CurrentDirectory current(directory_.path());
     EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"f", assembly("x")), eFileIOSuccess);
     EXPECT_TRUE(fs::exists(directory_ / "f"));

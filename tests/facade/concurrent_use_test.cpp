@@ -84,7 +84,7 @@ TEST(ConcurrentUse, OfSeveralFacadesKeepsTheirFilesApart) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneFileByTwoReadersIsFine) {
+TEST(ConcurrentUse, OfOneFileByTwoReadersSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     const std::array<double, 16> identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
@@ -108,7 +108,7 @@ TEST(ConcurrentUse, OfOneFileByTwoReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersIsFine) {
+TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     ASSERT_EQ(files.writeMachineContext("f.mctx", allFields()), eFileIOSuccess);
@@ -136,7 +136,7 @@ TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersIsFine) {
 }
 
 // Contexts are read while one thread writes another one. The runtime allows this.
-TEST(ConcurrentUse, OfMachineContextsByReadersBesideTheOneWriterIsFine) {
+TEST(ConcurrentUse, OfMachineContextsByReadersAndOneWriterSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     ASSERT_EQ(files.writeMachineContext("read.mctx", firstOperation()), eFileIOSuccess);
@@ -159,7 +159,7 @@ TEST(ConcurrentUse, OfMachineContextsByReadersBesideTheOneWriterIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneFileForACopyAndForReadersIsFine) {
+TEST(ConcurrentUse, OfOneFileForACopyAndForReadersSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     ASSERT_EQ(files.writeTrvAssembly("assembly", assembly("a", 1)), eFileIOSuccess);
@@ -179,7 +179,7 @@ TEST(ConcurrentUse, OfOneFileForACopyAndForReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersIsFine) {
+TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersSucceeds) {
     const CMachineContextData data = allFields();
     const CMachineContextData untouched;
     const ContextFields expected(data);
@@ -196,7 +196,7 @@ TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneRecordByTwoReadersIsFine) {
+TEST(ConcurrentUse, OfOneRecordByTwoReadersSucceeds) {
     const CTrvAssemblyData data = assembly("a", 1);
     const CTrvAssemblyData untouched;
     std::atomic<int> failures = 0;

@@ -81,7 +81,7 @@ TEST_F(FailingFile, ThatIsADirectoryGivesTwo) {
     EXPECT_TRUE(fs::is_empty(directory_ / "d"));
 }
 
-TEST_F(FailingFile, ThatStandsWhereADirectoryShouldGivesTwo) {
+TEST_F(FailingFile, InPlaceOfADirectoryGivesTwo) {
     writeBytes(directory_ / "f", "x");
     expectReads("f/g", eFileIOOpenError, eFileIOOpenError);
     expectWrites("f/g", eFileIOOpenError, eFileIOOpenError);
@@ -113,7 +113,7 @@ TEST_F(FailingFile, WithAnotherRootGivesFive) {
     expectReads("f", eFileIOContentError, eFileIOStructureError);
 }
 
-TEST_F(FailingFile, IsNotTouchedWhenTheRecordCannotBeWritten) {
+TEST_F(FailingFile, IsNotChangedWhenTheRecordCannotBeWritten) {
     writeBytes(directory_ / "f", "old");
     EXPECT_EQ(files_.writeTrvAssembly("f", CTrvAssemblyData()), eFileIOContentError);
     EXPECT_EQ(files_.writeTrvAssembly(L"f"s, CTrvAssemblyData()), eFileIOContentError);

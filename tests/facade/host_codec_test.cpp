@@ -300,7 +300,7 @@ TEST_F(HostCodec, NamesNoFileInADirectoryWhoseNameDoesNotSurvive) {
     });
 }
 
-TEST_F(HostCodec, StillKnowsFilesWhoseNamesHoldAReplacementCharacter) {
+TEST_F(HostCodec, FindsFilesWhoseNamesHoldAReplacementCharacter) {
     underEachCodec([] {
         const TemporaryDirectory directory;
         CQvFilesIO files(directory.wide());

@@ -148,7 +148,7 @@ TEST_F(FailingContext, WithoutAnyStorageGivesFour) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(FailingContext, IsTheOldOneOrTheWholeNewOneWhereverStorageEnds) {
+TEST_F(FailingContext, IsTheOldOneOrTheCompleteNewOneWhicheverAllocationFails) {
     const ChannelLog log;
     const std::string newText =
         textOf(fs::path(TRV_TEST_DATA) / "machine_context" / "all_fields.mctx");
@@ -206,7 +206,7 @@ TEST_F(FailingContext, InAMissingDirectoryIsReportedAndGivesTwo) {
     expectOldFile();
 }
 
-TEST_F(FailingContext, BehindAFileIsReportedAndGivesTwo) {
+TEST_F(FailingContext, BelowAFileIsReportedAndGivesTwo) {
     const ChannelLog log;
     EXPECT_EQ(writeContext(path / "f.mctx", allFields()), eFileIOOpenError);
     EXPECT_THAT(log.fatals(), ElementsAre(StartsWith(openReport)));
@@ -255,7 +255,7 @@ TEST_F(FailingContext, InAReadOnlyDirectoryIsReportedAndGivesTwo) {
     expectOldFile();
 }
 
-TEST_F(FailingContext, ThatIsReadOnlyIsReplacedWhereTheDirectoryAllowsIt) {
+TEST_F(FailingContext, ThatIsReadOnlyIsReplacedIfTheDirectoryAllowsIt) {
     if (!can_fork) GTEST_SKIP() << "a read-only file is not replaced here";
     fs::permissions(path, fs::perms::owner_read | fs::perms::others_read);
     fs::permissions(directory.path(), fs::perms::all);
@@ -364,7 +364,7 @@ TEST_F(FailingContext, LetsAHandlersExceptionThrough) {
     EXPECT_EQ(writeContext(path, allFields()), eFileIOSuccess);
 }
 
-TEST_F(FailingContext, LetsAnExceptionThroughWhereStorageEnds) {
+TEST_F(FailingContext, PassesAnExceptionOnIfStorageRunsOut) {
     const ChannelLog log;
     trv::set_error_handler([](const char*) { throw std::runtime_error("error"); });
     const bool flagBefore = trv::set_record_flag(false);
@@ -390,7 +390,7 @@ TEST_F(FailingContext, LeavesNoDescriptorOpen) {
     }
 }
 
-TEST_F(FailingContext, WritesEveryFieldThoughNothingIsBeingRecorded) {
+TEST_F(FailingContext, WritesEveryFieldAlsoIfTheRecordFlagIsOff) {
     const bool flagBefore = trv::set_record_flag(false);
     EXPECT_EQ(writeContext(path, allFields()), eFileIOSuccess);
     EXPECT_FALSE(trv::set_record_flag(flagBefore));

@@ -219,7 +219,7 @@ TEST_F(MachineContextFile, ReadsTheNumbersThatAProximityBeginsWith) {
     }
 }
 
-TEST_F(MachineContextFile, TakesAnOriginOfThreeNumbersOnly) {
+TEST_F(MachineContextFile, AcceptsAnOriginOfThreeNumbersOnly) {
     for (const char* origin :
          {"1 2 3", "1 2 3abc", "1 2 3 4", "\t1\t\v2\f3", "+1 2.0 3e0", "1 2 3,5", "1 2 0x3"}) {
         expectRead("[postpro]\norigin_program="s + origin + "\n",
@@ -235,7 +235,7 @@ TEST_F(MachineContextFile, TakesAnOriginOfThreeNumbersOnly) {
                [](auto& data) { data.setReferenceAxisForOriginProgram("r"); });
 }
 
-TEST_F(MachineContextFile, NeverLooksAtItsVersion) {
+TEST_F(MachineContextFile, IgnoresItsVersion) {
     for (const char* version : {"version=1\n", "version=99\n", "version=x\n", "version=\n", ""})
         expectRead("[header]\n"s + version + "name=n\n", [](auto& data) { data.setName("n"); });
 }
@@ -248,7 +248,7 @@ TEST_F(MachineContextFile, MayHaveItsSectionsInAnyOrder) {
         setComplete);
 }
 
-TEST_F(MachineContextFile, MayHoldWhatTheFormatDoesNotKnow) {
+TEST_F(MachineContextFile, MayHoldWhatTheFormatDoesNotDefine) {
     expectRead("# first\nfree text\nname=none\n\n" + completeText +
                    "other=1\n\n[other]\nname=o\n[ ]\nposition=o\n[open\n",
                setComplete);
@@ -267,7 +267,7 @@ TEST_F(MachineContextFile, ReadsEveryLineEnd) {
     expectRead("\xEF\xBB\xBF" + withLineEnds(completeText, "\r\n"), setComplete);
 }
 
-TEST_F(MachineContextFile, TakesTheLastSectionOfANameWhole) {
+TEST_F(MachineContextFile, UsesOnlyTheLastSectionOfAName) {
     expectRead(
         "[header]\nname=first\ncomment=first\n[machine]\nname=m\nposition=p\nproximity=9\n"
         "[header]\nname=last\n[ machine ]\nname=n\nposition=q\n",
@@ -281,7 +281,7 @@ TEST_F(MachineContextFile, TakesTheLastSectionOfANameWhole) {
     expectNothingRead("[machine]\nname=m\nposition=p\n[machine]\n");
 }
 
-TEST_F(MachineContextFile, TakesTheLastLineOfAKey) {
+TEST_F(MachineContextFile, UsesTheLastLineOfAKey) {
     expectRead("[header]\nname=1\nname = 2\n  name=3  \n", [](auto& data) { data.setName("3"); });
     expectNothingRead("[postpro]\norigin_program=1 2 3\norigin_program=none\n");
 }
@@ -369,7 +369,7 @@ TEST_F(MachineContextFile, HasFormatVersionTwo) {
     EXPECT_EQ(file.getVersion(), 2);
 }
 
-TEST_F(MachineContextFile, IsWrittenBehindWhatItsHeaderHoldsAlready) {
+TEST_F(MachineContextFile, IsWrittenAfterTheEarlierContentOfItsHeader) {
     CMachineContextIO file(QString::fromStdWString(path.wstring()));
     file.setHeaderValue("author", "shop");
     EXPECT_EQ(file.write(firstOperation()), eFileIOSuccess);
@@ -394,7 +394,7 @@ TEST_F(MachineContextFile, ReleasesItsStoreThroughItsBase) {
     EXPECT_STREQ(before, after);
 }
 
-TEST_F(MachineContextFile, IsOpenedForReadingOnlyWhereItIsAFile) {
+TEST_F(MachineContextFile, IsOpenedForReadingOnlyIfItIsAFile) {
     const ChannelLog log;
     CMachineContextData data = prefilled();
     for (const fs::path& name :

@@ -127,7 +127,7 @@ TEST_F(MachineContextOnWindows, IsNotReplacedWhileAnotherHandleKeepsItOpen) {
     }
 }
 
-TEST_F(MachineContextOnWindows, IsNotReplacedWhereItIsReadOnly) {
+TEST_F(MachineContextOnWindows, IsNotReplacedIfItIsReadOnly) {
     writeBytes(path_, oldText);
     ASSERT_NE(::SetFileAttributesW(path_.c_str(), FILE_ATTRIBUTE_READONLY), 0);
     expectOldFile();
@@ -161,7 +161,7 @@ TEST_F(MachineContextOnWindows, IsReadAsFarAsOtherHandlesShareIt) {
     EXPECT_EQ(ContextFields(data), ContextFields(allFields()));
 }
 
-TEST_F(MachineContextOnWindows, ThatCannotBeCreatedTakesItsReferenceFileAlong) {
+TEST_F(MachineContextOnWindows, ThatCannotBeCreatedHasItsReferenceFileRemoved) {
     writeBytes(directory_ / "[MACHINE_POSITION_1].mctx", oldText);
     const HeldFile held(directory_ / "[MACHINE_POSITION_1].mctx", FILE_SHARE_READ);
     std::wstring context = L"c";

@@ -140,7 +140,7 @@ protected:
 
 }  // namespace
 
-TEST_F(DamagedContext, IsReadAsFarAsItGoesWhereverItIsCut) {
+TEST_F(DamagedContext, IsReadUpToThePlaceAtWhichItIsCut) {
     for (const std::string& text : {completeText, "\xEF\xBB\xBF" + completeText}) {
         int complete = 0;
         int missing = 0;
@@ -156,7 +156,7 @@ TEST_F(DamagedContext, IsReadAsFarAsItGoesWhereverItIsCut) {
     }
 }
 
-TEST_F(DamagedContext, IsReadWhicheverOfItsLinesAreLost) {
+TEST_F(DamagedContext, IsReadWhicheverLinesAreMissing) {
     std::vector<std::string> lines;
     std::istringstream stream(completeText);
     for (std::string line; std::getline(stream, line);)
@@ -278,7 +278,7 @@ TEST_F(DamagedContext, WithALineOfAHundredMillionBytesIsRead) {
     EXPECT_EQ(comment.find_first_not_of('c'), std::string::npos);
 }
 
-TEST_F(DamagedContext, BeyondEverySizeGivesTwo) {
+TEST_F(DamagedContext, BeyondTheMaxSizeGivesTwo) {
     writeBytes(path, completeText);
     fs::resize_file(path, 268435457);
     CMachineContextData data = prefilled();

@@ -66,7 +66,7 @@ protected:
 
 }  // namespace
 
-TEST_F(MachineContextText, ThatIsEmptyComesBackEmptyWhereItsKeyIsAlwaysThere) {
+TEST_F(MachineContextText, ThatIsEmptyComesBackEmptyIfItsKeyIsAlwaysWritten) {
     for (std::size_t i = 0; i < contextTexts.size(); ++i) {
         if (i == surfaceGroupText || i == clampingSystemText) continue;
         const ContextText& text = contextTexts[i];
@@ -102,7 +102,7 @@ TEST_F(MachineContextText, MayLookLikeSyntax) {
         expectUnchanged(value);
 }
 
-TEST_F(MachineContextText, LosesWhatStandsBetweenAPlusAndTheNextParenthesis) {
+TEST_F(MachineContextText, LosesTheTextBetweenAPlusAndTheNextParenthesis) {
     expectText("A+B(1)", "A+", "A+");
     expectText("A+++B(1)C", "A+++C", "A+++C");
     expectText("A+(1)+(2)", "A++", "A++");

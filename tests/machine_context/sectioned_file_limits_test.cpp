@@ -177,7 +177,7 @@ TEST(SectionedFileLimits, AreReachedBeyond256MebibytesOfAFile) {
     EXPECT_EQ(valueOf(file, "s", "k"), "<none>");
 }
 
-TEST(SectionedFileLimits, AreReachedByWhatNeverEnds) {
+TEST(SectionedFileLimits, AreReachedByAnEndlessStream) {
     EndlessText text;
     std::istream stream(&text);
     EXPECT_EQ(CSectionedFile().parse(stream), -1);

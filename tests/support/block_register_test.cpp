@@ -34,7 +34,7 @@ protected:
 };
 block_register BlockRegister::register_;
 
-TEST_F(BlockRegister, KnowsWhatItHasBeenTold) {
+TEST_F(BlockRegister, KnowsTheRegisteredBlocks) {
     EXPECT_EQ(state(1), State::unknown);
     EXPECT_EQ(serial(1), 0U);
     add(1, 7);

@@ -140,7 +140,7 @@ TEST_F(Diagnostics, AFatalMessageAppearsWhileErrorsAreQuiet) {
         testing::endedByDefaultFatalHandler, ::testing::Eq(std::string("over\n")));
 }
 
-TEST_F(Diagnostics, QuietErrorsVanish) {
+TEST_F(Diagnostics, QuietErrorsAreNotPrinted) {
     set_quiet_errors(1);
     EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"", ""}));
 }
@@ -190,7 +190,7 @@ TEST_F(Diagnostics, TheQuietSwitchIsIgnoredWhileEchoedOrVerbose) {
     EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"lost\n", ""}));
 }
 
-TEST_F(Diagnostics, AMessageIsNeverTakenForAFormat) {
+TEST_F(Diagnostics, AMessageIsNeverUsedAsAFormat) {
     EXPECT_EQ(streamsOf([] { report_error("100%s %n%d"); }), (Streams{"", "100%s %n%d\n"}));
 }
 
@@ -233,7 +233,7 @@ TEST_F(Diagnostics, EachHandlerSetterReturnsTheHandlerThatItReplaced) {
     }
 }
 
-TEST_F(Diagnostics, ANullHandlerPutsTheDefaultBack) {
+TEST_F(Diagnostics, ANullHandlerRestoresTheDefault) {
     set_error_handler(ignore);
     set_error_handler(nullptr);
     EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"", "lost\n"}));
@@ -260,7 +260,7 @@ TEST_F(Diagnostics, TheSwitchesAreIndependent) {
     EXPECT_EQ(echo_output(), 1);
 }
 
-TEST_F(Diagnostics, AFatalHandlerThatReturnsLetsTheCallerGoOn) {
+TEST_F(Diagnostics, AFatalHandlerThatReturnsLetsTheCallerContinue) {
     set_fatal_handler(ignore);
     EXPECT_EQ(streamsOf([] { report_fatal("over"); }), (Streams{"", ""}));
 }

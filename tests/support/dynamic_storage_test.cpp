@@ -328,7 +328,7 @@ TEST_F(DynamicStorage, ASecondFreeIsReported) {
     EXPECT_THAT(log_.errors(), IsEmpty());
 }
 
-TEST_F(DynamicStorage, FreeingWhatIsNoBlockIsReported) {
+TEST_F(DynamicStorage, FreeingAnUnknownPointerIsReported) {
     int local = 5;
     auto* const block = static_cast<char*>(allocate_temporary(64));
     static const char text[] = "a text of the program";
@@ -392,7 +392,7 @@ TEST_F(DynamicStorage, TheOldAddressOfABlockThatMovedIsFreed) {
     void* old = nullptr;
     for (int i = 0; i < 100 && old == nullptr; ++i) {
         void* const block = allocate_temporary(64);
-        blocks.push_back(allocate_temporary(64));  // stands in the way of growing in place
+        blocks.push_back(allocate_temporary(64));  // prevents growing in place
         blocks.push_back(resize_temporary(block, 100000));
         if (blocks.back() != block) old = block;
     }

@@ -31,7 +31,7 @@ TEST_F(InstallRoot, IsAboveExeAndMsw) {
     EXPECT_EQ(root_of_program("\\\\server\\share\\exe\\msw\\trv.exe"), "//server/share");
 }
 
-TEST_F(InstallRoot, IsNoneForAnyOtherPlace) {
+TEST_F(InstallRoot, IsMissingForAnyOtherDirectory) {
     EXPECT_EQ(root_of_program("/opt/trv/exe/bin/program"), "");
     EXPECT_EQ(root_of_program("/opt/trv/bin/msw/program"), "");
     EXPECT_EQ(root_of_program("/opt/exe/msw/bin/program"), "");
@@ -42,14 +42,14 @@ TEST_F(InstallRoot, IsNoneForAnyOtherPlace) {
     EXPECT_EQ(root_of_program(""), "");
 }
 
-TEST_F(InstallRoot, IsNoneForAModuleNameOf512Characters) {
+TEST_F(InstallRoot, IsMissingForAModuleNameOf512Characters) {
     const std::string end = "/exe/msw/p";
     const std::string longest(511 - end.size(), 'x');
     EXPECT_EQ(root_of_program(longest + end), longest);
     EXPECT_EQ(root_of_program("x" + longest + end), "");
 }
 
-TEST_F(InstallRoot, IsTrvhomeAsItStands) {
+TEST_F(InstallRoot, IsTheUnchangedTrvhome) {
     home_.set("C:\\trv\\");
     serverHome_.set("/server");
     EXPECT_STREQ(install_root(false), "C:\\trv\\");
@@ -79,7 +79,7 @@ TEST_F(InstallRoot, AnEmptyVariableIsUnset) {
     EXPECT_EQ(install_root(false), nullptr);
 }
 
-TEST_F(InstallRoot, IsNoneWhereTheProgramIsNotInstalled) {
+TEST_F(InstallRoot, IsMissingIfTheProgramIsNotInstalled) {
     EXPECT_EQ(install_root(true), nullptr);
     EXPECT_EQ(published(), "<none>");
 }

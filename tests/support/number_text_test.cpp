@@ -153,14 +153,14 @@ TEST(NumberText, WritesNanWithoutASignAndBothInfinities) {
     EXPECT_EQ(fixed(-infinity, 12), "        -inf");
 }
 
-TEST(NumberText, WritesTheLongestNumberInFull) {
+TEST(NumberText, WritesANumberOfMaxLengthInFull) {
     const std::string text = fixed(std::numeric_limits<double>::lowest(), 12);
     EXPECT_EQ(text.size(), 317U);
     EXPECT_EQ(text.substr(0, 22), "-179769313486231570814");
     EXPECT_EQ(text, printed("%.6f", std::numeric_limits<double>::lowest()));
 }
 
-TEST(NumberText, AppendsToWhatIsThere) {
+TEST(NumberText, AppendsToTheEarlierText) {
     std::string text = "x";
     append_fixed(text, 1.5, 10);
     append_decimal(text, 7);
@@ -203,7 +203,7 @@ TEST(NumberText, ReadsPlainNumbersOfAnyLength) {
     expectNumber("-.0 ", -0.0, " ");
 }
 
-TEST(NumberText, EndsAPlainNumberWhereStrtodDoes) {
+TEST(NumberText, EndsAPlainNumberAtTheSamePlaceAsStrtod) {
     expectNumber("1.5\v2", 1.5, "\v2");
     expectNumber("1.5,2", 1.5, ",2");
     expectNumber("1.5-2", 1.5, "-2");
@@ -303,7 +303,7 @@ TEST(NumberText, SkipsWhiteSpaceBeforeANumber) {
     expectInteger(" \t\n\v\f\r7", 7);
 }
 
-TEST(NumberText, LeavesATextWithoutANumberAsItIs) {
+TEST(NumberText, DoesNotChangeATextWithoutANumber) {
     for (const char* text : {"", " ", "x", " x", "+", "-", ".", "-.", "e5", ".e5", "+-1", "- 1",
                              ",5", "i", "na", "#", "(1)"})
         expectNoNumber(text);
@@ -382,7 +382,7 @@ TEST(NumberText, ClampsIntegersToTheirRange) {
     expectInteger("000000000000000000000000000000001", 1);
 }
 
-TEST(NumberText, TakesSixCharactersForWhiteSpaceAndNoOthers) {
+TEST(NumberText, TreatsSixCharactersAsWhiteSpaceAndNoOthers) {
     std::string_view text = " \t\n\v\f\r \x1C";
     skip_white_space(text);
     EXPECT_EQ(text, "\x1C");

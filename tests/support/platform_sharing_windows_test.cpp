@@ -52,7 +52,7 @@ TEST_F(SharingOnWindows, EndsLinesWithCrLf) {
     EXPECT_EQ(bytesOf(directory_ / "g"), "A\r\nb\r\n");
 }
 
-TEST_F(SharingOnWindows, NobodyElseWritesToAHeldFileOrRemovesIt) {
+TEST_F(SharingOnWindows, AHeldFileIsNotWrittenOrRemovedByOthers) {
     const int held = hold("f");
     EXPECT_EQ(open_for_write(path("f"), file_mode::binary), nullptr);
     EXPECT_EQ(open_for_append(path("f").c_str(), file_mode::binary), nullptr);

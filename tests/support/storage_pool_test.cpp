@@ -206,7 +206,7 @@ TEST_F(StoragePool, TakesAsManyStepsAsTheMaximumAllows) {
     pool_destroy(pool);
 }
 
-TEST_F(StoragePool, TakesTheStepsThatAreNeverRefused) {
+TEST_F(StoragePool, GrowsByTheStepsThatAreAlwaysAllowed) {
     set_storage_maximum(0);
     storage_pool* const pool = pool_create(100);
     EXPECT_EQ(pool_reserve(pool, 5000), -1);

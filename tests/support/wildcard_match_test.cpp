@@ -38,7 +38,7 @@ TEST(WildcardMatch, AQuestionMarkMatchesOneCharacterAndNoEnd) {
     EXPECT_EQ(matches("?*?", "x"), 0);
 }
 
-TEST(WildcardMatch, AnEmptyPatternMatchesAnEmptyNameAlone) {
+TEST(WildcardMatch, AnEmptyPatternMatchesOnlyAnEmptyName) {
     EXPECT_EQ(matches("", ""), 1);
     EXPECT_EQ(matches("", "a"), 0);
     EXPECT_EQ(matches("a", ""), 0);

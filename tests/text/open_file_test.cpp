@@ -81,13 +81,13 @@ TEST_F(OpenFile, ReadsTheLinesOfATextThatItWrote) {
     EXPECT_EQ(textOf(directory_ / "f"), "a\nb\n");
 }
 
-TEST_F(OpenFile, CutsAFileToNothingForWriting) {
+TEST_F(OpenFile, TruncatesAFileForWriting) {
     writeBytes(directory_ / "f", "old text");
     EXPECT_TRUE(write(path(L"f"), "new"));
     EXPECT_EQ(bytesOf(directory_ / "f"), "new");
 }
 
-TEST_F(OpenFile, TakesNamesWithAnyCharacters) {
+TEST_F(OpenFile, AcceptsNamesWithAnyCharacters) {
     for (const wchar_t* name :
          {L"\u00E4", L"\u4E2D\u6587", L"\U0001F527", L"50%d", L"[a] b", L"$X", L"~", L"\uFFFD"}) {
         EXPECT_TRUE(write(path(name), "x"));
@@ -96,7 +96,7 @@ TEST_F(OpenFile, TakesNamesWithAnyCharacters) {
     }
 }
 
-TEST_F(OpenFile, TakesBothSeparators) {
+TEST_F(OpenFile, AcceptsBothSeparators) {
     fs::create_directory(directory_ / "d");
     EXPECT_TRUE(write(path(L"d\\f"), "x"));
     EXPECT_EQ(bytesOf(directory_ / "d/f"), "x");
@@ -104,7 +104,7 @@ TEST_F(OpenFile, TakesBothSeparators) {
     EXPECT_EQ(read(path(L"\\d\\\\f")), "x");
 }
 
-TEST_F(OpenFile, TakesRelativeNamesInTheCurrentDirectory) {
+TEST_F(OpenFile, ResolvesRelativeNamesInTheCurrentDirectory) {
     const CurrentDirectory here(directory_.path());
     EXPECT_TRUE(write(QStringLiteral("f"), "x"));
     EXPECT_EQ(read(QStringLiteral("./f")), "x");
@@ -135,7 +135,7 @@ TEST_F(OpenFile, DoesNotOpenForHalfACharacterOnPosix) {
     EXPECT_EQ(bytesOf(directory_ / "a\xF0\x9F\x94\xA7"), "wrench");
 }
 
-TEST_F(OpenFile, TellsWhyAFileDoesNotOpen) {
+TEST_F(OpenFile, ReportsWhyAFileDoesNotOpen) {
     if (!can_fork) GTEST_SKIP() << "Windows has other reasons";
     fs::create_directory(directory_ / "d");
     writeBytes(directory_ / "f", "x");
@@ -166,7 +166,7 @@ TEST_F(OpenFile, SharesItsFileWithOthers) {
     EXPECT_NE(reader, nullptr);
 }
 
-TEST_F(OpenFile, TellsWhichFilesAreReadable) {
+TEST_F(OpenFile, ReportsWhichFilesAreReadable) {
     const CurrentDirectory here(directory_.path());
     writeBytes(directory_ / "f", "");
     writeBytes(directory_ / "\xC3\xA4", "x");
@@ -199,7 +199,7 @@ TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {
     EXPECT_FALSE(file.isWritable());
 }
 
-TEST_F(OpenFile, SaysWhyItDoesNotReadForQt) {
+TEST_F(OpenFile, ReportsWhyItDoesNotReadForQt) {
     fs::create_directory(directory_ / "d");
     for (const QString& none : {path(L"missing"), path(L"d"), path(L"f\0"s), QString()}) {
         file_handle handle;

@@ -183,7 +183,7 @@ private:
     Shared<Progress> progress_;
 };
 
-TEST_P(FailingAllocationsOf, AreToldAndLoseNothing) {
+TEST_P(FailingAllocationsOf, AreReportedAndLeakNothing) {
     for (const FaultKind& kind : faultKinds) {
         if (kind.handlersThrow && !hasReported()) continue;
         strike(kind);

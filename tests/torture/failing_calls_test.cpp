@@ -28,8 +28,7 @@ constexpr FaultKind faultKinds[] = {
 
 std::string describe(const FaultKind& kind, int number) {
     return "call " + std::to_string(number) + (kind.forEver ? " and all later ones: " : ": ") +
-           std::strerror(kind.reason) +
-           (kind.handlersThrow ? "; a handler throws" : "");
+           std::strerror(kind.reason) + (kind.handlersThrow ? "; a handler throws" : "");
 }
 
 class FailingCallsOf : public OperationTest {
@@ -75,7 +74,7 @@ private:
     Shared<int> failures_;
 };
 
-TEST_P(FailingCallsOf, AreToldAndLeaveEverythingWhole) {
+TEST_P(FailingCallsOf, AreReportedAndDamageNothing) {
     if (!canFailCalls()) GTEST_SKIP() << "a process cannot answer its own system calls here";
     int faults = 0;
     for (const FaultKind& kind : faultKinds) {

@@ -58,7 +58,7 @@ private:
     TemporaryDirectory directory_;
 };
 
-TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheNewOneWhole) {
+TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheCompleteNewOne) {
     if (!canTraceProcesses()) GTEST_SKIP() << "processes cannot be traced here";
     int old = 0;
     int replaced = 0;
@@ -77,7 +77,7 @@ TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheNewOneWhole) {
     RecordProperty("kills", old + replaced);
 }
 
-TEST_P(KilledSaveOf, AtAnyMomentLeavesTheOldFileOrTheNewOneWhole) {
+TEST_P(KilledSaveOf, AtAnyMomentLeavesTheOldFileOrTheCompleteNewOne) {
     const int rounds = 1000 * tortureRounds();
     std::minstd_rand random(20);
     // Up to two pairs of saves, so the kills occur in every part of a save.

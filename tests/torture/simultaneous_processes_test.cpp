@@ -83,7 +83,7 @@ protected:
     Shared<Counts> counts_;
 };
 
-TEST_P(SimultaneousSavesOf, OneFileAllSucceedAndAreReadWhole) {
+TEST_P(SimultaneousSavesOf, OneFileAllSucceedAndAreReadCompletely) {
     constexpr int readers = 2;
     constexpr int savers = 2;
     const int times = 300 * tortureRounds();
