@@ -107,7 +107,7 @@ QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
                         {QStringLiteral("vec2"), 4},
                         {QStringLiteral("vec3"), 8},
                         {QStringLiteral("translate"), 12}};
-    axis.matrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    axis.matrix = identityAxis;
     int vectors = 0;
     for (const Row& row : rows) {
         if (!call.isSet(row.option)) continue;

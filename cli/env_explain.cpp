@@ -7,7 +7,6 @@
 #include <trvfiles/text/text_conversion.h>
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace trv::cli {
@@ -24,15 +23,15 @@ struct Explanation {
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
 
-Explanation explanationOf(const Subject& subject, RuntimeMessages& messages) {
+Explanation explanationOf(const Subject& subject) {
     Explanation explanation;
     explanation.subject = subject;
     explanation.value = lookUp(subject);
     explanation.definitions = definitionsOf(subject);
     if (explanation.refersToOthers()) {
-        explanation.expansion =
-            expand(explanation.value.text, false, messages,
-                   [&](std::string_view lookup) { explanation.lookups.emplace_back(lookup); });
+        explanation.expansion = expand(
+            explanation.value.text, false,
+            [&](const lookup_event& lookup) { explanation.lookups.push_back(event_text(lookup)); });
     }
     return explanation;
 }
@@ -51,14 +50,14 @@ QString reasonText(const Explanation& explanation) {
 
 // The value so far, cut where it is long, since each definition of a list shows more of it.
 QString extendedText(const Definition& definition, bool all) {
-    constexpr int longestShown = 200;
+    constexpr int maxShown = 200;
     if (definition.isBeyondLimits) {
         return QStringLiteral("+ is a value beyond the limits of the runtime");
     }
     const QString text = fromNarrow(definition.extended);
-    if (all || text.size() <= longestShown) return QStringLiteral("+ is '%1'").arg(shown(text));
+    if (all || text.size() <= maxShown) return QStringLiteral("+ is '%1'").arg(shown(text));
     return QStringLiteral("+ is '%1' (%2 characters; --all shows them)")
-        .arg(shown(beginningOf(text, longestShown)), QString::number(text.size()));
+        .arg(shown(beginningOf(text, maxShown)), QString::number(text.size()));
 }
 
 void printDefinitions(const char* title, const History& definitions, bool all, std::ostream& out) {
@@ -155,7 +154,7 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
     return askInstallation(call, console, [&](RuntimeMessages& messages, const Console&) {
-        const Explanation explanation = explanationOf(subject, messages);
+        const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
         // Not held back, since it may be large, and the runtime is not asked any more.
         const bool isDefined = explanation.value.isDefined;

@@ -1,11 +1,11 @@
-#include <cli/context_fields.h>
 #include <cli/file_kind.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
+#include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <algorithm>
 #include <string_view>
-#include <vector>
 
 namespace trv::cli {
 namespace {
@@ -32,7 +32,7 @@ bool isAxisFlag(std::string_view beginning) {
 bool hasContextSection(std::FILE* file) {
     CSectionedFile parsed;
     if (parsed.parse(file) != 0) return false;
-    const std::vector<ContextField>& fields = contextFields();
+    const auto& fields = contextFields();
     return std::any_of(fields.begin(), fields.end(), [&](const ContextField& field) {
         return parsed.section(field.section, true).headerLine() >= 0;
     });
@@ -47,8 +47,10 @@ FileKind kindOf(std::FILE* file) {
     if (looksLikeXml(beginning)) return FileKind::assembly;
 
     std::rewind(file);
-    const int faultyLine = readAxisContent(file).faultyLine;
-    if (faultyLine != firstMatrixLine || isAxisFlag(beginning)) return FileKind::axis;
+    AxisContent content;
+    CFileFault fault;
+    readAxisText(file, content, &fault);
+    if (fault.line != firstMatrixLine || isAxisFlag(beginning)) return FileKind::axis;
 
     std::rewind(file);
     return hasContextSection(file) ? FileKind::machineContext : FileKind::unknown;

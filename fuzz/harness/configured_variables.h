@@ -2,7 +2,7 @@
 
 #include <fuzz/harness/require.h>
 #include <trvfiles/environment/message_store.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/platform.h>
 
 namespace trv::fuzz {

@@ -10,6 +10,7 @@
 #include <trvfiles/assembly/dom_walk.h>
 #include <trvfiles/assembly/xml_characters.h>
 #include <trvfiles/assembly/xml_screen.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <QBuffer>
 #include <QByteArray>
@@ -40,14 +41,16 @@ EFileIOStatus readText(const QByteArray& text, CTrvAssemblyData& data) {
     device.setData(text);
     device.open(QIODevice::ReadOnly);
     DomTree tree;
-    ReadReport report;
-    if (!parseDocument(device, tree, report.fault)) {
-        require(!report.fault.reason.isEmpty() && report.fault.line > 0, "a fault has its place");
+    CFileFault fault;
+    if (!parseDocument(device, tree, &fault)) {
+        require(!fault.reason.empty() && fault.line > 0, "a fault has its place");
         return eFileIOContentError;
     }
     requireXmlCharactersOutsideTags(tree.document);
     int version = 0;
-    return readDocument(tree.document, version, data, report);
+    const EFileIOStatus status = readDocument(tree.document, version, data, &fault);
+    require(fault.reason.empty() == (status == eFileIOSuccess), "every failure has a reason");
+    return status;
 }
 
 bool writeText(const CTrvAssemblyData& data, QByteArray& text) {
@@ -72,7 +75,7 @@ struct Screened {
 };
 
 Screened screened(const QString& text, int pieceLength) {
-    XmlScreen screen(deepestNesting);
+    XmlScreen screen(maxNesting);
     QString passed;
     for (int start = 0; start < text.size() && screen.refusal() == XmlScreen::Refusal::none;
          start += pieceLength) {

@@ -1,5 +1,5 @@
-#include <trvfiles/support/directory_list.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/support/list_elements.h>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@ namespace {
 
 std::vector<std::string> elementsOf(std::string_view list) {
     std::vector<std::string> elements;
-    for (std::string_view element; next_list_element(list, element);)
+    for (std::string_view element; consume_list_element(list, element);)
         elements.emplace_back(element);
     EXPECT_TRUE(list.empty());
     return elements;

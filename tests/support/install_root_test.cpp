@@ -2,8 +2,8 @@
 #include <tests/common/scoped_variable.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/support/file_system.h>
-#include <trvfiles/support/install_root.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/support/program_root.h>
 
 #include <gtest/gtest.h>
 

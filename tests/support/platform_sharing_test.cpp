@@ -2,6 +2,7 @@
 #include <tests/common/system.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/support/platform_sharing.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <gtest/gtest.h>
 

@@ -4,6 +4,7 @@
 #include <tests/common/held_file_windows.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/support/platform_sharing.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <aclapi.h>
 

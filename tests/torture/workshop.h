@@ -4,7 +4,7 @@
 /// The environment of a tested operation: a directory of files, an installation, and a fault that
 /// occurs while the operation runs.
 
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 
 #include <filesystem>
 #include <map>

@@ -2,6 +2,7 @@
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/component_body.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QDomElement>
@@ -18,8 +19,10 @@ constexpr int formatVersion = 1;
 
 // A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
 // more.
-constexpr std::size_t deepestComponent = (deepestNesting - 2) / 2;
-constexpr std::size_t deepestShallowComponent = (shallowNesting - 2) / 2;
+constexpr std::size_t maxLevel = (maxNesting - 2) / 2;
+constexpr std::size_t maxShallowLevel = (shallowNesting - 2) / 2;
+
+constexpr char noncharacter[] = " has a text with U+FFFE or U+FFFF, which XML does not allow";
 
 // Qt's parser takes U+FFFE and U+FFFF for the end of its input.
 bool canBeReadBack(const QString& text) {
@@ -35,7 +38,8 @@ bool setText(QDomElement& element, const QString& attribute, const std::string& 
 
 class Writer {
 public:
-    explicit Writer(DomTree& tree) : tree_(tree), document_(tree.document) {}
+    Writer(DomTree& tree, CFileFault* fault)
+        : tree_(tree), document_(tree.document), fault_(fault) {}
 
     bool write(const CTrvAssemblyData& data) {
         document_.appendChild(document_.createProcessingInstruction(
@@ -73,7 +77,7 @@ private:
         appendVector(attributes, names::dimension(), dimension);
     }
 
-    // The tree may be deeper than the stack, so what is left to write stands in a list.
+    // Iterative, with a list of the open levels: the tree may be deeper than the stack allows.
     bool writeTree(QDomElement& root, const ComponentBody& component) {
         if (!writeComponent(root, component)) return false;
         while (!pending_.empty()) {
@@ -89,11 +93,13 @@ private:
     }
 
     bool writeComponent(QDomElement& parent, const ComponentBody& component) {
-        if (pending_.size() >= deepestComponent) return false;
-        if (pending_.size() >= deepestShallowComponent) tree_.isDeep = true;
+        if (pending_.size() >= maxLevel) return refuse(component, " is nested too deeply");
+        if (pending_.size() >= maxShallowLevel) tree_.isDeep = true;
         QDomElement element = append(parent, names::component());
-        if (!setText(element, names::name(), component.name)) return false;
-        if (!setText(element, names::comment(), component.comment)) return false;
+        if (!setText(element, names::name(), component.name) ||
+            !setText(element, names::comment(), component.comment)) {
+            return refuse(component, noncharacter);
+        }
         element.setAttribute(names::enabled(), component.enabled ? 1 : 0);
         appendVector(element, names::translation(), component.translation);
         QDomElement orientation = append(element, names::orientation());
@@ -105,8 +111,10 @@ private:
 
     bool writeData(QDomElement& element, const ComponentBody& component) {
         const QString fileName = fromNarrow(component.geometryFileName);
-        if (fileName.isEmpty() && component.components.empty()) return false;
-        if (!canBeReadBack(fileName)) return false;
+        if (fileName.isEmpty() && component.components.empty()) {
+            return refuse(component, " has neither a geometry file nor components");
+        }
+        if (!canBeReadBack(fileName)) return refuse(component, noncharacter);
         QDomElement data = append(element, names::data());
         if (fileName.isEmpty()) {
             data.setAttribute(names::number(),
@@ -120,15 +128,23 @@ private:
         return true;
     }
 
+    bool refuse(const ComponentBody& component, const char* reason) {
+        if (fault_ == nullptr) return false;
+        const std::string name = fromNarrow(component.name).toStdString();
+        set_fault(fault_, "component " + quoted_beginning(name) + reason);
+        return false;
+    }
+
     DomTree& tree_;
     QDomDocument& document_;
+    CFileFault* const fault_;
     std::vector<Pending> pending_;
 };
 
 }  // namespace
 
-bool writeDocument(const CTrvAssemblyData& data, DomTree& tree) {
-    return Writer(tree).write(data);
+bool writeDocument(const CTrvAssemblyData& data, DomTree& tree, CFileFault* fault) {
+    return Writer(tree, fault).write(data);
 }
 
 }  // namespace trv

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Comparing without regard to case: the 26 ASCII letters fold, every other byte compares exactly,
-/// in every locale.
+/// Comparisons that ignore the case of the 26 ASCII letters. Every other byte compares exactly, in
+/// every locale.
 ///
 /// Threads: any.
 
@@ -16,7 +16,7 @@ constexpr char fold_case(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// The text that all texts share which differ from this one in case alone.
+/// The text in upper case. Texts that differ only in case have it in common.
 inline std::string fold_case(std::string_view text) {
     std::string folded(text);
     for (char& c : folded)

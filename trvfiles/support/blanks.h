@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What the runtime takes for a blank: the characters with codes 1 to 32. Bytes from 128 on and
-/// the zero byte are none, in every locale.
+/// The blanks of the runtime: the characters with codes 1 to 32, in every locale. Bytes from 128 on
+/// and the zero byte are not blanks.
 ///
 /// Threads: any.
 
@@ -32,7 +32,7 @@ constexpr std::string_view trim(std::string_view text) {
     return trim_leading(trim_trailing(text));
 }
 
-/// Ends a NUL-terminated text where its trailing blanks begin. A null pointer is left alone.
+/// Cuts the trailing blanks off a NUL-terminated text. nullptr is ignored.
 inline void cut_trailing_blanks(char* text) {
     if (text == nullptr) return;
     const std::size_t kept = trim_trailing(std::string_view(text)).size();

@@ -38,6 +38,7 @@ void block_register::retire(const finding& found) {
     }
     std::uint16_t slot = retired.slot;
     if (slot == 0) {
+        // All slots are in use: take that of the oldest freed address.
         slot = freed_[0].newer;
         retired.slot = slot;
         unlink(slot);
@@ -49,7 +50,9 @@ void block_register::retire(const finding& found) {
     freed_[0].older = slot;
 }
 
-// Takes an entry out and moves up those behind it that it has kept from their homes.
+// Deletion without tombstones. Invariant: no empty place lies between an entry's home and its
+// place. So each entry after the hole whose home is not between the hole and itself moves into the
+// hole, until an empty place ends the run.
 void block_register::erase(std::uintptr_t address) {
     std::size_t hole = place_of(address);
     for (std::size_t next = next_place(hole); table_[next].address != 0; next = next_place(next)) {

@@ -27,7 +27,7 @@ bool goes_to_output() {
     return output_is_echoed || is_verbose() != 0;
 }
 
-// The stream's failures are nobody's business: there is no channel left to report them.
+// A failed write is ignored: there is nowhere to report it.
 void print_line(std::FILE* stream, const char* message) {
     static_cast<void>(std::fprintf(stream, "%s\n", message));
 }
@@ -49,8 +49,8 @@ void print_trace(const char* message) {
     if (goes_to_output()) print_line(stdout, message);
 }
 
-// The message may be a looked-up text, which the lookups of a host's handler overwrite: such a
-// handler gets a copy, as far as there is memory for one. The default handlers look nothing up.
+// The message may be a looked-up text, which the lookups of a host's handler overwrite. So such a
+// handler gets a copy, if there is memory for one. The default handlers look nothing up.
 void send(message_handler handler, message_handler standard, const char* message) {
     if (message == nullptr) message = "";
     std::string copy;
@@ -59,7 +59,7 @@ void send(message_handler handler, message_handler standard, const char* message
             copy = message;
             message = copy.c_str();
         } catch (const std::bad_alloc&) {
-            // A report of exhausted memory has to get through.
+            // A report that memory is exhausted must not need memory.
         }
     }
     handler(message);

@@ -21,11 +21,11 @@ struct block_header {
     std::uint32_t tag;
     std::uint32_t serial;
 };
-static_assert(sizeof(block_header) == 16, "the header keeps the alignment of the heap below");
+static_assert(sizeof(block_header) == 16, "a block is aligned as the memory of malloc()");
 
-// No object is larger, and the heap below would not take a request beyond it.
+// No object is larger, and malloc() refuses a larger request. Adding the header cannot overflow.
 constexpr std::size_t largest_block = PTRDIFF_MAX - sizeof(block_header);
-// Smaller permanent requests are never refused.
+// Smaller permanent requests are never refused because of the maximum.
 constexpr std::size_t smallest_capped_request = 1025;
 
 block_register blocks;
@@ -38,7 +38,7 @@ block_header* header_of(void* block) {
     return static_cast<block_header*>(block) - 1;
 }
 
-// Unsigned arithmetic: a shrinking block adds the difference modulo 2^64, which subtracts it.
+// The difference of a block that shrinks wraps around modulo 2^64, so adding it subtracts.
 void count(std::uint32_t tag, std::uint64_t difference) {
     bytes_in_use += difference;
     if (tag == permanent_tag) permanent_bytes_in_use += difference;
@@ -63,8 +63,8 @@ void refuse_resize(const char* kind, std::uint32_t serial) {
     report_fatal(text.c_str());
 }
 
-// Whether the block is live and has the tag; if not, that is reported.
-bool may_resize(std::uint32_t tag, void* block, const block_register::finding& found) {
+// Whether the block is live and has the tag. Reports the reason if not.
+bool check_resize(std::uint32_t tag, void* block, const block_register::finding& found) {
     if (found.kind == block_register::state::freed) {
         refuse_resize("previously freed memory #", found.serial);
         return false;
@@ -82,8 +82,8 @@ bool may_resize(std::uint32_t tag, void* block, const block_register::finding& f
     return false;
 }
 
-// The block at its new place, or null with the old one untouched. Where the heap cannot extend the
-// block but can still give a fresh one, the old one stays as it is: it is never used again.
+// The block at its new place, or nullptr with the old block unchanged. If realloc() fails and
+// malloc() succeeds, the old memory stays allocated and is never used again.
 block_header* resize_block(block_header* header, std::size_t size) {
     const std::size_t space = sizeof(block_header) + size;
     const block_header old = *header;
@@ -105,7 +105,7 @@ enum class exhaustion { reported, silent };
 // As _Wrealloc(), for a block.
 void* resize(std::uint32_t tag, void* block, std::size_t size, exhaustion when_exhausted) {
     const block_register::finding found = blocks.find(block);
-    if (!may_resize(tag, block, found)) return nullptr;
+    if (!check_resize(tag, block, found)) return nullptr;
     block_header* const header = header_of(block);
     const auto old_size = static_cast<std::size_t>(header->size);
     if (size > old_size && is_refused(tag, size, size - old_size)) return nullptr;

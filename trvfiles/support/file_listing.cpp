@@ -1,12 +1,13 @@
 #include <trvfiles/support/ascii_case.h>
 #include <trvfiles/support/dynamic_storage.h>
-#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/file_listing.h>
 #include <trvfiles/support/platform.h>
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,7 +24,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t longest_pattern = 511;
+constexpr std::size_t max_pattern_length = 511;
 constexpr int growth = 50;
 
 bool is_letter(char c) {
@@ -50,10 +51,15 @@ std::vector<std::string> matching_names(const char* directory, const char* patte
     return names;
 }
 
+bool matches_one(char pattern, char c, bool case_sensitive) {
+    if (pattern == '?' || pattern == c) return true;
+    return !case_sensitive && fold_case(pattern) == fold_case(c);
+}
+
 struct listing_deleter {
     void operator()(file_listing* listing) const noexcept { listing_free(listing); }
 };
-// Freed on every way out, also when a host's handler throws.
+// Frees its listing when it is destroyed, also if a host's handler throws.
 using listing_handle = std::unique_ptr<file_listing, listing_deleter>;
 
 listing_handle create_listing() {
@@ -83,11 +89,37 @@ bool append(file_listing& listing, const std::string& entry) {
 
 }  // namespace
 
+// Greedy with one step back. Invariant: if the name matches, it matches with every "*" before the
+// last one as short as possible, so only the last "*" ever takes more characters. The cost is at
+// most the product of both lengths.
+int wildcard_match(const char* pattern, const char* name, bool case_sensitive) {
+    if (pattern == nullptr || name == nullptr) return 1;
+    const char* after_star = nullptr;
+    const char* star_end = nullptr;
+    while (*name != '\0') {
+        if (*pattern == '*') {
+            after_star = ++pattern;
+            star_end = name;
+        } else if (*pattern != '\0' && matches_one(*pattern, *name, case_sensitive)) {
+            ++pattern;
+            ++name;
+        } else if (after_star != nullptr) {
+            pattern = after_star;
+            name = ++star_end;
+        } else {
+            return 0;
+        }
+    }
+    while (*pattern == '*')
+        ++pattern;
+    return *pattern == '\0' ? 1 : 0;
+}
+
 file_listing* list_matching(const char* pattern) {
     listing_handle listing = create_listing();
     if (listing == nullptr || pattern == nullptr) return listing.release();
     const std::string_view whole = pattern;
-    if (whole.size() > longest_pattern) return listing.release();
+    if (whole.size() > max_pattern_length) return listing.release();
     const std::string prefix(whole.substr(0, directory_length(whole)));
     const char* const directory = prefix.empty() ? ".\\" : prefix.c_str();
     for (const std::string& name : matching_names(directory, pattern + prefix.size())) {

@@ -1,9 +1,13 @@
+#include <trvfiles/support/blanks.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/support/list_elements.h>
 #include <trvfiles/support/platform.h>
+#include <trvfiles/support/program_root.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 namespace trv {
@@ -11,15 +15,15 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// Room for a path in the runtime, terminator included. A longer one is never cut and then used.
-constexpr std::size_t path_space = 512;
-constexpr int directory_name_space = 128;
+// The size of a path in bytes, terminator included. A longer path is never cut and then opened.
+constexpr std::size_t path_size = 512;
+constexpr int directory_name_size = 128;
 
 constexpr bool is_separator(char c) {
     return c == '/' || c == '\\';
 }
 
-// Writes at most size - 1 characters and a terminator; gives the length of the whole text.
+// Writes at most size - 1 characters and a terminator. Returns the length of the whole text.
 std::size_t write_collapsed(const char* source, char* destination, std::size_t size) {
     std::size_t length = 0;
     for (bool in_run = false; *source != '\0'; ++source) {
@@ -34,17 +38,18 @@ std::size_t write_collapsed(const char* source, char* destination, std::size_t s
     return length;
 }
 
-// A path with its separators collapsed; an empty one where there is no room for it.
+// A path with its separators collapsed; empty, which names nothing, if it does not fit.
 struct collapsed_path {
     explicit collapsed_path(const char* path) {
         if (path == nullptr || write_collapsed(path, text, sizeof text) >= sizeof text)
             *text = '\0';
     }
-    char text[path_space];
+    char text[path_size];
 };
 
-// Makes the directories that end at the separators behind the first one, from the first missing one
-// on. The separators are single.
+// Creates the missing directories that end at a separator after the first one. After the first
+// missing one all are missing, so only the ones before it are looked up. REQUIRES: no two
+// separators in a row.
 bool make_parents(char* path) {
     char* const root = std::strchr(path, '\\');
     if (root == nullptr) return true;
@@ -58,6 +63,27 @@ bool make_parents(char* path) {
         if (failed) return false;
     }
     return true;
+}
+
+bool is_set(const char* value) {
+    return value != nullptr && *value != '\0';
+}
+
+std::string root_outside_trvhome() {
+    const char* server_root = platform::get_environment("TRVHOME_LS");
+    return is_set(server_root) ? server_root : root_of_program(platform::program_file());
+}
+
+struct list_cursor {
+    std::string list;
+    std::size_t position = 0;
+    std::string element;
+};
+
+// Never destroyed: static objects of a host may still walk a list.
+list_cursor& cursor() {
+    static list_cursor& only = *new list_cursor;
+    return only;
 }
 
 }  // namespace
@@ -114,7 +140,7 @@ const char* current_directory_name(char* buffer, int size) {
 }
 
 const char* current_directory_name(char* buffer) {
-    return current_directory_name(buffer, directory_name_space);
+    return current_directory_name(buffer, directory_name_size);
 }
 
 const char* directory_identity(const char* path) {
@@ -127,6 +153,44 @@ const char* directory_identity(const char* path) {
                                         identity.index_high, identity.index_low));
     }
     return text;
+}
+
+const char* install_root(bool publish) {
+    // Never destroyed: static objects of a host may still use the root.
+    static std::string& root = *new std::string;
+    const char* home = platform::get_environment("TRVHOME");
+    if (is_set(home)) {
+        root = home;
+        return root.c_str();
+    }
+    root = root_outside_trvhome();
+    if (root.empty()) return nullptr;
+    if (publish) platform::set_environment("TRVHOME", root.c_str());
+    return root.c_str();
+}
+
+void list_begin(const char* list) {
+    // The list may be the element that the cursor holds.
+    cursor() = {list == nullptr ? std::string() : list, 0, {}};
+}
+
+const char* list_next_element() {
+    list_cursor& at = cursor();
+    std::string_view rest = std::string_view(at.list).substr(at.position);
+    std::string_view element;
+    while (consume_list_element(rest, element)) {
+        element = trim(element);
+        if (element.empty()) continue;
+        at.position = at.list.size() - rest.size();
+        at.element = element;
+        return at.element.c_str();
+    }
+    at.position = at.list.size();
+    return nullptr;
+}
+
+void list_end() {
+    cursor() = {};
 }
 
 }  // namespace trv

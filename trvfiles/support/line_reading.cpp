@@ -10,18 +10,18 @@ namespace {
 
 }  // namespace
 
-// fgets() does not tell how much it has read, and a NUL of the file looks like the end of the text.
-// So the buffer is first filled with bytes that are neither: the first newline is one of the file,
-// and without one the last zero is the terminator.
-std::size_t read_line(std::FILE* stream, char* buffer, std::size_t most) {
-    constexpr std::size_t longest_step = 1023;
-    // Most lines are shorter.
+// fgets() does not return how much it has read, and a zero byte of the file looks like the end of
+// the text. So the buffer is first filled with ones. Then the first newline is from the file, and
+// if there is none, the last zero byte is the terminator.
+std::size_t read_line(std::FILE* stream, char* buffer, std::size_t max) {
+    constexpr std::size_t max_step = 1023;
+    // Most lines are shorter, so most of them cost one short fill.
     std::size_t step = 127;
     std::size_t count = 0;
-    while (count < most) {
+    while (count < max) {
         char* const start = buffer + count;
-        const std::size_t size = std::min(most - count, step) + 1;
-        step = longest_step;
+        const std::size_t size = std::min(max - count, step) + 1;
+        step = max_step;
         std::memset(start, 1, size);
         if (std::fgets(start, static_cast<int>(size), stream) == nullptr) break;
         const void* newline = std::memchr(start, '\n', size);

@@ -1,20 +1,20 @@
 #pragma once
 
 /// @file
-/// Lines of a standard stream, with the zero bytes that may be in them.
+/// Lines of a standard stream, which may contain zero bytes.
 ///
-/// Threads: any, as far as the stream is not shared.
+/// Threads: any, if the stream is not shared.
 
 #include <cstddef>
 #include <cstdio>
 
 namespace trv {
 
-/// Reads up to and with the next newline, at most `most` bytes, and ends them with a zero byte.
+/// Reads up to and including the next newline, at most `max` bytes, and appends a zero byte.
 ///
-/// @param buffer  of at least `most` + 1 bytes
-/// @return how many bytes were read. Fewer than `most`, and no newline at the last place: the file
-///         ends there, or a read failed.
-std::size_t read_line(std::FILE* stream, char* buffer, std::size_t most);
+/// @param buffer  of at least `max` + 1 bytes
+/// @return the number of bytes read. If they are fewer than `max` and do not end with a newline,
+///         the file ends there or a read failed.
+std::size_t read_line(std::FILE* stream, char* buffer, std::size_t max);
 
 }  // namespace trv

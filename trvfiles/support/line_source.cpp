@@ -48,11 +48,12 @@ std::uint64_t CL8BFile::readLine(char* buffer, std::int32_t size) {
     if (reader_ == nullptr || reader_->stream == nullptr || size < 2) return 0;
 
     std::FILE* const stream = reader_->stream;
-    const std::size_t most = static_cast<std::size_t>(size) - 1;
-    const std::size_t count = trv::read_line(stream, buffer, most);
+    const std::size_t max_count = static_cast<std::size_t>(size) - 1;
+    const std::size_t count = trv::read_line(stream, buffer, max_count);
     std::uint64_t consumed = count;
-    if (count < most || buffer[count - 1] == '\n') return consumed;
+    if (count < max_count || buffer[count - 1] == '\n') return consumed;
 
+    // The line is longer than the buffer. The end of the file counts like its newline.
     int rest = EOF;
     do {
         rest = std::getc(stream);

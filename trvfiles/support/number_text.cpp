@@ -12,8 +12,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// Room for the longest text of a double with six decimals: sign, 309 digits, point, decimals.
-constexpr std::size_t longest_fixed_text = 1 + 309 + 1 + 6;
+// The longest text of a double with six decimals: sign, 309 digits, point, decimals.
+constexpr std::size_t max_fixed_length = 1 + 309 + 1 + 6;
 
 constexpr bool is_white_space(char c) {
     return c == ' ' || static_cast<unsigned char>(c - '\t') <= '\r' - '\t';
@@ -23,7 +23,7 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// Up to the first character that is no digit.
+// Appends digits up to the first other character. Returns its address.
 const char* append_digits(const char* from, const char* stop, std::int64_t& digits) {
     for (; from != stop && is_digit(*from); ++from)
         digits = 10 * digits + (*from - '0');
@@ -31,27 +31,27 @@ const char* append_digits(const char* from, const char* stop, std::int64_t& digi
 }
 
 // Reads a plain number, such as "-12.500000", that ends the text or a word of it. Nearly all
-// numbers of files are of this kind. Up to 15 digits and a power of ten up to 10^15 are exact as
-// double, so their quotient is the nearest one.
+// numbers in files are of this kind. The result is the nearest double: up to 15 digits and a power
+// of ten up to 10^15 are exact, and a division rounds correctly (Clinger's fast path).
 //
-// @return how long the number is; 0 where it is of another kind, which is for others to read
+// @return the length of the number; 0 for any other number or text
 std::size_t scan_plain_number(std::string_view text, double& value) {
     static constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                         1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    constexpr std::size_t most_digits = 15;
+    constexpr std::size_t max_digits = 15;
     const char* const end = text.data() + text.size();
     const bool negative = !text.empty() && text.front() == '-';
     const char* const first = negative ? text.data() + 1 : text.data();
-    // A point counts, too.
+    // One character more, for the point.
     const char* const stop =
-        first + std::min(static_cast<std::size_t>(end - first), most_digits + 1);
+        first + std::min(static_cast<std::size_t>(end - first), max_digits + 1);
     std::int64_t digits = 0;
     const char* const point = append_digits(first, stop, digits);
     const bool has_point = point != stop && *point == '.';
     const char* const at = has_point ? append_digits(point + 1, stop, digits) : point;
     const std::size_t decimals = has_point ? static_cast<std::size_t>(at - point - 1) : 0;
     const std::size_t count = static_cast<std::size_t>(point - first) + decimals;
-    if (count == 0 || count > most_digits || (at != end && !is_white_space(*at))) return 0;
+    if (count == 0 || count > max_digits || (at != end && !is_white_space(*at))) return 0;
     const double magnitude = static_cast<double>(digits) / powers[decimals];
     value = negative ? -magnitude : magnitude;
     return static_cast<std::size_t>(at - text.data());
@@ -79,9 +79,9 @@ long long exponent_of(std::string_view digits) {
     return negative ? -exponent : exponent;
 }
 
-// Whether a number that does not fit a double is too large rather than too small: its first digit
-// other than 0, with the exponent applied, stands before the point. REQUIRES: there is such a
-// digit.
+// Whether a number beyond the range of a double is too large. If not, it is too close to zero. It
+// is too large if its first digit other than 0 is before the point after the exponent is applied.
+// REQUIRES: there is such a digit.
 bool is_too_large(std::string_view number, bool hexadecimal) {
     const std::size_t mark = number.find_first_of(hexadecimal ? "pP" : "eE");
     const std::string_view mantissa = number.substr(0, mark);
@@ -96,8 +96,8 @@ bool is_too_large(std::string_view number, bool hexadecimal) {
 }  // namespace
 
 void append_fixed(std::string& text, double value, int width) {
-    char digits[longest_fixed_text];
-    // A NaN may carry a sign, which is not shown.
+    char digits[max_fixed_length];
+    // A NaN may have a sign, which std::to_chars() would print.
     const double shown = std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
     const char* end =
         std::to_chars(digits, digits + sizeof digits, shown, std::chars_format::fixed, 6).ptr;
@@ -128,7 +128,7 @@ bool scan_number(std::string_view& text, double& value) {
     }
     const bool negative = !rest.empty() && rest.front() == '-';
     if (!rest.empty() && (negative || rest.front() == '+')) rest.remove_prefix(1);
-    // The conversion below would take a second sign.
+    // std::from_chars() would accept a second sign.
     if (!rest.empty() && rest.front() == '-') return false;
     const bool hexadecimal = starts_hexadecimal(rest);
     if (hexadecimal) rest.remove_prefix(2);

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Numbers in files. They use "." whatever `setlocale` says in the host: `printf`, `strtod` and
-/// `sscanf` as they work in the C locale.
+/// Numbers in files. They always use ".", whatever locale the host has set. The results are those
+/// of `printf`, `strtod` and `sscanf` in the C locale.
 ///
 /// Threads: any.
 
@@ -11,8 +11,8 @@
 
 namespace trv {
 
-/// Appends `value` as "%*.6f" prints it: right-aligned in `width` columns, six decimals, whatever
-/// length that takes. Writes "nan" for every NaN, "inf" and "-inf".
+/// Appends `value` as "%*.6f" prints it: six decimals, right-aligned in `width` columns or longer.
+/// Every NaN is "nan"; infinities are "inf" and "-inf".
 void append_fixed(std::string& text, double value, int width = 0);
 
 /// Appends `value` as "%d" prints it.
@@ -22,13 +22,13 @@ void append_decimal(std::string& text, int value);
 /// numbers, "inf" and "nan" included. A number beyond the range of `double` reads as infinity, one
 /// too close to zero as zero.
 ///
-/// @param text   moved behind the number; unchanged where there is none
-/// @param value  written where there is a number
+/// @param text   begins after the number then; unchanged if there is none
+/// @param value  written if there is a number
 /// @return whether there is one
 bool scan_number(std::string_view& text, double& value);
 
 /// Reads an integer as "%d" does: skips white space, takes a sign and digits. A value beyond the
-/// range of `int` reads as the nearest end of the range. Arguments and result as in scan_number().
+/// range of `int` reads as the nearest end of that range. Arguments and result as scan_number().
 bool scan_decimal(std::string_view& text, int& value);
 
 /// Skips what "%lf" skips: blanks, tabs, line ends, vertical tabs and form feeds.

@@ -1,7 +1,10 @@
 #pragma once
 
 /// @file
-/// A permanent block of the checked heap with an owner, and an attempt to resize one.
+/// The parts of the checked heap that only the library uses: an owner of a permanent block, and
+/// resizing without a report.
+///
+/// Threads: one at a time.
 
 #include <trvfiles/support/dynamic_storage.h>
 
@@ -10,13 +13,14 @@
 
 namespace trv {
 
-/// resize_permanent() without a report if there is no memory, for callers that can do with less.
+/// resize_permanent() without a report if there is no memory, for a caller that then tries a
+/// smaller size.
 void* try_resize_permanent(void* block, std::size_t size);
 
 struct block_deleter {
     void operator()(void* block) const noexcept { _Wfree(block); }
 };
-/// Freed on every way out, also when a host's handler throws.
+/// Frees its block when it is destroyed, also if a host's handler throws.
 using permanent_block = std::unique_ptr<void, block_deleter>;
 
 }  // namespace trv

@@ -23,8 +23,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// A runtime path as the system takes it. One without a "\" is taken as it stands, without memory
-// of its own: cleaning up after a failure must not fail.
+// A runtime path in the form of the system. A path without "\" is used unchanged and needs no
+// memory: cleaning up after a failure must not fail.
 class system_path {
 public:
     explicit system_path(const char* path) : path_(path == nullptr ? "" : path) {
@@ -42,8 +42,8 @@ private:
     std::string translated_;
 };
 
-// An open that a signal interrupts is made again. Where there is no memory for the stream, no file
-// is created or emptied.
+// Repeats an open that a signal interrupts. If there is no memory for the stream, fopen() does not
+// create or empty the file.
 file_handle open_stream(const char* path, const char* mode) {
     file_handle file;
     do {
@@ -52,10 +52,10 @@ file_handle open_stream(const char* path, const char* mode) {
     return file;
 }
 
-file_handle open_no_directory(const char* path) {
+file_handle open_unless_directory(const char* path) {
     file_handle file = open_stream(path, "re");
     if (file == nullptr) return file;
-    // Where there is no status, reading tells.
+    // If there is no status, the first read fails with the reason.
     struct stat status = {};
     ::fstat(::fileno(file.get()), &status);
     if (S_ISDIR(status.st_mode)) {
@@ -68,14 +68,14 @@ file_handle open_no_directory(const char* path) {
 bool can_open(const char* path) {
     struct stat status = {};
     if (::stat(path, &status) != 0 || S_ISDIR(status.st_mode)) return false;
-    // To open a pipe waits for its writer, and to close it again ends a writer that has waited for
-    // a reader. So a pipe is asked for the right alone.
+    // Opening a pipe waits for its writer, and closing it again ends a writer that waits for a
+    // reader. So only the access right of a pipe is checked.
     if (S_ISFIFO(status.st_mode)) return ::faccessat(AT_FDCWD, path, R_OK, AT_EACCESS) == 0;
     int descriptor = -1;
     do {
         descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     } while (descriptor < 0 && errno == EINTR);
-    // Another process holds a lease on the file: an open that may wait gets it.
+    // Another process holds a lease on the file: an open that waits succeeds.
     if (descriptor < 0) return errno == EWOULDBLOCK;
     ::close(descriptor);
     return true;
@@ -146,11 +146,11 @@ std::string native_path(const char* path) {
 }
 
 file_handle open_for_read(const std::filesystem::path& path, file_mode) {
-    return open_no_directory(path.c_str());
+    return open_unless_directory(path.c_str());
 }
 
 file_handle open_for_read(const char* runtime_path, file_mode) {
-    return open_no_directory(system_path(runtime_path).c_str());
+    return open_unless_directory(system_path(runtime_path).c_str());
 }
 
 bool can_open_for_read(const std::filesystem::path& path) {
@@ -183,9 +183,9 @@ int sync_file(std::FILE* file) {
     do {
         result = ::fsync(::fileno(file));
     } while (result != 0 && errno == EINTR);
-    // A pipe or a character device has nothing to wait for.
-    const bool has_no_device = result != 0 && errno == EINVAL;
-    return has_no_device ? 0 : code_of(result);
+    // Pipes and character devices have no storage to wait for.
+    const bool has_no_storage = result != 0 && errno == EINVAL;
+    return has_no_storage ? 0 : code_of(result);
 }
 
 int remove_file(const char* runtime_path) {
@@ -207,8 +207,8 @@ bool directory_exists(const char* runtime_path) {
 }
 
 int create_directory(const char* runtime_path) {
-    constexpr mode_t everyone_as_the_mask_allows = 0777;
-    return code_of(::mkdir(system_path(runtime_path).c_str(), everyone_as_the_mask_allows));
+    constexpr mode_t all_rights_of_the_mask = 0777;
+    return code_of(::mkdir(system_path(runtime_path).c_str(), all_rights_of_the_mask));
 }
 
 std::vector<std::string> directory_entries(const char* runtime_path) {
@@ -235,15 +235,15 @@ bool read_identity(const char* runtime_path, file_identity& identity) {
 }
 
 std::string current_directory() {
-    std::error_code none;
-    std::string directory = std::filesystem::current_path(none).string();
+    std::error_code ignored;
+    std::string directory = std::filesystem::current_path(ignored).string();
     std::replace(directory.begin(), directory.end(), '/', '\\');
     return directory;
 }
 
 std::string program_file() {
-    std::error_code none;
-    return std::filesystem::read_symlink("/proc/self/exe", none).string();
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/self/exe", ignored).string();
 }
 
 const char* get_environment(const char* name) {
@@ -278,8 +278,8 @@ void breakpoint_trap() {
 void call_on_stack(std::size_t bytes, const std::function<void()>& work) {
     stack_call call{work, nullptr};
     thread_attributes attributes;
-    const auto least = static_cast<std::size_t>(PTHREAD_STACK_MIN);
-    require(::pthread_attr_setstacksize(attributes.get(), std::max(bytes, least)),
+    const auto min_bytes = static_cast<std::size_t>(PTHREAD_STACK_MIN);
+    require(::pthread_attr_setstacksize(attributes.get(), std::max(bytes, min_bytes)),
             "pthread_attr_setstacksize");
     pthread_t thread = {};
     require(::pthread_create(&thread, attributes.get(), run, &call), "pthread_create");

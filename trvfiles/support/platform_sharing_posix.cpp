@@ -1,4 +1,5 @@
 #include <trvfiles/support/platform_sharing.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -42,11 +43,12 @@ private:
     int number_ = -1;
 };
 
-int open_itself(const char* path, int flags) {
-    constexpr mode_t everyone_as_the_mask_allows = 0666;
+// Never follows a link under the name.
+int open_unfollowed(const char* path, int flags) {
+    constexpr mode_t all_rights_of_the_mask = 0666;
     int number = -1;
     do {
-        number = ::open(path, flags | O_NOFOLLOW | O_CLOEXEC, everyone_as_the_mask_allows);
+        number = ::open(path, flags | O_NOFOLLOW | O_CLOEXEC, all_rights_of_the_mask);
     } while (number < 0 && errno == EINTR);
     return number;
 }
@@ -69,7 +71,7 @@ lock_result try_lock(int file) {
     return errno == EWOULDBLOCK ? lock_result::refused : lock_result::unavailable;
 }
 
-// The pauses between two attempts, until their time is over.
+// Pauses between attempts, until the maximum time has passed.
 class waiting {
 public:
     explicit waiting(std::chrono::milliseconds wait) : end_(clock::now() + wait) {}
@@ -77,8 +79,8 @@ public:
     bool is_over() const { return clock::now() >= end_; }
 
     bool pause() {
-        // Two processes that save without a break leave a moment between two saves. A longer pause
-        // would miss it for seconds.
+        // Two processes that save in a loop release the file for a moment between two saves. With
+        // longer pauses a third one misses these moments for seconds.
         constexpr std::chrono::milliseconds max_pause(8);
         if (is_over()) return false;
         std::this_thread::sleep_for(pause_);
@@ -92,8 +94,10 @@ private:
     std::chrono::milliseconds pause_{1};
 };
 
-// The reason why a file that cannot be locked is not free yet; 0 if it has been removed. One that
-// has not changed for so long is not in use: its holder would have finished.
+// Removes a file that cannot be locked if it has not changed for the maximum time that a caller
+// waits: its holder, if there is one, would have finished.
+//
+// @return 0, EBUSY if the file has changed since, or why it cannot be removed
 int remove_unlocked(const char* path, const struct stat& status, std::chrono::milliseconds wait) {
     using std::chrono::nanoseconds;
     using std::chrono::seconds;
@@ -104,12 +108,13 @@ int remove_unlocked(const char* path, const struct stat& status, std::chrono::mi
     return std::chrono::abs(age) >= wait ? code_of(::unlink(path)) : EBUSY;
 }
 
-// Removes a regular file unless another caller holds it. Its lock is held meanwhile: a caller that
-// has opened the file before waits, and then finds that the name is gone.
+// Removes a regular file unless another caller holds it. It is locked during the removal: a caller
+// that has opened it before waits for the lock and then finds that the name is gone.
 int remove_left_file(const char* path, const struct stat& status, std::chrono::milliseconds wait) {
-    descriptor file(open_itself(path, O_RDWR | O_NONBLOCK));
-    // Reading is enough for a lock.
-    if (!file.is_open() && errno == EACCES) file.reset(open_itself(path, O_RDONLY | O_NONBLOCK));
+    descriptor file(open_unfollowed(path, O_RDWR | O_NONBLOCK));
+    // A file that is open only for reading can be locked too.
+    if (!file.is_open() && errno == EACCES)
+        file.reset(open_unfollowed(path, O_RDONLY | O_NONBLOCK));
     if (!file.is_open()) return errno == EACCES ? remove_unlocked(path, status, wait) : errno;
     switch (try_lock(file.get())) {
         case lock_result::refused:
@@ -122,7 +127,8 @@ int remove_left_file(const char* path, const struct stat& status, std::chrono::m
     return is_named(file.get(), path) ? code_of(::unlink(path)) : 0;
 }
 
-// Removes what has the name. A caller that holds a file never gives it a second name.
+// Removes the file, the link or the pipe of this name. A file with two names is not held, or its
+// holder is moving it and removes this name as well.
 //
 // @return 0, EBUSY if another caller holds the file, or why it cannot be removed
 int clear_name(const char* path, std::chrono::milliseconds wait) {
@@ -137,17 +143,17 @@ int clear_name(const char* path, std::chrono::milliseconds wait) {
 //
 // @return 0; EAGAIN if it is worth another attempt at once, EBUSY after a pause
 int try_to_hold(const char* path, std::chrono::milliseconds wait, descriptor& file) {
-    file.reset(open_itself(path, O_RDWR | O_CREAT | O_EXCL));
+    file.reset(open_unfollowed(path, O_RDWR | O_CREAT | O_EXCL));
     if (file.is_open()) {
-        // Before it was locked, another caller may have taken it for a file that was left behind.
-        // On a file system without locks there is nothing to compare but the name.
+        // Between its creation and its lock, another caller may have removed it as a leftover file.
+        // On a file system without locks only the name can be compared.
         if (try_lock(file.get()) != lock_result::refused && is_named(file.get(), path)) return 0;
         file.reset();
         return EBUSY;
     }
     if (errno != EEXIST) return errno;
     const int reason = clear_name(path, wait);
-    // The name is free, or something else has it by now.
+    // The name is free, or something else has taken it meanwhile.
     const bool has_changed = reason == 0 || reason == ENOENT || reason == ELOOP;
     return has_changed ? EAGAIN : reason;
 }
@@ -158,13 +164,14 @@ int rename_without_replacing(const char* from, const char* to) {
     if (errno != EINVAL && errno != ENOSYS) return errno;
 #endif
     if (::link(from, to) == 0) {
-        // If the first name stays, the next caller takes it for one that was left behind.
+        // If this fails, the next caller removes the first name as a leftover file.
         static_cast<void>(::unlink(from));
         return 0;
     }
     const bool has_links = errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS;
     if (has_links) return errno;
-    // The lock keeps other callers away, which all create the target from a held file.
+    // No other caller creates the target meanwhile: all of them move a held file, and this one is
+    // held.
     return is_name_taken(to) ? EEXIST : code_of(std::rename(from, to));
 }
 
@@ -195,7 +202,7 @@ int create_held(const char* path, std::chrono::milliseconds wait) {
     while (goes_on) {
         const bool was_free = reason == EAGAIN;
         reason = try_to_hold(path, wait, file);
-        // Somebody who puts something under the name again and again does not keep the caller here.
+        // A process that takes the name again and again cannot keep this loop running.
         if (reason == EAGAIN) {
             goes_on = !was_free || !turn.is_over();
         } else {

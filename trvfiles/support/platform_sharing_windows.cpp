@@ -30,7 +30,7 @@ struct handle_closer {
 };
 using handle_owner = std::unique_ptr<HANDLE, handle_closer>;
 
-// The number that the C library gives for these failures.
+// The number that the C library sets for these failures.
 int code_of_error(DWORD error) {
     switch (error) {
         case ERROR_SUCCESS:
@@ -74,15 +74,15 @@ bool mark_removed(HANDLE file) {
     return ::SetFileInformationByHandle(file, FileDispositionInfo, &removed, sizeof removed) != 0;
 }
 
-// Opens the file itself, never what a link under its name leads to. Nobody else writes to it or
-// removes it meanwhile. After it has been renamed there are readers at once.
+// Never follows a link under the name. Other processes can read the file, so that readers of its
+// new name find it open for them, but cannot write to it or remove it.
 HANDLE open_alone(const char* path) {
     return ::CreateFileA(path, GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr,
                          OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT,
                          nullptr);
 }
 
-// Whether the file is a regular one under this name alone.
+// Whether the file is a regular one with a single name.
 bool is_plain(HANDLE file) {
     BY_HANDLE_FILE_INFORMATION information = {};
     return ::GetFileInformationByHandle(file, &information) != 0 &&
@@ -116,8 +116,7 @@ std::wstring full_path(const char* path) {
     return wide;
 }
 
-// FILE_RENAME_INFO as Windows 10 has it, and the two kinds of information that take it. The headers
-// of older systems lack the flags.
+// FILE_RENAME_INFO of Windows 10. The headers of older systems lack the flags.
 struct rename_header {
     DWORD flags;
     HANDLE directory;
@@ -141,8 +140,8 @@ DWORD rename_as(FILE_INFO_BY_HANDLE_CLASS kind, HANDLE file, const std::wstring&
     return is_done ? ERROR_SUCCESS : ::GetLastError();
 }
 
-// With POSIX semantics readers keep the old file until they close it, if they share deleting.
-// Before Windows 10 and on some file systems there are none: then every reader is in the way.
+// With POSIX semantics, readers that share deleting keep the old file until they close it. Windows
+// before 10 and some file systems do not have them; every reader then blocks the renaming.
 DWORD rename_open_file(HANDLE file, const std::wstring& name, existing_file existing) {
     const DWORD flags = existing == existing_file::replaced ? replace_if_exists : 0;
     const DWORD error = rename_as(rename_with_flags, file, name, flags | posix_semantics);
@@ -222,7 +221,8 @@ file_handle open_stream_of(int held, file_mode mode) {
 }
 
 int move_held(int held, const char* from, const char* to, existing_file existing) {
-    static_cast<void>(from);  // nobody else can remove the file
+    // No other process can remove or rename the file, so `from` still names it.
+    static_cast<void>(from);
     if (existing == existing_file::replaced && is_never_replaced(to)) return EACCES;
     constexpr std::chrono::seconds max_wait_for_other_programs(1);
     const auto end = std::chrono::steady_clock::now() + max_wait_for_other_programs;

@@ -1,4 +1,4 @@
-#include <trvfiles/support/platform_sharing.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,7 +24,7 @@ int code_of(int result) {
     return result == 0 ? 0 : errno;
 }
 
-// Whether the file belongs to the same group afterwards.
+// Returns whether the file has the same group afterwards.
 bool copy_owner(const struct stat& from, int to) {
     struct stat status = {};
     if (::fstat(to, &status) != 0) return false;
@@ -45,7 +45,7 @@ int copy_permissions(const struct stat& from, bool has_group, int to) {
 #ifdef __linux__
 constexpr char access_list[] = "system.posix_acl_access";
 
-// What may be inherited from the directory.
+// Removes the list that the file may have inherited from its directory.
 void remove_access_list(int to) {
     static_cast<void>(::fremovexattr(to, access_list));
 }
@@ -66,7 +66,7 @@ void copy_extended_attributes(const char* from, bool has_group, int to) {
     names.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
     for (std::size_t name = 0; name < names.size(); name = names.find('\0', name) + 1) {
         const char* text = names.c_str() + name;
-        // The list gives rights to the group of the file.
+        // The list has an entry for the group of the file, which is another one here.
         if (!has_group && std::strcmp(text, access_list) == 0) continue;
         copy_extended_attribute(from, text, to);
     }
@@ -106,7 +106,7 @@ int follow_links(std::string& path) {
     const bool leads_somewhere = ::stat(path.c_str(), &status) == 0;
     // The system does not let every process follow a link in a directory that all can write to.
     if (!leads_somewhere && errno != ENOENT) return errno;
-    // A device or a pipe is not replaced by a file; the link is.
+    // A device or a pipe is never replaced by a file; the link to it is.
     if (leads_somewhere && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return 0;
     std::string end = path;
     for (int links = 0; failure == 0 && !text.empty(); ++links) {

@@ -1,4 +1,4 @@
-#include <trvfiles/support/platform_sharing.h>
+#include <trvfiles/support/platform_targets.h>
 
 #include <aclapi.h>
 #include <io.h>
@@ -20,7 +20,7 @@ struct handle_closer {
     void operator()(HANDLE handle) const noexcept { ::CloseHandle(handle); }
 };
 
-// Those that say something about the file and are not about its content.
+// Copies the attributes that do not describe the content.
 void copy_file_attributes(DWORD attributes, HANDLE to) {
     constexpr DWORD copied = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                              FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
@@ -37,7 +37,7 @@ std::wstring path_of(HANDLE file) {
     return path;
 }
 
-// Without the prefix that lifts the limit of a path's length.
+// Removes the prefix of paths that may exceed MAX_PATH.
 std::wstring without_prefix(std::wstring path) {
     constexpr std::wstring_view server = L"\\\\?\\UNC\\";
     constexpr std::wstring_view drive = L"\\\\?\\";
@@ -45,7 +45,7 @@ std::wstring without_prefix(std::wstring path) {
     return path.rfind(drive, 0) == 0 ? path.substr(drive.size()) : path;
 }
 
-// @return empty if the code page has no such text
+// @return empty if the code page cannot represent the text
 std::string narrow_text(const std::wstring& wide) {
     constexpr std::size_t max_bytes_of_a_unit = 4;
     const auto units = static_cast<int>(wide.size());
@@ -58,7 +58,7 @@ std::string narrow_text(const std::wstring& wide) {
     return length == units && back == wide ? text : std::string();
 }
 
-// The list is set by name: the right to change it may be missing where writing is allowed.
+// The list is set by name: a handle opened for writing need not have the right to change it.
 void copy_access_list(const char* from, std::wstring to) {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
@@ -102,7 +102,7 @@ int follow_links(std::string& path) {
     const std::unique_ptr<HANDLE, handle_closer> file(end);
     const std::wstring wide = without_prefix(path_of(end));
     const std::string narrow = narrow_text(wide);
-    // The nearest name in the code page would be another file's.
+    // The nearest name in the code page would name another file.
     if (narrow.empty()) return ENOENT;
     path = narrow;
     return 0;

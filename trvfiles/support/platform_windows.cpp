@@ -23,7 +23,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// The C library ends the process over an empty name, so none reaches it.
+// The C library ends the process if it gets an empty name.
 file_handle open_nothing() {
     errno = ENOENT;
     return nullptr;
@@ -133,7 +133,7 @@ file_handle open_for_read(const std::filesystem::path& path, file_mode mode) {
     const HANDLE opened = ::CreateFileW(path.c_str(), GENERIC_READ, shared_reading, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened != INVALID_HANDLE_VALUE) return stream_of_reader(opened, mode);
-    return open_shared(path, L"r", L"rb", mode);  // which knows the reason
+    return open_shared(path, L"r", L"rb", mode);  // sets the reason
 }
 
 file_handle open_for_read(const char* runtime_path, file_mode mode) {
@@ -145,7 +145,7 @@ file_handle open_for_read(const char* runtime_path, file_mode mode) {
     const HANDLE opened = ::CreateFileA(runtime_path, GENERIC_READ, shared_reading, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened != INVALID_HANDLE_VALUE) return stream_of_reader(opened, mode);
-    return open_shared(runtime_path, "r", "rb", mode);  // which knows the reason
+    return open_shared(runtime_path, "r", "rb", mode);  // sets the reason
 }
 
 bool can_open_for_read(const std::filesystem::path& path) {
@@ -259,10 +259,10 @@ std::string current_directory() {
 }
 
 std::string program_file() {
-    constexpr DWORD longest_name = 32768;
-    std::string name(longest_name, '\0');
-    const DWORD length = ::GetModuleFileNameA(nullptr, name.data(), longest_name);
-    name.resize(length < longest_name ? length : 0);
+    constexpr DWORD max_name_size = 32768;
+    std::string name(max_name_size, '\0');
+    const DWORD length = ::GetModuleFileNameA(nullptr, name.data(), max_name_size);
+    name.resize(length < max_name_size ? length : 0);
     return name;
 }
 

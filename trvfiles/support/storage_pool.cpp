@@ -1,6 +1,7 @@
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/permanent_block.h>
+#include <trvfiles/support/storage_pool.h>
 
 #include <algorithm>
 #include <cstring>
@@ -9,7 +10,7 @@
 
 namespace trv {
 
-// A permanent block, as its data is.
+// Lies in a permanent block of its own; the data lies in another one.
 struct storage_pool {
     char* data;
     std::int32_t used;
@@ -35,7 +36,8 @@ void report_no_growth(const storage_pool& pool) {
     report_error(text.c_str());
 }
 
-// Only a single increment that fails is reported by the heap: more of them are an attempt.
+// The heap reports only the failure of a single increment. More of them are an attempt, after which
+// a smaller one follows.
 bool grow_by(storage_pool& pool, std::int64_t increments) {
     const std::int64_t capacity = pool.capacity + increments * pool.increment;
     if (capacity > INT32_MAX) return false;
@@ -49,9 +51,9 @@ bool grow_by(storage_pool& pool, std::int64_t increments) {
 
 // Grows by as many increments as `needed` takes, or by as many of them as succeed.
 //
-// All are taken at once. An attempt that fails is halved, down to the one increment that fails: the
-// pool ends as if it had grown by one after the other, without 2^31 attempts for increments of one
-// byte.
+// Tries all of them at once, and half as many after each failure, down to the one increment that
+// fails. The pool ends as if it had grown by one increment after the other, which would take 2^31
+// attempts for increments of one byte.
 bool grow(storage_pool& pool, std::int64_t needed) {
     std::int64_t missing = (needed - pool.capacity + pool.increment - 1) / pool.increment;
     std::int64_t attempt = missing;
@@ -70,7 +72,7 @@ bool grow(storage_pool& pool, std::int64_t needed) {
     return true;
 }
 
-// The offset of an address that lies in what the pool has handed out, or -1.
+// The offset of an address within what the pool has handed out; -1 for any other address.
 std::int64_t offset_of(const storage_pool& pool, const char* address) {
     const auto number = reinterpret_cast<std::uintptr_t>(address);
     const auto begin = reinterpret_cast<std::uintptr_t>(pool.data);

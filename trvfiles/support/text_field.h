@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Fields of fixed length: a text that is padded with blanks and not terminated.
+/// Fields of fixed length: texts that are padded with blanks and have no terminator.
 ///
 /// Threads: any.
 
@@ -15,8 +15,8 @@
 
 namespace trv {
 
-/// The text of a field: what stands before its trailing blanks, and before a zero byte. Empty for
-/// a null field and a length of 0 or below.
+/// The text of a field, without its trailing blanks; a zero byte ends it as well. Empty if the
+/// field is nullptr or the length is 0 or below.
 inline std::string_view field_text(const char* field, std::int32_t length) {
     if (field == nullptr || length <= 0) return {};
     const auto width = static_cast<std::size_t>(length);
@@ -26,8 +26,8 @@ inline std::string_view field_text(const char* field, std::int32_t length) {
     return trim_trailing({field, end});
 }
 
-/// Puts a text into a field, cut to it if it is too long. Nothing is written to a field of length
-/// 0. The text lies outside the field. REQUIRES: a length of at least 0.
+/// Writes a text into a field and pads it with blanks. A text that is too long is cut. REQUIRES: a
+/// length of at least 0; the text does not overlap the field.
 inline void fill_field(char* field, std::int32_t length, std::string_view text) {
     const auto width = static_cast<std::size_t>(length);
     const std::size_t copied = text.copy(field, width);

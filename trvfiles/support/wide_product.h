@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Products of 64-bit numbers in their full width, for hashing.
+/// 128-bit products of 64-bit numbers, for hashing.
 ///
 /// Threads: any.
 
@@ -21,11 +21,11 @@ constexpr std::uint64_t folded_product_of_halves(std::uint64_t a, std::uint64_t 
     return high ^ (middle << 32 | (low & half));
 }
 
-/// The lower 64 bits of the product of two numbers, XOR its upper 64 bits. Every bit of either
-/// number changes bits everywhere in the result.
+/// The lower 64 bits of the product of two numbers, XOR its upper 64 bits. A change of any bit of
+/// either number changes bits in all parts of the result.
 constexpr std::uint64_t folded_product(std::uint64_t a, std::uint64_t b) {
 #ifdef __SIZEOF_INT128__
-    // By halves, a lookup in an index of names takes 1.2 times as long.
+    // With the product of halves, a lookup in an index of names takes 1.2 times as long.
     __extension__ using wide = unsigned __int128;
     const wide product = wide{a} * b;
     return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
