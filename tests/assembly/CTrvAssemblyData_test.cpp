@@ -229,7 +229,7 @@ TEST(Assembly, ComparesItsDimensionsByTheSumOfSquares) {
     expectUnequal(sized(100, 50, 20), sized(50, 100, 20));
 }
 
-TEST(Assembly, NeverTakesANanOfItsDimensionForADifference) {
+TEST(Assembly, NeverTreatsANanOfItsDimensionAsADifference) {
     expectEqual(sized(not_a_number, 0, 0), sized(5, 0, 0));
     expectEqual(sized(0, not_a_number, 0), sized(5, 6, 7));
     expectEqual(sized(infinity, 0, 0), sized(infinity, 0, 0));

@@ -78,7 +78,7 @@ TEST_F(AssemblyWriter, LeavesOutTheChildrenOfAComponentWithAFile) {
     EXPECT_TRUE(data.firstChildElement(QStringLiteral("Component")).isNull());
 }
 
-TEST_F(AssemblyWriter, RefusesAnEmptyLeafWhereverItStands) {
+TEST_F(AssemblyWriter, RefusesAnEmptyLeafOnEveryLevel) {
     CTrvAssemblyComponentData empty;
     EXPECT_FALSE(write(empty));
     empty.setEnabled(false);
@@ -87,7 +87,7 @@ TEST_F(AssemblyWriter, RefusesAnEmptyLeafWhereverItStands) {
     EXPECT_FALSE(write(group("g", {group("h", {empty}), leaf("a", "a.stl")})));
 }
 
-TEST_F(AssemblyWriter, TakesAFileNameThatIsEmptyBeforeItsFirstNulForNone) {
+TEST_F(AssemblyWriter, TreatsAFileNameThatIsEmptyBeforeItsFirstNulAsMissing) {
     using namespace std::string_literals;
     EXPECT_FALSE(write(leaf("a", "\0a.stl"s)));
 }
@@ -122,7 +122,7 @@ TEST_F(AssemblyWriter, RefusesTextsThatCouldNotBeReadBack) {
     EXPECT_TRUE(write(leaf("\uFFFD\U0001FFFE", "a.stl")));
 }
 
-TEST_F(AssemblyWriter, WritesBytesThatAreNoTextAsReplacementCharacters) {
+TEST_F(AssemblyWriter, WritesBytesThatAreNotTextAsReplacementCharacters) {
     if (!trv::platform::narrow_text_is_utf8()) GTEST_SKIP() << "the system's code page decides";
     ASSERT_TRUE(write(leaf("a\xC3(", "a.stl")));
     EXPECT_EQ(attribute(rootComponent(), "name"), QString::fromUtf8("a\uFFFD("));
@@ -134,8 +134,8 @@ TEST_F(AssemblyWriter, WritesAsDeepAsCanBeReadBack) {
     EXPECT_FALSE(write(chain(100000)));
 }
 
-TEST_F(AssemblyWriter, TellsADeepDocumentFromAShallowOne) {
-    // 99 components are 2 + 2 * 99 elements at the end of the chain.
+TEST_F(AssemblyWriter, ReportsWhetherADocumentIsDeep) {
+    // With 99 components the end of the chain has 2 + 2 * 99 open elements.
     ASSERT_TRUE(write(chain(99)));
     EXPECT_FALSE(tree->isDeep);
     ASSERT_TRUE(write(chain(100)));

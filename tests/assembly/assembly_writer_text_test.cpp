@@ -49,7 +49,7 @@ QString withSortedAttributes(const QString& text) {
     return lines.join(QLatin1Char('\n'));
 }
 
-TEST(DocumentText, StandsToTheByte) {
+TEST(DocumentText, HasExactlyTheseBytes) {
     using trv::testing::leaf;
     CTrvAssemblyComponentData part = leaf("Part", "part.stl");
     part.setEnabled(false);
@@ -121,13 +121,14 @@ TEST(DocumentText, IsWhatTheDomWouldWriteButForTheOrderOfAttributes) {
     for (int i = 0; i < 200; ++i) {
         const auto tree = treeOf(assemblies.next());
         const QString ours = QString::fromStdString(trv::documentText(tree->document));
-        // By way of UTF-8 on both sides, where a half character becomes a question mark.
+        // Both sides are converted through UTF-8, in which half a surrogate pair becomes a question
+        // mark.
         const QString theirs = QString::fromUtf8(tree->document.toString(3).toUtf8());
         ASSERT_EQ(withSortedAttributes(ours), withSortedAttributes(theirs));
     }
 }
 
-TEST(DocumentText, WritesTheDeepestDocumentOnASmallStack) {
+TEST(DocumentText, WritesADocumentOfMaxDepthOnASmallStack) {
     constexpr std::size_t stack = std::size_t{512} << 10;
     std::string text;
     trv::platform::call_on_stack(stack, [&] {

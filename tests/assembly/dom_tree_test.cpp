@@ -13,7 +13,7 @@ namespace {
 constexpr int levels = 5000;
 constexpr std::size_t smallStack = std::size_t{64} << 10;
 
-// A document whose elements are nested, each with some siblings beside it on its own level.
+// A document of nested elements, each with some siblings.
 QDomDocument nested() {
     QDomDocument document;
     document.setContent(QByteArray("<a/>"));

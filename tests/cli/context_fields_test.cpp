@@ -15,7 +15,7 @@ std::string set(const char* name, const char* text, CMachineContextData& data) {
     return setContextField(field(name), QString::fromUtf8(text), data).toStdString();
 }
 
-TEST(ContextFields, GoByTheirPlacesInTheFile) {
+TEST(ContextFields, AreFoundByTheirSectionAndKey) {
     QString names;
     for (const ContextField& each : contextFields())
         names += nameOf(each) + QLatin1Char(' ');
@@ -62,7 +62,7 @@ TEST(ContextFields, SetTheirOwnFieldOfTheRecord) {
               "1.000000 2.500000 -3.000000");
 }
 
-TEST(ContextFields, RefuseWhatDoesNotComeBack) {
+TEST(ContextFields, RejectWhatDoesNotComeBack) {
     CMachineContextData data;
     EXPECT_EQ(set("machine.name", "A+B(1)", data),
               "machine.name cannot hold 'A+B(1)': what is between a \"+\" and a later \")\" is "

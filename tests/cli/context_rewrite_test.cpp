@@ -31,7 +31,7 @@ TEST_F(ContextRewrite, LosesNothingOfAWrittenFile) {
     EXPECT_EQ(lostLine(""), "");
 }
 
-TEST_F(ContextRewrite, TakesLayoutForNothing) {
+TEST_F(ContextRewrite, IgnoresLayout) {
     EXPECT_EQ(lostLine("\xEF\xBB\xBF[ header ] \r\n\r\n  name = x  \r\n \t\n[part]\n"), "");
     EXPECT_EQ(lostLine("[clamping_system]\nname=x\n[header]\nversion = 2"), "");
 }
@@ -52,7 +52,7 @@ TEST_F(ContextRewrite, NamesWhatALaterLineReplaces) {
     EXPECT_EQ(lostLine("[part]\nsurface_group=x\n[part]\nsurface_group=y\n"), "line 1: [part]");
 }
 
-TEST_F(ContextRewrite, TakesVersionTwoForNothingElse) {
+TEST_F(ContextRewrite, AcceptsNoVersionButTwo) {
     EXPECT_EQ(lostLine("[header]\nversion=2\n"), "");
     EXPECT_EQ(lostLine("[header]\nversion=3\n"), "line 2: version=3");
     EXPECT_EQ(lostLine("[header]\nversion=\n"), "line 2: version=");
@@ -67,7 +67,7 @@ TEST_F(ContextRewrite, NamesATextThatWouldChange) {
               "header.name 'a': it holds bytes that are not text");
 }
 
-TEST_F(ContextRewrite, NamesBytesThatAreNoText) {
+TEST_F(ContextRewrite, NamesBytesThatAreNotText) {
     if (fromNarrow("\xF6") != QString(QChar::ReplacementCharacter))
         GTEST_SKIP() << "every byte is text in this code page";
     EXPECT_EQ(changedValue("[clamping_system]\nname=Gr\xF6\xDF"
@@ -93,7 +93,7 @@ TEST_F(ContextRewrite, NamesNumbersThatWouldChange) {
     EXPECT_EQ(changedValue("[postpro]\norigin_program=1e20 nan .1234567\n"), "");
 }
 
-TEST_F(ContextRewrite, LooksAtNoFieldThatIsSet) {
+TEST_F(ContextRewrite, IgnoresFieldsThatAreSet) {
     const char* const content = "[header]\nname=A+B(1)\n[machine]\nproximity=abc\n";
     EXPECT_EQ(changedValue(content, {QStringLiteral("header.name")}),
               "machine.proximity 'abc': it is not a number");

@@ -26,7 +26,7 @@ TEST(ContextValues, KeepsOrdinaryTexts) {
         EXPECT_EQ(reason(text), "") << text;
 }
 
-TEST(ContextValues, SaysWhyATextChanges) {
+TEST(ContextValues, ReportsWhyATextChanges) {
     for (const char* text : {"a\nb", "a\rb", "\n", "a\r\n"})
         EXPECT_EQ(reason(text), "a line end becomes a blank");
     for (const char* text : {" x", "x ", "\tx", "x\t", "x\f", "\vx", " "})
@@ -85,7 +85,7 @@ TEST(ContextValues, ReadsNumbersThatAreTheWholeText) {
         EXPECT_FALSE(readNumbers(QString::fromLatin1(text), numbers, 1)) << text;
 }
 
-TEST(ContextValues, TellsRoundingFromLoss) {
+TEST(ContextValues, DistinguishesRoundingFromLoss) {
     for (const double value :
          {0.0, -0.0, 0.1, 1234.5678, -1e-9, 1e6 + 0.3, 123456789012.0, -1e18, 1e19})
         EXPECT_TRUE(comesBack(value)) << value;
