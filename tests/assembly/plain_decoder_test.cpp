@@ -123,6 +123,11 @@ TEST(PlainDecoder, DropsAnIncompleteCharacterAtTheEnd) {
 }
 
 // Bytes of every kind, well-formed or not, in pieces of every length.
+TEST(PlainDecoder, ReplacesAByteAtTheEndThatBeginsNoCharacter) {
+    for (const char byte : {'\xC0', '\xC1', '\xF5', '\xFF'})
+        EXPECT_EQ(decoded(QByteArray("<a/>") + byte), QStringLiteral("<a/>\uFFFD"));
+}
+
 TEST(PlainDecoder, DecodesUtf8AsQtsCodecDoes) {
     std::mt19937 random(1);
     const char* const parts[] = {"a",        "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",

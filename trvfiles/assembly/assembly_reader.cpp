@@ -63,7 +63,7 @@ bool readComponent(const QDomElement& element, CTrvAssemblyComponentData& compon
     const QDomElement file = data.firstChildElement(names::file());
     if (file.isNull()) {
         firstChild = data.firstChildElement(names::component());
-    } else if (file.hasAttribute(names::name())) {
+    } else {
         component.setGeometryFileName(toNarrow(file.attribute(names::name())));
     }
     return true;

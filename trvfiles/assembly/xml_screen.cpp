@@ -220,7 +220,6 @@ void XmlScreen::seeUntilClosed(ushort character, ushort closing, int repetitions
 bool XmlScreen::isQuoted(ushort character) {
     if (quote_ != 0) {
         if (character == quote_) quote_ = 0;
-        previous_ = character;
         return true;
     }
     if (character != '"' && character != '\'') return false;
@@ -231,8 +230,6 @@ bool XmlScreen::isQuoted(ushort character) {
 void XmlScreen::enter(Place place, Place afterwards) {
     place_ = place;
     afterwards_ = afterwards;
-    repetitions_ = 0;
-    opening_.clear();
 }
 
 void XmlScreen::open() {
