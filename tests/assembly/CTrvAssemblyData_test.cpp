@@ -197,6 +197,20 @@ TEST(Assembly, KeepsItsOwnRootWhenItIsMovedIntoAnother) {
     EXPECT_EQ(target.getRootComponent().getName(), "root");
 }
 
+TEST(Assembly, IsAssignedToAfterItWasMovedFrom) {
+    Assembly source = sample();
+    const Assembly first = std::move(source);
+    source = sample();
+    expectSample(source);
+    Assembly other = sample();
+    const Assembly second = std::move(source);
+    const Assembly third = std::move(other);
+    source = std::move(other);
+    expectDefaults(source);
+    source = third;
+    expectSample(source);
+}
+
 TEST(Assembly, ReadsLikeANewOneAfterItWasMovedFrom) {
     Assembly source = sample();
     Assembly target = std::move(source);

@@ -157,6 +157,18 @@ TEST_F(AssemblyReader, KeepsTheDimensionIfACoordinateIsNotANumber) {
     }
 }
 
+TEST_F(AssemblyReader, LeavesTheDimensionThatTheDocumentLacks) {
+    const double earlier[] = {7, 8, 9};
+    data.setDimension(earlier);
+    for (const char* attributes : {"<Attributs/>", "<Attributs><dimension x='1'/></Attributs>",
+                                   "<Attributs/><Dimension x='1'/>"}) {
+        EXPECT_EQ(read("<ComponentInfo version='1'>" + std::string(attributes) +
+                       "<Component/></ComponentInfo>"),
+                  eFileIOSuccess);
+        EXPECT_THAT(dimension(), ElementsAre(7, 8, 9)) << attributes;
+    }
+}
+
 TEST_F(AssemblyReader, AcceptsNumbersInEveryValidForm) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const struct {

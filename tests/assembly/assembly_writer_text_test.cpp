@@ -108,6 +108,8 @@ TEST(DocumentText, EscapesWhatAttributesCannotHold) {
 TEST(DocumentText, WritesUtf8) {
     EXPECT_EQ(textWithAttribute("a\u00e9\u20ac\U0001F600z"),
               "<File name=\"a\u00e9\u20ac\U0001F600z\"/>\n");
+    EXPECT_EQ(textWithAttribute(QString(QChar(0x7F)) + QChar(0x80)),
+              "<File name=\"\x7F\xC2\x80\"/>\n");
 }
 
 TEST(DocumentText, WritesALoneHalfOfACharacterAsAQuestionMark) {

@@ -232,11 +232,20 @@ TEST_F(DocumentParser, ReadsADocumentOfMaxDepthOnASmallStack) {
     EXPECT_TRUE(parsed);
 }
 
+// A deep one is freed in a way that needs little stack.
+TEST_F(DocumentParser, TellsADeepDocumentFromAShallowOne) {
+    EXPECT_TRUE(parse(nested(200)));
+    EXPECT_FALSE(tree->isDeep);
+    EXPECT_TRUE(parse(nested(201)));
+    EXPECT_TRUE(tree->isDeep);
+}
+
 TEST_F(DocumentParser, ReadsADeepDocumentFromADeviceThatCannotGoBack) {
     Pipe device(nested(1000));
     device.open(QIODevice::ReadOnly);
     EXPECT_TRUE(parse(device));
     EXPECT_EQ(depthOf(tree->document), 1000);
+    EXPECT_TRUE(tree->isDeep);
 }
 
 TEST_F(DocumentParser, ThrowsBadAllocForADeepDocumentWhenNoFurtherStackIsAvailable) {
@@ -254,6 +263,11 @@ TEST_F(DocumentParser, RefusesADeepDocumentThatCannotBeReadAgain) {
     device.open(QIODevice::ReadOnly);
     EXPECT_FALSE(parse(device));
     EXPECT_FALSE(fault.reason.empty());
+    // What follows the first block would be a document.
+    bytes = QByteArray("<a>").repeated(201).leftJustified(65536, ' ') + "<a/>";
+    OneWayBuffer rest(&bytes);
+    rest.open(QIODevice::ReadOnly);
+    EXPECT_FALSE(parse(rest));
 }
 
 TEST_F(DocumentParser, RefusesElementsBeyondCountWithoutCrashing) {

@@ -122,6 +122,11 @@ TEST(PlainDecoder, DropsAnIncompleteCharacterAtTheEnd) {
     EXPECT_EQ(decoded(QByteArray("<\0a\0/", 5)), QStringLiteral("<a"));
 }
 
+TEST(PlainDecoder, ReplacesAByteAtTheEndThatBeginsNoCharacter) {
+    for (const char byte : {'\xC0', '\xC1', '\xF5', '\xFF'})
+        EXPECT_EQ(decoded(QByteArray("<a/>") + byte), QStringLiteral("<a/>\uFFFD"));
+}
+
 // Well-formed and malformed bytes of every kind, in pieces of every length.
 TEST(PlainDecoder, DecodesUtf8AsQtsCodecDoes) {
     std::mt19937 random(1);

@@ -177,6 +177,7 @@ TEST(XmlScreen, GivesThePlaceAsAnEditorCountsIt) {
     expectRefusedAt("<a>\r\n\r\n \x01", 1, 3, 2);
     expectRefusedAt("<a>\r\r \x01", 1, 3, 2);
     expectRefusedAt("<a>\n\r\n\r\r\nb\x01", 1, 5, 2);
+    expectRefusedAt("<a>\rb\nc\x01", 1, 3, 2);
     expectRefusedAt("<a b='\n\n'>\xC3\xBC\U0001F600&#1;", 1, 3, 6);
     XmlScreen deep(1);
     deep.pass(QStringLiteral("<a>\n<b>"));
@@ -328,6 +329,7 @@ TEST(XmlScreen, CountsOpenElements) {
     EXPECT_EQ(refusalOf("<a><b></b><b><c/></b></a>", 2), tooDeep);
     EXPECT_EQ(refusalOf("<a>", 1), none);
     EXPECT_EQ(refusalOf("<a/>", 0), tooDeep);
+    EXPECT_EQ(refusalOf("</a></a><a><b>", 1), tooDeep);
 }
 
 TEST(XmlScreen, CountsAnEmptyElementWhileItIsOpen) {
@@ -356,7 +358,8 @@ TEST(XmlScreen, ContinuesToCountAfterEveryKindOfMarkup) {
     for (const char* prolog :
          {"<!DOCTYPE a>", "<!DOCTYPE a SYSTEM '>'>", "<!DOCTYPE a PUBLIC \"it's\" \"[\">",
           "<!DOCTYPE a []>", "<!DOCTYPE a [ ] >", "<!DOCTYPE a [<!ELEMENT a ] ANY>]>",
-          "<!DOCTYPE a [ > ]>", "<!DOCTYPE a [<!ELEMENT a (b|c)*><!ATTLIST a b CDATA \"]>'\">%p;]>",
+          "<!DOCTYPE a [ > ]>", "<!DOCTYPE a [<!ELEMENT a ] ANY> > ]>",
+          "<!DOCTYPE a [<!ELEMENT a (b|c)*><!ATTLIST a b CDATA \"]>'\">%p;]>",
           "<!DOCTYPE a [<!NOTATION n PUBLIC \"it's\"><!-- ' \" ]> --><?p ' ]> ?>]>"}) {
         const QString document = QString::fromLatin1(prolog) + QStringLiteral("<a><b><c>");
         EXPECT_EQ(refusalOf(document, 2), tooDeep) << prolog;

@@ -133,7 +133,7 @@ bool Reader::readComponent(const QDomElement& element, CTrvAssemblyComponentData
     // A "File" hides the children, also if it has no name.
     if (file.isNull()) {
         firstChild = data.firstChildElement(names::component());
-    } else if (file.hasAttribute(names::name())) {
+    } else {
         component.setGeometryFileName(toNarrow(file.attribute(names::name())));
     }
     return true;

@@ -18,7 +18,7 @@ void freeInSlices(QDomDocument& document) {
     walkDocument(
         document,
         [&](const QDomNode& node, int depth) {
-            if (depth > 0 && depth % levelsOfASlice == 0) slices.push_back(node);
+            if (depth % levelsOfASlice == 0) slices.push_back(node);
         },
         [](const QDomNode&, int) {});
     document.clear();

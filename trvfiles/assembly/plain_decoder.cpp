@@ -99,7 +99,7 @@ QString PlainDecoder::decodeUtf8() {
     if (isStarted_ && pending_.startsWith("\xEF\xBB\xBF")) {
         text.prepend(QChar(QChar::ByteOrderMark));
     }
-    isStarted_ = isStarted_ || complete > 0;
+    isStarted_ = true;
     pending_.remove(0, complete);
     return text;
 }
@@ -113,7 +113,7 @@ QString PlainDecoder::decodeUtf16() {
                         static_cast<uchar>(pending_.at(2 * i + high)));
     }
     if (!isStarted_ && text.startsWith(QChar(QChar::ByteOrderMark))) text.remove(0, 1);
-    isStarted_ = isStarted_ || units > 0;
+    isStarted_ = true;
     pending_.remove(0, 2 * units);
     return text;
 }

@@ -311,7 +311,6 @@ bool XmlScreen::consumeOpening(ushort character) {
 bool XmlScreen::consumeQuoted(ushort character) {
     if (quote_ != 0) {
         if (character == quote_) quote_ = 0;
-        previous_ = character;
         return true;
     }
     if (character != '"' && character != '\'') return false;
@@ -322,8 +321,6 @@ bool XmlScreen::consumeQuoted(ushort character) {
 void XmlScreen::enter(Place place, Place afterwards) {
     place_ = place;
     afterwards_ = afterwards;
-    repetitions_ = 0;
-    opening_.clear();
 }
 
 void XmlScreen::open() {
