@@ -123,7 +123,7 @@ Command contextSetCommand() {
         fields += QStringLiteral("  %1\n").arg(nameOf(field));
     command.details =
         QStringLiteral(
-            "Prints the new values as they stand in the file. A value that the file would not\n"
+            "Prints the new values as they are in the file. A value that the file would not\n"
             "give back is refused, and so is a file of which something would be lost. Fields:\n") +
         fields;
     command.options = {

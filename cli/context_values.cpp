@@ -1,6 +1,7 @@
 #include <cli/context_values.h>
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -11,9 +12,7 @@ namespace trv::cli {
 namespace {
 
 bool hasBlankAtAnEnd(std::string_view text) {
-    constexpr std::string_view blanks = " \t\f\v\n\r";
-    return !text.empty() && (blanks.find(text.front()) != std::string_view::npos ||
-                             blanks.find(text.back()) != std::string_view::npos);
+    return settings::trimmed(text).size() != text.size();
 }
 
 // Checks the line that the store writes: the store takes what follows a "+" for a reference.

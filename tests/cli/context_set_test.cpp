@@ -303,7 +303,7 @@ TEST_F(ContextSet, ExplainsItself) {
               "Usage: trvfiles context set [--drop-unknown] FILE section.key=value...\n"
               "\n"
               "Change fields of a machine context.\n"
-              "Prints the new values as they stand in the file. A value that the file would not\n"
+              "Prints the new values as they are in the file. A value that the file would not\n"
               "give back is refused, and so is a file of which something would be lost. Fields:\n"
               "  header.comment\n"
               "  header.name\n"
