@@ -81,8 +81,8 @@ CommandGroup assemblyCommands() {
     compare.details = QStringLiteral(
         "Prints a line for each difference beyond the tolerances. Differences in vec3 are\n"
         "noted and do not count. Exit status: 0 equal, 1 different, 2 an error.\n");
-    compare.fewestFiles = 2;
-    compare.mostFiles = 2;
+    compare.minFiles = 2;
+    compare.maxFiles = 2;
     compare.run = diff;
     return {showTree, listFiles, compare};
 }

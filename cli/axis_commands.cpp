@@ -174,8 +174,8 @@ CommandGroup axisCommands() {
     invertAxis.details = QStringLiteral(
         "Reading OUT gives the inverse of what reading IN gives. The tags are kept. OUT\n"
         "is overwritten; it may be IN.\n");
-    invertAxis.fewestFiles = 2;
-    invertAxis.mostFiles = 2;
+    invertAxis.minFiles = 2;
+    invertAxis.maxFiles = 2;
     invertAxis.run = invert;
 
     Command writeAxisFile;

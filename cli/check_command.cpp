@@ -82,7 +82,7 @@ CommandGroup checkCommand() {
     command.details = QStringLiteral(
         "Prints a line for each file. Exit status: 0 all files can be read, 1 a file\n"
         "cannot be read, 2 an error.\n");
-    command.mostFiles = Command::anyNumber;
+    command.maxFiles = Command::anyNumber;
     command.run = check;
     return {command};
 }

@@ -46,8 +46,8 @@ struct Command {
     QList<QCommandLineOption> options;
     /// The name of one argument in messages.
     QString operand = QStringLiteral("file name");
-    int fewestFiles = 1;
-    int mostFiles = 1;
+    int minFiles = 1;
+    int maxFiles = 1;
     /// Called with an allowed number of arguments.
     ExitStatus (*run)(const QCommandLineParser& call, const Console& console) = nullptr;
 };

@@ -115,7 +115,7 @@ Command contextListCommand() {
         "TRV_MCTX_DEF, or else $TRVHOME\\standard\\machine_context.\n");
     command.options = {rootOption(), jsonOption()};
     command.operand = QStringLiteral("directory");
-    command.fewestFiles = 0;
+    command.minFiles = 0;
     command.run = list;
     return command;
 }
@@ -130,7 +130,7 @@ Command contextDefaultCommand() {
         "machine position in its name, for example [MACHINE_POSITION_2].mctx. Exit\n"
         "status: 0 there is one, 1 there is none, 2 an error.\n");
     command.options = {jsonOption()};
-    command.mostFiles = Command::anyNumber;
+    command.maxFiles = Command::anyNumber;
     command.run = choose;
     return command;
 }

@@ -130,8 +130,8 @@ Command contextSetCommand() {
         QCommandLineOption(QStringLiteral("drop-unknown"),
                            QStringLiteral("Write the file without comments and unknown lines"))};
     command.operand = QStringLiteral("file name or assignment");
-    command.fewestFiles = 2;
-    command.mostFiles = Command::anyNumber;
+    command.minFiles = 2;
+    command.maxFiles = Command::anyNumber;
     command.run = set;
     return command;
 }

@@ -108,14 +108,14 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments,
     if (!understood) return refuseCall(console, command.name, parser.errorText());
 
     const QStringList operands = parser.positionalArguments();
-    if (operands.size() < command.fewestFiles) {
+    if (operands.size() < command.minFiles) {
         return refuseCall(console, command.name,
                           QStringLiteral("A %1 is missing.").arg(command.operand));
     }
-    if (operands.size() > command.mostFiles) {
+    if (operands.size() > command.maxFiles) {
         return refuseCall(console, command.name,
                           QStringLiteral("'%1' is one %2 too many.")
-                              .arg(operands.at(command.mostFiles), command.operand));
+                              .arg(operands.at(command.maxFiles), command.operand));
     }
     return command.run(parser, console);
 }

@@ -74,7 +74,7 @@ Command envCheckCommand() {
         "in the files are evaluated for the installation. Exit status: 0 no file has\n"
         "faults, 1 a file has faults, 2 an error.\n");
     command.options = {rootOption()};
-    command.mostFiles = Command::anyNumber;
+    command.maxFiles = Command::anyNumber;
     command.run = check;
     return command;
 }

@@ -132,7 +132,7 @@ Command envExpandCommand() {
         rootOption(), QCommandLineOption(QStringLiteral("path"),
                                          QStringLiteral("Make each run of separators one \"\\\""))};
     command.operand = QStringLiteral("text");
-    command.mostFiles = Command::anyNumber;
+    command.maxFiles = Command::anyNumber;
     command.run = expandAll;
     return command;
 }

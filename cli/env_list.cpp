@@ -80,8 +80,8 @@ Command envListCommand() {
                                           QStringLiteral("Print the origin of each value")),
                        jsonOption()};
     command.operand = QStringLiteral("argument");
-    command.fewestFiles = 0;
-    command.mostFiles = 0;
+    command.minFiles = 0;
+    command.maxFiles = 0;
     command.run = list;
     return command;
 }

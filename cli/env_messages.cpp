@@ -104,7 +104,7 @@ Command envMessagesCommand() {
         "and its number in the section. Conditions in the file are evaluated for the\n"
         "installation. Exit status: 0 done, 1 the section is missing, 2 an error.\n");
     command.options = {rootOption(), jsonOption()};
-    command.mostFiles = 2;
+    command.maxFiles = 2;
     command.run = messages;
     return command;
 }

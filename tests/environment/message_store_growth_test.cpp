@@ -28,7 +28,7 @@ using testing::valueOf;
 // Caches make the large input slower by up to 2.
 constexpr int small = 2000;
 constexpr int large = 32000;
-constexpr double mostGrowth = 90;
+constexpr double maxGrowth = 90;
 
 void fill(message_store* store, int count, const char* text) {
     add_section(store, "s");
@@ -65,11 +65,11 @@ double timeToReplace(const std::vector<int>& numbers, const char* before, const 
 TEST(MessageStoreGrowth, OfReplacingEqualNamesIsThatOfTheirNumber) {
     for (const auto& order : {ascending, descending, shuffled}) {
         const auto leave = [&](int count) { return timeToReplace(order(count), "A = 1", "none"); };
-        EXPECT_LT(growth(small, large, leave), mostGrowth);
+        EXPECT_LT(growth(small, large, leave), maxGrowth);
         const auto come = [&](int count) { return timeToReplace(order(count), "none", "A = 1"); };
-        EXPECT_LT(growth(small, large, come), mostGrowth);
+        EXPECT_LT(growth(small, large, come), maxGrowth);
         const auto move = [&](int count) { return timeToReplace(order(count), "A = 1", "B = 1"); };
-        EXPECT_LT(growth(small, large, move), mostGrowth);
+        EXPECT_LT(growth(small, large, move), maxGrowth);
     }
 }
 
@@ -107,7 +107,7 @@ TEST(MessageStoreGrowth, OfRemovingAnEntryAgainAndAgainIsNotThatOfItsHistory) {
             }
         });
     };
-    EXPECT_LT(growth(small, large, replaceAndRemove), mostGrowth);
+    EXPECT_LT(growth(small, large, replaceAndRemove), maxGrowth);
 }
 
 std::string storageReport() {
