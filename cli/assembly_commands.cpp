@@ -20,7 +20,7 @@ ExitStatus list(const QCommandLineParser& call, const Console& console) {
     const bool asCsv = call.isSet(QStringLiteral("csv"));
     if (asJson && asCsv) {
         return refuseCall(console, QStringLiteral("assembly list"),
-                          QStringLiteral("--json and --csv exclude each other."));
+                          QStringLiteral("--json and --csv exclude each other"));
     }
     const QString name = call.positionalArguments().at(0);
     CTrvAssemblyData assembly;
@@ -44,7 +44,7 @@ ExitStatus diff(const QCommandLineParser& call, const Console& console) {
         }
     }
     if (printDifferences(assemblies[0], assemblies[1], console.out)) return negative;
-    console.out << "The assemblies are equal.\n";
+    console.out << "The assemblies are equal\n";
     return done;
 }
 

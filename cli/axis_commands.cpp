@@ -113,17 +113,16 @@ QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
         if (!call.isSet(row.option)) continue;
         if (row.first < 12) ++vectors;
         if (!readNumbers(call.value(row.option), &axis.matrix[row.first])) {
-            return QStringLiteral("--%1 takes three numbers, such as 10,0,-2.5, not '%2'.")
+            return QStringLiteral("--%1 takes three numbers, such as 10,0,-2.5, not '%2'")
                 .arg(row.option, call.value(row.option));
         }
     }
     if (vectors != 0 && vectors != 3) {
-        return QStringLiteral("--vec1, --vec2 and --vec3 belong together: give all or none.");
+        return QStringLiteral("--vec1, --vec2 and --vec3 belong together: give all or none");
     }
     if (call.isSet(QStringLiteral("tags")) &&
         !readTags(call.value(QStringLiteral("tags")), axis.tags)) {
-        return QStringLiteral(
-                   "--tags takes three whole numbers from 0 on, such as 3,0,7, not '%1'.")
+        return QStringLiteral("--tags takes three whole numbers from 0 on, such as 3,0,7, not '%1'")
             .arg(call.value(QStringLiteral("tags")));
     }
     return {};
@@ -138,7 +137,7 @@ ExitStatus write(const QCommandLineParser& call, const Console& console) {
     const AxisTraits traits = traitsOf(axis.matrix);
     if (traits.singular) {
         return refuseCall(console, QStringLiteral("axis write"),
-                          QStringLiteral("The three vectors are not linearly independent."));
+                          QStringLiteral("--vec1, --vec2 and --vec3 must be linearly independent"));
     }
     const QString name = call.positionalArguments().at(0);
     if (const Problem problem = writeAxis(name, axis)) return report(name, problem, console);

@@ -65,7 +65,7 @@ CommandGroup envCommands();
 /// Prints why a call is rejected, and the call that prints the help.
 ///
 /// @param command  the words after "trvfiles"; empty if no command was recognised
-/// @param reason   a sentence
+/// @param reason   lower case and without a full stop, because it follows a colon
 /// @return the exit status of the command
 ExitStatus refuseCall(const Console& console, const QString& command, const QString& reason);
 

@@ -161,20 +161,20 @@ QString mistakeIn(const QCommandLineParser& call, int& position) {
     const QString text = call.value(QStringLiteral("position"));
     const bool hasPosition = call.isSet(QStringLiteral("position"));
     if (hasPosition == call.isSet(QStringLiteral("machine"))) {
-        return QStringLiteral("Give either --position or --machine.");
+        return QStringLiteral("give either --position or --machine");
     }
     for (const QString& option :
          {QStringLiteral("machine"), QStringLiteral("axis"), QStringLiteral("name")}) {
         if (!call.isSet(option)) continue;
-        if (hasPosition) return QStringLiteral("--%1 belongs to --machine.").arg(option);
+        if (hasPosition) return QStringLiteral("--%1 is only valid with --machine").arg(option);
         if (isBareName(call.value(option))) continue;
-        return QStringLiteral("--%1 takes a name without a directory, not '%2'.")
+        return QStringLiteral("--%1 takes a name without a directory, not '%2'")
             .arg(option, call.value(option));
     }
     bool isNumber = false;
     position = text.toInt(&isNumber);
     if (hasPosition && (!isNumber || position < 1)) {
-        return QStringLiteral("--position takes a whole number from 1 on, not '%1'.").arg(text);
+        return QStringLiteral("--position takes a whole number from 1 on, not '%1'").arg(text);
     }
     return {};
 }

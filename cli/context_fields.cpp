@@ -16,7 +16,7 @@ bool areFinite(const double* numbers, int count) {
 QString setText(const ContextField& field, const QString& text, CMachineContextData& data) {
     const QString reason = whyTextChanges(text);
     if (!reason.isEmpty()) {
-        return QStringLiteral("%1 cannot hold '%2': %3.").arg(nameOf(field), text, reason);
+        return QStringLiteral("%1 cannot hold '%2': %3").arg(nameOf(field), text, reason);
     }
     (data.*field.setText)(toNarrow(text));
     return {};
@@ -25,10 +25,10 @@ QString setText(const ContextField& field, const QString& text, CMachineContextD
 QString setProximity(const ContextField& field, const QString& text, CMachineContextData& data) {
     double number = 0;
     if (!readNumbers(text, &number, 1) || !areFinite(&number, 1)) {
-        return QStringLiteral("%1 takes a number, such as 2.5, not '%2'.").arg(nameOf(field), text);
+        return QStringLiteral("%1 takes a number, such as 2.5, not '%2'").arg(nameOf(field), text);
     }
     if (!comesBack(number)) {
-        return QStringLiteral("%1 cannot hold '%2': the number is too large for a file.")
+        return QStringLiteral("%1 cannot hold '%2': the number is too large for a file")
             .arg(nameOf(field), text);
     }
     (data.*field.setProximity)(number);
@@ -38,7 +38,7 @@ QString setProximity(const ContextField& field, const QString& text, CMachineCon
 QString setOrigin(const ContextField& field, const QString& text, CMachineContextData& data) {
     double origin[3] = {};
     if (!readNumbers(text, origin, 3) || !areFinite(origin, 3)) {
-        return QStringLiteral("%1 takes three numbers, such as '12.5 0 -3', not '%2'.")
+        return QStringLiteral("%1 takes three numbers, such as '12.5 0 -3', not '%2'")
             .arg(nameOf(field), text);
     }
     data.setOriginProgram(origin[0], origin[1], origin[2]);

@@ -36,8 +36,8 @@ ExitStatus listFavorites(RuntimeMessages& messages, bool asJson, const Console& 
         fromWide(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW());
     if (!directory.isEmpty()) return listIn(directory, asJson, console);
     if (!printReports(messages.takeReports(), console)) {
-        console.err << "trvfiles: There is no favourite directory: neither TRV_MCTX_DEF nor "
-                       "TRVHOME leads to one\n";
+        console.err << "trvfiles: there is no favourite directory: set TRV_MCTX_DEF or TRVHOME, "
+                       "or give DIR\n";
     }
     return failed;
 }
@@ -73,7 +73,7 @@ void printDefault(const QString& file, int position, bool asJson, std::ostream& 
         out << qUtf8Printable(
             QStringLiteral("%1: position %2\n").arg(shown(file), QString::number(position)));
     } else {
-        out << "There is no default context.\n";
+        out << "There is no default context\n";
     }
 }
 

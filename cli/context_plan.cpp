@@ -35,7 +35,7 @@ QString whyPlanFails(const ContextPlan& plan) {
     for (const QString& text : {plan.machine, plan.reference, plan.recordName}) {
         const QString reason = whyTextChanges(text);
         if (!reason.isEmpty()) {
-            return QStringLiteral("A context cannot hold '%1': %2.").arg(text, reason);
+            return QStringLiteral("a context cannot hold '%1': %2").arg(text, reason);
         }
     }
     return {};

@@ -24,12 +24,12 @@ struct Assignment {
 QString readAssignment(const QString& text, Assignment& assignment) {
     const int sign = text.indexOf(QLatin1Char('='));
     const QString name = text.left(sign);
-    if (sign < 0) return QStringLiteral("'%1' is not of the form section.key=value.").arg(text);
+    if (sign < 0) return QStringLiteral("'%1' is not of the form section.key=value").arg(text);
     if (name == QLatin1String("header.version")) {
-        return QStringLiteral("header.version is set by the writer.");
+        return QStringLiteral("header.version cannot be set: the writer sets it");
     }
     assignment.field = findContextField(name);
-    if (assignment.field == nullptr) return QStringLiteral("There is no field '%1'.").arg(name);
+    if (assignment.field == nullptr) return QStringLiteral("unknown field '%1'").arg(name);
     assignment.value = text.mid(sign + 1);
     CMachineContextData ignored;
     return setContextField(*assignment.field, assignment.value, ignored);
@@ -42,7 +42,7 @@ QString readAssignments(const QStringList& texts, std::vector<Assignment>& assig
         if (!mistake.isEmpty()) return mistake;
         for (const Assignment& earlier : assignments) {
             if (earlier.field != next.field) continue;
-            return QStringLiteral("%1 is set twice.").arg(nameOf(*next.field));
+            return QStringLiteral("%1 is set twice").arg(nameOf(*next.field));
         }
         assignments.push_back(next);
     }

@@ -28,7 +28,7 @@ QString whyTextChanges(const QString& text) {
     if (text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'))) {
         return QStringLiteral("a line end becomes a blank");
     }
-    if (text.contains(QChar(0))) return QStringLiteral("what follows a zero is lost");
+    if (text.contains(QChar(0))) return QStringLiteral("the text after a null character is lost");
     const std::string narrow = toNarrow(text);
     if (fromNarrow(narrow) != text) {
         return QStringLiteral("the local code page lacks one of its characters");
@@ -38,7 +38,7 @@ QString whyTextChanges(const QString& text) {
     }
     if (hasBlankAtAnEnd(narrow)) return QStringLiteral("blanks at its ends are lost");
     if (losesReference(narrow)) {
-        return QStringLiteral("what is between a \"+\" and a later \")\" is lost");
+        return QStringLiteral("the text between a \"+\" and a later \")\" is lost");
     }
     if (text.contains(endOfTextFile)) return QStringLiteral("code 26 ends the file on Windows");
     return {};

@@ -94,6 +94,12 @@ QString explanation(const Command& command) {
         .arg(command.name, command.arguments, command.summary, command.details, table(lines));
 }
 
+// Qt's sentence in the form of the command's own reasons: without the capital and the full stop.
+QString asReason(QString sentence) {
+    if (sentence.endsWith(QLatin1Char('.'))) sentence.chop(1);
+    return sentence.left(1).toLower() % sentence.mid(1);
+}
+
 ExitStatus runCommand(const Command& command, const QStringList& arguments,
                       const Console& console) {
     QCommandLineParser parser;
@@ -105,16 +111,16 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments,
         print(console.out, explanation(command));
         return done;
     }
-    if (!understood) return refuseCall(console, command.name, parser.errorText());
+    if (!understood) return refuseCall(console, command.name, asReason(parser.errorText()));
 
     const QStringList operands = parser.positionalArguments();
     if (operands.size() < command.minFiles) {
         return refuseCall(console, command.name,
-                          QStringLiteral("A %1 is missing.").arg(command.operand));
+                          QStringLiteral("a %1 is missing").arg(command.operand));
     }
     if (operands.size() > command.maxFiles) {
         return refuseCall(console, command.name,
-                          QStringLiteral("'%1' is one %2 too many.")
+                          QStringLiteral("'%1' is one %2 too many")
                               .arg(operands.at(command.maxFiles), command.operand));
     }
     return command.run(parser, console);
@@ -147,22 +153,21 @@ ExitStatus run(const QStringList& arguments, const Console& console) {
         }
         const QString group = words.join(QLatin1Char(' '));
         if (argument.size() > 1 && argument.startsWith(QLatin1Char('-'))) {
-            return refuseCall(console, group, QStringLiteral("Unknown option '%1'.").arg(argument));
+            return refuseCall(console, group, QStringLiteral("unknown option '%1'").arg(argument));
         }
         words += argument;
         const auto command =
             std::find_if(commands.begin(), commands.end(),
                          [&](const Command& candidate) { return startsWith(candidate, words); });
         if (command == commands.end()) {
-            return refuseCall(console, group,
-                              QStringLiteral("There is no command '%1'.").arg(argument));
+            return refuseCall(console, group, QStringLiteral("unknown command '%1'").arg(argument));
         }
         if (command->name == words.join(QLatin1Char(' '))) {
             return runCommand(*command, arguments.mid(words.size()), console);
         }
     }
     return refuseCall(console, words.join(QLatin1Char(' ')),
-                      QStringLiteral("A command is missing."));
+                      QStringLiteral("a command is missing"));
 }
 
 }  // namespace trv::cli

@@ -33,7 +33,7 @@ constexpr int outOfMemory = -41;
 
 constexpr Meaning meanings[] = {
     {EXP_NOT_FOUND, "EXP_NOT_FOUND", "there is no such file"},
-    {EXP_SYNTAX_ERROR, "EXP_SYNTAX_ERROR", "a bracket behind a $ or ? is not closed"},
+    {EXP_SYNTAX_ERROR, "EXP_SYNTAX_ERROR", "a bracket after a $ or ? is not closed"},
     {EXP_BUFFER_TOO_SMALL, "EXP_BUFFER_TOO_SMALL", "the list or the path found is too long"},
     {outOfMemory, "error", "memory ran out"},
     {EXP_NAME_TOO_LONG, "EXP_NAME_TOO_LONG",

@@ -101,7 +101,7 @@ ExitStatus ask(const QCommandLineParser& call, const Console& console, const Run
         load_environment();
         if (printReports(messages.takeReports(), console)) return failed;
     } else if (needsInstallation) {
-        printError(QStringLiteral("There is no installation: set TRVHOME or give --root DIR"),
+        printError(QStringLiteral("there is no installation: set TRVHOME or give --root DIR"),
                    console);
         return failed;
     }

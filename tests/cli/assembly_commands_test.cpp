@@ -88,7 +88,7 @@ TEST_F(AssemblyCommands, ListAcceptsOnlyOneForm) {
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
     EXPECT_EQ(answer.err,
-              "trvfiles assembly list: --json and --csv exclude each other.\n"
+              "trvfiles assembly list: --json and --csv exclude each other\n"
               "Try 'trvfiles assembly list --help'.\n");
 }
 
@@ -96,7 +96,7 @@ TEST_F(AssemblyCommands, DiffOfEqualFilesIsDone) {
     const QString name = file("a", setupXml);
     const Answer answer = answerTo(words("assembly diff") + QStringList({name, name}));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, "The assemblies are equal.\n");
+    EXPECT_EQ(answer.out, "The assemblies are equal\n");
     EXPECT_EQ(answer.err, "");
 }
 
@@ -120,7 +120,7 @@ TEST_F(AssemblyCommands, DiffOfTheThirdVectorIsDone) {
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.out,
               "note: a: vec3 0 0 1 -> 0 0 -1, which does not count\n"
-              "The assemblies are equal.\n");
+              "The assemblies are equal\n");
 }
 
 TEST_F(AssemblyCommands, DiffReportsWhichFileCannotBeRead) {
@@ -135,10 +135,10 @@ TEST_F(AssemblyCommands, DiffReportsWhichFileCannotBeRead) {
 
 TEST_F(AssemblyCommands, DiffRequiresTwoFiles) {
     EXPECT_EQ(answerTo(words("assembly diff a")).err,
-              "trvfiles assembly diff: A file name is missing.\n"
+              "trvfiles assembly diff: a file name is missing\n"
               "Try 'trvfiles assembly diff --help'.\n");
     EXPECT_EQ(answerTo(words("assembly diff a b c")).err,
-              "trvfiles assembly diff: 'c' is one file name too many.\n"
+              "trvfiles assembly diff: 'c' is one file name too many\n"
               "Try 'trvfiles assembly diff --help'.\n");
 }
 

@@ -91,8 +91,7 @@ TEST_F(CheckCommand, ContinuesAfterAFaultyFile) {
 TEST_F(CheckCommand, RequiresAFile) {
     const Answer answer = answerTo(words("check"));
     EXPECT_EQ(answer.status, 2);
-    EXPECT_EQ(answer.err,
-              "trvfiles check: A file name is missing.\nTry 'trvfiles check --help'.\n");
+    EXPECT_EQ(answer.err, "trvfiles check: a file name is missing\nTry 'trvfiles check --help'.\n");
 }
 
 }  // namespace

@@ -167,14 +167,14 @@ TEST_F(ContextCreate, RequiresAValidAxisFile) {
 
 TEST_F(ContextCreate, RequiresOneKindOfContext) {
     expectRefusal(answerTo(words("context create") + QStringList(path(""))),
-                  "Give either --position or --machine.");
-    expectRefusal(create("--position 1 --machine m"), "Give either --position or --machine.");
-    expectRefusal(create("--position 1 --axis a"), "--axis belongs to --machine.");
-    expectRefusal(create("--position 1 --name a"), "--name belongs to --machine.");
+                  "give either --position or --machine");
+    expectRefusal(create("--position 1 --machine m"), "give either --position or --machine");
+    expectRefusal(create("--position 1 --axis a"), "--axis is only valid with --machine");
+    expectRefusal(create("--position 1 --name a"), "--name is only valid with --machine");
     for (const char* position : {"0", "-1", "x", "1.5", "2147483648"})
         expectRefusal(
             create((std::string("--position=") + position).c_str()),
-            "--position takes a whole number from 1 on, not '" + std::string(position) + "'.");
+            "--position takes a whole number from 1 on, not '" + std::string(position) + "'");
 }
 
 TEST_F(ContextCreate, RequiresNamesWithoutADirectory) {
@@ -187,15 +187,15 @@ TEST_F(ContextCreate, RequiresNamesWithoutADirectory) {
             if (std::string(option) != "machine") options += QStringLiteral("--machine=m");
             expectRefusal(create(options, path("")),
                           std::string("--") + option + " takes a name without a directory, not '" +
-                              shown + "'.");
+                              shown + "'");
         }
     }
 }
 
 TEST_F(ContextCreate, RefusesNamesThatTheFileCannotHold) {
     expectRefusal(create("--machine a+b(1)"),
-                  "A context cannot hold 'a+b(1)': what is between a \"+\" and a later \")\" is "
-                  "lost.");
+                  "a context cannot hold 'a+b(1)': the text between a \"+\" and a later \")\" is "
+                  "lost");
 }
 
 TEST_F(ContextCreate, ReportsWhyTheDirectoryIsInvalid) {
@@ -337,7 +337,7 @@ TEST_F(ContextCreate, ExplainsItself) {
               "  --name K      The context's name instead of M[AXIS]\n"
               "  -h, --help    Show this help\n");
     EXPECT_EQ(answerTo(words("context create --position 1")).err,
-              "trvfiles context create: A directory is missing.\n"
+              "trvfiles context create: a directory is missing\n"
               "Try 'trvfiles context create --help'.\n");
 }
 

@@ -65,22 +65,21 @@ TEST(ContextFields, SetTheirOwnFieldOfTheRecord) {
 TEST(ContextFields, RejectWhatDoesNotComeBack) {
     CMachineContextData data;
     EXPECT_EQ(set("machine.name", "A+B(1)", data),
-              "machine.name cannot hold 'A+B(1)': what is between a \"+\" and a later \")\" is "
-              "lost.");
+              "machine.name cannot hold 'A+B(1)': the text between a \"+\" and a later \")\" is "
+              "lost");
     EXPECT_EQ(set("machine.name", "%1\n", data),
-              "machine.name cannot hold '%1\n': a line end becomes a blank.");
+              "machine.name cannot hold '%1\n': a line end becomes a blank");
     for (const char* text : {"", "abc", "nan", "inf", "-inf", "1,5", "1 2", "1e400"})
-        EXPECT_EQ(
-            set("machine.proximity", text, data),
-            "machine.proximity takes a number, such as 2.5, not '" + std::string(text) + "'.");
+        EXPECT_EQ(set("machine.proximity", text, data),
+                  "machine.proximity takes a number, such as 2.5, not '" + std::string(text) + "'");
     for (const char* text : {"1e20", "1e39", "-1e19"})
         EXPECT_EQ(set("clamping_system.proximity", text, data),
                   "clamping_system.proximity cannot hold '" + std::string(text) +
-                      "': the number is too large for a file.");
+                      "': the number is too large for a file");
     for (const char* text : {"", "1 2", "1 2 3 4", "1 2 nan", "1 inf 3", "1,2,3", "1 2 3mm"})
         EXPECT_EQ(set("postpro.origin_program", text, data),
                   "postpro.origin_program takes three numbers, such as '12.5 0 -3', not '" +
-                      std::string(text) + "'.");
+                      std::string(text) + "'");
     EXPECT_TRUE(data.isNull());
 }
 

@@ -116,8 +116,7 @@ TEST_F(FavoriteList, ReportsWhyThereIsNoFavouriteDirectory) {
         "small\n"
         "trvfiles: warning: _Expand(\"$TRVHOME\\\\standard\\\\machine_context\") = error -32 - "
         "buffer size 400 too small\n"
-        "trvfiles: There is no favourite directory: neither TRV_MCTX_DEF nor TRVHOME leads to "
-        "one\n");
+        "trvfiles: there is no favourite directory: set TRV_MCTX_DEF or TRVHOME, or give DIR\n");
 }
 
 class ContextDefault : public ContextDirectory {
@@ -147,7 +146,7 @@ TEST_F(ContextDefault, IsLookedForInADirectory) {
 TEST_F(ContextDefault, MayBeMissing) {
     Answer answer = answerTo(words("context default") + QStringList(other_));
     EXPECT_EQ(answer.status, 1);
-    EXPECT_EQ(answer.out, "There is no default context.\n");
+    EXPECT_EQ(answer.out, "There is no default context\n");
     EXPECT_EQ(answer.err, "");
     const TemporaryDirectory empty;
     answer = answerTo(words("context default --json") +

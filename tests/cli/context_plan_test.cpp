@@ -49,14 +49,14 @@ TEST(ContextPlan, ReportsWhichNameARecordCannotHold) {
     EXPECT_EQ(whyPlanFails(plan("m")).toStdString(), "");
     EXPECT_EQ(whyPlanFails(plan("a+", "b)", "c")).toStdString(), "");
     EXPECT_EQ(whyPlanFails(plan("m ", "", "x")).toStdString(),
-              "A context cannot hold 'm ': blanks at its ends are lost.");
+              "a context cannot hold 'm ': blanks at its ends are lost");
     EXPECT_EQ(whyPlanFails(plan("a+", "b)")).toStdString(),
-              "A context cannot hold '[stockposition@a+[b)]]b).ref': what is between a \"+\" "
-              "and a later \")\" is lost.");
+              "a context cannot hold '[stockposition@a+[b)]]b).ref': the text between a \"+\" "
+              "and a later \")\" is lost");
     EXPECT_EQ(whyPlanFails(plan("m", "", " x")).toStdString(),
-              "A context cannot hold ' x': blanks at its ends are lost.");
+              "a context cannot hold ' x': blanks at its ends are lost");
     EXPECT_EQ(whyPlanFails(plan("a\nb")).toStdString(),
-              "A context cannot hold 'a\nb': a line end becomes a blank.");
+              "a context cannot hold 'a\nb': a line end becomes a blank");
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST_F(ContextRewrite, AcceptsNoVersionButTwo) {
 
 TEST_F(ContextRewrite, NamesATextThatWouldChange) {
     EXPECT_EQ(changedValue("[header]\nname=A+B(1)\n"),
-              "header.name 'A+B(1)': what is between a \"+\" and a later \")\" is lost");
+              "header.name 'A+B(1)': the text between a \"+\" and a later \")\" is lost");
     EXPECT_EQ(changedValue("[header]\nname=a\rb\n"),
               "header.name 'a\rb': a line end becomes a blank");
     EXPECT_EQ(changedValue("[header]\nname=a\0b\n"sv),

@@ -32,11 +32,11 @@ TEST(ContextValues, ReportsWhyATextChanges) {
     for (const char* text : {" x", "x ", "\tx", "x\t", "x\f", "\vx", " "})
         EXPECT_EQ(reason(text), "blanks at its ends are lost");
     for (const char* text : {"A+B(1)", "A+)", "A+++B(1)", "++ +)", "+(0000012C)"})
-        EXPECT_EQ(reason(text), "what is between a \"+\" and a later \")\" is lost");
+        EXPECT_EQ(reason(text), "the text between a \"+\" and a later \")\" is lost");
     EXPECT_EQ(reason("a\x1A"), "code 26 ends the file on Windows");
     EXPECT_EQ(reason("a\xEF\xBF\xBD"), "it holds bytes that are not text");
     EXPECT_EQ(whyTextChanges(QString(QLatin1Char('a')) + QChar(0)).toStdString(),
-              "what follows a zero is lost");
+              "the text after a null character is lost");
     EXPECT_EQ(whyTextChanges(QString(QChar(0xD800))).toStdString(),
               "the local code page lacks one of its characters");
 }

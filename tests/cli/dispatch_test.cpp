@@ -120,60 +120,60 @@ void expectRefusal(const QStringList& arguments, const std::string& text) {
 }
 
 TEST(Dispatch, RequiresACommand) {
-    expectRefusal({}, "trvfiles: A command is missing.\nTry 'trvfiles --help'.\n");
+    expectRefusal({}, "trvfiles: a command is missing\nTry 'trvfiles --help'.\n");
     expectRefusal(words("axis"),
-                  "trvfiles axis: A command is missing.\nTry 'trvfiles axis --help'.\n");
+                  "trvfiles axis: a command is missing\nTry 'trvfiles axis --help'.\n");
 }
 
 TEST(Dispatch, RejectsAnUnknownCommand) {
-    expectRefusal(words("frob"), "trvfiles: There is no command 'frob'.\nTry 'trvfiles --help'.\n");
+    expectRefusal(words("frob"), "trvfiles: unknown command 'frob'\nTry 'trvfiles --help'.\n");
     expectRefusal(words("axis tree a"),
-                  "trvfiles axis: There is no command 'tree'.\nTry 'trvfiles axis --help'.\n");
+                  "trvfiles axis: unknown command 'tree'\nTry 'trvfiles axis --help'.\n");
     expectRefusal({QStringLiteral("axis show")},
-                  "trvfiles: There is no command 'axis show'.\nTry 'trvfiles --help'.\n");
-    expectRefusal({QString()}, "trvfiles: There is no command ''.\nTry 'trvfiles --help'.\n");
+                  "trvfiles: unknown command 'axis show'\nTry 'trvfiles --help'.\n");
+    expectRefusal({QString()}, "trvfiles: unknown command ''\nTry 'trvfiles --help'.\n");
     expectRefusal({QStringLiteral("a\nb %1")},
-                  "trvfiles: There is no command 'a\\x0ab %1'.\nTry 'trvfiles --help'.\n");
+                  "trvfiles: unknown command 'a\\x0ab %1'\nTry 'trvfiles --help'.\n");
 }
 
 TEST(Dispatch, RejectsOptionsInPlaceOfACommand) {
     expectRefusal(words("--frob show a"),
-                  "trvfiles: Unknown option '--frob'.\nTry 'trvfiles --help'.\n");
+                  "trvfiles: unknown option '--frob'\nTry 'trvfiles --help'.\n");
     expectRefusal(words("axis -x"),
-                  "trvfiles axis: Unknown option '-x'.\nTry 'trvfiles axis --help'.\n");
+                  "trvfiles axis: unknown option '-x'\nTry 'trvfiles axis --help'.\n");
     expectRefusal(words("axis --version"),
-                  "trvfiles axis: Unknown option '--version'.\nTry 'trvfiles axis --help'.\n");
-    expectRefusal(words("-"), "trvfiles: There is no command '-'.\nTry 'trvfiles --help'.\n");
+                  "trvfiles axis: unknown option '--version'\nTry 'trvfiles axis --help'.\n");
+    expectRefusal(words("-"), "trvfiles: unknown command '-'\nTry 'trvfiles --help'.\n");
 }
 
 TEST(Dispatch, RefusesOptionsThatACommandDoesNotHave) {
     expectRefusal(words("show --csv a"),
-                  "trvfiles show: Unknown option 'csv'.\nTry 'trvfiles show --help'.\n");
+                  "trvfiles show: unknown option 'csv'\nTry 'trvfiles show --help'.\n");
     expectRefusal(words("show --json=1 a"),
-                  "trvfiles show: Unexpected value after '--json'.\n"
+                  "trvfiles show: unexpected value after '--json'\n"
                   "Try 'trvfiles show --help'.\n");
     expectRefusal(words("axis write a --tags"),
-                  "trvfiles axis write: Missing value after '--tags'.\n"
+                  "trvfiles axis write: missing value after '--tags'\n"
                   "Try 'trvfiles axis write --help'.\n");
 }
 
 TEST(Dispatch, CallsArgumentsByWhatTheyAre) {
     expectRefusal(words("env explain"),
-                  "trvfiles env explain: A name is missing.\n"
+                  "trvfiles env explain: a name is missing\n"
                   "Try 'trvfiles env explain --help'.\n");
     expectRefusal(words("env list a"),
-                  "trvfiles env list: 'a' is one argument too many.\n"
+                  "trvfiles env list: 'a' is one argument too many\n"
                   "Try 'trvfiles env list --help'.\n");
     expectRefusal({QStringLiteral("show"), QStringLiteral("a"), QStringLiteral("%2")},
-                  "trvfiles show: '%2' is one file name too many.\n"
+                  "trvfiles show: '%2' is one file name too many\n"
                   "Try 'trvfiles show --help'.\n");
 }
 
 TEST(Dispatch, CountsTheFileNames) {
     expectRefusal(words("show"),
-                  "trvfiles show: A file name is missing.\nTry 'trvfiles show --help'.\n");
+                  "trvfiles show: a file name is missing\nTry 'trvfiles show --help'.\n");
     expectRefusal(words("show a b c"),
-                  "trvfiles show: 'b' is one file name too many.\nTry 'trvfiles show --help'.\n");
+                  "trvfiles show: 'b' is one file name too many\nTry 'trvfiles show --help'.\n");
 }
 
 TEST(Dispatch, TreatsArgumentsAfterTwoDashesAsFileNames) {

@@ -54,7 +54,7 @@ TEST_F(EnvExpand, SaysWhatIsWrongWithAText) {
     EXPECT_EQ(run({"expand", "${CELL", "$CELL", "$NOBODY", "$SITE"}), 2);
     EXPECT_EQ(out(), "3\n<NOBODY>\n");
     EXPECT_EQ(err(),
-              "trvfiles: ${CELL: EXP_SYNTAX_ERROR (-31): a bracket behind a $ or ? is not closed\n"
+              "trvfiles: ${CELL: EXP_SYNTAX_ERROR (-31): a bracket after a $ or ? is not closed\n"
               "trvfiles: $NOBODY: $NOBODY is not defined\n"
               "trvfiles: $SITE: EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or "
               "its expansion is too long\n");

@@ -78,7 +78,7 @@ TEST_F(EnvExpansion, GivesErrorsAsTheyAre) {
 TEST(EnvCodeText, HasWordsForEveryStatus) {
     const auto text = [](int code) { return cli::codeText(code).toStdString(); };
     EXPECT_EQ(text(-21), "EXP_NOT_FOUND (-21): there is no such file");
-    EXPECT_EQ(text(-31), "EXP_SYNTAX_ERROR (-31): a bracket behind a $ or ? is not closed");
+    EXPECT_EQ(text(-31), "EXP_SYNTAX_ERROR (-31): a bracket after a $ or ? is not closed");
     EXPECT_EQ(text(-32), "EXP_BUFFER_TOO_SMALL (-32): the list or the path found is too long");
     EXPECT_EQ(text(-41), "error (-41): memory ran out");
     EXPECT_EQ(text(-42),

@@ -91,7 +91,7 @@ TEST_F(EnvCommand, SaysWhatToSetWhereThereIsNoInstallation) {
         process_.setVariable("TRVHOME", home);
         EXPECT_EQ(run({"list"}), 2);
         EXPECT_EQ(out(), "");
-        EXPECT_EQ(err(), "trvfiles: There is no installation: set TRVHOME or give --root DIR\n");
+        EXPECT_EQ(err(), "trvfiles: there is no installation: set TRVHOME or give --root DIR\n");
     }
 }
 

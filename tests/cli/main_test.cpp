@@ -57,13 +57,13 @@ TEST_F(TrvfilesCommand, PrintsItsVersion) {
 TEST_F(TrvfilesCommand, RejectsAWrongCallOnStandardError) {
     EXPECT_EQ(run({}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: A command is missing.\nTry 'trvfiles --help'.\n");
+    EXPECT_EQ(err(), "trvfiles: a command is missing\nTry 'trvfiles --help'.\n");
 }
 
 TEST_F(TrvfilesCommand, LeavesNoArgumentToQt) {
     EXPECT_EQ(run({"-qmljsdebugger=x"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: Unknown option '-qmljsdebugger=x'.\nTry 'trvfiles --help'.\n");
+    EXPECT_EQ(err(), "trvfiles: unknown option '-qmljsdebugger=x'\nTry 'trvfiles --help'.\n");
     EXPECT_EQ(run({"check", "-qmljsdebugger=x", "a"}), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(run({"check", "--", "-qmljsdebugger", "-qmljsdebugger=x"}), 1);
@@ -75,12 +75,12 @@ TEST_F(TrvfilesCommand, LeavesNoArgumentToQt) {
 TEST_F(TrvfilesCommand, DoesNotChangeItsArguments) {
     for (const char* argument : {"", " ", "a b", "\"", "a \"b\" c", "*", "?", u8"ü€😀"}) {
         EXPECT_EQ(run({argument}), 2);
-        EXPECT_EQ(err(), "trvfiles: There is no command '" + std::string(argument) +
-                             "'.\nTry 'trvfiles --help'.\n");
+        EXPECT_EQ(err(), "trvfiles: unknown command '" + std::string(argument) +
+                             "'\nTry 'trvfiles --help'.\n");
     }
     EXPECT_EQ(run({"\\a\\\\\"b c\\"}), 2);
     EXPECT_EQ(err(),
-              "trvfiles: There is no command '\\\\a\\\\\\\\\"b c\\\\'.\nTry 'trvfiles --help'.\n");
+              "trvfiles: unknown command '\\\\a\\\\\\\\\"b c\\\\'\nTry 'trvfiles --help'.\n");
 }
 
 TEST_F(TrvfilesCommand, ShowsAnAxisFileThatAHostWrote) {
