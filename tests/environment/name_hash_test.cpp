@@ -22,7 +22,7 @@ std::size_t differentHashes(std::uint32_t (*hash)(std::string_view), NameOf name
     return hashes.size();
 }
 
-constexpr std::size_t most = 32768 - 5;
+constexpr std::size_t lowerBound = 32768 - 5;
 
 bool bit(int number, int place) {
     return (number >> place) % 2 != 0;
@@ -94,8 +94,8 @@ TEST(NameHash, SpreadsNamesThatDifferInCharactersThatAreNoLetters) {
             if (bit(number, place)) name[static_cast<std::size_t>(place)] = '`';
         return name;
     };
-    EXPECT_GT(differentHashes(hash_name, nameOf), most);
-    EXPECT_GT(differentHashes(hash_name_ignoring_case, nameOf), most);
+    EXPECT_GT(differentHashes(hash_name, nameOf), lowerBound);
+    EXPECT_GT(differentHashes(hash_name_ignoring_case, nameOf), lowerBound);
 }
 
 // A hash that multiplies each block of eight characters by an odd factor and shifts by 32 gives all
@@ -110,8 +110,8 @@ TEST(NameHash, SpreadsNamesThatDifferInTheHighestBitsOfTwoBlocks) {
         }
         return name;
     };
-    EXPECT_GT(differentHashes(hash_name, nameOf), most);
-    EXPECT_GT(differentHashes(hash_name_ignoring_case, nameOf), most);
+    EXPECT_GT(differentHashes(hash_name, nameOf), lowerBound);
+    EXPECT_GT(differentHashes(hash_name_ignoring_case, nameOf), lowerBound);
 }
 
 // Each bit of the two halves of a block, of a block in the middle and of the last one.
@@ -150,14 +150,14 @@ TEST(NameHash, OfPlacesDiffersFromPlaceToPlace) {
     std::set<std::uint32_t> hashes;
     for (std::uint32_t place = 0; place < 32768; ++place)
         hashes.insert(hash_place(place));
-    EXPECT_GT(hashes.size(), most);
+    EXPECT_GT(hashes.size(), lowerBound);
 }
 
 TEST(HashKey, TakesAllItsBitsFromTheSource) {
-    std::uint32_t drawn = 0;
-    const hash_key key = draw_hash_key([&] { return 0x10000000 + 2 * drawn++; });
+    std::uint32_t calls = 0;
+    const hash_key key = make_hash_key([&] { return 0x10000000 + 2 * calls++; });
     const std::set<std::uint64_t> words = {key.start, key.block, key.end};
-    EXPECT_EQ(drawn, 6U);
+    EXPECT_EQ(calls, 6U);
     EXPECT_EQ(words.size(), 3U);
     for (const std::uint64_t word : words) {
         EXPECT_EQ(word >> 60, 1U);
@@ -165,10 +165,10 @@ TEST(HashKey, TakesAllItsBitsFromTheSource) {
     }
 }
 
-TEST(HashKey, IsDrawnWithoutASourceToo) {
+TEST(HashKey, IsMadeWithoutASourceToo) {
     const auto failing = []() -> std::uint32_t { throw std::runtime_error("no source"); };
-    const hash_key key = draw_hash_key(failing);
-    const hash_key another = draw_hash_key(failing);
+    const hash_key key = make_hash_key(failing);
+    const hash_key another = make_hash_key(failing);
     EXPECT_NE(key.start, another.start);
     EXPECT_NE(key.block, another.block);
     EXPECT_NE(key.end, another.end);

@@ -33,7 +33,8 @@ void appendTransposed(std::string& text, const AxisMatrix& matrix) {
     }
 }
 
-// Holds one line at a time, and of that no more than counts: memory does not grow with the file.
+// Holds one line at a time, and only the part of it that counts: memory does not grow with the
+// file.
 class LineReader {
 public:
     explicit LineReader(std::FILE* file) : file_(file) {}

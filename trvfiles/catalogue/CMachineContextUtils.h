@@ -20,8 +20,8 @@
 ///
 /// Creation, both kinds:
 /// - A file "exists" if it can be opened for reading. Any other file is created exclusively: if its
-///   name is taken after all, the operation fails and what has the name stays. A link is never
-///   followed to create a file.
+///   name is taken, the operation fails and nothing is overwritten. A link is never followed to
+///   create a file.
 /// - If the context cannot be written, its reference file is removed, before anything is reported.
 ///   That is the copy which this call has made, also if it has overwritten an older reference file.
 ///   Nothing else is removed.
@@ -44,9 +44,8 @@ public:
     /// if that is not defined or empty, "$TRVHOME\standard\machine_context". The directory need not
     /// exist. The first call may load the environment.
     ///
-    /// @return an absolute path with "/" between its parts; empty if neither is known or an
-    /// expanded
-    ///         text takes 400 bytes and more
+    /// @return an absolute path with "/" between its parts; empty if neither is known, or
+    ///         if an expanded text takes 400 bytes and more
     static std::wstring sGetFavoriteMachineContextDirectoryW();
 
     /// The favourite contexts below a directory: in each of its directories, sorted by name without
@@ -59,9 +58,8 @@ public:
     /// that link to each other is as long as the number of paths through them.
     ///
     /// @param directory  empty for sGetFavoriteMachineContextDirectoryW()
-    /// @return the paths, each beginning with the directory as given (without the "." of the
-    /// current
-    ///         one); none if the directory cannot be listed
+    /// @return the paths, each beginning with the directory as given (without the "."
+    ///         of the current one); empty if the directory cannot be listed
     static std::vector<std::wstring> sGetFavoriteMachineContext(std::wstring directory);
 
     /// Chooses the default context: the first one of the highest machine position.

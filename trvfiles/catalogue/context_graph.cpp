@@ -20,13 +20,13 @@ struct Subdirectory {
     bool isLink;
 };
 
-// Those that a path can hold, by name, ignoring case, as QDir sorts them. What differs in case only
-// comes by name.
+// The subdirectories whose names a path can hold. They are sorted like the entries of a QDir: by
+// name without regard to case, and names that differ only in case by their characters.
 std::vector<Subdirectory> subdirectoriesOf(const QString& path) {
     std::vector<Subdirectory> found;
     for (const platform::subdirectory& entry : platform::subdirectories(systemPath(path))) {
         HostPath name = pathFromSystem(entry.name);
-        // QDir::cd() enters no ":x", which it takes for a resource.
+        // QDir::cd() does not enter ":x", because that is the name of a resource.
         if (!name.isExact || name.text.startsWith(QLatin1Char(':'))) continue;
         QString lowerCase = name.text.toLower();
         found.push_back({std::move(name.text), std::move(lowerCase), entry.is_link});
@@ -38,9 +38,10 @@ std::vector<Subdirectory> subdirectoriesOf(const QString& path) {
     return found;
 }
 
-// Lists directories, each by its canonical path once. Directories that a link leads to come last,
-// so each one is listed by a path with as few links as possible: the system follows only so many
-// links within one path.
+// Lists each directory once, identified by its canonical path. Breadth-first by the number of links
+// in the path (0-1 BFS): a subdirectory is put at the front of the queue, the target of a link at
+// its end. So each directory is listed by a path with as few links as possible, because the system
+// limits the links in one path.
 class Explorer {
 public:
     std::vector<ContextDirectory> explore(const QString& start) {
@@ -63,7 +64,7 @@ private:
         return directories_[static_cast<std::size_t>(directory)];
     }
 
-    // The place of a directory in the graph, which takes a new one.
+    // The place of a directory in the graph, to which a new directory is added.
     int indexOf(const std::filesystem::path& canonical) {
         const int next = static_cast<int>(directories_.size());
         const auto [place, isNew] = places_.emplace(canonical.native(), next);
@@ -100,7 +101,7 @@ private:
     }
 
     std::vector<ContextDirectory> directories_;
-    // As the system has them: a text may not tell them apart.
+    // As the system has them: two different paths may have the same QString.
     std::vector<std::filesystem::path> canonicalPaths_;
     std::unordered_map<std::filesystem::path::string_type, int> places_;
     std::deque<Waiting> waiting_;

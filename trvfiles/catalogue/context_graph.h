@@ -14,7 +14,8 @@ namespace trv {
 
 /// An entry of a directory that is a directory or a link to one.
 struct ContextEntry {
-    /// `target` of an entry that holds a context of its own name. The search goes no further there.
+    /// `target` of an entry that contains a context with its own name. The search does not enter
+    /// it.
     static constexpr int context = -1;
 
     QString name;
@@ -22,12 +23,12 @@ struct ContextEntry {
     int target;
 };
 
-/// A directory as it really is: a link to it is an entry of another directory, not a second one.
+/// A real directory. A link to it is an entry of another directory, not a second ContextDirectory.
 struct ContextDirectory {
     /// The path by which it has been listed.
     QString path;
-    /// By name, ignoring case. Hidden ones are left out, and names that no path can hold: on POSIX
-    /// those that are not UTF-8 and those with a "\".
+    /// Sorted by name, ignoring case. Hidden ones are left out, and so are names that no path can
+    /// hold: on POSIX those that are not UTF-8 and those with a "\".
     std::vector<ContextEntry> entries;
 };
 
@@ -35,8 +36,8 @@ struct ContextDirectory {
 ///
 /// REQUIRES: isOpenable() is true of the directory's path.
 ///
-/// @param start  the first one of the result; its own path is the beginning of all others that no
-///               link leads to
+/// @param start  the first directory of the result. The paths of all directories that are reached
+///               without a link begin with its path.
 std::vector<ContextDirectory> listContextDirectories(const QDir& start);
 
 /// The path of an entry, as QDir::cd() makes it.
@@ -45,7 +46,7 @@ QString entryPath(const QString& directory, const QString& name);
 /// The path of the context of a directory's name.
 QString contextPath(const QString& directory, const QString& name);
 
-/// Whether a context exists. A directory is none.
+/// Whether a context exists. A directory is not a context.
 bool isContext(const QString& path);
 
 }  // namespace trv

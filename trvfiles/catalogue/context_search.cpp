@@ -19,7 +19,7 @@ bool isDirectory(const QString& path) {
     return platform::kind_of(systemPath(path)) == platform::file_kind::directory;
 }
 
-// For each directory those with an entry that leads there.
+// For each directory, the directories with an entry that leads to it.
 std::vector<Places> parentsOf(const std::vector<ContextDirectory>& directories) {
     std::vector<Places> parents(directories.size());
     for (std::size_t from = 0; from < directories.size(); ++from) {
@@ -57,8 +57,8 @@ Places leavingOrder(const std::vector<ContextDirectory>& directories) {
     return order;
 }
 
-// Spreads a mark from the directories in `open` to those that lead there, as far as `admits` lets
-// it, which is asked for each of them and marks what it admits.
+// Marks all directories from which those in `open` can be reached. `admits` is called for each of
+// them: it marks the directory and returns true, or returns false to stop there.
 template <class Admits>
 void spread(Places open, const std::vector<Places>& parents, Admits admits) {
     while (!open.empty()) {
@@ -70,13 +70,13 @@ void spread(Places open, const std::vector<Places>& parents, Admits admits) {
     }
 }
 
-// The strongly connected components of a graph: directories that lead to each other. Only within
-// one of them can the chain of entered directories be in the way: what is entered leads to all that
-// follows, so whatever leads back to it is in its component.
+// The strongly connected components of a graph: directories that lead to each other. Entered
+// directories can block a path only within one component: an entered directory leads to all that
+// follows in the chain, so what leads back to it is in its component.
 class Components {
 public:
-    // Kosaraju's algorithm: in the reverse of the leaving order, whatever leads to a directory and
-    // is in no component yet belongs to its component.
+    // Kosaraju's algorithm. Takes the directories in the reverse of the leaving order. Those that
+    // lead to the current one and have no component yet form its component.
     Components(const std::vector<ContextDirectory>& directories, const std::vector<Places>& parents)
         : component_(directories.size(), none) {
         Places order = leavingOrder(directories);
@@ -158,8 +158,8 @@ private:
         }
     }
 
-    // Whether an entry leads to a context, the first step of the way leaving the component. Then
-    // nothing that has been entered can be in the way.
+    // Whether an entry leads to a context and its first step leaves the component. Then no entered
+    // directory can block the path.
     bool leavesComponent(const ContextEntry& entry, int directory) const {
         if (entry.target == ContextEntry::context) return true;
         return leadsOn_[at(entry.target)] &&
@@ -171,8 +171,8 @@ private:
         const Places& members = components_.membersWith(directory);
         if (members.size() > 1) findWhatLeadsOnNow(members);
         Step step = {directory, path, {}, 0};
-        // What leadsOnNow_ says of another component may be old, but what it is true of leads on,
-        // so leavesComponent() is true of it as well.
+        // For another component leadsOnNow_ may be out of date. This is safe: if it is true, the
+        // target leads on, so leavesComponent() is true as well.
         for (const ContextEntry& entry : directories_[at(directory)].entries) {
             if (leavesComponent(entry, directory) || leadsOnNow_[at(entry.target)])
                 step.entries.push_back(&entry);
@@ -180,7 +180,7 @@ private:
         chain_.push_back(std::move(step));
     }
 
-    // Which members of a component lead to a context without what has been entered.
+    // Finds the members of a component that lead to a context without an entered directory.
     void findWhatLeadsOnNow(const Places& members) {
         Places open;
         for (const int member : members) {
@@ -197,7 +197,7 @@ private:
         });
     }
 
-    // What was listed by the very path that is followed here needs no second look.
+    // A directory that was listed by the same path has been checked already.
     void follow(const ContextEntry& entry, int directory, const QString& directoryPath) {
         const QString path = entryPath(directoryPath, entry.name);
         if (entry.target == ContextEntry::context) {
@@ -213,12 +213,15 @@ private:
     const std::vector<ContextDirectory>& directories_;
     std::vector<Places> parents_;
     Components components_;
-    // By directory: whether it leads to a context, nothing having been entered; whether it does so
-    // with a first step out of its component; whether it has been entered; whether it leads to a
-    // context without what has been entered, known in the component that was entered last.
+    // For each directory:
+    // whether it leads to a context if no directory is entered;
     std::vector<bool> leadsOn_;
+    // whether it does so with a first step out of its component;
     std::vector<bool> leadsOut_;
+    // whether it is entered;
     std::vector<bool> isEntered_;
+    // whether it leads to a context without an entered directory. Up to date only for the component
+    // that was entered last.
     std::vector<bool> leadsOnNow_;
     std::vector<Step> chain_;
     std::vector<QString> found_;

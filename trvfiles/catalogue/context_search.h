@@ -19,7 +19,7 @@ namespace trv {
 ///
 /// A directory is entered only if a context can be reached from it without the directories that
 /// have been entered already. So the time is bounded by the number of results, their depth and the
-/// size of the part of the graph that links close to circles; a graph without a context takes only
+/// size of those parts of the graph that links make cyclic; a graph without a context takes only
 /// time in proportion to its size.
 ///
 /// @param directories  as listContextDirectories() makes them; the search begins at the first one

@@ -28,8 +28,8 @@ namespace trv {
 /// do not count. Elements that are empty then, and missing files, are ignored. A path of more than
 /// 511 characters counts as that of a missing file.
 ///
-/// @param store           nullptr for a new one, which the first file without a fault makes:
-///                        nothing is kept of a file with a fault before it
+/// @param store           nullptr for a new one. The first file without a fault makes it; of faulty
+///                        files before that one nothing is kept.
 /// @param directory_list  null acts as empty
 /// @param file_name       null acts as empty; an empty name loads nothing
 /// @return the store, or a new one, which the caller destroys; nullptr only if storage ran out.

@@ -45,7 +45,7 @@ bool begins_with_name(const char* entry, std::string_view name, Same same) {
         if (*entry == '=' || !same(*entry, c)) return false;
         ++entry;
     }
-    // A name that ends in a blank is no name of an entry: those are trimmed.
+    // A name that ends in a blank is not the name of an entry: entry names are trimmed.
     const bool ends_in_blank = !name.empty() && is_blank(name.back());
     while (is_blank(*entry))
         ++entry;

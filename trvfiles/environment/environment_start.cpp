@@ -71,7 +71,7 @@ bool load_home_file(std::string_view root, const std::string& path) {
 
 bool load_second_file(const std::string& path) {
     trace_loading(path);
-    // A path that does not fit counts as that of a missing file, and a missing file is no failure.
+    // A path that does not fit counts as that of a missing file, which is not a failure.
     if (!fits_path_buffer(path)) return true;
     return load_file(loaded_stores.environment, path.c_str(), merging_sink) != load_result::failed;
 }

@@ -7,8 +7,8 @@
 /// Environment variables:
 /// - TRV_EXPAND_MIN_BUFFER_SIZE: the minimum in characters, read at every call. Absent or 0
 ///   switches the watch off; a negative one traps at every buffer below its absolute value.
-/// - TRV_EXPAND_WATCH: pieces of source texts, separated by " ", "|" or ";", at which a positive
-///   minimum traps. Read once.
+/// - TRV_EXPAND_WATCH: pieces of source texts, separated by " ", "|" or ";". If the minimum is
+///   positive, only a text that contains one of them traps. Read once.
 /// - TRV_EXPAND_LOGFILE_NAME: the log file; without it travik_expand_log.txt in the directory TEMP.
 ///   Read once. A log that cannot be opened is not written.
 ///

@@ -61,8 +61,8 @@ file_replacement::~file_replacement() {
 int file_replacement::write_and_replace(const std::string& text) {
     if (!is_open()) return open_failure_;
     // The order makes the target the old file or the new one at every moment: attributes, text,
-    // sync, close, rename. The lock is released last. The rights come first: nobody may read the
-    // text who could not read the old one.
+    // sync, close, rename. The lock is released last. The attributes come first: a user who could
+    // not read the old text must never be able to read the new one.
     if (existing_ == existing::replaced) {
         const int failure = platform::copy_attributes(target_.c_str(), held_);
         if (failure != 0) return failure;

@@ -4,8 +4,8 @@
 /// A file that is replaced as a whole.
 ///
 /// The new text goes to a temporary file beside the target. It replaces the target when it is
-/// complete and on the disk. Whoever opens the target reads the whole old text or the whole new
-/// one, also if the process is killed at any moment.
+/// complete and on the disk. A reader of the target gets the whole old text or the whole new one,
+/// also if the process is killed at any moment.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -22,8 +22,8 @@ using temporary_name = std::string (*)(const std::string& target);
 /// The target's own: ".messages.tmp" is appended.
 std::string own_temporary_name(const std::string& target);
 
-/// One for all targets of a directory: "messages.tmp". For a target of this very name, the target's
-/// own.
+/// One for all targets of a directory: "messages.tmp". A target that has this name itself gets its
+/// own temporary name.
 std::string shared_temporary_name(const std::string& target);
 
 /// Replaces a file, or creates it. The temporary file is locked from the constructor to the

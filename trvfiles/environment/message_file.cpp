@@ -29,7 +29,7 @@ load_result load_file(message_store* store, const char* path, const message_sink
     const platform::file_handle file = platform::open_for_read(path, platform::file_mode::text);
     if (file == nullptr) {
         // Kept, because path_exists() changes errno. A file that exists and does not open is a
-        // fault; a missing one is none, since most directories of a list lack most files.
+        // fault. A missing file is not: most directories of a list lack most files.
         const int reason = errno;
         if (!platform::path_exists(path)) return load_result::missing;
         const std::string text = "Error opening file - " + std::generic_category().message(reason);
@@ -42,8 +42,8 @@ load_result load_file(message_store* store, const char* path, const message_sink
     if (!has_source) throw std::bad_alloc();
     if (parse_messages(store, source, path, sink) != parse_result::complete)
         return load_result::failed;
-    // A line that cannot be read looks like the end of the file. The part that is loaded must not
-    // pass for all of it: saving it would cut the file short.
+    // A line that cannot be read looks like the end of the file. The loaded part must not be taken
+    // for the whole file: saving it would truncate the file.
     if (std::ferror(file.get()) == 0) return load_result::loaded;
     current_observer().fault_found({fault_kind::fatal, path, 0, "Error loading file."});
     return load_result::failed;
@@ -62,7 +62,8 @@ message_store* load_message_file(message_store* store, const char* path) {
         const load_result result = load_file(store, kept.c_str(), merging_sink);
         return result == load_result::failed ? nullptr : store;
     }
-    // A file with a fault gives no new store: half of it must not pass for the whole.
+    // A file with a fault does not make a new store: a part of it must not be taken for the whole
+    // file.
     store_owner made(create_store());
     if (made == nullptr) return nullptr;
     const load_result result = load_file(made.get(), kept.c_str(), plain_sink);

@@ -18,27 +18,29 @@ class VCL8BLineSource;
 
 namespace trv {
 
-/// Takes a section header: the section's index in the store, or -1 to give the file up.
+/// Receives a section header.
 ///
 /// @param name  the text between the brackets, with its blanks; valid until the call ends
+/// @return the section's index in the store; -1 to abort the parse
 using section_callback = int (*)(message_store* store, const char* name);
 
-/// Takes an entry: 0, or any other value to give the file up.
+/// Receives an entry.
 ///
 /// @param section      the index that the section callback gave for the last header
 /// @param line         the text with its leading blanks, but without its comment and its trailing
 ///                     blanks; valid until the call ends
 /// @param file         the registration of the file's name in the store
 /// @param line_number  of the entry in the file, from 1
+/// @return 0; any other value aborts the parse
 using entry_callback = int (*)(message_store* store, int section, const char* line,
                                std::int32_t file, int line_number);
 
-/// Reads lines of at most 1023 characters to the end of the source and hands headers and entries
+/// Reads lines of at most 1023 characters to the end of the source and passes headers and entries
 /// to the callbacks. Entries above the first header are ignored. The callbacks may throw.
 ///
-/// @param source     stays the caller's
+/// @param source     owned by the caller
 /// @param file_name  the name under which the entries are registered and errors reported
-/// @return 0 if the end was reached, and also if the file was given up before, which has then been
+/// @return 0 if the end was reached, and also if the parse was aborted before, which has then been
 ///         reported; -1 without a store or a callback, or if the name cannot be registered. With -1
 ///         no line has been read.
 TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
@@ -54,9 +56,9 @@ TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, cons
 /// @param path   taken unchanged: no reference in it is expanded. null acts as empty. It may lie in
 ///               the store.
 /// @return the store, also if there is no such file: then it is unchanged, or nullptr if a new one
-///         was asked for. nullptr if the file exists and cannot be opened or read to its end, if it
-///         was given up, or if storage ran out. An existing store stays alive then, with what it
-///         has taken so far. The caller destroys a new store.
+///         was asked for. nullptr if the file exists and cannot be opened or read to its end, if
+///         its parse was aborted, or if storage ran out. An existing store stays alive then, with
+///         what it has taken so far. The caller destroys a new store.
 TRV_EXPORT message_store* load_message_file(message_store* store, const char* path);
 
 }  // namespace trv

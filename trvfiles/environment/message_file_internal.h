@@ -20,8 +20,8 @@ extern const message_sink plain_sink;
 /// that name.
 extern const message_sink merging_sink;
 
-/// `missing` is not an error. `failed` has been reported: the file cannot be opened, was given up
-/// or could not be read to its end. The store then holds the part before.
+/// `missing` is not an error. `failed` has been reported: the file cannot be opened or read to its
+/// end, or its parse was aborted. The store then holds the part before.
 enum class load_result { loaded, missing, failed };
 
 /// Reads the file of that path into the store.

@@ -18,7 +18,7 @@ constexpr int line_buffer_size = 1024;
 constexpr int max_open_conditions = 7;
 
 // An unknown keyword is reported again and again until the handler ends the process: the parse
-// cannot go on. For a handler that always returns this is the limit. Then the file is given up.
+// cannot go on. If the handler always returns, the parse is aborted after this number of reports.
 constexpr int max_keyword_reports = 1000;
 
 bool starts_with(std::string_view text, std::string_view prefix) {

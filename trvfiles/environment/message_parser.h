@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The parser behind load_messages(): comments, conditional blocks, section headers and entries of
-/// one message file.
+/// The parser of load_messages(): comments, conditional blocks, section headers and entries of one
+/// message file.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -22,7 +22,7 @@ struct message_sink {
 /// `not_registered`: as -1 of load_messages().
 enum class parse_result { complete, aborted, not_registered };
 
-/// load_messages() with a result that tells an aborted parse from a complete one.
+/// load_messages() with a result that distinguishes an aborted parse from a complete one.
 parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                             const message_sink& sink);
 

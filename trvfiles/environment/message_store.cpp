@@ -60,8 +60,8 @@ bool is_origin(const message_store& store, const text_origin& origin) {
     return origin.file == text_pool::none || store.texts.is_file_name(origin.file);
 }
 
-// Stores a text at the number of a message or at the next one. REQUIRES: room for it in the section
-// and in the pool.
+// Stores a text at the number of a message or at the next one. REQUIRES: space for it is reserved
+// in the section and in the pool.
 //
 // All operations first reserve and then change: what can fail comes before the first change, so a
 // store without memory is as it was.
@@ -117,8 +117,8 @@ int replace_text(message_store& store, store_section& section, int number, std::
     return 0;
 }
 
-// Appends as many placeholders as the number needs, and then the text. Room for all of them is
-// reserved first: no placeholder is left if there is none for the text.
+// Appends as many placeholders as the number needs, and then the text. Space for all of them is
+// reserved first: if there is none for the text, no placeholder is added either.
 int append_text_at(message_store& store, store_section& section, int number,
                    std::string_view text) {
     const auto missing = static_cast<std::size_t>(number - section.message_count());
@@ -215,7 +215,7 @@ std::uint16_t add_section(message_store* store, const char* name) {
     const int added = unless_exhausted([&] {
         store_section section({name, length});
         const auto place = static_cast<std::uint32_t>(index);
-        reserve_room(store->sections);
+        reserve_more(store->sections);
         store->section_names.reserve(place);
         store->sections.push_back(std::move(section));
         store->section_names.put(place, hash_name(store->sections.back().name()));

@@ -36,7 +36,7 @@ hash_key key_of_clocks_and_addresses() {
 
 // Initialised exactly once, also if several threads ask at the same moment.
 const hash_key& process_key() {
-    static const hash_key key = draw_hash_key([] { return std::random_device()(); });
+    static const hash_key key = make_hash_key([] { return std::random_device()(); });
     return key;
 }
 
@@ -71,8 +71,9 @@ block read_block(const char* bytes, std::size_t size) {
 // A hash by folded multiplication, which reads 16 characters for each product of 64 bits.
 //
 // Multiplies the halves of each block, as `fold` leaves them. The key hides one factor and the hash
-// before the block hides the other one, so nobody can compute which blocks give the same product.
-// The length enters last and not together with the characters, which could compensate for it.
+// before the block hides the other one, so without the key it cannot be computed which blocks give
+// the same product. The length enters last and not together with the characters, which could
+// compensate for it.
 template <class Fold>
 std::uint32_t hash_of(std::string_view name, Fold fold) {
     constexpr std::size_t block_size = 16;
@@ -116,7 +117,7 @@ std::uint32_t hash_place(std::uint32_t place) {
     return static_cast<std::uint32_t>(folded_product(place ^ key.block, key.end));
 }
 
-hash_key draw_hash_key(const std::function<std::uint32_t()>& random) {
+hash_key make_hash_key(const std::function<std::uint32_t()>& random) {
     const auto word = [&] { return std::uint64_t{random()} << 32 | random(); };
     try {
         return {word(), word(), word()};

@@ -25,7 +25,7 @@ class name_index {
 public:
     static constexpr std::uint32_t none = 0xFFFFFFFF;
 
-    /// Makes room for a place, so that adding it cannot fail.
+    /// Allocates the space for a place, so that adding it cannot fail.
     ///
     /// @throws std::bad_alloc; the index is then as it was
     void reserve(std::uint32_t place);

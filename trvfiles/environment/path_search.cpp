@@ -24,7 +24,7 @@ namespace {
 // Not one of the statuses of the expansion.
 constexpr int out_of_memory = -41;
 
-// Three numbers beside that of path_text.h, each of which hosts know from the documentation.
+// More limits beside path_buffer_size. All are documented, so hosts may rely on them.
 constexpr std::size_t max_resolved_text = 509;
 constexpr std::size_t max_list_text = 512;
 constexpr std::int32_t list_field_width = 8192;
@@ -57,7 +57,7 @@ bool is_narrower(std::string_view text, std::int32_t width) {
     return text.size() < static_cast<std::size_t>(width);
 }
 
-// @param observed  of the whole search: unless somebody observes it, no code of the host runs in it
+// @param observed  of the whole search. If it is not observed, no code of the host runs in it.
 bool try_candidate(const std::string& candidate, observation& observed) {
     const bool found = fileExists(candidate.c_str()) != 0;
     if (observed.is_on()) current_observer().candidate_tried({candidate, found});

@@ -134,7 +134,7 @@ private:
     // Called after the replacement: an observer that throws or adds to the store finds the stack
     // consistent.
     //
-    // @param referred  none for an undefined reference
+    // @param referred  `none` for an undefined reference
     void end_replacement(std::int32_t referring, std::int32_t referred) {
         ++replacements_;
         if (!observed_.is_on()) return;

@@ -38,7 +38,7 @@ public:
 
     void search_began(const search_event& event) override {
         if (!trace_is_seen()) return;
-        // A long list is marked as one, and printed whole all the same.
+        // A long list is marked as long, but printed completely.
         std::string line = "SEARCHING for '" + event.name + "' in '";
         line += event.directories;
         line += event.directories.size() < min_marked_list ? "'" : "...'";

@@ -79,8 +79,8 @@ struct candidate_event {
     bool is_found;
 };
 
-/// What is wrong with a message file. `fatal` covers all faults for which the file is given up or
-/// its rules are broken; the other ones are warnings.
+/// What is wrong with a message file. `fatal` covers all faults that abort the parse or break the
+/// rules of the file; the others are warnings.
 enum class fault_kind { fatal, line_too_long, unknown_variable, missing_equals };
 
 /// A fault in a message file.
@@ -121,12 +121,12 @@ runtime_observer* set_runtime_observer(runtime_observer* observer);
 /// The observer that receives the next event.
 runtime_observer& current_observer();
 
-/// Whether an event other than a fault reaches anybody: the observer is not the default one, or the
+/// Whether an event other than a fault has a receiver: the observer is not the default one, or the
 /// trace is seen. Asking may take a walk along the process environment.
 bool runtime_is_observed();
 
 /// runtime_is_observed() for one operation. It is asked again only if the answer may have changed,
-/// so that an operation that nobody observes pays one predictable branch for each event.
+/// so that an operation without an observer pays one predictable branch for each event.
 class observation {
 public:
     /// @param hook_calls  changes whenever code of the host has run that was not called for an

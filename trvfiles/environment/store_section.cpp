@@ -49,16 +49,16 @@ int store_section::find_live_entry(const text_pool& pool, std::string_view name,
 }
 
 void store_section::reserve(int number, std::string_view text) {
-    // reserve_room() doubles the capacity, so the time to append n messages grows as n.
+    // reserve_more() doubles the capacity, so the time to append n messages grows as n.
     const auto messages = static_cast<std::size_t>(number) + 1;
-    if (messages > texts_.size()) reserve_room(texts_, messages - texts_.size());
+    if (messages > texts_.size()) reserve_more(texts_, messages - texts_.size());
     if (!is_entry(text)) return;
     exact_names_.reserve(static_cast<std::uint32_t>(number));
     live_names_.reserve(static_cast<std::uint32_t>(number));
 }
 
 void store_section::set(const text_pool& pool, int number, std::int32_t text) noexcept {
-    // push_back() does not throw here: reserve() has made room.
+    // push_back() does not throw here: reserve() has allocated the space.
     if (has_message(number)) {
         texts_[static_cast<std::size_t>(number)] = text;
     } else {

@@ -40,8 +40,8 @@ public:
     /// The first entry of this name that is not deleted; -1 if there is none.
     int find_live_entry(const text_pool& pool, std::string_view name, bool exact) const;
 
-    /// Makes room for messages up to this number, the last of which is to be the given text, so
-    /// that setting it cannot fail.
+    /// Allocates the space for messages up to this number, the last of which is to be the given
+    /// text, so that setting it cannot fail.
     ///
     /// @throws std::bad_alloc; the section is then as it was
     void reserve(int number, std::string_view text);

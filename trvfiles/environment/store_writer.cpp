@@ -15,7 +15,7 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 // "/" and "\\" are alike in the name of a target on every system: a program may load a file by the
-// one and save it by the other. Case is not ignored, on Windows neither.
+// one and save it by the other. Case is never ignored, not even on Windows.
 char separator_as_slash(char c) {
     return c == '\\' ? '/' : c;
 }
@@ -59,7 +59,7 @@ private:
     std::vector<entry> entries_;
 };
 
-// The version of a message that belongs to a file, or none. A text that is set by program and
+// The version of a message that belongs to a file, or `none`. A text that is set by program and
 // persistent belongs to every file. Otherwise the versions are searched from the newest to the
 // oldest: a message that another file has replaced keeps the version of this file.
 std::int32_t version_for(const text_pool& texts, std::int32_t text, std::string_view file_name) {

@@ -10,9 +10,9 @@
 /// Several processes may save to the same file. The temporary file is locked from the beginning to
 /// the end of a save, so they save one after the other: only a later save overwrites one that has
 /// reported success. A save waits at most 10 seconds. After that the temporary file counts as one
-/// that cannot be opened. Whatever has the name of the temporary file before, left by a killed
-/// process or put there by somebody else, is removed and never followed or written to. Only a
-/// directory is not removed.
+/// that cannot be opened. If something else has the name of the temporary file, such as the file of
+/// a killed process, it is removed, and never followed or written to. Only a directory is not
+/// removed.
 ///
 /// A save changes the content of the target and nothing else: permission bits stay, owner, group,
 /// access control list and extended attributes as far as the system allows it. A target that is a

@@ -43,10 +43,11 @@ struct permanent_allocator {
 template <class T>
 using stored_vector = std::vector<T, permanent_allocator<T>>;
 
-/// Makes room for `more` elements before the steps that must not fail. The capacity doubles, as
-/// with push_back(): reserve() alone would make n single appends take time for the square of n.
+/// Allocates the space for `more` elements before the steps that must not fail. The capacity
+/// doubles, as with push_back(): reserve() alone would make n single appends take time for the
+/// square of n.
 template <class T>
-void reserve_room(stored_vector<T>& elements, std::size_t more = 1) {
+void reserve_more(stored_vector<T>& elements, std::size_t more = 1) {
     const std::size_t needed = elements.size() + more;
     if (needed <= elements.capacity()) return;
     const std::size_t doubled = 2 * elements.capacity();

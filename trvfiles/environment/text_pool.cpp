@@ -69,13 +69,13 @@ std::int32_t text_pool::put(std::string_view text) noexcept {
 
 void text_pool::reserve_texts(std::size_t count, std::size_t length) {
     constexpr std::size_t max_bytes_around_text = sizeof(text_record) + alignof(text_record);
-    reserve_room(texts_, count);
+    reserve_more(texts_, count);
     reserve_bytes(count * max_bytes_around_text + length);
 }
 
 std::int32_t text_pool::add_text(const text_record& record, std::string_view text) noexcept {
-    // No allocation from here on: reserve_texts() has made room for the record, the text and its
-    // place in the list.
+    // No allocation from here on: reserve_texts() has allocated the space for the record, the text
+    // and its place in the list.
     const std::int32_t header = take(sizeof record);
     std::memcpy(at(header), &record, sizeof record);
     const std::int32_t offset = put(text);
@@ -90,7 +90,7 @@ std::int32_t text_pool::add_file_name(std::string_view name) {
     if (known != name_index::none) return file_names_[known];
 
     const auto place = static_cast<std::uint32_t>(file_names_.size());
-    reserve_room(file_names_);
+    reserve_more(file_names_);
     file_name_index_.reserve(place);
     reserve_bytes(rounded(name.size() + 1));
     const std::int32_t offset = put(name);
@@ -125,9 +125,9 @@ bool text_pool::holds(const char* pointer) const {
 std::int32_t text_pool::text_around(const char* pointer) const {
     if (!holds(pointer)) return none;
     const auto offset = static_cast<std::int32_t>(pointer - base_);
-    const auto behind = std::upper_bound(texts_.begin(), texts_.end(), offset);
-    if (behind == texts_.begin()) return none;
-    const std::int32_t start = *(behind - 1);
+    const auto after = std::upper_bound(texts_.begin(), texts_.end(), offset);
+    if (after == texts_.begin()) return none;
+    const std::int32_t start = *(after - 1);
     const auto distance = static_cast<std::size_t>(offset - start);
     if (distance > max_distance_from_start) return none;
     // After a terminator the pointer is in the padding or in the next record.

@@ -30,7 +30,7 @@ public:
     /// @throws std::bad_alloc
     text_pool();
 
-    /// Makes room for texts, so that adding them cannot fail.
+    /// Allocates the space for texts, so that adding them cannot fail.
     ///
     /// @param count   how many
     /// @param length  how long they are together

@@ -59,7 +59,7 @@ public:
 
 private:
     // Moves `end_` into the beginning.
-    void make_room() {
+    void flush_end() {
         beginning_.append(end_.data(), end_length_);
         end_length_ = 0;
     }
@@ -74,12 +74,12 @@ const char* growing_result::add_to_marker(const char* text) {
         while (end_length_ < end_.size() && !markers_and_end.holds(*text))
             end_[end_length_++] = *text++;
         if (end_length_ < end_.size()) return text;
-        make_room();
+        flush_end();
     }
 }
 
 void growing_result::add(std::string_view text) {
-    make_room();
+    flush_end();
     beginning_ += text;
 }
 
@@ -88,7 +88,7 @@ void growing_result::move_to(std::string& output) {
         output.assign(end_.data(), end_length_);
         return;
     }
-    make_room();
+    flush_end();
     output = std::move(beginning_);
 }
 

@@ -25,8 +25,8 @@ extern process_stores loaded_stores;
 /// get_variable() of a name whose length is known. REQUIRES: a terminator after the name.
 const char* find_variable(std::string_view name);
 
-/// How often a lookup has run code outside of it so far, modulo 2^32: a function of runtime_hooks
-/// or the host's zone hook. No other code of the host runs within a lookup that is not observed.
+/// The number of calls that lookups have made to a function of runtime_hooks or to the host's zone
+/// hook, modulo 2^32. A lookup that is not observed runs no other code of the host.
 std::uint32_t hook_calls();
 
 using zone_hook_function = void (*)();

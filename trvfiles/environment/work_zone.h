@@ -40,7 +40,7 @@ TRV_EXPORT const char* get_temporary_directory();
 /// it.
 TRV_EXPORT void set_temporary_directory(const char* directory);
 
-/// A function of the host that may set TRVZONE late.
+/// A function of the host that may set TRVZONE just before it is looked up.
 using zone_hook = void (*)();
 
 /// Registers the function that is called before every lookup of TRVZONE, but not while it runs.

@@ -63,7 +63,8 @@ private:
         const trv::NumberReading reading = trv::setFromFile(field, value_, data_);
         if (fault_ == nullptr) return;
         if (reading != trv::NumberReading::whole) noteNumber(field, reading);
-        // The record converts the bytes to characters; what differs afterwards was not text.
+        // The record converts the bytes to characters. If converting them back gives other bytes,
+        // the value was not text.
         if (field.isText() && (data_.*field.text)() != value_) {
             addNote(Kind::notText, field,
                     " has bytes that are not text: ", "; they are replaced or dropped");
@@ -106,7 +107,8 @@ private:
     int line_ = 0;
 };
 
-// The status for a section for which there is no storage is part of the interface.
+// The status if there is no storage for a section. It depends on the section, which is part of the
+// interface.
 EFileIOStatus withoutStorage(std::string_view section) {
     return section == "part" || section == "clamping_system" ? eFileIOContentError
                                                              : eFileIOStructureError;
@@ -184,7 +186,7 @@ EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held, CFileFaul
     }
     std::string path;
     if (!trv::runtimePath(path_, path)) {
-        // Saving uses narrow names, and the nearest one would be another file's.
+        // Saving uses narrow names. The nearest name in the code page would name another file.
         trv::report_not_opened(trv::own_temporary_name(trv::toNarrow(path_)));
         trv::set_fault(fault, "the local code page lacks a character of the file name");
         return eFileIOOpenError;
@@ -194,8 +196,8 @@ EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held, CFileFaul
     const bool isOpen = held->is_open();
     const int result = save(path.c_str(), *held);
     if (result >= 0) return eFileIOSuccess;
-    // If there is no storage for the file's name, the result is -1 as well, which is EPERM. That is
-    // reported through the error channel.
+    // The result is also -1 if there is no storage for the file's name, and is then taken for
+    // EPERM. The exhausted storage has been reported through the error channel.
     trv::set_system_fault(fault, isOpen ? -result : held->open_failure());
     return eFileIOOpenError;
 }

@@ -22,7 +22,7 @@ const char* textOf(const char* text) {
 
 }  // namespace
 
-// Not the virtual function: a derived class is destroyed already.
+// Not the virtual function: the derived part of the object is destroyed already.
 TrvIniFile::~TrvIniFile() {
     TrvIniFile::close();
 }

@@ -33,8 +33,7 @@ public:
     /// "version" of the section "header".
     ///
     /// @return 0; -1 if there is neither a file nor anything loaded before, and if the file cannot
-    /// be
-    ///         opened, which is reported through the fatal channel: what was loaded before stays
+    ///         be opened, which is reported through the fatal channel: what was loaded before stays
     virtual int load(const char* fileName);
 
     /// Saves the entries that were set, and those that were loaded from this very file.

@@ -25,8 +25,9 @@ struct CFileFault {
             /// A component of an assembly is left out with all that is below it, because its
             /// "Orientation" is not complete. `subject` is the name of the component.
             leftOut,
-            /// Another number, or none, takes the place of what is not a number. `subject` is the
-            /// element, as in "Translation", or the section and the key, as in "machine.proximity".
+            /// A value that is not a number is replaced by another number, or ignored. `subject` is
+            /// the element, as in "Translation", or the section and the key, as in
+            /// "machine.proximity".
             notANumber,
             /// The "enabled" of a component is neither "0" nor "1" and is read as "0". `subject` is
             /// the name of the component.

@@ -2,7 +2,7 @@
 
 /// @file
 /// The addresses that the checked heap knows: its live blocks and the blocks that it freed last. A
-/// pointer is judged by its address alone; the memory that it points to is not read.
+/// pointer is looked up by its address alone; the memory that it points to is not read.
 ///
 /// Threads: one at a time.
 
@@ -27,7 +27,7 @@ public:
 
     finding find(const void* address) const;
 
-    /// Makes room for the next add().
+    /// Allocates the space for the next add().
     ///
     /// @return false if there is no memory for it
     bool reserve() { return (count_ + 1) * 2 <= size_ || grow(); }

@@ -88,16 +88,16 @@ block_header* resize_block(block_header* header, std::size_t size) {
     const std::size_t space = sizeof(block_header) + size;
     const block_header old = *header;
     header->tag = freed_tag;
-    void* room = std::realloc(header, space);
-    if (room == nullptr) {
-        room = std::malloc(space);
-        if (room == nullptr) {
+    void* memory = std::realloc(header, space);
+    if (memory == nullptr) {
+        memory = std::malloc(space);
+        if (memory == nullptr) {
             header->tag = old.tag;
             return nullptr;
         }
-        std::memcpy(room, header, sizeof(block_header) + std::min<std::size_t>(old.size, size));
+        std::memcpy(memory, header, sizeof(block_header) + std::min<std::size_t>(old.size, size));
     }
-    return new (room) block_header{size, old.tag, old.serial};
+    return new (memory) block_header{size, old.tag, old.serial};
 }
 
 enum class exhaustion { reported, silent };
@@ -133,14 +133,14 @@ void* _Wmalloc(std::uint32_t tag, std::size_t size) {
                          .c_str());
         return nullptr;
     }
-    void* const room = size <= largest_block && blocks.reserve()
-                           ? std::malloc(sizeof(block_header) + size)
-                           : nullptr;
-    if (room == nullptr) {
+    void* const memory = size <= largest_block && blocks.reserve()
+                             ? std::malloc(sizeof(block_header) + size)
+                             : nullptr;
+    if (memory == nullptr) {
         report_exhaustion(size);
         return nullptr;
     }
-    auto* const header = new (room) block_header{size, tag, next_serial++};
+    auto* const header = new (memory) block_header{size, tag, next_serial++};
     count(tag, size);
     blocks.add(header + 1, header->serial);
     return header + 1;

@@ -29,8 +29,7 @@ inline constexpr std::uint32_t freed_tag = 0x7D0ECBB5;
 ///
 /// @param tag  the kind of block; permanent blocks count towards the maximum
 /// @return the block, for _Wfree(); nullptr, after a report, if there is no memory or if a
-/// permanent
-///         block of 1 025 bytes or more would reach the maximum
+///         permanent block of 1 025 bytes or more would reach the maximum
 TRV_EXPORT void* _Wmalloc(std::uint32_t tag, std::size_t size);
 
 /// Changes the size of a block; it keeps its serial and the bytes that both sizes have.

@@ -32,7 +32,7 @@ void set_system_fault(CFileFault* fault, int error) {
 }
 
 std::string quoted_beginning(std::string_view text) {
-    // A note is to be read, and a value may be as long as the file.
+    // Notes are for display, and a value may be as long as the file.
     constexpr std::size_t max_length = 40;
     std::string result = "\"";
     if (text.size() <= max_length) return result.append(text) + '"';

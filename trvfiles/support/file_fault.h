@@ -18,8 +18,7 @@ void clear_fault(CFileFault* fault);
 
 /// Stores the reason of a failure and its place. The notes stay.
 ///
-/// @param reason  a constant text where nothing has to be composed: without a `fault` it costs
-///                nothing
+/// @param reason  a constant text if possible: without a `fault` it then costs nothing
 void set_fault(CFileFault* fault, std::string_view reason, int line = 0, int column = 0);
 
 /// Stores a failure of the system and the system's words for it.

@@ -63,8 +63,8 @@ struct listing_deleter {
 using listing_handle = std::unique_ptr<file_listing, listing_deleter>;
 
 listing_handle create_listing() {
-    void* const room = allocate_temporary(sizeof(file_listing));
-    return listing_handle(room == nullptr ? nullptr : new (room) file_listing{});
+    void* const memory = allocate_temporary(sizeof(file_listing));
+    return listing_handle(memory == nullptr ? nullptr : new (memory) file_listing{});
 }
 
 bool grow(file_listing& listing) {

@@ -19,7 +19,7 @@ struct memory_releaser {
     void operator()(char* text) const noexcept { std::free(text); }
 };
 
-// Not every file system tells the type with the name.
+// Not every file system returns the type of an entry with its name.
 bool is_link(const dirent& entry, const std::filesystem::path& path) {
     if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_LNK;
     struct stat status = {};

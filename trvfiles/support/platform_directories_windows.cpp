@@ -26,8 +26,8 @@ bool has(DWORD attributes, DWORD attribute) {
     return (attributes & attribute) != 0;
 }
 
-// What a path leads to, opened to be asked about; nullptr if it leads nowhere.
-handle open_to_ask(const std::filesystem::path& path) {
+// Opens what a path leads to, to query its attributes; nullptr if it leads nowhere.
+handle open_to_query(const std::filesystem::path& path) {
     constexpr DWORD no_access = 0;
     const HANDLE opened = ::CreateFileW(
         path.c_str(), no_access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
@@ -48,7 +48,7 @@ file_kind kind_of(const std::filesystem::path& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES) return file_kind::none;
     // These are the attributes of a link, not of what it leads to.
     if (has(attributes, FILE_ATTRIBUTE_REPARSE_POINT)) {
-        const handle file = open_to_ask(path);
+        const handle file = open_to_query(path);
         BY_HANDLE_FILE_INFORMATION information = {};
         if (file == nullptr || ::GetFileInformationByHandle(file.get(), &information) == 0)
             return file_kind::none;
@@ -76,7 +76,7 @@ std::vector<subdirectory> subdirectories(const std::filesystem::path& directory)
 }
 
 std::filesystem::path canonical_path(const std::filesystem::path& path) {
-    const handle file = open_to_ask(path);
+    const handle file = open_to_query(path);
     if (file == nullptr) return {};
     constexpr DWORD max_length = 32768;
     std::wstring canonical(max_length, L'\0');

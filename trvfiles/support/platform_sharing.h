@@ -35,8 +35,8 @@ file_handle open_for_update(const char* runtime_path, file_mode mode,
 ///
 /// If the name is taken by the file of a process that was killed, by a link or by a FIFO, that is
 /// removed first and never followed, read or written. A directory and a file that another caller
-/// holds stay. On POSIX a file that cannot be locked, because its rights or the
-/// file system do not allow it, counts as held until it has not changed for `wait`.
+/// holds stay. On POSIX a file that cannot be locked, because its rights or the file system do not
+/// allow it, counts as held until it has not changed for `wait`.
 ///
 /// @param wait  the maximum time to wait for another caller
 /// @return the file's descriptor; -1 with the reason in `errno`, ETIMEDOUT if another caller holds

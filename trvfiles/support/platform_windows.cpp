@@ -60,7 +60,7 @@ file_handle stream_of_reader(HANDLE opened, file_mode mode) {
     return stream;
 }
 
-bool tells_directory(DWORD attributes) {
+bool are_of_directory(DWORD attributes) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
@@ -126,7 +126,7 @@ std::string native_path(const char* path) {
 }
 
 file_handle open_for_read(const std::filesystem::path& path, file_mode mode) {
-    if (tells_directory(::GetFileAttributesW(path.c_str()))) {
+    if (are_of_directory(::GetFileAttributesW(path.c_str()))) {
         errno = EISDIR;
         return nullptr;
     }
@@ -165,7 +165,8 @@ file_handle open_for_write(const char* runtime_path, file_mode mode) {
 }
 
 file_handle open_new(const std::filesystem::path& path, file_mode mode) {
-    // With this flag the name of a link is taken, wherever the link leads to.
+    // With this flag a link of that name is not followed: the name is taken, whatever the link
+    // leads to.
     constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
     const HANDLE created =
         ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -209,7 +210,7 @@ bool path_exists(const char* runtime_path) {
 }
 
 bool directory_exists(const char* runtime_path) {
-    return tells_directory(::GetFileAttributesA(native_path(runtime_path).c_str()));
+    return are_of_directory(::GetFileAttributesA(native_path(runtime_path).c_str()));
 }
 
 int create_directory(const char* runtime_path) {
@@ -243,7 +244,7 @@ bool read_identity(const char* runtime_path, file_identity& identity) {
     const std::unique_ptr<HANDLE, handle_closer> file(opened);
     BY_HANDLE_FILE_INFORMATION information = {};
     if (::GetFileInformationByHandle(file.get(), &information) == 0) return false;
-    identity.is_directory = tells_directory(information.dwFileAttributes);
+    identity.is_directory = are_of_directory(information.dwFileAttributes);
     identity.volume = information.dwVolumeSerialNumber;
     identity.index_high = information.nFileIndexHigh;
     identity.index_low = information.nFileIndexLow;

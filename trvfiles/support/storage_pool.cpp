@@ -10,7 +10,7 @@
 
 namespace trv {
 
-// Lies in a permanent block of its own; the data lies in another one.
+// In a permanent block of its own; the data is in another one.
 struct storage_pool {
     char* data;
     std::int32_t used;
@@ -96,15 +96,15 @@ std::int32_t reserve(storage_pool& pool, std::int64_t bytes) {
 
 storage_pool* pool_create(std::int32_t initial_size) {
     if (initial_size <= 0) return nullptr;
-    permanent_block room(allocate_permanent(sizeof(storage_pool)));
-    if (room == nullptr) return nullptr;
+    permanent_block memory(allocate_permanent(sizeof(storage_pool)));
+    if (memory == nullptr) return nullptr;
     void* const data = allocate_permanent(static_cast<std::size_t>(initial_size));
     if (data == nullptr) {
-        room.reset();
+        memory.reset();
         report_error("Dynamic storage: no more memory\n");
         return nullptr;
     }
-    return new (room.release())
+    return new (memory.release())
         storage_pool{static_cast<char*>(data), 0, initial_size, initial_size};
 }
 

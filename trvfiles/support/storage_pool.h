@@ -21,19 +21,17 @@ struct storage_pool;
 ///
 /// @param initial_size  the bytes that the pool has at first and gains at each growth; at least 1
 /// @return the pool, for pool_destroy(); nullptr for a smaller size and, after a report, if there
-/// is
-///         no memory
+///         is no memory
 TRV_EXPORT storage_pool* pool_create(std::int32_t initial_size);
 
-/// Hands out room for `bytes`, rounded up to a multiple of 4. The room is not initialized.
+/// Reserves `bytes`, rounded up to a multiple of 4. They are not initialized.
 ///
 /// A pool that is too small grows by its initial size until the bytes fit.
 ///
-/// @return the offset of the room. -1 for a negative size, for nullptr, and if the pool cannot
-/// grow;
-///         the report then names the step that failed. What the pool has handed out is unchanged
-///         then. The room of the steps before the failed one stays in the pool: later calls use it,
-///         and pool_trim() gives it back.
+/// @return the offset of the first byte. -1 for a negative size, for nullptr, and if the pool
+///         cannot grow; the report then names the step that failed. What the pool has handed out
+///         is unchanged then. The memory of the steps before the failed one stays in the pool:
+///         later calls use it, and pool_trim() frees it.
 TRV_EXPORT std::int32_t pool_reserve(storage_pool* pool, std::int32_t bytes);
 
 /// @return the address of an offset that was handed out; nullptr for a negative offset, for a pool
@@ -48,7 +46,7 @@ TRV_EXPORT std::int32_t pool_add_string(storage_pool* pool, const char* text);
 /// The bytes handed out so far; 0 for nullptr.
 TRV_EXPORT std::int32_t pool_used(const storage_pool* pool);
 
-/// Gives back the memory that has not been handed out.
+/// Frees the memory that has not been handed out.
 TRV_EXPORT void pool_trim(storage_pool* pool);
 
 /// Frees the pool and its content. nullptr is ignored.

@@ -73,8 +73,9 @@ bool openForRead(const QString& path, platform::file_handle& handle, QFile& file
     }
     file.setFileName(nativePath(path));
     if (file.open(mode) || fault == nullptr) return file.isOpen();
-    // Qt reports no number, and on Windows words in the language of the user. So the system is
-    // asked again, which finds no resource.
+    // Qt does not report the system's error number, and on Windows its text is in the language of
+    // the user. So the file is opened again without Qt. For a resource, which only Qt finds, its
+    // text is used.
     const QString reason = file.errorString();
     const bool isAnswered = !isResource(nativePath(path)) &&
                             openForRead(path, platform::file_mode::binary, fault) == nullptr;

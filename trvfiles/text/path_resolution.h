@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// Which file a name in a directory means. There are two rules: a read or a write has a clean path,
-/// a question about a name has the path as it is spelled.
+/// Which file a name in a directory means. There are two rules: reads and writes use a clean path,
+/// queries about a name use the path as it is spelled.
 ///
 /// On POSIX paths are resolved as text, and the file system is asked only for the current
 /// directory: Qt's own resolution applies the codec and the search paths that a host sets in Qt. On
