@@ -43,7 +43,7 @@ TEST_F(EnvCheck, NamesEveryFaultOnceWithItsLine) {
               "shop/cell/environ.cfg: ok (1 section, 4 entries)\n");
 }
 
-TEST_F(EnvCheck, ReportsWhatStandsOpenAtTheEnd) {
+TEST_F(EnvCheck, ReportsWhatIsOpenAtTheEnd) {
     write("it's 4, or 5.msg", "[one]\n/if NOBODY\nfirst");
     EXPECT_EQ(run({"check", "it's 4, or 5.msg", "it's 4, or 5.msg"}), 1);
     const std::string faults =
@@ -66,7 +66,7 @@ TEST_F(EnvCheck, ReportsFilesThatCannotBeRead) {
 }
 
 // A pipe that nobody writes to would be waited for without end.
-TEST_F(EnvCheck, RefusesWhatIsNoRegularFile) {
+TEST_F(EnvCheck, RefusesFilesThatAreNotRegular) {
     if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
     EXPECT_EQ(run({"check", "pipe", "/dev/zero", "shop/texts/messages.msg"}), 1);
     EXPECT_EQ(out(),

@@ -114,7 +114,7 @@ TEST_F(EnvFind, LooksAtANameWithoutAList) {
     EXPECT_EQ(out(), "$TRVHOME/none.cfg is not found\n");
 }
 
-TEST_F(EnvFind, FindsWhatIsNoRegularFile) {
+TEST_F(EnvFind, FindsFilesThatAreNotRegular) {
     EXPECT_EQ(run({"find", "$TRVHOME/cell"}), 0);
     EXPECT_EQ(out(), native("/opt/shop/cell") + "\n");
     if (!makePipe("shop/site/pipe")) GTEST_SKIP() << "there are no named pipes here";

@@ -39,7 +39,7 @@ TEST_F(EnvExplain, ListsTheDefinitionsOfThreeFiles) {
         "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5\n");
 }
 
-TEST_F(EnvExplain, TellsWhatAPlusStandsFor) {
+TEST_F(EnvExplain, ReportsWhatAPlusMeans) {
     EXPECT_EQ(run({"explain", "POST_OPTIONS"}), 0);
     EXPECT_EQ(
         out(),
@@ -58,7 +58,7 @@ TEST_F(EnvExplain, TellsWhatAPlusStandsFor) {
         "    + is 'comments line-numbers'\n");
 }
 
-TEST_F(EnvExplain, TellsWhatReferencesAreReplacedBy) {
+TEST_F(EnvExplain, ReportsWhatReferencesAreReplacedBy) {
     process_.setVariable("CELL", "$NOBODY");
     EXPECT_EQ(run({"explain", "LABEL"}), 0);
     EXPECT_EQ(

@@ -71,7 +71,7 @@ TEST_F(EnvHistory, ListsDefinitionsFromTheOldest) {
     EXPECT_FALSE(list[2].extends);
 }
 
-TEST_F(EnvHistory, TellsTheValueSoFarThroughSeveralDefinitions) {
+TEST_F(EnvHistory, ReportsTheValueSoFarThroughSeveralDefinitions) {
     for (const char* text : {"LIMIT = a", "LIMIT = + b", "LIMIT = (+)"})
         store_.variable(text);
     const std::vector<Definition> list = definitions();
@@ -90,7 +90,7 @@ TEST_F(EnvHistory, AsksTheRuntimeForReferencesWrittenByHand) {
     EXPECT_EQ(list[2].extended, "$(TRVNULL)(00000000) b");
 }
 
-TEST_F(EnvHistory, TellsWhereTheLimitsOfTheRuntimeArePassed) {
+TEST_F(EnvHistory, ReportsValuesBeyondTheLimitsOfTheRuntime) {
     store_.variable("A = x");
     for (int i = 0; i < 10002; ++i)
         store_.variable("A = +");
@@ -121,7 +121,7 @@ TEST_F(EnvHistory, IsShownByItsEndsWhenItIsLong) {
     EXPECT_EQ(shown(true).size(), 12U);
 }
 
-TEST_F(EnvHistory, KnowsTheValueSoFarBehindWhatIsLeftOut) {
+TEST_F(EnvHistory, KnowsTheValueSoFarAfterWhatIsLeftOut) {
     store_.variable("A = 0");
     for (int i = 1; i < 20; ++i)
         store_.variable("A = + " + std::to_string(i));

@@ -36,7 +36,7 @@ TEST_F(EnvList, MarksWhatTheProcessOverrides) {
     EXPECT_EQ(out(), "SITE = Ulm  (from environment)\nCELL = 3\nWINDOWS = 1\nPC = 1\n");
 }
 
-TEST_F(EnvList, TellsOriginsOnRequest) {
+TEST_F(EnvList, PrintsOriginsOnRequest) {
     write("shop/config/environ.cfg",
           "[var]\nSITE = Erlbach\nCELL = 3\n[path]\nENV = $TRVHOME/cell\n");
     write("shop/cell/environ.cfg", "[var]\nCELL = +1\n");

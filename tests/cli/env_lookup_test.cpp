@@ -26,7 +26,7 @@ std::vector<std::string> entriesOf(const cli::History& history) {
     return entries;
 }
 
-TEST(EnvLookup, TellsPathListsByAQuestionMark) {
+TEST(EnvLookup, IdentifiesPathListsByAQuestionMark) {
     EXPECT_FALSE(cli::subjectOf("ENV").isPath);
     EXPECT_EQ(cli::subjectOf("ENV").name, "ENV");
     EXPECT_TRUE(cli::subjectOf("?ENV").isPath);

@@ -43,7 +43,7 @@ TEST_F(EnvMessageFile, HoldsWhatAProgramGets) {
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(EnvMessageFile, TellsAMissingFileFromABrokenOne) {
+TEST_F(EnvMessageFile, DistinguishesAMissingFileFromABrokenOne) {
     const MessageFile missing = cli::loadMessageFile(QStringLiteral("no such file"));
     EXPECT_EQ(missing.result, load_result::missing);
     EXPECT_EQ(missing.whyMissing.toStdString(), "No such file or directory");

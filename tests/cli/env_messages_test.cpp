@@ -78,7 +78,7 @@ TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
 }
 
 // A pipe that nobody writes to would be waited for without end.
-TEST_F(EnvMessages, RefusesWhatIsNoRegularFile) {
+TEST_F(EnvMessages, RefusesFilesThatAreNotRegular) {
     if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
     EXPECT_EQ(run({"messages", "--json", "pipe"}), 2);
     EXPECT_EQ(out(), "");

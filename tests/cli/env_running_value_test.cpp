@@ -88,7 +88,7 @@ TEST(RunningValue, LeavesASinglePlusOfTheFirstDefinition) {
     EXPECT_EQ(valueAfter({"+(0000000", "+"}), "+(0000000");
 }
 
-TEST(RunningValue, TellsWhatExtends) {
+TEST(RunningValue, ReportsWhatExtends) {
     EXPECT_TRUE(RunningValue::extends("a +(00000010) b", 16));
     EXPECT_FALSE(RunningValue::extends("a ++(00000010) b", 16));
     EXPECT_FALSE(RunningValue::extends("a", 16));
@@ -126,7 +126,7 @@ TEST(RunningValue, IsWhatTheRuntimeResolves) {
     EXPECT_GT(known, 9000);
 }
 
-TEST(RunningValue, EndsWhereTheRuntimeReplacesNoMore) {
+TEST(RunningValue, EndsIfTheRuntimeReplacesNoMore) {
     std::vector<std::string> values(10001, "+");
     values[0] = "x";
     EXPECT_EQ(valueAfter(values), "x");
@@ -154,7 +154,7 @@ TEST(RunningValue, CountsReplacementsWithinReplacements) {
     EXPECT_EQ(DefinedVariable(values).afterAll().state(), State::beyondLimits);
 }
 
-TEST(RunningValue, EndsWhereTheRuntimeTakesNoLongerValue) {
+TEST(RunningValue, EndsIfTheRuntimeTakesNoLongerValue) {
     constexpr std::size_t limit = 1048576;
     const auto stateOf = [](const std::vector<std::string>& values) {
         const DefinedVariable variable(values);

@@ -49,13 +49,13 @@ TEST(RuntimeMessages, HoldsTheFaultThatAReportIsAbout) {
 }
 
 // A line for each "+" of a long history takes time for the square of its length.
-TEST(RuntimeMessages, MakesNoTraceThatNobodyReads) {
+TEST(RuntimeMessages, MakesNoTraceThatIsNotRead) {
     std::ostringstream err;
     const RuntimeMessages messages(err);
     EXPECT_FALSE(trace_is_seen());
 }
 
-TEST(RuntimeMessages, TellsWhetherOneOfTheReportsIsFatal) {
+TEST(RuntimeMessages, ReportsWhetherOneOfTheReportsIsFatal) {
     std::ostringstream err;
     RuntimeMessages messages(err);
     EXPECT_FALSE(messages.hasFatalReport());
@@ -86,7 +86,7 @@ TEST_F(EnvCommand, PrefersTheRootOfTheCall) {
     EXPECT_EQ(out(), directory_.text() + "/other\n");
 }
 
-TEST_F(EnvCommand, SaysWhatToSetWhereThereIsNoInstallation) {
+TEST_F(EnvCommand, SaysWhatToSetIfThereIsNoInstallation) {
     for (const char* home : {static_cast<const char*>(nullptr), ""}) {
         process_.setVariable("TRVHOME", home);
         EXPECT_EQ(run({"list"}), 2);

@@ -154,7 +154,7 @@ TEST_F(ConfigurationLoader, MakesAStoreFromTheFirstFileThatThereIs) {
     destroy_store(store);
 }
 
-TEST_F(ConfigurationLoader, MakesAnEmptyStoreWhereNothingWasLoaded) {
+TEST_F(ConfigurationLoader, MakesAnEmptyStoreIfNothingWasLoaded) {
     for (const char* list : {"$ROOT/missing", "", "$(ROOT"}) {
         message_store* store = overload_files(nullptr, list, "m.cfg");
         EXPECT_EQ(section_count(store), 0) << list;
@@ -182,14 +182,14 @@ TEST_F(ConfigurationLoader, LoadsNothingUnderAnEmptyFileName) {
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(ConfigurationLoader, TakesAnUndefinedReferenceForNothing) {
+TEST_F(ConfigurationLoader, TreatsAnUndefinedReferenceAsNothing) {
     write("a/m.cfg", "[s]\nA = 1\n");
     overload_files(store_, "$UNKNOWN;$ROOT/a", "m$UNKNOWN.cfg");
     EXPECT_THAT(overloaded(), ElementsAre(overloading("a/m.cfg")));
     EXPECT_EQ(parameter(store_, "s", "A"), "1");
 }
 
-TEST_F(ConfigurationLoader, KeepsTheStoreWhereAFileIsGivenUp) {
+TEST_F(ConfigurationLoader, KeepsTheStoreIfAFileIsAborted) {
     write("a/m.cfg", "[s]\nA = 1\n");
     write("b/m.cfg", "[s]\nB = 1\n/what\nC = 1\n");
     std::filesystem::create_directories(directory_ / "c/m.cfg");
@@ -318,7 +318,7 @@ TEST_F(ConfigurationLoader, LeavesTheApplicationStoreAloneWithoutANameOrAfterAnE
     EXPECT_EQ(application_store(), nullptr);
 }
 
-TEST_F(ConfigurationLoader, MakesAnEmptyApplicationStoreWhereThereAreNoFiles) {
+TEST_F(ConfigurationLoader, MakesAnEmptyApplicationStoreIfThereAreNoFiles) {
     EXPECT_EQ(load_application_files("m.cfg", nullptr), 0);
     EXPECT_EQ(section_count(application_store()), 0);
 }
@@ -445,7 +445,7 @@ TEST_F(ConfigurationLoader, WalksTheVariablesAsTheyAreWritten) {
     EXPECT_THAT(variables[1].second, ::testing::MatchesRegex("\\+\\(........\\);2"));
 }
 
-TEST_F(ConfigurationLoader, EndsTheWalkWhereTheCallbackSaysSo) {
+TEST_F(ConfigurationLoader, EndsTheWalkIfTheCallbackSaysSo) {
     define("A = 1");
     static int calls;
     calls = 0;
@@ -504,7 +504,7 @@ TEST_F(VariableWalk, LoadsTheEnvironmentFirst) {
     TRV_EXPECT_IN_CHILD(walk);
 }
 
-TEST_F(VariableWalk, AnswersMinusOneWhereTheEnvironmentDoesNotLoad) {
+TEST_F(VariableWalk, AnswersMinusOneIfTheEnvironmentDoesNotLoad) {
     const auto walk = [] {
         const testing::Installation installation;
         const testing::ChannelLog log;

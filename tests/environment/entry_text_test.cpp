@@ -9,7 +9,7 @@
 namespace trv {
 namespace {
 
-TEST(EntryText, IsAnEntryWhereItHoldsASign) {
+TEST(EntryText, IsAnEntryIfItHoldsASign) {
     EXPECT_TRUE(is_entry("A = 1"));
     EXPECT_TRUE(is_entry("="));
     EXPECT_FALSE(is_entry("A"));
@@ -74,7 +74,7 @@ TEST(EntryText, WritesOffsetsWithEightCapitalDigits) {
     EXPECT_EQ(offset_text(0x7FEDCBA9), "7FEDCBA9");
 }
 
-TEST(EntryText, MakesReferencesOfSingleSignsBehindTheFirstEqualsSign) {
+TEST(EntryText, MakesReferencesOfSingleSignsAfterTheFirstEqualsSign) {
     EXPECT_EQ(with_references("PATH = +;extra", 300), "PATH = +(0000012C);extra");
     EXPECT_EQ(with_references("A+B = 1", 300), "A+B = 1");
     EXPECT_EQ(with_references("A=+ ++ +++ ++++", 1), "A=+(00000001) ++ +++(00000001) ++++");

@@ -77,7 +77,7 @@ TEST_F(EnvironmentStart, ReportsAMissingHomeFileAndTriesAgain) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, ReportsAHomeFileThatIsGivenUp) {
+TEST_F(EnvironmentStart, ReportsAHomeFileThatIsAborted) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg",
@@ -137,7 +137,7 @@ TEST_F(EnvironmentStart, NeverReadsTheHomeFileOfAnEmptyRootThoughItExists) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, GivesTheStorageOfAHomeFileBackThatIsGivenUp) {
+TEST_F(EnvironmentStart, FreesTheStorageOfAHomeFileThatIsAborted) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg",
@@ -173,7 +173,7 @@ TEST_F(EnvironmentStart, ReportsARootThatIsTooLong) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, TakesAnElementThatIsTooLongForAMissingFile) {
+TEST_F(EnvironmentStart, TreatsAnElementThatIsTooLongAsAMissingFile) {
     const auto start = [] {
         const Installation installation;
         std::string below;
@@ -204,7 +204,7 @@ TEST_F(EnvironmentStart, KeepsTheStoreAfterAListThatDoesNotExpand) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, TakesAListOfMoreThan511CharactersForAnError) {
+TEST_F(EnvironmentStart, TreatsAListOfMoreThan511CharactersAsAnError) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg", homeText(std::string(512, 'a')));
@@ -217,7 +217,7 @@ TEST_F(EnvironmentStart, TakesAListOfMoreThan511CharactersForAnError) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, KeepsTheStoreWhereTheSecondFileSpoilsTheList) {
+TEST_F(EnvironmentStart, KeepsTheStoreIfTheSecondFileSpoilsTheList) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg", homeText("$TRVHOME/b;$TRVHOME/a"));
@@ -343,7 +343,7 @@ TEST_F(EnvironmentStart, SendsFatalReportsToStandardErrorWhileEchoIsOn) {
 
 // Flags after each way out
 
-TEST_F(EnvironmentStart, GivesTheEchoFlagBackAfterFailures) {
+TEST_F(EnvironmentStart, RestoresTheEchoFlagAfterFailures) {
     const auto start = [] {
         const Installation installation;
         const ChannelLog log;
@@ -380,7 +380,7 @@ TEST_F(EnvironmentStart, StartsAnewAfterAHandlerHasThrown) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, KeepsTheHomeFileWhereAHandlerThrowsLater) {
+TEST_F(EnvironmentStart, KeepsTheHomeFileIfAHandlerThrowsLater) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg", homeText("$TRVHOME/a"));

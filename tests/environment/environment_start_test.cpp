@@ -153,7 +153,7 @@ TEST_F(EnvironmentStart, TakesTheListThatTheSecondFileHasChanged) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, EndsAfterTwoFilesWhereTheSecondOneEmptiesTheList) {
+TEST_F(EnvironmentStart, EndsAfterTwoFilesIfTheSecondOneEmptiesTheList) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg", homeText("$TRVHOME/x;$TRVHOME/a"));
@@ -355,7 +355,7 @@ TEST_F(EnvironmentStart, DoesNotSaveThePredefinedVariables) {
     TRV_EXPECT_IN_CHILD(start);
 }
 
-TEST_F(EnvironmentStart, TakesDoubleEntriesAndSectionsOfTheHomeFileAsTheyStand) {
+TEST_F(EnvironmentStart, TakesDoubleEntriesAndSectionsOfTheHomeFileUnchanged) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg",

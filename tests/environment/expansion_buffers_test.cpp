@@ -248,7 +248,7 @@ protected:
     }
 };
 
-TEST_F(TooSmallBuffer, TrapsAfterItsReportWhereTheOptionIsCrash) {
+TEST_F(TooSmallBuffer, TrapsAfterItsReportIfTheOptionIsCrash) {
     EXPECT_EXIT(expandWithOption("crash"), testing::endedAtBreakpoint,
                 "^_Expand\\(\"abcdef\"\\) = error -32 - buffer size 4 too small\n$");
 }

@@ -60,19 +60,19 @@ TEST_F(ExpansionSearch, FindsAFileByItsExpandedName) {
     EXPECT_EQ(path("b/x.t"), found_);
 }
 
-TEST_F(ExpansionSearch, GivesTheFirstNameTriedWhereThereIsNoFile) {
+TEST_F(ExpansionSearch, GivesTheFirstNameTriedIfThereIsNoFile) {
     EXPECT_EQ(-21, search("?CFG/none.t"));
     EXPECT_EQ(path("a/none.t"), found_);
     EXPECT_EQ(-21, search("$DIR/none.t"));
     EXPECT_EQ(path("b/none.t"), found_);
 }
 
-TEST_F(ExpansionSearch, GivesTheExpandedTextWhereItHoldsUndefinedNames) {
+TEST_F(ExpansionSearch, GivesTheExpandedTextIfItHoldsUndefinedNames) {
     EXPECT_EQ(-43, search("$DIR/$UNDEFINED_X/x.t"));
     EXPECT_EQ(path("b/x.t"), found_);
 }
 
-TEST_F(ExpansionSearch, GivesATextThatIsTooLongForTheSearchAsItStood) {
+TEST_F(ExpansionSearch, ReturnsATextThatIsTooLongForTheSearchUnchanged) {
     const std::string longest(509, 'x');
     EXPECT_EQ(-21, search(longest));
     EXPECT_EQ(longest, found_);
@@ -92,7 +92,7 @@ TEST_F(ExpansionSearch, IsNotMadeForATextThatDoesNotExpand) {
     EXPECT_THAT(log.errors(), IsEmpty());
 }
 
-TEST_F(ExpansionSearch, NeedsANameBehindAQuestionMark) {
+TEST_F(ExpansionSearch, NeedsANameAfterAQuestionMark) {
     EXPECT_EQ(-44, search("?CFG"));
     EXPECT_EQ(-44, search("?CFG/"));
 }
@@ -185,7 +185,7 @@ TEST_F(ExpansionSearch, MayBeMadeByATraceHandlerOfASearch) {
     EXPECT_EQ(path("a/none.t"), inner);
 }
 
-TEST_F(ExpansionSearch, IsMadeOnceWhereTheBufferIsLargeEnough) {
+TEST_F(ExpansionSearch, IsMadeOnceIfTheBufferIsLargeEnough) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     TRV_EXPECT_IN_CHILD([&] {
         const ChannelLog log;

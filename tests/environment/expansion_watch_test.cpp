@@ -358,7 +358,7 @@ TEST_F(ExpansionWatch, IsSilentAboutALogThatDoesNotOpen) {
     });
 }
 
-TEST_F(ExpansionWatch, StandsBeforeThePathFormsOnly) {
+TEST_F(ExpansionWatch, ChecksTheBuffersOfThePathFormsOnly) {
     TRV_EXPECT_IN_CHILD([&] {
         const ConfiguredStore store;
         ChannelLog channels;

@@ -101,7 +101,7 @@ TEST_F(LinkToAReplacement, SharesTheLockOfItsFile) {
     EXPECT_EQ(bytesOf(real()), "old");
 }
 
-TEST_F(LinkToAReplacement, IsATakenNameWhereFilesAreRefused) {
+TEST_F(LinkToAReplacement, IsATakenNameIfFilesAreRefused) {
     writeBytes(real(), "old");
     fs::create_symlink("../real/f", link());
     fs::create_symlink("none", directory_ / "links/g");

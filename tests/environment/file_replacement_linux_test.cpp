@@ -259,7 +259,7 @@ TEST_F(LockOfAReplacement, LeavesAFileOfSomebodyElseUnderItsName) {
     EXPECT_EQ(bytesOf(temporary()), "of somebody else");
 }
 
-TEST_F(LockOfAReplacement, IsDoneWithoutWhereTheFileSystemHasNone) {
+TEST_F(LockOfAReplacement, IsOmittedIfTheFileSystemHasNone) {
     if (!testing::canRefuseSystemCalls()) GTEST_SKIP() << "system calls cannot be filtered here";
     for (const int reason : {ENOLCK, EOPNOTSUPP, ENOSYS}) {
         fs::remove(target());

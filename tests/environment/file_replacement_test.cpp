@@ -75,7 +75,7 @@ TEST_F(FileReplacement, LeavesNothingWithoutAText) {
     EXPECT_THAT(files(), ElementsAre("f"));
 }
 
-TEST_F(FileReplacement, TellsWhyItDoesNotOpen) {
+TEST_F(FileReplacement, ReportsWhyItDoesNotOpen) {
     file_replacement missing(pathOf("none/f"));
     EXPECT_FALSE(missing.is_open());
     EXPECT_EQ(missing.open_failure(), ENOENT);

@@ -18,7 +18,7 @@ TEST(Guards, MarkCodeAsRunningUntilItIsLeft) {
     }
 }
 
-TEST(Guards, GiveTheEchoFlagBackAsItWas) {
+TEST(Guards, RestoreTheEchoFlag) {
     for (const int earlier : {0, 1}) {
         set_echo_output(earlier);
         try {
@@ -32,7 +32,7 @@ TEST(Guards, GiveTheEchoFlagBackAsItWas) {
     set_echo_output(0);
 }
 
-TEST(Guards, GiveTheRecordFlagBackAsItWas) {
+TEST(Guards, RestoreTheRecordFlag) {
     for (const bool earlier : {true, false}) {
         set_record_flag(earlier);
         try {

@@ -64,11 +64,11 @@ TEST_F(MessageCondition, TakesOneOpeningBracketOnly) {
     EXPECT_EQ(evaluate_condition("((X))"), condition_result::no);
 }
 
-TEST_F(MessageCondition, TakesAComparisonWithoutBlanksForOneName) {
+TEST_F(MessageCondition, TreatsAComparisonWithoutBlanksAsOneName) {
     EXPECT_EQ(evaluate_condition("X==1"), condition_result::no);
 }
 
-TEST_F(MessageCondition, AsksTheEmptyNameWhereThereIsNone) {
+TEST_F(MessageCondition, AsksTheEmptyNameIfThereIsNone) {
     for (const char* text : {"", "  ", "()", "( )", ")"})
         EXPECT_EQ(evaluate_condition(text), condition_result::no) << text;
 }

@@ -162,7 +162,7 @@ TEST_F(MessageFile, WarnsOfLinesOf1023CharactersAndMoreWithOrWithoutNewline) {
     }
 }
 
-TEST_F(MessageFile, LeavesTheStoreAsItIsWhereThereIsNoFile) {
+TEST_F(MessageFile, LeavesTheStoreAsItIsIfThereIsNoFile) {
     message_store* store = load("[s]\nA = 1\n");
     EXPECT_EQ(load_message_file(store, path("missing").c_str()), store);
     EXPECT_EQ(load_message_file(store, path("missing/a.msg").c_str()), store);
@@ -255,7 +255,7 @@ TEST_F(MessageFile, AbortsAtThe32768thSection) {
     EXPECT_EQ(log_.fatals().size(), 2U);
 }
 
-TEST_F(MessageFile, LeavesNothingBehindAfterDestroyStore) {
+TEST_F(MessageFile, LeavesNothingAfterDestroyStore) {
     const std::string before = storageInUse();
     destroy_store(load("[s]\nA = 1\n[t]\nB = +x\n"));
     EXPECT_EQ(load("[s]\nA = 1\n/what\n"), nullptr);

@@ -142,7 +142,7 @@ TEST_F(MessageParser, KeepsLeadingBlanksOfAnEntryAndCutsTrailingOnes) {
     EXPECT_THAT(entries("  \tA = 1 \t\r\n"), ElementsAre("2:  \tA = 1"));
 }
 
-TEST_F(MessageParser, TakesCodes1To32ForBlanksAndNoOthers) {
+TEST_F(MessageParser, TreatsOnlyCodes1To32AsBlanks) {
     EXPECT_THAT(entries("\x01\x1f\x20[t]\x01\nA\x01\x1f\nB\xa0\n\x85\x80\n\x01\x02\n"),
                 ElementsAre("[t]", "3:A", "4:B\xa0", "5:\x85\x80"));
 }
@@ -153,7 +153,7 @@ TEST_F(MessageParser, CutsTheCommentAfterTheTrailingBlanks) {
     EXPECT_THAT(entries("A = 1   # c  \n"), ElementsAre("2:A = 1   "));
 }
 
-TEST_F(MessageParser, TakesADoubledHashForOne) {
+TEST_F(MessageParser, TreatsADoubledHashAsOne) {
     EXPECT_THAT(entries("###\n"), ElementsAre("2:#"));
     EXPECT_THAT(entries("####\n"), ElementsAre("2:##"));
     EXPECT_THAT(entries("##a##b###c\n"), ElementsAre("2:#a#b#"));
@@ -163,24 +163,24 @@ TEST_F(MessageParser, SkipsWhatIsEmptyAfterTheComment) {
     EXPECT_THAT(entries("# c\n  # c\n#\n   \nA\n"), ElementsAre("6:A"));
 }
 
-TEST_F(MessageParser, TakesTheNameOfAHeaderAsItStands) {
+TEST_F(MessageParser, TakesTheNameOfAHeaderUnchanged) {
     parse("[ var ]\n[a\n[]\n[var # x]\n[a]b]\n[s] tail\n  [t]\n[#]\n[x##y]\n");
     EXPECT_THAT(taken,
                 ElementsAre("[ var ]", "[a]", "[]", "[var ]", "[a]", "[s]", "[t]", "[]", "[x#y]"));
 }
 
-TEST_F(MessageParser, TakesALineWithTwoSlashesForAnEntry) {
+TEST_F(MessageParser, TreatsALineWithTwoSlashesAsAnEntry) {
     EXPECT_THAT(entries("//x\n//if X\n"), ElementsAre("2://x", "3://if X"));
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(MessageParser, TellsKeywordsByTheirFirstLetters) {
+TEST_F(MessageParser, IdentifiesKeywordsByTheirFirstLetters) {
     EXPECT_THAT(entries("/ifdef\nA\n/elseif X\nB\n/endif foo\nC\n"), ElementsAre("5:B", "7:C"));
     EXPECT_THAT(log_.errors(), IsEmpty());
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(MessageParser, TakesADirectiveBehindBlanksAndBeforeAComment) {
+TEST_F(MessageParser, TakesADirectiveAfterBlanksAndBeforeAComment) {
     EXPECT_THAT(entries("  /if X # c\nA\n\t/else # c\nB\n /endif # c\n"), ElementsAre("3:A"));
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
@@ -256,7 +256,7 @@ TEST_F(MessageParser, TakesSevenOpenConditions) {
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(MessageParser, RefusesTheEighthOpenConditionWithItsTextAsItStands) {
+TEST_F(MessageParser, RefusesTheEighthOpenConditionWithItsTextUnchanged) {
     std::string text;
     for (int i = 0; i < 8; ++i)
         text += "/if X\n";
@@ -310,7 +310,7 @@ TEST_F(MessageParser, WarnsOfAnUndefinedVariableThatIsCompared) {
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(MessageParser, TakesAnInvalidConditionForFalse) {
+TEST_F(MessageParser, TreatsAnInvalidConditionAsFalse) {
     EXPECT_THAT(entries("/if (X = 1)\nA\n/else\nB\n/endif\n"), ElementsAre("5:B"));
     EXPECT_THAT(log_.fatals(), ElementsAre(report(2, "invalid condition: /if (X = 1)")));
 }
@@ -348,13 +348,13 @@ TEST_F(MessageParser, CutsALongCommentWithoutLosingTheNextLine) {
 
 // Giving up
 
-TEST_F(MessageParser, EndsWhereTheSectionCallbackRefuses) {
+TEST_F(MessageParser, EndsIfTheSectionCallbackRefuses) {
     EXPECT_EQ(parse("[s]\nA\n", [](message_store*, const char*) { return -1; }), 0);
     EXPECT_THAT(taken, IsEmpty());
     EXPECT_THAT(log_.fatals(), ElementsAre(report(0, "Error loading file.")));
 }
 
-TEST_F(MessageParser, EndsWhereTheEntryCallbackRefuses) {
+TEST_F(MessageParser, EndsIfTheEntryCallbackRefuses) {
     static int calls;
     calls = 0;
     EXPECT_EQ(parse("[s]\nA\nB\n", takeHeader,
@@ -364,7 +364,7 @@ TEST_F(MessageParser, EndsWhereTheEntryCallbackRefuses) {
     EXPECT_THAT(log_.fatals(), ElementsAre(report(0, "Error loading file.")));
 }
 
-TEST_F(MessageParser, ReportsTheOpenBlockFirstWhenItIsGivenUpInOne) {
+TEST_F(MessageParser, ReportsTheOpenBlockFirstIfItIsAbortedInOne) {
     parse("/if X\n[s]\n", [](message_store*, const char*) { return -1; });
     EXPECT_THAT(log_.fatals(), ElementsAre(report(-1, "'/if' without '/endif' at end of file."),
                                            report(0, "Error loading file.")));
@@ -386,7 +386,7 @@ TEST_F(MessageParser, ReadsNothingWithoutAStoreOrACallback) {
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(MessageParser, TakesAMissingFileNameForAnEmptyOne) {
+TEST_F(MessageParser, TreatsAMissingFileNameAsAnEmptyOne) {
     TextLines lines("/endif\n[s]\n");
     EXPECT_EQ(load_messages(store_, lines, nullptr, takeHeader, takeEntry), 0);
     EXPECT_THAT(log_.fatals(),
@@ -403,14 +403,14 @@ TEST_F(MessageParser, LetsACallbackParseAnotherText) {
     EXPECT_THAT(taken, ElementsAre("a", "[x]", "2:A = 1", "b", "[x]", "2:A = 1"));
 }
 
-TEST_F(MessageParser, TakesWhatFollowsTheKeywordDirectlyForTheCondition) {
+TEST_F(MessageParser, TreatsWhatFollowsTheKeywordDirectlyAsTheCondition) {
     EXPECT_THAT(entries("/ifX\nA\n/endif\nB\n"), ElementsAre("3:A", "5:B"));
     EXPECT_THAT(entries("/if(X)\nA\n/endif\nB\n"), ElementsAre("3:A", "5:B"));
     EXPECT_THAT(entries("/ifXX\nA\n/endif\nB\n"), ElementsAre("5:B"));
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
-TEST_F(MessageParser, TakesTheBeginningOfAKeywordForNothingInASkippedBlock) {
+TEST_F(MessageParser, TreatsTheBeginningOfAKeywordAsNothingInASkippedBlock) {
     EXPECT_THAT(entries("/if Y\n/i X\n/els\nA\n/endi\nB\n/endif\nC\n"), ElementsAre("9:C"));
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }

@@ -68,7 +68,7 @@ std::pair<std::string, std::string> namesOfOneHash(std::uint32_t (*hash)(std::st
     }
 }
 
-TEST_F(StoreEntries, AreToldApartThoughTheirNamesHaveOneHash) {
+TEST_F(StoreEntries, AreDistinguishedThoughTheirNamesHaveOneHash) {
     const auto [first, second] = namesOfOneHash(hash_name);
     append_message(store, 0, (first + " = first").c_str(), home, 1);
     EXPECT_EQ(value(second.c_str()), "<none>");
@@ -81,7 +81,7 @@ TEST_F(StoreEntries, AreToldApartThoughTheirNamesHaveOneHash) {
     EXPECT_EQ(value(second.c_str()), "<none>");
 }
 
-TEST_F(StoreEntries, AreToldApartInAnyCaseThoughTheirNamesHaveOneHash) {
+TEST_F(StoreEntries, AreDistinguishedInAnyCaseThoughTheirNamesHaveOneHash) {
     const auto [square, round] = namesOfOneHash(hash_name_ignoring_case);
     const std::string lowerSquare = "tool_" + square.substr(5);
     const std::string lowerRound = "tool_" + round.substr(5);
@@ -283,7 +283,7 @@ TEST_F(StoreEntries, AreRemovedWithTheirHistory) {
     EXPECT_EQ(recordOf(second).flags & deleted_text, deleted_text);
 }
 
-TEST_F(StoreEntries, ThatAreSetAgainStandInTheOldPlaceAndStillReferToTheDeletedText) {
+TEST_F(StoreEntries, ThatAreSetAgainKeepTheirPlaceAndStillReferToTheDeletedText) {
     append_message(store, 0, "A = 1", home, 1);
     append_message(store, 0, "B = 2", home, 2);
     remove_parameter(store, 0, "A");

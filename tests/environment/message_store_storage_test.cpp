@@ -280,7 +280,7 @@ TEST(MessageStoreStorage, MovesWhileItTakesATextOfItsOwn) {
     EXPECT_NE(get_message(stores[0], 0, 0), before);
 }
 
-TEST(MessageStoreStorage, TakesRoomForTheMissingPlaceholdersAlone) {
+TEST(MessageStoreStorage, TakesSpaceForTheMissingPlaceholdersAlone) {
     const ChannelLog log;
     const Store store;
     add_section(store, "s");

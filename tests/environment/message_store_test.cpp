@@ -158,7 +158,7 @@ TEST(MessageStore, GivesNothingForABadSectionOrNumber) {
     EXPECT_THAT(messagesOf(store, 0), ElementsAre("text"));
 }
 
-TEST(MessageStore, TakesANullStoreForAnEmptyOne) {
+TEST(MessageStore, TreatsANullStoreAsAnEmptyOne) {
     char buffer[8] = "old";
     const text_record before = {};
     const text_record* record = &before;
@@ -184,7 +184,7 @@ TEST(MessageStore, TakesANullStoreForAnEmptyOne) {
     convert_newlines(nullptr);
 }
 
-TEST(MessageStore, RefusesNullNamesAndTakesNullTextsForEmptyOnes) {
+TEST(MessageStore, RefusesNullNamesAndTreatsNullTextsAsEmptyOnes) {
     const Store store;
     EXPECT_EQ(add_section(store, nullptr), 65535);
     EXPECT_EQ(find_or_add_section(store, nullptr), -1);
@@ -211,7 +211,7 @@ TEST(MessageStore, SetsMissingMessagesToUndefinedMessage) {
                                                   "undefined message", "three"));
 }
 
-TEST(MessageStore, SetsAMessageInItsPlaceOrBehindTheLast) {
+TEST(MessageStore, SetsAMessageInItsPlaceOrAfterTheLast) {
     const Store store;
     add_section(store, "s");
     EXPECT_EQ(set_message(store, 0, 0, "zero"), 0);
@@ -326,7 +326,7 @@ TEST(MessageStore, RefusesAFileThatIsNotRegistered) {
     EXPECT_EQ(replace_message(store, 0, 0, "text", file + 1, 1), -1);
 }
 
-TEST(MessageStore, TellsWhereATextCameFrom) {
+TEST(MessageStore, ReportsWhereATextCameFrom) {
     const Store store;
     add_section(store, "s");
     append_message(store, 0, "text", register_file_name(store, "dir\\a.cfg"), 3);
@@ -335,7 +335,7 @@ TEST(MessageStore, TellsWhereATextCameFrom) {
     EXPECT_EQ(originOf(store, get_message(store, 0, 1)), "set by program");
 }
 
-TEST(MessageStore, TellsTheOriginOfAPlaceInAText) {
+TEST(MessageStore, ReportsTheOriginOfAPlaceInAText) {
     const Store store;
     add_section(store, "s");
     const std::int32_t file = register_file_name(store, "f");
@@ -345,7 +345,7 @@ TEST(MessageStore, TellsTheOriginOfAPlaceInAText) {
     EXPECT_EQ(originOf(store, find_parameter(store, 0, "B", true)), "from 'f' line 2");
 }
 
-TEST(MessageStore, TellsNoOriginOfWhatIsNoText) {
+TEST(MessageStore, ReportsNoOriginOfAPointerToNoText) {
     const Store store;
     const Store other;
     add_section(store, "s");
@@ -363,7 +363,7 @@ TEST(MessageStore, TellsNoOriginOfWhatIsNoText) {
     EXPECT_EQ(originOf(store, section_name(store, 0)), "<none>");
 }
 
-TEST(MessageStore, TellsTheOriginUpTo1024BytesBehindTheStart) {
+TEST(MessageStore, ReportsTheOriginUpTo1024BytesAfterTheStart) {
     const Store store;
     add_section(store, "s");
     append_message(store, 0, std::string(2000, 'x').c_str(), byProgram, 0);
@@ -372,7 +372,7 @@ TEST(MessageStore, TellsTheOriginUpTo1024BytesBehindTheStart) {
     EXPECT_EQ(originOf(store, text + 1025), "<none>");
 }
 
-TEST(MessageStore, TellsTheOriginOfReplacedTexts) {
+TEST(MessageStore, ReportsTheOriginOfReplacedTexts) {
     const Store store;
     add_section(store, "s");
     append_message(store, 0, "old", register_file_name(store, "f"), 9);

@@ -44,7 +44,7 @@ TEST(NameHash, IsThatOfTheSameNameOnly) {
 }
 
 // The last characters of two names may make up for the difference of their lengths.
-TEST(NameHash, TellsNamesOfDifferentLengthsApart) {
+TEST(NameHash, DistinguishesNamesOfDifferentLengths) {
     std::set<std::uint32_t> hashes;
     std::size_t names = 0;
     for (std::size_t length = 1; length < 40; ++length) {
@@ -59,14 +59,14 @@ TEST(NameHash, TellsNamesOfDifferentLengthsApart) {
     EXPECT_GT(hashes.size() + 8, names);
 }
 
-TEST(NameHash, TellsZeroBytesApartByTheirNumber) {
+TEST(NameHash, DistinguishesZeroBytesByTheirNumber) {
     std::set<std::uint32_t> hashes;
     for (std::size_t length = 0; length < 1000; ++length)
         hashes.insert(hash_name(std::string(length, '\0')));
     EXPECT_EQ(hashes.size(), 1000U);
 }
 
-TEST(NameHash, TellsCaseApartUnlessItIsToBeIgnored) {
+TEST(NameHash, DistinguishesCaseUnlessItIsIgnored) {
     EXPECT_NE(hash_name("path"), hash_name("PATH"));
     for (std::size_t length = 1; length < 50; ++length) {
         const std::string lower(length, 'z');

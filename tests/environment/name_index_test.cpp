@@ -26,7 +26,7 @@ void put(name_index& index, std::uint32_t place, std::uint32_t hash) {
 
 using Places = std::vector<std::uint32_t>;
 
-TEST(NameIndex, FindsNothingWhereNothingWasAdded) {
+TEST(NameIndex, FindsNothingIfNothingWasAdded) {
     const name_index index;
     EXPECT_EQ(index.first(7, [](std::uint32_t) { return true; }), name_index::none);
 }

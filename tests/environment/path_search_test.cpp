@@ -133,12 +133,12 @@ TEST_F(PathSearch, MarksALongListInItsTraceLine) {
                                           "  - '" + longer + "\\n' -> Not found"));
 }
 
-TEST_F(PathSearch, GivesTheFirstNameTriedWhereThereIsNone) {
+TEST_F(PathSearch, GivesTheFirstNameTriedIfThereIsNone) {
     EXPECT_EQ((Outcome{-21, path("a/none.t")}), resolved("?CFG\\none.t"));
     EXPECT_EQ((Outcome{-21, padded(path("a/none.t"), 300)}), searched("?CFG", "none.t", 300));
 }
 
-TEST_F(PathSearch, GivesNothingWhereTheListIsEmpty) {
+TEST_F(PathSearch, GivesNothingIfTheListIsEmpty) {
     store_.path("NONE =");
     EXPECT_EQ((Outcome{-21, ""}), resolved("?NONE\\x.t"));
     EXPECT_EQ((Outcome{-21, padded("", 20)}), searched(" ;, ;", "x.t", 20));
@@ -158,7 +158,7 @@ TEST_F(PathSearch, PutsOneSeparatorBetweenAnElementAndTheName) {
     EXPECT_EQ((Outcome{-21, padded("\"a\"\\n", 20)}), searched("\"a\"", "n", 20));
 }
 
-TEST_F(PathSearch, TakesTheLastComponentWithAQuestionMarkForTheList) {
+TEST_F(PathSearch, TreatsTheLastComponentWithAQuestionMarkAsTheList) {
     ChannelLog log;
     store_.path("L = p");
     EXPECT_EQ((Outcome{-21, "a\\p\\f"}), resolved("a\\?L\\f"));
@@ -172,7 +172,7 @@ TEST_F(PathSearch, ExpandsTheNameToo) {
     EXPECT_EQ((Outcome{0, path("b/sub/y.t")}), resolved("?CFG\\$N"));
 }
 
-TEST_F(PathSearch, NeedsANameBehindTheList) {
+TEST_F(PathSearch, NeedsANameAfterTheList) {
     EXPECT_EQ((Outcome{-44, "?CFG"}), resolved("?CFG"));
     EXPECT_EQ(-44, resolved("?CFG\\").code);
     EXPECT_EQ(-44, resolved("?CFG/").code);
@@ -197,7 +197,7 @@ TEST_F(PathSearch, ReturnsWhatTheExpansionGaveWithoutATest) {
     EXPECT_EQ((Outcome{-32, "0123456789"}), resolved("0123456789", 10));
 }
 
-TEST_F(PathSearch, EndsWhereTheNameOrTheListDoesNotExpand) {
+TEST_F(PathSearch, EndsIfTheNameOrTheListDoesNotExpand) {
     ChannelLog log;
     EXPECT_EQ(-43, resolved("?CFG\\x.t$UNDEFINED_X").code);
     EXPECT_EQ(-43, resolved("?UNDEFINED_X\\x.t").code);
@@ -299,7 +299,7 @@ TEST_F(PathSearch, TakesAListThatExpandingTheNameOverwrites) {
     EXPECT_EQ(padded("dir_a\\name_b", 30), name);
 }
 
-TEST_F(PathSearch, GivesItsStorageBack) {
+TEST_F(PathSearch, FreesItsStorage) {
     char before[64];
     storage_report(before, sizeof before);
     resolved("?CFG\\x.t");
@@ -384,7 +384,7 @@ TEST_F(PathSearch, GivesTheFirstDirectoryThatExists) {
     EXPECT_STREQ((root() + "/b/x.t").c_str(), first_existing_directory("$DIR/x.t;$DIR"));
 }
 
-TEST_F(PathSearch, TakesDirectoriesAsTheyStand) {
+TEST_F(PathSearch, TakesDirectoriesUnchanged) {
     EXPECT_EQ(nullptr, first_existing_directory((" " + root()).c_str()));
     EXPECT_EQ(nullptr, first_existing_directory("?(NONE)"));
     EXPECT_STREQ("..", first_existing_directory(".;.."));
@@ -392,7 +392,7 @@ TEST_F(PathSearch, TakesDirectoriesAsTheyStand) {
     EXPECT_STREQ((root() + "//b").c_str(), first_existing_directory((root() + "//b").c_str()));
 }
 
-TEST_F(PathSearch, GivesNoDirectoryWhereNothingQualifies) {
+TEST_F(PathSearch, GivesNoDirectoryIfNothingQualifies) {
     ChannelLog log;
     EXPECT_EQ(nullptr, first_existing_directory("none;,.;"));
     EXPECT_EQ(nullptr, first_existing_directory(""));

@@ -111,14 +111,14 @@ TEST_F(References, ToAnythingButTheStartOfATextAreBad) {
     }
 }
 
-TEST_F(References, ThatAreBadAreLeftBehind) {
+TEST_F(References, ThatAreBadAreKept) {
     add("A = x+(FFFFFFFF);y");
     EXPECT_EQ(value("A"), "x$(TRVNULL)(FFFFFFFF);y");
     add("B = +(FFFFFFFF)++(FFFFFFFF)+(FFFFFFFF)");
     EXPECT_EQ(value("B"), "$(TRVNULL)(FFFFFFFF)+(FFFFFFFF)$(TRVNULL)(FFFFFFFF)");
 }
 
-TEST_F(References, AreMeasuredByTheTextInWhichTheyStand) {
+TEST_F(References, AreMeasuredByTheTextThatHoldsThem) {
     add("A = +(00000028)");  // bad: refers to what comes later
     add("B = 1+(0000000C)");
     add("C = +(00000028)");  // good
@@ -204,7 +204,7 @@ TEST_F(References, GoAsDeepAsTheHistory) {
     EXPECT_EQ(value("A"), expected);
 }
 
-TEST_F(References, AreToldToTheTraceChannel) {
+TEST_F(References, AreReportedToTheTraceChannel) {
     const std::int32_t file = register_file_name(store, "a.cfg");
     set_parameter(store, 0, "A = 1", file, 3);
     set("A = <+>");
@@ -214,14 +214,14 @@ TEST_F(References, AreToldToTheTraceChannel) {
                                           "   00000014 -> A = 1 from 'a.cfg' line 3", "<1>"));
 }
 
-TEST_F(References, ThatAreBadAreToldToTheTraceChannel) {
+TEST_F(References, ThatAreBadAreReportedToTheTraceChannel) {
     add("A = x+(FFFFFFFF);y");
     const ChannelLog log;
     value("A");
     EXPECT_THAT(log.traces(), ElementsAre("ref=[+(FFFFFFFF);y]\n", "x$(TRVNULL)(FFFFFFFF);y"));
 }
 
-TEST_F(References, AloneAreToldToTheTraceChannel) {
+TEST_F(References, AloneAreReportedToTheTraceChannel) {
     add("A = 1");
     add("B = a+b");
     const ChannelLog log;

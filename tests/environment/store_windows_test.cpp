@@ -115,7 +115,7 @@ TEST_F(StoreOnWindows, FindsItsRootInTrvhomeOfAnyCase) {
     TRV_EXPECT_IN_CHILD(lookUp);
 }
 
-TEST_F(StoreOnWindows, TakesAHomeFileOfAnotherSpellingForASecondFile) {
+TEST_F(StoreOnWindows, TreatsAHomeFileOfAnotherSpellingAsASecondFile) {
     const auto start = [] {
         const Installation installation;
         installation.write("config/environ.cfg", homeText("$TRVHOME/config"));

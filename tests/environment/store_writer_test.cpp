@@ -230,7 +230,7 @@ TEST_F(StoreWriter, WritesReferencesAsTheyWereSet) {
     EXPECT_EQ(valueOf(store, 0, "A"), "1;x");
 }
 
-TEST_F(StoreWriter, TakesWhatFollowsASinglePlusInBracketsForAReference) {
+TEST_F(StoreWriter, TreatsWhatFollowsASinglePlusInBracketsAsAReference) {
     for (const char* text : {"A=a+B(1)", "B=a+++B(1)C", "C=A+(1)+(2)", "D=a+b", "E=a+", "F=a++B(1)",
                              "G=a+b(c+d", "H+(1)=a+b(1)+c(", "J=++++(x)y"}) {
         set_variable(store, 0, text);
@@ -374,7 +374,7 @@ TEST_F(StoreWriter, KeepsAFileWithTheNameOfTheTemporaryFileUntilTheNewOneIsCompl
     EXPECT_THAT(files(), ElementsAre("messages.tmp"));
 }
 
-TEST_F(StoreWriter, EndsTheProcessByDefaultWhereTheTemporaryFileCannotBeOpened) {
+TEST_F(StoreWriter, EndsTheProcessByDefaultIfTheTemporaryFileCannotBeOpened) {
     const auto save = [&] { store_parameters(store, "no/such/directory/a.cfg"); };
     TRV_EXPECT_FATAL(save,
                      "Store messages : error opening file "

@@ -16,7 +16,7 @@ std::int32_t add(text_pool& pool, const std::string& text, std::int32_t file = t
     return pool.add_text({file, text_pool::none, 0, 0, 0}, text);
 }
 
-TEST(TextPool, PutsEachTextBehindItsRecordAtAMultipleOfFour) {
+TEST(TextPool, PutsEachTextAfterItsRecordAtAMultipleOfFour) {
     text_pool pool;
     EXPECT_EQ(add(pool, ""), 12);
     EXPECT_EQ(add(pool, "abc"), 28);
@@ -71,7 +71,7 @@ TEST(TextPool, KeepsOffsetsRecordsAndNamesWhileItGrows) {
 }
 
 // The room is promised, not filled: it takes addresses rather than memory.
-TEST(TextPool, HasRoomForTwoGigabytesAtMost) {
+TEST(TextPool, HoldsTwoGigabytesAtMost) {
     constexpr std::size_t around = 16;  // a record and its alignment
     constexpr std::size_t most = (std::size_t{1} << 31) - 1024 - around;
     text_pool pool;

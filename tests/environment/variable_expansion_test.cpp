@@ -61,7 +61,7 @@ TEST_F(VariableExpansion, ReplacesAReferenceByItsValue) {
     EXPECT_EQ((Outcome{0, "<d;e>"}), expanded("<?L>"));
 }
 
-TEST_F(VariableExpansion, TakesADoubledMarkerForOneCharacter) {
+TEST_F(VariableExpansion, TreatsADoubledMarkerAsOneCharacter) {
     store_.variable("HOME = wrong");
     EXPECT_EQ((Outcome{0, "$HOME"}), expanded("$$HOME"));
     EXPECT_EQ((Outcome{0, "?"}), expanded("??"));
@@ -69,7 +69,7 @@ TEST_F(VariableExpansion, TakesADoubledMarkerForOneCharacter) {
     EXPECT_EQ((Outcome{0, "a?.b"}), expanded("a??.b"));
 }
 
-TEST_F(VariableExpansion, TakesTwoDifferentMarkersForTwoReferences) {
+TEST_F(VariableExpansion, TreatsTwoDifferentMarkersAsTwoReferences) {
     ScopedVariable path("PATH", "search");
     store_.variable("= empty");
     store_.variable("A = a");
@@ -174,7 +174,7 @@ TEST_F(VariableExpansion, PutsTheNameIntoTheNullText) {
     EXPECT_EQ((Outcome{-43, "<L>"}), expanded("?L"));
 }
 
-TEST_F(VariableExpansion, TakesANullTextWithoutADollarAsItStands) {
+TEST_F(VariableExpansion, TakesANullTextWithoutADollarUnchanged) {
     store_.variable("TRVNULL = none");
     EXPECT_EQ((Outcome{-43, "none"}), expanded("$X_UNDEFINED"));
 }
@@ -187,7 +187,7 @@ TEST_F(VariableExpansion, PatchesTheNullTextAndNeverExpandsIt) {
     EXPECT_EQ((Outcome{-43, "YTRVNULL"}), expanded("$Y"));
 }
 
-TEST_F(VariableExpansion, ExpandsTheNullTextWhereItIsReferredTo) {
+TEST_F(VariableExpansion, ExpandsTheNullTextIfItIsReferredTo) {
     store_.variable("TRVNULL = <$>");
     EXPECT_EQ((Outcome{-43, "<<>>"}), expanded("$TRVNULL"));
     store_.variable("TRVNULL = $TRVNULL");
@@ -212,7 +212,7 @@ TEST_F(VariableExpansion, EndsAtAReferenceInsideItsOwnValue) {
     EXPECT_EQ((Outcome{-42, ""}), expanded("?P"));
 }
 
-TEST_F(VariableExpansion, TellsAReferenceByItsMarkerAndItsName) {
+TEST_F(VariableExpansion, IdentifiesAReferenceByItsMarkerAndItsName) {
     store_.variable("A = v?A");
     store_.path("A = p");
     EXPECT_EQ((Outcome{0, "vp"}), expanded("$A"));

@@ -90,7 +90,7 @@ TEST_F(Variables, ThatSayNothingWhenEmptyCountAsUnset) {
     EXPECT_EQ(-1, describe_variable_origin(origin, sizeof origin, "TMP", "x"));
 }
 
-TEST_F(Variables, LoseTheirTrailingBlanksWhereTheyStand) {
+TEST_F(Variables, LoseTheirTrailingBlanksInTheStore) {
     store_.variable("TRV_TEST_A = v w \t ");
     const char* stored = get_message(store_.get(), store_.var(), 0);
     EXPECT_STREQ("TRV_TEST_A = v w \t ", stored);
@@ -170,7 +170,7 @@ TEST_F(Variables, OfPathsNeedTheSectionInExactlyThisCase) {
     destroy_store(other);
 }
 
-TEST_F(Variables, HaveATextThatStandsForAnUndefinedOne) {
+TEST_F(Variables, HaveATextThatReplacesAnUndefinedOne) {
     EXPECT_EQ("", null_value("X"));
     store_.variable("TRVNULL = <$>$");
     EXPECT_EQ("<X>$", null_value("X"));
@@ -232,7 +232,7 @@ TEST_F(Variables, AreSwitches) {
     EXPECT_FALSE(variable_is_on(nullptr));
 }
 
-TEST_F(Variables, TellWhereTheirValueCameFrom) {
+TEST_F(Variables, ReportWhereTheirValueCameFrom) {
     store_.variable("TRV_TEST_F = v", "a.cfg", 12);
     store_.variable("TRV_TEST_S = v");
     EXPECT_EQ("from 'a.cfg' line 12", variableOrigin("TRV_TEST_F"));
@@ -250,7 +250,7 @@ TEST_F(Variables, TellTheOriginOfTheTemporaryDirectory) {
     EXPECT_STREQ("from environment variable TRVTMPDIR", origin);
 }
 
-TEST_F(Variables, OfPathsTellWhereTheirValueCameFrom) {
+TEST_F(Variables, OfPathsReportWhereTheirValueCameFrom) {
     store_.path("TRV_TEST_F = v", "a.cfg", 12);
     store_.path("TRV_TEST_S = v");
     EXPECT_EQ("from 'a.cfg' line 12", pathOrigin("TRV_TEST_F"));

@@ -80,7 +80,7 @@ TEST_F(WorkZone, GivesAnUnreadableCounterTheNumberOne) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, TakesTheNumberOfAKnownZoneAsItStands) {
+TEST_F(WorkZone, TakesTheNumberOfAKnownZoneUnchanged) {
     const auto find = [] {
         const ZoneInstallation installation;
         installation.write("zone/workzone.num", "1a   \n");
@@ -111,7 +111,7 @@ TEST_F(WorkZone, KeepsLeadingBlanksOfTheNumber) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, TakesBlanksForAnEmptyNumber) {
+TEST_F(WorkZone, TreatsBlanksAsAnEmptyNumber) {
     const auto find = [] {
         const ZoneInstallation installation;
         installation.write("zone/workzone.num", "   \n");
@@ -204,7 +204,7 @@ TEST_F(WorkZone, TakesTheCounterBelowTheRootWithoutTrvConf) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, TakesTheCounterBelowTheRootWhereTrvConfDoesNotExpand) {
+TEST_F(WorkZone, TakesTheCounterBelowTheRootIfTrvConfDoesNotExpand) {
     const auto find = [] {
         const ZoneInstallation installation("TRVCONF = $(TRVHOME\n");
         installation.write("client/trvconf/workzone.num", "1\n");
@@ -235,7 +235,7 @@ TEST_F(WorkZone, TakesAZoneFileAndACounterWithPathsOf511Characters) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, TakesTheCounterBelowTheRootWhereThePathOfTrvConfHas512Characters) {
+TEST_F(WorkZone, TakesTheCounterBelowTheRootIfThePathOfTrvConfHas512Characters) {
     if (platform::backslash_separates()) GTEST_SKIP() << "paths of Windows end at 260 characters";
     const auto find = [] {
         const ZoneInstallation installation;
@@ -306,7 +306,7 @@ TEST_F(WorkZone, IsADirectoryWithAPathOf523CharactersAndNoLongerOne) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, TracesNothingWhereNobodyListens) {
+TEST_F(WorkZone, TracesNothingWithoutAListener) {
     const auto find = [] {
         const ZoneInstallation installation("");
         installation.write("client/trvconf/workzone.num", "1\n");
@@ -315,7 +315,7 @@ TEST_F(WorkZone, TracesNothingWhereNobodyListens) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, ReportsAMissingRootWhereItIsNeeded) {
+TEST_F(WorkZone, ReportsAMissingRootIfItIsNeeded) {
     const auto find = [] {
         const ZoneInstallation installation("");
         const ChannelLog log;
@@ -401,7 +401,7 @@ TEST_F(WorkZone, ReportsACounterThatIsMissingOrEmpty) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
-TEST_F(WorkZone, LosesANumberWhereTheZonesFileCannotBeCreated) {
+TEST_F(WorkZone, LosesANumberIfTheZonesFileCannotBeCreated) {
     const auto find = [] {
         const ZoneInstallation installation;
         const ChannelLog log;
@@ -477,7 +477,7 @@ bool permissionsCount() {
     return static_cast<bool>(denied);
 }
 
-TEST_F(WorkZone, TakesADeniedDirectoryForMade) {
+TEST_F(WorkZone, TreatsADeniedDirectoryAsMade) {
     if (!permissionsCount()) GTEST_SKIP() << "permissions mean nothing to this user";
     const auto find = [] {
         const ZoneInstallation installation;
@@ -615,7 +615,7 @@ TEST_F(WorkZone, EndsTheProcessWithAnEmptyZoneFile) {
     TRV_EXPECT_FATAL(find, "Error reading file '.\\zone\\workzone.num'\n\n");
 }
 
-TEST_F(WorkZone, EndsTheProcessWhereTheDirectoryCannotBeMade) {
+TEST_F(WorkZone, EndsTheProcessIfTheDirectoryCannotBeMade) {
     const auto find = [] {
         findWithoutReturn([](const Installation& installation) {
             std::filesystem::remove(installation.file("temporary"));

@@ -48,7 +48,7 @@ protected:
     testing::ChannelLog log_;
 };
 
-TEST_F(ZoneNumber, IsReadAsItStandsWithoutTrailingBlanks) {
+TEST_F(ZoneNumber, IsReadUnchangedWithoutTrailingBlanks) {
     write("1a  \t\r\n");
     EXPECT_EQ(read_zone_number(path().c_str()), "1a");
     write("  not a number");
@@ -108,7 +108,7 @@ TEST_F(ZoneNumber, StartsAnewAfterTheLargestCounter) {
     EXPECT_EQ(numberAfter("-ffffffff\n"), "00000002");
 }
 
-TEST_F(ZoneNumber, TakesACounterThatIsNoNumberForZero) {
+TEST_F(ZoneNumber, TreatsACounterThatIsNotANumberAsZero) {
     EXPECT_EQ(numberAfter("xyz\n"), "00000001");
     EXPECT_EQ(numberAfter("\n"), "00000001");
     EXPECT_EQ(numberAfter("0x\n"), "00000001");

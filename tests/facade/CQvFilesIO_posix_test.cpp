@@ -82,7 +82,7 @@ TEST_F(FacadeOnPosix, DoesNotFindAPipeThatItMayNotRead) {
 
 // If the pipe were opened and closed, it would lose its only reader, and a signal would end its
 // writer.
-TEST_F(FacadeOnPosix, LeavesAPipeToItsReaderWhenAskedAboutIt) {
+TEST_F(FacadeOnPosix, LeavesAPipeToItsReaderInAQuery) {
     ASSERT_EQ(files_.writeAxis(L"axis", identity, 4, 5, 6), eFileIOSuccess);
     ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_TRUE(endsSoon([this] {

@@ -111,7 +111,7 @@ TEST_F(FileListing, HoldsMoreEntriesThanItGrowsByAtATime) {
     EXPECT_EQ(listed(in("/*")), expected);
 }
 
-TEST_F(FileListing, LiesInTemporaryBlocks) {
+TEST_F(FileListing, IsInTemporaryBlocks) {
     makeFiles({"x"});
     ASSERT_EQ(storage(), "data base memory : 0/0");
     file_listing* const listing = list_matching(in("/*").c_str());

@@ -165,7 +165,7 @@ TEST_F(LineSource, ASizeOfTwoReadsOneCharacterOfEachLine) {
     EXPECT_EQ(line(), "d");
 }
 
-TEST_F(LineSource, ReadsNothingWithoutRoomButCountsTheLine) {
+TEST_F(LineSource, ReadsNothingWithoutSpaceButCountsTheLine) {
     CL8BFile& source = open("one\n");
     char room = '~';
     EXPECT_EQ(source.readLine(nullptr, 1024), 0U);
