@@ -19,8 +19,8 @@
 namespace trv::fuzz {
 namespace {
 
-// A second implementation of the rules, with one call for each value. It gives up long before the
-// limits of the library.
+// A second implementation of the rules, with one call for each value. Its limits are far below
+// those of the library.
 class PlainExpander {
 public:
     /// @return the status; empty if the result is too long for this expander
@@ -116,10 +116,10 @@ void requireBuffersAgree(const std::string& text, int code, const std::string& r
     require(endsInBlank || (fieldCode == code && field == path + "   "),
             "a field is filled up with blanks");
 
-    const std::size_t room = std::max(text.size(), result.size()) + 1;
+    const std::size_t size = std::max(text.size(), result.size()) + 1;
     std::string place = text;
-    place.resize(room);
-    require(_ExpandText(place.data(), static_cast<std::int32_t>(room)) == code &&
+    place.resize(size);
+    require(_ExpandText(place.data(), static_cast<std::int32_t>(size)) == code &&
                 result == place.c_str(),
             "a text expands in its own buffer");
 }

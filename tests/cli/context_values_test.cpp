@@ -41,7 +41,7 @@ TEST(ContextValues, ReportsWhyATextChanges) {
               "the local code page lacks one of its characters");
 }
 
-// What is predicted is what a file does.
+// The prediction is compared with a file.
 TEST(ContextValues, PredictsEveryRoundTrip) {
     const testing::TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
@@ -97,7 +97,7 @@ TEST(ContextValues, DistinguishesRoundingFromLoss) {
         EXPECT_FALSE(comesBack(value));
 }
 
-// What is predicted is what a file does.
+// The prediction is compared with a file.
 TEST(ContextValues, PrintsWhatAFileGivesBack) {
     const testing::TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());

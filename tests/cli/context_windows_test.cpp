@@ -32,10 +32,10 @@ TEST_F(ContextCommandOnWindows, TreatsTextAfterCtrlZAsLost) {
 
 TEST_F(ContextCommandOnWindows, TreatsTextAfterCtrlZOfASetFieldAsLost) {
     const QStringList newFields(QStringLiteral("header.name"));
-    const cli::RewriteLoss behind = loss("[header]\r\nname=x\x1A\r\ncomment=c\r\n", newFields);
-    EXPECT_EQ(behind.line, 3);
-    EXPECT_EQ(behind.lineText.toStdString(), "comment=c");
-    EXPECT_EQ(behind.reason.toStdString(), "");
+    const cli::RewriteLoss after = loss("[header]\r\nname=x\x1A\r\ncomment=c\r\n", newFields);
+    EXPECT_EQ(after.line, 3);
+    EXPECT_EQ(after.lineText.toStdString(), "comment=c");
+    EXPECT_EQ(after.reason.toStdString(), "");
     EXPECT_EQ(loss("[header]\r\nname=x\x1Ay", newFields).line, 0);
 }
 

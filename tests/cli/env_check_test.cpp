@@ -65,7 +65,7 @@ TEST_F(EnvCheck, ReportsFilesThatCannotBeRead) {
               "shop: not a regular file\n");
 }
 
-// A pipe that nobody writes to would be waited for without end.
+// Opening a pipe without a writer would never return.
 TEST_F(EnvCheck, RefusesFilesThatAreNotRegular) {
     if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
     EXPECT_EQ(run({"check", "pipe", "/dev/zero", "shop/texts/messages.msg"}), 1);

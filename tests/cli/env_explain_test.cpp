@@ -311,8 +311,8 @@ TEST_F(EnvExplain, CountsInJsonWhatItLeavesOut) {
     EXPECT_EQ(count("\n  ... 3 more; --all shows them\n"), 1) << out();
 }
 
-// The time of a walk that resolves every definition anew grows with the third power: several
-// minutes, after which the process is given up.
+// A walk that resolves every definition anew takes time for the third power of their number:
+// several minutes, after which the process is killed.
 TEST_F(EnvExplain, ShowsALongHistoryOnRequest) {
     writeHistory("A = +", 6000);
     EXPECT_EQ(run({"explain", "--all", "A"}), 0);

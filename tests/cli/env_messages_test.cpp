@@ -77,7 +77,7 @@ TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
               "trvfiles: load_messages: file 'a.msg', line 0 : Error loading file.\n");
 }
 
-// A pipe that nobody writes to would be waited for without end.
+// Opening a pipe without a writer would never return.
 TEST_F(EnvMessages, RefusesFilesThatAreNotRegular) {
     if (!makePipe("pipe")) GTEST_SKIP() << "there are no named pipes here";
     EXPECT_EQ(run({"messages", "--json", "pipe"}), 2);

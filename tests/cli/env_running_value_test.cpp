@@ -96,7 +96,7 @@ TEST(RunningValue, ReportsWhatExtends) {
 }
 
 TEST(RunningValue, DoesNotFollowReferencesWrittenByHand) {
-    // One that the first definition holds, and one that two of them make up.
+    // A reference in the first definition, and one that two definitions form together.
     EXPECT_EQ(DefinedVariable({"+(00000000)"}).afterAll().state(), State::unknown);
     EXPECT_EQ(DefinedVariable({"+(0000", "+0000)"}).afterAll().state(), State::unknown);
     EXPECT_EQ(DefinedVariable({"+(00000000)", "+ x"}).afterAll().state(), State::unknown);
@@ -174,7 +174,7 @@ TEST(RunningValue, EndsIfTheRuntimeTakesNoLongerValue) {
     // A "++" is two characters until it is resolved.
     EXPECT_EQ(stateOf({std::string(limit - 2, '+'), "y+z"}), State::known);
     EXPECT_EQ(stateOf({std::string(limit, '+'), "y+z"}), State::beyondLimits);
-    // What has been resolved is as long as it has become.
+    // The resolved part counts with its resolved length.
     EXPECT_EQ(stateOf({std::string(limit / 2, '+'), "+", "+ +"}), State::known);
     EXPECT_EQ(stateOf({std::string(limit / 2, '+'), "+,+", "+,+"}), State::beyondLimits);
     EXPECT_EQ(stateOf({std::string(limit + 1, 'x')}), State::known);

@@ -24,8 +24,8 @@ inline std::string replaced(std::string text, const std::string& from, const std
     return text;
 }
 
-/// Gives a root that is no more than the value of TRVHOME its "/": alone, before "/", and in the
-/// name of the file that is loaded first.
+/// Replaces "\opt\shop" by "/opt/shop" if the text is the value of TRVHOME itself: if no "\"
+/// follows, and in the name of the file that is loaded first.
 inline std::string withSlashesInTrvhome(const std::string& text, const std::string& separator) {
     const std::string root = separator + "opt" + separator + "shop";
     const std::string homeFile = separator + "config" + separator + "environ.cfg";
@@ -41,8 +41,8 @@ inline std::string withSlashesInTrvhome(const std::string& text, const std::stri
     return result + text.substr(done);
 }
 
-/// A text in which the root of an installation reads "/opt/shop", or "\opt\shop" where it stands
-/// with "\", in JSON with two of them. On Windows TRVHOME has "\" as well.
+/// The text with the root of the installation replaced by "/opt/shop". A root with "\" becomes
+/// "\opt\shop", in JSON "\\opt\\shop". On Windows TRVHOME has "\" as well.
 inline std::string asAtOptShop(std::string text, const std::string& root) {
     const std::string json = replaced(backslashed(root), "\\", "\\\\");
     text = replaced(text, json, "\\\\opt\\\\shop");
@@ -95,7 +95,7 @@ protected:
         writeBytes(directory_ / name, text);
     }
 
-    /// @return whether it is made; there are no named pipes in the file system of Windows
+    /// @return whether it was created; the file system of Windows has no named pipes
     bool makePipe(const char* name) {
         return process_.start(QStringLiteral("mkfifo"), {QString::fromLatin1(name)}) == 0;
     }
@@ -107,7 +107,7 @@ protected:
         return process_.run(list);
     }
 
-    /// What was printed, as if the installation stood in /opt/shop.
+    /// The output, as if the installation were in /opt/shop.
     std::string out() const { return asAtOptShop(process_.out(), root()); }
     std::string err() const { return asAtOptShop(process_.err(), root()); }
 

@@ -20,8 +20,8 @@
 #include <utility>
 #include <vector>
 
-// Most tests stand on an environment that is loaded already: section `var` defines ROOT, the
-// directory of the test, and section `path` defines CFG = $ROOT/cfg.
+// Most tests use an environment that is loaded already: section `var` defines ROOT, the directory
+// of the test, and section `path` defines CFG = $ROOT/cfg.
 
 namespace trv {
 namespace {
@@ -78,7 +78,7 @@ protected:
         return "Overloading '" + path(name) + "'\n";
     }
 
-    /// The trace lines that tell which files are merged.
+    /// The trace lines that name the merged files.
     std::vector<std::string> overloaded() const {
         std::vector<std::string> lines;
         for (const std::string& line : log_.traces()) {
@@ -202,10 +202,10 @@ TEST_F(ConfigurationLoader, KeepsTheStoreIfAFileIsAborted) {
 }
 
 TEST_F(ConfigurationLoader, TakesPathsOfUpTo511Characters) {
-    // Every directory of the way down is short, so that the system takes them all.
-    const std::size_t room = 511 - directory_.text().size() - sizeof "/m.cfg" + 1;
+    // The name of each directory is short enough for the system.
+    const std::size_t maxLength = 511 - directory_.text().size() - sizeof "/m.cfg" + 1;
     std::string below;
-    while (below.size() < room)
+    while (below.size() < maxLength)
         below += below.size() % 50 == 0 ? '/' : 'd';
     if (below.back() == '/') below.back() = 'd';
     write(below.substr(1) + "/m.cfg", "[s]\nA = 1\n");
@@ -390,7 +390,7 @@ TEST_F(ConfigurationLoader, FillsTheCatalogueFromAPathThatAHandlerOverwrites) {
     EXPECT_STREQ(get_catalogue_parameter("s", "B"), "2");
 }
 
-// The path lies in the store that the file is merged into, and moves while it is.
+// The path is a text of the store that the file is merged into, and moves during the merge.
 TEST_F(ConfigurationLoader, MergesAFileWhosePathIsInTheStore) {
     std::string text = "[s]\n";
     for (int i = 0; i < 1000; ++i)

@@ -9,8 +9,8 @@
 
 namespace trv::testing {
 
-/// Puts a store of the test's own, with the sections `var` and `path`, in the place of the one that
-/// a lookup would load.
+/// Replaces the store that a lookup would load by a store of the test, with the sections `var` and
+/// `path`.
 class ConfiguredStore {
 public:
     ConfiguredStore() : store_(create_store()), earlier_(loaded_stores.environment) {

@@ -17,7 +17,7 @@
 #include <system_error>
 #include <vector>
 
-// The start-up happens once in a process, so each test runs in one of its own.
+// The start-up happens once in a process, so each test runs in its own process.
 
 namespace trv {
 namespace {
@@ -341,7 +341,7 @@ TEST_F(EnvironmentStart, SendsFatalReportsToStandardErrorWhileEchoIsOn) {
     TRV_EXPECT_FATAL(start, "Error loading 'no_such_root\\config\\environ.cfg'\n\n");
 }
 
-// Flags after each way out
+// Flags after each outcome
 
 TEST_F(EnvironmentStart, RestoresTheEchoFlagAfterFailures) {
     const auto start = [] {

@@ -11,7 +11,7 @@
 
 #include <string>
 
-// The start-up happens once in a process, so each test runs in one of its own.
+// The start-up happens once in a process, so each test runs in its own process.
 
 namespace trv {
 namespace {

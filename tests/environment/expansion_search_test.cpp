@@ -141,7 +141,7 @@ TEST_F(ExpansionSearch, GrowsItsBufferToWhatIsFound) {
     EXPECT_EQ(path("b/x.t"), found_);
 }
 
-// The buffer belongs to the process: in one of its own it has its first size.
+// The process shares one buffer. In a new process it has its initial size.
 TEST_F(ExpansionSearch, TriesAgainWithTwiceTheBufferUpToOneMebibyte) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     TRV_EXPECT_IN_CHILD([&] {

@@ -32,7 +32,7 @@ using testing::ConfiguredStore;
 using testing::ScopedVariable;
 using testing::TemporaryDirectory;
 
-// A log line without its clock text, which every test run sees differently.
+// A log line without its time.
 std::string withoutClock(const std::string& line) {
     return line.substr(std::min(line.find("] "), line.size()));
 }
@@ -50,8 +50,8 @@ std::string clockText(std::time_t instant) {
     return text;
 }
 
-// The names are read once in a process, so that each test has a child process; parent and child
-// meet in a directory whose name the child inherits.
+// The names are read once in a process, so each test runs in a child process. The child inherits
+// the name of the directory from its parent.
 class ExpansionWatch : public testing::ChildProcessTest {
 protected:
     ExpansionWatch() {
@@ -133,7 +133,7 @@ TEST_F(ExpansionWatch, LogsTheTimeOfEachLine) {
     });
 }
 
-// What is shared between the threads is seen by the thread sanitizer.
+// The thread sanitizer checks the data that the threads share.
 TEST_F(ExpansionWatch, LogsForSeveralThreadsAtOnce) {
     TRV_EXPECT_IN_CHILD([&] {
         minimum("100");
@@ -293,7 +293,7 @@ TEST_F(ExpansionWatch, SplitsTheWatchListAtBlanksBarsAndSemicolons) {
     TRV_EXPECT_IN_CHILD([&] {
         minimum("100");
         platform::set_environment("TRV_EXPAND_WATCH", "; a b|c;;d |");
-        // None of the separators, and no empty piece, is looked for.
+        // Separators and empty pieces are not searched.
         watch_buffer_size(" |;|; e", 50, STRING_FORMAT_F);
         watch_buffer_size("", 50, STRING_FORMAT_F);
     });

@@ -1,4 +1,4 @@
-// What somebody else puts under the name of a replacement's temporary file, and who waits for whom.
+// Foreign files under the name of a replacement's temporary file, and the order of several savers.
 
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
@@ -92,7 +92,7 @@ TEST_F(ObstacleToAReplacement, AFileWithoutRightsIsRemoved) {
     for (const mode_t mode : {0U, 0200U, 0400U, 0600U}) {
         writeBytes(temporary(), "left behind");
         ASSERT_EQ(::chmod(temporary().c_str(), mode), 0);
-        // A file that cannot be opened is a holder's for so long.
+        // A file that cannot be opened counts as held for this time.
         std::this_thread::sleep_for(shortly);
         expectSaved();
         EXPECT_EQ(modeOf(target()) & 0600U, 0600U) << mode;
@@ -148,7 +148,7 @@ TEST_F(ObstacleToAReplacement, AFreshFileThatCannotBeOpenedIsWaitedFor) {
 
 using LockOfAReplacement = ReplacementOnLinux;
 
-/// A child process that holds the target's temporary file until it is told to end, or killed.
+/// A child process that holds the target's temporary file until it is asked to end or killed.
 class Holder {
 public:
     explicit Holder(const fs::path& target) {
@@ -266,7 +266,7 @@ TEST_F(LockOfAReplacement, IsOmittedIfTheFileSystemHasNone) {
         EXPECT_TRUE(passesInChild([&] {
             ASSERT_TRUE(testing::refuseSystemCalls({SYS_flock}, reason));
             expectSaved();
-            // What has just been left behind may be another saver's.
+            // A file that has just been left may belong to another saver.
             writeBytes(temporary(), "left behind");
             EXPECT_EQ(replace(target(), "newer"), 0);
             EXPECT_EQ(bytesOf(target()), "newer");

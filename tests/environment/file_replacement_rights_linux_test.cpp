@@ -1,4 +1,4 @@
-// Whose a replaced file is, and who may read and write it.
+// Owner, group and permissions of a replaced file.
 
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
@@ -46,7 +46,7 @@ TEST_F(RightsOfAReplacement, OfANewFileAreWhatTheMaskLeaves) {
     const mode_t earlier = ::umask(027);
     expectSaved();
     EXPECT_EQ(modeOf(target()), 0640U);
-    // Also where a killed process has left a file with other rights.
+    // Also if a killed process has left a file with other permissions.
     fs::remove(target());
     writeBytes(temporary(), "left behind");
     ASSERT_EQ(::chmod(temporary().c_str(), 0666), 0);
@@ -129,7 +129,7 @@ TEST_F(RightsOfAReplacement, ThatCannotBeSetFailTheSave) {
     EXPECT_THAT(files(), ElementsAre("f"));
 }
 
-/// An attribute of a file, or what the system says in its place.
+/// An attribute of a file, or the error text of the system.
 std::string attributeOf(const fs::path& path, const char* name) {
     char value[256];
     const ssize_t length = ::getxattr(path.c_str(), name, value, sizeof value);

@@ -29,7 +29,7 @@ public:
         platform::set_environment("TRVHOME", root().c_str());
     }
 
-    /// The root as it stands in TRVHOME, with the system's separators.
+    /// The value of TRVHOME: the root with the separators of the system.
     std::string root() const { return directory_.path().string(); }
 
     /// A path in the installation as the runtime writes it.

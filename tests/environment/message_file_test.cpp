@@ -177,7 +177,7 @@ TEST_F(MessageFile, LeavesTheStoreAsItIsIfThereIsNoFile) {
 }
 
 TEST_F(MessageFile, ReportsAFileThatCannotBeRead) {
-    // Its first page is no memory of any process.
+    // Its first page is never mapped, so reading it fails.
     const char* const unreadable = "/proc/self/mem";
     if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "every file that opens can be read";
     const std::string before = storageInUse();

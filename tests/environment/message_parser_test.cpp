@@ -19,7 +19,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// The lines of a text, the newline of each counted.
+/// The lines of a text, each with its newline.
 class TextLines : public VCL8BLineSource {
 public:
     explicit TextLines(std::string text) : text_(std::move(text)) {}
@@ -80,7 +80,7 @@ protected:
         return load_messages(store_, lines, "a.cfg", section, entry);
     }
 
-    /// The entries of a text that opens with a section of its own, on line 1.
+    /// The entries of a text. A section header is added as line 1.
     std::vector<std::string> entries(const std::string& text) {
         taken.clear();
         EXPECT_EQ(parse("[s]\n" + text), 0);
@@ -346,7 +346,7 @@ TEST_F(MessageParser, CutsALongCommentWithoutLosingTheNextLine) {
     EXPECT_THAT(entries("A #" + std::string(5000, 'c') + "\nB\n"), ElementsAre("2:A ", "3:B"));
 }
 
-// Giving up
+// Aborting
 
 TEST_F(MessageParser, EndsIfTheSectionCallbackRefuses) {
     EXPECT_EQ(parse("[s]\nA\n", [](message_store*, const char*) { return -1; }), 0);

@@ -57,8 +57,8 @@ TEST_F(StoreEntries, AreFoundByTheirTrimmedNamesAndGiveTheirTrimmedValues) {
     EXPECT_EQ(value("TWO WORDS"), "2");
 }
 
-// Two names that share a hash. Which ones differs from process to process; a hash of 32 bits takes
-// some 80,000 names to find them.
+// Two names that share a hash. They differ from process to process. With a hash of 32 bits some
+// 80,000 names are needed to find them.
 std::pair<std::string, std::string> namesOfOneHash(std::uint32_t (*hash)(std::string_view)) {
     std::unordered_map<std::uint32_t, std::string> names;
     for (int number = 0;; ++number) {

@@ -1,4 +1,4 @@
-// Inputs with which a store must not take longer and longer: the work grows as the input does.
+// Inputs that are chosen to slow a store down. The time must not grow faster than n log n.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/growth.h>
@@ -73,7 +73,7 @@ TEST(MessageStoreGrowth, OfReplacingEqualNamesIsThatOfTheirNumber) {
     }
 }
 
-// Each is the first of its name when it is removed.
+// Each entry is the first of its name when it is removed.
 void fillWithDeleted(message_store* store, int count) {
     fill(store, count, "none");
     for (int number = count - 1; number >= 0; --number) {

@@ -26,10 +26,10 @@ using testing::StoreModel;
 using testing::TemporaryDirectory;
 using testing::textOf;
 
-// The offset of the first text of a store: behind its record.
+// The offset of the first text of a store, which is after its record.
 constexpr std::int32_t anchorOffset = 12;
 
-// A store and its model, which are told the same.
+// A store and its model, which get the same calls.
 class Pair {
 public:
     // The first text of the store, at a known offset, by which the offsets of others are found.
@@ -143,7 +143,7 @@ public:
         ASSERT_EQ(textOf(path), model_.saveMessages());
     }
 
-    // Plainly, so that each line is a new message, or merging.
+    // If `merge` is false, each line becomes a new message.
     void load(const std::string& path, bool merge) {
         std::ifstream lines(path);
         int number = 0;
@@ -271,7 +271,7 @@ TEST(MessageStoreModel, AgreesThroughAHundredThousandOperationsAndEachSaveAndRel
         loaded->load(path, parameters);
         ASSERT_NO_FATAL_FAILURE(loaded->compareAll());
         ASSERT_FALSE(::testing::Test::HasFailure()) << "operation " << operation;
-        // Every few saves, what was loaded is played on with.
+        // After every few saves the test continues with the loaded store.
         if (operation % (5 * operationsPerSave) == 0 && loaded->sections() > 1)
             pair = std::move(loaded);
     }

@@ -42,7 +42,7 @@ public:
     StorageCap& operator=(const StorageCap&) = delete;
 };
 
-// All that a host can see of a store.
+// Everything that a host can read from a store.
 using Picture = std::vector<std::pair<std::string, std::vector<std::string>>>;
 Picture pictureOf(const message_store* store) {
     Picture picture;
@@ -137,7 +137,8 @@ TEST(MessageStoreStorage, ThatRunsOutAtAnyAllocationChangesNothing) {
         const std::string name = "N" + std::to_string(entry);
         const std::string text = name + " = " + std::to_string(entry);
         int result = -1;
-        // From no spare byte on, each of the blocks that have to grow is refused in turn.
+        // Starts without a spare byte, so that each of the blocks that have to grow is refused in
+        // turn.
         for (std::uint64_t spare = 0; result != 0; spare = 2 * spare + 256) {
             const StorageCap cap(spare);
             result = set_variable(store, 0, text.c_str());
@@ -251,8 +252,8 @@ TEST(MessageStoreStorage, IsFoundForAnEmptyStoreWhateverTheMaximum) {
     EXPECT_TRUE(log.errors().empty());
 }
 
-// A block of this size has pages of its own, which go when it moves: a text that was still read
-// from the earlier place would end the process.
+// A block of this size has its own pages, which are unmapped when it moves. Reading a text from the
+// old address would end the process.
 TEST(MessageStoreStorage, MovesWhileItTakesATextOfItsOwn) {
     const Store stores[2];
     const std::string text(200000, 'x');

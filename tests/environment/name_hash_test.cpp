@@ -13,7 +13,8 @@
 namespace trv {
 namespace {
 
-// How many different hashes 32,768 names have. Of 32 bits, two names in eight sets share one.
+// How many different hashes 32,768 names have. With 32 bits, two names of one such set share a hash
+// with a probability of about 1 in 8.
 template <class NameOf>
 std::size_t differentHashes(std::uint32_t (*hash)(std::string_view), NameOf nameOf) {
     std::set<std::uint32_t> hashes;
@@ -43,7 +44,7 @@ TEST(NameHash, IsThatOfTheSameNameOnly) {
     EXPECT_EQ(hashes.size(), 100U + 99 * 100 / 2);
 }
 
-// The last characters of two names may make up for the difference of their lengths.
+// The last characters of two names may compensate for the difference of their lengths.
 TEST(NameHash, DistinguishesNamesOfDifferentLengths) {
     std::set<std::uint32_t> hashes;
     std::size_t names = 0;
@@ -141,7 +142,7 @@ TEST(NameHash, SpreadsItsLowestBitsWhichChooseTheBucket) {
     std::set<std::uint32_t> buckets;
     for (int number = 0; number < 32768; ++number)
         buckets.insert(hash_name("SETTING_" + std::to_string(number)) % 32768);
-    // Of a random choice, 63 % are met.
+    // A random choice hits 63 % of them.
     EXPECT_GT(buckets.size(), 20000U);
     EXPECT_LT(buckets.size(), 21500U);
 }

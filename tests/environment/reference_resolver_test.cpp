@@ -23,8 +23,8 @@ using ::testing::StartsWith;
 using testing::Store;
 using testing::valueOf;
 
-// In a store without file names the first text stands at 0000000C, behind its record of twelve
-// bytes. Texts take a multiple of four bytes each: "A = 1" eight, so the next one is at 00000020.
+// In a store without file names the first text is at 0000000C, after its record of twelve bytes.
+// Texts take a multiple of four bytes each: "A = 1" eight, so the next one is at 00000020.
 class References : public ::testing::Test {
 protected:
     References() { add_section(store, "var"); }
@@ -102,7 +102,8 @@ TEST_F(References, ToAnythingButTheStartOfATextAreBad) {
     add("A = 1");
     add("B = +(00000018)");
     EXPECT_EQ(value("B"), "1");
-    // The file name, the record, the middle and the end of A, what is behind it, and beyond.
+    // The file name, the record, the middle and the end of A, offsets after it, and offsets outside
+    // of the pool.
     for (const char* bad : {"00000000", "00000004", "0000000C", "00000017", "00000019", "0000001D",
                             "0000001E", "00010000", "7FFFFFFF", "80000000", "FFFFFFFF"}) {
         const std::string name = "at " + std::string(bad);
@@ -133,7 +134,7 @@ TEST_F(References, MayBeginWhereAnInsertedTextEnds) {
     add("D = +(00000020)+y");
     EXPECT_EQ(value("D"), "x+y");
     add("E = +(00000020)(00000034)");
-    // The sign stands in B, which lies before C.
+    // The "+" is in B, which is before C.
     EXPECT_EQ(value("E"), "x$(TRVNULL)(00000034)");
 }
 

@@ -39,7 +39,7 @@ protected:
                               file_replacement::existing::replaced, shortly);
         return held.write_and_replace(text);
     }
-    /// Expects that nothing under the name of the temporary file keeps a text from being saved.
+    /// Expects that a text is saved, whatever has the name of the temporary file.
     void expectSaved() const {
         EXPECT_EQ(replace(target(), "new"), 0);
         EXPECT_EQ(bytesOf(target()), "new");

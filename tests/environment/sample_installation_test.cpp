@@ -12,7 +12,7 @@
 
 #include <string>
 
-// What the README of the sample installation says of it.
+// Checks what the README of the sample installation says.
 
 namespace trv {
 namespace {

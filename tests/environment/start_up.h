@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What a start-up says, and what its tests look at.
+/// The messages of a start-up, and helpers for its tests.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>

@@ -20,13 +20,13 @@ struct StoreDestroyer {
 class Store : public std::unique_ptr<message_store, StoreDestroyer> {
 public:
     Store() : unique_ptr(create_store()) {}
-    // NOLINTNEXTLINE(google-explicit-constructor): stands wherever a store does.
+    // NOLINTNEXTLINE(google-explicit-constructor): usable like a plain pointer to a store.
     operator message_store*() const { return get(); }
 };
 
 constexpr std::int32_t byProgram = -1;
 
-/// The record of a text, which stands directly before it.
+/// The record of a text, which is directly before it.
 inline const text_record& recordOf(const char* text) {
     return *(reinterpret_cast<const text_record*>(text) - 1);
 }
@@ -53,7 +53,7 @@ inline std::string originOf(const message_store* store, const char* text) {
     return describe_origin(buffer, sizeof buffer, store, text) == 0 ? buffer : "<none>";
 }
 
-/// Loads a file into a store in the plainest way: no comments and no directives. A header adds a
+/// Loads a file into a store in the simplest way: without comments and directives. A header adds a
 /// section or, when the file is merged, finds it; an entry is added or, merged, set by its name.
 inline void loadPlainly(message_store* store, const std::string& path, bool merge) {
     const std::int32_t file = register_file_name(store, path.c_str());

@@ -10,10 +10,10 @@
 
 namespace trv::testing {
 
-/// What a store has to do, in the plainest way: every lookup walks, every text is a string.
+/// The simplest implementation of a store: every lookup is a walk, every text is a string.
 ///
-/// The model takes the offset of each text from the store under test, because references name
-/// texts by it; all else it works out by itself.
+/// The model takes the offset of each text from the store under test, because references name texts
+/// by it. Everything else it computes itself.
 class StoreModel {
 public:
     static constexpr int none = -1;
@@ -88,7 +88,7 @@ public:
         slots(section)[static_cast<std::size_t>(number)] =
             add(withReferences(text, texts[static_cast<std::size_t>(old)].offset), file, line, old);
     }
-    /// The number of the entry that was set, or `none` where the text is no entry.
+    /// The number of the entry that was set, or `none` if the text is not an entry.
     int setParameter(int section, const std::string& text, const std::string& file, int line) {
         const std::string entry = skipBlanks(text);
         if (!isEntry(entry)) return none;

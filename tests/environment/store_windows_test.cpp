@@ -1,4 +1,4 @@
-// Stores, configuration and lookups where files and the environment are those of Windows.
+// Stores, configuration and lookups with the files and the environment of Windows.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>

@@ -1,4 +1,4 @@
-// Saves that the system breaks off: a full disk, a step that fails, a process that is killed.
+// Saves that fail or are interrupted: a full disk, a step that fails, a process that is killed.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
@@ -205,7 +205,7 @@ TEST_P(KilledSave, AtAnySystemCallLeavesTheOldFileOrTheNewOneWhole) {
         const std::string found = bytesOf(target());
         ASSERT_TRUE(found == oldText || found == newText) << "killed at step " << step;
         ++(found == oldText ? old : replaced);
-        // What a killed save left behind is in nobody's way.
+        // The files of a killed save do not disturb the next one.
         if (step % 4 == 0) {
             TRV_EXPECT_IN_CHILD([&] { EXPECT_EQ(save(), 0); });
             ASSERT_EQ(bytesOf(target()), newText);

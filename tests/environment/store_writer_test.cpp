@@ -66,7 +66,7 @@ protected:
         return names;
     }
 
-    // Until what is left of the pool's block cannot take a file name either.
+    // Adds texts until the rest of the pool's block is too small for a file name.
     void fillUp() {
         const ChannelLog refusals;
         int result = 0;

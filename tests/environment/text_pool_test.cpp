@@ -70,19 +70,19 @@ TEST(TextPool, KeepsOffsetsRecordsAndNamesWhileItGrows) {
     }
 }
 
-// The room is promised, not filled: it takes addresses rather than memory.
+// The space is reserved, not filled: it takes addresses, but no memory.
 TEST(TextPool, HoldsTwoGigabytesAtMost) {
     constexpr std::size_t around = 16;  // a record and its alignment
-    constexpr std::size_t most = (std::size_t{1} << 31) - 1024 - around;
+    constexpr std::size_t maxSize = (std::size_t{1} << 31) - 1024 - around;
     text_pool pool;
     const std::int32_t text = add(pool, "text");
-    EXPECT_THROW(pool.reserve_texts(1, most), std::bad_alloc);
+    EXPECT_THROW(pool.reserve_texts(1, maxSize), std::bad_alloc);
     EXPECT_THROW(pool.reserve_texts(1, std::size_t{1} << 40), std::bad_alloc);
     EXPECT_EQ(add(pool, "next"), text + 20);
     const std::size_t used = 12 + 8 + 12 + 8;
-    pool.reserve_texts(1, most - used);
+    pool.reserve_texts(1, maxSize - used);
     EXPECT_STREQ(pool.at(text), "text");
-    EXPECT_THROW(pool.reserve_texts(1, most - used + 1), std::bad_alloc);
+    EXPECT_THROW(pool.reserve_texts(1, maxSize - used + 1), std::bad_alloc);
     EXPECT_EQ(add(pool, "last"), text + 40);
 }
 

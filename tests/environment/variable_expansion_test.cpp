@@ -256,7 +256,8 @@ TEST_F(VariableExpansion, GivesAResultOfSixteenMebibytesAndNoMore) {
     EXPECT_EQ((Outcome{-42, ""}), expanded(longest + "$A "));
 }
 
-// Whatever the room that a result has grown out of when a reference or the end comes.
+// The lengths cover every fill level of the internal buffer of 256 bytes when a reference or the
+// end comes.
 TEST_F(VariableExpansion, PutsTogetherResultsOfAnyLength) {
     store_.variable("A = xy");
     store_.variable("B = <$A>");
@@ -274,19 +275,19 @@ TEST_F(VariableExpansion, PutsTogetherResultsOfAnyLength) {
 }
 
 TEST_F(VariableExpansion, HoldsSixteenMebibytesOfOpenValuesAndNoMore) {
-    const std::string behind((std::size_t{1} << 20) - std::string_view("$V10").size(), '-');
+    const std::string tail((std::size_t{1} << 20) - std::string_view("$V10").size(), '-');
     for (int i = 10; i < 26; ++i)
-        store_.variable("V" + std::to_string(i) + " = $V" + std::to_string(i + 1) + behind);
+        store_.variable("V" + std::to_string(i) + " = $V" + std::to_string(i + 1) + tail);
     store_.variable("V26 = y");
-    EXPECT_EQ(1 + 16 * behind.size(), expanded("$V10").text.size());
+    EXPECT_EQ(1 + 16 * tail.size(), expanded("$V10").text.size());
     store_.variable("V26 = $V27");
     store_.variable("V27 = y");
     EXPECT_EQ((Outcome{-42, ""}), expanded("$V10"));
     store_.variable("V26 = y");
-    store_.variable("V25 = $V26" + behind + "-");
+    store_.variable("V25 = $V26" + tail + "-");
     EXPECT_EQ((Outcome{-42, ""}), expanded("$V10"));
-    store_.variable("V10 = $V11" + behind.substr(1));
-    EXPECT_EQ(1 + 16 * behind.size(), expanded("$V10").text.size());
+    store_.variable("V10 = $V11" + tail.substr(1));
+    EXPECT_EQ(1 + 16 * tail.size(), expanded("$V10").text.size());
 }
 
 TEST_F(VariableExpansion, EndsANameBeforeAnyOtherCharacter) {

@@ -364,8 +364,8 @@ TEST_F(LazyLoading, AsksTheProcessOnceMoreForWhatItPublishes) {
     });
 }
 
-// A lookup result, "TRV_TEST_A", that the next result of its kind overwrites; the home file makes
-// one by its condition.
+// A lookup result, "TRV_TEST_A". The next such result overwrites it, and the condition in the home
+// file makes one.
 class OverwrittenName {
 public:
     OverwrittenName() {

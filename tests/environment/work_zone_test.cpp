@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <string>
 
-// The temporary directory is worked out once in a process, so each test runs in one of its own.
+// The temporary directory is computed once in a process, so each test runs in its own process.
 
 namespace trv {
 namespace {

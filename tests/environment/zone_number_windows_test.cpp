@@ -1,4 +1,4 @@
-// Zone files where an open one cannot be removed.
+// Zone files on Windows, where an open file cannot be removed.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
@@ -18,7 +18,7 @@ namespace {
 std::wstring reported_file;
 int removed_files = 0;
 
-// Windows removes no file that is open without sharing that.
+// Windows does not remove a file that is open without FILE_SHARE_DELETE.
 void removeReportedFile(const char*) {
     if (::DeleteFileW(reported_file.c_str()) != 0) ++removed_files;
 }

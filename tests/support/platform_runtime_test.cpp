@@ -177,7 +177,7 @@ TEST_F(PlatformRuntime, TheProgramFileIsThisTest) {
 }
 
 TEST_F(PlatformRuntime, ArgumentsAreThoseAfterTheProgram) {
-    if (backslash_separates()) GTEST_SKIP() << "Windows tells the arguments of this test";
+    if (backslash_separates()) GTEST_SKIP() << "on Windows the arguments are those of this test";
     const char* const arguments[] = {"program", "-x", "a b", "", nullptr};
     std::vector<std::string> given;
     for (const std::filesystem::path argument : program_arguments(4, arguments))

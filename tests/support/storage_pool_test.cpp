@@ -217,9 +217,9 @@ TEST_F(StoragePool, GrowsByTheStepsThatAreAlwaysAllowed) {
 }
 
 TEST_F(StoragePool, NeverGrowsBeyondItsOffsets) {
-    void* const room = allocate_temporary(2147483600);
-    if (room == nullptr) GTEST_SKIP() << "No room for a pool of this size";
-    _Wfree(room);
+    void* const memory = allocate_temporary(2147483600);
+    if (memory == nullptr) GTEST_SKIP() << "not enough memory for a pool of this size";
+    _Wfree(memory);
     storage_pool* const pool = pool_create(100);
     EXPECT_EQ(pool_reserve(pool, INT32_MAX), -1);
     EXPECT_EQ(report(), dataReport(2147483600));
@@ -236,7 +236,7 @@ TEST_F(StoragePool, NeverGrowsBeyondItsOffsets) {
 
 TEST_F(StoragePool, PrintsAGrowthBeyondItsOffsetsInFull) {
     storage_pool* const pool = pool_create(1500000000);
-    if (pool == nullptr) GTEST_SKIP() << "No room for a pool of this size";
+    if (pool == nullptr) GTEST_SKIP() << "not enough memory for a pool of this size";
     EXPECT_EQ(pool_reserve(pool, 1500000001), -1);
     EXPECT_THAT(log_.errors(), ElementsAre("Dynamic storage: no more memory, could not expand from "
                                            "1500000000 to 3000000000 bytes\n"));

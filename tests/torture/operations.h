@@ -30,8 +30,8 @@ struct Operation {
     std::set<std::string> inPlace = {};
     /// Whether a negative status is the negated error number of the system.
     bool givesSystemErrors = false;
-    /// Whether a success may ignore something that could not be read or written.
-    bool passesOverFaults = false;
+    /// Whether the operation may succeed although something could not be read or written.
+    bool ignoresFaults = false;
     /// Whether an incomplete copy blocks the operation from then on.
     bool isBlockedByItsRest = false;
     /// Whether Qt leaks memory in the operation if an allocation fails.
