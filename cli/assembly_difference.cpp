@@ -93,7 +93,7 @@ private:
         printChange(QString::fromLatin1(what), vectorText(one), vectorText(other));
     }
 
-    // @param what  empty if the change itself says it
+    // @param what  empty if the values are clear without it
     void printChange(const QString& what, const QString& from, const QString& to) {
         found_ = true;
         const QString before = what.isEmpty() ? QString() : what + QLatin1Char(' ');

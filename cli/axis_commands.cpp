@@ -38,8 +38,9 @@ QString whyNotInvertible(const AxisMatrix& matrix, const AxisTraits& traits) {
     return {};
 }
 
-// A reader inverts the block that it finds. For axes that are not orthonormal, the block that is
-// read as the inverse of a given one is the transpose of that one.
+// The matrix to write so that reading gives the inverse of the given one. A file has the block of
+// its matrix transposed, and a reader inverts the block of the file. So if the axes are not
+// orthonormal, the transpose of the given block is read as its inverse.
 AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& traits) {
     AxisMatrix written = traits.inverse;
     if (traits.orthonormal) return written;
@@ -53,7 +54,8 @@ AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& tr
 ExitStatus invert(const QCommandLineParser& call, const Console& console) {
     const QString from = call.positionalArguments().at(0);
     const QString to = call.positionalArguments().at(1);
-    // Inverted in place by two commands at once, a file would be inverted once.
+    // Without the lock, two commands that invert a file in place at the same time would invert it
+    // once.
     const bool isInPlace = QFileInfo(resolved(from)) == QFileInfo(resolved(to));
     const std::unique_ptr<file_replacement> held = isInPlace ? holdFile(to) : nullptr;
     AxisFile axis;

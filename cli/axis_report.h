@@ -29,7 +29,7 @@ AxisTraits traitsOf(const AxisMatrix& matrix);
 /// The placement, its inverse and its traits: several lines.
 QString axisText(const QString& name, const AxisFile& axis);
 
-/// The same for a program; docs/command.md lists the keys.
+/// The same as JSON; docs/command.md lists the keys.
 QJsonObject axisJson(const QString& name, const AxisFile& axis);
 
 /// A few words: "axis, identity" or "axis, orthonormal, mirror, tags 3 0 7".

@@ -63,7 +63,7 @@ QString whyNotCreated(const QString& path) {
     return {};
 }
 
-// After the catalogue has refused: the first file that cannot be created.
+// Reports the first file that cannot be created, after the catalogue has failed.
 ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
                           const Console& console) {
     const QString context = pathIn(directory, plan.context);

@@ -22,7 +22,7 @@ QString storedValue(const ContextField& field, const CMachineContextData& data);
 
 /// Sets a field to a text, unless a file would give back something else.
 ///
-/// @return what is wrong with the text, a sentence; empty if nothing is
+/// @return what is wrong with the text, human-readable; empty if nothing is
 QString setContextField(const ContextField& field, const QString& text, CMachineContextData& data);
 
 }  // namespace trv::cli

@@ -30,7 +30,7 @@ ContextPlan contextPlan(int position);
 /// @param name  the context's name, with or without ".mctx"; empty for one made of the others
 ContextPlan contextPlan(const QString& machine, const QString& axis, const QString& name);
 
-/// Why a file would not give these names back, a sentence; empty if it will.
+/// Why a file would not give these names back, human-readable; empty if it does.
 QString whyPlanFails(const ContextPlan& plan);
 
 }  // namespace trv::cli

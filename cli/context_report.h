@@ -13,7 +13,7 @@ namespace trv::cli {
 /// The fields, a line each, and the sections that are missing.
 QString contextText(const QString& name, const ContextFile& context);
 
-/// The same for a program; docs/command.md lists the keys.
+/// The same as JSON; docs/command.md lists the keys.
 QJsonObject contextJson(const QString& name, const ContextFile& context);
 
 /// A few words: "machine context "Setup A", machine MILL5, position POS1".

@@ -91,7 +91,8 @@ void findValue(const CSectionedFile& file, const QStringList& newFields, Rewrite
 
 }  // namespace
 
-// The whole file is compared with what is read of it: on Windows reading ends at a Ctrl-Z.
+// The whole file is compared with what is read from it, because on Windows reading ends at a
+// Ctrl-Z.
 RewriteLoss rewriteLoss(const QString& name, const QStringList& newFields) {
     const std::string content = bytesOf(name);
     std::istringstream stream(content);

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What a machine context file holds that its record does not, and that is lost when the record is
-/// written over it.
+/// The content of a machine context file that is lost if the file is read into a record and the
+/// record is written over it.
 
 #include <QString>
 #include <QStringList>

@@ -18,7 +18,7 @@ struct Assignment {
     QString value;
 };
 
-// Takes "section.key=value" apart.
+// Parses "section.key=value".
 //
 // @return what is wrong with it; empty if nothing is
 QString readAssignment(const QString& text, Assignment& assignment) {
@@ -58,7 +58,7 @@ Problem readForChange(const QString& name, ContextFile& context) {
     return readContext(name, context);
 }
 
-// What would be lost apart from the new values; empty if nothing would.
+// What would be lost, except the old values of the new fields; empty if nothing would be lost.
 QString whyNotWritten(const QString& name, const std::vector<Assignment>& assignments,
                       bool mayDropLines) {
     QStringList newFields;

@@ -15,7 +15,7 @@ bool hasBlankAtAnEnd(std::string_view text) {
     return settings::trimmed(text).size() < text.size();
 }
 
-// Checks the line that the store writes: the store takes what follows a "+" for a reference.
+// Checks the line that the store writes: the store treats the text after a "+" as a reference.
 bool losesReference(const std::string& value) {
     const std::string line = "=" + value;
     return without_references(line) != line;

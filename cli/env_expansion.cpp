@@ -20,7 +20,7 @@ private:
     const LookupTaker& take_;
 };
 
-// A status for a person. The name is what a programmer searches for, and the number is what the
+// The texts of a status. The name is what a programmer searches for, and the number is what the
 // host logs.
 struct Meaning {
     int code;

@@ -16,7 +16,7 @@ struct Explanation {
     Subject subject;
     Value value;
     Definitions definitions;
-    /// Of the value, with a line for each lookup. Only if the value refers to others.
+    /// The expanded value, with a line for each lookup. Only set if the value has references.
     Expansion expansion;
     std::vector<std::string> lookups;
 
@@ -36,7 +36,7 @@ Explanation explanationOf(const Subject& subject) {
     return explanation;
 }
 
-// Why this value and no other one: the rule of the runtime that has decided.
+// The rule of the runtime by which this value was chosen.
 QString reasonText(const Explanation& explanation) {
     const std::size_t definitions = explanation.definitions.inOrder.size();
     if (explanation.value.origin.empty())
@@ -154,14 +154,14 @@ void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     json.end();
 }
 
-// JSON is printed for an undefined variable too, so that a script can tell it from an error.
+// JSON is printed for an undefined variable too, so that a script can distinguish it from an error.
 ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
     return askInstallation(call, console, [&](RuntimeMessages& messages, const Console&) {
         const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
-        // Printed at once and not held back: it may be large, and no more reports can follow.
+        // Printed directly and not buffered: it may be large, and no further report can follow.
         const bool isDefined = explanation.value.isDefined;
         if (call.isSet(QStringLiteral("json"))) {
             printJson(explanation, all, console.out);

@@ -11,8 +11,9 @@
 namespace trv::cli {
 namespace {
 
-// @param soFar  the value before this definition. Only if a definition has references that someone
-//               wrote by hand, the runtime has to resolve them again.
+// @param soFar  the value before this definition. The runtime resolves it again only if a
+//               definition as it was given contains references in the form in which the store
+//               writes its own.
 Definition definitionAt(const message_store& store, std::int32_t text, const RunningValue& soFar) {
     const text_record& record = store.texts.record(text);
     Definition definition;

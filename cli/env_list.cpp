@@ -17,7 +17,8 @@ void forEachVariable(const VariableNames& names, Take take) {
     }
 }
 
-// A text without "=" ends the walk of programs that use for_each_variable(), which is hard to find.
+// A text without "=" ends the walk of for_each_variable() in a program. Such an error is hard to
+// find.
 void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
     for (const std::string& origin : otherTexts) {
         err << qUtf8Printable(

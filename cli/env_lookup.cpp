@@ -74,7 +74,7 @@ Definitions definitionsOf(const Subject& subject) {
     const int counting = numberOf(section, subject);
     if (counting < 0) return {};
     Definitions definitions;
-    // A lookup of "TMP" never comes to its entry.
+    // A lookup of "TMP" never uses its entry.
     const bool counts = !isTemporaryDirectory(subject);
     (counts ? definitions.inOrder : definitions.hidden).add(section->text(counting));
     const text_pool& texts = environment_store()->texts;

@@ -37,7 +37,7 @@ MessageFile loadMessageFile(const QString& name) {
         file.whyMissing = QString::fromStdString(
             std::make_error_code(std::errc::no_such_file_or_directory).message());
     }
-    // Copies: the store ends here. After a fault they are what came before it.
+    // Copies, because the store is destroyed here. After a fault they contain the part before it.
     for (const store_section& section : store->sections)
         file.sections.push_back(sectionOf(*store, section));
     return file;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The contents of a message file, as a program gets them that loads it into a new store.
+/// The contents of a message file, as a program gets them by loading it into a new store.
 
 #include <trvfiles/environment/message_file_internal.h>
 
@@ -33,8 +33,8 @@ struct MessageFile {
     std::vector<Section> sections;
 };
 
-/// Loads a regular file into a store of its own. Pipes and devices are not opened: they may never
-/// begin or never end.
+/// Loads a regular file into a store of its own. Pipes and devices are not opened: opening or
+/// reading them may never end.
 ///
 /// @param name  a path of the system; no reference in it is expanded
 MessageFile loadMessageFile(const QString& name);

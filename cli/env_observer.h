@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Observers of the runtime that a command adds to the ones that are there.
+/// Observers of the runtime that a command adds to the current one.
 
 #include <trvfiles/environment/runtime_observer.h>
 

@@ -79,9 +79,9 @@ void RunningValue::restart(State state) {
     state_ = state;
 }
 
-// Counts replacements and the peak length as resolve_references() would: the runtime resolves the
-// whole value from its first definition for every lookup, so one value counts its own and all
-// earlier ones.
+// Counts replacements and the peak length as resolve_references() does. The runtime resolves the
+// whole value from its first definition in every lookup, so the counts include those of all earlier
+// definitions.
 void RunningValue::extend(const std::vector<std::string_view>& literals) {
     RunningValue earlier = std::move(*this);
     restart(State::known);

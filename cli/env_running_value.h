@@ -23,8 +23,8 @@ public:
         known,
         /// The value exceeds a limit of resolve_references(), which then leaves references in it.
         beyondLimits,
-        /// The definitions hold a reference that someone wrote by hand, in the form in which the
-        /// store keeps its own. Only resolve_references() knows the value.
+        /// A definition as it was given contains a reference in the form in which the store writes
+        /// its own. Only resolve_references() can compute the value.
         unknown
     };
 

@@ -66,7 +66,7 @@ void printError(const QString& text, const Console& console) {
     console.err << qUtf8Printable(QStringLiteral("trvfiles: %1\n").arg(text));
 }
 
-// Makes the root of the call, if it has one, that of the process.
+// Sets the root of the process to that of the call, if the call has one.
 //
 // @return false if it is not a directory or cannot be set
 bool takeRoot(const QCommandLineParser& call, const Console& console) {
@@ -81,14 +81,14 @@ bool takeRoot(const QCommandLineParser& call, const Console& console) {
     return platform::set_environment("TRVHOME", toNarrow(root).c_str());
 }
 
-// Results are held back until the work is done: after a fatal report they may be wrong, and are not
+// Results are buffered until the work is done: after a fatal report they may be wrong, and are not
 // shown.
 ExitStatus doWork(RuntimeMessages& messages, const Console& console, const RuntimeWork& work) {
     std::stringstream results;
     const ExitStatus status = work(messages, {results, console.err});
     if (printReports(messages.takeReports(), console)) return failed;
-    // By the buffer, without a copy of what may be large. Inserting an empty buffer would set
-    // failbit.
+    // Passes the buffer itself, because the results may be large. Inserting an empty buffer would
+    // set failbit.
     if (results.tellp() > 0) console.out << results.rdbuf();
     return status;
 }

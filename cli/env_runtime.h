@@ -2,7 +2,7 @@
 
 /// @file
 /// The runtime as a command uses it: the installation that it asks, and the reports of the runtime.
-/// A fatal one would end the process without the handlers of this file.
+/// Without the handlers of this file a fatal report would end the process.
 
 #include <cli/command.h>
 #include <cli/env_observer.h>

@@ -18,7 +18,8 @@ enum class FileKind { unknown, assembly, axis, machineContext };
 /// @param file  open for reading, at its beginning; its position is undefined afterwards
 FileKind kindOf(std::FILE* file);
 
-/// The human-readable reason why a file has no kind: it is empty, or it has another content.
+/// The human-readable reason for FileKind::unknown: the file is empty, or its content is of another
+/// kind.
 ///
 /// @param file  open for reading; its position is undefined afterwards
 QString whyUnknown(std::FILE* file);

@@ -26,7 +26,7 @@ public:
     /// @return the status; empty if the result is too long for this expander
     std::optional<int> expand(const std::string& text) {
         const int code = append(text);
-        if (hasGivenUp_) return std::nullopt;
+        if (isBeyondLimits_) return std::nullopt;
         if (code != EXP_OK) result.clear();
         return code != EXP_OK ? code : isUndefined_ ? EXP_UNDEFINED : EXP_OK;
     }
@@ -69,9 +69,9 @@ private:
         const std::string reference = marker + name;
         if (std::find(open_.begin(), open_.end(), reference) != open_.end())
             return EXP_NAME_TOO_LONG;
-        hasGivenUp_ =
-            hasGivenUp_ || ++replacements_ > maxReplacements || result.size() > maxResultSize;
-        if (hasGivenUp_) return EXP_NAME_TOO_LONG;
+        isBeyondLimits_ =
+            isBeyondLimits_ || ++replacements_ > maxReplacements || result.size() > maxResultSize;
+        if (isBeyondLimits_) return EXP_NAME_TOO_LONG;
         const char* found =
             marker == '$' ? get_variable(name.c_str()) : get_path_variable(name.c_str());
         if (found == nullptr) {
@@ -93,7 +93,7 @@ private:
     std::vector<std::string> open_;
     int replacements_ = 0;
     bool isUndefined_ = false;
-    bool hasGivenUp_ = false;
+    bool isBeyondLimits_ = false;
 };
 
 void requireBuffersAgree(const std::string& text, int code, const std::string& result) {
