@@ -1,12 +1,17 @@
 #include <tests/catalogue/link_graphs.h>
+#include <tests/common/growth.h>
 #include <tests/common/scoped_variable.h>
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/catalogue/CMachineContextUtils.h>
+#include <trvfiles/catalogue/context_graph.h>
+#include <trvfiles/catalogue/context_search.h>
+#include <trvfiles/support/platform.h>
 
 #include <QString>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -27,6 +32,25 @@ std::vector<std::string> listed(const fs::path& directory) {
         paths.push_back(QString::fromStdWString(path).toStdString());
     }
     return paths;
+}
+
+/// The start, `count` directories in it with a context each, and one without a context that they
+/// all link to.
+std::vector<trv::ContextDirectory> directoriesThatLinkToOne(int count) {
+    std::vector<trv::ContextDirectory> directories(static_cast<std::size_t>(count) + 2);
+    const QString start = QStringLiteral("/s");
+    directories[0].path = start;
+    directories[1].path = QStringLiteral("/empty");
+    for (int i = 0; i < count; ++i) {
+        const QString name = QString::number(i);
+        const int place = i + 2;
+        directories[0].entries.push_back({name, place});
+        trv::ContextDirectory& directory = directories[static_cast<std::size_t>(place)];
+        directory.path = trv::entryPath(start, name);
+        directory.entries = {{QStringLiteral("empty"), 1},
+                             {QStringLiteral("k"), trv::ContextEntry::context}};
+    }
+    return directories;
 }
 
 class ContextSearch : public ::testing::Test {
@@ -73,6 +97,14 @@ TEST_F(ContextSearch, FindsWhatThePlainWalkFinds) {
 TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersWithoutAContext) {
     linkEachToAll(directory_.path(), 20);
     EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersAndToOneWithoutAContext) {
+    linkEachToAll(directory_.path(), 20);
+    for (int i = 0; i < 20; ++i)
+        fs::create_directory(directory_ / ("d" + std::to_string(i) + "/empty"));
+    add("k/k.mctx");
+    EXPECT_THAT(found(), ElementsAre("k/k.mctx"));
 }
 
 TEST_F(ContextSearch, EndsWhereAContextIsBehindADirectoryThatIsBeingWalked) {
@@ -140,4 +172,20 @@ TEST_F(ContextSearch, LeavesOutPathsThatTheSystemDoesNotOpen) {
     for (const std::string& context : contexts)
         EXPECT_TRUE(fs::exists(directory_ / context)) << context;
     EXPECT_EQ(contexts.back(), "d1070/k/k.mctx");
+}
+
+TEST(ContextSearchTime, GrowsWithTheNumberOfDirectories) {
+    if (trv::platform::backslash_separates()) GTEST_SKIP() << "no processor time to compare";
+    // 16 times the directories: linear work takes 16 times as long, quadratic work 256 times.
+    const double mostGrowth = 90;
+    EXPECT_LT(growth(500, 8000,
+                     [](int count) {
+                         const auto directories = directoriesThatLinkToOne(count);
+                         std::size_t contexts = 0;
+                         const double time = processorTime(
+                             [&] { contexts = trv::findContexts(directories).size(); });
+                         EXPECT_EQ(contexts, static_cast<std::size_t>(count));
+                         return time;
+                     }),
+              mostGrowth);
 }

@@ -7,6 +7,7 @@
 #include <trvfiles/support/platform.h>
 
 #include <QString>
+#include <QTextCodec>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -133,6 +134,15 @@ TEST_F(FavoriteContexts, OfNamesThatDifferInCaseAreAllListed) {
     EXPECT_THAT(found(), UnorderedElementsAre("a/a.mctx", "A/A.mctx"));
 }
 
+TEST_F(FavoriteContexts, OfNamesThatDifferInCaseComeByName) {
+    if (onWindows()) GTEST_SKIP() << "Windows ignores case in file names";
+    for (const char* name : {"ab", "aB", "Ab", "AB", "aa", "AC", "\xC3\xA4", "\xC3\x84"})
+        add(name + "/"s + name + ".mctx");
+    EXPECT_THAT(found(),
+                ElementsAre("aa/aa.mctx", "AB/AB.mctx", "Ab/Ab.mctx", "aB/aB.mctx", "ab/ab.mctx",
+                            "AC/AC.mctx", "\xC3\x84/\xC3\x84.mctx", "\xC3\xA4/\xC3\xA4.mctx"));
+}
+
 TEST_F(FavoriteContexts, AreNotSearchedForInHiddenDirectories) {
     if (onWindows()) GTEST_SKIP() << "a leading dot hides nothing on Windows";
     add(".A/.A.mctx");
@@ -185,6 +195,62 @@ TEST_F(FavoriteContexts, AreFoundBesideNamesThatAreNoText) {
     writeBytes(directory_.path() / "\xE4\xFF" / "\xE4\xFF.mctx", "x");
     add("A/A.mctx");
     EXPECT_THAT(found(), ::testing::Contains("A/A.mctx"));
+}
+
+TEST_F(FavoriteContexts, HaveTheSameNamesUnderEveryCodecOfTheHost) {
+    if (!can_fork) GTEST_SKIP() << "narrow text is in the code page on Windows";
+    add("\xC3\xA4/\xC3\xA4.mctx");
+    add("\xC3\xB6/\xE6\x97\xA5/\xE6\x97\xA5.mctx");
+    const TemporaryDirectory elsewhere;
+    fs::create_directories(elsewhere / "\xC3\xBC/k");
+    writeBytes(elsewhere / "\xC3\xBC/k/k.mctx", "x");
+    fs::create_directory_symlink(elsewhere / "\xC3\xBC", directory_ / "z");
+    fs::create_directory_symlink(elsewhere / "\xC3\xBC", elsewhere / "\xC3\xBC/back");
+    for (const char* codec : {"ISO-8859-1", "Shift_JIS", "UTF-8"}) {
+        EXPECT_TRUE(passesInChild([&] {
+            ASSERT_NE(QTextCodec::codecForName(codec), nullptr);
+            QTextCodec::setCodecForLocale(QTextCodec::codecForName(codec));
+            EXPECT_THAT(found(), ElementsAre("z/k/k.mctx", "\xC3\xA4/\xC3\xA4.mctx",
+                                             "\xC3\xB6/\xE6\x97\xA5/\xE6\x97\xA5.mctx"));
+            EXPECT_THAT(
+                listed(directory_.wide() + L"/\u00F6"),
+                ElementsAre(directory_.text() + "/\xC3\xB6/\xE6\x97\xA5/\xE6\x97\xA5.mctx"));
+        })) << codec;
+    }
+}
+
+// Such a path would name another file, or none.
+TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatAPathCannotHold) {
+    if (onWindows()) GTEST_SKIP() << "Windows has no such names";
+    for (const char* name : {"\xE4", "\xEF\xBF\xBD\xFF", "a\\b"}) {
+        fs::create_directories(directory_.path() / name / "K");
+        writeBytes(directory_.path() / name / "K/K.mctx", "x");
+    }
+    add("a/b/K/K.mctx");
+    add("\xEF\xBF\xBD/K/K.mctx");
+    EXPECT_THAT(found(), ElementsAre("a/b/K/K.mctx", "\xEF\xBF\xBD/K/K.mctx"));
+}
+
+TEST_F(FavoriteContexts, KeepDirectoriesApartThatNoTextTellsApart) {
+    if (onWindows()) GTEST_SKIP() << "Windows has no such names";
+    const TemporaryDirectory elsewhere;
+    for (const char* name : {"\xE4", "\xE5"}) {
+        fs::create_directories(elsewhere.path() / name / "K");
+        writeBytes(elsewhere.path() / name / "K/K.mctx", "x");
+    }
+    fs::create_directories(elsewhere.path() / "\xE5" / "L");
+    writeBytes(elsewhere.path() / "\xE5" / "L/L.mctx", "x");
+    ASSERT_TRUE(link("x", elsewhere.path() / "\xE4"));
+    ASSERT_TRUE(link("y", elsewhere.path() / "\xE5"));
+    EXPECT_THAT(found(), ElementsAre("x/K/K.mctx", "y/K/K.mctx", "y/L/L.mctx"));
+}
+
+TEST_F(FavoriteContexts, AreNotSearchedForInResources) {
+    const CurrentDirectory here(directory_.path());
+    if (!onWindows()) add(":/fav/A/A.mctx");
+    EXPECT_THAT(listed(L":/fav"), IsEmpty());
+    EXPECT_THAT(listed(L":/"), IsEmpty());
+    EXPECT_THAT(listed(L":\\fav"), IsEmpty());
 }
 
 // QDir::cd() takes such a name for a resource that is compiled into the host.

@@ -9,6 +9,7 @@
 #include <trvfiles/support/platform.h>
 
 #include <QString>
+#include <QTextCodec>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -123,6 +124,23 @@ TEST_F(FavoriteDirectory, IsMadeAbsoluteAgainstTheCurrentDirectory) {
         EXPECT_EQ(favorites(), installation.root() + "/here");
         setVariable("TRV_MCTX_DEF", ".");
         EXPECT_EQ(favorites(), installation.root() + "/here/deeper");
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
+TEST_F(FavoriteDirectory, HasTheSameNameUnderEveryCodecOfTheHost) {
+    if (!trv::platform::narrow_text_is_utf8()) GTEST_SKIP() << "narrow text is in the code page";
+    const auto ask = [] {
+        const Installation installation;
+        installation.write("\xC3\xA4/fav/\xC3\xB6/\xC3\xB6.mctx", "x");
+        const CurrentDirectory here(installation.file("\xC3\xA4"));
+        for (const char* codec : {"ISO-8859-1", "Shift_JIS", "UTF-8"}) {
+            QTextCodec::setCodecForLocale(QTextCodec::codecForName(codec));
+            setVariable("TRV_MCTX_DEF", "fav");
+            const std::string fav = installation.root() + "/\xC3\xA4/fav";
+            EXPECT_EQ(favorites(), fav) << codec;
+            EXPECT_THAT(contexts(L""), ElementsAre(fav + "/\xC3\xB6/\xC3\xB6.mctx")) << codec;
+        }
     };
     TRV_EXPECT_IN_CHILD(ask);
 }

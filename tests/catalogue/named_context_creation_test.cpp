@@ -314,6 +314,22 @@ TEST_F(NamedContextCreation, FailsForNamesWithADirectoryPart) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
+// The context is written as CQvFilesIO does it, to the clean path.
+TEST_F(NamedContextCreation, WritesTheContextThroughADirectoryThatIsMissing) {
+    write("transfo.dat", "axis");
+    makeDirectory("[stockposition@missing");
+    const ChannelLog log;
+    EXPECT_TRUE(create({"m", "", "missing/../job.mctx"}));
+    EXPECT_EQ(contextFile_, L"missing/../job.mctx");
+    const std::string reference = "[stockposition@missing/../job]MACHINE.ref";
+    EXPECT_EQ(referenceFile_, wide(reference));
+    EXPECT_EQ(contents(),
+              (Contents{{"transfo.dat", "axis"},
+                        {"[stockposition@missing", aDirectory},
+                        {"job]MACHINE.ref", "axis"},
+                        {"job.mctx", createdContext("missing/../job", "m", reference)}}));
+}
+
 TEST_F(NamedContextCreation, FailsWhereTheReferenceFileCannotBeWritten) {
     write("transfo.dat", "axis");
     const std::string reference = "[stockposition@job]MACHINE.ref";

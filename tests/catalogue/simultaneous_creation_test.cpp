@@ -178,6 +178,35 @@ TEST_F(SimultaneousCreation, LeavesTheNamedPairOfTheProcessThatWasFirst) {
         (Contents{{"transfo.dat", "axis"}, {namedReference, "first"}, {"job.mctx", "first"}}));
 }
 
+TEST_F(SimultaneousCreation, LeavesTheReferenceFileOfAProcessThatWasFirst) {
+    write("transfo.dat", "axis");
+    const Shared<std::atomic<bool>> isHeld;
+    const pid_t first = startChild([&] {
+        trv::file_replacement held((directory_ / "job.mctx").string());
+        *isHeld = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        write(namedReference, "first");
+    });
+    while (!*isHeld)
+        std::this_thread::yield();
+    EXPECT_FALSE(createNamed());
+    EXPECT_TRUE(hasPassed(first));
+    EXPECT_EQ(contents(), (Contents{{"transfo.dat", "axis"}, {namedReference, "first"}}));
+}
+
+TEST_F(SimultaneousCreation, WaitsForNobodyIfOneOfTheNamedFilesExists) {
+    write("transfo.dat", "axis");
+    const trv::file_replacement held((directory_ / "job.mctx").string());
+    const auto start = std::chrono::steady_clock::now();
+    for (const std::string& name : {std::string("job.mctx"), namedReference}) {
+        write(name, "old");
+        EXPECT_FALSE(createNamed()) << name;
+        EXPECT_EQ(textOf(directory_ / name), "old");
+        fs::remove(directory_ / name);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, trv::platform::max_lock_wait);
+}
+
 TEST_F(SimultaneousCreation, SucceedsAfterAProcessThatWasFirstAndFailed) {
     const Shared<std::atomic<bool>> isHeld;
     const pid_t first = startChild([&] {

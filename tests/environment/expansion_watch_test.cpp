@@ -13,8 +13,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -179,6 +182,41 @@ TEST_F(ExpansionWatch, AppendsToALogThatIsThere) {
         EXPECT_THAT(logged(), ::testing::HasSubstr("MinBufferSize=100 > 0 (F)"));
         EXPECT_THAT(logged(), ::testing::HasSubstr("MinBufferSize=100 > -1 (F)"));
     });
+}
+
+// Runs in a copy of this program that has a long path.
+TEST_F(ExpansionWatch, DISABLED_LogsTheNameInALongPath) {
+    const char* const expected = platform::get_environment("TRV_TEST_PROGRAM_NAME");
+    ASSERT_NE(expected, nullptr);
+    minimum("100");
+    watch_buffer_size("src", 50, STRING_FORMAT_C);
+    EXPECT_THAT(logged(),
+                ::testing::EndsWith("(C) " + std::string(expected) + " expanding 'src'\n"));
+}
+
+TEST_F(ExpansionWatch, LooksForTheNameInTheFirst1024BytesOfThePath) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "paths of Windows end at 260 characters";
+    const std::string name = "program";
+    std::string path = directory().string();
+    const std::size_t length = 1024 - name.size() - 1;
+    while (length - path.size() > 200)
+        path += '/' + std::string(99, 'd');
+    path += '/' + std::string(length - path.size() - 1, 'd') + '/';
+    std::filesystem::create_directories(path);
+    ASSERT_EQ(path.size() + name.size(), 1024U);
+    std::filesystem::copy_file(platform::program_file(), path + name);
+    const auto run = [&](const std::string& program, const char* expected) {
+        const ScopedVariable variable("TRV_TEST_PROGRAM_NAME", expected);
+        const std::string command = "'" + program +
+                                    "' --gtest_also_run_disabled_tests --gtest_brief=1"
+                                    " --gtest_filter=ExpansionWatch.DISABLED_*";
+        return std::system(command.c_str());
+    };
+    EXPECT_EQ(run(path + name, "program"), 0);
+    std::filesystem::rename(path + name, path + name + "s");
+    EXPECT_EQ(run(path + name + "s", "program"), 0);
+    std::filesystem::rename(path + name + "s", path + "run");
+    EXPECT_EQ(run(path + "run", "run"), 0);
 }
 
 TEST_F(ExpansionWatch, LogsAMissingSource) {

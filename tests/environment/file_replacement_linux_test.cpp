@@ -1,28 +1,26 @@
-// Replaced files among links, rights and other users, and what somebody else puts under the name of
-// the temporary file.
+// What somebody else puts under the name of a replacement's temporary file, and who waits for whom.
 
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/system_calls_linux.h>
-#include <tests/common/temporary_directory.h>
+#include <tests/environment/replacement_on_linux.h>
 #include <trvfiles/environment/file_replacement.h>
 
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <thread>
-#include <vector>
 
 namespace trv {
 namespace {
@@ -30,47 +28,13 @@ namespace {
 using testing::bytesOf;
 using ::testing::ElementsAre;
 using testing::passesInChild;
+using testing::ReplacementOnLinux;
+using testing::shortly;
 using testing::writeBytes;
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::milliseconds shortly(50);
 constexpr uid_t nobody = 65534;
-
-class ReplacementOnLinux : public ::testing::Test {
-protected:
-    fs::path target() const { return directory_ / "f"; }
-    fs::path temporary() const { return directory_ / "f.messages.tmp"; }
-    std::vector<std::string> files() const {
-        std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(directory_.path()))
-            names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
-    }
-
-    static int replace(const fs::path& path, const std::string& text) {
-        file_replacement held(path.string(), own_temporary_name,
-                              file_replacement::existing::replaced, shortly);
-        return held.write_and_replace(text);
-    }
-    /// Expects that nothing under the name of the temporary file keeps a text from being saved.
-    void expectSaved() const {
-        EXPECT_EQ(replace(target(), "new"), 0);
-        EXPECT_EQ(bytesOf(target()), "new");
-        EXPECT_FALSE(fs::exists(fs::symlink_status(temporary())));
-    }
-
-    static struct stat statusOf(const fs::path& path) {
-        struct stat status = {};
-        EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
-        return status;
-    }
-    static unsigned modeOf(const fs::path& path) { return statusOf(path).st_mode & 07777U; }
-    void letEverybodyWrite() const { ASSERT_EQ(::chmod(directory_.text().c_str(), 0777), 0); }
-
-    testing::TemporaryDirectory directory_;
-};
 
 using ObstacleToAReplacement = ReplacementOnLinux;
 
@@ -328,302 +292,6 @@ TEST_F(LockOfAReplacement, IsNotInheritedByPrograms) {
         ++checked;
     }
     EXPECT_EQ(checked, 1);
-}
-
-using RightsOfAReplacement = ReplacementOnLinux;
-
-TEST_F(RightsOfAReplacement, AreThoseOfTheFile) {
-    for (const mode_t mode : {0600U, 0400U, 0640U, 0644U, 0664U, 0666U, 0755U, 0777U}) {
-        fs::remove(target());
-        writeBytes(target(), "old");
-        ASSERT_EQ(::chmod(target().c_str(), mode), 0);
-        expectSaved();
-        EXPECT_EQ(modeOf(target()), mode);
-    }
-}
-
-TEST_F(RightsOfAReplacement, OfANewFileAreWhatTheMaskLeaves) {
-    const mode_t earlier = ::umask(027);
-    expectSaved();
-    EXPECT_EQ(modeOf(target()), 0640U);
-    // Also where a killed process has left a file with other rights.
-    fs::remove(target());
-    writeBytes(temporary(), "left behind");
-    ASSERT_EQ(::chmod(temporary().c_str(), 0666), 0);
-    expectSaved();
-    EXPECT_EQ(modeOf(target()), 0640U);
-    ::umask(earlier);
-}
-
-TEST_F(RightsOfAReplacement, AreThereBeforeTheText) {
-    if (!testing::canTraceProcesses()) GTEST_SKIP() << "processes cannot be traced here";
-    const auto prepare = [&] {
-        fs::remove(temporary());
-        fs::remove(target());
-        writeBytes(target(), "old");
-        ASSERT_EQ(::chmod(target().c_str(), 0600), 0);
-    };
-    int withText = 0;
-    const auto save = [&] { replace(target(), "a secret"); };
-    for (int step = 1; testing::killAtStep(step, prepare, save); ++step) {
-        EXPECT_EQ(modeOf(target()), 0600U) << step;
-        if (bytesOf(temporary()).empty()) continue;
-        ++withText;
-        EXPECT_EQ(modeOf(temporary()), 0600U) << step;
-    }
-    EXPECT_GT(withText, 0);
-}
-
-TEST_F(RightsOfAReplacement, GoToTheOwnerAndTheGroupOfTheFile) {
-    if (::geteuid() != 0) GTEST_SKIP() << "only user 0 gives files away";
-    writeBytes(target(), "old");
-    ASSERT_EQ(::chmod(target().c_str(), 0640), 0);
-    ASSERT_EQ(::chown(target().c_str(), nobody, 1234), 0);
-    expectSaved();
-    EXPECT_EQ(statusOf(target()).st_uid, nobody);
-    EXPECT_EQ(statusOf(target()).st_gid, 1234U);
-    EXPECT_EQ(modeOf(target()), 0640U);
-}
-
-TEST_F(RightsOfAReplacement, AreNoMoreThanBeforeWithoutTheGroup) {
-    if (::geteuid() != 0) GTEST_SKIP() << "only user 0 becomes another one";
-    letEverybodyWrite();
-    writeBytes(target(), "old");
-    ASSERT_EQ(::chown(target().c_str(), nobody, 1234), 0);
-    ASSERT_EQ(::chmod(target().c_str(), 0664), 0);
-    EXPECT_TRUE(passesInChild([&] {
-        ASSERT_TRUE(testing::becomeOrdinaryUser());
-        expectSaved();
-    }));
-    EXPECT_EQ(statusOf(target()).st_gid, nobody);
-    EXPECT_EQ(modeOf(target()), 0644U);
-}
-
-TEST_F(RightsOfAReplacement, KeepAGroupOfTheUser) {
-    if (::geteuid() != 0) GTEST_SKIP() << "only user 0 becomes another one";
-    letEverybodyWrite();
-    writeBytes(target(), "old");
-    ASSERT_EQ(::chown(target().c_str(), 4321, 1234), 0);
-    ASSERT_EQ(::chmod(target().c_str(), 0664), 0);
-    EXPECT_TRUE(passesInChild([&] {
-        const gid_t groups[] = {1234};
-        ASSERT_EQ(::setgroups(1, groups), 0);
-        ASSERT_EQ(::setgid(nobody), 0);
-        ASSERT_EQ(::setuid(nobody), 0);
-        expectSaved();
-    }));
-    EXPECT_EQ(statusOf(target()).st_uid, nobody);
-    EXPECT_EQ(statusOf(target()).st_gid, 1234U);
-    EXPECT_EQ(modeOf(target()), 0664U);
-}
-
-TEST_F(RightsOfAReplacement, ThatCannotBeSetFailTheSave) {
-    if (!testing::canRefuseSystemCalls()) GTEST_SKIP() << "system calls cannot be filtered here";
-    writeBytes(target(), "old");
-    ASSERT_EQ(::chmod(target().c_str(), 0600), 0);
-    EXPECT_TRUE(passesInChild([&] {
-        ASSERT_TRUE(testing::refuseSystemCalls({SYS_fchmod}, EPERM));
-        EXPECT_EQ(replace(target(), "new"), EPERM);
-    }));
-    EXPECT_EQ(bytesOf(target()), "old");
-    EXPECT_THAT(files(), ElementsAre("f"));
-}
-
-/// An attribute of a file, or what the system says in its place.
-std::string attributeOf(const fs::path& path, const char* name) {
-    char value[256];
-    const ssize_t length = ::getxattr(path.c_str(), name, value, sizeof value);
-    return length < 0 ? std::string("<none>")
-                      : std::string(value, static_cast<std::size_t>(length));
-}
-
-bool setAttribute(const fs::path& path, const char* name, const std::string& value) {
-    return ::setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
-}
-
-// The user reads and writes, user 1234 reads, the group and all others nothing: version 2, and of
-// each entry tag, rights and number in little-endian order.
-const std::string accessList(
-    "\x02\0\0\0"
-    "\x01\0\x06\0\xff\xff\xff\xff"
-    "\x02\0\x04\0\xd2\x04\0\0"
-    "\x04\0\0\0\xff\xff\xff\xff"
-    "\x10\0\x04\0\xff\xff\xff\xff"
-    "\x20\0\0\0\xff\xff\xff\xff",
-    44);
-constexpr char accessListName[] = "system.posix_acl_access";
-
-TEST_F(RightsOfAReplacement, IncludeExtendedAttributes) {
-    writeBytes(target(), "old");
-    if (!setAttribute(target(), "user.comment", "first operation"))
-        GTEST_SKIP() << "the file system has no extended attributes";
-    ASSERT_TRUE(setAttribute(target(), "user.empty", ""));
-    expectSaved();
-    EXPECT_EQ(attributeOf(target(), "user.comment"), "first operation");
-    EXPECT_EQ(attributeOf(target(), "user.empty"), "");
-}
-
-TEST_F(RightsOfAReplacement, IncludeTheAccessControlList) {
-    writeBytes(target(), "old");
-    if (!setAttribute(target(), accessListName, accessList))
-        GTEST_SKIP() << "the file system has no access control lists";
-    expectSaved();
-    EXPECT_EQ(attributeOf(target(), accessListName), accessList);
-    EXPECT_EQ(modeOf(target()), 0640U);
-}
-
-TEST_F(RightsOfAReplacement, AreNotThoseThatTheDirectoryGivesToNewFiles) {
-    writeBytes(target(), "old");
-    ASSERT_EQ(::chmod(target().c_str(), 0640), 0);
-    if (!setAttribute(directory_.path(), "system.posix_acl_default", accessList))
-        GTEST_SKIP() << "the file system has no access control lists";
-    expectSaved();
-    EXPECT_EQ(attributeOf(target(), accessListName), "<none>");
-    EXPECT_EQ(modeOf(target()), 0640U);
-    fs::remove(target());
-    expectSaved();
-    EXPECT_NE(attributeOf(target(), accessListName), "<none>");
-}
-
-TEST_F(RightsOfAReplacement, DoWithoutAttributesThatAreRefused) {
-    if (!testing::canRefuseSystemCalls()) GTEST_SKIP() << "system calls cannot be filtered here";
-    writeBytes(target(), "old");
-    if (!setAttribute(target(), "user.comment", "first operation"))
-        GTEST_SKIP() << "the file system has no extended attributes";
-    for (const unsigned call :
-         {SYS_listxattr, SYS_getxattr, SYS_fsetxattr, SYS_fremovexattr, SYS_fchown}) {
-        EXPECT_TRUE(passesInChild([&] {
-            ASSERT_TRUE(testing::refuseSystemCalls({call}, EPERM));
-            expectSaved();
-        })) << call;
-    }
-}
-
-TEST_F(RightsOfAReplacement, LeaveOtherHardLinksTheOldText) {
-    writeBytes(target(), "old");
-    fs::create_hard_link(target(), directory_ / "other");
-    expectSaved();
-    EXPECT_EQ(bytesOf(directory_ / "other"), "old");
-}
-
-class LinkToAReplacement : public ReplacementOnLinux {
-protected:
-    LinkToAReplacement() {
-        fs::create_directory(directory_ / "real");
-        fs::create_directory(directory_ / "links");
-    }
-    fs::path real() const { return directory_ / "real/f"; }
-    fs::path link() const { return directory_ / "links/f"; }
-    void expectReplacedThrough(const fs::path& link) const {
-        const fs::path text = fs::read_symlink(link);
-        {
-            file_replacement held(link.string());
-            ASSERT_TRUE(held.is_open());
-            EXPECT_TRUE(fs::exists(directory_ / "real/f.messages.tmp"));
-            EXPECT_EQ(fs::weakly_canonical(held.temporary_path()),
-                      fs::weakly_canonical(directory_ / "real/f.messages.tmp"));
-            EXPECT_EQ(held.write_and_replace("new"), 0);
-        }
-        EXPECT_EQ(fs::read_symlink(link), text);
-        EXPECT_EQ(bytesOf(real()), "new");
-        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(real())));
-        EXPECT_EQ(std::distance(fs::directory_iterator(real().parent_path()), {}), 1);
-    }
-};
-
-TEST_F(LinkToAReplacement, StaysALink) {
-    for (const fs::path& to : {real(), fs::path("../real/f"), fs::path("../links/../real/f")}) {
-        writeBytes(real(), "old");
-        fs::create_symlink(to, link());
-        expectReplacedThrough(link());
-        fs::remove(link());
-    }
-}
-
-TEST_F(LinkToAReplacement, MayLeadToAnotherLink) {
-    writeBytes(real(), "old");
-    fs::create_symlink("../real/f", link());
-    fs::create_symlink("f", directory_ / "links/g");
-    fs::create_symlink(directory_ / "links/g", directory_ / "h");
-    expectReplacedThrough(directory_ / "h");
-    EXPECT_EQ(fs::read_symlink(link()), "../real/f");
-}
-
-TEST_F(LinkToAReplacement, MayLeadNowhere) {
-    fs::create_symlink("../real/f", link());
-    expectReplacedThrough(link());
-    fs::create_symlink("none/f", directory_ / "links/g");
-    EXPECT_EQ(replace(directory_ / "links/g", "new"), ENOENT);
-}
-
-TEST_F(LinkToAReplacement, InACircleFails) {
-    fs::create_symlink("g", link());
-    fs::create_symlink("f", directory_ / "links/g");
-    EXPECT_EQ(replace(link(), "new"), ELOOP);
-    EXPECT_EQ(fs::read_symlink(link()), "g");
-}
-
-TEST_F(LinkToAReplacement, OfADirectoryStays) {
-    fs::create_symlink("../real", link());
-    EXPECT_EQ(replace(link(), "new"), EISDIR);
-    EXPECT_EQ(fs::read_symlink(link()), "../real");
-    EXPECT_TRUE(fs::is_empty(directory_ / "real"));
-}
-
-TEST_F(LinkToAReplacement, OfAFifoIsReplacedItself) {
-    ASSERT_EQ(::mkfifo(real().c_str(), 0600), 0);
-    fs::create_symlink("../real/f", link());
-    EXPECT_EQ(replace(link(), "new"), 0);
-    EXPECT_EQ(bytesOf(link()), "new");
-    EXPECT_TRUE(fs::is_fifo(real()));
-}
-
-TEST_F(LinkToAReplacement, SharesTheLockOfItsFile) {
-    writeBytes(real(), "old");
-    fs::create_symlink("../real/f", link());
-    const file_replacement held(real().string());
-    EXPECT_EQ(replace(link(), "new"), ETIMEDOUT);
-    EXPECT_EQ(bytesOf(real()), "old");
-}
-
-TEST_F(LinkToAReplacement, IsATakenNameWhereFilesAreRefused) {
-    writeBytes(real(), "old");
-    fs::create_symlink("../real/f", link());
-    fs::create_symlink("none", directory_ / "links/g");
-    for (const fs::path& path : {link(), directory_ / "links/g"}) {
-        file_replacement held(path.string(), own_temporary_name,
-                              file_replacement::existing::refused);
-        EXPECT_EQ(held.open_failure(), EEXIST);
-        EXPECT_EQ(held.write_and_replace("new"), EEXIST);
-        EXPECT_TRUE(fs::is_symlink(path));
-    }
-    EXPECT_EQ(bytesOf(real()), "old");
-    EXPECT_FALSE(fs::exists(directory_ / "links/none"));
-}
-
-using ExclusiveReplacement = ReplacementOnLinux;
-
-TEST_F(ExclusiveReplacement, NeedsNoRenamingThatRefuses) {
-    if (!testing::canRefuseSystemCalls()) GTEST_SKIP() << "system calls cannot be filtered here";
-    const std::vector<unsigned> linking = {SYS_link, SYS_linkat};
-    for (const bool has_links : {true, false}) {
-        fs::remove(target());
-        EXPECT_TRUE(passesInChild([&] {
-            ASSERT_TRUE(testing::refuseSystemCalls({SYS_renameat2}, EINVAL));
-            if (!has_links) {
-                ASSERT_TRUE(testing::refuseSystemCalls(linking, EPERM));
-            }
-            const auto refused = file_replacement::existing::refused;
-            file_replacement first(target().string(), own_temporary_name, refused);
-            EXPECT_EQ(first.write_and_replace("first"), 0);
-            file_replacement second((directory_ / "g").string(), own_temporary_name, refused);
-            writeBytes(directory_ / "g", "of somebody else");
-            EXPECT_EQ(second.write_and_replace("second"), EEXIST);
-        })) << has_links;
-        EXPECT_EQ(bytesOf(target()), "first");
-        EXPECT_EQ(bytesOf(directory_ / "g"), "of somebody else");
-        EXPECT_FALSE(fs::exists(temporary()));
-    }
 }
 
 }  // namespace

@@ -282,6 +282,11 @@ TEST_F(VariableExpansion, HoldsSixteenMebibytesOfOpenValuesAndNoMore) {
     store_.variable("V26 = $V27");
     store_.variable("V27 = y");
     EXPECT_EQ((Outcome{-42, ""}), expanded("$V10"));
+    store_.variable("V26 = y");
+    store_.variable("V25 = $V26" + behind + "-");
+    EXPECT_EQ((Outcome{-42, ""}), expanded("$V10"));
+    store_.variable("V10 = $V11" + behind.substr(1));
+    EXPECT_EQ(1 + 16 * behind.size(), expanded("$V10").text.size());
 }
 
 TEST_F(VariableExpansion, EndsANameBeforeAnyOtherCharacter) {

@@ -4,10 +4,13 @@
 #include <tests/environment/installation.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/environment/work_zone.h>
+#include <trvfiles/support/platform.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -40,6 +43,16 @@ public:
 std::string temporaryDirectory() {
     const char* directory = get_temporary_directory();
     return directory != nullptr ? directory : "<none>";
+}
+
+/// Creates a directory in the installation whose path has so many characters.
+std::string directoryOfLength(const Installation& installation, std::size_t length, char letter) {
+    std::string path = installation.root();
+    while (length - path.size() > 200)
+        path += '/' + std::string(99, letter);
+    path += '/' + std::string(length - path.size() - 1, letter);
+    std::filesystem::create_directories(path);
+    return path;
 }
 
 using WorkZone = testing::ChildProcessTest;
@@ -198,6 +211,97 @@ TEST_F(WorkZone, TakesTheCounterBelowTheRootWhereTrvConfDoesNotExpand) {
         const ChannelLog log;
         EXPECT_EQ(temporaryDirectory(), installation.path("temporary/00000002"));
         EXPECT_THAT(log.traces(), Contains("$TRVCONF/workzone.num expansion error : -31"));
+    };
+    TRV_EXPECT_IN_CHILD(find);
+}
+
+// "/workzone.num" has 13 characters, so these paths have 511.
+TEST_F(WorkZone, TakesAZoneFileAndACounterWithPathsOf511Characters) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "paths of Windows end at 260 characters";
+    const auto find = [] {
+        const ZoneInstallation installation;
+        const std::string zone = directoryOfLength(installation, 498, 'z');
+        const std::string conf = directoryOfLength(installation, 498, 'c');
+        platform::set_environment("TRVZONE", zone.c_str());
+        platform::set_environment("TRVCONF", conf.c_str());
+        testing::writeBytes(conf + "/workzone.num", "1\n");
+        const ChannelLog log;
+        EXPECT_EQ(temporaryDirectory(), installation.path("temporary/00000002"));
+        EXPECT_EQ(textOf(zone + "/workzone.num"), "00000002\n");
+        EXPECT_EQ(textOf(conf + "/workzone.num"), "00000002\n");
+        EXPECT_THAT(log.errors(), IsEmpty());
+        EXPECT_THAT(log.fatals(), IsEmpty());
+    };
+    TRV_EXPECT_IN_CHILD(find);
+}
+
+TEST_F(WorkZone, TakesTheCounterBelowTheRootWhereThePathOfTrvConfHas512Characters) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "paths of Windows end at 260 characters";
+    const auto find = [] {
+        const ZoneInstallation installation;
+        const std::string conf = directoryOfLength(installation, 499, 'c');
+        platform::set_environment("TRVCONF", conf.c_str());
+        testing::writeBytes(conf + "/workzone.num", "1\n");
+        installation.write("client/trvconf/workzone.num", "7\n");
+        const ChannelLog log;
+        EXPECT_EQ(temporaryDirectory(), installation.path("temporary/00000008"));
+        EXPECT_EQ(textOf(conf + "/workzone.num"), "1\n");
+        EXPECT_THAT(log.traces(), Contains("$TRVCONF/workzone.num expansion error : -32"));
+        EXPECT_THAT(log.errors(), ElementsAre("_Expand(\"$TRVCONF/workzone.num\") = error -32 - "
+                                              "buffer size 512 too small"));
+        EXPECT_THAT(log.fatals(), IsEmpty());
+    };
+    TRV_EXPECT_IN_CHILD(find);
+}
+
+// "/client/trvconf/workzone.num" has 28 characters.
+TEST_F(WorkZone, TakesACounterBelowTheRootWithAPathOf511CharactersAndNoLongerOne) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "paths of Windows end at 260 characters";
+    const auto find = [] {
+        const ZoneInstallation installation("");
+        get_variable("TRVZONE");
+        platform::set_environment("TRVZONE", (installation.root() + "/zone").c_str());
+        platform::set_environment("TRVTMP", (installation.root() + "/temporary").c_str());
+        const std::string tooLong = directoryOfLength(installation, 484, 'l');
+        const std::string home = directoryOfLength(installation, 483, 'h');
+        for (const std::string& root : {tooLong, home}) {
+            std::filesystem::create_directories(root + "/client/trvconf");
+            testing::writeBytes(root + "/client/trvconf/workzone.num", "1\n");
+        }
+        const ChannelLog log;
+        platform::set_environment("TRVHOME", tooLong.c_str());
+        EXPECT_EQ(temporaryDirectory(), "<none>");
+        EXPECT_THAT(log.fatals(), ElementsAre("TRVHOME is not defined\n"));
+        EXPECT_THAT(log.errors(),
+                    Contains("_Expand(\"$TRVHOME/client/trvconf/workzone.num\") = error -32 - "
+                             "buffer size 512 too small"));
+        log.fatals().clear();
+        platform::set_environment("TRVHOME", home.c_str());
+        EXPECT_EQ(temporaryDirectory(), installation.path("temporary/00000002"));
+        EXPECT_EQ(textOf(home + "/client/trvconf/workzone.num"), "00000002\n");
+        EXPECT_EQ(textOf(tooLong + "/client/trvconf/workzone.num"), "1\n");
+        EXPECT_THAT(log.fatals(), IsEmpty());
+    };
+    TRV_EXPECT_IN_CHILD(find);
+}
+
+// "/00000010" has 9 characters.
+TEST_F(WorkZone, IsADirectoryWithAPathOf523CharactersAndNoLongerOne) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "paths of Windows end at 260 characters";
+    const auto find = [] {
+        const ZoneInstallation installation;
+        const std::string longest = directoryOfLength(installation, 514, 't');
+        const std::string tooLong = directoryOfLength(installation, 515, 'u');
+        const ChannelLog log;
+        platform::set_environment("TRVTMP", tooLong.c_str());
+        EXPECT_EQ(temporaryDirectory(), "<none>");
+        EXPECT_THAT(log.errors(), ElementsAre("_Expand(\"$TRVTMP/00000010\") = error -32 - "
+                                              "buffer size 524 too small"));
+        EXPECT_TRUE(std::filesystem::is_empty(tooLong));
+        platform::set_environment("TRVTMP", longest.c_str());
+        EXPECT_EQ(temporaryDirectory(), testing::backslashed(longest + "/00000010"));
+        EXPECT_TRUE(std::filesystem::is_directory(longest + "/00000010"));
+        EXPECT_THAT(log.fatals(), IsEmpty());
     };
     TRV_EXPECT_IN_CHILD(find);
 }

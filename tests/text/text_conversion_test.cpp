@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <limits>
 #include <string>
 
@@ -16,6 +17,7 @@ using trv::fromWide;
 using trv::isOpenable;
 using trv::nativePath;
 using trv::pathFromNarrow;
+using trv::pathFromSystem;
 using trv::pathFromWide;
 using trv::runtimePath;
 using trv::systemPath;
@@ -171,6 +173,21 @@ TEST(TextConversion, GivesThePathThatTheSystemTakes) {
     EXPECT_EQ(systemPath(wide(L"\u00E4 \U0001F527")).u8string(), "\xC3\xA4 \xF0\x9F\x94\xA7");
     if (onWindows()) GTEST_SKIP() << "the rest holds for POSIX";
     EXPECT_EQ(systemPath(wide(L"a\\b")).string(), "a/b");
+}
+
+TEST(TextConversion, TakesThePathThatTheSystemGives) {
+    for (const std::wstring& path :
+         {L"a"s, L"/b/c d"s, L"\u00E4\u65E5"s, L"\uFFFD"s, L"\uFEFFx"s}) {
+        const trv::HostPath given = pathFromSystem(systemPath(fromWide(path)).native());
+        EXPECT_EQ(given.text, fromWide(path));
+        EXPECT_TRUE(given.isExact);
+    }
+}
+
+TEST(TextConversion, FindsPathsOfPosixThatNoTextNames) {
+    if (onWindows()) GTEST_SKIP() << "each path of Windows has a text";
+    for (const char* path : {"\xE4", "\xEF\xBF\xBD\xFF", "\xED\xA0\x80", "a\\b"})
+        EXPECT_FALSE(pathFromSystem(std::filesystem::path(path).native()).isExact) << path;
 }
 
 TEST(TextConversion, DoesNotOpenAPathWithHalfACharacterWherePathsAreUtf8) {

@@ -112,14 +112,14 @@ std::wstring CMachineContextUtils::sGetFavoriteMachineContextDirectoryW() {
     std::string directory = expanded("TRV_MCTX_DEF", "$TRV_MCTX_DEF");
     if (directory.empty()) directory = expanded("TRVHOME", "$TRVHOME\\standard\\machine_context");
     if (directory.empty()) return {};
-    return trv::toWide(QDir(trv::nativePath(trv::fromNarrow(directory))).absolutePath());
+    return trv::toWide(trv::absolutePath(trv::pathFromNarrow(directory), {}).text);
 }
 
 std::vector<std::wstring> CMachineContextUtils::sGetFavoriteMachineContext(std::wstring directory) {
     if (directory.empty()) directory = sGetFavoriteMachineContextDirectoryW();
     const QString path = trv::nativePath(barePath(directory));
-    // An empty path would be walked as the current directory.
-    if (!trv::isOpenable(path)) return {};
+    // An empty path would be walked as the current directory, a resource as a directory in it.
+    if (!trv::isOpenable(path) || trv::isResource(path)) return {};
     std::vector<std::wstring> contexts;
     for (const QString& context : trv::findContexts(trv::listContextDirectories(QDir(path))))
         contexts.push_back(trv::toWide(context));

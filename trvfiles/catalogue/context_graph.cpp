@@ -1,22 +1,50 @@
 #include <trvfiles/catalogue/context_graph.h>
+#include <trvfiles/support/platform_directories.h>
+#include <trvfiles/text/text_conversion.h>
 
-#include <QFileInfo>
-#include <QHash>
-
+#include <algorithm>
 #include <cstddef>
 #include <deque>
+#include <filesystem>
+#include <string>
+#include <unordered_map>
 #include <utility>
 
 namespace trv {
 namespace {
+
+struct Subdirectory {
+    QString name;
+    // The order is that of these texts.
+    QString lowerCase;
+    bool isLink;
+};
+
+// Those that a path can hold, by name, ignoring case, as QDir sorts them. What differs in case only
+// comes by name.
+std::vector<Subdirectory> subdirectoriesOf(const QString& path) {
+    std::vector<Subdirectory> found;
+    for (const platform::subdirectory& entry : platform::subdirectories(systemPath(path))) {
+        HostPath name = pathFromSystem(entry.name);
+        // QDir::cd() enters no ":x", which it takes for a resource.
+        if (!name.isExact || name.text.startsWith(QLatin1Char(':'))) continue;
+        QString lowerCase = name.text.toLower();
+        found.push_back({std::move(name.text), std::move(lowerCase), entry.is_link});
+    }
+    std::sort(found.begin(), found.end(), [](const Subdirectory& a, const Subdirectory& b) {
+        const int order = a.lowerCase.compare(b.lowerCase);
+        return order != 0 ? order < 0 : a.name < b.name;
+    });
+    return found;
+}
 
 // Lists directories, each by its canonical path once. Directories that a link leads to come last,
 // so each one is listed by a path with as few links as possible: the system follows only so many
 // links within one path.
 class Explorer {
 public:
-    std::vector<ContextDirectory> explore(const QDir& start) {
-        waiting_.push_back({indexOf(start.canonicalPath()), start.path()});
+    std::vector<ContextDirectory> explore(const QString& start) {
+        waiting_.push_back({indexOf(platform::canonical_path(systemPath(start))), start});
         while (!waiting_.empty()) {
             const Waiting next = std::move(waiting_.front());
             waiting_.pop_front();
@@ -36,42 +64,34 @@ private:
     }
 
     // The place of a directory in the graph, which takes a new one.
-    int indexOf(const QString& canonical) {
-        const auto known = places_.constFind(canonical);
-        if (known != places_.constEnd()) return known.value();
-        const int place = static_cast<int>(directories_.size());
-        places_.insert(canonical, place);
-        directories_.emplace_back();
-        canonicalPaths_.push_back(canonical);
-        return place;
+    int indexOf(const std::filesystem::path& canonical) {
+        const int next = static_cast<int>(directories_.size());
+        const auto [place, isNew] = places_.emplace(canonical.native(), next);
+        if (isNew) {
+            directories_.emplace_back();
+            canonicalPaths_.push_back(canonical);
+        }
+        return place->second;
     }
 
     void list(const Waiting& waiting) {
         if (!at(waiting.directory).path.isEmpty()) return;
         at(waiting.directory).path = waiting.path;
-        const QDir directory(waiting.path);
-        // Without a sort order of its own the list comes by name, case ignored.
-        const QFileInfoList entries =
-            directory.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
-        for (const QFileInfo& entry : entries) {
-            const QString name = entry.fileName();
-            // Qt takes such a name for the path of a resource, which QDir::cd() does not enter.
-            if (name.startsWith(QLatin1Char(':'))) continue;
-            const int target = targetOf(entry, entryPath(waiting.path, name), waiting.directory);
-            at(waiting.directory).entries.push_back({name, target});
+        for (const Subdirectory& entry : subdirectoriesOf(waiting.path)) {
+            const int target =
+                targetOf(entry, entryPath(waiting.path, entry.name), waiting.directory);
+            at(waiting.directory).entries.push_back({entry.name, target});
         }
     }
 
-    int targetOf(const QFileInfo& entry, const QString& path, int parent) {
-        const QString name = entry.fileName();
-        if (isContext(contextPath(path, name))) return ContextEntry::context;
+    int targetOf(const Subdirectory& entry, const QString& path, int parent) {
+        if (isContext(contextPath(path, entry.name))) return ContextEntry::context;
         // Resolving a whole path takes a call for each of its parts, so only links are resolved.
-        const bool isLink = entry.isSymLink() || entry.isJunction();
         const int target =
-            indexOf(isLink ? QDir(path).canonicalPath()
-                           : entryPath(canonicalPaths_[static_cast<std::size_t>(parent)], name));
-        if (!at(target).path.isEmpty()) return target;
-        if (isLink) {
+            indexOf(entry.isLink ? platform::canonical_path(systemPath(path))
+                                 : canonicalPaths_[static_cast<std::size_t>(parent)] /
+                                       systemPath(entry.name));
+        if (entry.isLink) {
             waiting_.push_back({target, path});
         } else {
             waiting_.push_front({target, path});
@@ -80,15 +100,16 @@ private:
     }
 
     std::vector<ContextDirectory> directories_;
-    std::vector<QString> canonicalPaths_;
-    QHash<QString, int> places_;
+    // As the system has them: a text may not tell them apart.
+    std::vector<std::filesystem::path> canonicalPaths_;
+    std::unordered_map<std::filesystem::path::string_type, int> places_;
     std::deque<Waiting> waiting_;
 };
 
 }  // namespace
 
 std::vector<ContextDirectory> listContextDirectories(const QDir& start) {
-    return Explorer().explore(start);
+    return Explorer().explore(start.path());
 }
 
 QString entryPath(const QString& directory, const QString& name) {
@@ -102,8 +123,7 @@ QString contextPath(const QString& directory, const QString& name) {
 }
 
 bool isContext(const QString& path) {
-    const QFileInfo context(path);
-    return context.exists() && !context.isDir();
+    return platform::kind_of(systemPath(path)) == platform::file_kind::other;
 }
 
 }  // namespace trv

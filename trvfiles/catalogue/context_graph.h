@@ -26,11 +26,14 @@ struct ContextEntry {
 struct ContextDirectory {
     /// The path by which it has been listed.
     QString path;
-    /// By name, ignoring case. Hidden ones are left out.
+    /// By name, ignoring case. Hidden ones are left out, and names that no path can hold: on POSIX
+    /// those that are not UTF-8 and those with a "\".
     std::vector<ContextEntry> entries;
 };
 
 /// Lists each directory that can be entered from a directory, through links too, once.
+///
+/// REQUIRES: isOpenable() is true of the directory's path.
 ///
 /// @param start  the first one of the result; its own path is the beginning of all others that no
 ///               link leads to

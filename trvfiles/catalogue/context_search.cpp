@@ -1,6 +1,6 @@
 #include <trvfiles/catalogue/context_search.h>
-
-#include <QFileInfo>
+#include <trvfiles/support/platform_directories.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -13,6 +13,10 @@ using Places = std::vector<int>;
 
 std::size_t at(int place) {
     return static_cast<std::size_t>(place);
+}
+
+bool isDirectory(const QString& path) {
+    return platform::kind_of(systemPath(path)) == platform::file_kind::directory;
 }
 
 // For each directory those with an entry that leads there.
@@ -116,7 +120,7 @@ public:
     }
 
     std::vector<QString> run() {
-        if (leadsOn_[0]) enter(0, directories_[0].path);
+        enter(0, directories_[0].path);
         while (!chain_.empty()) {
             Step& step = chain_.back();
             if (step.next == step.entries.size()) {
@@ -167,17 +171,13 @@ private:
         const Places& members = components_.membersWith(directory);
         if (members.size() > 1) findWhatLeadsOnNow(members);
         Step step = {directory, path, {}, 0};
+        // What leadsOnNow_ says of another component may be old, but what it is true of leads on,
+        // so leavesComponent() is true of it as well.
         for (const ContextEntry& entry : directories_[at(directory)].entries) {
-            if (leavesComponent(entry, directory) || leadsOnWithin(entry, directory))
+            if (leavesComponent(entry, directory) || leadsOnNow_[at(entry.target)])
                 step.entries.push_back(&entry);
         }
         chain_.push_back(std::move(step));
-    }
-
-    bool leadsOnWithin(const ContextEntry& entry, int directory) const {
-        return entry.target != ContextEntry::context && !isEntered_[at(entry.target)] &&
-               components_.of(entry.target) == components_.of(directory) &&
-               leadsOnNow_[at(entry.target)];
     }
 
     // Which members of a component lead to a context without what has been entered.
@@ -206,7 +206,7 @@ private:
             if (isKnown || isContext(context)) found_.push_back(context);
             return;
         }
-        if (path == directories_[at(entry.target)].path || QFileInfo(path).isDir())
+        if (path == directories_[at(entry.target)].path || isDirectory(path))
             enter(entry.target, path);
     }
 

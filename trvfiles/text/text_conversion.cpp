@@ -56,6 +56,16 @@ bool asciiPath(const QString& path, std::string& narrow) {
     return true;
 }
 
+// A system has paths of one of the two types.
+template <class Text>
+HostPath pathIn(const Text& path) {
+    if constexpr (std::is_same_v<Text, std::string>) {
+        return pathFromNarrow(path);
+    } else {
+        return pathFromWide(path);
+    }
+}
+
 }  // namespace
 
 QString fromNarrow(const char* text) {
@@ -116,6 +126,12 @@ HostPath pathFromWide(const std::wstring& path) {
     // In UTF-16 a half of a surrogate pair is a unit like any other.
     const bool hasHalves = !platform::narrow_text_is_utf8();
     return {fromWide(path), hasHalves || std::all_of(path.begin(), path.end(), isCharacter)};
+}
+
+HostPath pathFromSystem(const std::filesystem::path::string_type& path) {
+    HostPath result = pathIn(path);
+    result.isExact = result.isExact && nativePath(result.text) == result.text;
+    return result;
 }
 
 std::wstring widePath(const std::string& path) {

@@ -59,6 +59,10 @@ bool isOpenable(const QString& path);
 /// The path as a standard file call takes it, "\" translated where needed. REQUIRES: isOpenable().
 std::filesystem::path systemPath(const QString& path);
 
+/// A path as the operating system has it: on POSIX UTF-8, on Windows UTF-16. Exact if systemPath()
+/// gives it back: on POSIX not if it holds a "\".
+HostPath pathFromSystem(const std::filesystem::path::string_type& path);
+
 /// The path as the runtime takes it, in narrow text.
 ///
 /// @param narrow  written on success only
