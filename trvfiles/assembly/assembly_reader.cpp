@@ -1,160 +1,123 @@
-#include <trvfiles/assembly/CTrvAssemblyData.h>
-#include <trvfiles/assembly/assembly_names.h>
+#include <trvfiles/assembly/assembly_builder.h>
 #include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/assembly/dom_tree.h>
+#include <trvfiles/assembly/dom_walk.h>
+#include <trvfiles/assembly/plain_scanner.h>
 #include <trvfiles/text/text_conversion.h>
 
+#include <QByteArray>
 #include <QDomElement>
+#include <QIODevice>
 #include <QString>
 
-#include <utility>
-#include <vector>
+#include <algorithm>
 
 namespace trv {
 namespace {
 
-// Reads "x", "y" and "z" and stops at the first that is no number; it and those after it are 0.
-bool readVector(const QDomElement& element, double vector[3]) {
-    const QString coordinates[] = {names::x(), names::y(), names::z()};
-    vector[0] = vector[1] = vector[2] = 0;
-    for (int i = 0; i < 3; ++i) {
-        bool isNumber = false;
-        const double value =
-            element.attribute(coordinates[i], QStringLiteral("0.0")).toDouble(&isNumber);
-        // A number out of range gives a value all the same, which is not taken.
-        if (!isNumber) return false;
-        vector[i] = value;
+QString latin1(std::string_view name) {
+    return QString::fromLatin1(name.data(), static_cast<int>(name.size()));
+}
+
+class DomElementStart final : public ElementStart {
+public:
+    explicit DomElementStart(const QDomElement& element)
+        : element_(element), tag_(element.tagName().toUtf8()) {}
+
+    std::string_view tag() const override { return viewOf(tag_); }
+    bool find(std::string_view attribute, std::string_view& value) const override {
+        const QString name = latin1(attribute);
+        if (!element_.hasAttribute(name)) return false;
+        value_ = element_.attribute(name).toUtf8();
+        value = viewOf(value_);
+        return true;
     }
-    return true;
-}
-
-bool readOrientation(const QDomElement& orientation, CTrvAssemblyComponentData& component) {
-    const QDomElement elements[] = {orientation.firstChildElement(names::vec1()),
-                                    orientation.firstChildElement(names::vec2()),
-                                    orientation.firstChildElement(names::vec3())};
-    double vectors[3][3];
-    for (int i = 0; i < 3; ++i) {
-        if (elements[i].isNull()) return false;
-        readVector(elements[i], vectors[i]);
+    std::string narrow(std::string_view attribute) const override {
+        return toNarrow(element_.attribute(latin1(attribute)));
     }
-    component.setOrientation(vectors[0], vectors[1], vectors[2]);
-    return true;
-}
+    int line() const override { return element_.lineNumber(); }
+    int column() const override { return element_.columnNumber(); }
 
-// Fills everything but the children. An "Orientation" that is not complete is the one failure.
-//
-// @param firstChild  the first child component; null where there is none
-bool readComponent(const QDomElement& element, CTrvAssemblyComponentData& component,
-                   QDomElement& firstChild) {
-    component.setName(toNarrow(element.attribute(names::name())));
-    component.setComment(toNarrow(element.attribute(names::comment())));
-    component.setEnabled(element.attribute(names::enabled(), QStringLiteral("1")) ==
-                         QLatin1String("1"));
-
-    const QDomElement translation = element.firstChildElement(names::translation());
-    if (!translation.isNull()) {
-        double vector[3];
-        readVector(translation, vector);
-        component.setTranslation(vector);
+private:
+    static std::string_view viewOf(const QByteArray& bytes) {
+        return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
     }
-    const QDomElement orientation = element.firstChildElement(names::orientation());
-    if (!orientation.isNull() && !readOrientation(orientation, component)) return false;
 
-    const QDomElement data = element.firstChildElement(names::data());
-    const QDomElement file = data.firstChildElement(names::file());
-    if (file.isNull()) {
-        firstChild = data.firstChildElement(names::component());
-    } else if (file.hasAttribute(names::name())) {
-        component.setGeometryFileName(toNarrow(file.attribute(names::name())));
+    const QDomElement& element_;
+    const QByteArray tag_;
+    mutable QByteArray value_;
+};
+
+class PlainElementStart final : public ElementStart {
+public:
+    explicit PlainElementStart(const PlainScanner& scanner) : scanner_(scanner) {}
+
+    std::string_view tag() const override { return scanner_.name(); }
+    bool find(std::string_view attribute, std::string_view& value) const override {
+        const auto isMeant = [&](const PlainScanner::Attribute& candidate) {
+            return candidate.name == attribute;
+        };
+        const auto* const found = std::find_if(scanner_.begin(), scanner_.end(), isMeant);
+        if (found == scanner_.end()) return false;
+        value = found->value;
+        return true;
     }
-    return true;
-}
-
-// Reads a component and all that is below it; children that fail are left out.
-bool readTree(const QDomElement& element, CTrvAssemblyComponentData& root, ReadReport& report) {
-    struct Level {
-        CTrvAssemblyComponentData component;
-        std::vector<CTrvAssemblyComponentData> children;
-        QDomElement nextChild;
-    };
-    std::vector<Level> levels(1);
-    if (!readComponent(element, levels.back().component, levels.back().nextChild)) return false;
-
-    for (;;) {
-        Level& level = levels.back();
-        if (!level.nextChild.isNull()) {
-            const QDomElement child = level.nextChild;
-            level.nextChild = child.nextSiblingElement(names::component());
-            Level below;
-            if (!readComponent(child, below.component, below.nextChild)) {
-                if (report.leftOut++ == 0) report.firstLeftOutLine = child.lineNumber();
-                continue;
-            }
-            if (below.nextChild.isNull()) {
-                level.children.push_back(std::move(below.component));
-            } else {
-                levels.push_back(std::move(below));
-            }
-            continue;
-        }
-        level.component.setComponents(std::move(level.children));
-        CTrvAssemblyComponentData complete = std::move(level.component);
-        levels.pop_back();
-        if (levels.empty()) {
-            root = std::move(complete);
-            return true;
-        }
-        levels.back().children.push_back(std::move(complete));
+    std::string narrow(std::string_view attribute) const override {
+        std::string_view value;
+        return find(attribute, value) ? narrowFromUtf8(value) : std::string();
     }
-}
+    int line() const override { return 0; }
+    int column() const override { return 0; }
 
-EFileIOStatus fail(EFileIOStatus status, const QString& reason, const QDomElement& place,
-                   ReadReport& report) {
-    report.fault = {reason, place.lineNumber(), place.columnNumber()};
-    return status;
-}
-
-QString missing(const QString& child, const QDomElement& parent) {
-    return QStringLiteral("<%1> has no <%2>").arg(parent.tagName(), child);
-}
+private:
+    const PlainScanner& scanner_;
+};
 
 }  // namespace
 
 EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssemblyData& data,
-                           ReadReport& report) {
-    const QDomElement root = document.documentElement();
-    if (root.tagName() != names::root()) {
-        return fail(
-            eFileIOStructureError,
-            QStringLiteral("the root element is <%1>, not <%2>").arg(root.tagName(), names::root()),
-            root, report);
-    }
-    bool isInteger = false;
-    version = root.attribute(names::version()).toInt(&isInteger);
-    if (!isInteger) {
-        return fail(eFileIOContentError,
-                    QStringLiteral("the version of <%1> is no integer").arg(names::root()), root,
-                    report);
-    }
-    const QDomElement attributes = root.firstChildElement(names::attributes());
-    if (attributes.isNull()) {
-        return fail(eFileIOContentError, missing(names::attributes(), root), root, report);
-    }
-    const QDomElement dimension = attributes.firstChildElement(names::dimension());
-    double size[3];
-    if (!dimension.isNull() && readVector(dimension, size)) data.setDimension(size);
+                           CFileFault* fault) {
+    const bool isAsked = fault != nullptr;
+    AssemblyBuilder builder(isAsked ? AssemblyBuilder::Notes::collected
+                                    : AssemblyBuilder::Notes::omitted);
+    const auto enter = [&](const QDomNode& node, int) {
+        if (!node.isElement()) return;
+        const QDomElement element = node.toElement();
+        builder.start(DomElementStart(element));
+        if (!node.hasChildNodes()) builder.end();
+    };
+    walkDocument(document, enter, [&](const QDomNode& node, int) {
+        if (node.isElement()) builder.end();
+    });
+    return builder.finish(version, data, fault);
+}
 
-    const QDomElement element = root.firstChildElement(names::component());
-    if (element.isNull()) {
-        return fail(eFileIOContentError, missing(names::component(), root), root, report);
+bool readPlainDocument(QIODevice& device, Accepted accepted, int& version,
+                       CTrvAssemblyData& data) {
+    // The shortest component with a placement and a file has more bytes.
+    constexpr qint64 minComponentSize = 128;
+    const auto maxComponents = static_cast<std::size_t>(device.size() / minComponentSize);
+    AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);
+    PlainScanner scanner(device, static_cast<std::size_t>(deepestNesting));
+    const PlainElementStart element(scanner);
+    for (;;) {
+        switch (scanner.next()) {
+            case PlainScanner::Event::elementStart:
+                builder.start(element);
+                break;
+            case PlainScanner::Event::elementEnd:
+                builder.end();
+                break;
+            case PlainScanner::Event::documentEnd: {
+                const bool isAccepted = accepted == Accepted::unaltered ? !builder.hasAltered()
+                                                                        : !builder.hasLeftOut();
+                if (!isAccepted || builder.status() != eFileIOSuccess) return false;
+                return builder.finish(version, data, nullptr) == eFileIOSuccess;
+            }
+            case PlainScanner::Event::unusual:
+                return false;
+        }
     }
-    CTrvAssemblyComponentData component;
-    if (!readTree(element, component, report)) {
-        return fail(eFileIOStructureError,
-                    QStringLiteral("the root component's <Orientation> is not complete"), element,
-                    report);
-    }
-    data.getRootComponent() = std::move(component);
-    return eFileIOSuccess;
 }
 
 }  // namespace trv

@@ -2,11 +2,16 @@
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/component_body.h>
+#include <trvfiles/assembly/dom_tree.h>
+#include <trvfiles/assembly/number_writing.h>
+#include <trvfiles/assembly/xml_characters.h>
+#include <trvfiles/support/file_fault.h>
+#include <trvfiles/support/platform.h>
 #include <trvfiles/text/text_conversion.h>
 
-#include <QDomElement>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -15,120 +20,254 @@ namespace trv {
 namespace {
 
 constexpr int formatVersion = 1;
+constexpr std::size_t indentation = 3;
+constexpr std::size_t blockSize = 65536;
 
 // A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
 // more.
-constexpr std::size_t deepestComponent = (deepestNesting - 2) / 2;
-constexpr std::size_t deepestShallowComponent = (shallowNesting - 2) / 2;
+constexpr std::size_t maxLevel = (deepestNesting - 2) / 2;
 
-// Qt's parser takes U+FFFE and U+FFFF for the end of its input.
-bool canBeReadBack(const QString& text) {
+constexpr char noncharacter[] = " has a text with U+FFFE or U+FFFF, which XML does not allow";
+
+// Narrow text that is UTF-8 without characters that XML does not allow, up to its first zero.
+bool isPlainText(const std::string& text) {
+    const bool isUtf8 = platform::narrow_text_is_utf8();
+    const char* at = text.c_str();
+    while (*at != '\0') {
+        const bool isAscii = static_cast<unsigned char>(*at) < 0x80;
+        const int length = isAscii ? 1 : isUtf8 ? utf8CharacterLength(at) : 0;
+        if (length == 0) return false;
+        at += length;
+    }
+    return true;
+}
+
+bool canBeReadBack(const std::string& narrow) {
+    if (isPlainText(narrow)) return true;
+    const QString text = fromNarrow(narrow);
     return !text.contains(QChar(0xFFFE)) && !text.contains(QChar(0xFFFF));
 }
 
-bool setText(QDomElement& element, const QString& attribute, const std::string& value) {
-    const QString text = fromNarrow(value);
-    if (!canBeReadBack(text)) return false;
-    element.setAttribute(attribute, text);
-    return true;
+bool isEmptyText(const std::string& narrow) {
+    return narrow.empty() || narrow.front() == '\0';
+}
+
+bool refuse(const ComponentBody& component, const char* reason, CFileFault* fault) {
+    if (fault == nullptr) return false;
+    const std::string name = fromNarrow(component.name).toStdString();
+    set_fault(fault, "component " + quoted_beginning(name) + reason);
+    return false;
+}
+
+bool isWritable(const ComponentBody& component, std::size_t level, CFileFault* fault) {
+    if (level > maxLevel) return refuse(component, " is nested too deeply", fault);
+    if (!canBeReadBack(component.name) || !canBeReadBack(component.comment)) {
+        return refuse(component, noncharacter, fault);
+    }
+    if (isEmptyText(component.geometryFileName) && component.components.empty()) {
+        return refuse(component, " has neither a geometry file nor components", fault);
+    }
+    return canBeReadBack(component.geometryFileName) || refuse(component, noncharacter, fault);
+}
+
+// Calls `enter(component, level)` for a component and each one below it that has a place in a file,
+// in document order, and `leave(component, level)` after those below a component. Iterative, with a
+// list of the open levels: the tree may be deeper than the stack allows.
+template <class Enter, class Leave>
+bool walk(const ComponentBody& root, Enter enter, Leave leave) {
+    struct Open {
+        const ComponentBody* component;
+        std::size_t next;
+    };
+    std::vector<Open> open;
+    const ComponentBody* component = &root;
+    for (;;) {
+        if (component != nullptr) {
+            if (!enter(*component, open.size() + 1)) return false;
+            open.push_back({component, 0});
+        }
+        Open& last = open.back();
+        // A geometry file hides the children: they are not written.
+        const bool hasChildren = isEmptyText(last.component->geometryFileName);
+        if (hasChildren && last.next < last.component->components.size()) {
+            component = &last.component->components[last.next++];
+            continue;
+        }
+        component = nullptr;
+        if (!leave(*last.component, open.size())) return false;
+        open.pop_back();
+        if (open.empty()) return true;
+    }
 }
 
 class Writer {
 public:
-    explicit Writer(DomTree& tree) : tree_(tree), document_(tree.document) {}
+    explicit Writer(const std::function<bool(std::string_view)>& write) : write_(write) {
+        text_.reserve(blockSize);
+    }
 
     bool write(const CTrvAssemblyData& data) {
-        document_.appendChild(document_.createProcessingInstruction(
-            QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"  ")));
-        QDomElement root = append(document_, names::root());
-        root.setAttribute(names::version(), formatVersion);
-        writeAttributes(root, data);
-        return writeTree(root, ComponentBody::of(data.getRootComponent()));
+        text_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"  ?>\n";
+        open(0, names::root);
+        appendAttribute(names::version, std::to_string(formatVersion));
+        text_ += ">\n";
+        writeAttributes(data);
+        const bool isWritten = walk(
+            ComponentBody::of(data.getRootComponent()),
+            [this](const ComponentBody& component, std::size_t level) {
+                return startComponent(component, 2 * level - 1);
+            },
+            [this](const ComponentBody&, std::size_t level) {
+                return endComponent(2 * level - 1);
+            });
+        if (!isWritten) return false;
+        close(0, names::root);
+        return text_.empty() || write_(text_);
     }
 
 private:
-    struct Pending {
-        QDomElement parent;
-        const std::vector<ComponentBody>* components;
-        std::size_t next;
-    };
-
-    QDomElement append(QDomNode& parent, const QString& tag) {
-        QDomElement element = document_.createElement(tag);
-        parent.appendChild(element);
-        return element;
-    }
-
-    void appendVector(QDomElement& parent, const QString& tag, const double vector[3]) {
-        QDomElement element = append(parent, tag);
-        element.setAttribute(names::x(), vector[0]);
-        element.setAttribute(names::y(), vector[1]);
-        element.setAttribute(names::z(), vector[2]);
-    }
-
-    void writeAttributes(QDomElement& root, const CTrvAssemblyData& data) {
+    void writeAttributes(const CTrvAssemblyData& data) {
         double dimension[3];
         data.getDimension(dimension);
-        QDomElement attributes = append(root, names::attributes());
-        appendVector(attributes, names::dimension(), dimension);
+        openParent(1, names::attributes);
+        appendVector(2, names::dimension, dimension);
+        close(1, names::attributes);
     }
 
-    // The tree may be deeper than the stack, so what is left to write stands in a list.
-    bool writeTree(QDomElement& root, const ComponentBody& component) {
-        if (!writeComponent(root, component)) return false;
-        while (!pending_.empty()) {
-            Pending& level = pending_.back();
-            if (level.next == level.components->size()) {
-                pending_.pop_back();
-                continue;
-            }
-            QDomElement parent = level.parent;
-            if (!writeComponent(parent, (*level.components)[level.next++])) return false;
+    bool startComponent(const ComponentBody& component, std::size_t depth) {
+        open(depth, names::component);
+        appendAttribute(names::name, component.name);
+        appendAttribute(names::comment, component.comment);
+        appendAttribute(names::enabled, component.enabled ? "1" : "0");
+        text_ += ">\n";
+        appendVector(depth + 1, names::translation, component.translation);
+        openParent(depth + 1, names::orientation);
+        appendVector(depth + 2, names::vec1, component.vec1);
+        appendVector(depth + 2, names::vec2, component.vec2);
+        appendVector(depth + 2, names::vec3, component.vec3);
+        close(depth + 1, names::orientation);
+
+        const bool hasFile = !isEmptyText(component.geometryFileName);
+        open(depth + 1, names::data);
+        appendAttribute(names::number,
+                        std::to_string(hasFile ? 1 : component.components.size()));
+        text_ += ">\n";
+        if (hasFile) {
+            open(depth + 2, names::file);
+            appendAttribute(names::name, component.geometryFileName);
+            text_ += "/>\n";
         }
-        return true;
+        return passBlock();
     }
 
-    bool writeComponent(QDomElement& parent, const ComponentBody& component) {
-        if (pending_.size() >= deepestComponent) return false;
-        if (pending_.size() >= deepestShallowComponent) tree_.isDeep = true;
-        QDomElement element = append(parent, names::component());
-        if (!setText(element, names::name(), component.name)) return false;
-        if (!setText(element, names::comment(), component.comment)) return false;
-        element.setAttribute(names::enabled(), component.enabled ? 1 : 0);
-        appendVector(element, names::translation(), component.translation);
-        QDomElement orientation = append(element, names::orientation());
-        appendVector(orientation, names::vec1(), component.vec1);
-        appendVector(orientation, names::vec2(), component.vec2);
-        appendVector(orientation, names::vec3(), component.vec3);
-        return writeData(element, component);
+    bool endComponent(std::size_t depth) {
+        close(depth + 1, names::data);
+        close(depth, names::component);
+        return passBlock();
     }
 
-    bool writeData(QDomElement& element, const ComponentBody& component) {
-        const QString fileName = fromNarrow(component.geometryFileName);
-        if (fileName.isEmpty() && component.components.empty()) return false;
-        if (!canBeReadBack(fileName)) return false;
-        QDomElement data = append(element, names::data());
-        if (fileName.isEmpty()) {
-            data.setAttribute(names::number(),
-                              static_cast<qulonglong>(component.components.size()));
-            pending_.push_back({data, &component.components, 0});
+    bool passBlock() {
+        if (text_.size() < blockSize) return true;
+        const bool isWritten = write_(text_);
+        text_.clear();
+        return isWritten;
+    }
+
+    void open(std::size_t depth, const char* tag) {
+        text_.append(depth * indentation, ' ');
+        text_ += '<';
+        text_ += tag;
+    }
+
+    void openParent(std::size_t depth, const char* tag) {
+        open(depth, tag);
+        text_ += ">\n";
+    }
+
+    void close(std::size_t depth, const char* tag) {
+        text_.append(depth * indentation, ' ');
+        text_ += "</";
+        text_ += tag;
+        text_ += ">\n";
+    }
+
+    void appendVector(std::size_t depth, const char* tag, const double vector[3]) {
+        open(depth, tag);
+        const char* const coordinates[] = {names::x, names::y, names::z};
+        for (int i = 0; i < 3; ++i) {
+            beginAttribute(coordinates[i]);
+            appendNumber(text_, vector[i]);
+            text_ += '"';
+        }
+        text_ += "/>\n";
+    }
+
+    void beginAttribute(const char* name) {
+        text_ += ' ';
+        text_ += name;
+        text_ += "=\"";
+    }
+
+    void appendAttribute(const char* name, const std::string& narrow) {
+        beginAttribute(name);
+        if (isPlainText(narrow)) {
+            appendEscaped(narrow.c_str());
         } else {
-            // A geometry file hides the children: they are not written.
-            data.setAttribute(names::number(), 1);
-            append(data, names::file()).setAttribute(names::name(), fileName);
+            appendEscaped(fromNarrow(narrow).toUtf8().constData());
         }
-        return true;
+        text_ += '"';
     }
 
-    DomTree& tree_;
-    QDomDocument& document_;
-    std::vector<Pending> pending_;
+    void appendEscaped(const char* utf8) {
+        const char* const begin = utf8;
+        for (const char* at = begin; *at != '\0'; ++at) {
+            switch (*at) {
+                case '<':
+                    text_ += "&lt;";
+                    break;
+                case '&':
+                    text_ += "&amp;";
+                    break;
+                case '"':
+                    text_ += "&quot;";
+                    break;
+                case '\t':
+                    text_ += "&#x9;";
+                    break;
+                case '\n':
+                    text_ += "&#xa;";
+                    break;
+                case '\r':
+                    text_ += "&#xd;";
+                    break;
+                case '>':
+                    // Not after "]]", where it would end a CDATA section.
+                    text_ += at - begin >= 2 && at[-1] == ']' && at[-2] == ']' ? "&gt;" : ">";
+                    break;
+                default:
+                    text_ += *at;
+            }
+        }
+    }
+
+    const std::function<bool(std::string_view)>& write_;
+    std::string text_;
 };
 
 }  // namespace
 
-bool writeDocument(const CTrvAssemblyData& data, DomTree& tree) {
-    return Writer(tree).write(data);
+bool isWritable(const CTrvAssemblyData& data, CFileFault* fault) {
+    return walk(
+        ComponentBody::of(data.getRootComponent()),
+        [fault](const ComponentBody& component, std::size_t level) {
+            return isWritable(component, level, fault);
+        },
+        [](const ComponentBody&, std::size_t) { return true; });
+}
+
+bool writeAssembly(const CTrvAssemblyData& data,
+                   const std::function<bool(std::string_view)>& write) {
+    return Writer(write).write(data);
 }
 
 }  // namespace trv

@@ -38,6 +38,9 @@ struct ComponentBody : ComponentFields {
     /// reads like a default-made one.
     static const ComponentBody& of(const CTrvAssemblyComponentData& component);
 
+    /// A component that has the body.
+    static CTrvAssemblyComponentData toComponent(ComponentBody body);
+
     /// A copy with all that is below.
     ComponentBody copy() const;
 

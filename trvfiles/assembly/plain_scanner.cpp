@@ -1,4 +1,5 @@
 #include <trvfiles/assembly/plain_scanner.h>
+#include <trvfiles/assembly/xml_characters.h>
 
 #include <QIODevice>
 
@@ -61,33 +62,6 @@ Pointer skipUntil(Pointer from, CharacterClass stop) {
     while (!is(*from, stop))
         ++from;
     return from;
-}
-
-unsigned byteAt(const char* at) {
-    return static_cast<unsigned char>(*at);
-}
-
-bool isContinuation(const char* at) {
-    return (byteAt(at) & 0xC0U) == 0x80;
-}
-
-// The length of the character of UTF-8 that begins here; 0 if it is malformed, U+FFFE or U+FFFF.
-// The zero byte after the buffer is not a continuation, so no byte after it is read.
-int characterLength(const char* at) {
-    const unsigned first = byteAt(at);
-    if (first < 0xC2 || first > 0xF4 || !isContinuation(at + 1)) return 0;
-    if (first < 0xE0) return 2;
-    const unsigned second = byteAt(at + 1);
-    if (!isContinuation(at + 2)) return 0;
-    if (first < 0xF0) {
-        const bool isOverlong = first == 0xE0 && second < 0xA0;
-        const bool isSurrogate = first == 0xED && second >= 0xA0;
-        const bool isNoncharacter = first == 0xEF && second == 0xBF && byteAt(at + 2) >= 0xBE;
-        return isOverlong || isSurrogate || isNoncharacter ? 0 : 3;
-    }
-    const bool isOverlong = first == 0xF0 && second < 0x90;
-    const bool isBeyondUnicode = first == 0xF4 && second >= 0x90;
-    return isOverlong || isBeyondUnicode || !isContinuation(at + 3) ? 0 : 4;
 }
 
 bool isAllowedByReference(std::uint32_t code) {
@@ -337,7 +311,7 @@ PlainScanner::Step PlainScanner::comment() {
             return Step::done;
         }
         if (at == end_) return Step::incomplete;
-        const int length = characterLength(at);
+        const int length = utf8CharacterLength(at);
         if (length == 0) return end_ - at < 4 && !isAtEnd_ ? Step::incomplete : Step::unusual;
         at += length;
     }
@@ -400,7 +374,7 @@ PlainScanner::Step PlainScanner::value(const char*& at, bool& hasReference) {
         } else if (at == end_) {
             return Step::incomplete;
         } else {
-            const int length = characterLength(at);
+            const int length = utf8CharacterLength(at);
             if (length == 0) return end_ - at < 4 && !isAtEnd_ ? Step::incomplete : Step::unusual;
             at += length;
         }

@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace trv {
 
@@ -26,6 +27,11 @@ QString fromWide(const std::wstring& text);
 /// What the code page cannot represent comes back as Qt's conversion makes it.
 std::string toNarrow(const QString& text);
 std::wstring toWide(const QString& text);
+
+/// toNarrow() of a text in UTF-8. On POSIX nothing is converted.
+///
+/// REQUIRES: valid UTF-8 without zeros.
+std::string narrowFromUtf8(std::string_view text);
 
 /// A path that a host gives. As a text it may change on its way into QString: a byte that is not
 /// UTF-8 becomes U+FFFD, two units of UTF-32 that are no characters become one character. Then the
