@@ -41,7 +41,8 @@ std::wstring wide(const std::string& path) {
     return std::filesystem::path(path).wstring();
 }
 
-// What a size of assembly needs, made on first use: comparisons that are left out cost nothing.
+// The data for one size of assembly. It is created on first use, so comparisons that are filtered
+// out cost nothing.
 struct Sample {
     explicit Sample(int leaves)
         : plain(plainSample(leaves)),
@@ -70,7 +71,7 @@ const Sample& sample(int leaves) {
     return *sample;
 }
 
-Work read(int leaves) {
+Workload read(int leaves) {
     return [leaves] {
         CTrvAssemblyData assembly;
         require(CQvFilesIO::sReadTrvAssembly(wide(sample(leaves).file), assembly) == eFileIOSuccess,
@@ -79,7 +80,7 @@ Work read(int leaves) {
     };
 }
 
-Work write(int leaves) {
+Workload write(int leaves) {
     return [leaves] {
         const Sample& it = sample(leaves);
         require(CQvFilesIO::sWriteTrvAssembly(wide(it.target), it.ours) == eFileIOSuccess,
@@ -87,49 +88,49 @@ Work write(int leaves) {
     };
 }
 
-Work flatten(int leaves) {
+Workload flatten(int leaves) {
     return [leaves] { benchmark::DoNotOptimize(sample(leaves).ours.getComponentFileList()); };
 }
 
-Work compare(int leaves) {
+Workload compare(int leaves) {
     return [leaves] {
         const Sample& it = sample(leaves);
         require(it.ours == it.otherOurs, "comparing two assemblies");
     };
 }
 
-Work copy(int leaves) {
+Workload copy(int leaves) {
     return [leaves] {
         CTrvAssemblyData assembly(sample(leaves).ours);
         benchmark::DoNotOptimize(assembly);
     };
 }
 
-Work flattenStructs(int leaves) {
+Workload flattenStructs(int leaves) {
     return [leaves] { benchmark::DoNotOptimize(flattenPlainly(sample(leaves).plain)); };
 }
 
-Work compareStructs(int leaves) {
+Workload compareStructs(int leaves) {
     return [leaves] {
         const Sample& it = sample(leaves);
         require(areEqual(it.plain, it.otherPlain), "comparing structs");
     };
 }
 
-Work copyStructs(int leaves) {
+Workload copyStructs(int leaves) {
     return [leaves] {
         PlainAssembly assembly(sample(leaves).plain);
         benchmark::DoNotOptimize(assembly);
     };
 }
 
-Comparison growth(const std::string& name, Work (*work)(int leaves)) {
+Comparison growth(const std::string& name, Workload (*work)(int leaves)) {
     constexpr double bound = 11.5;
     return {name + ", 100k against 10k", work(large), {{"trvfiles, 10k", work(small), bound}}};
 }
 
-// The least that can be expected: what does not fit the processor's caches takes longer.
-Comparison growthOfStructs(const std::string& name, Work (*work)(int leaves)) {
+// The lower limit of the growth: data that does not fit into the processor's caches takes longer.
+Comparison growthOfStructs(const std::string& name, Workload (*work)(int leaves)) {
     return {"structs: " + name + ", 100k against 10k",
             work(large),
             {{"structs, 10k", work(small), noBound}}};
@@ -143,7 +144,7 @@ Comparisons assemblyComparisons() {
     Comparison memory = {"read assembly, 100k, peak memory",
                          read(large),
                          {{"setContent and a walk into structs", readDom, 1.10}}};
-    memory.figure = [](const Work& work) {
+    memory.figure = [](const Workload& work) {
         sample(large);
         return peakMemory(work);
     };

@@ -22,8 +22,8 @@ const char* skipBlanks(const char* from, const char* end) {
     return from;
 }
 
-// Reads an axis file into the same sixteen numbers: the transposed lines and the inverse of a
-// rotation.
+// Reads an axis file into the same sixteen numbers as the library. The axes are the transposed
+// lines, which are the inverse of a rotation.
 bool readByHand(const char* path, Matrix& matrix, std::array<int, 3>& tags) {
     std::FILE* file = std::fopen(path, "r");
     if (file == nullptr) return false;

@@ -1,10 +1,10 @@
 #pragma once
 
 /// @file
-/// What is measured: a piece of work of the library, and peers that do the same work.
+/// A comparison: a workload of the library, and peers that do the same work.
 ///
-/// Each source of this folder offers a group of comparisons; main.cpp runs them. All works of one
-/// comparison run in one process, in turns, and what counts is the median of their runs.
+/// Each source of this directory defines a group of comparisons; main.cpp runs them. All workloads
+/// of one comparison run by turns in one process. The result of each is the median of its runs.
 
 #include <benchmark/benchmark.h>
 
@@ -17,39 +17,40 @@
 
 namespace trv::bench {
 
-/// A piece of work, called over and over.
-struct Work {
+/// A piece of work that is repeated.
+struct Workload {
     template <class Run, class = std::enable_if_t<std::is_invocable_v<Run&>>>
-    Work(Run timed) : run(std::move(timed)) {}
-    Work(std::function<void()> untimed, std::function<void()> timed)
+    Workload(Run timed) : run(std::move(timed)) {}
+    Workload(std::function<void()> untimed, std::function<void()> timed)
         : prepare(std::move(untimed)), run(std::move(timed)) {}
 
-    /// Where each run needs something that the one before has used up. Not timed.
+    /// Creates what each run consumes, if there is anything. Not timed.
     std::function<void()> prepare;
     std::function<void()> run;
 };
 
-/// Of a ratio that is measured to be compared with others.
+/// The bound of a ratio that is only printed.
 inline constexpr double noBound = std::numeric_limits<double>::infinity();
 
 struct Peer {
     std::string name;
-    Work work;
-    /// The largest ratio of our time to this peer's that will do.
+    Workload work;
+    /// The largest accepted ratio of the library's time to that of this peer.
     double bound;
 };
 
 struct Comparison {
     std::string name;
-    Work ours;
+    Workload ours;
     std::vector<Peer> peers;
-    /// What a work's figure is where it is no time: called once a run instead of being timed.
-    std::function<double(const Work&)> figure = nullptr;
+    /// The figure of a workload, if it is not a time. It is called once for each run, which is not
+    /// timed.
+    std::function<double(const Workload&)> figure = nullptr;
 };
 
 using Comparisons = std::vector<Comparison>;
 
-// One function a source.
+// One function for each source.
 Comparisons assemblyComparisons();
 Comparisons axisComparisons();
 Comparisons contextComparisons();
@@ -58,7 +59,7 @@ Comparisons storeGrowthComparisons();
 Comparisons expansionComparisons();
 Comparisons supportComparisons();
 
-/// A failure of a work ends the program: a figure for it would mean nothing.
+/// Ends the program if a workload fails, because its figure would be meaningless.
 void require(bool done, const char* what);
 
 }  // namespace trv::bench

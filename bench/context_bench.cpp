@@ -34,8 +34,8 @@ Peer reader(const char* name, Read read, const std::string& path) {
     return {name, work, below};
 }
 
-// What is saved differs from one call to the next: a library may leave a file alone in which
-// nothing changes.
+// A comment that differs from one call to the next: a library may skip the save of a file that does
+// not change.
 class Comment {
 public:
     const char* next() {
@@ -47,7 +47,7 @@ private:
     bool isFirst_ = false;
 };
 
-// Each writes to a file of its own, which exists from the first call on.
+// Each peer writes to its own file, which exists from the first call on.
 Peer saver(const char* name, Save save, double bound) {
     const std::string path = workFile(std::string("saved with ") + name);
     const auto work = [save, path, comment = Comment()]() mutable {

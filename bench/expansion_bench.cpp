@@ -24,7 +24,7 @@ std::string expandWithShellRules(const char* text) {
 
 }  // namespace
 
-// The library finds X in its store. The peers that know no store find Y in the environment.
+// The library finds X in its store. Peers without a store find Y in the environment.
 Comparisons expansionComparisons() {
     constexpr char text[] = "$HOME/a/${X}/b";
     constexpr char textForPeers[] = "$HOME/a/${Y}/b";

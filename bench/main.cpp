@@ -1,5 +1,5 @@
-// Runs the comparisons, prints their ratios as a table or as JSON, and answers 1 when one of them
-// misses its bound.
+// Runs the comparisons and prints their ratios as a table or as JSON. Ends with 1 if a ratio is
+// above its bound.
 
 #include <bench/comparison.h>
 
@@ -66,21 +66,22 @@ private:
     Runs runs_;
 };
 
-std::vector<std::pair<std::string, Work>> worksOf(const Comparison& comparison) {
-    std::vector<std::pair<std::string, Work>> works = {{ours, comparison.ours}};
+std::vector<std::pair<std::string, Workload>> workloadsOf(const Comparison& comparison) {
+    std::vector<std::pair<std::string, Workload>> workloads = {{ours, comparison.ours}};
     for (const Peer& peer : comparison.peers)
-        works.emplace_back(peer.name, peer.work);
-    return works;
+        workloads.emplace_back(peer.name, peer.work);
+    return workloads;
 }
 
-void runOnce(const Work& work) {
+void runOnce(const Workload& work) {
     if (work.prepare != nullptr) work.prepare();
     work.run();
 }
 
 Runs timed(const Comparison& comparison, int repetitions) {
-    for (const auto& [name, work] : worksOf(comparison)) {
-        // What a first run makes, such as a sample, would lead to too few iterations of this work.
+    for (const auto& [name, work] : workloadsOf(comparison)) {
+        // The first run may create a sample. If it were timed, the number of iterations would be
+        // too small.
         runOnce(work);
         const auto loop = [work = work](benchmark::State& state) {
             for (auto _ : state) {
@@ -106,7 +107,7 @@ Runs timed(const Comparison& comparison, int repetitions) {
 Runs figured(const Comparison& comparison, int repetitions) {
     Runs runs;
     for (int run = 0; run < repetitions; ++run) {
-        for (const auto& [name, work] : worksOf(comparison))
+        for (const auto& [name, work] : workloadsOf(comparison))
             runs[name].push_back(comparison.figure(work));
     }
     return runs;
@@ -203,11 +204,12 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     QCommandLineParser options;
     const QCommandLineOption filter(QStringLiteral("filter"),
-                                    QStringLiteral("Only works whose name holds <text>"),
+                                    QStringLiteral("Only workloads whose names contain <text>"),
                                     QStringLiteral("text"));
     const QCommandLineOption repetitions(QStringLiteral("runs"), QStringLiteral("Runs of each"),
                                          QStringLiteral("number"), QStringLiteral("7"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Write JSON, too"),
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Also write JSON to <file>"),
                                   QStringLiteral("file"));
     options.addOptions({filter, repetitions, json});
     options.addHelpOption();

@@ -10,7 +10,7 @@
 namespace trv::bench {
 namespace {
 
-// A line "<name>  <n> kB" of the process's own status, in bytes.
+// The value of the line "<name>  <n> kB" of the process's own status, in bytes.
 double statusBytes(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -20,8 +20,8 @@ double statusBytes(const std::string& name) {
     return 0;
 }
 
-// A child inherits its parent's free memory and its largest size: the one would hide growth, the
-// other tell of the parent's.
+// A child inherits its parent's free memory, which would hide growth, and its peak size, which
+// would be reported instead of that of the child.
 void forgetParent() {
     ::malloc_trim(0);
     std::ofstream("/proc/self/clear_refs") << "5";
@@ -29,7 +29,7 @@ void forgetParent() {
 
 }  // namespace
 
-double peakMemory(const Work& work) {
+double peakMemory(const Workload& work) {
     int ends[2];
     require(::pipe(ends) == 0, "making a pipe");
     const pid_t child = ::fork();
@@ -39,15 +39,15 @@ double peakMemory(const Work& work) {
         const double before = statusBytes("VmRSS:");
         work.run();
         const double growth = statusBytes("VmHWM:") - before;
-        const bool isTold = ::write(ends[1], &growth, sizeof growth) == sizeof growth;
-        ::_exit(isTold ? 0 : 1);
+        const bool isSent = ::write(ends[1], &growth, sizeof growth) == sizeof growth;
+        ::_exit(isSent ? 0 : 1);
     }
     double growth = 0;
     ::close(ends[1]);
-    const bool isTold = ::read(ends[0], &growth, sizeof growth) == sizeof growth;
+    const bool isSent = ::read(ends[0], &growth, sizeof growth) == sizeof growth;
     ::close(ends[0]);
     int status = 0;
-    require(::waitpid(child, &status, 0) == child && isTold && growth > 0,
+    require(::waitpid(child, &status, 0) == child && isSent && growth > 0,
             "measuring memory in a process of its own");
     return growth;
 }

@@ -1,15 +1,15 @@
 #pragma once
 
 /// @file
-/// How much memory a piece of work takes at its most.
+/// The peak memory of a workload.
 
 #include <bench/comparison.h>
 
 namespace trv::bench {
 
-/// Runs the work once in a child process.
+/// Runs the workload once in a child process.
 ///
-/// @return by how many bytes the process grew at its largest, over what it had at the start
-double peakMemory(const Work& work);
+/// @return the difference of the peak and the initial size of the process, in bytes
+double peakMemory(const Workload& work);
 
 }  // namespace trv::bench

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What a careful programmer would write without the library: an assembly as plain structs, and the
-/// shortest code that reads, writes, flattens, compares and copies it.
+/// The code that a careful programmer would write without the library: an assembly as plain
+/// structs, and the shortest code that reads, writes, flattens, compares and copies it.
 
 #include <array>
 #include <string>
@@ -40,10 +40,10 @@ struct PlainPlaced {
 /// An assembly of flat groups of 100 leaves.
 PlainAssembly plainSample(int leaves);
 
-/// Through QDomDocument::setContent().
+/// Reads with QDomDocument::setContent().
 PlainAssembly readPlainly(const std::string& path);
 
-/// Through a QDomDocument, its toString(3) and one write.
+/// Writes with a QDomDocument, its toString(3) and one write.
 void writePlainly(const std::string& path, const PlainAssembly& assembly);
 
 std::vector<PlainPlaced> flattenPlainly(const PlainAssembly& assembly);

@@ -18,7 +18,7 @@
 namespace trv::bench {
 namespace {
 
-// Each field with its place in the file.
+// Each field with its section and key in the file.
 template <class Visit>
 void visitFields(Visit visit) {
     visit("header", "comment", &PlainContext::comment);
@@ -43,7 +43,7 @@ int takeInih(void* context, const char* section, const char* key, const char* va
     return 1;
 }
 
-// A file written by another program reaches the disk when it is synced under its name.
+// Syncs a file by its name, because the library that wrote it has closed it.
 void syncFile(const std::string& path) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     require(file >= 0 && ::fsync(file) == 0 && ::close(file) == 0, "syncing a file");

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The fields of a machine context as a plain struct, and how other libraries read and save them
-/// under the same sections and keys.
+/// The fields of a machine context as a plain struct, and functions that read and save them with
+/// other libraries, under the same sections and keys.
 
 #include <string>
 
@@ -33,7 +33,7 @@ void saveWithQSettings(const std::string& path, const PlainContext& context);
 void saveWithGKeyFile(const std::string& path, const PlainContext& context);
 void saveWithKConfig(const std::string& path, const PlainContext& context);
 
-/// Into a temporary file, which is synced and renamed.
+/// Writes a temporary file, which is synced and renamed.
 void saveByHand(const std::string& path, const PlainContext& context);
 
 }  // namespace trv::bench

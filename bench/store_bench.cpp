@@ -94,25 +94,25 @@ Comparison loading() {
               2.0}}};
 }
 
-// Only the second file is timed, and of a peer that cannot merge the loading of that file alone.
+// Only the load of the second file is timed. A peer that cannot merge loads only that file.
 Comparison merging() {
     const std::string first = variableFile("variables.msg", 0);
     const std::string second = variableFile("more-variables.msg", 100000);
     const auto store = std::make_shared<Store>();
     const auto simpleIni = std::make_shared<std::unique_ptr<CSimpleIniA>>();
     const auto settings = std::make_shared<PlainSettings>();
-    const Work ours([=] { *store = loadStore(first); },
-                    [=] {
-                        require(load_message_file(store->get(), second.c_str()) == store->get(),
-                                "merging variables");
-                    });
-    const Work withSimpleIni(
+    const Workload ours([=] { *store = loadStore(first); },
+                        [=] {
+                            require(load_message_file(store->get(), second.c_str()) == store->get(),
+                                    "merging variables");
+                        });
+    const Workload withSimpleIni(
         [=] {
             *simpleIni = std::make_unique<CSimpleIniA>();
             loadSimpleIni(first, **simpleIni);
         },
         [=] { loadSimpleIni(second, **simpleIni); });
-    const Work byHand(
+    const Workload byHand(
         [=] {
             *settings = PlainSettings();
             loadByHand(first, *settings);
@@ -126,7 +126,7 @@ Comparison merging() {
              {"hand parser, unordered_map", byHand, 4.0}}};
 }
 
-// The library and the map find a name in any case, so they are asked in another one.
+// The library and the map ignore the case of a name, so they get names in another case.
 Comparison lookups() {
     const std::string path = variableFile("variables.msg", 0);
     const auto names = std::make_shared<std::vector<std::string>>();

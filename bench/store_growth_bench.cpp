@@ -1,4 +1,4 @@
-// Inputs that were made to slow a store down, against ordinary inputs of the same size.
+// Compares inputs that are chosen to slow a store down with ordinary inputs of the same size.
 
 #include <bench/bench_files.h>
 #include <bench/comparison.h>
@@ -30,8 +30,8 @@ std::string ordinaryName(int number) {
     return name;
 }
 
-// Names that share a hash where blocks of eight characters are multiplied by an odd factor and
-// shifted by 32, whatever the hash starts with.
+// Names that share a hash if the hash multiplies blocks of eight characters by an odd factor and
+// shifts by 32, whatever the initial value of the hash.
 std::string collidingName(int number) {
     std::string name;
     for (int pair = 0; pair < 15; ++pair) {
@@ -42,7 +42,7 @@ std::string collidingName(int number) {
     return name;
 }
 
-// Names that share a hash where the case bit of every ASCII character is ignored.
+// Names that share a hash if the hash ignores the case bit of every ASCII character.
 std::string bracketName(int number) {
     std::string name(nameLength, 'x');
     for (int place = 0; place < 15; ++place)
@@ -50,7 +50,7 @@ std::string bracketName(int number) {
     return name;
 }
 
-Work merge(const std::string& fileName, NameOf nameOf) {
+Workload merge(const std::string& fileName, NameOf nameOf) {
     std::string text = "[var]\n";
     for (int number = 0; number < count; ++number)
         text += nameOf(number) + " = 1\n";
@@ -79,7 +79,7 @@ Comparison mergingBrackets() {
 }
 
 // Renames every entry in the given order, from A to B or from A0, A1, ... to B0, B1, ...
-Work rename(const std::vector<int>& order, bool numbered) {
+Workload rename(const std::vector<int>& order, bool numbered) {
     const auto store = std::make_shared<Store>();
     const auto textOf = [=](const char* name, int number) {
         return name + (numbered ? std::to_string(number) : std::string()) + " = 1";

@@ -14,7 +14,7 @@
 namespace trv::bench {
 namespace {
 
-// Sizes as a program that handles texts asks for them.
+// Sizes that are typical of a program that handles texts.
 constexpr std::size_t blockSize(std::size_t i) {
     return 16 + i * 37 % 500;
 }

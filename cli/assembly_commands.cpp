@@ -56,14 +56,16 @@ CommandGroup assemblyCommands() {
     showTree.arguments = QStringLiteral("FILE");
     showTree.summary = QStringLiteral("Show the components of an assembly");
     showTree.details = QStringLiteral(
-        "Prints a line for each component: its name, its geometry file, its placement in its\n"
-        "parent's frame, its comment. Axes are shown where they are not those of the parent.\n");
+        "Prints a line for each component: its name, its geometry file, its placement in\n"
+        "its parent's frame, its comment. Axes are printed if they are not those of the\n"
+        "parent.\n");
     showTree.run = tree;
 
     Command listFiles;
     listFiles.name = QStringLiteral("assembly list");
     listFiles.arguments = QStringLiteral("[--json | --csv] FILE");
-    listFiles.summary = QStringLiteral("List the geometry files of an assembly where they end up");
+    listFiles.summary =
+        QStringLiteral("List the placed geometry files of an assembly");
     listFiles.details = QStringLiteral(
         "Prints a line for each placed file: its name, its translation and its three axis\n"
         "vectors in the assembly's frame. Disabled components are left out.\n");
@@ -76,10 +78,10 @@ CommandGroup assemblyCommands() {
     Command compare;
     compare.name = QStringLiteral("assembly diff");
     compare.arguments = QStringLiteral("FILE FILE");
-    compare.summary = QStringLiteral("Tell what differs between two assemblies");
+    compare.summary = QStringLiteral("Show the differences between two assemblies");
     compare.details = QStringLiteral(
-        "Prints a line for each difference beyond the tolerances. Exit status: 0 equal,\n"
-        "1 different, 2 an error. Differences in vec3 are noted and do not count.\n");
+        "Prints a line for each difference beyond the tolerances. Differences in vec3 are\n"
+        "noted and do not count. Exit status: 0 equal, 1 different, 2 an error.\n");
     compare.fewestFiles = 2;
     compare.mostFiles = 2;
     compare.run = diff;

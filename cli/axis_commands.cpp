@@ -107,7 +107,7 @@ QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
                         {QStringLiteral("vec2"), 4},
                         {QStringLiteral("vec3"), 8},
                         {QStringLiteral("translate"), 12}};
-    axis.matrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    axis.matrix = identityAxis;
     int vectors = 0;
     for (const Row& row : rows) {
         if (!call.isSet(row.option)) continue;
@@ -162,8 +162,8 @@ CommandGroup axisCommands() {
     showAxis.arguments = QStringLiteral("[--json] FILE");
     showAxis.summary = QStringLiteral("Show an axis file");
     showAxis.details = QStringLiteral(
-        "Prints the matrix that a program reads from the file, its inverse, and what kind of\n"
-        "placement it is.\n");
+        "Prints the matrix that a program reads from the file, its inverse, and the kind\n"
+        "of the placement.\n");
     showAxis.options = {jsonOption()};
     showAxis.run = show;
 
@@ -172,8 +172,8 @@ CommandGroup axisCommands() {
     invertAxis.arguments = QStringLiteral("IN OUT");
     invertAxis.summary = QStringLiteral("Write the inverse of an axis file to another one");
     invertAxis.details = QStringLiteral(
-        "Reading OUT gives the inverse of what reading IN gives. The tags are kept. OUT is\n"
-        "overwritten; it may be IN.\n");
+        "Reading OUT gives the inverse of what reading IN gives. The tags are kept. OUT\n"
+        "is overwritten; it may be IN.\n");
     invertAxis.fewestFiles = 2;
     invertAxis.mostFiles = 2;
     invertAxis.run = invert;
@@ -183,15 +183,15 @@ CommandGroup axisCommands() {
     writeAxisFile.arguments = QStringLiteral("[OPTION...] FILE");
     writeAxisFile.summary = QStringLiteral("Write an axis file");
     writeAxisFile.details = QStringLiteral(
-        "Without options the file holds the identity and no tags. Numbers have a \".\" and are\n"
-        "rounded to six decimals. FILE is overwritten.\n");
-    writeAxisFile.options = {
-        numbersOption("translate", "The translation"),
-        numbersOption("vec1", "The image of the x axis"),
-        numbersOption("vec2", "The image of the y axis"),
-        numbersOption("vec3", "The image of the z axis"),
-        QCommandLineOption(QStringLiteral("tags"), QStringLiteral("Three whole numbers from 0 on"),
-                           QStringLiteral("A,B,C"))};
+        "Without options the file contains the identity and no tags. Numbers have a \".\"\n"
+        "and are rounded to six decimals. FILE is overwritten.\n");
+    writeAxisFile.options = {numbersOption("translate", "The translation"),
+                             numbersOption("vec1", "The image of the x axis"),
+                             numbersOption("vec2", "The image of the y axis"),
+                             numbersOption("vec3", "The image of the z axis"),
+                             QCommandLineOption(QStringLiteral("tags"),
+                                                QStringLiteral("Three whole numbers, at least 0"),
+                                                QStringLiteral("A,B,C"))};
     writeAxisFile.run = write;
     return {showAxis, invertAxis, writeAxisFile};
 }

@@ -5,18 +5,25 @@
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace trv::cli {
 namespace {
 
 Problem checkAssembly(const QString& name, QString& summary) {
     CTrvAssemblyData assembly;
-    ReadReport report;
-    if (Problem problem = readAssembly(name, assembly, &report)) return problem;
+    std::vector<CFileFault::Note> notes;
+    if (Problem problem = readAssembly(name, assembly, &notes)) return problem;
     summary = assemblySummary(assembly);
-    if (report.leftOut != 0) {
-        summary +=
-            QStringLiteral(", %1 left out for an incomplete <Orientation>, first in line %2")
-                .arg(QString::number(report.leftOut), QString::number(report.firstLeftOutLine));
+    const auto isLeftOut = [](const CFileFault::Note& note) {
+        return note.kind == CFileFault::Note::Kind::leftOut;
+    };
+    const auto first = std::find_if(notes.begin(), notes.end(), isLeftOut);
+    if (first != notes.end()) {
+        summary += QStringLiteral(", %1 left out for an incomplete <Orientation>, first in line %2")
+                       .arg(QString::number(std::count_if(first, notes.end(), isLeftOut)),
+                            QString::number(first->line));
     }
     return {};
 }
@@ -73,8 +80,8 @@ CommandGroup checkCommand() {
     command.arguments = QStringLiteral("FILE...");
     command.summary = QStringLiteral("Check that files can be read");
     command.details = QStringLiteral(
-        "Prints a line for each file. Exit status: 0 all files can be read, 1 one cannot,\n"
-        "2 an error.\n");
+        "Prints a line for each file. Exit status: 0 all files can be read, 1 a file\n"
+        "cannot be read, 2 an error.\n");
     command.mostFiles = Command::anyNumber;
     command.run = check;
     return {command};

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What a subcommand is: how it is called, what it says about itself, what runs.
+/// The description of a subcommand: its name, its help, its options and its function.
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -14,17 +14,17 @@
 
 namespace trv::cli {
 
-/// What the process ends with.
+/// The exit status of the process.
 enum ExitStatus : int {
-    /// Done, or the answer is yes.
+    /// Done, and the answer is yes, if there is a question.
     done = 0,
-    /// Done, and the answer is no: files differ, a file is broken.
+    /// Done, and the answer is no: files differ, a file cannot be read.
     negative = 1,
-    /// Not done: bad usage, a file that cannot be read or written.
+    /// Not done: wrong arguments, a file that cannot be read or written.
     failed = 2
 };
 
-/// Where the texts go, in UTF-8: results to `out`, everything else to `err`.
+/// The streams for texts in UTF-8: results go to `out`, everything else to `err`.
 struct Console {
     std::ostream& out;
     std::ostream& err;
@@ -34,26 +34,27 @@ struct Console {
 struct Command {
     static constexpr int anyNumber = std::numeric_limits<int>::max();
 
-    /// The words behind "trvfiles", such as "assembly tree".
+    /// The words after "trvfiles", for example "assembly tree".
     QString name;
-    /// The arguments behind the name as the help shows them.
+    /// The arguments after the name, as in the help.
     QString arguments;
     /// One line for the list of commands.
     QString summary;
-    /// What the help adds to the summary: lines, each with its end.
+    /// The lines of the help after the summary, each with its line end. A line has at most 80
+    /// columns.
     QString details;
     QList<QCommandLineOption> options;
-    /// What a message calls one of the arguments.
+    /// The name of one argument in messages.
     QString operand = QStringLiteral("file name");
     int fewestFiles = 1;
     int mostFiles = 1;
-    /// Called with the options and as many arguments as are allowed.
+    /// Called with an allowed number of arguments.
     ExitStatus (*run)(const QCommandLineParser& call, const Console& console) = nullptr;
 };
 
 using CommandGroup = std::vector<Command>;
 
-// One function a file of subcommands; dispatch.cpp lists them.
+// One function for each file of subcommands; dispatch.cpp lists them.
 CommandGroup showCommand();
 CommandGroup checkCommand();
 CommandGroup assemblyCommands();
@@ -61,14 +62,14 @@ CommandGroup axisCommands();
 CommandGroup contextCommands();
 CommandGroup envCommands();
 
-/// Says what is wrong with a call and where help is.
+/// Prints why a call is rejected, and the call that prints the help.
 ///
-/// @param command  the words behind "trvfiles", none of them where no command was recognised
+/// @param command  the words after "trvfiles"; empty if no command was recognised
 /// @param reason   a sentence
-/// @return what the command is to end with
+/// @return the exit status of the command
 ExitStatus refuseCall(const Console& console, const QString& command, const QString& reason);
 
-/// "--json", as every command that has it means it.
+/// The option "--json", the same for every command.
 QCommandLineOption jsonOption();
 
 }  // namespace trv::cli

@@ -200,22 +200,23 @@ ExitStatus createContext(const QCommandLineParser& call, const Console& console)
 Command contextCreateCommand() {
     Command command;
     command.name = QStringLiteral("context create");
-    command.arguments = QStringLiteral("{--position N | --machine M [--axis F] [--name K]} DIR");
+    command.arguments = QStringLiteral(
+        "--position N DIR\n       trvfiles context create --machine M [--axis F] [--name K] DIR");
     command.summary = QStringLiteral("Create a machine context and its reference axis file");
     command.details = QStringLiteral(
-        "With --position it is the default context of a machine position; DIR gets a\n"
-        "transfo.dat if it has none. With --machine it is a context for a machine. Nothing is\n"
-        "overwritten by it. Prints the paths of the two files.\n");
+        "With --position it creates the default context of a machine position, and DIR\n"
+        "gets a transfo.dat if it has none. With --machine it creates a context for a\n"
+        "machine and overwrites nothing. Prints the paths of the two files.\n");
     command.options = {
         QCommandLineOption(QStringLiteral("position"),
-                           QStringLiteral("The machine position, from 1 on"), QStringLiteral("N")),
+                           QStringLiteral("The machine position, at least 1"), QStringLiteral("N")),
         QCommandLineOption(QStringLiteral("machine"), QStringLiteral("The machine"),
                            QStringLiteral("M")),
         QCommandLineOption(QStringLiteral("axis"),
-                           QStringLiteral("The axis file in DIR to copy, in place of transfo.dat"),
+                           QStringLiteral("The axis file in DIR to copy instead of transfo.dat"),
                            QStringLiteral("F")),
         QCommandLineOption(QStringLiteral("name"),
-                           QStringLiteral("The context's name, in place of M[AXIS]"),
+                           QStringLiteral("The context's name instead of M[AXIS]"),
                            QStringLiteral("K"))};
     command.operand = QStringLiteral("directory");
     command.run = createContext;

@@ -1,47 +1,28 @@
 #pragma once
 
 /// @file
-/// The fields of a machine context under the names that their sections and keys give them.
+/// The fields of a machine context as texts that a command shows and takes.
 ///
 /// Threads: any.
 
-#include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/machine_context/context_fields.h>
 
 #include <QString>
 
-#include <string>
-#include <vector>
-
 namespace trv::cli {
 
-/// A text, a proximity, or the origin. Of the functions, those that are not its own are null.
-struct ContextField {
-    const char* section;
-    const char* key;
-    std::wstring (CMachineContextData::*text)() const;
-    void (CMachineContextData::*setText)(const std::wstring&);
-    double (CMachineContextData::*proximity)() const;
-    void (CMachineContextData::*setProximity)(double);
+/// "machine.name"
+QString nameOf(const ContextField& field);
 
-    bool isText() const { return text != nullptr; }
-    bool isProximity() const { return proximity != nullptr; }
-
-    /// "machine.name"
-    QString name() const;
-};
-
-/// All of them, in the order of a file.
-const std::vector<ContextField>& contextFields();
-
-/// @return the field, or none (null)
+/// @return the field of a name; nullptr if there is none
 const ContextField* findContextField(const QString& name);
 
-/// A field as it stands in a written file.
-QString storedText(const ContextField& field, const CMachineContextData& data);
+/// A field as it is in a written file.
+QString storedValue(const ContextField& field, const CMachineContextData& data);
 
-/// Sets a field from a text, unless what a file would give back is something else.
+/// Sets a field to a text, unless a file would give back something else.
 ///
-/// @return what is wrong with the text, a sentence; empty where nothing is
+/// @return what is wrong with the text, a sentence; empty if nothing is
 QString setContextField(const ContextField& field, const QString& text, CMachineContextData& data);
 
 }  // namespace trv::cli

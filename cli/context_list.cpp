@@ -110,9 +110,9 @@ Command contextListCommand() {
     command.arguments = QStringLiteral("[--root DIR] [--json] [DIR]");
     command.summary = QStringLiteral("List the favourite machine contexts");
     command.details = QStringLiteral(
-        "Prints the path of each context below DIR that is named after its directory. Without\n"
-        "DIR it is the installation's favourite directory: TRV_MCTX_DEF, or else\n"
-        "$TRVHOME\\standard\\machine_context.\n");
+        "Prints the path of each context below DIR that has the name of its directory.\n"
+        "Without DIR it searches the favourite directory of the installation:\n"
+        "TRV_MCTX_DEF, or else $TRVHOME\\standard\\machine_context.\n");
     command.options = {rootOption(), jsonOption()};
     command.operand = QStringLiteral("directory");
     command.fewestFiles = 0;
@@ -124,11 +124,11 @@ Command contextDefaultCommand() {
     Command command;
     command.name = QStringLiteral("context default");
     command.arguments = QStringLiteral("[--json] FILE... | DIR");
-    command.summary = QStringLiteral("Tell which machine context is the default one");
+    command.summary = QStringLiteral("Show which machine context is the default one");
     command.details = QStringLiteral(
-        "Of the files, or of the context files in DIR, it is the one of the highest machine\n"
-        "position in a name such as [MACHINE_POSITION_2].mctx. Exit status: 0 there is one,\n"
-        "1 there is none, 2 an error.\n");
+        "Among the files, or the context files in DIR, this is the one with the highest\n"
+        "machine position in its name, for example [MACHINE_POSITION_2].mctx. Exit\n"
+        "status: 0 there is one, 1 there is none, 2 an error.\n");
     command.options = {jsonOption()};
     command.mostFiles = Command::anyNumber;
     command.run = choose;

@@ -3,6 +3,7 @@
 #include <cli/context_values.h>
 #include <cli/input_files.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
+#include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -13,8 +14,6 @@
 
 namespace trv::cli {
 namespace {
-
-constexpr char blanks[] = " \t\f\v\n\r";
 
 std::string bytesOf(const QString& name) {
     std::string content;
@@ -42,7 +41,7 @@ std::set<int> keptLines(const CSectionedFile& file) {
 
 // Whether nothing stands behind the "]" of a header.
 bool isWholeHeader(std::string_view line) {
-    return line.find_first_not_of(blanks, line.find(']') + 1) == std::string_view::npos;
+    return settings::trimmed(line.substr(line.find(']') + 1)).empty();
 }
 
 void findLine(const std::string& content, const CSectionedFile& file, RewriteLoss& loss) {
@@ -53,13 +52,12 @@ void findLine(const std::string& content, const CSectionedFile& file, RewriteLos
     for (int number = 0; !rest.empty(); ++number) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-        const std::size_t first = line.find_first_not_of(blanks);
-        if (first == std::string_view::npos) continue;
+        const std::string_view text = settings::trimmed(line);
+        if (text.empty()) continue;
         const bool isKept = kept.count(number) != 0;
         if (isKept && (line.front() != '[' || isWholeHeader(line))) continue;
         loss.line = number + 1;
-        loss.lineText =
-            fromNarrow(std::string(line.substr(first, line.find_last_not_of(blanks) + 1 - first)));
+        loss.lineText = fromNarrow(std::string(text));
         return;
     }
 }
@@ -81,11 +79,11 @@ QString whyChanges(const ContextField& field, const std::string& bytes) {
 void findValue(const CSectionedFile& file, const QStringList& newFields, RewriteLoss& loss) {
     for (const ContextField& field : contextFields()) {
         std::string value;
-        if (newFields.contains(field.name())) continue;
+        if (newFields.contains(nameOf(field))) continue;
         if (!file.value(field.section, true, field.key, true, value)) continue;
         loss.reason = whyChanges(field, value);
         if (loss.reason.isEmpty()) continue;
-        loss.field = field.name();
+        loss.field = nameOf(field);
         loss.value = fromNarrow(value);
         return;
     }

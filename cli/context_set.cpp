@@ -42,7 +42,7 @@ QString readAssignments(const QStringList& texts, std::vector<Assignment>& assig
         if (!mistake.isEmpty()) return mistake;
         for (const Assignment& earlier : assignments) {
             if (earlier.field != next.field) continue;
-            return QStringLiteral("%1 is set twice.").arg(next.field->name());
+            return QStringLiteral("%1 is set twice.").arg(nameOf(*next.field));
         }
         assignments.push_back(next);
     }
@@ -53,7 +53,7 @@ Problem readForChange(const QString& name, ContextFile& context) {
     FileKind kind = FileKind::unknown;
     if (Problem problem = findKind(name, kind)) return problem;
     if (kind != FileKind::machineContext) {
-        return {eFileIOContentError, QStringLiteral("it is no machine context")};
+        return {eFileIOContentError, QStringLiteral("not a machine context")};
     }
     return readContext(name, context);
 }
@@ -63,7 +63,7 @@ QString whyNotWritten(const QString& name, const std::vector<Assignment>& assign
                       bool mayDropLines) {
     QStringList newFields;
     for (const Assignment& assignment : assignments)
-        newFields += assignment.field->name();
+        newFields += nameOf(*assignment.field);
     const RewriteLoss loss = rewriteLoss(name, newFields);
     if (!loss.reason.isEmpty()) {
         return QStringLiteral("%1 '%2' would change: %3; set it too")
@@ -106,7 +106,7 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
     for (const Assignment& assignment : assignments) {
         const ContextField& field = *assignment.field;
         console.out << qUtf8Printable(
-            QStringLiteral("%1=%2\n").arg(field.name(), shown(storedText(field, written.data))));
+            QStringLiteral("%1=%2\n").arg(nameOf(field), shown(storedValue(field, written.data))));
     }
     return done;
 }
@@ -120,11 +120,11 @@ Command contextSetCommand() {
     command.summary = QStringLiteral("Change fields of a machine context");
     QString fields;
     for (const ContextField& field : contextFields())
-        fields += QStringLiteral("  %1\n").arg(field.name());
+        fields += QStringLiteral("  %1\n").arg(nameOf(field));
     command.details =
         QStringLiteral(
-            "Prints the new values as they stand in the file. A value that the file would not\n"
-            "give back is refused, and so is a file of which something would be lost. Fields:\n") +
+            "Prints the new values as they are in the file. Rejects a value that the file\n"
+            "would not give back, and a file of which something would be lost. Fields:\n") +
         fields;
     command.options = {
         QCommandLineOption(QStringLiteral("drop-unknown"),

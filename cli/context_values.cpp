@@ -1,5 +1,7 @@
 #include <cli/context_values.h>
 #include <trvfiles/environment/entry_text.h>
+#include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -10,9 +12,7 @@ namespace trv::cli {
 namespace {
 
 bool hasBlankAtAnEnd(std::string_view text) {
-    constexpr std::string_view blanks = " \t\f\v\n\r";
-    return !text.empty() && (blanks.find(text.front()) != std::string_view::npos ||
-                             blanks.find(text.back()) != std::string_view::npos);
+    return settings::trimmed(text).size() < text.size();
 }
 
 // As the line that the store writes, which takes what stands behind a "+" for a reference.
@@ -55,23 +55,6 @@ bool readNumbers(const QString& text, double* numbers, int count) {
     }
     skip_white_space(rest);
     return rest.empty();
-}
-
-std::string proximityText(double value) {
-    constexpr std::size_t mostCharacters = 19;
-    std::string text;
-    append_fixed(text, static_cast<double>(static_cast<float>(value)));
-    return text.substr(0, mostCharacters);
-}
-
-std::string originText(const double origin[3]) {
-    std::string text;
-    append_fixed(text, origin[0]);
-    text += ' ';
-    append_fixed(text, origin[1]);
-    text += ' ';
-    append_fixed(text, origin[2]);
-    return text;
 }
 
 bool comesBack(double value) {

@@ -7,8 +7,6 @@
 
 #include <QString>
 
-#include <string>
-
 namespace trv::cli {
 
 /// Why a text does not come back from a file as it is, a clause for a person; empty where it does.
@@ -18,12 +16,6 @@ QString whyTextChanges(const QString& text);
 ///
 /// @param numbers  takes `count` numbers; on a failure some of them
 bool readNumbers(const QString& text, double* numbers, int count);
-
-/// A proximity as it stands in a file: single precision, six decimals, at most 19 characters.
-std::string proximityText(double value);
-
-/// An origin as it stands in a file.
-std::string originText(const double origin[3]);
 
 /// Whether the text of a proximity reads back as the number, up to the rounding of single precision
 /// and six decimals.

@@ -36,12 +36,12 @@ bool asksForVersion(const QString& argument) {
     return argument == QLatin1String("--version") || argument == QLatin1String("-v");
 }
 
-// Whether the command's name starts with these words; no words start every name.
+// Whether the command's name starts with these words. Every name starts with no words.
 bool startsWith(const Command& command, const QStringList& words) {
     return command.name.split(QLatin1Char(' ')).mid(0, words.size()) == words;
 }
 
-// Lines of two columns, the first one as wide as its widest text.
+// Lines of two columns. The first column is as wide as its widest text.
 QString table(const QList<QPair<QString, QString>>& lines) {
     int width = 0;
     for (const auto& line : lines)
@@ -66,10 +66,11 @@ QString overview(const CommandGroup& commands, const QStringList& words) {
     usage += QStringLiteral("COMMAND [ARGUMENT...]\n\n");
     if (words.isEmpty()) {
         usage += QStringLiteral(
-            "Shows, checks, compares and writes the project files of a machining workstation.\n\n");
+            "Shows, checks, compares and writes project files of a machining workstation.\n\n");
     }
     const QString closing = QStringLiteral(
-        "\n'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the version.\n"
+        "\n'trvfiles COMMAND --help' explains a command.\n"
+        "'trvfiles --version' prints the version.\n"
         "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
     return usage % QLatin1String("Commands:\n") % table(lines) % closing;
 }
@@ -98,7 +99,7 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments,
     QCommandLineParser parser;
     parser.addOptions(command.options);
     parser.addOption(helpOption());
-    // The parser takes the first text for the program's name.
+    // The parser takes the first text as the name of the program.
     const bool understood = parser.parse(QStringList(command.name) + arguments);
     if (parser.isSet(QStringLiteral("help"))) {
         print(console.out, explanation(command));

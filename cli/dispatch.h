@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// From the arguments of the process to one subcommand.
+/// Finds and runs the subcommand for the arguments of the process.
 
 #include <cli/command.h>
 
@@ -9,10 +9,10 @@
 
 namespace trv::cli {
 
-/// Runs the command that the arguments ask for, or explains what there is.
+/// Runs the command that the arguments name, or prints the help.
 ///
-/// @param arguments  without the program's own name
-/// @return what the process is to end with, provided that what was printed can be written
+/// @param arguments  without the name of the program
+/// @return the exit status of the process, if the output can be written
 ExitStatus run(const QStringList& arguments, const Console& console);
 
 }  // namespace trv::cli

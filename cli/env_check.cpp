@@ -4,25 +4,17 @@
 #include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
-#include <string_view>
+#include <string>
 
 namespace trv::cli {
 namespace {
 
-// A report without what every report on the file begins with: "line N: TEXT", or the text alone
-// where it belongs to no line.
-QString findingText(const std::string& report, const std::string& file) {
-    const std::string beginning = "load_messages: file '" + file + "'";
-    std::string_view rest = report;
-    if (rest.substr(0, beginning.size()) != beginning) return shown(report);
-    rest.remove_prefix(beginning.size());
-    const std::size_t number = rest.find_first_of("-0123456789");
-    const std::size_t behind = rest.find_first_not_of("-0123456789", number);
-    const std::size_t text = rest.find_first_not_of(" :,", behind);
-    if (text == std::string_view::npos) return shown(report);
-    const QString line = fromNarrow(std::string(rest.substr(number, behind - number)));
-    const QString finding = shown(std::string(rest.substr(text)));
-    return line.toInt() > 0 ? QStringLiteral("line %1: %2").arg(line, finding) : finding;
+// A fault in the file is shown with its line; any other report as it is.
+QString findingText(const RuntimeMessages::Report& report, const std::string& file) {
+    if (!report.fault || report.fault->file != file) return shown(report.text);
+    const QString fault = shown(report.fault->text);
+    const int line = report.fault->line;
+    return line > 0 ? QStringLiteral("line %1: %2").arg(QString::number(line), fault) : fault;
 }
 
 QString contentText(const std::vector<Section>& sections) {
@@ -39,7 +31,7 @@ QStringList findingsOn(const QString& name, RuntimeMessages& messages, QString& 
     if (file.result == load_result::missing) return {file.whyMissing};
     QStringList findings;
     for (const RuntimeMessages::Report& report : messages.takeReports())
-        findings += findingText(report.text, toNarrow(name));
+        findings += findingText(report, toNarrow(name));
     content = contentText(file.sections);
     return findings;
 }
@@ -75,9 +67,9 @@ Command envCheckCommand() {
     command.arguments = QStringLiteral("[--root DIR] FILE...");
     command.summary = QStringLiteral("Check message and configuration files");
     command.details = QStringLiteral(
-        "Prints a line for each fault, or one that says what a sound file holds. Conditions in\n"
-        "the files see the installation. Exit status: 0 all files are sound, 1 one is not, 2 an\n"
-        "error.\n");
+        "Prints a line for each fault, or a summary of a file without faults. Conditions\n"
+        "in the files are evaluated for the installation. Exit status: 0 no file has\n"
+        "faults, 1 a file has faults, 2 an error.\n");
     command.options = {rootOption()};
     command.mostFiles = Command::anyNumber;
     command.run = check;

@@ -1,5 +1,6 @@
 #include <cli/env_commands.h>
 #include <cli/env_expansion.h>
+#include <cli/env_runtime.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/support/file_system.h>
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace trv::cli {
@@ -21,19 +21,18 @@ void printError(const QString& subject, const QString& text, const Console& cons
 void printUndefined(const QString& subject, const UndefinedReferences& references,
                     const Console& console) {
     // Each line names the subject.
-    constexpr int longestSubject = 200;
-    const QString beginning = beginningOf(subject, longestSubject);
+    constexpr int maxLength = 200;
+    const QString beginning = beginningOf(subject, maxLength);
     for (const std::string& reference : references.inOrder()) {
         printError(beginning, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
                    console);
     }
 }
 
-ExitStatus expandText(const QString& text, bool asPath, RuntimeMessages& messages,
-                      const Console& console) {
+ExitStatus expandText(const QString& text, bool asPath, const Console& console) {
     UndefinedReferences undefined;
-    const Expansion expansion = expand(toNarrow(text), asPath, messages,
-                                       [&](std::string_view lookup) { undefined.add(lookup); });
+    const Expansion expansion =
+        expand(toNarrow(text), asPath, [&](const lookup_event& lookup) { undefined.add(lookup); });
     if (is_expand_error(expansion.code)) {
         printError(text, codeText(expansion.code), console);
         return failed;
@@ -46,62 +45,61 @@ ExitStatus expandText(const QString& text, bool asPath, RuntimeMessages& message
 
 ExitStatus expandAll(const QCommandLineParser& call, const Console& console) {
     const bool asPath = call.isSet(QStringLiteral("path"));
-    return askInstallation(call, console, [&](RuntimeMessages& messages, const Console& results) {
+    return askInstallation(call, console, [&](RuntimeMessages&, const Console& results) {
         ExitStatus status = done;
         for (const QString& text : call.positionalArguments())
-            status = std::max(status, expandText(text, asPath, messages, results));
+            status = std::max(status, expandText(text, asPath, results));
         return status;
     });
 }
 
-// What is shown of the trace of a search.
-class SearchTrace {
+// What is shown of a search.
+class SearchObserver final : private ChainedObserver {
 public:
-    void take(std::string_view line) {
-        if (filter_.isLookup(line)) undefined_.add(line);
-        if (line.substr(0, searchBegins.size()) == searchBegins) {
-            isSearching_ = true;
-            tries_.clear();
-        } else if (isSearching_) {
-            tries_.emplace_back(line);
-        }
-    }
-
     const UndefinedReferences& undefined() const { return undefined_; }
 
-    /// A line for each directory that was tried.
+    /// A line for each path that was tried.
     void printTries(std::ostream& out) const {
         for (const std::string& line : tries_)
             out << qUtf8Printable(shown(line)) << '\n';
     }
 
 private:
-    // Begins the line before the tries. Lookups are before it.
-    static constexpr std::string_view searchBegins = "SEARCHING for '";
+    void looked_up(const lookup_event& event) override {
+        undefined_.add(event);
+        ChainedObserver::looked_up(event);
+    }
 
-    LookupFilter filter_;
+    // The runtime repeats a search with a larger buffer: the tries of the last one are all tries.
+    void search_began(const search_event& event) override {
+        tries_.clear();
+        ChainedObserver::search_began(event);
+    }
+
+    void candidate_tried(const candidate_event& event) override {
+        tries_.push_back(event_text(event));
+        ChainedObserver::candidate_tried(event);
+    }
+
     UndefinedReferences undefined_;
-    bool isSearching_ = false;
     std::vector<std::string> tries_;
 };
 
-ExitStatus findFile(const QString& text, RuntimeMessages& messages, const Console& console) {
+ExitStatus findFile(const QString& text, const Console& console) {
     std::string path;
-    int code = EXP_OK;
-    SearchTrace trace;
-    messages.trace([&] { code = expand_and_search(toNarrow(text), &path); },
-                   [&](std::string_view line) { trace.take(line); });
+    SearchObserver search;
+    const int code = expand_and_search(toNarrow(text), &path);
     switch (code) {
         case EXP_OK:
-            trace.printTries(console.out);
+            search.printTries(console.out);
             console.out << qUtf8Printable(shown(native_path(path.c_str()))) << '\n';
             return done;
         case EXP_NOT_FOUND:
-            trace.printTries(console.out);
+            search.printTries(console.out);
             console.out << qUtf8Printable(shown(text)) << " is not found\n";
             return negative;
         case EXP_UNDEFINED:
-            printUndefined(text, trace.undefined(), console);
+            printUndefined(text, search.undefined(), console);
             return negative;
         default:
             printError(text, codeText(code), console);
@@ -111,8 +109,8 @@ ExitStatus findFile(const QString& text, RuntimeMessages& messages, const Consol
 
 ExitStatus find(const QCommandLineParser& call, const Console& console) {
     const QString text = call.positionalArguments().at(0);
-    return askInstallation(call, console, [&](RuntimeMessages& messages, const Console& results) {
-        return findFile(text, messages, results);
+    return askInstallation(call, console, [&](RuntimeMessages&, const Console& results) {
+        return findFile(text, results);
     });
 }
 
@@ -124,9 +122,9 @@ Command envExpandCommand() {
     command.arguments = QStringLiteral("[--root DIR] [--path] TEXT...");
     command.summary = QStringLiteral("Replace the references in texts");
     command.details = QStringLiteral(
-        "Prints a line for each text. A shell wants single quotes around one that holds a \"$\"\n"
-        "or a \"?\". Separators stay as they are. Exit status: 0 done, 1 something that a text\n"
-        "refers to is not defined, 2 an error.\n");
+        "Prints a line for each text. In a shell, write a text with \"$\" or \"?\" in single\n"
+        "quotes. Without --path separators do not change. Exit status: 0 done, 1 a\n"
+        "reference is not defined, 2 an error.\n");
     command.options = {
         rootOption(), QCommandLineOption(QStringLiteral("path"),
                                          QStringLiteral("Make each run of separators one \"\\\""))};
@@ -142,8 +140,9 @@ Command envFindCommand() {
     command.arguments = QStringLiteral("[--root DIR] '?LIST\\FILE'");
     command.summary = QStringLiteral("Search for a file in the directories of a path list");
     command.details = QStringLiteral(
-        "Prints a line for each directory that is tried, and last the path that is found, with\n"
-        "the separators of the system. Exit status: 0 found, 1 not found, 2 an error.\n");
+        "Prints a line for each directory that is tried, and then the path that is found,\n"
+        "with the separators of the system. Exit status: 0 found, 1 not found, 2 an\n"
+        "error.\n");
     command.options = {rootOption()};
     command.operand = QStringLiteral("name");
     command.run = find;

@@ -6,34 +6,18 @@
 namespace trv::cli {
 namespace {
 
-bool startsWith(std::string_view text, std::string_view beginning) {
-    return text.substr(0, beginning.size()) == beginning;
-}
+class LookupObserver final : private ChainedObserver {
+public:
+    explicit LookupObserver(const LookupTaker& take) : take_(take) {}
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-// How many lines tell of one "+", from its first one on: the text that refers and the one it refers
-// to, or a reference to nothing, and then the value so far.
-int linesOfReplacement(std::string_view line) {
-    if (startsWith(line, "   - ")) return 3;
-    if (startsWith(line, "ref=[") && endsWith(line, "]\n")) return 2;
-    return 0;
-}
-
-// "$NAME" or "?NAME"; empty for the lookup of something that is defined.
-std::string undefinedReference(std::string_view lookup) {
-    constexpr std::string_view variable = " = <undefined variable>";
-    constexpr std::string_view path = " = <undefined path>";
-    if (endsWith(lookup, variable)) {
-        return '$' + std::string(lookup.substr(0, lookup.size() - variable.size()));
+private:
+    void looked_up(const lookup_event& event) override {
+        take_(event);
+        ChainedObserver::looked_up(event);
     }
-    if (endsWith(lookup, path)) {
-        return '?' + std::string(lookup.substr(0, lookup.size() - path.size()));
-    }
-    return {};
-}
+
+    const LookupTaker& take_;
+};
 
 struct Meaning {
     int code;
@@ -56,32 +40,18 @@ constexpr Meaning meanings[] = {
 
 }  // namespace
 
-Expansion expand(const std::string& text, bool asPath, RuntimeMessages& messages,
-                 const RuntimeMessages::TraceReader& takeLookup) {
+Expansion expand(const std::string& text, bool asPath, const LookupTaker& takeLookup) {
+    const LookupObserver observer(takeLookup);
     Expansion expansion;
-    LookupFilter filter;
-    messages.trace(
-        [&] {
-            expansion.code = asPath ? expand_path(text, &expansion.text)
-                                    : expand_variables(text, &expansion.text);
-        },
-        [&](std::string_view line) {
-            if (filter.isLookup(line)) takeLookup(line);
-        });
+    expansion.code =
+        asPath ? expand_path(text, &expansion.text) : expand_variables(text, &expansion.text);
     return expansion;
 }
 
-bool LookupFilter::isLookup(std::string_view line) {
-    if (skipped_ == 0) skipped_ = linesOfReplacement(line);
-    if (skipped_ == 0) return true;
-    --skipped_;
-    return false;
-}
-
-void UndefinedReferences::add(std::string_view lookup) {
-    std::string reference = undefinedReference(lookup);
-    if (reference.empty() || !known_.insert(reference).second) return;
-    inOrder_.push_back(std::move(reference));
+void UndefinedReferences::add(const lookup_event& lookup) {
+    if (lookup.value != nullptr) return;
+    std::string reference = lookup.marker + lookup.name;
+    if (known_.insert(reference).second) inOrder_.push_back(std::move(reference));
 }
 
 QString codeText(int code) {

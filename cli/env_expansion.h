@@ -1,14 +1,14 @@
 #pragma once
 
 /// @file
-/// The expansion of a text, told by the runtime itself.
+/// The expansion of a text, with the lookups that it makes.
 
-#include <cli/env_runtime.h>
+#include <cli/env_observer.h>
 
 #include <QString>
 
+#include <functional>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -20,29 +20,19 @@ struct Expansion {
     std::string text;
 };
 
+using LookupTaker = std::function<void(const lookup_event& lookup)>;
+
 /// Expands a text.
 ///
 /// @param asPath      whether separators are normalised, as expand_path() does
-/// @param takeLookup  gets a line for each reference that is replaced, in that order: "NAME =
-///                    'value' from 'FILE' line N" or "NAME = <undefined variable>"
-Expansion expand(const std::string& text, bool asPath, RuntimeMessages& messages,
-                 const RuntimeMessages::TraceReader& takeLookup);
+/// @param takeLookup  gets the lookup of each reference that is replaced, in that order
+Expansion expand(const std::string& text, bool asPath, const LookupTaker& takeLookup);
 
-/// Finds the lines that tell lookups in a trace, among those that tell how a "+" is replaced.
-class LookupFilter {
-public:
-    /// Asks for every line of the trace in turn.
-    bool isLookup(std::string_view line);
-
-private:
-    int skipped_ = 0;
-};
-
-/// Collects the undefined references among lookups.
+/// The undefined references among lookups.
 class UndefinedReferences {
 public:
-    /// @param lookup  a line; one that is no lookup is ignored
-    void add(std::string_view lookup);
+    /// Ignores the lookup of a defined variable.
+    void add(const lookup_event& lookup);
 
     /// "$NAME" or "?NAME", each once.
     const std::vector<std::string>& inOrder() const { return inOrder_; }
@@ -52,7 +42,7 @@ private:
     std::unordered_set<std::string> known_;
 };
 
-/// A status of an expansion or a search for a person: "EXP_SYNTAX_ERROR (-31): ...".
+/// The human-readable status of an expansion or a search: "EXP_SYNTAX_ERROR (-31): ...".
 QString codeText(int code);
 
 }  // namespace trv::cli

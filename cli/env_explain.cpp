@@ -7,7 +7,6 @@
 #include <trvfiles/text/text_conversion.h>
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace trv::cli {
@@ -24,15 +23,15 @@ struct Explanation {
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
 
-Explanation explanationOf(const Subject& subject, RuntimeMessages& messages) {
+Explanation explanationOf(const Subject& subject) {
     Explanation explanation;
     explanation.subject = subject;
     explanation.value = lookUp(subject);
     explanation.definitions = definitionsOf(subject);
     if (explanation.refersToOthers()) {
-        explanation.expansion =
-            expand(explanation.value.text, false, messages,
-                   [&](std::string_view lookup) { explanation.lookups.emplace_back(lookup); });
+        explanation.expansion = expand(
+            explanation.value.text, false,
+            [&](const lookup_event& lookup) { explanation.lookups.push_back(event_text(lookup)); });
     }
     return explanation;
 }
@@ -51,14 +50,14 @@ QString reasonText(const Explanation& explanation) {
 
 // The value so far, cut where it is long, since each definition of a list shows more of it.
 QString extendedText(const Definition& definition, bool all) {
-    constexpr int longestShown = 200;
+    constexpr int maxShown = 200;
     if (definition.isBeyondLimits) {
         return QStringLiteral("+ is a value beyond the limits of the runtime");
     }
     const QString text = fromNarrow(definition.extended);
-    if (all || text.size() <= longestShown) return QStringLiteral("+ is '%1'").arg(shown(text));
+    if (all || text.size() <= maxShown) return QStringLiteral("+ is '%1'").arg(shown(text));
     return QStringLiteral("+ is '%1' (%2 characters; --all shows them)")
-        .arg(shown(beginningOf(text, longestShown)), QString::number(text.size()));
+        .arg(shown(beginningOf(text, maxShown)), QString::number(text.size()));
 }
 
 void printDefinitions(const char* title, const History& definitions, bool all, std::ostream& out) {
@@ -155,7 +154,7 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
     return askInstallation(call, console, [&](RuntimeMessages& messages, const Console&) {
-        const Explanation explanation = explanationOf(subject, messages);
+        const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
         // Not held back, since it may be large, and the runtime is not asked any more.
         const bool isDefined = explanation.value.isDefined;
@@ -176,12 +175,12 @@ Command envExplainCommand() {
     Command command;
     command.name = QStringLiteral("env explain");
     command.arguments = QStringLiteral("[--root DIR] [--all] [--json] NAME");
-    command.summary = QStringLiteral("Tell why a variable has its value");
+    command.summary = QStringLiteral("Explain why a variable has its value");
     command.details = QStringLiteral(
-        "Prints the value that a program gets, every definition of it and what its references\n"
-        "are replaced by. Of many definitions it prints the first and the last ones. \"?NAME\"\n"
-        "explains a path list; a shell wants quotes around it. Exit status: 0 it is defined,\n"
-        "1 it is not, 2 an error.\n");
+        "Prints the value that a program gets, every definition of it, and the\n"
+        "replacement of each reference. If there are many definitions, it prints the\n"
+        "first and the last ones. \"?NAME\" explains a path list; write it in quotes in a\n"
+        "shell. Exit status: 0 the name is defined, 1 it is not, 2 an error.\n");
     command.options = {
         rootOption(),
         QCommandLineOption(QStringLiteral("all"), QStringLiteral("Print every definition in full")),

@@ -70,12 +70,12 @@ Command envListCommand() {
     command.arguments = QStringLiteral("[--root DIR] [--origin] [--json]");
     command.summary = QStringLiteral("List the variables of an installation");
     command.details = QStringLiteral(
-        "Prints a line for each variable, with the value that a program gets: that of the\n"
-        "process environment, which the line says, before that of the files.\n"
-        "TMP, which a lookup would make, is left out.\n");
+        "Prints a line for each variable, with the value that a program gets. If this is\n"
+        "the value of the process environment, which has precedence over the files, the\n"
+        "line says so. TMP is left out, because its lookup would create a directory.\n");
     command.options = {rootOption(),
                        QCommandLineOption(QStringLiteral("origin"),
-                                          QStringLiteral("Tell where each value comes from")),
+                                          QStringLiteral("Print the origin of each value")),
                        jsonOption()};
     command.operand = QStringLiteral("argument");
     command.fewestFiles = 0;

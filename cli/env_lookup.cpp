@@ -1,6 +1,7 @@
 #include <cli/env_lookup.h>
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/ascii_case.h>
 
@@ -12,8 +13,8 @@ namespace {
 
 constexpr const char* temporaryDirectory = "TMP";
 constexpr std::string_view environmentOrigin = "from environment";
-// Holds every origin: names of configuration files have 511 characters at most.
-constexpr std::size_t originSize = 1024;
+// Holds every origin: the name of a configuration file fits a path buffer.
+constexpr std::size_t originSize = 2 * path_buffer_size;
 
 // None where the configuration lacks the section.
 const store_section* sectionNamed(const char* name) {

@@ -3,7 +3,7 @@
 /// @file
 /// A message file by itself, as a program that loads it into a new store gets it.
 
-#include <trvfiles/environment/message_loading.h>
+#include <trvfiles/environment/message_file_internal.h>
 
 #include <QString>
 

@@ -95,9 +95,9 @@ Command envMessagesCommand() {
     command.arguments = QStringLiteral("[--root DIR] [--json] FILE [SECTION]");
     command.summary = QStringLiteral("Show a message file");
     command.details = QStringLiteral(
-        "Prints the sections with their messages, each with its line in the file and its number\n"
-        "in the section. Conditions in the file see the installation. Exit status: 0 done, 1 the\n"
-        "section is missing, 2 an error.\n");
+        "Prints the sections with their messages. Each message has its line in the file\n"
+        "and its number in the section. Conditions in the file are evaluated for the\n"
+        "installation. Exit status: 0 done, 1 the section is missing, 2 an error.\n");
     command.options = {rootOption(), jsonOption()};
     command.mostFiles = 2;
     command.run = messages;

@@ -1,5 +1,6 @@
 #include <cli/env_running_value.h>
 #include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/reference_resolver.h>
 
 #include <algorithm>
 #include <utility>
@@ -7,10 +8,6 @@
 
 namespace trv::cli {
 namespace {
-
-// Those of resolve_references().
-constexpr std::size_t maxLength = std::size_t{1024} * 1024;
-constexpr int maxReplacements = 10000;
 
 // Whether a text that begins with "+" could begin a reference or a "++" if more followed.
 bool isBeginningOfReference(std::string_view text) {
@@ -93,7 +90,7 @@ void RunningValue::extend(const std::vector<std::string_view>& literals) {
         rest -= reference_length;
         replacements_ += 1 + earlier.replacements_;
         const std::size_t length = settled_.size() + earlier.peak_ + rest;
-        if (length > maxLength || replacements_ > maxReplacements) {
+        if (length > max_resolved_length || replacements_ > max_resolved_references) {
             return restart(State::beyondLimits);
         }
         peak_ = std::max(peak_, length);

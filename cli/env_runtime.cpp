@@ -23,7 +23,8 @@ namespace {
 struct Inbox {
     std::vector<RuntimeMessages::Report> reports;
     std::unordered_set<std::string> known;
-    const RuntimeMessages::TraceReader* traceReader = nullptr;
+    // The fault that is being reported.
+    const fault_event* fault = nullptr;
     std::ostream* err = nullptr;
 };
 Inbox inbox;
@@ -36,7 +37,12 @@ std::string_view withoutNewlines(std::string_view text) {
 
 void take(bool fatal, const char* message) {
     std::string text(withoutNewlines(message));
-    if (inbox.known.insert(text).second) inbox.reports.push_back({fatal, std::move(text)});
+    if (!inbox.known.insert(text).second) return;
+    inbox.reports.push_back({fatal, std::move(text), std::nullopt});
+    if (const fault_event* fault = inbox.fault) {
+        inbox.reports.back().fault = {std::string(fault->file), fault->line,
+                                      std::string(fault->text)};
+    }
 }
 
 void takeError(const char* message) {
@@ -48,7 +54,6 @@ void takeFatal(const char* message) {
 }
 
 void takeTrace(const char* message) {
-    if (inbox.traceReader != nullptr) (*inbox.traceReader)(message);
     if (is_verbose() == 0) return;
     const std::string line(withoutNewlines(message));
     *inbox.err << qUtf8Printable(shown(line)) << '\n';
@@ -123,17 +128,19 @@ bool RuntimeMessages::hasFatalReport() const {
                        [](const Report& report) { return report.fatal; });
 }
 
-void RuntimeMessages::trace(const std::function<void()>& call, const TraceReader& reader) {
-    inbox.traceReader = &reader;
-    const message_handler earlier = set_trace_handler(takeTrace);
-    call();
-    set_trace_handler(earlier);
-    inbox.traceReader = nullptr;
+void RuntimeMessages::fault_found(const fault_event& event) {
+    // The default observer reports the fault through a handler of this class.
+    struct Guard {
+        explicit Guard(const fault_event& fault) { inbox.fault = &fault; }
+        ~Guard() { inbox.fault = nullptr; }
+    };
+    const Guard guard(event);
+    ChainedObserver::fault_found(event);
 }
 
 QCommandLineOption rootOption() {
     return QCommandLineOption(QStringLiteral("root"),
-                              QStringLiteral("The installation, in place of that of TRVHOME"),
+                              QStringLiteral("The installation, instead of that of TRVHOME"),
                               QStringLiteral("DIR"));
 }
 

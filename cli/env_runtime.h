@@ -5,24 +5,33 @@
 /// runtime's reports, of which a fatal one would end the process.
 
 #include <cli/command.h>
+#include <cli/env_observer.h>
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace trv::cli {
 
-/// Takes the messages of the runtime while it lives, in place of the default handlers. With
-/// TRV_TRVFILES_VERBOSE the trace goes to standard error. Otherwise, and outside of trace(), the
-/// runtime makes none: the trace of a long history takes time for the square of its length. One at
-/// a time.
-class RuntimeMessages {
+/// Takes the reports of the runtime while it lives, in place of the default handlers. With
+/// TRV_TRVFILES_VERBOSE the trace goes to standard error. There is one at a time.
+class RuntimeMessages final : private ChainedObserver {
 public:
+    /// What is wrong with a message file.
+    struct Fault {
+        std::string file;
+        /// Below 1 for a fault that belongs to no line.
+        int line;
+        std::string text;
+    };
+
     struct Report {
         bool fatal;
         /// Without the newlines at its end.
         std::string text;
+        /// For the report of a fault in a message file.
+        std::optional<Fault> fault;
     };
 
     explicit RuntimeMessages(std::ostream& err);
@@ -36,12 +45,8 @@ public:
     /// Whether one of the reports since the last takeReports() is fatal.
     bool hasFatalReport() const;
 
-    /// Takes a line of the trace, which is valid during the call.
-    using TraceReader = std::function<void(std::string_view line)>;
-
-    /// Calls the runtime and hands over each trace line of the call. All of them together may be
-    /// far longer than what they tell.
-    void trace(const std::function<void()>& call, const TraceReader& reader);
+private:
+    void fault_found(const fault_event& event) override;
 };
 
 /// "--root", as every command that has it means it.

@@ -1,19 +1,19 @@
-#include <cli/context_fields.h>
 #include <cli/file_kind.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
+#include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <algorithm>
 #include <string_view>
-#include <vector>
 
 namespace trv::cli {
 namespace {
 
 constexpr std::size_t beginningLength = 512;
 
-// Before its first "<" an XML file holds nothing but a byte order mark, the zeros of UTF-16 and
-// white space.
+// Before its first "<" an XML file contains only a byte order mark, the zeros of UTF-16 and white
+// space.
 bool looksLikeXml(std::string_view beginning) {
     constexpr std::string_view skipped("\xEF\xBB\xBF\xFE\xFF\0 \t\r\n", 10);
     const std::size_t first = beginning.find_first_not_of(skipped);
@@ -32,7 +32,7 @@ bool isAxisFlag(std::string_view beginning) {
 bool hasContextSection(std::FILE* file) {
     CSectionedFile parsed;
     if (parsed.parse(file) != 0) return false;
-    const std::vector<ContextField>& fields = contextFields();
+    const auto& fields = contextFields();
     return std::any_of(fields.begin(), fields.end(), [&](const ContextField& field) {
         return parsed.section(field.section, true).headerLine() >= 0;
     });
@@ -47,8 +47,10 @@ FileKind kindOf(std::FILE* file) {
     if (looksLikeXml(beginning)) return FileKind::assembly;
 
     std::rewind(file);
-    const int faultyLine = readAxisContent(file).faultyLine;
-    if (faultyLine != firstMatrixLine || isAxisFlag(beginning)) return FileKind::axis;
+    AxisContent content;
+    CFileFault fault;
+    readAxisText(file, content, &fault);
+    if (fault.line != firstMatrixLine || isAxisFlag(beginning)) return FileKind::axis;
 
     std::rewind(file);
     return hasContextSection(file) ? FileKind::machineContext : FileKind::unknown;

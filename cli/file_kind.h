@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Which kind of project file a file is, by what is in it.
+/// Determines the kind of a project file from its content.
 
 #include <QString>
 
@@ -11,16 +11,16 @@ namespace trv::cli {
 
 enum class FileKind { unknown, assembly, axis, machineContext };
 
-/// Tells the kind of a file that need not be sound: an XML file counts as an assembly; a file whose
-/// second line holds four numbers, or whose first line is the flag 0 or 1, as an axis file; any
-/// other one in which a section of a machine context begins, as that.
+/// The kind of a file, which may be faulty. An XML file is an assembly. A file whose second line
+/// holds four numbers, or whose first line is the flag 0 or 1, is an axis file. Any other file with
+/// a section of a machine context is a machine context.
 ///
-/// @param file  open for reading, at its beginning; left anywhere
+/// @param file  open for reading, at its beginning; its position is undefined afterwards
 FileKind kindOf(std::FILE* file);
 
-/// Why a file is of no kind, for a person: it is empty, or something else.
+/// The human-readable reason why a file has no kind: it is empty, or it has another content.
 ///
-/// @param file  open for reading; left anywhere
+/// @param file  open for reading; its position is undefined afterwards
 QString whyUnknown(std::FILE* file);
 
 }  // namespace trv::cli

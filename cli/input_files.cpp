@@ -3,7 +3,6 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/invalid_data_policy.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
-#include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
@@ -12,7 +11,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -36,56 +34,27 @@ QString statusName(EFileIOStatus status) {
     return QString::number(status);
 }
 
-Problem systemProblem(EFileIOStatus status, int code) {
-    return {status, QString::fromStdString(std::generic_category().message(code))};
+Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
+    if (status == eFileIOSuccess) return {};
+    const QString reason = QString::fromStdString(fault.reason);
+    if (fault.line == 0) return {status, reason};
+    const QString line = QString::number(fault.line);
+    if (fault.column == 0) return {status, QStringLiteral("line %1: %2").arg(line, reason)};
+    return {
+        status,
+        QStringLiteral("line %1, column %2: %3").arg(line, QString::number(fault.column), reason)};
 }
 
-platform::file_handle open(const QString& name, Problem& problem) {
-    errno = 0;
-    platform::file_handle file = openForRead(resolved(name), platform::file_mode::text);
-    if (file == nullptr) problem = systemProblem(eFileIOOpenError, errno);
-    return file;
-}
-
-// A pipe would be empty the second time, and a device may have no end.
-bool canBeReadTwice(const QString& name) {
+// The kind of a file is found before it is read, by opening it. A pipe would be empty the second
+// time, and a device may have no end.
+bool isPipeOrDevice(const QString& name) {
     const QFileInfo info(resolved(name));
-    return !info.exists() || info.isFile() || info.isDir();
+    return info.exists() && !info.isFile() && !info.isDir();
 }
 
 Problem notRegular() {
     return {eFileIOOpenError, notRegularText()};
 }
-
-QString faultText(const ParseFault& fault) {
-    if (fault.line <= 0) return fault.reason;
-    return QStringLiteral("line %1, column %2: %3")
-        .arg(QString::number(fault.line), QString::number(fault.column), fault.reason);
-}
-
-Problem missingKeyProblem(const MissingKey& missing) {
-    return {eFileIOContentError,
-            QStringLiteral("line %1: section [%2] has no \"%3\"")
-                .arg(QString::number(missing.headerLine), QString::fromStdString(missing.section),
-                     QString::fromStdString(missing.key))};
-}
-
-// Keeps the number that saving ends with, which the status does not tell.
-class ContextWriter final : public CMachineContextIO {
-public:
-    using CMachineContextIO::CMachineContextIO;
-
-    int save(const char* fileName) override { return saved_ = CMachineContextIO::save(fileName); }
-    int save(const char* fileName, file_replacement& held) override {
-        return saved_ = CMachineContextIO::save(fileName, held);
-    }
-
-    /// 0, or the system's number of the failure, negated.
-    int saved() const { return saved_; }
-
-private:
-    int saved_ = 0;
-};
 
 }  // namespace
 
@@ -110,38 +79,31 @@ QString resolved(const QString& name) {
 
 Problem findKind(const QString& name, FileKind& kind) {
     kind = FileKind::unknown;
-    if (!canBeReadTwice(name)) return notRegular();
-    Problem problem;
-    const platform::file_handle file = open(name, problem);
-    if (file == nullptr) return problem;
+    if (isPipeOrDevice(name)) return notRegular();
+    CFileFault fault;
+    const platform::file_handle file =
+        openForRead(resolved(name), platform::file_mode::text, &fault);
+    if (file == nullptr) return problemOf(eFileIOOpenError, fault);
     kind = kindOf(file.get());
     if (kind == FileKind::unknown) return {eFileIOContentError, whyUnknown(file.get())};
     return {};
 }
 
-Problem readAssembly(const QString& name, CTrvAssemblyData& data, ReadReport* report) {
+Problem readAssembly(const QString& name, CTrvAssemblyData& data,
+                     std::vector<CFileFault::Note>* notes) {
     setInvalidDataPolicy();
-    ReadReport unasked;
-    ReadReport& result = report == nullptr ? unasked : *report;
-    const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &result);
-    if (status == eFileIOSuccess) return {};
-    Problem problem{status, faultText(result.fault)};
-    // The system's own words for the reason, as with every other kind of file.
-    if (status == eFileIOOpenError) open(name, problem);
-    return problem;
+    CFileFault fault;
+    const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &fault);
+    if (notes != nullptr) *notes = std::move(fault.notes);
+    return problemOf(status, fault);
 }
 
-// As the facade reads it, which does not tell the line, in one pass: the file may change.
 Problem readAxis(const QString& name, AxisFile& axis) {
-    if (!canBeReadTwice(name)) return notRegular();
-    Problem problem;
-    const platform::file_handle file = open(name, problem);
-    if (file == nullptr) return problem;
-    const AxisContent content = readAxisContent(file.get());
-    if (content.faultyLine != 0) {
-        return {eFileIOContentError,
-                QStringLiteral("line %1: four numbers are expected").arg(content.faultyLine)};
-    }
+    if (isPipeOrDevice(name)) return notRegular();
+    AxisContent content;
+    CFileFault fault;
+    const EFileIOStatus status = readAxisFile(resolved(name), content, &fault);
+    if (status != eFileIOSuccess) return problemOf(status, fault);
     axis.matrix = content.matrix;
     std::copy_n(content.tags.begin(), content.tagCount, axis.tags.begin());
     return {};
@@ -149,46 +111,24 @@ Problem readAxis(const QString& name, AxisFile& axis) {
 
 Problem writeAxis(const QString& name, const AxisFile& axis) {
     const std::string text = axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]);
-    errno = 0;
-    platform::file_handle file = openForWrite(resolved(name), platform::file_mode::text);
-    if (file == nullptr) return systemProblem(eFileIOOpenError, errno);
-    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    // Only closing tells whether everything arrived.
-    if (std::fclose(file.release()) != 0 || !written) {
-        return systemProblem(eFileIOShortWrite, errno);
-    }
-    return {};
+    CFileFault fault;
+    return problemOf(writeAxisFile(resolved(name), text, &fault), fault);
 }
 
 Problem readContext(const QString& name, ContextFile& context) {
-    if (!canBeReadTwice(name)) return notRegular();
-    Problem problem;
-    const platform::file_handle file = open(name, problem);
-    if (file == nullptr) return problem;
-    CSectionedFile sections;
-    if (sections.parse(file.get()) != 0) {
-        return {eFileIOOpenError, QStringLiteral("reading fails, or does not end at 256 MiB")};
+    if (isPipeOrDevice(name)) return notRegular();
+    CFileFault fault;
+    const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &fault);
+    for (const CFileFault::Note& note : fault.notes) {
+        if (note.kind != CFileFault::Note::Kind::missingSection) continue;
+        context.missingSections += QString::fromStdString(note.subject);
     }
-    MissingKey missing;
-    const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &missing);
-    if (status == eFileIOContentError) return missingKeyProblem(missing);
-    if (status != eFileIOSuccess)
-        return {status, QStringLiteral("the file changes while it is read")};
-
-    for (const char* section : {"header", "machine", "postpro", "clamping_system"}) {
-        if (sections.section(section, true).lineCount() == 0) {
-            context.missingSections += QString::fromLatin1(section);
-        }
-    }
-    return {};
+    return problemOf(status, fault);
 }
 
 Problem writeContext(const QString& name, const CMachineContextData& data, file_replacement* held) {
-    ContextWriter writer(resolved(name));
-    const EFileIOStatus status = writer.write(data, held);
-    if (status == eFileIOSuccess) return {};
-    if (writer.saved() != 0) return systemProblem(status, -writer.saved());
-    return {status, QStringLiteral("the record cannot be stored")};
+    CFileFault fault;
+    return problemOf(CMachineContextIO(resolved(name)).write(data, held, &fault), fault);
 }
 
 std::unique_ptr<file_replacement> holdFile(const QString& name) {

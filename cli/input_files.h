@@ -1,17 +1,17 @@
 #pragma once
 
 /// @file
-/// Files that a command is given: what is in them, or why they cannot be read.
+/// Files that are arguments of a command: their content, or why they cannot be read.
 ///
 /// Names are resolved as a facade on the current directory resolves them.
 
 #include <cli/command.h>
 #include <cli/file_kind.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
-#include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/support/CFileFault.h>
 #include <trvfiles/support/EFileIOStatus.h>
 
 #include <QString>
@@ -19,13 +19,14 @@
 
 #include <array>
 #include <memory>
+#include <vector>
 
 namespace trv::cli {
 
-/// What stands in the way of reading or writing a file, if anything does.
+/// Why a file is not read or written, if it is not.
 struct Problem {
     EFileIOStatus status = eFileIOSuccess;
-    /// For a person: the place where one is known, and the reason.
+    /// Human-readable: the place if one is known, and the reason.
     QString reason;
 
     explicit operator bool() const { return status != eFileIOSuccess; }
@@ -34,34 +35,37 @@ struct Problem {
 /// "eFileIOOpenError: No such file or directory"
 QString problemText(const Problem& problem);
 
-/// Says what is wrong with a file.
+/// Prints what is wrong with a file.
 ///
-/// @return what the command is to end with
+/// @return the exit status of the command
 ExitStatus report(const QString& name, const Problem& problem, const Console& console);
 
-/// What a message calls a pipe or a device that is not opened.
+/// The reason for a pipe or a device, which is not opened.
 QString notRegularText();
 
-/// The path that a name stands for.
+/// The path of a name: relative to the current directory, cleaned.
 QString resolved(const QString& name);
 
-/// Tells the kind of a file; a file of an unknown kind is a problem.
+/// Determines the kind of a file; an unknown kind is a problem.
 ///
-/// @param kind  FileKind::unknown where there is a problem
+/// @param kind  FileKind::unknown if there is a problem
 Problem findKind(const QString& name, FileKind& kind);
 
-/// @param report  takes what the reader left out, where it is asked for
-Problem readAssembly(const QString& name, CTrvAssemblyData& data, ReadReport* report = nullptr);
+/// Reads an assembly, from a pipe as well.
+///
+/// @param notes  takes what was accepted but altered, if it is not nullptr
+Problem readAssembly(const QString& name, CTrvAssemblyData& data,
+                     std::vector<CFileFault::Note>* notes = nullptr);
 
 struct AxisFile {
     AxisMatrix matrix = {};
-    /// Below 0 where the file holds none.
+    /// Below 0 for a tag that the file does not have.
     std::array<int, 3> tags = {-1, -1, -1};
 };
 
 Problem readAxis(const QString& name, AxisFile& axis);
 
-/// Writes an axis file over what stood under the name, and unlike the facade sees every failure.
+/// Writes an axis file over an existing one. Unlike the facade it reports every failure.
 Problem writeAxis(const QString& name, const AxisFile& axis);
 
 struct ContextFile {
@@ -70,7 +74,7 @@ struct ContextFile {
     QStringList missingSections;
 };
 
-/// Reads a machine context; of what the file lacks the record keeps its default.
+/// Reads a machine context. A field that the file does not have keeps its default.
 Problem readContext(const QString& name, ContextFile& context);
 
 /// Writes a machine context. The old file is whole until the new one takes its place. A temporary
@@ -87,7 +91,7 @@ Problem writeContext(const QString& name, const CMachineContextData& data,
 ///         the file cannot be held
 std::unique_ptr<file_replacement> holdFile(const QString& name);
 
-/// Why a directory cannot be listed, in the system's words; empty where it can.
+/// Why a directory cannot be listed, in the system's words; empty if it can.
 QString whyNotListed(const QString& name);
 
 }  // namespace trv::cli

@@ -23,8 +23,8 @@ bool isClosed(std::FILE* stream) {
     return std::ftell(stream) == -1 && errno == EBADF;
 }
 
-// Arguments, file names and texts are UTF-8 where narrow text is, also in a locale that has no
-// such characters; messages are the same everywhere.
+// If narrow text is UTF-8, arguments, file names and texts are UTF-8 too, also in a locale without
+// such characters. Messages are the same in every locale.
 void fixTexts() {
     static_cast<void>(std::setlocale(LC_ALL, "C"));
     if (trv::platform::narrow_text_is_utf8()) {
@@ -32,7 +32,7 @@ void fixTexts() {
     }
 }
 
-// A text as the system has it: narrow or wide.
+// A text of the system, which is narrow or wide.
 template <class Text>
 QString fromSystem(const Text& text) {
     if constexpr (std::is_same_v<Text, std::string>) {
@@ -65,17 +65,17 @@ ExitStatus runChecked(int argc, const char* const* argv) {
 
 int main(int argc, char* argv[]) {
     trv::platform::prepare_console();
-    // The next file to be opened would take the place of the closed stream.
+    // Otherwise the next file that is opened would get the descriptor of the closed stream.
     if (isClosed(stdout)) {
         std::cerr << "trvfiles: standard output is closed\n";
         return trv::cli::failed;
     }
-    // It gets no arguments, because it would take out those that it knows.
+    // The application gets no arguments, because it would remove those that it knows.
     int count = 1;
     char name[] = "trvfiles";
     char* names[] = {name, nullptr};
     const QCoreApplication application(count, names);
-    // Not before: the application sets the locale.
+    // After the application, because its constructor sets the locale.
     fixTexts();
     return runChecked(argc, argv);
 }

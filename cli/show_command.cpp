@@ -69,7 +69,7 @@ CommandGroup showCommand() {
     command.name = QStringLiteral("show");
     command.arguments = QStringLiteral("[--json] FILE");
     command.summary = QStringLiteral("Show an assembly, an axis file or a machine context");
-    command.details = QStringLiteral("What kind of file it is shows in its content.\n");
+    command.details = QStringLiteral("The content of the file decides its kind.\n");
     command.options = {jsonOption()};
     command.run = show;
     return {command};

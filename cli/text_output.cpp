@@ -10,7 +10,7 @@
 namespace trv::cli {
 namespace {
 
-// A character, or half of a surrogate pair where the other half is missing.
+// A character, or half of a surrogate pair if the other half is missing.
 struct Character {
     uint code;
     /// In code units.
@@ -26,7 +26,8 @@ Character characterAt(const QString& text, int place) {
     return {first.unicode(), 1};
 }
 
-// Whether a terminal or an editor does not show the character, or lets it change how others look.
+// Whether a terminal or an editor does not show the character, or shows other characters
+// differently because of it.
 bool isHidden(uint code) {
     constexpr uint firstTag = 0xE0000;
     constexpr uint lastTag = 0xE007F;
@@ -78,9 +79,9 @@ QString escaped(const QString& text, Predicate isEscaped, QString (*escape)(uint
     return result;
 }
 
-// A document is an object or an array, so the value is put into one, whose brackets are left out.
-// Hidden characters are in strings alone, of which a document's own text escapes few: everything
-// else of JSON is ASCII.
+// A document is an object or an array, so the value is put into an array, and the brackets are
+// removed. Only strings contain hidden characters, because everything else in JSON is ASCII.
+// QJsonDocument escapes only some of these characters.
 QString jsonText(const QJsonValue& value) {
     const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
     return escaped(QString::fromUtf8(json.constData() + 1, json.size() - 2), isHidden,
@@ -90,7 +91,7 @@ QString jsonText(const QJsonValue& value) {
 }  // namespace
 
 QString numberText(double value) {
-    // A NaN may carry a sign, which is not shown.
+    // The sign of a NaN is not printed.
     if (std::isnan(value)) return QStringLiteral("nan");
     char digits[32];
     const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
@@ -101,7 +102,7 @@ QString roundedText(double value) {
     constexpr double halfOfLastDecimal = 5e-7;
     constexpr double decimalsEndHere = 1e15;
     if (std::fabs(value) <= halfOfLastDecimal) return QStringLiteral("0");
-    // Written so that a NaN goes this way.
+    // The negated comparison is also true for a NaN.
     if (!(std::fabs(value) < decimalsEndHere)) return numberText(value);
     std::string text;
     append_fixed(text, value);
@@ -129,10 +130,10 @@ QString shown(const std::string& narrow) {
     return shown(fromNarrow(narrow));
 }
 
-QString beginningOf(const QString& text, int longest) {
-    if (text.size() <= longest) return text;
-    const bool splitsPair = text.at(longest - 1).isHighSurrogate();
-    return text.left(splitsPair ? longest - 1 : longest) + QStringLiteral("...");
+QString beginningOf(const QString& text, int maxLength) {
+    if (text.size() <= maxLength) return text;
+    const bool splitsPair = text.at(maxLength - 1).isHighSurrogate();
+    return text.left(splitsPair ? maxLength - 1 : maxLength) + QStringLiteral("...");
 }
 
 QString counted(unsigned long long count, const QString& one, const QString& several) {

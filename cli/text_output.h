@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Numbers and texts as the commands print them.
+/// The form in which the commands print numbers and texts.
 ///
 /// Threads: any.
 
@@ -19,41 +19,41 @@ namespace trv::cli {
 /// "-inf".
 QString numberText(double value);
 
-/// A number for reading: rounded to six decimals, without those that are zeros.
+/// A human-readable number: rounded to six decimals, without trailing zeros.
 QString roundedText(double value);
 
 /// Three numbers with blanks between them.
 QString vectorText(const double vector[3]);
 QString roundedVectorText(const double vector[3]);
 
-/// A text on one line that is safe to show. Control characters, format characters, line and
+/// A text on one line without hidden characters. Control characters, format characters, line and
 /// paragraph separators, tag characters and single surrogates become "\x1b" below U+0100, "\u202e"
-/// below U+10000, and "\U000e0041" from there on. A backslash becomes "\\", so that different texts
-/// are shown differently.
+/// below U+10000, and "\U000e0041" from there on. A backslash becomes "\\", so different texts are
+/// printed differently.
 QString shown(const QString& text);
 QString shown(const std::string& narrow);
 
-/// A text of at most `longest` code units as it is; of a longer one as much of the beginning, and
+/// The whole text if it has at most `maxLength` code units, else its beginning of that length and
 /// "...".
-QString beginningOf(const QString& text, int longest);
+QString beginningOf(const QString& text, int maxLength);
 
 /// "1 file", "2 files"
 QString counted(unsigned long long count, const QString& one, const QString& several);
 
-/// A JSON number; a number that JSON does not have is the text of numberText().
+/// A JSON number. If JSON cannot hold the number, the text of numberText().
 QJsonValue jsonNumber(double value);
 QJsonArray jsonNumbers(const double* values, int count);
 
-/// Writes an object on one line, member by member, for one that is too large to be built first.
-/// Escapes as printJson().
+/// Writes an object on one line, member by member. It is for objects that are too large to be built
+/// in memory first. Escapes like printJson().
 class JsonWriter {
 public:
-    /// @param out  has to live as long
+    /// @param out  has to live as long as the writer
     explicit JsonWriter(std::ostream& out);
 
     void add(const char* key, const QJsonValue& value);
 
-    /// An array as the next member. Elements follow, and then endArray().
+    /// Starts an array as the next member. Calls of addElement() and then endArray() follow.
     void beginArray(const char* key);
     void addElement(const QJsonValue& value);
     void endArray();
@@ -67,7 +67,8 @@ private:
     bool isFirst_ = true;
 };
 
-/// One line. What shown() escapes, but for the backslash, becomes "\u202e" or two of these.
+/// Prints the object on one line. Characters that shown() escapes, except the backslash, become
+/// "\u202e" or two such escapes.
 void printJson(const QJsonObject& object, std::ostream& out);
 
 }  // namespace trv::cli

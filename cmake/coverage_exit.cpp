@@ -1,5 +1,5 @@
-// Part of each program of a coverage build: a child process that ends by _exit() first writes down
-// which lines it has reached.
+// Part of each program of a coverage build: a child process that ends by _exit() first writes the
+// counts of the lines that it has reached.
 
 #include <sys/resource.h>
 
@@ -7,13 +7,13 @@
 
 namespace {
 
-// Half a record would spoil those of the others.
+// With a limited file size an incomplete file of counts would destroy those of other processes.
 bool mayFilesHaveAnySize() {
     rlimit limit = {};
     return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
 }
 
-// A tracer stops at each system call, of which writing takes thousands.
+// A tracer stops at each system call, and writing the counts takes thousands of them.
 bool isTraced() {
     std::FILE* status = std::fopen("/proc/self/status", "r");
     if (status == nullptr) return true;

@@ -1,5 +1,5 @@
-# Makes 64-bit Windows programs on Debian, with MinGW-w64, POSIX threads and the Qt that
-# scripts/windows/qt builds, and runs them in Wine.
+# Builds 64-bit Windows programs on Debian with MinGW-w64, POSIX threads and the Qt of
+# scripts/windows/qt. Runs them in Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -7,7 +7,7 @@ get_property(trying GLOBAL PROPERTY IN_TRY_COMPILE)
 if(NOT trying)
   execute_process(COMMAND "${CMAKE_CURRENT_LIST_DIR}/../scripts/windows/qt"
     OUTPUT_VARIABLE qt OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-  # What was found in an earlier build of Qt is not looked for again.
+  # After a new build of Qt the cached paths still lead to the earlier one.
   if(NOT qt STREQUAL TRVFILES_WINDOWS_QT)
     foreach(found IN ITEMS Qt5_DIR Qt5Core_DIR Qt5Xml_DIR)
       unset(${found} CACHE)

@@ -1,4 +1,4 @@
-# What a program needs beside it on Windows: Qt's DLLs, and the compiler's where that is MinGW.
+# The DLLs that a program needs on Windows: those of Qt, and those of the compiler if it is MinGW.
 
 foreach(target IN ITEMS Qt5::Core Qt5::Xml)
   get_target_property(dll ${target} IMPORTED_LOCATION_RELEASE)
@@ -12,7 +12,7 @@ if(MINGW)
   endforeach()
 endif()
 
-# All programs of a build stand in one folder with the DLLs, so that they start from anywhere.
+# All programs of a build are in one directory with the DLLs, so each starts without a search path.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 file(COPY ${trv_runtime_dlls} DESTINATION "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 install(FILES ${trv_runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})

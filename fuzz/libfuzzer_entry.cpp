@@ -1,4 +1,5 @@
-// What libFuzzer calls: one program a target, which TRV_FUZZ_TARGET names.
+// The function that libFuzzer calls. There is one program for each target; TRV_FUZZ_TARGET is its
+// name.
 
 #include <fuzz/targets.h>
 

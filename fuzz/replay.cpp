@@ -35,7 +35,7 @@ int main(int count, char** arguments) {
     std::size_t inputs = 0;
     for (int i = 2; i < count; ++i) {
         for (const fs::path& file : filesOf(arguments[i])) {
-            // An input that fails ends the process: the last one named is the one.
+            // An input that fails ends the process. It is the last one that was printed.
             std::printf("%s\n", file.string().c_str());
             std::fflush(stdout);
             target->check(trv::testing::bytesOf(file));

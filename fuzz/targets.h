@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The fuzz targets. Each takes any bytes as its input, puts them through one reader of the library
-/// and requires the laws that hold for every input.
+/// The fuzz targets. Each accepts any bytes as its input, passes them to one reader of the library,
+/// and checks the laws that hold for every input.
 
 #include <string_view>
 
@@ -37,7 +37,7 @@ inline constexpr Target targets[] = {
     {"store_operations", checkStoreOperations},
 };
 
-/// The target of a name, or none (null).
+/// The target of that name, or nullptr.
 constexpr const Target* findTarget(std::string_view name) {
     for (const Target& target : targets) {
         if (target.name == name) return &target;

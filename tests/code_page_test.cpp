@@ -9,9 +9,9 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/catalogue/CMachineContextUtils.h>
 #include <trvfiles/environment/message_file.h>
-#include <trvfiles/environment/process_stores.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/support/file_system.h>

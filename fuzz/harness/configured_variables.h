@@ -2,13 +2,13 @@
 
 #include <fuzz/harness/require.h>
 #include <trvfiles/environment/message_store.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/platform.h>
 
 namespace trv::fuzz {
 
-/// A configuration in the place of the one that a lookup would load. The process's temporary
-/// directory is given, so that no lookup makes one.
+/// A configuration that replaces the one that a lookup would load. The temporary directory of the
+/// process is set, so that no lookup creates one.
 class ConfiguredVariables {
 public:
     ConfiguredVariables() : store_(create_store()) {
@@ -25,7 +25,7 @@ public:
     ConfiguredVariables(const ConfiguredVariables&) = delete;
     ConfiguredVariables& operator=(const ConfiguredVariables&) = delete;
 
-    /// Sets "NAME = value"; a text without "=" is left out.
+    /// Sets "NAME = value"; a text without "=" is ignored.
     void variable(const char* text) { set_variable(store_, var_, text); }
     void path(const char* text) { set_variable(store_, path_, text); }
 

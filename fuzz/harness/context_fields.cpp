@@ -9,7 +9,7 @@ namespace {
 
 using Data = CMachineContextData;
 
-// Behind each "+" that is none of a pair all goes up to and with the next ")".
+// Removes the text after each "+" that is not one of a pair, up to and including the next ")".
 std::string withoutReferences(const std::string& text) {
     std::string kept;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -114,7 +114,7 @@ ContextFields readBack(const ContextFields& written, const ContextFields& before
         const double number = written.numbers[i];
         expected.numbers[i] = i < 3 ? originReadBack(number) : proximityReadBack(number);
     }
-    // A record makes of a narrow text what its characters are.
+    // A record stores a narrow text as characters.
     CMachineContextData data;
     setFields(data, expected);
     return fieldsOf(data);

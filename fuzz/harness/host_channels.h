@@ -7,7 +7,7 @@
 
 namespace trv::fuzz {
 
-/// What a host's fatal handler may throw.
+/// The exception of the host's fatal handler.
 struct FatalReport {};
 
 /// A host's handlers for the three channels. No message ends the process: the fatal handler returns
@@ -40,7 +40,7 @@ public:
 private:
     template <int* Counter>
     static void count(const char* message) {
-        // Reads the whole message, so that the sanitizers see what it is made of.
+        // Reads every byte of the message, so that the sanitizers check them.
         messageBytes += std::strlen(message);
         ++*Counter;
     }

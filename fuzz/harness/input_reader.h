@@ -8,8 +8,8 @@
 
 namespace trv::fuzz {
 
-/// Takes values off the front of an input. Behind its end all numbers are 0 and all texts empty, so
-/// that every input means something.
+/// Reads values from the front of an input. After its end all numbers are 0 and all texts empty, so
+/// every input is valid.
 class InputReader {
 public:
     explicit InputReader(std::string_view input) : rest_(input) {}
@@ -29,7 +29,7 @@ public:
         return static_cast<int>((high * 256 + byte()) % static_cast<unsigned>(below));
     }
 
-    /// Any double there is, from its eight bytes.
+    /// Any double, from its eight bytes.
     double real() {
         std::uint64_t bits = 0;
         for (int i = 0; i < 8; ++i)
@@ -40,7 +40,7 @@ public:
         return value;
     }
 
-    /// What stands before the next separator, a byte that is in no UTF-8 text.
+    /// The text before the next separator, which is a byte that no UTF-8 text contains.
     std::string_view piece() {
         constexpr char separator = '\xFF';
         const std::size_t end = rest_.find(separator);
@@ -49,7 +49,7 @@ public:
         return piece;
     }
 
-    /// The same as a text that ends at its first zero byte.
+    /// The same, cut before its first zero byte.
     std::string text() { return std::string(std::string(piece()).c_str()); }
 
     std::string_view rest() const { return rest_; }

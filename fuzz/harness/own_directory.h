@@ -9,18 +9,19 @@
 
 namespace trv::fuzz {
 
-/// The one directory of this process, under the system's temporary one; it goes with the process.
+/// The directory of this process, in the system's temporary directory. It is removed when the
+/// process ends.
 inline const testing::TemporaryDirectory& ownDirectory() {
     static const testing::TemporaryDirectory directory;
     return directory;
 }
 
-/// The path of a file in it.
+/// The path of a file in that directory.
 inline std::string ownFile(const char* name) {
     return (ownDirectory() / name).string();
 }
 
-/// Writes the file anew and gives its path back.
+/// Replaces the content of the file and returns its path.
 inline std::string writeOwnFile(const char* name, std::string_view bytes) {
     std::string path = ownFile(name);
     testing::writeBytes(path, bytes);

@@ -72,7 +72,7 @@ std::vector<PlainSection> parseMessagesPlainly(std::string_view text) {
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
         const std::string line(text.substr(0, std::min(end, longestLine)));
-        // A zero byte ends the text, not the line.
+        // A zero byte ends the text, but not the line.
         parser.take(line.c_str());
         text.remove_prefix(end);
     }

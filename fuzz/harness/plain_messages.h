@@ -11,8 +11,8 @@ struct PlainSection {
     std::vector<std::string> messages;
 };
 
-/// The sections of a message file by its rules in their plainest form, for a host whose fatal
-/// handler returns. Of a file that is given up on the way the answer is of no use.
+/// The sections of a message file, by the simplest implementation of its rules, for a host whose
+/// fatal handler returns. If the load of a file ends early, the result is meaningless.
 std::vector<PlainSection> parseMessagesPlainly(std::string_view text);
 
 }  // namespace trv::fuzz

@@ -5,7 +5,7 @@
 
 namespace trv::fuzz {
 
-/// Ends the process, as a sanitizer does, where a law does not hold.
+/// Ends the process, as a sanitizer does, if a law does not hold.
 inline void require(bool holds, const char* law) {
     if (holds) return;
     std::fprintf(stderr, "broken law: %s\n", law);

@@ -7,14 +7,14 @@
 
 namespace trv::fuzz {
 
-/// Requires at its end that the checked heap holds as much as at its beginning.
+/// Requires in its destructor that the checked heap holds as much as in its constructor.
 class StorageBalance {
 public:
     StorageBalance() { storage_report(before_, sizeof before_); }
     ~StorageBalance() {
         char after[64];
         storage_report(after, sizeof after);
-        require(std::strcmp(before_, after) == 0, "what was allocated has been freed");
+        require(std::strcmp(before_, after) == 0, "all allocated memory has been freed");
     }
     StorageBalance(const StorageBalance&) = delete;
     StorageBalance& operator=(const StorageBalance&) = delete;

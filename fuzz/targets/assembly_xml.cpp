@@ -1,4 +1,4 @@
-// An assembly document of any bytes: screened in pieces, read, and written and read again.
+// An assembly document of any bytes. It is screened in pieces, read, written and read again.
 
 #include <fuzz/harness/require.h>
 #include <fuzz/targets.h>
@@ -10,6 +10,7 @@
 #include <trvfiles/assembly/dom_walk.h>
 #include <trvfiles/assembly/xml_characters.h>
 #include <trvfiles/assembly/xml_screen.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <QBuffer>
 #include <QByteArray>
@@ -21,14 +22,16 @@
 namespace trv::fuzz {
 namespace {
 
-// Attributes keep what Qt takes, elements have none of this.
+// Attributes are not checked: they may hold every character that Qt accepts. Elements have no
+// value.
 void requireXmlCharactersOutsideTags(const QDomDocument& document) {
     walkDocument(
         document,
         [](const QDomNode& node, int) {
             const QString value = node.nodeValue();
             for (const QChar unit : value)
-                require(isXmlCharacter(unit.unicode()), "a text holds what XML allows");
+                require(isXmlCharacter(unit.unicode()),
+                        "a text contains only characters that XML allows");
         },
         [](const QDomNode&, int) {});
 }
@@ -38,14 +41,16 @@ EFileIOStatus readText(const QByteArray& text, CTrvAssemblyData& data) {
     device.setData(text);
     device.open(QIODevice::ReadOnly);
     DomTree tree;
-    ReadReport report;
-    if (!parseDocument(device, tree, report.fault)) {
-        require(!report.fault.reason.isEmpty() && report.fault.line > 0, "a fault has its place");
+    CFileFault fault;
+    if (!parseDocument(device, tree, &fault)) {
+        require(!fault.reason.empty() && fault.line > 0, "a fault has its place");
         return eFileIOContentError;
     }
     requireXmlCharactersOutsideTags(tree.document);
     int version = 0;
-    return readDocument(tree.document, version, data, report);
+    const EFileIOStatus status = readDocument(tree.document, version, data, &fault);
+    require(fault.reason.empty() == (status == eFileIOSuccess), "every failure has a reason");
+    return status;
 }
 
 bool writeText(const CTrvAssemblyData& data, QByteArray& text) {
@@ -70,7 +75,7 @@ struct Screened {
 };
 
 Screened screened(const QString& text, int pieceLength) {
-    XmlScreen screen(deepestNesting);
+    XmlScreen screen(maxNesting);
     QString passed;
     for (int start = 0; start < text.size() && screen.refusal() == XmlScreen::Refusal::none;
          start += pieceLength) {
@@ -82,17 +87,18 @@ Screened screened(const QString& text, int pieceLength) {
 
 void requirePiecesMakeNoDifference(const QString& text) {
     const Screened whole = screened(text, text.size() + 1);
-    require(whole == screened(text, 1), "what is screened does not depend on the pieces");
+    require(whole == screened(text, 1), "the screened text does not depend on the pieces");
     require(whole.refusal != XmlScreen::Refusal::none || whole.passed.size() == text.size(),
             "the screen keeps the length");
     if (whole.refusal != XmlScreen::Refusal::character) return;
     const auto unit = static_cast<ushort>(whole.refusedCharacter);
-    require(!isXmlCharacter(unit), "what XML allows is not refused");
+    require(!isXmlCharacter(unit), "a character that XML allows is not rejected");
     require(text.contains(QChar(unit)) || text.contains(QLatin1String("&#")),
-            "what is refused is there");
+            "a rejected character is in the text");
 }
 
-// What a file cannot hold, so that the record is refused, and what it holds cut off.
+// Content that a file cannot hold, so the record is rejected, and content that a file holds only in
+// part.
 struct Contents {
     bool hasEmptyComponent = false;
     bool hasNoncharacter = false;
@@ -133,20 +139,21 @@ void checkAssemblyXml(std::string_view input) {
     if (status != eFileIOSuccess) return;
 
     require(data == CTrvAssemblyData(data), "a copy is equal");
-    require(data.getComponentFileList().size() < input.size(), "no component comes from nowhere");
+    require(data.getComponentFileList().size() < input.size(),
+            "there are fewer components than bytes");
     const Contents contents = contentsOf(data);
     QByteArray written;
     const bool isWritten = writeText(data, written);
-    require(!(isWritten && contents.hasEmptyComponent), "a component of nothing is not written");
+    require(!(isWritten && contents.hasEmptyComponent), "an empty component is not written");
     require(isWritten || contents.hasEmptyComponent || contents.hasNoncharacter,
-            "nothing else is refused");
+            "every other assembly is written");
     if (!isWritten) return;
     CTrvAssemblyData again;
-    require(readText(written, again) == eFileIOSuccess, "what is written can be read");
-    require(contents.hasZeroInText || again == data, "what is written reads the same");
+    require(readText(written, again) == eFileIOSuccess, "a written file can be read");
+    require(contents.hasZeroInText || again == data, "a written file reads back the same");
     QByteArray writtenAgain;
     require(writeText(again, writtenAgain) && writtenAgain == written,
-            "what is read is written the same");
+            "an assembly that was read is written the same");
 }
 
 }  // namespace trv::fuzz

@@ -1,4 +1,5 @@
-// An axis file's text, its line ends, and what is read of it written again.
+// The text of an axis file, with both line ends. The placement that is read is written and read
+// again.
 
 #include <fuzz/harness/axis_source.h>
 #include <fuzz/harness/own_directory.h>
@@ -15,10 +16,12 @@
 namespace trv::fuzz {
 namespace {
 
-bool isSame(const AxisContent& left, const AxisContent& right) {
-    return left.faultyLine == right.faultyLine && left.tagCount == right.tagCount &&
-           left.tags == right.tags &&
-           std::memcmp(&left.matrix, &right.matrix, sizeof left.matrix) == 0;
+bool isSame(const ReadAxis& left, const ReadAxis& right) {
+    const AxisContent& one = left.content;
+    const AxisContent& other = right.content;
+    return left.fault.line == right.fault.line && one.tagCount == other.tagCount &&
+           one.tags == other.tags &&
+           std::memcmp(&one.matrix, &other.matrix, sizeof one.matrix) == 0;
 }
 
 std::string withCarriageReturns(const std::string& text) {
@@ -30,7 +33,8 @@ std::string withCarriageReturns(const std::string& text) {
     return changed;
 }
 
-void requireTheFacadeAgrees(const std::string& text, const AxisContent& content) {
+void requireTheFacadeAgrees(const std::string& text, const ReadAxis& read) {
+    const AxisContent& content = read.content;
     constexpr double untouched = -77;
     AxisMatrix matrix;
     matrix.fill(untouched);
@@ -38,16 +42,16 @@ void requireTheFacadeAgrees(const std::string& text, const AxisContent& content)
     writeOwnFile("axis", text);
     CQvFilesIO files(ownDirectory().wide());
     const EFileIOStatus status = files.readAxis(L"axis", matrix.data(), tags[0], tags[1], tags[2]);
-    require(status == (content.faultyLine == 0 ? eFileIOSuccess : eFileIOContentError),
-            "the status is 1, or 4 where a line is faulty");
+    require(status == (read.fault.line == 0 ? eFileIOSuccess : eFileIOContentError),
+            "the status is 1, or 4 if a line is faulty");
     AxisMatrix expected = content.matrix;
     if (status != eFileIOSuccess) expected.fill(untouched);
     require(std::memcmp(&matrix, &expected, sizeof matrix) == 0,
-            "the matrix is the one of the text, or as it was");
+            "the matrix is that of the text, or unchanged");
     for (int i = 0; i < 3; ++i) {
         const bool isSet = status == eFileIOSuccess && i < content.tagCount;
         require(tags[i] == (isSet ? content.tags[static_cast<std::size_t>(i)] : -1 - i),
-                "the tags are those of the text, or as they were");
+                "the tags are those of the text, or unchanged");
     }
 }
 
@@ -63,7 +67,8 @@ bool isRotation(const AxisMatrix& m) {
     return true;
 }
 
-// Beyond that a double has fewer decimals than the text, and a line may be longer than what counts.
+// A larger double has fewer decimals than the text, and its line may be longer than the part that
+// counts.
 bool hasAllDecimals(double value) {
     return std::fabs(value) < 1e9;
 }
@@ -75,8 +80,9 @@ void requireItReadsBack(const AxisContent& content) {
     const std::string text = axisFileText(content.matrix, tags[0], tags[1], tags[2]);
     if (!std::all_of(content.matrix.begin(), content.matrix.end(), hasAllDecimals)) return;
 
-    const AxisContent back = axisContentOf(text);
-    require(back.faultyLine == 0, "a written axis reads back");
+    const ReadAxis readBack = axisOf(text);
+    require(readBack.fault.line == 0, "a written axis reads back");
+    const AxisContent& back = readBack.content;
     const bool hasTags = std::all_of(tags, tags + 3, [](int tag) { return tag >= 0; });
     require(back.tagCount == (hasTags ? 3 : 0), "three tags are written, or none");
     require(!hasTags || std::equal(tags, tags + 3, back.tags.begin()), "tags read back");
@@ -95,14 +101,16 @@ void requireItReadsBack(const AxisContent& content) {
 
 void checkAxisText(std::string_view input) {
     const std::string text(input);
-    const AxisContent content = axisContentOf(text);
-    require(content.faultyLine == 0 || (content.faultyLine >= 2 && content.faultyLine <= 5),
+    const ReadAxis read = axisOf(text);
+    const AxisContent& content = read.content;
+    const int faultyLine = read.fault.line;
+    require(faultyLine == 0 || (faultyLine >= 2 && faultyLine <= 5),
             "a faulty line is one of the four of the matrix");
     require(content.tagCount >= 0 && content.tagCount <= 3, "there are up to three tags");
-    require(isSame(axisContentOf(withCarriageReturns(text)), content),
+    require(isSame(axisOf(withCarriageReturns(text)), read),
             "a CR before a line end makes no difference");
-    requireTheFacadeAgrees(text, content);
-    if (content.faultyLine == 0) requireItReadsBack(content);
+    requireTheFacadeAgrees(text, read);
+    if (faultyLine == 0) requireItReadsBack(content);
 }
 
 }  // namespace trv::fuzz

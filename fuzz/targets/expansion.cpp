@@ -1,4 +1,5 @@
-// A text and the variables in it, expanded through every entry point, against a plain expansion.
+// A text and its variables, expanded by every entry point. The results are compared with a plain
+// expansion.
 
 #include <fuzz/harness/configured_variables.h>
 #include <fuzz/harness/host_channels.h>
@@ -18,10 +19,11 @@
 namespace trv::fuzz {
 namespace {
 
-// The rules once more, one call a value. It gives up long before the limits are reached.
+// A second implementation of the rules, with one call for each value. It gives up long before the
+// limits of the library.
 class PlainExpander {
 public:
-    /// @return the status; none where the result is too long for this expander
+    /// @return the status; empty if the result is too long for this expander
     std::optional<int> expand(const std::string& text) {
         const int code = append(text);
         if (hasGivenUp_) return std::nullopt;
@@ -104,7 +106,7 @@ void requireBuffersAgree(const std::string& text, int code, const std::string& r
     std::string untouched(path.size() + 1, '!');
     require(_Expand(text.c_str(), untouched.data(), length) == EXP_BUFFER_TOO_SMALL &&
                 untouched == std::string(path.size() + 1, '!'),
-            "a buffer that is too small is not touched");
+            "a buffer that is too small is not changed");
 
     std::string field(path.size() + 3, '!');
     std::int32_t fieldCode = 1;
@@ -119,7 +121,7 @@ void requireBuffersAgree(const std::string& text, int code, const std::string& r
     place.resize(room);
     require(_ExpandText(place.data(), static_cast<std::int32_t>(room)) == code &&
                 result == place.c_str(),
-            "a text expands where it stands");
+            "a text expands in its own buffer");
 }
 
 void checkText(const std::string& text) {
@@ -128,7 +130,7 @@ void checkText(const std::string& text) {
     PlainExpander plain;
     const std::optional<int> expected = plain.expand(text);
     require(!expected || (*expected == code && plain.result == result),
-            "status and result are what the rules say");
+            "status and result are as the rules say");
     constexpr std::size_t longestResult = std::size_t{16} << 20;
     require(result.size() <= longestResult, "no result is longer than 16 MiB");
     require(code == EXP_OK || code == EXP_UNDEFINED || code == EXP_SYNTAX_ERROR ||
@@ -141,7 +143,7 @@ void checkText(const std::string& text) {
 
     std::string own = text;
     require(!expected || (expand_variables(own.c_str(), &own) == code && own == result),
-            "the source may lie in the output");
+            "the source may be in the output");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// A machine context file of any bytes: read as its sections say, and written and read again.
+// A machine context file of any bytes. It is read, compared with a second reader, written and read
+// again.
 
 #include <fuzz/harness/context_fields.h>
 #include <fuzz/harness/host_channels.h>
@@ -16,7 +17,7 @@
 namespace trv::fuzz {
 namespace {
 
-// The reader's rules once more, over the sections of the file.
+// A second implementation of the reader's rules, on the sections of the file.
 class PlainReader {
 public:
     PlainReader(const std::string& text, CMachineContextData& data) : data_(data) {
@@ -71,7 +72,7 @@ private:
     std::string value_;
 };
 
-// The C library reads numbers that the format does not know.
+// The C library also reads numbers that the format does not define.
 bool hasForeignNumbers(const std::string& text) {
     return text.find_first_of("xX(") != std::string::npos;
 }
@@ -91,18 +92,18 @@ void checkMachineContextRead(std::string_view input) {
     require(status == eFileIOSuccess || status == eFileIOContentError, "the status is 1 or 4");
     CMachineContextData expected;
     setFields(expected, distinctFields());
-    require(status == PlainReader(text, expected).read(), "the status is what the rules say");
+    require(status == PlainReader(text, expected).read(), "the status is as the rules say");
     require(fieldsOf(data) == fieldsOf(expected) || hasForeignNumbers(text),
-            "the fields are what the rules say");
+            "the fields are as the rules say");
 
     require(files.writeMachineContext("written.mctx", data) == eFileIOSuccess,
             "any record can be written");
     CMachineContextData again;
     setFields(again, distinctFields());
     require(files.readMachineContext("written.mctx", again) == eFileIOSuccess,
-            "what is written can be read");
+            "a written file can be read");
     require(fieldsOf(again) == readBack(fieldsOf(data), distinctFields()),
-            "what is written reads back as documented");
+            "a written file reads back as documented");
     require(HostChannels::fatalCount == 0 && HostChannels::errorCount == 0, "nothing is reported");
 }
 

@@ -1,4 +1,4 @@
-// Any machine context record, written and read back into a record with other fields.
+// Any machine context record. It is written and read back into a record with other fields.
 
 #include <fuzz/harness/context_fields.h>
 #include <fuzz/harness/host_channels.h>
@@ -15,7 +15,7 @@
 namespace trv::fuzz {
 namespace {
 
-// Every kind of character, halves of surrogate pairs and zeros included.
+// Characters of every kind, including halves of surrogate pairs and zeros.
 std::wstring wideText(std::string_view bytes) {
     constexpr unsigned firstBeyondAscii = 0x80;
     std::wstring text;
@@ -63,9 +63,9 @@ void checkMachineContextRoundTrip(std::string_view input) {
     CMachineContextData back;
     setFields(back, distinctFields());
     require(files.readMachineContext("trip.mctx", back) == eFileIOSuccess,
-            "what is written can be read");
+            "a written file can be read");
     require(fieldsOf(back) == readBack(fieldsOf(data), distinctFields()),
-            "each field reads back as documented, whatever stands in the others");
+            "each field reads back as documented, whatever the others are");
 
     const std::string bytes = testing::bytesOf(ownFile("trip.mctx"));
     require(files.writeMachineContext("trip.mctx", data) == eFileIOSuccess &&

@@ -1,5 +1,5 @@
-// A message file of any bytes: loaded from a file and from memory, a second one merged over it, and
-// what is merged saved and loaded again.
+// A message file of any bytes. It is loaded from a file and from memory. A second file is merged
+// over it, and the result is saved and loaded again.
 
 #include <fuzz/harness/configured_variables.h>
 #include <fuzz/harness/host_channels.h>
@@ -27,7 +27,7 @@ using testing::messagesOf;
 using testing::Store;
 using StoreHandle = std::unique_ptr<message_store, testing::StoreDestroyer>;
 
-// A host's own supplier of lines.
+// A supplier of lines of a host.
 class TextLines : public VCL8BLineSource {
 public:
     explicit TextLines(std::string_view text) : rest_(text) {}
@@ -40,7 +40,7 @@ public:
         const bool isTerminated = end != std::string_view::npos;
         const std::string_view line = rest_.substr(0, isTerminated ? end + 1 : end);
         buffer[line.copy(buffer, static_cast<std::size_t>(size - 1))] = '\0';
-        // The end behind a full buffer counts one, as a newline does.
+        // The end of the text after a full buffer counts as one character, like a newline.
         const bool isFull = line.size() >= static_cast<std::size_t>(size - 1);
         const std::uint64_t length = line.size() + (isFull && !isTerminated ? 1 : 0);
         rest_.remove_prefix(line.size());
@@ -83,14 +83,14 @@ std::vector<int> countsOf(const message_store* store) {
     return counts;
 }
 
-// A line loses its comment and its trailing blanks, and ends at 1023 characters.
+// The comment and the trailing blanks of a line are removed, and the line ends at 1023 characters.
 bool isKeptByALine(const std::string& text) {
     constexpr std::size_t longestLine = 1023;
     return text.find('#') == std::string::npos && text.size() < longestLine &&
            (text.empty() || !is_blank(text.back()));
 }
 
-// The texts that a save writes, section by section; none where a line cannot hold one of them.
+// The texts that a save writes, section by section; empty if a line cannot hold one of them.
 std::vector<std::string> savedTexts(const message_store* store) {
     std::vector<std::string> texts;
     for (int section = 0; section < section_count(store); ++section) {
@@ -110,17 +110,18 @@ void requireASaveLoads(const std::string& path) {
     const StoreHandle merged(create_store());
     if (load_message_file(merged.get(), path.c_str()) == nullptr) return;
     const std::vector<std::string> expected = savedTexts(merged.get());
-    require(store_parameters(merged.get(), path.c_str()) == 0, "what is loaded can be saved");
+    require(store_parameters(merged.get(), path.c_str()) == 0,
+            "a store that was loaded can be saved");
     if (expected.empty()) return;
 
     const StoreHandle again(create_store());
-    require(load_message_file(again.get(), path.c_str()) != nullptr, "what is saved can be loaded");
+    require(load_message_file(again.get(), path.c_str()) != nullptr, "a saved file can be loaded");
     std::vector<std::string> texts;
     for (int section = 0; section < section_count(again.get()); ++section) {
         for (const std::string& message : messagesOf(again.get(), section))
             texts.push_back(message);
     }
-    require(texts == expected, "what is saved loads the same");
+    require(texts == expected, "a saved file loads the same");
 }
 
 void check(InputReader& input) {
@@ -142,10 +143,10 @@ void check(InputReader& input) {
     const bool isMerged = load_message_file(fromLines.get(), other.c_str()) != nullptr;
     const std::vector<int> counts = countsOf(fromLines.get());
     const bool isMergedAgain = load_message_file(fromLines.get(), other.c_str()) != nullptr;
-    require(isMerged == isMergedAgain, "a file loads again as it has loaded");
+    require(isMerged == isMergedAgain, "a file loads again with the same result");
     require(countsOf(fromLines.get()) == counts, "a file merged again adds nothing");
     require(store_messages(fromLines.get(), ownFile("all.msg").c_str()) == 0,
-            "whatever was loaded can be saved");
+            "everything that was loaded can be saved");
     requireASaveLoads(other);
 }
 

@@ -1,5 +1,5 @@
-// Wildcards against a table of all prefixes, a listing against the tree it lists, and searches
-// along lists of directories.
+// Compares wildcards with a table of all prefixes, and a listing with the tree that it lists.
+// Searches lists of directories.
 
 #include <fuzz/harness/configured_variables.h>
 #include <fuzz/harness/host_channels.h>
@@ -49,7 +49,7 @@ bool isEqual(char left, char right, bool caseSensitive) {
 }
 
 bool matchesPlainly(const std::string& pattern, const std::string& name, bool caseSensitive) {
-    // matched[k]: whether the pattern so far matches the name's first k characters.
+    // matched[k]: the pattern so far matches the first k characters of the name.
     std::vector<bool> matched(name.size() + 1);
     matched[0] = true;
     for (const char p : pattern) {
@@ -71,7 +71,7 @@ void checkWildcard(InputReader& input) {
     for (const bool caseSensitive : {true, false}) {
         const bool expected = matchesPlainly(pattern, name, caseSensitive);
         require(wildcard_match(pattern.c_str(), name.c_str(), caseSensitive) == (expected ? 1 : 0),
-                "a wildcard matches what the rules say");
+                "a wildcard matches as the rules say");
     }
 }
 
@@ -106,7 +106,7 @@ void checkListing(InputReader& input) {
     if (matchesPlainly(name, "sub", false)) expected.push_back(tree() + "\\sub");
     std::sort(expected.begin(), expected.end());
     if (pattern.size() > longestPattern) expected.clear();
-    require(entries == expected, "a listing holds what matches");
+    require(entries == expected, "a listing contains exactly the names that match");
 }
 
 void requireSearchStatus(int code, const std::string& found) {
@@ -114,7 +114,7 @@ void requireSearchStatus(int code, const std::string& found) {
                                 -41,    EXP_NAME_TOO_LONG, EXP_UNDEFINED,    EXP_INVALID_ARGUMENT};
     require(std::find(std::begin(statuses), std::end(statuses), code) != std::end(statuses),
             "the status is one of the table");
-    require(code != EXP_OK || fileExists(found.c_str()) == 1, "what is found exists");
+    require(code != EXP_OK || fileExists(found.c_str()) == 1, "a file that is found exists");
 }
 
 std::string textOf(const std::string& field) {

@@ -1,4 +1,4 @@
-// A sectioned settings file against the rules of the format in their plainest form.
+// Compares a sectioned settings file with the simplest implementation of the rules of the format.
 
 #include <fuzz/harness/own_directory.h>
 #include <fuzz/harness/require.h>
@@ -101,7 +101,8 @@ std::string dumpOf(const Sections& sections) {
 
 void requireLookups(const CSectionedFile& file, const Sections& sections) {
     for (const auto& [name, section] : sections) {
-        require(file.section(name, true).headerLine() == section.headerLine, "a header's line");
+        require(file.section(name, true).headerLine() == section.headerLine,
+                "a section has the line of its header");
         require(file.section(name, true).lineCount() == static_cast<int>(section.lines.size()),
                 "the lines of a section are counted");
         for (const auto& [key, entry] : entriesOf(section)) {
@@ -112,7 +113,7 @@ void requireLookups(const CSectionedFile& file, const Sections& sections) {
                     "the last line of a key counts");
             require(file.sectionValue(file.section(name, false), key, false, value) ||
                         &file.section(name, false) != &file.section(name, true),
-                    "case ignored, no fewer keys are found");
+                    "if case is ignored, at least as many keys are found");
         }
     }
 }
@@ -138,8 +139,9 @@ void checkSectionedFile(std::string_view input) {
     CSectionedFile fromDisk;
     require(fromDisk.parseFile(std::filesystem::path(writeOwnFile("f.ini", text)).wstring()) == 0,
             "any file parses");
-    require(dumpOf(fromDisk) == dumpOf(file), "a file reads like a stream");
-    require(fromDisk.hasUtf8Signature() == (text.substr(0, 3) == "\xEF\xBB\xBF"), "the signature");
+    require(dumpOf(fromDisk) == dumpOf(file), "a file and a stream give the same result");
+    require(fromDisk.hasUtf8Signature() == (text.substr(0, 3) == "\xEF\xBB\xBF"),
+            "a UTF-8 signature is detected");
 }
 
 }  // namespace trv::fuzz

@@ -1,5 +1,5 @@
-// A sequence of store calls, one after the other from the bytes of the input, against the plain
-// model of a store. Storage may run out at any of them.
+// A sequence of store calls, decoded from the bytes of the input. The results are compared with a
+// plain model of a store. Storage may run out in any call.
 
 #include <fuzz/harness/host_channels.h>
 #include <fuzz/harness/input_reader.h>
@@ -111,7 +111,7 @@ private:
         }
         return result;
     }
-    // To a text of the store, or to nothing.
+    // A reference to a text of the store, or to nothing.
     std::string reference() {
         const auto text = static_cast<std::size_t>(input_.byte());
         return StoreModel::reference(text < model_.texts.size() ? model_.texts[text].offset
@@ -120,9 +120,9 @@ private:
 
     int sectionCount() const { return static_cast<int>(model_.sections.size()); }
 
-    // Only with a limited storage may a call fail that is otherwise right.
+    // A valid call may fail only if the storage is limited.
     bool hasSucceeded(bool result) const {
-        require(result || isLimited_, "a call fails for want of storage alone");
+        require(result || isLimited_, "a call fails only if there is no storage");
         return result;
     }
 
@@ -159,7 +159,7 @@ private:
         const bool isThere = number < model_.count(section);
         const int code =
             replace_message(store_.get(), section, number, text.c_str(), registration, 1);
-        require(isThere || code == -1, "only what is there is replaced");
+        require(isThere || code == -1, "only an existing message is replaced");
         if (!isThere || !hasSucceeded(code == 0)) return;
         model_.replace(section, number, text, file, 1);
         learnOffsets(section, number);
@@ -181,7 +181,7 @@ private:
         if (!registered(file, registration)) return;
         const int code = set_parameter(store_.get(), section, text.c_str(), registration, 1);
         if (!StoreModel::isEntry(text)) {
-            require(code == (file.empty() ? -1 : 0), "what is no entry is refused");
+            require(code == (file.empty() ? -1 : 0), "a text that is not an entry is rejected");
             return;
         }
         if (!hasSucceeded(code == 0)) return;
@@ -195,7 +195,8 @@ private:
     void saveParameters(const std::string& file) {
         if (file.empty()) return;
         if (!hasSucceeded(store_parameters(store_.get(), file.c_str()) == 0)) return;
-        require(testing::bytesOf(file) == model_.saveParameters(file), "a file's parameters");
+        require(testing::bytesOf(file) == model_.saveParameters(file),
+                "the parameters of a file are saved");
     }
     void saveMessages() {
         const std::string file = ownFile("messages.msg");
@@ -215,10 +216,11 @@ private:
         constexpr double mostReplacements = 500;
         const int number = model_.findEntry(section, name, exact, true);
         const char* value = find_parameter(store_.get(), section, name.c_str(), exact);
-        require((value != nullptr) == (number != StoreModel::none), "an entry is found, or not");
+        require((value != nullptr) == (number != StoreModel::none),
+                "an entry is found if and only if it exists");
         if (value == nullptr) return;
         const auto id = static_cast<std::size_t>(model_.idOf(section, number));
-        // Values that double at each step are cut off sooner or later, which the model does not.
+        // The library cuts off values that double at each step. The model does not.
         if (costs_[id] > mostReplacements) return;
         require(value == model_.resolve(section, number), "references are resolved");
     }
@@ -237,7 +239,7 @@ private:
     void compareMessage(int section, int number) const {
         const StoreModel::Text& expected = model_.message(section, number);
         const char* text = get_message(store_.get(), section, number);
-        require(text == (expected.deleted ? std::string() : expected.text), "texts stay");
+        require(text == (expected.deleted ? std::string() : expected.text), "texts do not change");
         if (expected.deleted) return;
         const std::string origin = expected.file.empty() ? "set by program"
                                                          : "from '" + expected.file + "' line " +
@@ -245,7 +247,7 @@ private:
         require(testing::originOf(store_.get(), text) == origin, "texts keep their origin");
     }
 
-    // The model names texts by their offsets, too; the first text of all stands at a known one.
+    // The model also identifies texts by their offsets. The offset of the first text is known.
     void learnOffsets(int section, int number) {
         constexpr std::int32_t anchorOffset = 12;
         for (; number < model_.count(section); ++number) {
@@ -259,7 +261,7 @@ private:
             costs_[static_cast<std::size_t>(id)] = costOf(model_.at(id));
         }
     }
-    // A bound on the references that resolving a text replaces, whatever they lead to.
+    // An upper bound of the number of references that are replaced when a text is resolved.
     double costOf(const StoreModel::Text& text) const {
         const auto pluses = std::count(text.text.begin(), text.text.end(), '+');
         const double most = *std::max_element(costs_.begin(), costs_.end());

@@ -5,6 +5,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/component_body.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/support/CFileFault.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -14,6 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -312,40 +314,108 @@ TEST_F(AssemblyFile, SetsThePolicyForInvalidDataAtEveryCall) {
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
 }
 
-TEST_F(AssemblyFile, TellsAPersonWhyItWasNotRead) {
+TEST_F(AssemblyFile, SaysWhyItWasNotRead) {
     QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
-    trv::ReadReport report;
+    CFileFault fault;
     const auto reasonFor = [&](const char* bytes) {
         writeBytes(directory / "a.xml", bytes);
         CTrvAssemblyIO file(QString::fromStdString(directory.text() + "/a.xml"));
-        EXPECT_NE(file.read(data, &report), eFileIOSuccess);
-        return report.fault.reason.toStdString();
+        EXPECT_NE(file.read(data, &fault), eFileIOSuccess);
+        EXPECT_EQ(fault.systemError, 0);
+        return fault.reason;
     };
     EXPECT_EQ(reasonFor("<ComponentInfo version='1'>\n <Attributs/>\n</ComponentInfo>"),
               "<ComponentInfo> has no <Component>");
-    EXPECT_EQ(report.fault.line, 1);
+    EXPECT_EQ(fault.line, 1);
+    EXPECT_EQ(fault.column, 27);
     EXPECT_EQ(reasonFor("<a>\n</b>"), "tag mismatch");
-    EXPECT_EQ(report.fault.line, 2);
+    EXPECT_EQ(fault.line, 2);
+    EXPECT_EQ(fault.column, 4);
     CTrvAssemblyIO missing(QString::fromStdString(directory.text() + "/missing.xml"));
-    EXPECT_EQ(missing.read(data, &report), eFileIOOpenError);
-    EXPECT_THAT(report.fault.reason.toStdString(), ::testing::Not(::testing::IsEmpty()));
+    EXPECT_EQ(missing.read(data, &fault), eFileIOOpenError);
+    EXPECT_EQ(fault.reason, "No such file or directory");
+    EXPECT_EQ(fault.systemError, ENOENT);
+    EXPECT_EQ(fault.line, 0);
+    EXPECT_EQ(fault.column, 0);
 }
 
-TEST_F(AssemblyFile, SaysThatANameNamesNoFile) {
+TEST_F(AssemblyFile, SaysThatReadingBreaksOff) {
+    if (!std::filesystem::exists("/proc/self/mem")) {
+        GTEST_SKIP() << "there is no file here that breaks off";
+    }
+    CFileFault fault;
+    CTrvAssemblyIO file(QStringLiteral("/proc/self/mem"));
+    EXPECT_EQ(file.read(data, &fault), eFileIOContentError);
+    EXPECT_EQ(fault.reason, "Input/output error");
+    EXPECT_EQ(fault.systemError, EIO);
+}
+
+TEST_F(AssemblyFile, SaysThatANameIsNoFileName) {
     for (const QString& name : {QString(), QStringLiteral(""), QStringLiteral("a") + QChar(0)}) {
-        trv::ReadReport report;
-        report.fault = {QStringLiteral("old"), 7, 7};
-        report.leftOut = 7;
-        EXPECT_EQ(CTrvAssemblyIO(name).read(data, &report), eFileIOOpenError);
-        EXPECT_EQ(report.fault.reason, QStringLiteral("the name names no file"));
-        EXPECT_EQ(report.fault.line, 0);
-        EXPECT_EQ(report.fault.column, 0);
-        EXPECT_EQ(report.leftOut, 0);
+        CFileFault fault;
+        fault.reason = "old";
+        fault.line = 7;
+        fault.column = 7;
+        fault.notes.resize(7);
+        EXPECT_EQ(CTrvAssemblyIO(name).read(data, &fault), eFileIOOpenError);
+        EXPECT_EQ(fault.reason, "not a valid file name");
+        EXPECT_EQ(fault.line, 0);
+        EXPECT_EQ(fault.column, 0);
+        EXPECT_TRUE(fault.notes.empty());
         EXPECT_EQ(CTrvAssemblyIO(name).read(data), eFileIOOpenError);
     }
-    trv::ReadReport report;
-    EXPECT_EQ(CTrvAssemblyIO(QStringLiteral("missing.xml")).read(data, &report), eFileIOOpenError);
-    EXPECT_NE(report.fault.reason, QStringLiteral("the name names no file"));
+    CFileFault fault;
+    EXPECT_EQ(CTrvAssemblyIO(QStringLiteral("missing.xml")).read(data, &fault), eFileIOOpenError);
+    EXPECT_NE(fault.reason, "not a valid file name");
+}
+
+TEST_F(AssemblyFile, NotesWhatItReadsDifferently) {
+    writeBytes(directory / "a.xml",
+               "<ComponentInfo version='1'><Attributs/>\n<Component name='\xFF' enabled='x'/>\n"
+               "</ComponentInfo>");
+    CFileFault fault;
+    CTrvAssemblyIO file(QString::fromStdString(directory.text() + "/a.xml"));
+    EXPECT_EQ(file.read(data, &fault), eFileIOSuccess);
+    ASSERT_EQ(fault.notes.size(), 2u);
+    EXPECT_EQ(fault.notes[0].kind, CFileFault::Note::Kind::notText);
+    EXPECT_EQ(fault.notes[0].line, 2);
+    EXPECT_EQ(fault.notes[0].column, 18);
+    EXPECT_EQ(fault.notes[1].kind, CFileFault::Note::Kind::notAFlag);
+    EXPECT_EQ(fault.notes[1].line, 2);
+}
+
+TEST_F(AssemblyFile, SaysWhyItIsNotWritten) {
+    CFileFault fault;
+    const auto write = [&](const CTrvAssemblyComponentData& root, const char* name) {
+        const QString path = QString::fromStdString(directory.text() + "/" + name);
+        return CTrvAssemblyIO(path).write(assemblyOf(root), &fault);
+    };
+    EXPECT_EQ(write(leaf("a", ""), "a.xml"), eFileIOContentError);
+    EXPECT_EQ(fault.reason, "component \"a\" has neither a geometry file nor components");
+    EXPECT_EQ(fault.systemError, 0);
+    EXPECT_EQ(write(group("g", {leaf("b\uFFFE", "f")}), "a.xml"), eFileIOContentError);
+    EXPECT_EQ(fault.reason,
+              "component \"b\uFFFE\" has a text with U+FFFE or U+FFFF, which XML does "
+              "not allow");
+    EXPECT_EQ(write(leaf("c", "f\uFFFF"), "a.xml"), eFileIOContentError);
+    EXPECT_EQ(fault.reason,
+              "component \"c\" has a text with U+FFFE or U+FFFF, which XML does not allow");
+    EXPECT_EQ(write(chain(1000), "a.xml"), eFileIOContentError);
+    EXPECT_THAT(fault.reason, ::testing::EndsWith(" is nested too deeply"));
+    EXPECT_EQ(write(leaf("a", "f"), "missing/a.xml"), eFileIOOpenError);
+    EXPECT_NE(fault.reason, "");
+    EXPECT_EQ(write(leaf("a", "f"), "a.xml"), eFileIOSuccess);
+    EXPECT_EQ(fault.reason, "");
+    EXPECT_EQ(fault.systemError, 0);
+}
+
+TEST_F(AssemblyFile, SaysThatTheDiskIsFull) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+    CFileFault fault;
+    CTrvAssemblyIO file(QStringLiteral("/dev/full"));
+    EXPECT_EQ(file.write(assemblyOf(leaf("a", "f")), &fault), eFileIOShortWrite);
+    EXPECT_EQ(fault.reason, "No space left on device");
+    EXPECT_EQ(fault.systemError, ENOSPC);
 }
 
 TEST_F(AssemblyFile, TakesNamesBeyondAscii) {

@@ -1,5 +1,6 @@
 #include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <QDomImplementation>
 #include <gmock/gmock.h>
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -23,8 +25,8 @@ protected:
     EFileIOStatus read(const std::string& text) {
         QDomDocument document;
         EXPECT_TRUE(document.setContent(QByteArray::fromStdString(text))) << text;
-        report = {};
-        return trv::readDocument(document, version, data, report);
+        fault = {};
+        return trv::readDocument(document, version, data, &fault);
     }
 
     // An assembly whose root component has the given attributes and content.
@@ -49,9 +51,17 @@ protected:
         return vector;
     }
 
+    std::vector<int> leftOutLines() const {
+        std::vector<int> lines;
+        for (const CFileFault::Note& note : fault.notes) {
+            if (note.kind == CFileFault::Note::Kind::leftOut) lines.push_back(note.line);
+        }
+        return lines;
+    }
+
     CTrvAssemblyData data;
     int version = -1;
-    trv::ReadReport report;
+    CFileFault fault;
 };
 
 constexpr const char* identity = "<vec1 x='1'/><vec2 y='1'/><vec3 z='1'/>";
@@ -71,8 +81,7 @@ TEST_F(AssemblyReader, RefusesAnotherRoot) {
             eFileIOStructureError)
             << name;
     }
-    EXPECT_EQ(report.fault.reason,
-              QStringLiteral("the root element is <ComponentInfos>, not <ComponentInfo>"));
+    EXPECT_EQ(fault.reason, "the root element is <ComponentInfos>, not <ComponentInfo>");
 }
 
 TEST_F(AssemblyReader, TakesEveryIntegerForAVersion) {
@@ -102,23 +111,22 @@ TEST_F(AssemblyReader, RefusesAVersionThatIsNoInteger) {
                        "><Attributs/><Component/></ComponentInfo>"),
                   eFileIOContentError)
             << text;
-        EXPECT_EQ(report.fault.reason,
-                  QStringLiteral("the version of <ComponentInfo> is no integer"));
+        EXPECT_EQ(fault.reason, "the version of <ComponentInfo> is no integer");
     }
 }
 
 TEST_F(AssemblyReader, NeedsAttributsInItsOwnSpelling) {
     EXPECT_EQ(read("<ComponentInfo version='1'><Attributes/><Component/></ComponentInfo>"),
               eFileIOContentError);
-    EXPECT_EQ(report.fault.reason, QStringLiteral("<ComponentInfo> has no <Attributs>"));
-    EXPECT_EQ(report.fault.line, 1);
+    EXPECT_EQ(fault.reason, "<ComponentInfo> has no <Attributs>");
+    EXPECT_EQ(fault.line, 1);
 }
 
 TEST_F(AssemblyReader, NeedsARootComponent) {
     EXPECT_EQ(read("<ComponentInfo version='1'><Attributs><Dimension x='7'/></Attributs>"
                    "</ComponentInfo>"),
               eFileIOContentError);
-    EXPECT_EQ(report.fault.reason, QStringLiteral("<ComponentInfo> has no <Component>"));
+    EXPECT_EQ(fault.reason, "<ComponentInfo> has no <Component>");
     // The dimension is taken before the root component is looked for.
     EXPECT_THAT(dimension(), ElementsAre(7, 0, 0));
 }
@@ -223,8 +231,7 @@ TEST_F(AssemblyReader, RefusesARootWhoseOrientationIsIncomplete) {
         EXPECT_EQ(readComponent("", "<Orientation>" + std::string(vectors) + "</Orientation>"),
                   eFileIOStructureError)
             << vectors;
-        EXPECT_EQ(report.fault.reason,
-                  QStringLiteral("the root component's <Orientation> is not complete"));
+        EXPECT_EQ(fault.reason, "the root component's <Orientation> is not complete");
     }
 }
 
@@ -238,7 +245,7 @@ TEST_F(AssemblyReader, DropsAChildWhoseOrientationIsIncomplete) {
     ASSERT_EQ(root().getComponents().size(), 2u);
     EXPECT_EQ(root().getComponents()[0].getName(), "a");
     EXPECT_EQ(root().getComponents()[1].getName(), "d");
-    EXPECT_EQ(report.leftOut, 1);
+    EXPECT_EQ(leftOutLines().size(), 1u);
 }
 
 TEST_F(AssemblyReader, ReportsWhatItLeavesOutOnEveryLevel) {
@@ -247,11 +254,10 @@ TEST_F(AssemblyReader, ReportsWhatItLeavesOutOnEveryLevel) {
     ASSERT_EQ(readComponent("", "<Data>\n" + sound + "<Component><Data>\n" + sound + broken +
                                     "</Data></Component>\n" + broken + "</Data>"),
               eFileIOSuccess);
-    EXPECT_EQ(report.leftOut, 2);
-    EXPECT_EQ(report.firstLeftOutLine, 5);
+    EXPECT_THAT(leftOutLines(), ElementsAre(5, 7));
 
     ASSERT_EQ(readComponent("", "<Data>" + sound + "</Data>"), eFileIOSuccess);
-    EXPECT_EQ(report.leftOut, 0);
+    EXPECT_TRUE(leftOutLines().empty());
 }
 
 TEST_F(AssemblyReader, CountsAComponentThatIsLeftOutOnceWhateverIsBelowIt) {
@@ -259,9 +265,9 @@ TEST_F(AssemblyReader, CountsAComponentThatIsLeftOutOnceWhateverIsBelowIt) {
     ASSERT_EQ(readComponent("", "<Data><Component><Orientation/><Data>" + broken + broken +
                                     "</Data></Component></Data>"),
               eFileIOSuccess);
-    EXPECT_EQ(report.leftOut, 1);
+    EXPECT_EQ(leftOutLines().size(), 1u);
     ASSERT_EQ(readComponent("", "<Data>" + broken + "<File/></Data>"), eFileIOSuccess);
-    EXPECT_EQ(report.leftOut, 0);
+    EXPECT_TRUE(leftOutLines().empty());
 }
 
 TEST_F(AssemblyReader, ReadsTheChildrenThatAreThere) {
@@ -337,6 +343,100 @@ TEST_F(AssemblyReader, ReadsManyChildrenInTheTimeThatTheyTake) {
         children += "<Component/>";
     ASSERT_EQ(readComponent("", "<Data>" + children + "</Data>"), eFileIOSuccess);
     EXPECT_EQ(root().getComponents().size(), 20000u);
+}
+
+using Kind = CFileFault::Note::Kind;
+
+MATCHER_P5(IsNote, kind, line, column, subject, text, "") {
+    return arg.kind == kind && arg.line == line && arg.column == column && arg.subject == subject &&
+           arg.text == text;
+}
+
+TEST_F(AssemblyReader, NotesNothingInASoundDocument) {
+    ASSERT_EQ(readComponent("name='a' enabled='0'", "<Translation x='1'/><Orientation>" +
+                                                        std::string(identity) +
+                                                        "</Orientation><Data><Component/></Data>"),
+              eFileIOSuccess);
+    EXPECT_EQ(fault.reason, "");
+    EXPECT_EQ(fault.line, 0);
+    EXPECT_TRUE(fault.notes.empty());
+}
+
+TEST_F(AssemblyReader, NotesAComponentThatItLeavesOut) {
+    ASSERT_EQ(readComponent("",
+                            "<Data>\n  <Component name='St\u00fcck'><Orientation/>"
+                            "</Component></Data>"),
+              eFileIOSuccess);
+    EXPECT_THAT(fault.notes,
+                ElementsAre(IsNote(Kind::leftOut, 2, 26, "St\u00fcck",
+                                   "component \"St\u00fcck\" is left out: its <Orientation> is "
+                                   "not complete")));
+}
+
+TEST_F(AssemblyReader, NotesACoordinateThatIsNotANumber) {
+    ASSERT_EQ(read("<ComponentInfo version='1'><Attributs>\n<Dimension x='1' y='2,5'/>\n"
+                   "</Attributs><Component>\n<Translation z='1e400'/><Orientation>\n"
+                   "<vec1 x='a'/><vec2/><vec3/></Orientation></Component></ComponentInfo>"),
+              eFileIOSuccess);
+    EXPECT_THAT(
+        fault.notes,
+        ElementsAre(IsNote(Kind::notANumber, 2, 25, "Dimension",
+                           "y of <Dimension> is not a number: \"2,5\"; the whole dimension is "
+                           "ignored"),
+                    IsNote(Kind::notANumber, 4, 23, "Translation",
+                           "z of <Translation> is not a number: \"1e400\"; it and those after it "
+                           "are 0"),
+                    IsNote(Kind::notANumber, 5, 12, "vec1",
+                           "x of <vec1> is not a number: \"a\"; it and those after it are 0")));
+}
+
+TEST_F(AssemblyReader, NotesAnEnabledThatIsNeitherZeroNorOne) {
+    ASSERT_EQ(readComponent("name='a' enabled='true'",
+                            "<Data>\n<Component name='b' enabled='0'/>"
+                            "<Component name='c' enabled=''/></Data>"),
+              eFileIOSuccess);
+    EXPECT_THAT(
+        fault.notes,
+        ElementsAre(
+            IsNote(Kind::notAFlag, 1, 74, "a", "component \"a\" is disabled: enabled is \"true\""),
+            IsNote(Kind::notAFlag, 2, 64, "c", "component \"c\" is disabled: enabled is \"\"")));
+}
+
+TEST_F(AssemblyReader, NotesNothingElseAboutAComponentThatItLeavesOut) {
+    ASSERT_EQ(readComponent("",
+                            "<Data><Component name='b' enabled='x'><Translation x='y'/>"
+                            "<Orientation><vec1 x='z'/></Orientation></Component></Data>"),
+              eFileIOSuccess);
+    ASSERT_EQ(fault.notes.size(), 1u);
+    EXPECT_EQ(fault.notes[0].kind, Kind::leftOut);
+}
+
+TEST_F(AssemblyReader, KeepsTheNotesThatItHasGotAndThoseOfAFailure) {
+    QDomDocument document;
+    ASSERT_TRUE(
+        document.setContent(QByteArray("<ComponentInfo version='1'><Attributs/>"
+                                       "<Component enabled='2'><Orientation/></Component>"
+                                       "</ComponentInfo>")));
+    fault.notes.resize(1);
+    EXPECT_EQ(trv::readDocument(document, version, data, &fault), eFileIOStructureError);
+    EXPECT_EQ(fault.reason, "the root component's <Orientation> is not complete");
+    EXPECT_EQ(fault.line, 1);
+    EXPECT_EQ(fault.column, 62);
+    EXPECT_EQ(fault.systemError, 0);
+    ASSERT_EQ(fault.notes.size(), 2u);
+    EXPECT_EQ(fault.notes[1].kind, Kind::notAFlag);
+}
+
+TEST_F(AssemblyReader, ReadsTheSameWithoutAFault) {
+    QDomDocument document;
+    ASSERT_TRUE(document.setContent(
+        QByteArray("<ComponentInfo version='1'><Attributs/><Component enabled='2'><Data>"
+                   "<Component><Orientation/></Component></Data></Component></ComponentInfo>")));
+    EXPECT_EQ(trv::readDocument(document, version, data), eFileIOSuccess);
+    EXPECT_FALSE(root().isEnabled());
+    EXPECT_TRUE(root().getComponents().empty());
+    ASSERT_TRUE(document.setContent(QByteArray("<a/>")));
+    EXPECT_EQ(trv::readDocument(document, version, data), eFileIOStructureError);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <tests/common/child_process.h>
 #include <trvfiles/assembly/document_parser.h>
+#include <trvfiles/support/CFileFault.h>
 #include <trvfiles/support/platform.h>
 
 #include <QBuffer>
@@ -30,7 +31,7 @@ protected:
     bool parse(QIODevice& device) {
         tree = std::make_unique<trv::DomTree>();
         fault = {};
-        return trv::parseDocument(device, *tree, fault);
+        return trv::parseDocument(device, *tree, &fault);
     }
 
     QString rootAttribute(const char* name) {
@@ -38,7 +39,7 @@ protected:
     }
 
     std::unique_ptr<trv::DomTree> tree;
-    trv::ParseFault fault;
+    CFileFault fault;
 };
 
 // Says that it can go back, and cannot.
@@ -131,7 +132,7 @@ TEST_F(DocumentParser, RefusesCharactersThatXmlDoesNotAllow) {
             QByteArray bytes = "\n" + place;
             bytes.replace("%", character);
             EXPECT_FALSE(parse(bytes)) << bytes.toHex().constData();
-            EXPECT_EQ(fault.reason, QLatin1String(reason)) << place.constData();
+            EXPECT_EQ(fault.reason, reason) << place.constData();
             EXPECT_EQ(fault.line, 2);
             EXPECT_EQ(fault.column, place.indexOf('%') + 1) << place.constData();
         }
@@ -150,7 +151,7 @@ TEST_F(DocumentParser, RefusesReferencesToCharactersThatXmlDoesNotAllow) {
                       {"c&#12;", "XML does not allow the character U+000C"}};
     for (const auto& [reference, reason] : references) {
         EXPECT_FALSE(parse(QByteArray("<a>\n ") + reference + "</a>")) << reference;
-        EXPECT_EQ(fault.reason, QLatin1String(reason));
+        EXPECT_EQ(fault.reason, reason);
         EXPECT_EQ(fault.line, 2);
         EXPECT_EQ(fault.column, reference[0] == 'c' ? 3 : 2);
     }
@@ -197,21 +198,21 @@ TEST_F(DocumentParser, RefusesWhatIsNotWellFormed) {
           "<a>&#;</a>", "<a/><a/>", " <?xml version='1.0'?><a/>", "<a><!-- -- --></a>",
           "<a b='\xEF\xBF\xBF'/>", "<a b='\xEF\xBF\xBE'/>", "text"}) {
         EXPECT_FALSE(parse(bytes)) << bytes;
-        EXPECT_FALSE(fault.reason.isEmpty()) << bytes;
+        EXPECT_FALSE(fault.reason.empty()) << bytes;
     }
 }
 
 TEST_F(DocumentParser, TellsWhereADocumentBreaks) {
     ASSERT_FALSE(parse("<a>\n  <b>\n  </c>\n</a>"));
     EXPECT_EQ(fault.line, 3);
-    EXPECT_EQ(fault.reason, QStringLiteral("tag mismatch"));
+    EXPECT_EQ(fault.reason, "tag mismatch");
 }
 
 TEST_F(DocumentParser, ReadsAsManyOpenElementsAsAreAllowed) {
     EXPECT_TRUE(parse(nested(2000)));
     EXPECT_EQ(depthOf(tree->document), 2000);
     EXPECT_FALSE(parse(nested(2001)));
-    EXPECT_EQ(fault.reason, QStringLiteral("more than 2000 elements are open"));
+    EXPECT_EQ(fault.reason, "more than 2000 elements are open");
 }
 
 TEST_F(DocumentParser, ReadsEveryDepthAroundTheOneThatTheCallersStackBears) {
@@ -252,7 +253,7 @@ TEST_F(DocumentParser, RefusesADeepDocumentThatCannotBeReadAgain) {
     OneWayBuffer device(&bytes);
     device.open(QIODevice::ReadOnly);
     EXPECT_FALSE(parse(device));
-    EXPECT_FALSE(fault.reason.isEmpty());
+    EXPECT_FALSE(fault.reason.empty());
 }
 
 TEST_F(DocumentParser, RefusesElementsBeyondCountWithoutCrashing) {
@@ -265,7 +266,7 @@ TEST_F(DocumentParser, RefusesEntityDeclarations) {
     QByteArray bomb = "<!DOCTYPE a [<!ENTITY e \"" + QByteArray(100000, 'x') + "\">]><a b=\"";
     bomb += QByteArray("&e;").repeated(20000) + "\"/>";
     EXPECT_FALSE(parse(bomb));
-    EXPECT_EQ(fault.reason, QStringLiteral("an entity is declared"));
+    EXPECT_EQ(fault.reason, "an entity is declared");
     EXPECT_EQ(fault.line, 1);
     EXPECT_FALSE(parse("<!DOCTYPE a [\n<!ENTITY % p SYSTEM \"/dev/zero\"> %p;]><a/>"));
     EXPECT_EQ(fault.line, 2);
@@ -273,7 +274,7 @@ TEST_F(DocumentParser, RefusesEntityDeclarations) {
 
 TEST_F(DocumentParser, RefusesWhatStandsBehindTheRoot) {
     EXPECT_FALSE(parse("<a/><!DOCTYPE a [<!ENTITY e \"x\">]>"));
-    EXPECT_EQ(fault.reason, QStringLiteral("an entity is declared"));
+    EXPECT_EQ(fault.reason, "an entity is declared");
     EXPECT_FALSE(parse("<a/>" + nested(100000)));
 }
 
@@ -335,6 +336,45 @@ TEST_F(DocumentParser, GivesThePlaceOfARefusalBeyondItsFirstBlock) {
 TEST_F(DocumentParser, TakesTheLastOfDoubledAttributes) {
     ASSERT_TRUE(parse("<a b='1' b='2'/>"));
     EXPECT_EQ(rootAttribute("b"), QStringLiteral("2"));
+}
+
+TEST_F(DocumentParser, NotesBytesThatAreNotText) {
+    ASSERT_TRUE(parse("<a>\n <b c='x\xFFy\xFE'/></a>"));
+    EXPECT_EQ(fault.reason, "");
+    ASSERT_EQ(fault.notes.size(), 1u);
+    EXPECT_EQ(fault.notes[0].kind, CFileFault::Note::Kind::notText);
+    EXPECT_EQ(fault.notes[0].line, 2);
+    EXPECT_EQ(fault.notes[0].column, 9);
+    EXPECT_EQ(fault.notes[0].subject, "");
+    EXPECT_EQ(fault.notes[0].text, "bytes that are not text are read as U+FFFD");
+    ASSERT_TRUE(parse("<a b='\xEF\xBF\xBD \u20ac'/>"));
+    EXPECT_TRUE(fault.notes.empty());
+}
+
+TEST_F(DocumentParser, NotesBytesThatAreNotTextOnceInADeepDocument) {
+    ASSERT_TRUE(parse("<!--\xFF-->" + nested(300)));
+    ASSERT_EQ(fault.notes.size(), 1u);
+    EXPECT_EQ(fault.notes[0].line, 1);
+    EXPECT_EQ(fault.notes[0].column, 5);
+}
+
+TEST_F(DocumentParser, NotesBytesThatAreNotTextBeforeAFault) {
+    ASSERT_FALSE(parse("<a b='\xFF'>\n</b>"));
+    EXPECT_EQ(fault.reason, "tag mismatch");
+    EXPECT_EQ(fault.line, 2);
+    ASSERT_EQ(fault.notes.size(), 1u);
+    EXPECT_EQ(fault.notes[0].line, 1);
+}
+
+TEST_F(DocumentParser, ParsesTheSameWithoutAFault) {
+    for (const char* bytes : {"<a b='\xFF'/>", "<a>", "<a>\x01</a>"}) {
+        QByteArray text(bytes);
+        const bool isAccepted = parse(text);
+        QBuffer device(&text);
+        device.open(QIODevice::ReadOnly);
+        trv::DomTree unasked;
+        EXPECT_EQ(trv::parseDocument(device, unasked), isAccepted) << bytes;
+    }
 }
 
 }  // namespace

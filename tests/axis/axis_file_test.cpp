@@ -2,13 +2,16 @@
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -485,20 +488,99 @@ TEST_F(AxisFile, ReadsAHugeFileWithoutLineEnds) {
     EXPECT_EQ(read("0\n" + identityLines + std::string(1 << 20, '\0')).matrix, identity);
 }
 
-TEST(AxisContent, NamesTheFaultyLine) {
+TEST(AxisText, NamesTheFaultyLine) {
     const auto faultyLineOf = [](const std::string& text) {
         TemporaryDirectory directory;
         writeBytes(directory / "f", text);
         std::FILE* file = std::fopen((directory / "f").string().c_str(), "r");
         EXPECT_NE(file, nullptr);
         if (file == nullptr) return -1;
-        const int line = trv::readAxisContent(file).faultyLine;
+        trv::AxisContent content;
+        CFileFault fault;
+        const bool isRead = trv::readAxisText(file, content, &fault);
+        EXPECT_EQ(isRead, fault.line == 0);
+        EXPECT_EQ(fault.reason, fault.line == 0 ? "" : "four numbers are expected");
+        EXPECT_EQ(fault.column, 0);
+        EXPECT_EQ(fault.systemError, 0);
+        EXPECT_TRUE(fault.notes.empty());
+        std::rewind(file);
+        EXPECT_EQ(trv::readAxisText(file, content), isRead);
         std::fclose(file);
-        return line;
+        return fault.line;
     };
     EXPECT_EQ(faultyLineOf("0\n" + identityLines), 0);
     EXPECT_EQ(faultyLineOf(""), 2);
     EXPECT_EQ(faultyLineOf("0\n1 0 0\n"), 2);
     EXPECT_EQ(faultyLineOf("0\n1 0 0 0\n0 1 0 0\nx\n0 0 0 1\n"), 4);
     EXPECT_EQ(faultyLineOf("0\n1 0 0 0\n0 1 0 0\n0 0 1 0\n"), 5);
+}
+
+TEST(AxisText, LeavesTheContentAfterAFailure) {
+    TemporaryDirectory directory;
+    writeBytes(directory / "f", "0\n1 0 0 0\n");
+    trv::AxisContent content;
+    content.matrix[3] = 7;
+    content.tagCount = 3;
+    EXPECT_EQ(trv::readAxisFile(QString::fromStdString((directory / "f").string()), content),
+              eFileIOContentError);
+    EXPECT_EQ(content.matrix[3], 7);
+    EXPECT_EQ(content.tagCount, 3);
+}
+
+namespace {
+
+class AxisFault : public ::testing::Test {
+protected:
+    QString path(const char* name) const {
+        return QString::fromStdString((directory_ / name).generic_string());
+    }
+
+    TemporaryDirectory directory_;
+    trv::AxisContent content_;
+    CFileFault fault_;
+};
+
+}  // namespace
+
+TEST_F(AxisFault, SaysWhyAFileIsNotRead) {
+    EXPECT_EQ(trv::readAxisFile(path("missing"), content_, &fault_), eFileIOOpenError);
+    EXPECT_EQ(fault_.reason, "No such file or directory");
+    EXPECT_EQ(fault_.systemError, ENOENT);
+    EXPECT_EQ(fault_.line, 0);
+
+    writeBytes(directory_ / "f", "0\n1 0 0\n");
+    EXPECT_EQ(trv::readAxisFile(path("f"), content_, &fault_), eFileIOContentError);
+    EXPECT_EQ(fault_.reason, "four numbers are expected");
+    EXPECT_EQ(fault_.systemError, 0);
+    EXPECT_EQ(fault_.line, 2);
+
+    writeBytes(directory_ / "f", "0\n" + identityLines);
+    EXPECT_EQ(trv::readAxisFile(path("f"), content_, &fault_), eFileIOSuccess);
+    EXPECT_EQ(fault_.reason, "");
+    EXPECT_EQ(fault_.line, 0);
+}
+
+TEST_F(AxisFault, SaysThatReadingBreaksOff) {
+    if (!std::filesystem::exists("/proc/self/mem")) {
+        GTEST_SKIP() << "there is no file here that breaks off";
+    }
+    EXPECT_EQ(trv::readAxisFile(QStringLiteral("/proc/self/mem"), content_, &fault_),
+              eFileIOContentError);
+    EXPECT_EQ(fault_.reason, "Input/output error");
+    EXPECT_EQ(fault_.systemError, EIO);
+    EXPECT_EQ(fault_.line, 2);
+}
+
+TEST_F(AxisFault, SaysWhyAFileIsNotWritten) {
+    EXPECT_EQ(trv::writeAxisFile(path("missing/f"), "text", &fault_), eFileIOOpenError);
+    EXPECT_EQ(fault_.reason, "No such file or directory");
+    EXPECT_EQ(fault_.systemError, ENOENT);
+    EXPECT_EQ(trv::writeAxisFile(path("f"), "text", &fault_), eFileIOSuccess);
+    EXPECT_EQ(fault_.reason, "");
+    EXPECT_EQ(fault_.systemError, 0);
+    EXPECT_EQ(textOf(directory_ / "f"), "text");
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
+    EXPECT_EQ(trv::writeAxisFile(QStringLiteral("/dev/full"), "text", &fault_), eFileIOShortWrite);
+    EXPECT_EQ(fault_.reason, "No space left on device");
+    EXPECT_EQ(fault_.systemError, ENOSPC);
 }

@@ -14,12 +14,12 @@ TEST(ContextCommands, StandInAGroup) {
               "\n"
               "Commands:\n"
               "  context list     List the favourite machine contexts\n"
-              "  context default  Tell which machine context is the default one\n"
+              "  context default  Show which machine context is the default one\n"
               "  context create   Create a machine context and its reference axis file\n"
               "  context set      Change fields of a machine context\n"
               "\n"
-              "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the "
-              "version.\n"
+              "'trvfiles COMMAND --help' explains a command.\n"
+              "'trvfiles --version' prints the version.\n"
               "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
 }
 

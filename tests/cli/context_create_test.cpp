@@ -322,22 +322,21 @@ TEST_F(ContextCreate, SaysThatAnotherProcessWasFirst) {
 }
 
 TEST_F(ContextCreate, ExplainsItself) {
-    EXPECT_EQ(
-        create("--help").out,
-        "Usage: trvfiles context create {--position N | --machine M [--axis F] [--name K]} "
-        "DIR\n"
-        "\n"
-        "Create a machine context and its reference axis file.\n"
-        "With --position it is the default context of a machine position; DIR gets a\n"
-        "transfo.dat if it has none. With --machine it is a context for a machine. Nothing is\n"
-        "overwritten by it. Prints the paths of the two files.\n"
-        "\n"
-        "Options:\n"
-        "  --position N  The machine position, from 1 on\n"
-        "  --machine M   The machine\n"
-        "  --axis F      The axis file in DIR to copy, in place of transfo.dat\n"
-        "  --name K      The context's name, in place of M[AXIS]\n"
-        "  -h, --help    Show this help\n");
+    EXPECT_EQ(create("--help").out,
+              "Usage: trvfiles context create --position N DIR\n"
+              "       trvfiles context create --machine M [--axis F] [--name K] DIR\n"
+              "\n"
+              "Create a machine context and its reference axis file.\n"
+              "With --position it creates the default context of a machine position, and DIR\n"
+              "gets a transfo.dat if it has none. With --machine it creates a context for a\n"
+              "machine and overwrites nothing. Prints the paths of the two files.\n"
+              "\n"
+              "Options:\n"
+              "  --position N  The machine position, at least 1\n"
+              "  --machine M   The machine\n"
+              "  --axis F      The axis file in DIR to copy instead of transfo.dat\n"
+              "  --name K      The context's name instead of M[AXIS]\n"
+              "  -h, --help    Show this help\n");
     EXPECT_EQ(answerTo(words("context create --position 1")).err,
               "trvfiles context create: A directory is missing.\n"
               "Try 'trvfiles context create --help'.\n");

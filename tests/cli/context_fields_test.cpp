@@ -18,7 +18,7 @@ std::string set(const char* name, const char* text, CMachineContextData& data) {
 TEST(ContextFields, GoByTheirPlacesInTheFile) {
     QString names;
     for (const ContextField& each : contextFields())
-        names += each.name() + QLatin1Char(' ');
+        names += nameOf(each) + QLatin1Char(' ');
     EXPECT_EQ(names.toStdString(),
               "header.comment header.name machine.name machine.position machine.proximity "
               "postpro.origin_program postpro.reference_axis part.surface_group "
@@ -56,9 +56,9 @@ TEST(ContextFields, SetTheirOwnFieldOfTheRecord) {
     EXPECT_EQ(data.getClampingSystemW(), L"\u00F6");
     EXPECT_EQ(data.getClampingProximity(), 0.1);
 
-    EXPECT_EQ(storedText(field("clamping_system.name"), data).toStdString(), "\xC3\xB6");
-    EXPECT_EQ(storedText(field("clamping_system.proximity"), data).toStdString(), "0.100000");
-    EXPECT_EQ(storedText(field("postpro.origin_program"), data).toStdString(),
+    EXPECT_EQ(storedValue(field("clamping_system.name"), data).toStdString(), "\xC3\xB6");
+    EXPECT_EQ(storedValue(field("clamping_system.proximity"), data).toStdString(), "0.100000");
+    EXPECT_EQ(storedValue(field("postpro.origin_program"), data).toStdString(),
               "1.000000 2.500000 -3.000000");
 }
 

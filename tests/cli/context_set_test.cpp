@@ -132,20 +132,21 @@ TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
         file("a.mctx", setupContext);
         CMachineContextData before;
         ASSERT_EQ(CQvFilesIO::sReadMachineContext(context_.toStdWString(), before), eFileIOSuccess);
-        const auto& fields = cli::contextFields();
-        const cli::ContextField& target = fields[random() % fields.size()];
+        const auto& fields = trv::contextFields();
+        const trv::ContextField& target = fields[random() % fields.size()];
         QString value;
         for (std::size_t left = random() % 8; left > 0; --left)
             value +=
                 alphabet.at(static_cast<int>(random() % static_cast<unsigned>(alphabet.size())));
-        const Answer answer = set({target.name() + QLatin1Char('=') + value});
+        const Answer answer = set({cli::nameOf(target) + QLatin1Char('=') + value});
         CMachineContextData after;
         ASSERT_EQ(CQvFilesIO::sReadMachineContext(context_.toStdWString(), after), eFileIOSuccess);
-        for (const cli::ContextField& field : fields) {
+        for (const trv::ContextField& field : fields) {
             const bool isSet = &field == &target && answer.status == 0;
             if (isSet && !field.isText()) continue;
-            EXPECT_EQ(cli::storedText(field, after), isSet ? value : cli::storedText(field, before))
-                << field.name().toStdString() << " after " << value.toStdString();
+            EXPECT_EQ(cli::storedValue(field, after),
+                      isSet ? value : cli::storedValue(field, before))
+                << field.name() << " after " << value.toStdString();
         }
         accepted += answer.status == 0 ? 1 : 0;
     }
@@ -210,8 +211,8 @@ TEST_F(ContextSet, WantsAMachineContext) {
         EXPECT_EQ(answer.err.substr(0, start.size()), start);
         return answer.err.substr(std::min(start.size(), answer.err.size()));
     };
-    EXPECT_EQ(problem(setupXml), "eFileIOContentError: it is no machine context\n");
-    EXPECT_EQ(problem(identityAxis), "eFileIOContentError: it is no machine context\n");
+    EXPECT_EQ(problem(setupXml), "eFileIOContentError: not a machine context\n");
+    EXPECT_EQ(problem(identityAxis), "eFileIOContentError: not a machine context\n");
     EXPECT_EQ(problem(""), "eFileIOContentError: the file is empty\n");
     EXPECT_EQ(
         problem("note"),
@@ -302,8 +303,8 @@ TEST_F(ContextSet, ExplainsItself) {
               "Usage: trvfiles context set [--drop-unknown] FILE section.key=value...\n"
               "\n"
               "Change fields of a machine context.\n"
-              "Prints the new values as they stand in the file. A value that the file would not\n"
-              "give back is refused, and so is a file of which something would be lost. Fields:\n"
+              "Prints the new values as they are in the file. Rejects a value that the file\n"
+              "would not give back, and a file of which something would be lost. Fields:\n"
               "  header.comment\n"
               "  header.name\n"
               "  machine.name\n"

@@ -2,6 +2,7 @@
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
+#include <trvfiles/machine_context/context_fields.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -82,15 +83,6 @@ TEST(ContextValues, ReadsNumbersThatAreTheWholeText) {
         EXPECT_FALSE(readNumbers(QString::fromLatin1(text), numbers, 3)) << text;
     for (const char* text : {"", "x", "1.5mm", "1,5", "1 2"})
         EXPECT_FALSE(readNumbers(QString::fromLatin1(text), numbers, 1)) << text;
-}
-
-TEST(ContextValues, PrintsNumbersAsAFileHoldsThem) {
-    EXPECT_EQ(proximityText(0.1), "0.100000");
-    EXPECT_EQ(proximityText(1234.5678), "1234.567749");
-    EXPECT_EQ(proximityText(1e20), "1000000020040877342");
-    EXPECT_EQ(proximityText(-2), "-2.000000");
-    const double origin[3] = {12.5, 0, -3.0000004};
-    EXPECT_EQ(originText(origin), "12.500000 0.000000 -3.000000");
 }
 
 TEST(ContextValues, TellsRoundingFromLoss) {

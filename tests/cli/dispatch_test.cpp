@@ -2,42 +2,55 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
+
 namespace trv::testing {
 namespace {
 
 constexpr const char* overview =
     "Usage: trvfiles COMMAND [ARGUMENT...]\n"
     "\n"
-    "Shows, checks, compares and writes the project files of a machining workstation.\n"
+    "Shows, checks, compares and writes project files of a machining workstation.\n"
     "\n"
     "Commands:\n"
     "  show             Show an assembly, an axis file or a machine context\n"
     "  check            Check that files can be read\n"
     "  assembly tree    Show the components of an assembly\n"
-    "  assembly list    List the geometry files of an assembly where they end up\n"
-    "  assembly diff    Tell what differs between two assemblies\n"
+    "  assembly list    List the placed geometry files of an assembly\n"
+    "  assembly diff    Show the differences between two assemblies\n"
     "  axis show        Show an axis file\n"
     "  axis invert      Write the inverse of an axis file to another one\n"
     "  axis write       Write an axis file\n"
     "  context list     List the favourite machine contexts\n"
-    "  context default  Tell which machine context is the default one\n"
+    "  context default  Show which machine context is the default one\n"
     "  context create   Create a machine context and its reference axis file\n"
     "  context set      Change fields of a machine context\n"
     "  env list         List the variables of an installation\n"
-    "  env explain      Tell why a variable has its value\n"
+    "  env explain      Explain why a variable has its value\n"
     "  env expand       Replace the references in texts\n"
     "  env find         Search for a file in the directories of a path list\n"
     "  env messages     Show a message file\n"
     "  env check        Check message and configuration files\n"
     "\n"
-    "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the version.\n"
+    "'trvfiles COMMAND --help' explains a command.\n"
+    "'trvfiles --version' prints the version.\n"
     "Exit status: 0 done, 1 a negative answer, 2 an error.\n";
+
+std::size_t maxLineLength(const std::string& text) {
+    std::size_t length = 0;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        length = std::max(length, line.size());
+    return length;
+}
 
 TEST(Dispatch, ExplainsTheWholeCommand) {
     for (const char* option : {"--help", "-h"}) {
         const Answer answer = answerTo(words(option));
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.out, overview);
+        EXPECT_LE(maxLineLength(answer.out), 80U);
         EXPECT_EQ(answer.err, "");
     }
 }
@@ -53,8 +66,8 @@ TEST(Dispatch, ExplainsAGroup) {
               "  axis invert  Write the inverse of an axis file to another one\n"
               "  axis write   Write an axis file\n"
               "\n"
-              "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the "
-              "version.\n"
+              "'trvfiles COMMAND --help' explains a command.\n"
+              "'trvfiles --version' prints the version.\n"
               "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
 }
 
@@ -62,7 +75,7 @@ TEST(Dispatch, ExplainsOneCommand) {
     const char* const text =
         "Usage: trvfiles assembly list [--json | --csv] FILE\n"
         "\n"
-        "List the geometry files of an assembly where they end up.\n"
+        "List the placed geometry files of an assembly.\n"
         "Prints a line for each placed file: its name, its translation and its three axis\n"
         "vectors in the assembly's frame. Disabled components are left out.\n"
         "\n"
@@ -86,6 +99,7 @@ TEST(Dispatch, ExplainsEveryCommand) {
         EXPECT_EQ(answer.err, "");
         EXPECT_EQ(answer.out.find("Usage: trvfiles " + std::string(command) + ' '), 0U);
         EXPECT_NE(answer.out.find("\n\nOptions:\n"), std::string::npos);
+        EXPECT_LE(maxLineLength(answer.out), 80U) << answer.out;
     }
 }
 

@@ -11,14 +11,14 @@ TEST(EnvCommands, AreOneGroup) {
               "\n"
               "Commands:\n"
               "  env list      List the variables of an installation\n"
-              "  env explain   Tell why a variable has its value\n"
+              "  env explain   Explain why a variable has its value\n"
               "  env expand    Replace the references in texts\n"
               "  env find      Search for a file in the directories of a path list\n"
               "  env messages  Show a message file\n"
               "  env check     Check message and configuration files\n"
               "\n"
-              "'trvfiles COMMAND --help' explains a command, 'trvfiles --version' tells the "
-              "version.\n"
+              "'trvfiles COMMAND --help' explains a command.\n"
+              "'trvfiles --version' prints the version.\n"
               "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
 }
 
@@ -28,7 +28,7 @@ TEST(EnvCommands, AllTakeARoot) {
         const std::string help = answerTo(words(command) + words("--help")).out;
         EXPECT_EQ(help.find("Usage: trvfiles " + std::string(command) + " [--root DIR] "), 0U)
             << help;
-        EXPECT_NE(help.find("\n  --root DIR  The installation, in place of that of TRVHOME\n"),
+        EXPECT_NE(help.find("\n  --root DIR  The installation, instead of that of TRVHOME\n"),
                   std::string::npos)
             << help;
     }

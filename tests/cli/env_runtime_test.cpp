@@ -2,7 +2,6 @@
 #include <tests/cli/env_sample.h>
 #include <trvfiles/support/diagnostics.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -11,8 +10,6 @@ namespace trv::testing {
 namespace {
 
 using cli::RuntimeMessages;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST(RuntimeMessages, HoldsEachReportOnce) {
     std::ostringstream err;
@@ -32,32 +29,29 @@ TEST(RuntimeMessages, HoldsEachReportOnce) {
     EXPECT_EQ(messages.takeReports().size(), 1U);
 }
 
-TEST(RuntimeMessages, HoldsTheTraceOfACall) {
+TEST(RuntimeMessages, HoldsTheFaultThatAReportIsAbout) {
     std::ostringstream err;
     RuntimeMessages messages(err);
-    std::vector<std::string> lines;
-    const auto keep = [&](std::string_view line) { lines.emplace_back(line); };
-    report_trace("before");
-    messages.trace(
-        [] {
-            report_trace("one\n");
-            report_trace("two");
-        },
-        keep);
-    EXPECT_THAT(lines, ElementsAre("one\n", "two"));
-    report_trace("behind");
-    lines.clear();
-    messages.trace([] {}, keep);
-    EXPECT_THAT(lines, IsEmpty());
-    EXPECT_EQ(err.str(), "");
+    report_error("odd");
+    const std::string file = "a.msg";
+    current_observer().fault_found({fault_kind::fatal, file, 7, "wrong"});
+    report_fatal("broken");
+    const std::vector<RuntimeMessages::Report> reports = messages.takeReports();
+    ASSERT_EQ(reports.size(), 3U);
+    EXPECT_FALSE(reports[0].fault);
+    EXPECT_TRUE(reports[1].fatal);
+    EXPECT_EQ(reports[1].text, "load_messages: file 'a.msg', line 7 : wrong");
+    ASSERT_TRUE(reports[1].fault);
+    EXPECT_EQ(reports[1].fault->file, "a.msg");
+    EXPECT_EQ(reports[1].fault->line, 7);
+    EXPECT_EQ(reports[1].fault->text, "wrong");
+    EXPECT_FALSE(reports[2].fault);
 }
 
 // A line for each "+" of a long history takes time for the square of its length.
-TEST(RuntimeMessages, AsksForNoTraceThatNobodyReads) {
+TEST(RuntimeMessages, MakesNoTraceThatNobodyReads) {
     std::ostringstream err;
-    RuntimeMessages messages(err);
-    EXPECT_FALSE(trace_is_seen());
-    messages.trace([] { EXPECT_TRUE(trace_is_seen()); }, [](std::string_view) {});
+    const RuntimeMessages messages(err);
     EXPECT_FALSE(trace_is_seen());
 }
 

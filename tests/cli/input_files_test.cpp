@@ -266,7 +266,7 @@ TEST_F(InputFiles, SaysThatAMachineContextIsTooLong) {
     const QString name = file("long.mctx", "[header]\n");
     std::filesystem::resize_file(directory_ / "long.mctx", (std::uintmax_t{256} << 20) + 1);
     EXPECT_EQ(text(readContext(name, context)),
-              "eFileIOOpenError: reading fails, or does not end at 256 MiB");
+              "eFileIOOpenError: the file is longer than 256 MiB");
 }
 
 TEST_F(InputFiles, WritesAMachineContext) {

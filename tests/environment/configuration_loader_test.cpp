@@ -5,9 +5,9 @@
 #include <tests/environment/installation.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/environment/configuration_loader.h>
-#include <trvfiles/environment/configuration_paths.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/platform.h>
 

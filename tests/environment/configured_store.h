@@ -1,7 +1,7 @@
 #pragma once
 
 #include <trvfiles/environment/message_store.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 
 #include <gtest/gtest.h>
 

@@ -36,8 +36,8 @@ TEST(Guards, GiveTheRecordFlagBackAsItWas) {
     for (const bool earlier : {true, false}) {
         set_record_flag(earlier);
         try {
-            const record_guard guard;
-            EXPECT_FALSE(set_record_flag(false));
+            const record_guard guard(!earlier);
+            EXPECT_EQ(set_record_flag(!earlier), !earlier);
             throw std::runtime_error("leave");
         } catch (const std::runtime_error&) {
             EXPECT_EQ(set_record_flag(true), earlier);

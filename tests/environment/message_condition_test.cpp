@@ -1,6 +1,6 @@
 #include <tests/common/channel_log.h>
 #include <trvfiles/environment/message_condition.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>

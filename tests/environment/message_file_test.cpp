@@ -3,7 +3,7 @@
 #include <tests/environment/installation.h>
 #include <tests/environment/store_access.h>
 #include <trvfiles/environment/message_file.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/dynamic_storage.h>
 
 #include <gmock/gmock.h>

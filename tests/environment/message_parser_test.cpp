@@ -1,6 +1,6 @@
 #include <tests/common/channel_log.h>
 #include <trvfiles/environment/message_file.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/line_source.h>
 
 #include <gmock/gmock.h>

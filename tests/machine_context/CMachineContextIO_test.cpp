@@ -4,6 +4,7 @@
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
+#include <trvfiles/support/CFileFault.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/platform.h>
 
@@ -21,12 +22,18 @@ using namespace trv::testing;
 
 namespace {
 
+struct MissingKey {
+    std::string section;
+    std::string key;
+    int headerLine;
+};
+
 class MachineContextFile : public ::testing::Test {
 protected:
     EFileIOStatus readText(const std::string& text, CMachineContextData& data,
-                           trv::MissingKey* missing = nullptr) const {
+                           CFileFault* fault = nullptr) const {
         writeBytes(path, text);
-        return CMachineContextIO(QString::fromStdWString(path.wstring())).read(data, missing);
+        return CMachineContextIO(QString::fromStdWString(path.wstring())).read(data, fault);
     }
 
     /// Reads a text that has to be complete.
@@ -50,16 +57,16 @@ protected:
 
     /// Expects that a text lacks a key, and what the record holds by then.
     template <class Change>
-    void expectMissing(const std::string& text, const trv::MissingKey& key,
-                       const Change& change) const {
+    void expectMissing(const std::string& text, const MissingKey& key, const Change& change) const {
         CMachineContextData expected = prefilled();
         change(expected);
         CMachineContextData data = prefilled();
-        trv::MissingKey missing;
-        EXPECT_EQ(readText(text, data, &missing), eFileIOContentError) << text;
-        EXPECT_EQ(missing.section, key.section) << text;
-        EXPECT_EQ(missing.key, key.key) << text;
-        EXPECT_EQ(missing.headerLine, key.headerLine) << text;
+        CFileFault fault;
+        EXPECT_EQ(readText(text, data, &fault), eFileIOContentError) << text;
+        EXPECT_EQ(fault.reason, "section [" + key.section + "] has no \"" + key.key + "\"") << text;
+        EXPECT_EQ(fault.line, key.headerLine) << text;
+        EXPECT_EQ(fault.column, 0);
+        EXPECT_EQ(fault.systemError, 0);
         EXPECT_EQ(ContextFields(data), ContextFields(expected)) << text;
 
         CMachineContextData again = prefilled();
@@ -400,10 +407,12 @@ TEST_F(MachineContextFile, IsOpenedForReadingOnlyWhereItIsAFile) {
     for (const fs::path& name :
          {directory / "missing", directory / "missing" / "f", directory.path(), fs::path()}) {
         EXPECT_EQ(readContext(name, data), eFileIOOpenError);
-        trv::MissingKey missing;
+        CFileFault fault;
         CMachineContextIO file(QString::fromStdWString(name.wstring()));
-        EXPECT_EQ(file.read(data, &missing), eFileIOOpenError);
-        EXPECT_EQ(missing.section, "");
+        EXPECT_EQ(file.read(data, &fault), eFileIOOpenError);
+        EXPECT_NE(fault.reason, "");
+        EXPECT_NE(fault.systemError, 0);
+        EXPECT_TRUE(fault.notes.empty());
     }
     writeBytes(path, completeText);
     EXPECT_EQ(CQvFilesIO::sReadMachineContext(path.wstring() + L"\0"s, data), eFileIOOpenError);

@@ -2,6 +2,7 @@
 #include <tests/common/current_directory.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <trvfiles/support/CFileFault.h>
 #include <trvfiles/text/open_file.h>
 
 #include <QFile>
@@ -189,9 +190,10 @@ TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {
     writeBytes(directory_ / "\xC3\xA4", "a\r\nb\n");
     file_handle handle;
     QFile file;
-    QString reason;
-    ASSERT_TRUE(openForRead(path(L"\u00E4"), handle, file, reason));
-    EXPECT_TRUE(reason.isEmpty());
+    CFileFault fault;
+    ASSERT_TRUE(openForRead(path(L"\u00E4"), handle, file, &fault));
+    EXPECT_EQ(fault.reason, "");
+    EXPECT_EQ(fault.systemError, 0);
     EXPECT_FALSE(file.isSequential());
     EXPECT_EQ(file.readAll().toStdString(), "a\r\nb\n");
     EXPECT_TRUE(file.seek(0));
@@ -204,17 +206,44 @@ TEST_F(OpenFile, SaysWhyItDoesNotReadForQt) {
     for (const QString& none : {path(L"missing"), path(L"d"), path(L"f\0"s), QString()}) {
         file_handle handle;
         QFile file;
-        QString reason;
-        EXPECT_FALSE(openForRead(none, handle, file, reason));
-        EXPECT_FALSE(reason.isEmpty());
+        CFileFault fault;
+        EXPECT_FALSE(openForRead(none, handle, file, &fault));
+        EXPECT_NE(fault.reason, "");
+        EXPECT_NE(fault.systemError, 0);
         EXPECT_FALSE(file.isOpen());
+        EXPECT_FALSE(openForRead(none, handle, file));
     }
-    if (!can_fork) GTEST_SKIP() << "Windows has words of its own";
     file_handle handle;
     QFile file;
-    QString reason;
-    EXPECT_FALSE(openForRead(path(L"missing"), handle, file, reason));
-    EXPECT_EQ(reason, QStringLiteral("No such file or directory"));
+    CFileFault fault;
+    EXPECT_FALSE(openForRead(path(L"missing"), handle, file, &fault));
+    EXPECT_EQ(fault.reason, "No such file or directory");
+    EXPECT_EQ(fault.systemError, ENOENT);
+}
+
+TEST_F(OpenFile, SaysWhyItDoesNotOpen) {
+    fs::create_directory(directory_ / "d");
+    const struct {
+        QString path;
+        const char* reason;
+        int error;
+    } failures[] = {{path(L"missing/f"), "No such file or directory", ENOENT},
+                    {path(L"f\0"s), "not a valid file name", ENOENT},
+                    {QString(), "not a valid file name", ENOENT}};
+    for (const auto& [name, reason, error] : failures) {
+        CFileFault fault;
+        EXPECT_EQ(openForRead(name, file_mode::binary, &fault), nullptr);
+        EXPECT_EQ(fault.reason, reason);
+        EXPECT_EQ(fault.systemError, error);
+        fault = {};
+        EXPECT_EQ(openForWrite(name, file_mode::binary, &fault), nullptr);
+        EXPECT_EQ(fault.reason, reason);
+        EXPECT_EQ(fault.systemError, error);
+    }
+    CFileFault fault;
+    EXPECT_EQ(openForRead(path(L"d"), file_mode::text, &fault), nullptr);
+    EXPECT_EQ(fault.reason, "Is a directory");
+    EXPECT_EQ(fault.systemError, EISDIR);
 }
 
 TEST_F(OpenFile, WritesForQtWhatIsOnTheDiskAfterAFlush) {
@@ -237,8 +266,11 @@ TEST_F(OpenFile, DoesNotWriteForQtToPathsThatNameNoFile) {
     for (const QString& none : {path(L"missing/f"), path(L"d"), path(L"f\0"s), QString()}) {
         file_handle handle;
         QFile file;
-        EXPECT_FALSE(openForWrite(none, handle, file));
+        CFileFault fault;
+        EXPECT_FALSE(openForWrite(none, handle, file, &fault));
+        EXPECT_NE(fault.reason, "");
         EXPECT_FALSE(file.isOpen());
+        EXPECT_FALSE(openForWrite(none, handle, file));
     }
     EXPECT_TRUE(fs::is_empty(directory_ / "d"));
     EXPECT_FALSE(fs::exists(directory_ / "f"));
@@ -256,12 +288,13 @@ TEST_F(OpenFile, ReadsAResourceForQtAndNothingElse) {
     {
         file_handle handle;
         QFile file;
-        QString reason;
-        ASSERT_TRUE(openForRead(QStringLiteral(":/x"), handle, file, reason))
-            << reason.toStdString();
+        CFileFault fault;
+        ASSERT_TRUE(openForRead(QStringLiteral(":/x"), handle, file, &fault)) << fault.reason;
         EXPECT_EQ(file.readAll().toStdString(), "!");
         QFile missing;
-        EXPECT_FALSE(openForRead(QStringLiteral(":/y"), handle, missing, reason));
+        EXPECT_FALSE(openForRead(QStringLiteral(":/y"), handle, missing, &fault));
+        EXPECT_NE(fault.reason, "");
+        EXPECT_EQ(fault.systemError, 0);
         EXPECT_FALSE(openForWrite(QStringLiteral(":/x"), handle, missing));
     }
     EXPECT_TRUE(qUnregisterResourceData(1, bytes(tree), bytes(names), bytes(data)));

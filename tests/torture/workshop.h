@@ -4,7 +4,7 @@
 /// What an operation under torture works on: a directory of files, an installation, and a fault
 /// that strikes while the operation runs.
 
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/variables_internal.h>
 
 #include <filesystem>
 #include <map>

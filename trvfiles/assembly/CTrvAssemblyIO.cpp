@@ -1,39 +1,55 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
+#include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
-#include <trvfiles/assembly/document_text.h>
+#include <trvfiles/assembly/document_parser.h>
+#include <trvfiles/assembly/dom_tree.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 
 #include <QFile>
 
-#include <string>
+#include <cerrno>
+#include <string_view>
 #include <utility>
 
 CTrvAssemblyIO::CTrvAssemblyIO(QString fileName) : fileName_(std::move(fileName)) {}
 
 CTrvAssemblyIO::~CTrvAssemblyIO() = default;
 
-EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, trv::ReadReport* report) {
-    trv::ReadReport unasked;
-    trv::ReadReport& result = report == nullptr ? unasked : *report;
-    result = {};
-
+EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, CFileFault* fault) {
+    trv::clear_fault(fault);
     trv::platform::file_handle handle;
     QFile file;
-    if (!trv::openForRead(fileName_, handle, file, result.fault.reason)) return eFileIOOpenError;
-    if (!trv::parseDocument(file, tree_, result.fault)) return eFileIOContentError;
-    return trv::readDocument(tree_.document, version_, data, result);
+    if (!trv::openForRead(fileName_, handle, file, fault)) return eFileIOOpenError;
+    // A file that cannot be read twice goes to the DOM at once.
+    if (!file.isSequential()) {
+        const trv::Accepted accepted =
+            fault == nullptr ? trv::Accepted::complete : trv::Accepted::unaltered;
+        if (trv::readPlainDocument(file, accepted, version_, data)) return eFileIOSuccess;
+        if (!file.seek(0)) {
+            trv::set_system_fault(fault, errno);
+            return eFileIOContentError;
+        }
+    }
+    trv::DomTree tree;
+    if (!trv::parseDocument(file, tree, fault)) return eFileIOContentError;
+    return trv::readDocument(tree.document, version_, data, fault);
 }
 
-EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data) {
-    if (!trv::writeDocument(data, tree_)) return eFileIOContentError;
-    const std::string text = trv::documentText(tree_.document);
+EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data, CFileFault* fault) {
+    trv::clear_fault(fault);
+    if (!trv::isWritable(data, fault)) return eFileIOContentError;
 
     trv::platform::file_handle handle;
     QFile file;
-    if (!trv::openForWrite(fileName_, handle, file)) return eFileIOOpenError;
-    // What a full disk does not take shows in the number of bytes, or when the last ones are
-    // handed to the system.
-    const auto length = static_cast<qint64>(text.size());
-    const bool isWhole = file.write(text.data(), length) == length && file.flush();
-    return isWhole ? eFileIOSuccess : eFileIOShortWrite;
+    if (!trv::openForWrite(fileName_, handle, file, fault)) return eFileIOOpenError;
+    errno = 0;
+    const auto write = [&file](std::string_view block) {
+        const auto length = static_cast<qint64>(block.size());
+        return file.write(block.data(), length) == length;
+    };
+    // A full disk is noticed by the number of bytes, or when the last ones go to the system.
+    if (trv::writeAssembly(data, write) && file.flush()) return eFileIOSuccess;
+    trv::set_system_fault(fault, errno);
+    return eFileIOShortWrite;
 }

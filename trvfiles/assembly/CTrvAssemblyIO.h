@@ -3,21 +3,21 @@
 /// @file
 /// The reader and writer of one assembly file.
 
-#include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/support/EFileIOStatus.h>
 
 #include <QString>
 
 class CTrvAssemblyData;
+struct CFileFault;
 
-/// Reads or writes one assembly file, made for one call.
+/// Reads or writes one assembly file; constructed for one call.
 ///
 /// REQUIRES: setInvalidDataPolicy() before each call.
 ///
 /// Threads: one object on one thread; several objects at once.
 class CTrvAssemblyIO {
 public:
-    /// @param fileName  the path of the file, opened as it stands
+    /// @param fileName  the path of the file, used as it is
     explicit CTrvAssemblyIO(QString fileName);
     virtual ~CTrvAssemblyIO();
 
@@ -26,14 +26,15 @@ public:
 
     /// Reads the file into a record; the statuses are those of CQvFilesIO::readTrvAssembly().
     ///
-    /// @param report  takes what a person may want to know, where it is asked for
-    EFileIOStatus read(CTrvAssemblyData& data, trv::ReadReport* report = nullptr);
+    /// @param fault  takes the reason of a failure, and notes
+    EFileIOStatus read(CTrvAssemblyData& data, CFileFault* fault = nullptr);
 
     /// Writes a record to the file; the statuses are those of CQvFilesIO::writeTrvAssembly().
-    EFileIOStatus write(const CTrvAssemblyData& data);
+    ///
+    /// @param fault  takes the reason of a failure
+    EFileIOStatus write(const CTrvAssemblyData& data, CFileFault* fault = nullptr);
 
 private:
-    trv::DomTree tree_;
     QString fileName_;
     int version_ = 0;
 };

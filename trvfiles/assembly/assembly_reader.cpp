@@ -98,7 +98,7 @@ bool readPlainDocument(QIODevice& device, Accepted accepted, int& version,
     constexpr qint64 minComponentSize = 128;
     const auto maxComponents = static_cast<std::size_t>(device.size() / minComponentSize);
     AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);
-    PlainScanner scanner(device, static_cast<std::size_t>(deepestNesting));
+    PlainScanner scanner(device, static_cast<std::size_t>(maxNesting));
     const PlainElementStart element(scanner);
     for (;;) {
         switch (scanner.next()) {

@@ -25,7 +25,7 @@ constexpr std::size_t blockSize = 65536;
 
 // A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
 // more.
-constexpr std::size_t maxLevel = (deepestNesting - 2) / 2;
+constexpr std::size_t maxLevel = (maxNesting - 2) / 2;
 
 constexpr char noncharacter[] = " has a text with U+FFFE or U+FFFF, which XML does not allow";
 

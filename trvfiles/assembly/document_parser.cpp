@@ -1,31 +1,35 @@
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/plain_decoder.h>
+#include <trvfiles/assembly/replaced_bytes.h>
 #include <trvfiles/assembly/xml_screen.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/platform.h>
 
 #include <QByteArray>
+#include <QFileDevice>
 #include <QTextCodec>
 #include <QXmlInputSource>
 
+#include <cerrno>
 #include <cstddef>
 #include <new>
 #include <system_error>
 
-// Qt 5.15 marks its SAX classes as deprecated, but QDomDocument still parses with them; an input
-// source is the one place where a document can be looked through as the parser will see it,
-// whatever its encoding.
+// Qt 5.15 marks its SAX classes as deprecated, but QDomDocument still parses with them. An input
+// source is the only place at which a document can be checked as the parser sees it, whatever its
+// encoding.
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
 namespace trv {
 namespace {
 
-// Enough for the parser and deepestNesting elements, several times over.
-constexpr std::size_t stackForDeepest = std::size_t{4} << 20;
+// The parser takes some 350 bytes for each of the 2,000 elements that may be open.
+constexpr std::size_t stackForMaxNesting = std::size_t{4} << 20;
 
 constexpr int blockSize = 65536;
 
-// Qt destroys its codecs during exit, and its input source takes the one for UTF-8 for granted.
+// Qt destroys its codecs during exit, and its input source uses the one for UTF-8 without a check.
 bool hasTextCodecs() {
     constexpr int mibOfUtf8 = 106;
     return QTextCodec::codecForMib(mibOfUtf8) != nullptr;
@@ -33,16 +37,20 @@ bool hasTextCodecs() {
 
 class ScreenedSource : public QXmlInputSource {
 public:
-    ScreenedSource(QIODevice& device, int deepest) : device_(device), screen_(deepest) {}
+    // @param replaced  looks at each block; may be nullptr
+    ScreenedSource(QIODevice& device, int maxDepth, ReplacedBytes* replaced)
+        : device_(device), replaced_(replaced), screen_(maxDepth) {}
 
     const XmlScreen& screen() const { return screen_; }
     bool isUnknownEncoding() const { return decoder_.isUnknownEncoding(); }
+    // The `errno` of a read that has failed; 0 if none has.
+    int readError() const { return readError_; }
 
     void fetchData() override {
         QString passed;
-        // An empty piece would be taken for the end of the document.
+        // The parser takes an empty piece for the end of the document.
         while (passed.isEmpty() && !atEnd_ && screen_.refusal() == XmlScreen::Refusal::none) {
-            const QByteArray block = device_.read(blockSize);
+            const QByteArray block = nextBlock();
             atEnd_ = block.isEmpty() || isUnknownEncoding();
             passed = atEnd_ ? screen_.rest() : screen_.pass(decoded(block));
         }
@@ -50,14 +58,28 @@ public:
     }
 
 private:
+    QByteArray nextBlock() {
+        errno = 0;
+        QByteArray block = device_.read(blockSize);
+        const int error = errno;
+        const auto* const file = qobject_cast<const QFileDevice*>(&device_);
+        const bool hasFailed = file != nullptr && file->error() != QFileDevice::NoError;
+        if (hasFailed) readError_ = error;
+        return block;
+    }
+
     QString decoded(const QByteArray& block) {
-        return hasTextCodecs_ ? fromRawData(block) : decoder_.decode(block);
+        QString text = hasTextCodecs_ ? fromRawData(block) : decoder_.decode(block);
+        if (replaced_ != nullptr) replaced_->look(block, text);
+        return text;
     }
 
     QIODevice& device_;
+    ReplacedBytes* const replaced_;
     XmlScreen screen_;
     const bool hasTextCodecs_ = hasTextCodecs();
     PlainDecoder decoder_;
+    int readError_ = 0;
     bool atEnd_ = false;
 };
 
@@ -66,7 +88,7 @@ QString reasonOf(const XmlScreen& screen) {
     constexpr int digits = 4;
     switch (screen.refusal()) {
         case XmlScreen::Refusal::tooDeep:
-            return QStringLiteral("more than %1 elements are open").arg(deepestNesting);
+            return QStringLiteral("more than %1 elements are open").arg(maxNesting);
         case XmlScreen::Refusal::entityDeclaration:
             return QStringLiteral("an entity is declared");
         case XmlScreen::Refusal::character:
@@ -85,27 +107,54 @@ struct Outcome {
     bool isTooDeep = false;
 };
 
-Outcome parse(QIODevice& device, int deepest, QDomDocument& document, ParseFault& fault) {
-    ScreenedSource source(device, deepest);
-    const bool isWellFormed =
-        document.setContent(&source, false, &fault.reason, &fault.line, &fault.column);
+void setReason(CFileFault& fault, const ScreenedSource& source, const QString& reason, int line,
+               int column) {
     const XmlScreen& screen = source.screen();
-    // What is cut off at a refusal may look complete.
-    if (screen.refusal() == XmlScreen::Refusal::none) {
-        if (source.isUnknownEncoding()) {
-            fault = {QStringLiteral("during exit the encoding of the document is unknown"), 1, 1};
-        }
-        return {isWellFormed, false};
+    if (screen.refusal() != XmlScreen::Refusal::none) {
+        const XmlScreen::Position place = screen.refusedAt();
+        set_fault(&fault, reasonOf(screen).toStdString(), static_cast<int>(place.line),
+                  static_cast<int>(place.column));
+    } else if (source.isUnknownEncoding()) {
+        set_fault(&fault, "during exit the encoding of the document is unknown", 1, 1);
+    } else if (source.readError() != 0) {
+        set_system_fault(&fault, source.readError());
+    } else {
+        set_fault(&fault, reason.toStdString(), line, column);
     }
-    const XmlScreen::Position position = screen.refusedAt();
-    fault = {reasonOf(screen), static_cast<int>(position.line), static_cast<int>(position.column)};
-    return {false, screen.refusal() == XmlScreen::Refusal::tooDeep};
+}
+
+void addNote(CFileFault& fault, const ReplacedBytes& replaced) {
+    if (!replaced.isFound()) return;
+    fault.notes.push_back({CFileFault::Note::Kind::notText,
+                           replaced.line(),
+                           replaced.column(),
+                           {},
+                           "bytes that are not text are read as U+FFFD"});
+}
+
+Outcome parse(QIODevice& device, int maxDepth, QDomDocument& document, CFileFault* fault) {
+    clear_fault(fault);
+    ReplacedBytes replaced;
+    ScreenedSource source(device, maxDepth, fault == nullptr ? nullptr : &replaced);
+    QString reason;
+    int line = 0;
+    int column = 0;
+    const bool isWellFormed = document.setContent(&source, false, &reason, &line, &column);
+    // What is cut off at a refusal may look complete.
+    const XmlScreen::Refusal refusal = source.screen().refusal();
+    const bool isAccepted = isWellFormed && refusal == XmlScreen::Refusal::none;
+    if (fault != nullptr) {
+        if (!isAccepted) setReason(*fault, source, reason, line, column);
+        addNote(*fault, replaced);
+    }
+    return {isAccepted, refusal == XmlScreen::Refusal::tooDeep};
 }
 
 }  // namespace
 
-bool parseDocument(QIODevice& device, DomTree& tree, ParseFault& fault) {
-    // A device that cannot go back has one try, on the stack that is deep enough for everything.
+bool parseDocument(QIODevice& device, DomTree& tree, CFileFault* fault) {
+    // A second stack takes time, and few documents are deep: so the first attempt is on the
+    // caller's stack. A device that cannot go back has one attempt only.
     tree.isDeep = device.isSequential();
     if (!tree.isDeep) {
         const Outcome outcome = parse(device, shallowNesting, tree.document, fault);
@@ -115,9 +164,8 @@ bool parseDocument(QIODevice& device, DomTree& tree, ParseFault& fault) {
     }
     Outcome outcome;
     try {
-        platform::call_on_stack(stackForDeepest, [&] {
-            outcome = parse(device, deepestNesting, tree.document, fault);
-        });
+        platform::call_on_stack(stackForMaxNesting,
+                                [&] { outcome = parse(device, maxNesting, tree.document, fault); });
     } catch (const std::system_error&) {
         throw std::bad_alloc();
     }

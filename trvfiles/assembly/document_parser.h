@@ -6,29 +6,24 @@
 #include <trvfiles/assembly/dom_tree.h>
 
 #include <QIODevice>
-#include <QString>
+
+struct CFileFault;
 
 namespace trv {
 
-/// Why a document was not accepted and where, for a person.
-struct ParseFault {
-    QString reason;
-    int line = 0;
-    int column = 0;
-};
-
 /// Parses a whole XML document with QDomDocument::setContent(), after an XmlScreen.
 ///
-/// @param device  open for reading, at its beginning; read once where it cannot go back, as a pipe
+/// A document is accepted if it is well-formed, nests at most maxNesting elements or groups of a
+/// content model, declares no entity, and holds only characters that XML allows in texts, comments,
+/// CDATA sections and processing instructions.
+///
+/// @param device  open for reading, at its beginning; read once if it cannot go back, as a pipe
 /// @param tree    takes the document
-/// @param fault   takes the reason where the document is not accepted
-/// @return whether the document is well-formed, nests no more than deepestNesting elements or
-/// groups
-///         of a content model, declares no entity, and holds no character that XML does not allow
-///         in a text, a comment, a CDATA section or a processing instruction
+/// @param fault   takes the reason and its place if the document is not accepted, and a note if
+///                bytes were replaced that are not text
+/// @return whether the document is accepted
 /// @throws std::bad_alloc when memory runs out, or when the system has no second stack for a
-/// document
-///         that nests more than shallowNesting elements
-bool parseDocument(QIODevice& device, DomTree& tree, ParseFault& fault);
+///         document that nests more than shallowNesting elements
+bool parseDocument(QIODevice& device, DomTree& tree, CFileFault* fault = nullptr);
 
 }  // namespace trv

@@ -10,7 +10,7 @@ namespace trv {
 /// How many elements may be open at once in an assembly file. Counting from the root, that is 999
 /// nested components: a component takes two levels, itself and its "Data", and the innermost one a
 /// third for its "File".
-constexpr int deepestNesting = 2000;
+constexpr int maxNesting = 2000;
 
 /// Up to here a document is parsed and freed on the caller's stack. Qt recurses for both, with some
 /// 350 and 90 bytes a level.

@@ -1,8 +1,11 @@
 #include <trvfiles/axis/axis_file.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/line_reading.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/text/open_file.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstddef>
 #include <string_view>
@@ -11,16 +14,14 @@ namespace trv {
 namespace {
 
 constexpr double identityTolerance = 1e-6;
-constexpr double smallestDeterminant = 1e-10;
+constexpr double minDeterminant = 1e-10;
 constexpr int numberColumns = 12;
-// What follows on a line is skipped unseen.
+// Part of the format: existing files have longer lines whose rest does not count.
 constexpr std::size_t examinedLineLength = 511;
-// No axis file is longer; a device may go on for ever.
-constexpr std::size_t mostBytesRead = std::size_t{1} << 30;
+// A device may have no end. No axis file is this long.
+constexpr std::size_t maxBytesRead = std::size_t{1} << 30;
 
-constexpr AxisMatrix identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-
-// The matrix stands transposed in the file: a line holds the same coordinate of all four rows.
+// A line of the file holds the same coordinate of all four rows.
 void appendTransposed(std::string& text, const AxisMatrix& matrix) {
     for (std::size_t line = 0; line < 4; ++line) {
         for (std::size_t row = 0; row < 4; ++row) {
@@ -31,7 +32,7 @@ void appendTransposed(std::string& text, const AxisMatrix& matrix) {
     }
 }
 
-// Takes a file line by line without ever holding more of it than counts.
+// Holds one line at a time, and of that no more than counts: memory does not grow with the file.
 class LineReader {
 public:
     explicit LineReader(std::FILE* file) : file_(file) {}
@@ -39,7 +40,7 @@ public:
     // The next line's beginning, without its end; valid until the next call. False at the end of
     // the file, when not even a line end is left.
     bool next(std::string_view& line) {
-        if (read_ >= mostBytesRead) return false;
+        if (read_ >= maxBytesRead) return false;
         std::size_t length = read(line_);
         if (length == 0) return false;
         if (line_[length - 1] == '\n') {
@@ -65,10 +66,10 @@ private:
         return length;
     }
 
-    // Behind a beginning that fills the buffer, up to the end of the line.
+    // Skips what follows a beginning that fills the buffer, up to the end of the line.
     void skipRest(std::size_t length) {
         Buffer unseen;
-        while (length == examinedLineLength && read_ < mostBytesRead) {
+        while (length == examinedLineLength && read_ < maxBytesRead) {
             length = read(unseen);
             if (length != 0 && unseen[length - 1] == '\n') return;
         }
@@ -118,7 +119,7 @@ AxisMatrix affineInverse(const AxisMatrix& x) {
     const double determinant = x[0] * (x[5] * x[10] - x[6] * x[9]) +
                                x[4] * (x[2] * x[9] - x[1] * x[10]) +
                                x[8] * (x[1] * x[6] - x[2] * x[5]);
-    if (std::fabs(determinant) < smallestDeterminant) return inverse;
+    if (std::fabs(determinant) < minDeterminant) return inverse;
 
     inverse[0] = (x[5] * x[10] - x[6] * x[9]) / determinant;
     inverse[1] = (x[2] * x[9] - x[1] * x[10]) / determinant;
@@ -141,7 +142,7 @@ AxisMatrix affineInverse(const AxisMatrix& x) {
 
 bool differsFromIdentity(const AxisMatrix& matrix) {
     for (std::size_t i = 0; i < matrix.size(); ++i) {
-        if (std::fabs(matrix[i] - identity[i]) > identityTolerance) return true;
+        if (std::fabs(matrix[i] - identityAxis[i]) > identityTolerance) return true;
     }
     return false;
 }
@@ -162,25 +163,50 @@ std::string axisFileText(const AxisMatrix& matrix, int tag1, int tag2, int tag3)
     return text;
 }
 
-AxisContent readAxisContent(std::FILE* file) {
+bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault) {
     constexpr int firstMatrixLine = 2;
-    AxisContent content;
     LineReader lines(file);
-    // Whether the placement moves anything is told by the numbers, not by the flag on line 1.
+    // The numbers say whether the placement moves anything; the flag on line 1 does not count.
     lines.skip();
     AxisMatrix read = {};
     for (int row = 0; row < 4; ++row) {
-        if (!readFourNumbers(lines, read, static_cast<std::size_t>(row))) {
-            content.faultyLine = firstMatrixLine + row;
-            return content;
+        if (readFourNumbers(lines, read, static_cast<std::size_t>(row))) continue;
+        const int error = std::ferror(file) != 0 ? errno : 0;
+        set_fault(fault, "four numbers are expected", firstMatrixLine + row);
+        if (fault != nullptr && error != 0) {
+            set_system_fault(fault, error);
+            fault->line = firstMatrixLine + row;
         }
+        return false;
     }
     content.matrix = matrixFromLines(read);
     for (int inverseLine = 0; inverseLine < 4; ++inverseLine)
         lines.skip();
     std::string_view tagLine;
-    if (lines.next(tagLine)) content.tagCount = readTags(tagLine, content.tags);
-    return content;
+    content.tagCount = lines.next(tagLine) ? readTags(tagLine, content.tags) : 0;
+    return true;
+}
+
+EFileIOStatus readAxisFile(const QString& path, AxisContent& content, CFileFault* fault) {
+    clear_fault(fault);
+    // A buffer of the C library would be allocated, and be 4 KB as well.
+    char buffer[4096];
+    const platform::file_handle file = openForRead(path, platform::file_mode::text, fault);
+    if (file == nullptr) return eFileIOOpenError;
+    static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
+    return readAxisText(file.get(), content, fault) ? eFileIOSuccess : eFileIOContentError;
+}
+
+EFileIOStatus writeAxisFile(const QString& path, const std::string& text, CFileFault* fault) {
+    clear_fault(fault);
+    platform::file_handle file = openForWrite(path, platform::file_mode::text, fault);
+    if (file == nullptr) return eFileIOOpenError;
+    errno = 0;
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    // The last bytes are in a buffer until the file is closed, so closing may be what fails.
+    if (std::fclose(file.release()) == 0 && isWritten) return eFileIOSuccess;
+    set_system_fault(fault, errno);
+    return eFileIOShortWrite;
 }
 
 }  // namespace trv

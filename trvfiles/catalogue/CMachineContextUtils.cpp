@@ -85,21 +85,22 @@ QString barePath(const std::wstring& name) {
 // caller copies it as soon as it is there.
 bool provideAxis(CQvFilesIO& files, const std::wstring& directory, const std::wstring& name) {
     if (files.isfileExists(name)) return true;
-    constexpr trv::AxisMatrix identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     constexpr int noTag = -1;
     const QString path = absolutePath(directory, name);
     std::string target;
     if (!trv::runtimePath(path, target)) {
         // No context can be saved here either, so nobody copies the file.
         return trv::isOpenable(path) && !QFileInfo::exists(path) &&
-               files.writeAxis(name, identity.data(), noTag, noTag, noTag) == eFileIOSuccess;
+               files.writeAxis(name, trv::identityAxis.data(), noTag, noTag, noTag) ==
+                   eFileIOSuccess;
     }
     trv::file_replacement axis(target, trv::own_temporary_name, Existing::refused);
-    const int failure = axis.write_and_replace(trv::axisFileText(identity, noTag, noTag, noTag));
+    const int failure =
+        axis.write_and_replace(trv::axisFileText(trv::identityAxis, noTag, noTag, noTag));
     return failure == 0 || files.isfileExists(name);
 }
 
-void give(std::wstring* destination, std::wstring&& text) {
+void setIfRequested(std::wstring* destination, std::wstring&& text) {
     if (destination != nullptr) *destination = std::move(text);
 }
 
@@ -163,8 +164,8 @@ bool CMachineContextUtils::sCreateDefaultMachineContext(const std::wstring& dire
     record.setMachinePositionW(names.referenceFile);
     record.setNameW(names.context);
     if (!creation.write(record)) return false;
-    give(contextFile, std::move(names.contextFile));
-    give(referenceFile, std::move(names.referenceFile));
+    setIfRequested(contextFile, std::move(names.contextFile));
+    setIfRequested(referenceFile, std::move(names.referenceFile));
     return true;
 }
 
@@ -196,7 +197,7 @@ bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
     record.setMachinePositionW(names.referenceFile);
     record.setNameW(names.context);
     if (!creation.write(record)) return false;
-    give(createdContextFile, std::move(names.contextFile));
-    give(createdReferenceFile, std::move(names.referenceFile));
+    setIfRequested(createdContextFile, std::move(names.contextFile));
+    setIfRequested(createdReferenceFile, std::move(names.referenceFile));
     return true;
 }

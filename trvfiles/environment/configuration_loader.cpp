@@ -1,9 +1,10 @@
 #include <trvfiles/environment/configuration_loader.h>
-#include <trvfiles/environment/configuration_paths.h>
-#include <trvfiles/environment/message_loading.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/message_file_internal.h>
+#include <trvfiles/environment/path_text.h>
+#include <trvfiles/environment/runtime.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/list_elements.h>
@@ -17,7 +18,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-using path_buffer = char[configuration_path_size];
+using path_buffer = char[path_buffer_size];
 
 bool is_empty(const char* text) {
     return text == nullptr || *text == '\0';

@@ -1,10 +1,10 @@
 #include <trvfiles/environment/configuration_loader.h>
-#include <trvfiles/environment/configuration_paths.h>
 #include <trvfiles/environment/environment_start.h>
 #include <trvfiles/environment/guards.h>
-#include <trvfiles/environment/message_loading.h>
-#include <trvfiles/environment/process_stores.h>
+#include <trvfiles/environment/message_file_internal.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/list_elements.h>
@@ -76,13 +76,13 @@ bool load_second_file(const std::string& path) {
 void define_predefined_variables() {
     const int section = find_section(loaded_stores.environment, "var");
     if (section < 0) return;
-    const record_guard not_persistent;
+    const record_guard not_persistent(false);
     set_variable(loaded_stores.environment, section, "WINDOWS = 1");
     set_variable(loaded_stores.environment, section, "PC = 1");
 }
 
 bool read_directories(std::string& list) {
-    char buffer[configuration_path_size];
+    char buffer[path_buffer_size];
     if (is_expand_error(_Expand("?ENV", buffer, sizeof buffer))) {
         report_fatal("Error loading 'environ.cfg' files\n");
         return false;

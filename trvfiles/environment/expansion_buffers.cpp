@@ -1,3 +1,4 @@
+#include <trvfiles/environment/expansion_buffers.h>
 #include <trvfiles/environment/expansion_watch.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/support/diagnostics.h>

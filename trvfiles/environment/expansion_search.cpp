@@ -1,5 +1,6 @@
+#include <trvfiles/environment/expansion_search.h>
 #include <trvfiles/environment/path_search.h>
-#include <trvfiles/environment/text_list.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variable_expansion.h>
 
 #include <algorithm>
@@ -11,15 +12,15 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t first_size = 2000;
-constexpr std::size_t largest_size = std::size_t{1} << 20;
+constexpr std::size_t min_size = 2000;
+constexpr std::size_t max_size = std::size_t{1} << 20;
 
 // The buffer of one search. It comes from the last search, so that it keeps its size, and is away
 // while it is used: a trace handler may search itself.
 class search_buffer {
 public:
-    explicit search_buffer(std::size_t least) : bytes_(std::exchange(kept(), {})) {
-        bytes_.resize(std::max({bytes_.size(), first_size, least}));
+    explicit search_buffer(std::size_t size) : bytes_(std::exchange(kept(), {})) {
+        bytes_.resize(std::max({bytes_.size(), min_size, size}));
     }
     ~search_buffer() {
         if (bytes_.size() > kept().size()) kept().swap(bytes_);
@@ -28,7 +29,7 @@ public:
     search_buffer& operator=(const search_buffer&) = delete;
 
     bool grow() {
-        if (bytes_.size() > largest_size / 2) return false;
+        if (bytes_.size() > max_size / 2) return false;
         bytes_.resize(bytes_.size() * 2);
         return true;
     }

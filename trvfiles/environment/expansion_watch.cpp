@@ -1,4 +1,5 @@
 #include <trvfiles/environment/expansion_watch.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/support/platform.h>
 
@@ -37,10 +38,10 @@ const std::string& log_file_name() {
 }
 
 const std::string& program_name() {
-    constexpr std::size_t examined_length = 1024;
+    constexpr std::size_t max_length = 1024;
     static const std::string& name = *[] {
-        const std::string file = platform::program_file().substr(0, examined_length);
-        return new std::string(file.substr(file.find_last_of("/\\") + 1));
+        const std::string file = platform::program_file().substr(0, max_length);
+        return new std::string(file.substr(file.find_last_of(path_separators) + 1));
     }();
     return name;
 }

@@ -1,4 +1,5 @@
 #include <trvfiles/environment/file_replacement.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/support/ascii_case.h>
 #include <trvfiles/support/platform_targets.h>
 
@@ -13,6 +14,7 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr std::string_view shared_name = "messages.tmp";
+constexpr char own_ending[] = ".messages.tmp";
 
 bool is_shared_name(std::string_view name) {
     return platform::backslash_separates() ? equal_ignoring_case(name, shared_name)
@@ -22,11 +24,11 @@ bool is_shared_name(std::string_view name) {
 }  // namespace
 
 std::string own_temporary_name(const std::string& target) {
-    return target + ".messages.tmp";
+    return target + own_ending;
 }
 
 std::string shared_temporary_name(const std::string& target) {
-    const std::size_t name = target.find_last_of("/\\") + 1;
+    const std::size_t name = target.find_last_of(path_separators) + 1;
     if (is_shared_name(std::string_view(target).substr(name))) return own_temporary_name(target);
     return target.substr(0, name).append(shared_name);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Switches that go back to where they stood on every way out, also when a handler throws.
+/// Switches that get their earlier value back on every way out, also if a handler throws.
 
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/support/diagnostics.h>
@@ -32,10 +32,10 @@ private:
     int earlier_;
 };
 
-/// Makes the records of the time not persistent.
+/// Sets whether texts that are made meanwhile, in any store, are persistent.
 class record_guard {
 public:
-    record_guard() : earlier_(set_record_flag(false)) {}
+    explicit record_guard(bool record) : earlier_(set_record_flag(record)) {}
     ~record_guard() { set_record_flag(earlier_); }
     record_guard(const record_guard&) = delete;
     record_guard& operator=(const record_guard&) = delete;

@@ -8,6 +8,8 @@
 #include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/environment/message_store.h>
 
+#include <string>
+
 namespace trv {
 
 /// store_parameters() for a caller that has read or checked something since it holds the target.
@@ -15,5 +17,8 @@ namespace trv {
 /// @param held  a replacement of this very target. If it is not open, this function reports so
 ///              through the fatal channel and returns -1.
 int store_parameters(message_store* store, const char* file_name, file_replacement& held);
+
+/// Reports through the fatal channel that the temporary file of a save cannot be opened.
+void report_not_opened(const std::string& temporary_path);
 
 }  // namespace trv

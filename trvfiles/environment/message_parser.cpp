@@ -1,8 +1,8 @@
 #include <trvfiles/environment/message_condition.h>
 #include <trvfiles/environment/message_parser.h>
 #include <trvfiles/environment/message_store.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/support/blanks.h>
-#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/line_source.h>
 
 #include <cstring>
@@ -14,11 +14,11 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr int line_buffer_size = 1024;
-constexpr int most_open_conditions = 7;
+constexpr int max_open_conditions = 7;
 
 // A handler that returns does not make an unknown keyword known. The report is repeated, because
 // the parse cannot go on, but not for ever.
-constexpr int most_keyword_reports = 1000;
+constexpr int max_keyword_reports = 1000;
 
 bool starts_with(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
@@ -71,8 +71,7 @@ private:
         if (length == 0) return false;
         ++line_number_;
         if (length >= line_buffer_size) {
-            report_error(
-                message_file_report(file_name_, line_number_, "Input line too long").c_str());
+            report(fault_kind::line_too_long, line_number_, "Input line too long");
         }
         return true;
     }
@@ -118,7 +117,7 @@ private:
     }
 
     void open_condition(const std::string& line) {
-        if (level_ == most_open_conditions) {
+        if (level_ == max_open_conditions) {
             // The "%s" is part of the text.
             report_fatal_at(line_number_, "too many nested conditions: %s");
             aborted_ = true;
@@ -135,7 +134,8 @@ private:
             case condition_result::no:
                 break;
             case condition_result::undefined:
-                warn_of_unknown_variable(line);
+                report(fault_kind::unknown_variable, line_number_,
+                       "unknown variable : '" + line + "'");
                 break;
             case condition_result::invalid:
                 report_fatal_at(line_number_, "invalid condition: " + line);
@@ -162,7 +162,7 @@ private:
 
     void refuse_keyword(std::string_view keyword) {
         const std::string text = "Unknown keyword : '/" + std::string(keyword) + "'";
-        for (int report = 0; report < most_keyword_reports; ++report)
+        for (int report = 0; report < max_keyword_reports; ++report)
             report_fatal_at(line_number_, text);
         aborted_ = true;
     }
@@ -183,15 +183,10 @@ private:
         }
     }
 
-    void report_fatal_at(int line, std::string_view text) {
-        report_fatal(message_file_report(file_name_, line, text).c_str());
-    }
+    void report_fatal_at(int line, std::string_view text) { report(fault_kind::fatal, line, text); }
 
-    void warn_of_unknown_variable(const std::string& line) {
-        const std::string text = std::string("load_messages: file '") + file_name_ + "' line " +
-                                 std::to_string(line_number_) + ", unknown variable : '" + line +
-                                 "'\n";
-        report_error(text.c_str());
+    void report(fault_kind kind, int line, std::string_view text) {
+        current_observer().fault_found({kind, file_name_, line, text});
     }
 
     message_store* store_;
@@ -206,22 +201,12 @@ private:
     bool aborted_ = false;
 
     // One flag for each open "/if" and, below them, one for the file itself.
-    bool condition_[1 + most_open_conditions] = {true};
+    bool condition_[1 + max_open_conditions] = {true};
     int level_ = 0;
     std::uint64_t skipped_conditions_ = 0;
 };
 
 }  // namespace
-
-std::string message_file_report(std::string_view file_name, int line, std::string_view text) {
-    std::string report = "load_messages: file '";
-    report += file_name;
-    report += "', line ";
-    report += std::to_string(line);
-    report += " : ";
-    report += text;
-    return report;
-}
 
 parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                             const message_sink& sink) {

@@ -6,10 +6,7 @@
 ///
 /// Threads: one at a time, with the whole runtime.
 
-#include <trvfiles/environment/message_callbacks.h>
-
-#include <string>
-#include <string_view>
+#include <trvfiles/environment/message_file.h>
 
 class VCL8BLineSource;
 
@@ -27,9 +24,5 @@ enum class parse_result { complete, aborted, not_registered };
 /// As load_messages(), telling an aborted parse from a complete one.
 parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                             const message_sink& sink);
-
-/// The text "load_messages: file '...', line ... : ..." in which everything that is wrong with a
-/// message file is reported.
-std::string message_file_report(std::string_view file_name, int line, std::string_view text);
 
 }  // namespace trv

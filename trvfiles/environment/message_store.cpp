@@ -3,6 +3,7 @@
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/name_hash.h>
 #include <trvfiles/environment/reference_resolver.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/permanent_block.h>
@@ -18,8 +19,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::uint16_t no_section = 0xFFFF;
-constexpr std::size_t most_sections = 32767;
+constexpr std::size_t max_sections = 32767;
 constexpr const char* placeholder = "undefined message";
 
 // Whether new texts are persistent, for the whole process.
@@ -90,7 +90,7 @@ private:
 int append_text(message_store& store, store_section& section, std::string_view text,
                 const text_origin& origin) {
     const int number = section.message_count();
-    if (number == store_section::most_messages) return -1;
+    if (number == store_section::max_messages) return -1;
     section.reserve(number, text);
     store.texts.reserve_texts(1, text.size());
     put_text(store, section, number, text, origin);
@@ -124,17 +124,17 @@ int append_text_at(message_store& store, store_section& section, int number,
 
 int refuse_parameter(const message_store& store, const store_section& section,
                      std::string_view text, const text_origin& origin) {
-    const std::string place = "[" + std::string(section.name()) + "] " + std::string(text) + "\n";
+    const std::string place = "[" + std::string(section.name()) + "] " + std::string(text);
     if (origin.file == text_pool::none) {
-        report_error(
-            ("set_parameter : The program is trying to modify a non-parameter message: " + place)
-                .c_str());
+        report_error(("set_parameter : The program is trying to modify a non-parameter message: " +
+                      place + '\n')
+                         .c_str());
         return -1;
     }
-    report_error(("load_messages: [file '" + std::string(store.texts.at(origin.file)) + "' line " +
-                  std::to_string(origin.line) +
-                  "] Warning - incorrect format (missing '='): " + place)
-                     .c_str());
+    // The observer may add to the store, which moves the name.
+    const std::string file = store.texts.at(origin.file);
+    current_observer().fault_found({fault_kind::missing_equals, file, origin.line,
+                                    "incorrect format (missing '='): " + place});
     return 0;
 }
 
@@ -196,7 +196,7 @@ std::uint16_t add_section(message_store* store, const char* name) {
     if (store == nullptr || name == nullptr) return no_section;
     const std::size_t length = std::strlen(name);
     const std::size_t index = store->sections.size();
-    if (length > store_section::longest_name || index == most_sections) return no_section;
+    if (length > store_section::max_name_length || index == max_sections) return no_section;
     const int added = unless_exhausted([&] {
         store_section section({name, length});
         const auto place = static_cast<std::uint32_t>(index);
@@ -267,7 +267,7 @@ int replace_message(message_store* store, int section, int number, const char* t
 
 int set_message(message_store* store, int section, int number, const char* text) {
     store_section* target = section_at(store, section);
-    if (target == nullptr || number < 0 || number >= store_section::most_messages) return -1;
+    if (target == nullptr || number < 0 || number >= store_section::max_messages) return -1;
     return unless_exhausted([&] {
         const kept_text kept(*store, text_of(text));
         if (target->has_message(number)) {

@@ -39,9 +39,12 @@ TRV_EXPORT void destroy_store(message_store* store);
 /// The index of the first section with exactly this name, or -1.
 TRV_EXPORT int find_section(const message_store* store, const char* name);
 
+/// What add_section() returns if it fails.
+inline constexpr std::uint16_t no_section = 65535;
+
 /// Adds a section, also when there is one of that name: lookups by name then see only the first.
 ///
-/// @return its index; 65535 for a null name or one of 100 characters and more, for the 32768th
+/// @return its index; no_section for a null name or one of 100 characters and more, for the 32768th
 ///         section and when storage runs out
 TRV_EXPORT std::uint16_t add_section(message_store* store, const char* name);
 

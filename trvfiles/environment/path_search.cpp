@@ -1,7 +1,8 @@
 #include <trvfiles/environment/configuration_loader.h>
 #include <trvfiles/environment/path_search.h>
+#include <trvfiles/environment/path_text.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/dynamic_storage.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/list_elements.h>
@@ -23,14 +24,12 @@ namespace {
 // Beside the statuses of the expansion.
 constexpr int out_of_memory = -41;
 
-constexpr std::size_t longest_text = 509;
-constexpr std::size_t longest_field_text = 511;
-constexpr std::size_t longest_list_text = 512;
+// Three numbers beside that of path_text.h, each of which hosts know from the documentation.
+constexpr std::size_t max_resolved_text = 509;
+constexpr std::size_t max_list_text = 512;
 constexpr std::int32_t list_field_width = 8192;
-constexpr std::int32_t existing_field_width = 512;
-constexpr std::size_t message_path_size = 512;
+constexpr std::int32_t existing_field_width = path_buffer_size;
 constexpr std::int32_t directory_list_size = 1536;
-constexpr std::size_t shortest_marked_list = 81;
 
 struct search_reference {
     std::string list;
@@ -41,7 +40,7 @@ struct search_reference {
 search_reference split_reference(std::string_view text) {
     std::size_t cut = text.size();
     for (std::size_t i = text.size(); i-- > 0;) {
-        if (text[i] == '/' || text[i] == '\\') {
+        if (is_path_separator(text[i])) {
             cut = i;
         } else if (text[i] == '?') {
             if (cut == text.size()) break;
@@ -55,26 +54,15 @@ bool is_narrower(std::string_view text, std::int32_t width) {
     return text.size() < static_cast<std::size_t>(width);
 }
 
-void trace_search(const std::string& name, std::string_view list) {
-    if (!trace_is_seen()) return;
-    // A long list is marked as one, and printed whole all the same.
-    std::string line = "SEARCHING for '" + name + "' in '";
-    line += list;
-    line += list.size() < shortest_marked_list ? "'" : "...'";
-    report_trace(line.c_str());
-}
-
-bool exists(const std::string& candidate) {
+bool exists(const std::string& candidate, observation& observed) {
     const bool found = fileExists(candidate.c_str()) != 0;
-    if (trace_is_seen()) {
-        report_trace(("  - '" + candidate + "' -> " + (found ? "Found" : "Not found")).c_str());
-    }
+    if (observed.is_on()) current_observer().candidate_tried({candidate, found});
     return found;
 }
 
 // Tries the name in each directory of an expanded list, and puts the outcome into the field.
-int try_directories(std::string_view list, const std::string& name, char* field,
-                    std::int32_t width) {
+int try_directories(std::string_view list, const std::string& name, char* field, std::int32_t width,
+                    observation& observed) {
     std::string first;
     std::string_view element;
     while (consume_list_element(list, element)) {
@@ -83,7 +71,7 @@ int try_directories(std::string_view list, const std::string& name, char* field,
         if (candidate.back() != '\\') candidate += '\\';
         candidate += name;
         if (first.empty()) first = candidate;
-        if (!exists(candidate)) continue;
+        if (!exists(candidate, observed)) continue;
         const bool narrower = is_narrower(candidate, width);
         fill_field(field, width, narrower ? candidate : std::string());
         return narrower ? EXP_OK : EXP_BUFFER_TOO_SMALL;
@@ -106,7 +94,7 @@ storage_text copy_of(std::string_view text) {
 
 // Searches for the name that stands in the field, and leaves the outcome there.
 int search(std::string_view list_text, char* name_field, std::int32_t width) {
-    if (list_text.size() > longest_list_text) return EXP_NAME_TOO_LONG;
+    if (list_text.size() > max_list_text) return EXP_NAME_TOO_LONG;
     // The list may be a looked-up value, which expanding the name overwrites.
     std::array<char, list_field_width> list_field;
     fill_field(list_field.data(), list_field_width, list_text);
@@ -118,11 +106,12 @@ int search(std::string_view list_text, char* name_field, std::int32_t width) {
     _ExpandFixed(list_field.data(), list_field_width, &code);
     if (code != EXP_OK) return code;
     const std::string_view expanded = field_text(list_field.data(), list_field_width);
-    trace_search(name, expanded);
+    observation observed;
+    if (observed.is_on()) current_observer().search_began({name, expanded});
 
     const storage_text list = copy_of(expanded);
     if (list == nullptr) return out_of_memory;
-    return try_directories(list.get(), name, name_field, width);
+    return try_directories(list.get(), name, name_field, width, observed);
 }
 
 int search_for(const search_reference& reference, char* field, std::int32_t width) {
@@ -158,7 +147,7 @@ int resolve_field(const char* text, std::int32_t length, char* result, std::int3
     if (text == nullptr || result == nullptr) return EXP_INVALID_ARGUMENT;
     if (result_length < 1) return EXP_BUFFER_TOO_SMALL;
     const std::string whole(field_text(text, length));
-    if (whole.size() > longest_field_text) return EXP_NAME_TOO_LONG;
+    if (!fits_path_buffer(whole)) return EXP_NAME_TOO_LONG;
     const search_reference reference = split_reference(whole);
     if (!reference.name.empty()) {
         if (!is_narrower(reference.name, result_length)) return EXP_BUFFER_TOO_SMALL;
@@ -175,7 +164,7 @@ int resolve_field(const char* text, std::int32_t length, char* result, std::int3
 int expand_and_test(const char* text, std::int32_t length) {
     if (text == nullptr) return EXP_INVALID_ARGUMENT;
     const std::string_view trimmed = field_text(text, length);
-    if (trimmed.size() >= existing_field_width) return EXP_BUFFER_TOO_SMALL;
+    if (!fits_path_buffer(trimmed)) return EXP_BUFFER_TOO_SMALL;
     std::array<char, existing_field_width> field;
     fill_field(field.data(), existing_field_width, trimmed);
     std::int32_t code = EXP_OK;
@@ -187,7 +176,7 @@ bool is_current_directory(std::string_view element) {
     return element == "." || element == ".\\" || element == "./";
 }
 
-void give(std::int32_t* place, int code) {
+void set_if_requested(std::int32_t* place, int code) {
     if (place != nullptr) *place = code;
 }
 
@@ -197,7 +186,7 @@ int resolve_path(char* text, std::int32_t size) {
     if (text == nullptr) return EXP_INVALID_ARGUMENT;
     if (size < 1) return EXP_BUFFER_TOO_SMALL;
     const std::string_view whole = text;
-    if (whole.size() > longest_text) return EXP_NAME_TOO_LONG;
+    if (whole.size() > max_resolved_text) return EXP_NAME_TOO_LONG;
     const search_reference reference = split_reference(whole);
     if (!reference.name.empty()) {
         if (!is_narrower(reference.name, size)) return EXP_BUFFER_TOO_SMALL;
@@ -212,11 +201,11 @@ int resolve_path(char* text, std::int32_t size) {
 
 void resolve_path_fixed(const char* text, std::int32_t length, char* result,
                         std::int32_t result_length, std::int32_t* code) {
-    give(code, resolve_field(text, length, result, result_length));
+    set_if_requested(code, resolve_field(text, length, result, result_length));
 }
 
 void expand_existing(const char* text, std::int32_t length, std::int32_t* code) {
-    give(code, expand_and_test(text, length));
+    set_if_requested(code, expand_and_test(text, length));
 }
 
 void search_list(const char* list, char* name, std::int32_t* code, std::int32_t list_length,
@@ -227,14 +216,14 @@ void search_list(const char* list, char* name, std::int32_t* code, std::int32_t 
     } else if (name_width >= 1) {
         status = search(field_text(list, list_length), name, name_width);
     }
-    give(code, status);
+    set_if_requested(code, status);
 }
 
 int load_found_messages(const char* name, const char* directory) {
     if (name == nullptr || directory == nullptr) return -1;
     const std::string joined = std::string(directory) + '\\' + name;
-    std::array<char, message_path_size> path;
-    if (joined.size() + 1 > path.size()) return -1;
+    std::array<char, path_buffer_size> path;
+    if (!fits_path_buffer(joined)) return -1;
     std::memcpy(path.data(), joined.c_str(), joined.size() + 1);
     if (resolve_path(path.data(), static_cast<std::int32_t>(path.size())) != EXP_OK) return -1;
     return load_catalogue_file(path.data());

@@ -1,7 +1,7 @@
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/reference_resolver.h>
-#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/environment/runtime_observer.h>
 
 #include <cstddef>
 #include <string_view>
@@ -13,11 +13,9 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t longest_result = std::size_t{1024} * 1024;
-constexpr int most_replacements = 10000;
 constexpr std::string_view undefined_reference = "$(TRVNULL)";
 
-class reference_resolver {
+class reference_resolver final : private partial_value {
 public:
     explicit reference_resolver(const message_store& store) : store_(store) {}
 
@@ -83,7 +81,7 @@ private:
             skip(1);
         } else if (!read_reference(characters, earlier)) {
             finish(1);
-        } else if (replacements_ == most_replacements) {
+        } else if (replacements_ == max_resolved_references) {
             full_ = true;
         } else if (is_good(earlier)) {
             insert_value(earlier);
@@ -96,40 +94,49 @@ private:
         return earlier < open_.back().text && store_.texts.is_text(earlier);
     }
 
-    // Whether the result stays within its limit when `removed` characters make room for others.
-    bool fits(std::size_t removed, std::size_t inserted) {
-        full_ = done_.size() + open_length_ - removed + inserted > longest_result;
-        return !full_;
+    // Whether the result stays within its limit if `inserted` characters replace `removed` ones.
+    bool fits(std::size_t removed, std::size_t inserted) const {
+        return done_.size() + open_length_ - removed + inserted <= max_resolved_length;
     }
 
     void insert_value(std::int32_t earlier) {
         const std::size_t length = entry_value(store_.texts.at(earlier)).size();
-        if (!fits(reference_length, length)) return;
-        if (trace_is_seen()) {
-            report_trace(("   - " + described(open_.back().text)).c_str());
-            report_trace(("   " + offset_text(earlier) + " -> " + described(earlier)).c_str());
-        }
+        full_ = !fits(reference_length, length);
+        if (full_) return;
+        const std::int32_t referring = open_.back().text;
         skip(reference_length);
         open_value(earlier);
-        end_replacement();
+        end_replacement(referring, earlier);
     }
 
     void insert_undefined() {
-        if (!fits(1, undefined_reference.size())) return;
-        if (trace_is_seen()) report_trace(("ref=[" + upcoming(open_length_) + "]\n").c_str());
+        full_ = !fits(1, undefined_reference.size());
+        if (full_) return;
+        const std::int32_t referring = open_.back().text;
         skip(1);
         done_ += undefined_reference;
-        end_replacement();
+        end_replacement(referring, text_pool::none);
     }
 
-    void end_replacement() {
+    // @param referred  none for an undefined reference
+    void end_replacement(std::int32_t referring, std::int32_t referred) {
         ++replacements_;
-        if (trace_is_seen()) report_trace((done_ + upcoming(open_length_)).c_str());
+        if (!observed_.is_on()) return;
+        const stored_text referring_text = copy_of(referring);
+        if (referred == text_pool::none) {
+            current_observer().reference_replaced({referring_text, nullptr, *this});
+        } else {
+            const stored_text referred_text = copy_of(referred);
+            current_observer().reference_replaced({referring_text, &referred_text, *this});
+        }
     }
 
-    std::string described(std::int32_t text) const {
-        return store_.texts.at(text) + (" " + store_.texts.origin(text));
+    stored_text copy_of(std::int32_t text) const {
+        return {text, store_.texts.at(text), store_.texts.origin(text)};
     }
+
+    std::string resolved() const override { return done_; }
+    std::string rest() const override { return upcoming(open_length_); }
 
     const message_store& store_;
     std::string done_;
@@ -137,6 +144,7 @@ private:
     std::size_t open_length_ = 0;
     int replacements_ = 0;
     bool full_ = false;
+    observation observed_;
 };
 
 }  // namespace

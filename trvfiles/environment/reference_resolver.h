@@ -5,12 +5,17 @@
 ///
 /// Threads: one at a time, with the store.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace trv {
 
 struct message_store;
+
+/// The limits of one resolution.
+inline constexpr std::size_t max_resolved_length = std::size_t{1} << 20;
+inline constexpr int max_resolved_references = 10000;
 
 /// Resolves the value of a text, from left to right, inserted values included: "++" becomes "+", a
 /// good reference the value of its text, the "+" of a bad one "$(TRVNULL)". A reference is good

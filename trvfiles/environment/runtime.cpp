@@ -1,10 +1,9 @@
 #include <trvfiles/environment/environment_start.h>
-#include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/runtime.h>
 #include <trvfiles/environment/work_zone.h>
-#include <trvfiles/environment/zone_hook.h>
 
-// The one place that knows both the lookup and what stands above it: a lookup may have to load the
-// configuration or to find the work zone, and both look up variables.
+// Connects the layers: a lookup may have to load the configuration or to compute the temporary
+// directory first, and both look up variables themselves.
 
 namespace trv {
 namespace {
@@ -13,6 +12,6 @@ namespace {
 
 }  // namespace
 
-const lookup_hooks runtime_hooks = {load_environment, get_temporary_directory, run_zone_hook};
+const lookup_hooks runtime_hooks = {load_environment, get_temporary_directory};
 
 }  // namespace trv

@@ -18,10 +18,10 @@ namespace trv {
 
 class store_section {
 public:
-    static constexpr std::size_t longest_name = 99;
-    static constexpr int most_messages = 32767;
+    static constexpr std::size_t max_name_length = 99;
+    static constexpr int max_messages = 32767;
 
-    /// REQUIRES: a name of at most `longest_name` characters.
+    /// REQUIRES: a name of at most `max_name_length` characters.
     explicit store_section(std::string_view name);
 
     const char* name() const { return name_; }
@@ -58,7 +58,7 @@ private:
     std::uint32_t first_named(const text_pool& pool, std::string_view name,
                               std::uint32_t hash) const;
 
-    char name_[longest_name + 1] = "";
+    char name_[max_name_length + 1] = "";
     std::uint8_t name_length_;
     // Whether an entry has ever been deleted: most sections are spared a lookup of deleted ones.
     bool has_deleted_ = false;

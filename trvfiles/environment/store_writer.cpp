@@ -101,8 +101,7 @@ template <class Content>
 int save(message_store& store, const std::string& target, file_replacement& held, bool new_file,
          Content content_of) {
     if (!held.is_open()) {
-        report_fatal(
-            ("Store messages : error opening file '" + held.temporary_path() + "'").c_str());
+        report_not_opened(held.temporary_path());
         return -1;
     }
     const std::int32_t file = register_file_name(&store, target.c_str());
@@ -122,6 +121,10 @@ int save(message_store& store, const std::string& target, file_replacement& held
 }
 
 }  // namespace
+
+void report_not_opened(const std::string& temporary_path) {
+    report_fatal(("Store messages : error opening file '" + temporary_path + "'").c_str());
+}
 
 int store_parameters(message_store* store, const char* file_name) {
     if (store == nullptr || file_name == nullptr) return -1;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::int32_t initial_pool_size = 1024;
 // The pool grows by as much as it begins with, and offsets are 32 bits.
-constexpr std::size_t largest_pool = INT32_MAX / initial_pool_size * initial_pool_size;
-constexpr std::size_t farthest_behind_start = 1024;
+constexpr std::size_t max_pool_size = INT32_MAX / initial_pool_size * initial_pool_size;
+constexpr std::size_t max_distance_from_start = 1024;
 
 static_assert(sizeof(text_record) == 12 && alignof(text_record) == 4);
 
@@ -37,11 +37,11 @@ void text_pool::reserve_bytes(std::size_t bytes) {
     const auto used = static_cast<std::size_t>(used_);
     const auto reserved = static_cast<std::size_t>(reserved_);
     if (bytes <= reserved - used) return;
-    if (bytes > largest_pool - used) throw std::bad_alloc();
+    if (bytes > max_pool_size - used) throw std::bad_alloc();
     const std::size_t needed = used + bytes - reserved;
     // Growing by half makes a long load linear. Near the storage maximum the pool takes up to half
     // of what is left: growing by what each text needs would make a load quadratic there.
-    std::size_t step = std::min(std::max(needed, reserved / 2), largest_pool - reserved);
+    std::size_t step = std::min(std::max(needed, reserved / 2), max_pool_size - reserved);
     while (step > needed && !storage_fits(2 * step + initial_pool_size))
         step = std::max(needed, step / 2);
     const std::int32_t offset = pool_reserve(pool_.get(), static_cast<std::int32_t>(step));
@@ -65,9 +65,9 @@ std::int32_t text_pool::put(std::string_view text) noexcept {
 }
 
 void text_pool::reserve_texts(std::size_t count, std::size_t length) {
-    constexpr std::size_t most_around_a_text = sizeof(text_record) + alignof(text_record);
+    constexpr std::size_t max_bytes_around_text = sizeof(text_record) + alignof(text_record);
     reserve_room(texts_, count);
-    reserve_bytes(count * most_around_a_text + length);
+    reserve_bytes(count * max_bytes_around_text + length);
 }
 
 std::int32_t text_pool::add_text(const text_record& record, std::string_view text) noexcept {
@@ -123,7 +123,7 @@ std::int32_t text_pool::text_around(const char* pointer) const {
     if (behind == texts_.begin()) return none;
     const std::int32_t start = *(behind - 1);
     const auto distance = static_cast<std::size_t>(offset - start);
-    if (distance > farthest_behind_start) return none;
+    if (distance > max_distance_from_start) return none;
     return std::memchr(at(start), '\0', distance) == nullptr ? start : none;
 }
 

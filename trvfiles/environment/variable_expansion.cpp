@@ -1,8 +1,8 @@
-#include <trvfiles/environment/text_list.h>
+#include <trvfiles/environment/path_text.h>
+#include <trvfiles/environment/runtime_observer.h>
 #include <trvfiles/environment/variable_expansion.h>
-#include <trvfiles/environment/variable_lookup.h>
 #include <trvfiles/environment/variables.h>
-#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/environment/variables_internal.h>
 
 #include <array>
 #include <memory>
@@ -15,8 +15,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-constexpr std::size_t longest_result = std::size_t{16} << 20;
-constexpr std::size_t most_replacements = 1'000'000;
+constexpr std::size_t max_length = std::size_t{16} << 20;
+constexpr std::size_t max_replacements = 1'000'000;
 
 constexpr char variable_marker = '$';
 constexpr char path_marker = '?';
@@ -102,16 +102,16 @@ std::string origin_of(char marker, const char* name, const char* value) {
     return origin;
 }
 
-// `found` is the value where it stands, which tells its origin.
-void trace_lookup(char marker, const std::string& name, const char* found,
-                  const std::string& value) {
-    std::string line = name + " = ";
-    if (found != nullptr) {
-        line += "'" + value + "' " + origin_of(marker, name.c_str(), found);
+// @param found  the value as the lookup returned it: its address identifies its origin
+// @param value  a copy of it
+void report_lookup(char marker, const std::string& name, const char* found,
+                   const std::string& value) {
+    if (found == nullptr) {
+        current_observer().looked_up({marker, name, nullptr, {}});
     } else {
-        line += marker == variable_marker ? "<undefined variable>" : "<undefined path>";
+        current_observer().looked_up(
+            {marker, name, &value, origin_of(marker, name.c_str(), found)});
     }
-    report_trace(line.c_str());
 }
 
 // One expansion. Values inside values are kept on a stack of its own, so that their depth is
@@ -136,7 +136,6 @@ private:
     bool is_open(char marker) const {
         return nesting_ != nullptr && nesting_->references.count(marker + name_) != 0;
     }
-    bool is_traced();
     void open(std::string reference, std::string value, std::size_t next);
     void close();
 
@@ -153,9 +152,7 @@ private:
     std::string name_;
     std::unique_ptr<nesting> nesting_;
     bool is_closed_ = false;
-    // True at first, so that the first lookup asks.
-    bool is_traced_ = true;
-    std::uint32_t hook_calls_when_asked_ = 0;
+    observation observed_;
     std::size_t replacements_ = 0;
     growing_result result_;
 };
@@ -166,7 +163,7 @@ int expander::run() {
         const int code = step();
         if (is_expand_error(code)) return code;
         if (code == EXP_UNDEFINED) complete = code;
-        if (result_.size() > longest_result) return EXP_NAME_TOO_LONG;
+        if (result_.size() > max_length) return EXP_NAME_TOO_LONG;
     }
     return complete;
 }
@@ -208,16 +205,16 @@ int expander::step() {
 }
 
 int expander::replace(char marker) {
-    if (++replacements_ > most_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
+    if (++replacements_ > max_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
 
     const char* found =
         marker == variable_marker ? find_variable(name_) : get_path_variable(name_.c_str());
     const char* value = found;
     std::string kept;
-    if (is_traced()) {
-        // What was found is good until the next lookup only, be it one of a trace handler.
+    if (observed_.is_on(hook_calls())) {
+        // What was found is valid until the next lookup only, and the observer may look up.
         if (found != nullptr) value = (kept = found).c_str();
-        trace_lookup(marker, name_, found, kept);
+        report_lookup(marker, name_, found, kept);
     }
     if (found == nullptr) {
         result_.add(null_value(name_.c_str()));
@@ -226,19 +223,7 @@ int expander::replace(char marker) {
     const char* const rest = result_.add_to_marker(value);
     if (*rest == '\0') return EXP_OK;
     open(marker + name_, value, static_cast<std::size_t>(rest - value));
-    return nesting_->open_length > longest_result ? EXP_NAME_TOO_LONG : EXP_OK;
-}
-
-// trace_is_seen() after a lookup. Asking takes a walk along the process environment, an eighth of
-// an expansion, so an answer is kept until something has run that may change it: a hook of the
-// lookup, or a handler that got a line.
-bool expander::is_traced() {
-    const std::uint32_t calls = hook_calls();
-    if (is_traced_ || calls != hook_calls_when_asked_) {
-        is_traced_ = trace_is_seen();
-        hook_calls_when_asked_ = calls;
-    }
-    return is_traced_;
+    return nesting_->open_length > max_length ? EXP_NAME_TOO_LONG : EXP_OK;
 }
 
 // What is open goes into the result but for its references: it is bounded like the result, so that
@@ -309,7 +294,7 @@ int expand_path(const std::vector<std::string>& sources, std::string* output) {
 
 std::string normalize_separators(const std::string& path) {
     const auto separator_at = [&path](std::size_t i) {
-        return i < path.size() && (path[i] == '/' || path[i] == '\\');
+        return i < path.size() && is_path_separator(path[i]);
     };
     std::string normal;
     normal.reserve(path.size());

@@ -1,7 +1,8 @@
+#include <trvfiles/environment/guards.h>
 #include <trvfiles/environment/message_store_data.h>
-#include <trvfiles/environment/process_stores.h>
-#include <trvfiles/environment/variable_lookup.h>
+#include <trvfiles/environment/runtime.h>
 #include <trvfiles/environment/variables.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/support/ascii_case.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/platform.h>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace trv {
 
@@ -21,6 +23,9 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 std::atomic<std::uint32_t> hook_call_count{0};
+
+zone_hook_function zone_hook = nullptr;
+bool zone_hook_is_running = false;
 
 constexpr std::string_view temporary_directory_name = "TMP";
 constexpr std::string_view zone_name = "TRVZONE";
@@ -33,6 +38,13 @@ constexpr std::string_view unset_when_empty[] = {"TRVHOME", "TRVHOME_LS", "TRVTM
 
 void count_hook_call() {
     hook_call_count.fetch_add(1, std::memory_order_relaxed);
+}
+
+void run_zone_hook() {
+    if (zone_hook == nullptr || zone_hook_is_running) return;
+    count_hook_call();
+    const running_guard guard(zone_hook_is_running);
+    zone_hook();
 }
 
 bool says_nothing(std::string_view name, const char* value) {
@@ -88,8 +100,7 @@ const char* find_variable(std::string_view name) {
         return runtime_hooks.temporary_directory();
     }
     if (name == zone_name) {
-        count_hook_call();
-        runtime_hooks.prepare_zone();
+        run_zone_hook();
         // The hook's lookups may have overwritten the caller's text.
         name = zone_name;
     }
@@ -102,6 +113,10 @@ const char* find_variable(std::string_view name) {
 
 std::uint32_t hook_calls() {
     return hook_call_count.load(std::memory_order_relaxed);
+}
+
+zone_hook_function exchange_zone_hook(zone_hook_function hook) {
+    return std::exchange(zone_hook, hook);
 }
 
 const char* get_variable(const char* name) {

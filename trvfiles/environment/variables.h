@@ -95,16 +95,4 @@ TRV_EXPORT const char* get_catalogue_message(const char* section, int number);
 /// get_application_parameter().
 TRV_EXPORT const char* get_catalogue_parameter(const char* section, const char* name);
 
-/// What a lookup may need first and what only the floors above it can do. The library defines the
-/// one table, runtime_hooks, beside the code that ties the floors together.
-struct lookup_hooks {
-    /// Fills environment_store(); does nothing while it runs already.
-    void (*load_environment)();
-    /// The temporary directory of the work zone, or none.
-    const char* (*temporary_directory)();
-    /// Lets the host set its zone before "TRVZONE" is looked up.
-    void (*prepare_zone)();
-};
-extern const lookup_hooks runtime_hooks;
-
 }  // namespace trv

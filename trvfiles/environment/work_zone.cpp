@@ -1,5 +1,7 @@
 #include <trvfiles/environment/guards.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/environment/variables_internal.h>
 #include <trvfiles/environment/work_zone.h>
 #include <trvfiles/environment/zone_number.h>
 #include <trvfiles/support/diagnostics.h>
@@ -16,8 +18,8 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr char directory_variable[] = "TRVTMPDIR";
-constexpr std::size_t path_size = 512;
-constexpr std::size_t directory_size = 524;
+// A path, and the "/" and the number of a zone after it.
+constexpr std::size_t directory_size = path_buffer_size + 12;
 
 // The work zone of this process.
 struct work_zone {
@@ -33,14 +35,14 @@ int expand_fully(const char* text, char* path, std::size_t size) {
 
 bool counter_path(char* path) {
     constexpr char configured[] = "$TRVCONF/workzone.num";
-    const int code = expand_fully(configured, path, path_size);
+    const int code = expand_fully(configured, path, path_buffer_size);
     if (code == EXP_OK) return true;
     if (trace_is_seen()) {
         const std::string text =
             std::string(configured) + " expansion error : " + std::to_string(code);
         report_trace(text.c_str());
     }
-    if (expand_fully("$TRVHOME/client/trvconf/workzone.num", path, path_size) == EXP_OK)
+    if (expand_fully("$TRVHOME/client/trvconf/workzone.num", path, path_buffer_size) == EXP_OK)
         return true;
     report_fatal("TRVHOME is not defined\n");
     return false;
@@ -49,14 +51,14 @@ bool counter_path(char* path) {
 // The counter moves on before the zone has its number: a failure loses a number, but no two zones
 // get the same one.
 std::optional<std::string> new_zone_number(const char* zone_file) {
-    char counter[path_size];
+    char counter[path_buffer_size];
     if (!counter_path(counter)) return std::nullopt;
     const std::optional<std::string> number = draw_zone_number(counter);
     return number ? create_zone_number(zone_file, *number) : std::nullopt;
 }
 
 std::optional<std::string> zone_number() {
-    char zone_file[path_size];
+    char zone_file[path_buffer_size];
     if (expand_fully("$TRVZONE/workzone.num", zone_file, sizeof zone_file) != EXP_OK) {
         report_fatal("TRVZONE is not defined\n");
         return std::nullopt;
@@ -98,6 +100,10 @@ const char* get_temporary_directory() {
 
 void set_temporary_directory(const char* directory) {
     platform::set_environment(directory_variable, directory);
+}
+
+zone_hook set_zone_hook(zone_hook hook) {
+    return exchange_zone_hook(hook);
 }
 
 }  // namespace trv

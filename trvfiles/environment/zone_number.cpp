@@ -50,7 +50,7 @@ int digit_value(char digit) {
 
 // Reads as "%x" does: white space, a sign, "0x", digits.
 std::uint32_t hexadecimal_number(std::string_view text) {
-    constexpr std::uint64_t largest = 0xffffffff;
+    constexpr std::uint64_t max = 0xffffffff;
     skip_white_space(text);
     const bool negative = !text.empty() && text.front() == '-';
     if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
@@ -60,7 +60,7 @@ std::uint32_t hexadecimal_number(std::string_view text) {
         const int value = digit_value(digit);
         if (value < 0) break;
         number = number * 16 + static_cast<std::uint64_t>(value);
-        if (number > largest) return largest;
+        if (number > max) return max;
     }
     return static_cast<std::uint32_t>(negative ? 0 - number : number);
 }

@@ -142,13 +142,10 @@ EFileIOStatus CQvFilesIO::sWriteTrvAssembly(const std::wstring& path,
 
 EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2,
                                    int& tag3) {
-    char buffer[4096];
-    const file_handle file =
-        trv::openForRead(resolvedFile(directory_, trv::pathFromWide(fileName)), file_mode::text);
-    if (file == nullptr) return eFileIOOpenError;
-    static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
-    const trv::AxisContent content = trv::readAxisContent(file.get());
-    if (content.faultyLine != 0) return eFileIOContentError;
+    trv::AxisContent content;
+    const EFileIOStatus status =
+        trv::readAxisFile(resolvedFile(directory_, trv::pathFromWide(fileName)), content);
+    if (status != eFileIOSuccess) return status;
 
     if (matrix != nullptr) std::copy(content.matrix.begin(), content.matrix.end(), matrix);
     int* const tags[] = {&tag1, &tag2, &tag3};
@@ -163,12 +160,10 @@ EFileIOStatus CQvFilesIO::writeAxis(std::wstring fileName, const double* matrix,
     if (matrix != nullptr) std::copy_n(matrix, written.size(), written.begin());
     const std::string text = trv::axisFileText(written, tag1, tag2, tag3);
 
-    const file_handle file =
-        trv::openForWrite(resolvedFile(directory_, trv::pathFromWide(fileName)), file_mode::text);
-    if (file == nullptr) return eFileIOOpenError;
-    // What the disk does not take is not reported: hosts rely on the open alone.
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), file.get()));
-    return eFileIOSuccess;
+    const EFileIOStatus status =
+        trv::writeAxisFile(resolvedFile(directory_, trv::pathFromWide(fileName)), text);
+    // Hosts rely on the open alone: a full disk is not reported.
+    return status == eFileIOShortWrite ? eFileIOSuccess : status;
 }
 
 std::string CQvFilesIO::absoluteFileName(const std::string& name) const {

@@ -1,106 +1,114 @@
+#include <trvfiles/environment/file_replacement.h>
+#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
-#include <trvfiles/support/diagnostics.h>
+#include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/number_text.h>
+#include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <utility>
 
+using trv::ContextField;
+
 namespace {
 
+using Kind = CFileFault::Note::Kind;
+
 constexpr int formatVersion = 2;
-
 constexpr char headerSection[] = "header";
-constexpr char machineSection[] = "machine";
-constexpr char postprocessorSection[] = "postpro";
-constexpr char partSection[] = "part";
-constexpr char clampingSection[] = "clamping_system";
 
-constexpr char versionKey[] = "version";
-constexpr char commentKey[] = "comment";
-constexpr char nameKey[] = "name";
-constexpr char positionKey[] = "position";
-constexpr char proximityKey[] = "proximity";
-constexpr char originKey[] = "origin_program";
-constexpr char referenceAxisKey[] = "reference_axis";
-constexpr char surfaceGroupKey[] = "surface_group";
+std::string quotedValue(const std::string& value) {
+    return trv::quoted_beginning(trv::fromNarrow(value).toStdString());
+}
 
-// Takes the sections of a parsed file into a record, in the order of the format.
+// Takes the sections of a parsed file into a record, in the order of the format. The notes are
+// composed only if the caller wants them.
 class Reader {
 public:
-    Reader(const CSectionedFile& file, CMachineContextData& data, trv::MissingKey* missing)
-        : file_(file), data_(data), missing_(missing) {}
+    Reader(const CSectionedFile& file, CMachineContextData& data, CFileFault* fault)
+        : file_(file), data_(data), fault_(fault) {}
 
     EFileIOStatus read() {
-        open(headerSection);
-        take(commentKey, &CMachineContextData::setComment);
-        take(nameKey, &CMachineContextData::setName);
-        if (open(machineSection)) {
-            if (!take(nameKey, &CMachineContextData::setMachineName)) return miss(nameKey);
-            if (!take(positionKey, &CMachineContextData::setMachinePosition))
-                return miss(positionKey);
-            takeProximity(&CMachineContextData::setMachineProximity);
+        std::string_view opened;
+        for (const ContextField& field : trv::contextFields()) {
+            if (field.section != opened) open(field.section);
+            opened = field.section;
+            if (section_->lineCount() == 0) continue;
+            if (file_.sectionValue(*section_, field.key, true, value_, &line_)) {
+                take(field);
+            } else if (field.isRequired) {
+                return miss(field);
+            }
         }
-        if (open(postprocessorSection)) {
-            if (!find(originKey)) return miss(originKey);
-            setOrigin();
-            take(referenceAxisKey, &CMachineContextData::setReferenceAxisForOriginProgram);
-        }
-        open(partSection);
-        take(surfaceGroupKey, &CMachineContextData::setSurfaceGroup);
-        open(clampingSection);
-        take(nameKey, &CMachineContextData::setClampingSystem);
-        takeProximity(&CMachineContextData::setClampingProximity);
         return eFileIOSuccess;
     }
 
 private:
-    bool open(const char* name) {
-        name_ = name;
+    void open(const char* name) {
         section_ = &file_.section(name, true);
-        return section_->lineCount() != 0;
+        if (fault_ == nullptr || section_->lineCount() != 0 || !trv::isAlwaysWritten(name)) return;
+        const bool hasHeader = section_->headerLine() >= 0;
+        fault_->notes.push_back(
+            {Kind::missingSection, section_->headerLine() + 1, 0, name,
+             std::string("section [") + name + (hasHeader ? "] has no lines" : "] is missing")});
     }
 
-    bool find(const char* key) { return file_.sectionValue(*section_, key, true, value_); }
-
-    bool take(const char* key, void (CMachineContextData::*set)(const std::string&)) {
-        if (!find(key)) return false;
-        (data_.*set)(value_);
-        return true;
-    }
-
-    void takeProximity(void (CMachineContextData::*set)(double)) {
-        if (!find(proximityKey)) return;
-        double proximity = 0;
-        std::string_view text(value_);
-        trv::scan_number(text, proximity);
-        (data_.*set)(proximity);
-    }
-
-    void setOrigin() {
-        double origin[3];
-        std::string_view text(value_);
-        for (double& coordinate : origin) {
-            if (!trv::scan_number(text, coordinate)) return;
+    void take(const ContextField& field) {
+        const trv::NumberReading reading = trv::setFromFile(field, value_, data_);
+        if (fault_ == nullptr) return;
+        if (reading != trv::NumberReading::whole) noteNumber(field, reading);
+        if (field.isText() && (data_.*field.text)() != value_) {
+            addNote(Kind::notText, field,
+                    " has bytes that are not text: ", "; they are replaced or dropped");
         }
-        data_.setOriginProgram(origin[0], origin[1], origin[2]);
     }
 
-    EFileIOStatus miss(const char* key) {
-        if (missing_ != nullptr) *missing_ = {name_, key, section_->headerLine() + 1};
+    void noteNumber(const ContextField& field, trv::NumberReading reading) {
+        const bool isNone = reading == trv::NumberReading::none;
+        if (field.isProximity()) {
+            addNote(Kind::notANumber, field, " is not a number: ",
+                    isNone ? "; it is read as 0" : "; the number at its beginning is read");
+        } else {
+            addNote(Kind::notANumber, field, " is not three numbers: ",
+                    isNone ? "; it is ignored" : "; the three at its beginning are read");
+        }
+    }
+
+    void addNote(Kind kind, const ContextField& field, const char* what, const char* consequence) {
+        const std::string name = field.name();
+        fault_->notes.push_back({kind, section_->headerLine() + 1 + line_ + 1, 0, name,
+                                 name + what + quotedValue(value_) + consequence});
+    }
+
+    EFileIOStatus miss(const ContextField& field) {
+        if (fault_ != nullptr) {
+            trv::set_fault(
+                fault_, std::string("section [") + field.section + "] has no \"" + field.key + '"',
+                section_->headerLine() + 1);
+        }
         return eFileIOContentError;
     }
 
     const CSectionedFile& file_;
     CMachineContextData& data_;
-    trv::MissingKey* missing_;
-    const char* name_ = nullptr;
+    CFileFault* const fault_;
     const CSectionedFile::Section* section_ = nullptr;
     std::string value_;
+    // Of the value in its section, counted from 0.
+    int line_ = 0;
 };
+
+// Which status a section that storage has no room for gives is part of the interface.
+EFileIOStatus withoutStorage(std::string_view section) {
+    return section == "part" || section == "clamping_system" ? eFileIOContentError
+                                                             : eFileIOStructureError;
+}
 
 }  // namespace
 
@@ -108,95 +116,84 @@ CMachineContextIO::CMachineContextIO(QString path) : path_(std::move(path)) {}
 
 CMachineContextIO::~CMachineContextIO() = default;
 
-EFileIOStatus CMachineContextIO::read(CMachineContextData& data, trv::MissingKey* missing) {
+EFileIOStatus CMachineContextIO::read(CMachineContextData& data, CFileFault* fault) {
     CSectionedFile sections;
-    if (sections.parseFile(path_) != 0) return eFileIOOpenError;
-    return Reader(sections, data, missing).read();
+    if (sections.parseFile(path_, fault) != 0) return eFileIOOpenError;
+    return Reader(sections, data, fault).read();
+}
+
+EFileIOStatus CMachineContextIO::write(const CMachineContextData& data, trv::file_replacement* held,
+                                       CFileFault* fault) {
+    trv::clear_fault(fault);
+    setVersion(formatVersion);
+    const EFileIOStatus status = writeFields(data, fault);
+    return status == eFileIOSuccess ? saveFile(held, fault) : status;
+}
+
+// The status is that of the last section that fails.
+EFileIOStatus CMachineContextIO::writeFields(const CMachineContextData& data, CFileFault* fault) {
+    const auto& fields = trv::contextFields();
+    const ContextField* const end = fields.data() + fields.size();
+    EFileIOStatus status = eFileIOSuccess;
+    for (const ContextField* first = fields.data(); first != end;) {
+        const std::string_view section = first->section;
+        const ContextField* const last = std::find_if(
+            first, end, [&](const ContextField& field) { return field.section != section; });
+        if (!writeSection(first, last, data)) status = withoutStorage(section);
+        first = last;
+    }
+    if (status != eFileIOSuccess) trv::set_fault(fault, "no storage is left for the record");
+    return status;
 }
 
 // A section that lacks one of its keys must not replace the good one of an existing file, so a key
 // that cannot be set counts like a section that cannot be added.
-EFileIOStatus CMachineContextIO::write(const CMachineContextData& data,
-                                       trv::file_replacement* held) {
-    setVersion(formatVersion);
-    EFileIOStatus status = writeHeader(data) ? eFileIOSuccess : eFileIOStructureError;
-    if (!writeMachine(data)) status = eFileIOStructureError;
-    if (!writePostprocessor(data)) status = eFileIOStructureError;
-    if (!writePart(data)) status = eFileIOContentError;
-    if (!writeClampingSystem(data)) status = eFileIOContentError;
-    return status == eFileIOSuccess ? saveFile(held) : status;
-}
-
-bool CMachineContextIO::writeHeader(const CMachineContextData& data) {
-    int section = findSection(headerSection);
-    if (section < 0) section = addSection(headerSection);
-    std::string version;
-    trv::append_decimal(version, getVersion());
-    return setText(section, versionKey, std::move(version)) &&
-           setText(section, commentKey, data.getComment()) &&
-           setText(section, nameKey, data.getName());
-}
-
-bool CMachineContextIO::writeMachine(const CMachineContextData& data) {
-    const int section = addSection(machineSection);
-    return setText(section, nameKey, data.getMachineName()) &&
-           setText(section, positionKey, data.getMachinePosition()) &&
-           setProximity(section, data.getMachineProximity());
-}
-
-bool CMachineContextIO::writePostprocessor(const CMachineContextData& data) {
-    double x = 0;
-    double y = 0;
-    double z = 0;
-    data.getOriginProgram(x, y, z);
-    std::string origin;
-    trv::append_fixed(origin, x);
-    origin += ' ';
-    trv::append_fixed(origin, y);
-    origin += ' ';
-    trv::append_fixed(origin, z);
-
-    const int section = addSection(postprocessorSection);
-    return setText(section, originKey, std::move(origin)) &&
-           setText(section, referenceAxisKey, data.getReferenceAxisForOriginProgram());
-}
-
-bool CMachineContextIO::writePart(const CMachineContextData& data) {
-    std::string surfaceGroup = data.getSurfaceGroup();
-    if (surfaceGroup.empty()) return true;
-    return setText(addSection(partSection), surfaceGroupKey, std::move(surfaceGroup));
-}
-
-bool CMachineContextIO::writeClampingSystem(const CMachineContextData& data) {
-    const int section = addSection(clampingSection);
-    std::string name = data.getClampingSystem();
-    if (!name.empty() && !setText(section, nameKey, std::move(name))) return false;
-    return setProximity(section, data.getClampingProximity());
+bool CMachineContextIO::writeSection(const ContextField* first, const ContextField* last,
+                                     const CMachineContextData& data) {
+    int section = -1;
+    if (first->section == std::string_view(headerSection)) {
+        // The store may have a header already.
+        section = findSection(headerSection);
+        if (section < 0) section = addSection(headerSection);
+        std::string version;
+        trv::append_decimal(version, getVersion());
+        if (!writeText(section, "version", std::move(version))) return false;
+    }
+    for (const ContextField* field = first; field != last; ++field) {
+        std::string value = trv::storedText(*field, data);
+        if (value.empty() && !field->isWrittenEmpty) continue;
+        if (section < 0) section = addSection(field->section);
+        if (!writeText(section, field->key, std::move(value))) return false;
+    }
+    return true;
 }
 
 // A line end would begin a line of its own, and that could set any key or open any section.
-bool CMachineContextIO::setText(int section, const char* key, std::string value) {
+bool CMachineContextIO::writeText(int section, const char* key, std::string value) {
     std::replace_if(
         value.begin(), value.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     return section >= 0 && setValue(static_cast<std::int16_t>(section), key, value.c_str()) == 0;
 }
 
-// Single precision is what the files have always carried.
-bool CMachineContextIO::setProximity(int section, double value) {
-    return section >= 0 && setFloatValue(static_cast<std::int16_t>(section), proximityKey,
-                                         static_cast<float>(value)) == 0;
-}
-
-EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held) {
-    if (!trv::isOpenable(path_)) return eFileIOOpenError;
-    std::string path;
-    if (!trv::runtimePath(path_, path)) {
-        // Saving goes by narrow names, and the nearest one would be another file's.
-        trv::report_fatal(
-            ("Store messages : error opening file '" + trv::toNarrow(path_) + ".messages.tmp'")
-                .c_str());
+EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held, CFileFault* fault) {
+    if (!trv::isOpenable(path_)) {
+        trv::set_fault(fault, "not a valid file name");
         return eFileIOOpenError;
     }
-    const int result = held == nullptr ? save(path.c_str()) : save(path.c_str(), *held);
-    return result < 0 ? eFileIOOpenError : eFileIOSuccess;
+    std::string path;
+    if (!trv::runtimePath(path_, path)) {
+        // Saving uses narrow names, and the nearest one would be another file's.
+        trv::report_not_opened(trv::own_temporary_name(trv::toNarrow(path_)));
+        trv::set_fault(fault, "the local code page lacks a character of the file name");
+        return eFileIOOpenError;
+    }
+    std::optional<trv::file_replacement> own;
+    if (held == nullptr) held = &own.emplace(path);
+    const bool isOpen = held->is_open();
+    const int result = save(path.c_str(), *held);
+    if (result >= 0) return eFileIOSuccess;
+    // A name that storage has no room for gives -1 as well, which is EPERM. It is reported through
+    // the error channel.
+    trv::set_system_fault(fault, isOpen ? -result : held->open_failure());
+    return eFileIOOpenError;
 }

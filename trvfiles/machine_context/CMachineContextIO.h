@@ -11,20 +11,13 @@
 #include <string>
 
 class CMachineContextData;
+struct CFileFault;
 
 namespace trv {
+struct ContextField;
+}
 
-/// What a section of a machine context file is read without, though it has to be there.
-struct MissingKey {
-    std::string section;
-    std::string key;
-    /// The line of the section's header, counted from 1.
-    int headerLine = 0;
-};
-
-}  // namespace trv
-
-/// Reads or writes one machine context file, made for one call.
+/// Reads or writes one machine context file; constructed for one call.
 ///
 /// Reading takes the file as CSectionedFile parses it; writing fills the store of TrvIniFile and
 /// saves it. Neither expands a value or loads the environment.
@@ -32,30 +25,30 @@ struct MissingKey {
 /// Threads: writing as the whole runtime, one at a time; readers on several threads at once.
 class CMachineContextIO : public TrvIniFile {
 public:
-    /// @param path  the path of the file, opened as it stands
+    /// @param path  the path of the file, used as it is
     explicit CMachineContextIO(QString path);
     ~CMachineContextIO() override;
 
     /// Reads the file into a record; the statuses are those of CQvFilesIO::readMachineContext().
     ///
-    /// @param missing  where asked for, takes what eFileIOContentError is about
-    EFileIOStatus read(CMachineContextData& data, trv::MissingKey* missing = nullptr);
+    /// @param fault  takes the reason of a failure, and notes; for a key that is missing the line
+    ///               of its section's header
+    EFileIOStatus read(CMachineContextData& data, CFileFault* fault = nullptr);
 
     /// Writes a record to the file; the statuses are those of CQvFilesIO::writeMachineContext().
     ///
-    /// @param held  a replacement of this file, if the caller has read or checked something since
-    ///              it holds it; nullptr to hold the file for the save alone
-    EFileIOStatus write(const CMachineContextData& data, trv::file_replacement* held = nullptr);
+    /// @param held   a replacement of this file, if the caller has read or checked something since
+    ///               it holds it; nullptr to hold the file for the save alone
+    /// @param fault  takes the reason of a failure
+    EFileIOStatus write(const CMachineContextData& data, trv::file_replacement* held = nullptr,
+                        CFileFault* fault = nullptr);
 
 private:
-    bool setText(int section, const char* key, std::string value);
-    bool setProximity(int section, double value);
-    bool writeHeader(const CMachineContextData& data);
-    bool writeMachine(const CMachineContextData& data);
-    bool writePostprocessor(const CMachineContextData& data);
-    bool writePart(const CMachineContextData& data);
-    bool writeClampingSystem(const CMachineContextData& data);
-    EFileIOStatus saveFile(trv::file_replacement* held);
+    EFileIOStatus writeFields(const CMachineContextData& data, CFileFault* fault);
+    bool writeSection(const trv::ContextField* first, const trv::ContextField* last,
+                      const CMachineContextData& data);
+    bool writeText(int section, const char* key, std::string value);
+    EFileIOStatus saveFile(trv::file_replacement* held, CFileFault* fault);
 
     QString path_;
 };

@@ -1,10 +1,12 @@
 #include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/ascii_case.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <istream>
 #include <ostream>
@@ -14,7 +16,7 @@ namespace settings = trv::settings;
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t{256} << 20;
+constexpr std::size_t maxBytes = std::size_t{256} << 20;
 constexpr std::string_view utf8Signature = "\xEF\xBB\xBF";
 
 // Finds a name among elements that are sorted by it; the first that matches where case is ignored.
@@ -32,45 +34,59 @@ Iterator find(Iterator first, Iterator last, std::string_view name, bool caseSen
     return found != last && nameOf(*found) == name ? found : last;
 }
 
+int failTooLong(CFileFault* fault) {
+    trv::set_fault(fault, "the file is longer than 256 MiB");
+    return -1;
+}
+
 }  // namespace
 
-int CSectionedFile::parse(std::istream& stream) {
+int CSectionedFile::parse(std::istream& stream, CFileFault* fault) {
     clear();
-    if (!stream.good()) return -1;
+    trv::clear_fault(fault);
+    if (!stream.good()) {
+        trv::set_fault(fault, "the stream cannot be read");
+        return -1;
+    }
     std::string text;
     for (char c; stream.get(c);) {
         text += c;
-        if (text.size() > mostBytes) return -1;
+        if (text.size() > maxBytes) return failTooLong(fault);
     }
     const bool endsInMidLine = stream.bad();
     if (endsInMidLine) text.resize(text.rfind('\n') + 1);
     return parseText(std::move(text));
 }
 
-int CSectionedFile::parse(std::FILE* file) {
+int CSectionedFile::parse(std::FILE* file, CFileFault* fault) {
     clear();
+    trv::clear_fault(fault);
     std::string text;
     char block[16384];
     std::size_t length = 0;
     while ((length = std::fread(block, 1, sizeof block, file)) != 0) {
-        if (length > mostBytes - text.size()) return -1;
+        if (length > maxBytes - text.size()) return failTooLong(fault);
         text.append(block, length);
     }
-    if (std::ferror(file) != 0) return -1;
+    if (std::ferror(file) != 0) {
+        trv::set_system_fault(fault, errno);
+        return -1;
+    }
     return parseText(std::move(text));
 }
 
-int CSectionedFile::parseFile(const std::wstring& fileName) {
-    return parseFile(trv::pathFromWide(fileName).openable());
+int CSectionedFile::parseFile(const std::wstring& fileName, CFileFault* fault) {
+    return parseFile(trv::pathFromWide(fileName).openable(), fault);
 }
 
-int CSectionedFile::parseFile(const QString& fileName) {
+int CSectionedFile::parseFile(const QString& fileName, CFileFault* fault) {
     clear();
+    trv::clear_fault(fault);
     char buffer[4096];
-    const auto file = trv::openForRead(fileName, trv::platform::file_mode::text);
+    const auto file = trv::openForRead(fileName, trv::platform::file_mode::text, fault);
     if (file == nullptr) return -1;
     static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
-    return parse(file.get());
+    return parse(file.get(), fault);
 }
 
 void CSectionedFile::clear() {

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+struct CFileFault;
+
 /// A text of sections with "key = value" lines, parsed at once and kept whole.
 ///
 /// - A line that begins with "[" and holds a "]" opens the section between the two. A section that
@@ -56,23 +58,26 @@ public:
     };
 
     /// Parses a stream to its end, or up to the line in which it goes bad. What the object held is
-    /// dropped, here and in the calls below, also where they fail.
+    /// dropped, by the calls below as well, and also if they fail.
     ///
-    /// @return 0; -1 when the stream is not good at the start, and beyond 256 MiB: no settings file
-    ///         is as long, a device may go on for ever
-    int parse(std::istream& stream);
+    /// @param fault  takes the reason of a failure
+    /// @return 0; -1 if the stream is not good at the start, and for more than 256 MiB: no settings
+    ///         file is that long, but a device may have no end
+    int parse(std::istream& stream, CFileFault* fault = nullptr);
 
-    /// Parses a file from where it stands.
+    /// Parses a file from its current position.
     ///
-    /// @param file  stays the caller's
-    /// @return 0; -1 when a read fails, and beyond 256 MiB
-    int parse(std::FILE* file);
+    /// @param file   stays open
+    /// @param fault  takes the reason of a failure
+    /// @return 0; -1 if a read fails, and for more than 256 MiB
+    int parse(std::FILE* file, CFileFault* fault = nullptr);
 
     /// Opens a file and parses it.
     ///
-    /// @return 0; -1 when it cannot be opened, is a directory, or cannot be parsed
-    int parseFile(const std::wstring& fileName);
-    int parseFile(const QString& fileName);
+    /// @param fault  takes the reason of a failure
+    /// @return 0; -1 if it cannot be opened, is a directory, or cannot be parsed
+    int parseFile(const std::wstring& fileName, CFileFault* fault = nullptr);
+    int parseFile(const QString& fileName, CFileFault* fault = nullptr);
 
     /// The section of a name; an empty one where there is none. Valid until the next parse.
     const Section& section(const std::string& name, bool caseSensitive) const;

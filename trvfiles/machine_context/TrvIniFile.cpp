@@ -1,3 +1,4 @@
+#include <trvfiles/environment/guards.h>
 #include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_store.h>
@@ -18,19 +19,6 @@ constexpr char headerSection[] = "header";
 const char* textOf(const char* text) {
     return text == nullptr ? "" : text;
 }
-
-// What is set through this class is written when it is saved, whatever the runtime has just
-// switched to for texts of its own.
-class PersistentRecords {
-public:
-    PersistentRecords() : earlier_(trv::set_record_flag(true)) {}
-    ~PersistentRecords() { trv::set_record_flag(earlier_); }
-    PersistentRecords(const PersistentRecords&) = delete;
-    PersistentRecords& operator=(const PersistentRecords&) = delete;
-
-private:
-    bool earlier_;
-};
 
 }  // namespace
 
@@ -77,25 +65,30 @@ int TrvIniFile::findSection(const char* name) const {
 }
 
 int TrvIniFile::addSection(const char* name) {
-    constexpr std::uint16_t noSection = 65535;
     if (document_ == nullptr) document_ = trv::create_store();
     const std::uint16_t section = trv::add_section(document_, name);
-    return section == noSection ? -1 : section;
+    return section == trv::no_section ? -1 : section;
 }
 
 int TrvIniFile::setValue(std::int16_t section, const char* key, const char* value) {
     const std::string line = std::string(textOf(key)) + '=' + textOf(value);
     constexpr std::int32_t setByProgram = -1;
-    const PersistentRecords persistent;
+    // It is written when the store is saved, whatever the runtime has switched to for its own
+    // texts.
+    const trv::record_guard persistent(true);
     return trv::set_parameter(document_, section, line.c_str(), setByProgram, 0);
 }
 
 int TrvIniFile::setFloatValue(std::int16_t section, const char* key, float value) {
-    constexpr std::size_t mostCharacters = 19;
+    return setValue(section, key, floatText(value).c_str());
+}
+
+std::string TrvIniFile::floatText(float value) {
+    constexpr std::size_t maxLength = 19;
     std::string text;
     trv::append_fixed(text, static_cast<double>(value));
-    if (text.size() > mostCharacters) text.resize(mostCharacters);
-    return setValue(section, key, text.c_str());
+    if (text.size() > maxLength) text.resize(maxLength);
+    return text;
 }
 
 int TrvIniFile::setHeaderValue(const char* key, const char* value) {

@@ -4,6 +4,7 @@
 /// Settings files over a message store.
 
 #include <cstdint>
+#include <string>
 
 namespace trv {
 class file_replacement;
@@ -67,8 +68,11 @@ public:
     /// @return 0; -1 for a bad section, for the 32768th entry and when storage runs out
     int setValue(std::int16_t section, const char* key, const char* value);
 
-    /// Sets a key to a number with six decimals, of which at most 19 characters are kept.
+    /// Sets a key to the text that floatText() gives.
     int setFloatValue(std::int16_t section, const char* key, float value);
+
+    /// A number with six decimals, of which the first 19 characters are kept.
+    static std::string floatText(float value);
 
     /// Sets a key of the section "header", which is added if there is none.
     int setHeaderValue(const char* key, const char* value);

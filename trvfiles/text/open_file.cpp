@@ -1,3 +1,4 @@
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/path_resolution.h>
 #include <trvfiles/text/text_conversion.h>
@@ -6,14 +7,13 @@
 
 #include <cerrno>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace trv {
 namespace {
 
-// Narrow names, where they can hold every path, come without the parting that a
-// std::filesystem::path does.
+// A narrow name is used if it can hold every path: it takes fewer allocations than a
+// std::filesystem::path, which also splits the name into its parts.
 template <class Open>
 auto open(const QString& path, Open openPath) -> decltype(openPath(std::string())) {
     if (!platform::narrow_text_is_utf8()) {
@@ -25,53 +25,78 @@ auto open(const QString& path, Open openPath) -> decltype(openPath(std::string()
     return {};
 }
 
-// Whether Qt takes a name as the library does: on POSIX it applies the codec and the search paths
-// that a host has set.
+// To be called while `errno` is that of the failure.
+void setOpenFault(CFileFault* fault, const QString& path) {
+    if (fault == nullptr) return;
+    const int error = errno;
+    set_system_fault(fault, error);
+    if (!isOpenable(path)) fault->reason = "not a valid file name";
+}
+
+// On Windows, and for a resource, Qt opens a file by its name. On POSIX it would apply the codec
+// and the search paths that a host has set, so the library opens the file there.
 bool isForQtToOpen(const QString& path) {
     return !platform::narrow_text_is_utf8() || isResource(nativePath(path));
 }
 
 }  // namespace
 
-platform::file_handle openForRead(const QString& path, platform::file_mode mode) {
-    return open(path, [mode](const auto& name) { return platform::open_for_read(name, mode); });
+platform::file_handle openForRead(const QString& path, platform::file_mode mode,
+                                  CFileFault* fault) {
+    platform::file_handle handle =
+        open(path, [mode](const auto& name) { return platform::open_for_read(name, mode); });
+    if (handle == nullptr) setOpenFault(fault, path);
+    return handle;
 }
 
-platform::file_handle openForWrite(const QString& path, platform::file_mode mode) {
-    return open(path, [mode](const auto& name) { return platform::open_for_write(name, mode); });
+platform::file_handle openForWrite(const QString& path, platform::file_mode mode,
+                                   CFileFault* fault) {
+    platform::file_handle handle =
+        open(path, [mode](const auto& name) { return platform::open_for_write(name, mode); });
+    if (handle == nullptr) setOpenFault(fault, path);
+    return handle;
 }
 
 bool isReadable(const QString& path) {
     return open(path, [](const auto& name) { return platform::can_open_for_read(name); });
 }
 
-bool openForRead(const QString& path, platform::file_handle& handle, QFile& file, QString& reason) {
+bool openForRead(const QString& path, platform::file_handle& handle, QFile& file,
+                 CFileFault* fault) {
     constexpr QIODevice::OpenMode mode = QIODevice::ReadOnly;
-    if (!isOpenable(path)) {
-        reason = QStringLiteral("the name names no file");
+    if (!isOpenable(path) || !isForQtToOpen(path)) {
+        handle = openForRead(path, platform::file_mode::binary, fault);
+        if (handle == nullptr) return false;
+        if (file.open(handle.get(), mode)) return true;
+        setOpenFault(fault, path);
         return false;
     }
-    if (isForQtToOpen(path)) {
-        file.setFileName(nativePath(path));
-        if (file.open(mode)) return true;
-        reason = file.errorString();
-        return false;
-    }
-    handle = openForRead(path, platform::file_mode::binary);
-    if (handle != nullptr && file.open(handle.get(), mode)) return true;
-    reason = QString::fromStdString(std::generic_category().message(errno));
+    file.setFileName(nativePath(path));
+    if (file.open(mode) || fault == nullptr) return file.isOpen();
+    // Qt reports no number, and on Windows words in the language of the user. So the system is
+    // asked again, which finds no resource.
+    const QString reason = file.errorString();
+    const bool isAnswered = !isResource(nativePath(path)) &&
+                            openForRead(path, platform::file_mode::binary, fault) == nullptr;
+    if (!isAnswered) set_fault(fault, reason.toStdString());
     return false;
 }
 
-bool openForWrite(const QString& path, platform::file_handle& handle, QFile& file) {
+bool openForWrite(const QString& path, platform::file_handle& handle, QFile& file,
+                  CFileFault* fault) {
     constexpr QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
-    if (!isOpenable(path)) return false;
-    if (!isForQtToOpen(path)) {
-        handle = openForWrite(path, platform::file_mode::binary);
-        return handle != nullptr && file.open(handle.get(), mode);
+    if (!isOpenable(path) || !isForQtToOpen(path)) {
+        handle = openForWrite(path, platform::file_mode::binary, fault);
+        if (handle == nullptr) return false;
+        if (file.open(handle.get(), mode)) return true;
+        setOpenFault(fault, path);
+        return false;
     }
     file.setFileName(nativePath(path));
-    return file.open(mode);
+    if (file.open(mode) || fault == nullptr) return file.isOpen();
+    // The system is not asked again for its number: that would truncate a file that it opens.
+    set_fault(fault, file.errorString().toStdString());
+    return false;
 }
 
 }  // namespace trv

@@ -1,0 +1,64 @@
+#pragma once
+
+/// @file
+/// Why a file was not read or written, and what reading it has altered.
+
+#include <string>
+#include <vector>
+
+/// What a call that reads or writes a file reports beyond its status.
+///
+/// A caller that wants to know passes a pointer to one. Without it nothing is collected. The call
+/// empties the structure first. `reason` is empty after a success and a text after a failure;
+/// `notes` may hold entries after both.
+///
+/// Texts are in UTF-8, in English, and human-readable: one line without a full stop, which does not
+/// name the file. What they quote from the file is in quotes, is cut off after 40 bytes, and may
+/// hold any character.
+///
+/// Threads: a plain value; const operations may run at once.
+struct CFileFault {
+    /// Something that was accepted, but is not in the record as it is in the file.
+    struct Note {
+        /// What was altered. Later versions may add values.
+        enum class Kind {
+            /// A component of an assembly is left out with all that is below it, because its
+            /// "Orientation" is not complete. `subject` is the name of the component.
+            leftOut,
+            /// Another number, or none, takes the place of what is not a number. `subject` is the
+            /// element, as in "Translation", or the section and the key, as in "machine.proximity".
+            notANumber,
+            /// The "enabled" of a component is neither "0" nor "1" and is read as "0". `subject` is
+            /// the name of the component.
+            notAFlag,
+            /// A section that each written machine context has is missing, or has no lines.
+            /// `subject` is its name.
+            missingSection,
+            /// Bytes that are not text are replaced or dropped. `subject` is the section and the
+            /// key; it is empty in an assembly, which has one note for the first of these bytes.
+            notText,
+        };
+
+        Kind kind = Kind::notText;
+        /// The line of the file, counted from 1; 0 if the note is about no line.
+        int line = 0;
+        /// The column in the line, counted from 1 in UTF-16 units; 0 if it is not known. For an
+        /// element of an assembly it is that of the ">" or "/>" which ends the start tag.
+        int column = 0;
+        std::string subject;
+        /// What was altered and what the record holds instead.
+        std::string text;
+    };
+
+    /// Why the call has failed; empty if it has not.
+    std::string reason;
+    /// The line of the file to which the reason refers, counted from 1; 0 if it is not known.
+    int line = 0;
+    /// The column in the line, counted from 1 in UTF-16 units; 0 if it is not known.
+    int column = 0;
+    /// The system's number of the failure, an `errno` value; 0 if the system has not failed.
+    int systemError = 0;
+    /// In the order in which the reader finds them. Their number is limited by the length of the
+    /// file alone.
+    std::vector<Note> notes;
+};

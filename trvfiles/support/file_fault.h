@@ -1,0 +1,35 @@
+#pragma once
+
+/// @file
+/// How readers and writers fill a CFileFault. Nothing is done for nullptr, so that a reader calls
+/// these functions without asking whether its caller wants to know.
+///
+/// Threads: any.
+
+#include <trvfiles/support/CFileFault.h>
+
+#include <string>
+#include <string_view>
+
+namespace trv {
+
+/// Empties the structure, as each call does that begins to read or write a file.
+void clear_fault(CFileFault* fault);
+
+/// Stores the reason of a failure and its place. The notes stay.
+///
+/// @param reason  a constant text where nothing has to be composed: without a `fault` it costs
+///                nothing
+void set_fault(CFileFault* fault, std::string_view reason, int line = 0, int column = 0);
+
+/// Stores a failure of the system and the system's words for it.
+///
+/// @param error  an `errno` value
+void set_system_fault(CFileFault* fault, int error);
+
+/// A text of a file as it is quoted: in quotes, and cut off after 40 bytes, between two characters.
+///
+/// @param text  in UTF-8
+std::string quoted_beginning(std::string_view text);
+
+}  // namespace trv
