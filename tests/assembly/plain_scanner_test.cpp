@@ -71,8 +71,7 @@ std::string domEventsOf(const std::string& document) {
     device.setData(QByteArray::fromStdString(document));
     device.open(QIODevice::ReadOnly);
     DomTree tree;
-    ParseFault fault;
-    if (!parseDocument(device, tree, fault)) return "?";
+    if (!parseDocument(device, tree)) return "?";
     std::string events;
     const auto enter = [&](const QDomNode& node, int) {
         if (!node.isElement()) return;

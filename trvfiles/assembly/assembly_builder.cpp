@@ -26,7 +26,8 @@ bool isDigit(char c) {
 }
 
 // Reads a number as QString::toDouble() does. std::from_chars() is 20 times as fast and takes the
-// same texts for numbers if they begin with a digit after an optional minus and end with the number.
+// same texts for numbers if they begin with a digit after an optional minus and end with the
+// number.
 bool readNumber(std::string_view text, double& value) {
     constexpr std::size_t maxFastLength = 32;
     const std::size_t sign = !text.empty() && text.front() == '-' ? 1 : 0;
@@ -97,10 +98,10 @@ AssemblyBuilder::Context AssemblyBuilder::contextOf(const ElementStart& element)
 AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element) {
     root_ = placeOf(element);
     if (element.tag() != names::root) {
-        rootFailure_ = {eFileIOStructureError,
-                        "the root element is <" + std::string(element.tag()) + ">, not <" +
-                            names::root + ">",
-                        root_};
+        rootFailure_ = {
+            eFileIOStructureError,
+            "the root element is <" + std::string(element.tag()) + ">, not <" + names::root + ">",
+            root_};
         return Context::ignored;
     }
     bool isInteger = false;
@@ -193,7 +194,7 @@ AssemblyBuilder::Context AssemblyBuilder::startInData(const ElementStart& elemen
 void AssemblyBuilder::startFile(const ElementStart& element) {
     Level& level = levels_.back();
     level.hasFile = true;
-    level.body.components = {};
+    std::vector<ComponentBody>().swap(level.body.components);
     notes_.resize(level.notesBeforeData);
     level.body.geometryFileName = element.narrow(names::name);
 }
@@ -213,7 +214,7 @@ void AssemblyBuilder::endComponent() {
     }
     level.body.components.shrink_to_fit();
     if (levels_.empty()) {
-        rootComponent_ = std::move(level.body);
+        rootComponent_.emplace(std::move(level.body));
     } else {
         levels_.back().body.components.push_back(std::move(level.body));
     }
@@ -253,8 +254,8 @@ bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
         if (!collectsNotes_) return false;
         const std::string tag(element.tag());
         addNote(Kind::notANumber, placeOf(element), tag,
-                std::string(coordinates[i]) + " of <" + tag + "> is not a number: " +
-                    quoted_beginning(text) + "; " + consequence);
+                std::string(coordinates[i]) + " of <" + tag +
+                    "> is not a number: " + quoted_beginning(text) + "; " + consequence);
         return false;
     }
     return true;
@@ -298,7 +299,7 @@ EFileIOStatus AssemblyBuilder::finish(int& version, CTrvAssemblyData& data, CFil
         set_fault(fault, failure.reason, failure.place.line, failure.place.column);
         return failure.status;
     }
-    data.getRootComponent() = ComponentBody::toComponent(std::move(rootComponent_));
+    data.getRootComponent() = ComponentBody::toComponent(std::move(*rootComponent_));
     return eFileIOSuccess;
 }
 

@@ -8,6 +8,7 @@
 #include <trvfiles/support/EFileIOStatus.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -69,7 +70,8 @@ public:
     /// ended.
     ///
     /// @param version  takes the version of the document, if its root element has the right name
-    /// @param fault    takes the reason of a failure and its place; notes are appended to those that
+    /// @param fault    takes the reason of a failure and its place; notes are appended to those
+    /// that
     ///                 it holds. May be nullptr.
     /// @return eFileIOSuccess, eFileIOContentError or eFileIOStructureError
     EFileIOStatus finish(int& version, CTrvAssemblyData& data, CFileFault* fault);
@@ -150,7 +152,7 @@ private:
     bool hasComponent_ = false;
     bool isComponentBroken_ = false;
     Place component_;
-    ComponentBody rootComponent_;
+    std::optional<ComponentBody> rootComponent_;
 };
 
 }  // namespace trv

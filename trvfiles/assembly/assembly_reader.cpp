@@ -92,8 +92,7 @@ EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssem
     return builder.finish(version, data, fault);
 }
 
-bool readPlainDocument(QIODevice& device, Accepted accepted, int& version,
-                       CTrvAssemblyData& data) {
+bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvAssemblyData& data) {
     // The shortest component with a placement and a file has more bytes.
     constexpr qint64 minComponentSize = 128;
     const auto maxComponents = static_cast<std::size_t>(device.size() / minComponentSize);
@@ -109,8 +108,8 @@ bool readPlainDocument(QIODevice& device, Accepted accepted, int& version,
                 builder.end();
                 break;
             case PlainScanner::Event::documentEnd: {
-                const bool isAccepted = accepted == Accepted::unaltered ? !builder.hasAltered()
-                                                                        : !builder.hasLeftOut();
+                const bool isAccepted =
+                    accepted == Accepted::unaltered ? !builder.hasAltered() : !builder.hasLeftOut();
                 if (!isAccepted || builder.status() != eFileIOSuccess) return false;
                 return builder.finish(version, data, nullptr) == eFileIOSuccess;
             }

@@ -35,7 +35,8 @@ enum class Accepted {
 /// Reads a plain document (see PlainScanner) without the DOM, at 20 times its speed.
 ///
 /// @param device  not sequential; read from its current position to any other one
-/// @return whether the document is plain, accepted and read with eFileIOSuccess: version and data are
+/// @return whether the document is plain, accepted and read with eFileIOSuccess: version and data
+/// are
 ///         then those that readDocument() would give. If not, both are unchanged, and the document
 ///         has to be read by parseDocument() and readDocument().
 /// @throws std::bad_alloc

@@ -149,8 +149,7 @@ private:
 
         const bool hasFile = !isEmptyText(component.geometryFileName);
         open(depth + 1, names::data);
-        appendAttribute(names::number,
-                        std::to_string(hasFile ? 1 : component.components.size()));
+        appendAttribute(names::number, std::to_string(hasFile ? 1 : component.components.size()));
         text_ += ">\n";
         if (hasFile) {
             open(depth + 2, names::file);

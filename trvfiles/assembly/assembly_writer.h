@@ -17,7 +17,8 @@ namespace trv {
 /// Whether a file with this record can be read back.
 ///
 /// @param fault  takes the reason if not
-/// @return false if a component has neither a geometry file nor children, if the document would nest
+/// @return false if a component has neither a geometry file nor children, if the document would
+/// nest
 ///         more than maxNesting elements, or if a text contains U+FFFE or U+FFFF
 bool isWritable(const CTrvAssemblyData& data, CFileFault* fault = nullptr);
 

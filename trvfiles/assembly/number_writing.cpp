@@ -34,17 +34,15 @@ void appendByQt(std::string& text, double value) {
 
 void appendGeneral(std::string& text, double value) {
     char digits[32];
-    const auto result =
-        std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::general,
-                      precision);
+    const auto result = std::to_chars(std::begin(digits), std::end(digits), value,
+                                      std::chars_format::general, precision);
     text.append(digits, result.ptr);
 }
 
 // Digits with the point before the last `places` of them.
 void appendDecimal(std::string& text, const Decimal& decimal) {
     char digits[20];
-    const char* const end =
-        std::to_chars(std::begin(digits), std::end(digits), decimal.digits).ptr;
+    const char* const end = std::to_chars(std::begin(digits), std::end(digits), decimal.digits).ptr;
     const int count = static_cast<int>(end - digits);
     if (count > decimal.places) {
         text.append(digits, static_cast<std::size_t>(count - decimal.places));
@@ -66,6 +64,11 @@ void appendDecimal(std::string& text, const Decimal& decimal) {
 void appendNumber(std::string& text, double value) {
     constexpr double exactIntegers = 9007199254740992;  // 2^53
     constexpr double minFixed = 1e-4;
+    if (value == 0) {
+        // Qt does not write the sign of a zero.
+        text += '0';
+        return;
+    }
     const double magnitude = std::fabs(value);
     if (!(magnitude >= minFixed && magnitude < exactIntegers)) return appendByQt(text, value);
 

@@ -9,7 +9,8 @@
 
 namespace trv {
 
-/// Appends a number as QString::setNum(value, 'g', 17) writes it: every double reads back as itself.
+/// Appends a number as QString::setNum(value, 'g', 17) writes it: every double reads back as
+/// itself.
 void appendNumber(std::string& text, double value);
 
 }  // namespace trv
