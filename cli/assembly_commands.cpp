@@ -64,8 +64,7 @@ CommandGroup assemblyCommands() {
     Command listFiles;
     listFiles.name = QStringLiteral("assembly list");
     listFiles.arguments = QStringLiteral("[--json | --csv] FILE");
-    listFiles.summary =
-        QStringLiteral("List the placed geometry files of an assembly");
+    listFiles.summary = QStringLiteral("List the placed geometry files of an assembly");
     listFiles.details = QStringLiteral(
         "Prints a line for each placed file: its name, its translation and its three axis\n"
         "vectors in the assembly's frame. Disabled components are left out.\n");

@@ -1,11 +1,11 @@
 #include <cli/assembly_difference.h>
 #include <cli/text_output.h>
+#include <trvfiles/assembly/assembly_comparison.h>
 #include <trvfiles/assembly/component_body.h>
 
 #include <QString>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -13,28 +13,8 @@
 namespace trv::cli {
 namespace {
 
-// The tolerances of the records' own comparison. A NaN never makes a difference.
-constexpr double placementTolerance = 1e-6;
-constexpr double squaredDistanceTolerance = 1e-6;
-
-bool differ(const double one[3], const double other[3]) {
-    for (int i = 0; i < 3; ++i) {
-        if (std::fabs(one[i] - other[i]) > placementTolerance) return true;
-    }
-    return false;
-}
-
-bool sizesDiffer(const double one[3], const double other[3]) {
-    double squaredDistance = 0;
-    for (int i = 0; i < 3; ++i) {
-        const double difference = one[i] - other[i];
-        squaredDistance += difference * difference;
-    }
-    return squaredDistance > squaredDistanceTolerance;
-}
-
-// Iterative: the trees may be deeper than the stack. The path of the current pair grows and shrinks
-// with the levels, so that a line takes time for its own length.
+// Iterative: the trees may be deeper than the stack. The path of the current pair is one text that
+// grows and shrinks with the levels, so a line takes time for its own length only.
 class Comparison {
 public:
     explicit Comparison(std::ostream& out) : out_(out) {}
@@ -47,7 +27,9 @@ public:
         first.getDimension(one);
         second.getDimension(other);
         path_ = "dimension";
-        if (sizesDiffer(one, other)) printChange(QString(), vectorText(one), vectorText(other));
+        if (dimensionsDiffer(one, other)) {
+            printChange(QString(), vectorText(one), vectorText(other));
+        }
     }
 
     void compareTrees(const ComponentBody& first, const ComponentBody& second) {
@@ -80,16 +62,17 @@ private:
     };
 
     void compare(const ComponentBody& one, const ComponentBody& other) {
-        compareTexts("name", one.name, other.name);
-        compareTexts("comment", one.comment, other.comment);
-        compareTexts("file", one.geometryFileName, other.geometryFileName);
-        if (one.enabled != other.enabled) {
-            printChange(QString(), enabledText(one), enabledText(other));
+        const ComponentDifference difference = differenceOf(one, other);
+        if (difference.name) printTexts("name", one.name, other.name);
+        if (difference.comment) printTexts("comment", one.comment, other.comment);
+        if (difference.geometryFileName) {
+            printTexts("file", one.geometryFileName, other.geometryFileName);
         }
-        compareVectors("translation", one.translation, other.translation);
-        compareVectors("vec1", one.vec1, other.vec1);
-        compareVectors("vec2", one.vec2, other.vec2);
-        if (differ(one.vec3, other.vec3)) {
+        if (difference.enabled) printChange(QString(), enabledText(one), enabledText(other));
+        if (difference.translation) printVectors("translation", one.translation, other.translation);
+        if (difference.vec1) printVectors("vec1", one.vec1, other.vec1);
+        if (difference.vec2) printVectors("vec2", one.vec2, other.vec2);
+        if (difference.vec3) {
             const QString change = QStringLiteral(": vec3 %1 -> %2, which does not count\n")
                                        .arg(vectorText(one.vec3), vectorText(other.vec3));
             out_ << "note: " << path_ << qUtf8Printable(change);
@@ -101,18 +84,16 @@ private:
         return component.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled");
     }
 
-    void compareTexts(const char* what, const std::string& one, const std::string& other) {
-        if (one == other) return;
+    void printTexts(const char* what, const std::string& one, const std::string& other) {
         printChange(QString::fromLatin1(what), QStringLiteral("\"%1\"").arg(shown(one)),
                     QStringLiteral("\"%1\"").arg(shown(other)));
     }
 
-    void compareVectors(const char* what, const double one[3], const double other[3]) {
-        if (!differ(one, other)) return;
+    void printVectors(const char* what, const double one[3], const double other[3]) {
         printChange(QString::fromLatin1(what), vectorText(one), vectorText(other));
     }
 
-    // @param what  empty where the change says it
+    // @param what  empty if the change itself says it
     void printChange(const QString& what, const QString& from, const QString& to) {
         found_ = true;
         const QString before = what.isEmpty() ? QString() : what + QLatin1Char(' ');

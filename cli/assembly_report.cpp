@@ -51,7 +51,7 @@ struct Placement {
     const double* vec3 = nullptr;
 };
 
-// A shown text holds no line end, so that a line is a row.
+// shown() escapes line ends, so each line is one row.
 QString csvField(const QString& text) {
     QString field = shown(text);
     if (!field.contains(QLatin1Char(',')) && !field.contains(QLatin1Char('"'))) return field;
@@ -120,7 +120,7 @@ QJsonObject assemblyJson(const QString& name, const CTrvAssemblyData& assembly) 
     assembly.getDimension(size);
     const AssemblyCounts counts = countsOf(assembly);
     QJsonArray components;
-    // The places of the component at hand and of those above it in the list.
+    // The indices in the list of the current component and of those above it.
     std::vector<int> ancestors;
     forEachComponent(assembly, [&](const ComponentBody& component, std::size_t level) {
         ancestors.resize(level);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What there is to say about an assembly.
+/// What the commands print about an assembly.
 
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 
@@ -29,8 +29,8 @@ void printAssembly(const QString& name, const CTrvAssemblyData& assembly, std::o
 /// The tree, a line a component: name, geometry file, placement in the parent's frame, comment.
 void printTree(const CTrvAssemblyData& assembly, std::ostream& out);
 
-/// The same for a program; docs/command.md lists the keys. The tree is a flat list, since JSON
-/// readers do not bear the depth that assemblies may have.
+/// The same for a program; docs/command.md lists the keys. The tree is a flat list: JSON
+/// readers do not accept the depth that assemblies may have.
 QJsonObject assemblyJson(const QString& name, const CTrvAssemblyData& assembly);
 
 /// The flattened list, a line a placed file.

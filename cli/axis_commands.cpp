@@ -26,20 +26,20 @@ ExitStatus show(const QCommandLineParser& call, const Console& console) {
     return done;
 }
 
-// What is wrong with a placement that is to be inverted; empty where nothing is.
+// Why a placement cannot be inverted; empty if it can.
 QString whyNotInvertible(const AxisMatrix& matrix, const AxisTraits& traits) {
     if (std::any_of(matrix.begin(), matrix.end(), [](double x) { return !std::isfinite(x); })) {
         return QStringLiteral("the matrix holds nan or inf and has no inverse");
     }
     if (traits.singular) return QStringLiteral("the matrix is singular and has no inverse");
     if (matrix[3] != 0 || matrix[7] != 0 || matrix[11] != 0) {
-        return QStringLiteral("line 5 does not start with 0 0 0; the matrix is no placement");
+        return QStringLiteral("line 5 does not start with 0 0 0; the matrix is not a placement");
     }
     return {};
 }
 
-// A reader inverts the block that it finds. For axes that are not orthonormal the transpose of the
-// block at hand is the one that reads back as its inverse.
+// A reader inverts the block that it finds. For axes that are not orthonormal, the block that is
+// read as the inverse of a given one is the transpose of that one.
 AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& traits) {
     AxisMatrix written = traits.inverse;
     if (traits.orthonormal) return written;
@@ -97,7 +97,7 @@ bool readTags(const QString& text, std::array<int, 3>& tags) {
 
 // Fills the file from the options.
 //
-// @return what is wrong with them; empty where nothing is
+// @return what is wrong with them; empty if nothing is
 QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
     struct Row {
         QString option;
@@ -138,7 +138,7 @@ ExitStatus write(const QCommandLineParser& call, const Console& console) {
     const AxisTraits traits = traitsOf(axis.matrix);
     if (traits.singular) {
         return refuseCall(console, QStringLiteral("axis write"),
-                          QStringLiteral("The three vectors do not span space."));
+                          QStringLiteral("The three vectors are not linearly independent."));
     }
     const QString name = call.positionalArguments().at(0);
     if (const Problem problem = writeAxis(name, axis)) return report(name, problem, console);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What there is to say about a placement.
+/// What the commands print about a placement.
 
 #include <cli/input_files.h>
 #include <trvfiles/axis/axis_file.h>
@@ -14,13 +14,13 @@ namespace trv::cli {
 struct AxisTraits {
     /// No element differs from the identity's by more than 1e-6, and all are numbers.
     bool identity = false;
-    /// The axes are of length 1 and at right angles, as far as six decimals can say.
+    /// The axes have length 1 and are at right angles, within the precision of six decimals.
     bool orthonormal = false;
     /// The axes form a left-handed system: the determinant of the block is below 0.
     bool mirror = false;
     /// The axes do not span space: there is no inverse.
     bool singular = false;
-    /// Sixteen zeros where the placement is singular.
+    /// Sixteen zeros if the placement is singular.
     AxisMatrix inverse = {};
 };
 

@@ -42,7 +42,7 @@ Problem checkContext(const QString& name, QString& summary) {
     return {};
 }
 
-// @param summary  what the file holds, where there is no problem
+// @param summary  what the file holds; written if there is no problem
 Problem checkFile(const QString& name, QString& summary) {
     FileKind kind = FileKind::unknown;
     Problem problem = findKind(name, kind);

@@ -17,9 +17,9 @@ Command contextSetCommand();
 /// The path of a file in a directory, as the commands print it.
 QString pathIn(const QString& directory, const QString& file);
 
-/// Says what is wrong with a file or a directory, where no status belongs to it.
+/// Prints what is wrong with a file or a directory, for a failure without a status of the library.
 ///
-/// @return what the command is to end with
+/// @return the exit status of the command
 ExitStatus fail(const QString& name, const QString& reason, const Console& console);
 
 }  // namespace trv::cli

@@ -49,12 +49,12 @@ QString lastReason() {
     return QString::fromStdString(std::generic_category().message(errno));
 }
 
-// Why a file can be neither created nor, if it exists, read; empty if it can. Leaves none behind.
+// Why a file cannot be created or, if it exists, read; empty if it can. Removes what it creates.
 QString whyNotCreated(const QString& path) {
     errno = 0;
     if (exists(path)) {
         if (!QFileInfo::exists(resolved(path)))
-            return QStringLiteral("is a link that leads nowhere");
+            return QStringLiteral("is a link whose target does not exist");
         const bool isReadable = openForRead(resolved(path), platform::file_mode::binary) != nullptr;
         return isReadable ? QString() : lastReason();
     }
@@ -69,7 +69,7 @@ ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
     const QString context = pathIn(directory, plan.context);
     // A failure leaves at most one of the two: another process has created both in the meantime.
     if (exists(context) && exists(pathIn(directory, plan.reference))) {
-        return fail(context, QStringLiteral("is there already"), console);
+        return fail(context, QStringLiteral("exists already"), console);
     }
     for (const QString& file : {plan.axisFile, plan.reference, plan.context}) {
         const QString path = pathIn(directory, file);
@@ -98,7 +98,7 @@ ExitStatus create(const QString& directory, const ContextPlan& plan, const Conso
 
 void noteReplaced(const QString& file, const Console& console) {
     console.err << qUtf8Printable(
-        QStringLiteral("trvfiles: note: %1 stood there without its other file and was replaced\n")
+        QStringLiteral("trvfiles: note: %1 existed without its other file and was replaced\n")
             .arg(shown(file)));
 }
 
@@ -109,7 +109,7 @@ ExitStatus createForPosition(int position, const QString& directory, const Conso
     const bool contextIsThere = exists(context);
     const bool referenceIsThere = exists(reference);
     if (contextIsThere && referenceIsThere) {
-        return fail(context, QStringLiteral("is there already"), console);
+        return fail(context, QStringLiteral("exists already"), console);
     }
     for (const QString& file : {context, reference}) {
         if (QFileInfo(resolved(file)).isDir()) {
@@ -139,7 +139,7 @@ ExitStatus createForMachine(const ContextPlan& plan, const QString& directory,
     if (const Problem problem = readAxis(axisFile, axis)) return report(axisFile, problem, console);
     for (const QString& file : {plan.context, plan.reference}) {
         const QString path = pathIn(directory, file);
-        if (exists(path)) return fail(path, QStringLiteral("is there already"), console);
+        if (exists(path)) return fail(path, QStringLiteral("exists already"), console);
     }
     return create(directory, plan, console, [&](std::wstring& first, std::wstring& second) {
         // The catalogue copies in the current directory.
@@ -154,9 +154,9 @@ bool isBareName(const QString& text) {
     return !text.isEmpty() && !text.contains(QLatin1Char('/')) && !text.contains(QLatin1Char('\\'));
 }
 
-// What is wrong with the options; empty where nothing is.
+// What is wrong with the options; empty if nothing is.
 //
-// @param position  written where there is one
+// @param position  written if there is one
 QString mistakeIn(const QCommandLineParser& call, int& position) {
     const QString text = call.value(QStringLiteral("position"));
     const bool hasPosition = call.isSet(QStringLiteral("position"));

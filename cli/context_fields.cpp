@@ -28,7 +28,7 @@ QString setProximity(const ContextField& field, const QString& text, CMachineCon
         return QStringLiteral("%1 takes a number, such as 2.5, not '%2'.").arg(nameOf(field), text);
     }
     if (!comesBack(number)) {
-        return QStringLiteral("%1 cannot hold '%2': a file keeps no number as large.")
+        return QStringLiteral("%1 cannot hold '%2': the number is too large for a file.")
             .arg(nameOf(field), text);
     }
     (data.*field.setProximity)(number);

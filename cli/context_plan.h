@@ -29,7 +29,7 @@ ContextPlan contextPlan(int position);
 /// @param name  the context's name, with or without ".mctx"; empty for one made of the others
 ContextPlan contextPlan(const QString& machine, const QString& axis, const QString& name);
 
-/// Why the record would not come back with these names, a sentence; empty where it will.
+/// Why a file would not give these names back, a sentence; empty if it will.
 QString whyPlanFails(const ContextPlan& plan);
 
 }  // namespace trv::cli

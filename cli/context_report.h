@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What there is to say about a machine context.
+/// What the commands print about a machine context.
 
 #include <cli/input_files.h>
 

@@ -39,7 +39,7 @@ std::set<int> keptLines(const CSectionedFile& file) {
     return lines;
 }
 
-// Whether nothing stands behind the "]" of a header.
+// Whether nothing follows the "]" of a header.
 bool isWholeHeader(std::string_view line) {
     return settings::trimmed(line.substr(line.find(']') + 1)).empty();
 }
@@ -62,16 +62,16 @@ void findLine(const std::string& content, const CSectionedFile& file, RewriteLos
     }
 }
 
-// Why a value of a file would change; empty where it would not.
+// Why a value of a file would change; empty if it would not.
 QString whyChanges(const ContextField& field, const std::string& bytes) {
     const QString value = fromNarrow(bytes);
-    if (toNarrow(value) != bytes) return QStringLiteral("it holds bytes that are no text");
+    if (toNarrow(value) != bytes) return QStringLiteral("it holds bytes that are not text");
     if (field.isText()) return whyTextChanges(value);
     double numbers[3] = {};
     if (field.isProximity()) {
-        if (!readNumbers(value, numbers, 1)) return QStringLiteral("it is no number");
+        if (!readNumbers(value, numbers, 1)) return QStringLiteral("it is not a number");
         return comesBack(numbers[0]) ? QString()
-                                     : QStringLiteral("a file keeps no number as large");
+                                     : QStringLiteral("the number is too large for a file");
     }
     return readNumbers(value, numbers, 3) ? QString() : QStringLiteral("it is not three numbers");
 }
@@ -91,7 +91,7 @@ void findValue(const CSectionedFile& file, const QStringList& newFields, Rewrite
 
 }  // namespace
 
-// All bytes are held against what is read of them, which on Windows ends at a Ctrl-Z.
+// The whole file is compared with what is read of it: on Windows reading ends at a Ctrl-Z.
 RewriteLoss rewriteLoss(const QString& name, const QStringList& newFields) {
     const std::string content = bytesOf(name);
     std::istringstream stream(content);

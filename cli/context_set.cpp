@@ -20,13 +20,13 @@ struct Assignment {
 
 // Takes "section.key=value" apart.
 //
-// @return what is wrong with it; empty where nothing is
+// @return what is wrong with it; empty if nothing is
 QString readAssignment(const QString& text, Assignment& assignment) {
     const int sign = text.indexOf(QLatin1Char('='));
     const QString name = text.left(sign);
     if (sign < 0) return QStringLiteral("'%1' is not of the form section.key=value.").arg(text);
     if (name == QLatin1String("header.version")) {
-        return QStringLiteral("header.version is what the writer makes it.");
+        return QStringLiteral("header.version is set by the writer.");
     }
     assignment.field = findContextField(name);
     if (assignment.field == nullptr) return QStringLiteral("There is no field '%1'.").arg(name);
@@ -58,7 +58,7 @@ Problem readForChange(const QString& name, ContextFile& context) {
     return readContext(name, context);
 }
 
-// What would be lost beside the new values; empty where nothing would.
+// What would be lost apart from the new values; empty if nothing would.
 QString whyNotWritten(const QString& name, const std::vector<Assignment>& assignments,
                       bool mayDropLines) {
     QStringList newFields;
@@ -88,7 +88,7 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
     const QString mistake = readAssignments(call.positionalArguments().mid(1), assignments);
     if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("context set"), mistake);
 
-    // From reading to writing, so that no other change is lost.
+    // The file is held from reading to writing, so that no change of another process is lost.
     const std::unique_ptr<file_replacement> held = holdFile(name);
     ContextFile context;
     if (const Problem problem = readForChange(name, context)) return report(name, problem, console);

@@ -15,7 +15,7 @@ bool hasBlankAtAnEnd(std::string_view text) {
     return settings::trimmed(text).size() < text.size();
 }
 
-// As the line that the store writes, which takes what stands behind a "+" for a reference.
+// Checks the line that the store writes: the store takes what follows a "+" for a reference.
 bool losesReference(const std::string& value) {
     const std::string line = "=" + value;
     return without_references(line) != line;
@@ -34,11 +34,11 @@ QString whyTextChanges(const QString& text) {
         return QStringLiteral("the local code page lacks one of its characters");
     }
     if (text.contains(QChar::ReplacementCharacter)) {
-        return QStringLiteral("it holds bytes that are no text");
+        return QStringLiteral("it holds bytes that are not text");
     }
     if (hasBlankAtAnEnd(narrow)) return QStringLiteral("blanks at its ends are lost");
     if (losesReference(narrow)) {
-        return QStringLiteral("what stands between a \"+\" and a later \")\" is lost");
+        return QStringLiteral("what is between a \"+\" and a later \")\" is lost");
     }
     if (text.contains(endOfTextFile)) return QStringLiteral("code 26 ends the file on Windows");
     return {};

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Which values a machine context file gives back as they were.
+/// Which values are the same after a machine context is written and read.
 ///
 /// Threads: any.
 
@@ -9,7 +9,7 @@
 
 namespace trv::cli {
 
-/// Why a text does not come back from a file as it is, a clause for a person; empty where it does.
+/// Why a file does not give a text back as it is, as a human-readable clause; empty if it does.
 QString whyTextChanges(const QString& text);
 
 /// Reads numbers that make up a whole text, with white space between and around them.

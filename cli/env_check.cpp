@@ -9,7 +9,8 @@
 namespace trv::cli {
 namespace {
 
-// A fault in the file is shown with its line; any other report as it is.
+// A fault in the file is shown with its line, without the name, which begins every line. Any other
+// report, such as one about the work zone that a condition asks for, is shown as it is.
 QString findingText(const RuntimeMessages::Report& report, const std::string& file) {
     if (!report.fault || report.fault->file != file) return shown(report.text);
     const QString fault = shown(report.fault->text);
@@ -27,6 +28,7 @@ QString contentText(const std::vector<Section>& sections) {
 }
 
 QStringList findingsOn(const QString& name, RuntimeMessages& messages, QString& content) {
+    // The reports of the start have been printed: these belong to the file and its conditions.
     const MessageFile file = loadMessageFile(name);
     if (file.result == load_result::missing) return {file.whyMissing};
     QStringList findings;
@@ -53,6 +55,7 @@ ExitStatus checkAll(const QStringList& names, RuntimeMessages& messages, const C
 }
 
 ExitStatus check(const QCommandLineParser& call, const Console& console) {
+    // Only conditions need an installation: a file without one is checked anywhere.
     return askInstallationIfAny(call, console,
                                 [&](RuntimeMessages& messages, const Console& results) {
                                     return checkAll(call.positionalArguments(), messages, results);

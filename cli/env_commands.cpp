@@ -2,6 +2,7 @@
 
 namespace trv::cli {
 
+// In the order of the help.
 CommandGroup envCommands() {
     return {envListCommand(), envExplainCommand(),  envExpandCommand(),
             envFindCommand(), envMessagesCommand(), envCheckCommand()};

@@ -20,7 +20,7 @@ void printError(const QString& subject, const QString& text, const Console& cons
 
 void printUndefined(const QString& subject, const UndefinedReferences& references,
                     const Console& console) {
-    // Each line names the subject.
+    // Every line repeats the subject, so a long one is cut.
     constexpr int maxLength = 200;
     const QString beginning = beginningOf(subject, maxLength);
     for (const std::string& reference : references.inOrder()) {
@@ -29,6 +29,8 @@ void printUndefined(const QString& subject, const UndefinedReferences& reference
     }
 }
 
+// An undefined reference still gives a text, with the null text in its place: it is printed, and
+// the exit status says that something is missing.
 ExitStatus expandText(const QString& text, bool asPath, const Console& console) {
     UndefinedReferences undefined;
     const Expansion expansion =
@@ -53,7 +55,7 @@ ExitStatus expandAll(const QCommandLineParser& call, const Console& console) {
     });
 }
 
-// What is shown of a search.
+// Collects what is shown of a search, whose result says only whether the file was found.
 class SearchObserver final : private ChainedObserver {
 public:
     const UndefinedReferences& undefined() const { return undefined_; }
@@ -70,7 +72,7 @@ private:
         ChainedObserver::looked_up(event);
     }
 
-    // The runtime repeats a search with a larger buffer: the tries of the last one are all tries.
+    // The runtime may repeat a search with a larger buffer. The last search makes all tries again.
     void search_began(const search_event& event) override {
         tries_.clear();
         ChainedObserver::search_began(event);
@@ -89,6 +91,7 @@ ExitStatus findFile(const QString& text, const Console& console) {
     std::string path;
     SearchObserver search;
     const int code = expand_and_search(toNarrow(text), &path);
+    // Tries are printed only if the search came to an end: after an error they would look complete.
     switch (code) {
         case EXP_OK:
             search.printTries(console.out);

@@ -6,6 +6,7 @@
 namespace trv::cli {
 namespace {
 
+// Passes the lookups on as they happen: all of them together may be far longer than the result.
 class LookupObserver final : private ChainedObserver {
 public:
     explicit LookupObserver(const LookupTaker& take) : take_(take) {}
@@ -19,12 +20,15 @@ private:
     const LookupTaker& take_;
 };
 
+// A status for a person. The name is what a programmer searches for, and the number is what the
+// host logs.
 struct Meaning {
     int code;
     const char* name;
     const char* text;
 };
 
+// The one status of a search that has no name in the runtime.
 constexpr int outOfMemory = -41;
 
 constexpr Meaning meanings[] = {

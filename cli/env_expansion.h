@@ -28,7 +28,7 @@ using LookupTaker = std::function<void(const lookup_event& lookup)>;
 /// @param takeLookup  gets the lookup of each reference that is replaced, in that order
 Expansion expand(const std::string& text, bool asPath, const LookupTaker& takeLookup);
 
-/// The undefined references among lookups.
+/// The undefined references among lookups, for a message to a person.
 class UndefinedReferences {
 public:
     /// Ignores the lookup of a defined variable.

@@ -16,7 +16,7 @@ struct Explanation {
     Subject subject;
     Value value;
     Definitions definitions;
-    /// Of the value, with a line for each reference that was replaced.
+    /// Of the value, with a line for each lookup. Only if the value refers to others.
     Expansion expansion;
     std::vector<std::string> lookups;
 
@@ -36,6 +36,7 @@ Explanation explanationOf(const Subject& subject) {
     return explanation;
 }
 
+// Why this value and no other one: the rule of the runtime that has decided.
 QString reasonText(const Explanation& explanation) {
     const std::size_t definitions = explanation.definitions.inOrder.size();
     if (explanation.value.origin.empty())
@@ -48,7 +49,8 @@ QString reasonText(const Explanation& explanation) {
     return QStringLiteral("the only definition that counts");
 }
 
-// The value so far, cut where it is long, since each definition of a list shows more of it.
+// The value before a definition. It is cut if it is long: each definition of a list shows more of
+// it, so a history of n definitions would print a text that grows as the square of n.
 QString extendedText(const Definition& definition, bool all) {
     constexpr int maxShown = 200;
     if (definition.isBeyondLimits) {
@@ -113,6 +115,7 @@ QJsonObject json(const Definition& definition) {
     };
 }
 
+// Element by element: the array of a long history is never in memory as a whole.
 void writeDefinitions(const char* key, const History& definitions, bool all, JsonWriter& json) {
     json.beginArray(key);
     definitions.forEach(
@@ -127,6 +130,7 @@ QJsonValue expandedJson(const Explanation& explanation) {
                                                    : explanation.value.text);
 }
 
+// The keys are in alphabetical order, as QJsonDocument writes those of the other commands.
 void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
     JsonWriter json(out);
@@ -150,13 +154,14 @@ void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     json.end();
 }
 
+// JSON is printed for an undefined variable too, so that a script can tell it from an error.
 ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
     return askInstallation(call, console, [&](RuntimeMessages& messages, const Console&) {
         const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
-        // Not held back, since it may be large, and the runtime is not asked any more.
+        // Printed at once and not held back: it may be large, and no more reports can follow.
         const bool isDefined = explanation.value.isDefined;
         if (call.isSet(QStringLiteral("json"))) {
             printJson(explanation, all, console.out);

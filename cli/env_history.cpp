@@ -11,7 +11,8 @@
 namespace trv::cli {
 namespace {
 
-// @param soFar  the value before this definition
+// @param soFar  the value before this definition. Only if a definition has references that someone
+//               wrote by hand, the runtime has to resolve them again.
 Definition definitionAt(const message_store& store, std::int32_t text, const RunningValue& soFar) {
     const text_record& record = store.texts.record(text);
     Definition definition;
@@ -32,6 +33,7 @@ Definition definitionAt(const message_store& store, std::int32_t text, const Run
 
 void History::add(std::int32_t text) {
     const text_pool& pool = environment_store()->texts;
+    // The records lead from the newest text to the oldest.
     const auto first = static_cast<std::ptrdiff_t>(texts_.size());
     for (; text != text_pool::none; text = pool.record(text).previous)
         texts_.push_back(text);
@@ -39,7 +41,7 @@ void History::add(std::int32_t text) {
 }
 
 std::size_t History::leftOut(bool all) const {
-    // Not one alone, whose place the note about it would take.
+    // A single definition is never left out: the note about it would take its place.
     const bool isShort = texts_.size() <= 2 * shownAtEachEnd + 1;
     return all || isShort ? 0 : texts_.size() - 2 * shownAtEachEnd;
 }
@@ -49,6 +51,7 @@ void History::forEach(bool all, const std::function<void(const Definition&)>& sh
     const message_store& store = *environment_store();
     const std::size_t count = leftOut(all);
     const std::size_t firstAfter = shownAtEachEnd + count;
+    // The value passes every definition, also those that are left out.
     RunningValue soFar;
     for (std::size_t i = 0; i < texts_.size(); ++i) {
         if (count == 0 || i < shownAtEachEnd || i >= firstAfter) {

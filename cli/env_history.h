@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The definitions of a variable or a path list in the configuration, and the value that each of
-/// them extends.
+/// The definitions of a variable or a path list in the configuration, and the value that each one
+/// extends.
 ///
 /// All texts are narrow ones, as the runtime has them.
 
@@ -16,15 +16,15 @@ namespace trv::cli {
 
 /// One entry of the configuration.
 struct Definition {
-    /// "NAME = value", as it is written but for the blanks around it.
+    /// "NAME = value" as it is written, without the blanks around it.
     std::string entry;
     std::string origin;
-    /// Empty and 0 for what is set by program.
+    /// Empty and 0 for a definition that is set by program.
     std::string file;
     int line = 0;
     /// Whether a "+" in the entry means the value so far.
     bool extends = false;
-    /// Whether that value has more references than the runtime resolves, or is too long.
+    /// Whether that value exceeds a limit of resolve_references().
     bool isBeyondLimits = false;
     /// The value so far; empty unless the entry `extends` it within the limits.
     std::string extended;
@@ -32,10 +32,10 @@ struct Definition {
 
 /// The definitions of one name, each replaced by the next.
 ///
-/// It holds places in the environment's store, and is valid until something is added there.
+/// It holds offsets in the environment's store, and is valid as long as that store.
 class History {
 public:
-    /// So many definitions at each end of a long history are shown.
+    /// The number of definitions that are shown at each end of a long history.
     static constexpr std::size_t shownAtEachEnd = 5;
 
     /// Appends a text of the environment's store, after those that it replaced.
@@ -43,13 +43,11 @@ public:
 
     std::size_t size() const { return texts_.size(); }
 
-    /// How many definitions forEach() leaves out: none of a history that is short or asked for in
-    /// full.
+    /// How many definitions forEach() leaves out: 0 if the history is short, or if `all` is set.
     std::size_t leftOut(bool all) const;
 
-    /// Calls `show` with the definitions, the oldest first, and `leaveOut` once in the place of
-    /// those that are left out. Takes time for the length of the texts and of the values that are
-    /// shown.
+    /// Calls `show` with the definitions, the oldest first, and `leaveOut` once in place of those
+    /// that are left out. Takes time for the length of the texts and of the values that are shown.
     void forEach(bool all, const std::function<void(const Definition&)>& show,
                  const std::function<void()>& leaveOut) const;
 

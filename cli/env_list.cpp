@@ -7,7 +7,8 @@
 namespace trv::cli {
 namespace {
 
-// Calls `take` with each name and its value, of which all together may be large.
+// Calls `take` with each name and its value, one after the other: all values together may be large.
+// "TMP" is left out, because looking it up may create a directory.
 template <class Take>
 void forEachVariable(const VariableNames& names, Take take) {
     for (const std::string& name : names.names) {
@@ -16,6 +17,7 @@ void forEachVariable(const VariableNames& names, Take take) {
     }
 }
 
+// A text without "=" ends the walk of programs that use for_each_variable(), which is hard to find.
 void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
     for (const std::string& origin : otherTexts) {
         err << qUtf8Printable(

@@ -16,7 +16,7 @@ constexpr std::string_view environmentOrigin = "from environment";
 // Holds every origin: the name of a configuration file fits a path buffer.
 constexpr std::size_t originSize = 2 * path_buffer_size;
 
-// None where the configuration lacks the section.
+// nullptr if the configuration does not have the section.
 const store_section* sectionNamed(const char* name) {
     const message_store* store = environment_store();
     const int index = find_section(store, name);
@@ -27,7 +27,7 @@ const store_section* sectionOf(const Subject& subject) {
     return sectionNamed(subject.isPath ? "path" : "var");
 }
 
-// The number of the entry that counts, or -1.
+// The number of the entry that a lookup finds, or -1.
 int numberOf(const store_section* section, const Subject& subject) {
     if (section == nullptr) return -1;
     return section->find_live_entry(environment_store()->texts, subject.name, false);
@@ -38,7 +38,8 @@ std::string originOf(const Subject& subject, const char* value) {
     char origin[originSize];
     if (describe(origin, sizeof origin, subject.name.c_str(), value) == 0) return origin;
     if (isTemporaryDirectory(subject)) return {};
-    // A value that extends another one lies outside the store.
+    // A value that extends another one lies outside the store, in the buffer of resolved values.
+    // Its entry has the origin.
     const store_section* section = sectionOf(subject);
     const int number = numberOf(section, subject);
     return number < 0 ? "" : environment_store()->texts.origin(section->text(number));
@@ -73,6 +74,7 @@ Definitions definitionsOf(const Subject& subject) {
     const int counting = numberOf(section, subject);
     if (counting < 0) return {};
     Definitions definitions;
+    // A lookup of "TMP" never comes to its entry.
     const bool counts = !isTemporaryDirectory(subject);
     (counts ? definitions.inOrder : definitions.hidden).add(section->text(counting));
     const text_pool& texts = environment_store()->texts;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Variables and path lists of the installation: their values, and how they came about.
+/// Variables and path lists of the installation: their values, origins and definitions.
 ///
 /// All texts are narrow ones, as the runtime has them.
 
@@ -12,7 +12,7 @@
 
 namespace trv::cli {
 
-/// Which variable, or which path list, is asked for.
+/// A variable or a path list that a call asks for.
 struct Subject {
     bool isPath;
     std::string name;
@@ -21,11 +21,11 @@ struct Subject {
     std::string text() const { return isPath ? '?' + name : name; }
 };
 
-/// From the text that a Subject shows itself as.
+/// The inverse of Subject::text().
 Subject subjectOf(const std::string& text);
 
-/// Whether it is the work zone's temporary directory, which no file defines. Looking it up makes
-/// the directory, and may draw a number for the zone.
+/// Whether it is the work zone's temporary directory, which no file defines. Looking it up creates
+/// the directory, and may allocate a number for the zone.
 bool isTemporaryDirectory(const Subject& subject);
 
 struct Value {
@@ -33,32 +33,32 @@ struct Value {
     bool fromEnvironment = false;
     std::string text;
     /// "from 'FILE' line N", "from environment" or "set by program"; empty for a temporary
-    /// directory that was worked out.
+    /// directory that was computed.
     std::string origin;
 };
 
-/// What a program gets.
+/// The value that a program gets.
 Value lookUp(const Subject& subject);
 
 struct Definitions {
-    /// Each one replaced by the next; the last one counts.
+    /// Each one replaces the one before; the last one counts.
     History inOrder;
-    /// Entries that a lookup never comes to: they are after these in the section, under a name that
-    /// differs in case at most.
+    /// Entries that a lookup never finds: they are after the others in the section, under the same
+    /// name or one that differs in case only.
     History hidden;
 };
 
 Definitions definitionsOf(const Subject& subject);
 
 struct VariableNames {
-    /// In the order of the entries; of names that differ in case alone the first.
+    /// In the order of the entries. Of names that differ in case only, the first one.
     std::vector<std::string> names;
-    /// Where texts without a "=" stand, which are no variables. A walk by for_each_variable() ends
-    /// at the first one.
+    /// The origins of texts without "=", which are not variables. A walk by for_each_variable()
+    /// ends at the first one.
     std::vector<std::string> otherTexts;
 };
 
-/// What section `var` holds.
+/// The contents of section `var`.
 VariableNames variableNames();
 
 }  // namespace trv::cli

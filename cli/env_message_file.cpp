@@ -24,6 +24,7 @@ Section sectionOf(const message_store& store, const store_section& stored) {
 }  // namespace
 
 MessageFile loadMessageFile(const QString& name) {
+    // Checked before anything is opened: opening a pipe waits for its other end.
     const QFileInfo info(nativePath(name));
     if (info.exists() && !info.isFile()) {
         return {load_result::missing, notRegularText(), {}};
@@ -36,6 +37,7 @@ MessageFile loadMessageFile(const QString& name) {
         file.whyMissing = QString::fromStdString(
             std::make_error_code(std::errc::no_such_file_or_directory).message());
     }
+    // Copies: the store ends here. After a fault they are what came before it.
     for (const store_section& section : store->sections)
         file.sections.push_back(sectionOf(*store, section));
     return file;

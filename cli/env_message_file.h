@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A message file by itself, as a program that loads it into a new store gets it.
+/// The contents of a message file, as a program gets them that loads it into a new store.
 
 #include <trvfiles/environment/message_file_internal.h>
 
@@ -25,18 +25,18 @@ struct Section {
 };
 
 struct MessageFile {
-    /// What is wrong with a file that failed has been reported. One that is not a regular file
-    /// counts as missing.
+    /// A file with the result `failed` has been reported. A file that is not a regular one counts
+    /// as missing.
     load_result result = load_result::missing;
-    /// Why a file is missing, for a person; empty for any other one.
+    /// The human-readable reason for which a file is missing; empty for any other file.
     QString whyMissing;
     std::vector<Section> sections;
 };
 
-/// Loads a regular file into a store of its own. A pipe or a device might never end, or never
-/// begin, so neither is opened.
+/// Loads a regular file into a store of its own. Pipes and devices are not opened: they may never
+/// begin or never end.
 ///
-/// @param name  where the system finds it; no reference in it is expanded
+/// @param name  a path of the system; no reference in it is expanded
 MessageFile loadMessageFile(const QString& name);
 
 }  // namespace trv::cli

@@ -14,6 +14,8 @@ void printSections(const std::vector<Section>& sections, std::ostream& out) {
     for (const Section& section : sections) {
         out << qUtf8Printable(QStringLiteral("[%1]\n").arg(shown(section.name)));
         if (section.messages.empty()) continue;
+        // Lines and numbers ascend, so the last message has the widest ones. Only after line 65535,
+        // from which lines count anew, a column may be too narrow: then it is not aligned.
         const int lineWidth = QString::number(section.messages.back().line).size();
         const int numberWidth = QString::number(section.messages.back().number).size();
         for (const Message& message : section.messages) {
@@ -27,6 +29,7 @@ void printSections(const std::vector<Section>& sections, std::ostream& out) {
 }
 
 QJsonObject json(const Message& message) {
+    // A message that is not an entry has neither name nor value: null in JSON.
     const bool entry = is_entry(message.text);
     return {
         {QStringLiteral("number"), message.number},
@@ -60,8 +63,10 @@ ExitStatus print(const QCommandLineParser& call, const Console& console) {
             QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), file.whyMissing));
         return failed;
     }
+    // The reason has been reported, and is printed when this returns.
     if (file.result == load_result::failed) return failed;
     if (arguments.size() > 1) {
+        // A file may have several sections of one name: all of them are shown.
         const std::string asked = toNarrow(arguments.at(1));
         file.sections.erase(
             std::remove_if(file.sections.begin(), file.sections.end(),

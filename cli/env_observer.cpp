@@ -2,6 +2,8 @@
 
 namespace trv::cli {
 
+// No event arrives while the objects derived from this one are being built or destroyed: the
+// runtime does not run then.
 ChainedObserver::ChainedObserver() : earlier_(*set_runtime_observer(this)) {}
 
 ChainedObserver::~ChainedObserver() {

@@ -9,7 +9,8 @@
 namespace trv::cli {
 namespace {
 
-// Whether a text that begins with "+" could begin a reference or a "++" if more followed.
+// Whether a text that begins with "+" could begin a reference or a "++" if more text followed. Such
+// an end is not settled: the next definition may complete it.
 bool isBeginningOfReference(std::string_view text) {
     constexpr std::string_view digits = "0123456789ABCDEFabcdef";
     if (text.size() >= reference_length) return false;
@@ -25,6 +26,8 @@ struct Pieces {
     bool refersElsewhere = false;
 };
 
+// The same walk as that of resolve_references(): "++" is a pair, and a "+" without a reference is
+// text.
 Pieces piecesOf(std::string_view value, std::int32_t replaced) {
     Pieces pieces;
     std::size_t done = 0;
@@ -76,6 +79,9 @@ void RunningValue::restart(State state) {
     state_ = state;
 }
 
+// Counts replacements and the peak length as resolve_references() would: the runtime resolves the
+// whole value from its first definition for every lookup, so one value counts its own and all
+// earlier ones.
 void RunningValue::extend(const std::vector<std::string_view>& literals) {
     RunningValue earlier = std::move(*this);
     restart(State::known);
@@ -100,7 +106,9 @@ void RunningValue::extend(const std::vector<std::string_view>& literals) {
     }
 }
 
-// Appends the earlier value. The last time it is not copied: what is before it is small.
+// Appends the earlier value. The last time it is moved and not copied, and the text before it,
+// which is small, is inserted at its front. So a list "A = +;x" of n definitions takes time for its
+// length.
 void RunningValue::insert(std::deque<char>& earlier, bool isLast) {
     if (isLast) {
         earlier.insert(earlier.begin(), settled_.begin(), settled_.end());
@@ -110,7 +118,7 @@ void RunningValue::insert(std::deque<char>& earlier, bool isLast) {
     }
 }
 
-// Appends what is no reference to the replaced text. One of these follows unless it is the last.
+// Appends the text between two references to the replaced text, or after the last one.
 void RunningValue::addLiteral(const std::string& text, bool isLast) {
     const auto settle = [&](std::size_t begin, std::size_t end) {
         const std::string_view part = std::string_view(text).substr(begin, end - begin);
@@ -121,7 +129,7 @@ void RunningValue::addLiteral(const std::string& text, bool isLast) {
     while (plus != std::string::npos) {
         const std::string_view rest = std::string_view(text).substr(plus);
         std::int32_t ignored = 0;
-        // Its parts come from several definitions.
+        // A reference whose parts come from several definitions: only the runtime can resolve it.
         if (read_reference(rest, ignored)) return restart(State::unknown);
         if (isLast && isBeginningOfReference(rest)) break;
         settle(done, plus + 1);

@@ -13,16 +13,15 @@
 
 namespace trv::cli {
 
-/// Follows the definitions of one variable, the oldest first. It gives for each of them what
-/// resolve_references() gives, but in time for what the definition adds, not for all that it
-/// extends.
+/// Follows the definitions of one variable, the oldest first. For each of them it has the value
+/// that resolve_references() gives, but in time for the text that the definition adds, and not for
+/// the whole value that it extends.
 class RunningValue {
 public:
     enum class State {
         /// The value is that of resolve_references().
         known,
-        /// The replacements or the length pass the limits of resolve_references(), which then gives
-        /// a value with references left in it.
+        /// The value exceeds a limit of resolve_references(), which then leaves references in it.
         beyondLimits,
         /// The definitions hold a reference that someone wrote by hand, in the form in which the
         /// store keeps its own. Only resolve_references() knows the value.
@@ -35,8 +34,7 @@ public:
     /// Goes on to a definition.
     ///
     /// @param value     as the store holds it: each "+" that extends the value so far is a
-    /// reference
-    ///                  to the replaced text
+    ///                  reference to the replaced text
     /// @param replaced  the offset of the replaced text; below 0 for the first definition
     void take(std::string_view value, std::int32_t replaced);
 
@@ -54,10 +52,10 @@ private:
     State state_ = State::known;
     // The resolved value but for its end. Both ends grow: "A = x +" adds at the front.
     std::deque<char> settled_;
-    // The end, where it begins like a reference, of which the rest may be in a later definition.
+    // The end, if it begins like a reference whose rest may be in a later definition.
     std::string open_;
     int replacements_ = 0;
-    // The largest length while the value is resolved, what is not resolved yet included.
+    // The maximum length while the value is resolved, including the part that is not resolved yet.
     std::size_t peak_ = 0;
 };
 

@@ -19,9 +19,10 @@
 namespace trv::cli {
 namespace {
 
-// Handlers are plain functions: what they fill belongs to the one object that there is.
+// The state of the one RuntimeMessages. It is global because handlers are plain functions.
 struct Inbox {
     std::vector<RuntimeMessages::Report> reports;
+    // The texts in `reports`: the runtime repeats some reports up to 1000 times.
     std::unordered_set<std::string> known;
     // The fault that is being reported.
     const fault_event* fault = nullptr;
@@ -53,6 +54,8 @@ void takeFatal(const char* message) {
     take(true, message);
 }
 
+// On standard error, escaped like everything that a command prints: results stay free of trace
+// lines.
 void takeTrace(const char* message) {
     if (is_verbose() == 0) return;
     const std::string line(withoutNewlines(message));
@@ -63,7 +66,9 @@ void printError(const QString& text, const Console& console) {
     console.err << qUtf8Printable(QStringLiteral("trvfiles: %1\n").arg(text));
 }
 
-// @return whether the call's root, if it has one, is that of the process now
+// Makes the root of the call, if it has one, that of the process.
+//
+// @return false if it is not a directory or cannot be set
 bool takeRoot(const QCommandLineParser& call, const Console& console) {
     const QString option = QStringLiteral("root");
     if (!call.isSet(option)) return true;
@@ -76,12 +81,14 @@ bool takeRoot(const QCommandLineParser& call, const Console& console) {
     return platform::set_environment("TRVHOME", toNarrow(root).c_str());
 }
 
-// Results are held back until no report can deny them any more.
+// Results are held back until the work is done: after a fatal report they may be wrong, and are not
+// shown.
 ExitStatus doWork(RuntimeMessages& messages, const Console& console, const RuntimeWork& work) {
     std::stringstream results;
     const ExitStatus status = work(messages, {results, console.err});
     if (printReports(messages.takeReports(), console)) return failed;
-    // Without a copy of what may be large. An empty buffer would count as a failure.
+    // By the buffer, without a copy of what may be large. Inserting an empty buffer would set
+    // failbit.
     if (results.tellp() > 0) console.out << results.rdbuf();
     return status;
 }
@@ -108,7 +115,7 @@ RuntimeMessages::RuntimeMessages(std::ostream& err) {
     inbox.err = &err;
     set_error_handler(takeError);
     set_fatal_handler(takeFatal);
-    // The default handler prints no trace unless it is verbose.
+    // Without verbose mode the default handler stays: it drops the trace, so no line is made.
     if (is_verbose() != 0) set_trace_handler(takeTrace);
 }
 
@@ -129,7 +136,7 @@ bool RuntimeMessages::hasFatalReport() const {
 }
 
 void RuntimeMessages::fault_found(const fault_event& event) {
-    // The default observer reports the fault through a handler of this class.
+    // The default observer reports the fault through a handler of this source, which attaches it.
     struct Guard {
         explicit Guard(const fault_event& fault) { inbox.fault = &fault; }
         ~Guard() { inbox.fault = nullptr; }

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The runtime as a command uses it: the installation that it asks, and what becomes of the
-/// runtime's reports, of which a fatal one would end the process.
+/// The runtime as a command uses it: the installation that it asks, and the reports of the runtime.
+/// A fatal one would end the process without the handlers of this file.
 
 #include <cli/command.h>
 #include <cli/env_observer.h>
@@ -49,7 +49,7 @@ private:
     void fault_found(const fault_event& event) override;
 };
 
-/// "--root", as every command that has it means it.
+/// The option "--root", which means the same for every command that has it.
 QCommandLineOption rootOption();
 
 /// Prints reports: fatal ones as they are, the others as warnings.
@@ -57,19 +57,19 @@ QCommandLineOption rootOption();
 /// @return whether one of them is fatal
 bool printReports(const std::vector<RuntimeMessages::Report>& reports, const Console& console);
 
-/// What a command does with the runtime. It may print results before the runtime reports something
-/// fatal; they are not shown then.
+/// What a command does with the runtime. If the runtime reports something fatal, the results that
+/// it has printed on its console are not shown.
 using RuntimeWork = std::function<ExitStatus(RuntimeMessages& messages, const Console& console)>;
 
 /// Loads the configuration of the installation that the call or the process names, and does the
 /// work.
 ///
-/// @return that of the work; `failed`, with the reason on standard error, where there is no
+/// @return the status of the work; `failed`, with the reason on standard error, if there is no
 ///         installation or the runtime reports something fatal
 ExitStatus askInstallation(const QCommandLineParser& call, const Console& console,
                            const RuntimeWork& work);
 
-/// The same, but does the work also where neither the call nor the process names an installation.
+/// The same, but does the work also if neither the call nor the process names an installation.
 ExitStatus askInstallationIfAny(const QCommandLineParser& call, const Console& console,
                                 const RuntimeWork& work);
 

@@ -1,7 +1,7 @@
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
-#include <trvfiles/assembly/invalid_data_policy.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/text/open_file.h>

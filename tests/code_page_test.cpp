@@ -38,10 +38,10 @@ struct Sample {
     std::wstring wide;
     std::string narrow;
     std::string utf8;
-    /// What the code page cannot hold, and what it makes of it.
+    /// A text that the code page cannot hold, and its replacement.
     std::wstring foreign;
     std::string replaced;
-    /// What no narrow path names, and the name that is nearest to it.
+    /// A name that no narrow path has, and the name that is nearest to it.
     std::wstring unnamed;
     std::wstring nearest;
 };
@@ -93,7 +93,7 @@ protected:
 
 }  // namespace
 
-TEST_F(CodePage, IsTheOneThatThisRunIsMeantFor) {
+TEST_F(CodePage, IsTheExpectedOne) {
     ASSERT_NE(expected(), 0U);
     EXPECT_EQ(::GetACP(), expected());
     EXPECT_EQ(samples().count(::GetACP()), 1U);
@@ -181,7 +181,7 @@ TEST_F(CodePage, MayLackTheNameOfAMachineContextWhichIsReadButNotSaved) {
                                  ".messages.tmp'";
 
     CMachineContextData read;
-    // Half a character, which UTF-8 lacks, may be no name to the file system behind Wine either.
+    // UTF-8 lacks half a surrogate pair. The file system under Wine may reject it as a name, too.
     if (!error) {
         EXPECT_EQ(files_.readMachineContext(sample().unnamed, read), eFileIOSuccess);
         EXPECT_EQ(read.getName(), "n");
@@ -202,7 +202,7 @@ TEST_F(CodePage, MayLackTheNameOfADirectoryInWhichNoMachineContextIsSaved) {
     const std::filesystem::path directory = directory_.path() / sample().unnamed;
     std::error_code error;
     if (!std::filesystem::create_directory(directory, error))
-        GTEST_SKIP() << "the file system behind Wine takes no half characters";
+        GTEST_SKIP() << "the file system under Wine rejects half characters";
     std::filesystem::create_directory(directory_.path() / sample().nearest);
     const ChannelLog log;
     EXPECT_FALSE(CMachineContextUtils::sCreateDefaultMachineContext(directory.wstring(), 1, nullptr,

@@ -1,4 +1,4 @@
-// Loading the library sets defaults and does nothing else that anybody could see.
+// Loading the library sets defaults and has no other visible effect.
 
 #include <tests/common/current_directory.h>
 #include <tests/common/system.h>
@@ -20,7 +20,7 @@ namespace {
 
 class LibraryLoad : public ::testing::Test {
 protected:
-    // What a first lookup would load, or stumble over, if one were made.
+    // A first lookup would load this, or fail because of it.
     LibraryLoad() {
         for (const char* name : {"TRVHOME", "TRVZONE", "TRVTMPDIR", "TRV_EXPAND_LOGFILE_NAME"})
             qputenv(name, QByteArray::fromStdString((directory_ / "missing").string()));

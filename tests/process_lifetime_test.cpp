@@ -1,5 +1,5 @@
 /// @file
-/// A host that asks the runtime before main() and while the process ends: in the constructor and in
+/// A host that uses the runtime before main() and while the process ends: in the constructor and in
 /// the destructor of a static object, and in an exit handler.
 
 #include <tests/common/death_test.h>
@@ -27,7 +27,7 @@ std::string textOrNone(const char* text) {
     return text == nullptr ? "<none>" : text;
 }
 
-// Its texts are longer than what a std::string holds without memory of its own, but for one.
+// All texts but one are longer than a std::string can hold without an allocation.
 class Inquiry {
 public:
     Inquiry() {
@@ -40,8 +40,8 @@ public:
         platform::set_environment("TRV_EXPAND_LOGFILE_NAME", installation_.path("log").c_str());
     }
 
-    // Everything that lives for the process: the values that are put together, the buffers of the
-    // searches, the root, the stores, the work zone and what the log of the expansions keeps.
+    // Everything that lives until the process ends: the resolved values, the buffers of the
+    // searches, the root, the stores, the work zone and the data of the expansion log.
     Answers answers() const {
         const testing::ScopedVariable minimum("TRV_EXPAND_MIN_BUFFER_SIZE", "100");
         const std::string shortValue = textOrNone(get_variable("SHORT"));
@@ -82,7 +82,7 @@ private:
     testing::Installation installation_;
 };
 
-// Neither is destroyed before the exit handler has run.
+// Neither object is destroyed before the exit handler has run.
 Inquiry* inquiry;
 Answers* beforeMain;
 bool endsWithInquiries = false;
@@ -90,7 +90,7 @@ const char* lastValue = nullptr;
 const char* lastRoot = nullptr;
 
 bool isRight(const char* element) {
-    // The results of the stage before are there until the next lookup.
+    // The results of the previous stage are valid until the next lookup.
     const bool isKept = textOrNone(lastValue) == "one long value;+;another" &&
                         textOrNone(lastRoot) == inquiry->root();
     const bool isAnswered =
@@ -113,7 +113,7 @@ void exitHandler() {
     delete beforeMain;
 }
 
-// Its exit handler is registered before the library has made anything, so it runs last of all.
+// Its exit handler is registered before the library has created anything, so it runs last.
 class StaticObject {
 public:
     StaticObject() {
@@ -132,7 +132,7 @@ public:
     StaticObject& operator=(const StaticObject&) = delete;
 };
 
-// Made before every other static object of the program, and destroyed after them.
+// Constructed before every other static object of the program, and destroyed after them.
 [[gnu::init_priority(101)]] StaticObject made_first;
 
 TEST(ProcessLifetime, ResultsAreReadyForTheConstructorOfAStaticObject) {
@@ -142,7 +142,7 @@ TEST(ProcessLifetime, ResultsAreReadyForTheConstructorOfAStaticObject) {
     EXPECT_STREQ(lastValue, "one long value;+;another");
 }
 
-TEST(ProcessLifetime, ResultsLastBeyondMain) {
+TEST(ProcessLifetime, ResultsAreValidAfterMain) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {

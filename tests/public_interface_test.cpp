@@ -1,4 +1,5 @@
-// What a host sees: the public headers alone, without Qt, and the library with what it exports.
+// The interface of a host: only the public headers, without Qt, and the exported symbols of the
+// library.
 
 #include <tests/common/child_process.h>
 #include <tests/common/temporary_directory.h>
@@ -144,7 +145,7 @@ TEST(PublicInterface, CreatesAndFindsMachineContexts) {
     EXPECT_EQ(&(one = CMachineContextUtils()), &one);
 }
 
-TEST(PublicInterface, KnowsWhereTheFavoritesAre) {
+TEST(PublicInterface, KnowsTheDirectoryOfTheFavorites) {
     if (!trv::testing::can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(trv::testing::passesInChild([] {
         ASSERT_TRUE(trv::testing::setEnvironment("TRV_MCTX_DEF", "/favourites"));

@@ -1,5 +1,5 @@
-// The runtime as a host sees it: every function with the signature that hosts are compiled against,
-// and in the library that they link.
+// The interface of the runtime: every function is declared with its documented signature, and the
+// library exports it.
 
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/environment/configuration_loader.h>
@@ -27,7 +27,7 @@
 namespace trv {
 namespace {
 
-// Compiles where a function has the signature, links where the library has the function.
+// Compiles only if the function has the signature. Links only if the library exports the function.
 template <class Signature>
 void exists(Signature* function) {
     EXPECT_NE(function, nullptr);

@@ -6,8 +6,7 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_parser.h>
-#include <trvfiles/assembly/document_text.h>
-#include <trvfiles/assembly/dom_walk.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/assembly/xml_characters.h>
 #include <trvfiles/assembly/xml_screen.h>
 #include <trvfiles/support/CFileFault.h>

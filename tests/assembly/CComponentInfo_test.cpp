@@ -83,7 +83,7 @@ TEST(ComponentInfo, KeepsEveryByteOfItsName) {
     EXPECT_EQ(sample("../t\xC3\xA9 \\x\xFF").getFileName(), "../t\xC3\xA9 \\x\xFF");
 }
 
-TEST(ComponentInfo, TakesNullPointersForZeros) {
+TEST(ComponentInfo, TreatsNullPointersAsZeros) {
     const CComponentInfo info("f", nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(numbersOf(info), Numbers{});
     const CComponentInfo half("f", one, nullptr, three, nullptr);
@@ -124,7 +124,7 @@ TEST(ComponentInfo, MovesItsNameAndCopiesItsNumbers) {
     EXPECT_EQ(source.getFileName(), longName);
 }
 
-TEST(ComponentInfo, BearsBeingAssignedToItself) {
+TEST(ComponentInfo, AcceptsAssignmentToItself) {
     CComponentInfo info = sample(longName);
     const CComponentInfo& same = info;
     info = same;

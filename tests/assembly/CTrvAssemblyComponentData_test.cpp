@@ -179,7 +179,7 @@ TEST(AssemblyComponent, ReplacesItsChildren) {
     EXPECT_TRUE(component.getComponents().empty());
 }
 
-TEST(AssemblyComponent, TakesAListThatIsMovedInWithoutCopying) {
+TEST(AssemblyComponent, MovesAListInWithoutCopying) {
     Components children = {named("a name that does not fit into the string itself"), Component()};
     const char* const before = ComponentBody::of(children[0]).name.data();
     Component component;
@@ -217,7 +217,7 @@ TEST(AssemblyComponent, IsCopiedWithItsSubtree) {
     expectDefaults(assigned);
 }
 
-TEST(AssemblyComponent, BearsBeingAssignedToItself) {
+TEST(AssemblyComponent, AcceptsAssignmentToItself) {
     Component component = sample();
     const Component& same = component;
     component = same;
@@ -318,7 +318,7 @@ TEST(AssemblyComponent, ComparesItsPlacementEntryByEntry) {
             expectUnequal(turned(-more), turned(0));
         }
     }
-    // The tolerance holds for each entry alone.
+    // The tolerance applies to each entry separately.
     expectEqual(moved(0, 0, 0), moved(1e-6, 1e-6, 1e-6));
 }
 
@@ -329,7 +329,7 @@ TEST(AssemblyComponent, IsEqualWhateverItsThirdAxis) {
                 over(Component()));
 }
 
-TEST(AssemblyComponent, NeverTakesANanForADifference) {
+TEST(AssemblyComponent, NeverTreatsANanAsADifference) {
     expectEqual(moved(not_a_number, 0, 0), moved(5, 0, 0));
     expectEqual(moved(not_a_number, 0, 0), moved(not_a_number, 0, 0));
     expectUnequal(moved(not_a_number, 1, 0), moved(5, 0, 0));
@@ -349,7 +349,7 @@ TEST(AssemblyComponent, ComparesItsChildrenInOrder) {
     expectUnequal(group({Component()}), Component());
     expectUnequal(over(over(named("a"))), over(over(named("b"))));
     expectEqual(over(over(moved(0, 0, 0))), over(over(moved(1e-7, 0, 0))));
-    // The same names at other levels.
+    // The same names on other levels.
     expectUnequal(group({over(named("a")), Component()}), group({Component(), over(named("a"))}));
 }
 

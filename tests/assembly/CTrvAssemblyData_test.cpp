@@ -197,6 +197,20 @@ TEST(Assembly, KeepsItsOwnRootWhenItIsMovedIntoAnother) {
     EXPECT_EQ(target.getRootComponent().getName(), "root");
 }
 
+TEST(Assembly, IsAssignedToAfterItWasMovedFrom) {
+    Assembly source = sample();
+    const Assembly first = std::move(source);
+    source = sample();
+    expectSample(source);
+    Assembly other = sample();
+    const Assembly second = std::move(source);
+    const Assembly third = std::move(other);
+    source = std::move(other);
+    expectDefaults(source);
+    source = third;
+    expectSample(source);
+}
+
 TEST(Assembly, ReadsLikeANewOneAfterItWasMovedFrom) {
     Assembly source = sample();
     Assembly target = std::move(source);
@@ -229,7 +243,7 @@ TEST(Assembly, ComparesItsDimensionsByTheSumOfSquares) {
     expectUnequal(sized(100, 50, 20), sized(50, 100, 20));
 }
 
-TEST(Assembly, NeverTakesANanOfItsDimensionForADifference) {
+TEST(Assembly, NeverTreatsANanOfItsDimensionAsADifference) {
     expectEqual(sized(not_a_number, 0, 0), sized(5, 0, 0));
     expectEqual(sized(0, not_a_number, 0), sized(5, 6, 7));
     expectEqual(sized(infinity, 0, 0), sized(infinity, 0, 0));

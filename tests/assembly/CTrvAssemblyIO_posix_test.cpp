@@ -1,4 +1,4 @@
-// Ways to fail that only POSIX systems can provoke without help.
+// Failures that tests can provoke only on POSIX.
 
 #include <tests/assembly/random_assemblies.h>
 #include <tests/assembly/sample_components.h>
@@ -36,7 +36,7 @@ TEST(AssemblyFileOnPosix, GivesAShortWriteOnAFullDevice) {
     EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"/dev/full", part()), eFileIOShortWrite);
 }
 
-TEST(AssemblyFileOnPosix, GivesAShortWriteWhereTheDiskFillsUpAtAnyByte) {
+TEST(AssemblyFileOnPosix, GivesAShortWriteIfTheDiskIsFullAtAnyByte) {
     const trv::testing::TemporaryDirectory directory;
     const std::string path = (directory / "a.xml").string();
     CQvFilesIO facade(directory.text());
@@ -132,7 +132,7 @@ TEST(AssemblyFileOnPosix, IsNamedInUtf8WhateverCodecTheHostSets) {
     }
 }
 
-// Qt's own serialisation orders attributes by a hash that differs from process to process.
+// Qt's serialisation orders attributes by a hash that differs from process to process.
 TEST(AssemblyFileOnPosix, HasTheSameBytesInEveryProcess) {
     const trv::testing::TemporaryDirectory directory;
     trv::testing::RandomAssemblies assemblies(4);

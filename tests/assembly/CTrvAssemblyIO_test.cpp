@@ -68,7 +68,7 @@ bool sameBits(const double* one, const double* other) {
     return true;
 }
 
-// A text as it comes back: bytes that are no text do not survive.
+// The text that comes back. Bytes that are not text are replaced.
 std::string readable(const std::string& text) {
     return trv::toNarrow(trv::fromNarrow(text));
 }
@@ -109,7 +109,7 @@ TEST_F(AssemblyFile, ReadsWhatWasWrittenAsAnEqualRecord) {
     EXPECT_EQ(data, vise());
 }
 
-TEST_F(AssemblyFile, IsTheSameThroughEveryWayIntoTheFacade) {
+TEST_F(AssemblyFile, IsTheSameThroughEveryFunctionOfTheFacade) {
     const std::wstring path = directory.wide() + L"/w.xml";
     ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"w.xml"), vise()), eFileIOSuccess);
     ASSERT_EQ(CQvFilesIO::sReadTrvAssembly(path, data), eFileIOSuccess);
@@ -139,7 +139,7 @@ TEST_F(AssemblyFile, HasTheSameBytesEveryTime) {
     EXPECT_EQ(bytes.back(), '\n');
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(writtenBytes(vise()), bytes);
-    // And written back after a read.
+    // The assembly that was read is written again.
     ASSERT_EQ(readBytes(bytes), eFileIOSuccess);
     EXPECT_EQ(writtenBytes(data), bytes);
 }
@@ -173,7 +173,7 @@ TEST_F(AssemblyFile, DoesNotOpenANameWithAZeroInside) {
     EXPECT_EQ(data, vise());
 }
 
-TEST_F(AssemblyFile, LeavesTheOldFileWhereTheRecordCannotBeWritten) {
+TEST_F(AssemblyFile, KeepsTheOldFileIfTheRecordCannotBeWritten) {
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
     const std::string before = bytesOf(directory / "a.xml");
     EXPECT_EQ(facade.writeTrvAssembly("a.xml", CTrvAssemblyData()), eFileIOContentError);
@@ -185,7 +185,7 @@ TEST_F(AssemblyFile, LeavesTheOldFileWhereTheRecordCannotBeWritten) {
     EXPECT_FALSE(std::filesystem::exists(directory / "new.xml"));
 }
 
-TEST_F(AssemblyFile, CutsALongerOldFile) {
+TEST_F(AssemblyFile, TruncatesALongerOldFile) {
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", vise()), eFileIOSuccess);
     const CTrvAssemblyData small = assemblyOf(leaf("a", "a"));
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", small), eFileIOSuccess);
@@ -202,7 +202,7 @@ TEST_F(AssemblyFile, RefusesEveryTruncationOfAFile) {
     }
 }
 
-TEST_F(AssemblyFile, AnswersRandomBytesWithAStatus) {
+TEST_F(AssemblyFile, ReturnsAStatusForRandomBytes) {
     std::mt19937 random(3);
     const std::string valid = writtenBytes(vise());
     for (int i = 0; i < 2000; ++i) {
@@ -233,7 +233,7 @@ TEST_F(AssemblyFile, IsRefusedForACharacterThatXmlDoesNotAllow) {
     }
 }
 
-TEST_F(AssemblyFile, IsRefusedForWhatQtCannotHoldBeforeItsRootIsLookedAt) {
+TEST_F(AssemblyFile, IsRefusedForWhatQtCannotHoldBeforeItsRootIsRead) {
     const auto nested = [](int levels, const std::string& open, const std::string& close,
                            std::string text = "") {
         for (int i = 0; i < levels; ++i)
@@ -268,7 +268,7 @@ TEST_F(AssemblyFile, ReadsAnAttributeOfAHundredMegabytes) {
     EXPECT_EQ(data.getRootComponent().getName().size(), length);
 }
 
-TEST_F(AssemblyFile, GoesAllTheWayWithTheDeepestNestingOnASmallStack) {
+TEST_F(AssemblyFile, IsWrittenAndReadWithTheMaxNestingOnASmallStack) {
     constexpr std::size_t stack = std::size_t{512} << 10;
     trv::platform::call_on_stack(stack, [&] {
         const CTrvAssemblyData deepest = assemblyOf(chain(999));
@@ -281,7 +281,7 @@ TEST_F(AssemblyFile, GoesAllTheWayWithTheDeepestNestingOnASmallStack) {
     });
 }
 
-TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheDeepest) {
+TEST_F(AssemblyFile, IsRefusedOneLevelBeyondTheMaxNesting) {
     std::string bytes = writtenBytes(assemblyOf(chain(999)));
     ASSERT_EQ(readBytes(bytes), eFileIOSuccess);
     const std::string file = "<File name=\"end.stl\"/>";
@@ -314,7 +314,7 @@ TEST_F(AssemblyFile, SetsThePolicyForInvalidDataAtEveryCall) {
     EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
 }
 
-TEST_F(AssemblyFile, SaysWhyItWasNotRead) {
+TEST_F(AssemblyFile, ReportsWhyItWasNotRead) {
     QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
     CFileFault fault;
     const auto reasonFor = [&](const char* bytes) {
@@ -339,7 +339,7 @@ TEST_F(AssemblyFile, SaysWhyItWasNotRead) {
     EXPECT_EQ(fault.column, 0);
 }
 
-TEST_F(AssemblyFile, SaysThatReadingBreaksOff) {
+TEST_F(AssemblyFile, ReportsAReadThatFails) {
     if (!std::filesystem::exists("/proc/self/mem")) {
         GTEST_SKIP() << "there is no file here that breaks off";
     }
@@ -350,7 +350,7 @@ TEST_F(AssemblyFile, SaysThatReadingBreaksOff) {
     EXPECT_EQ(fault.systemError, EIO);
 }
 
-TEST_F(AssemblyFile, SaysThatANameIsNoFileName) {
+TEST_F(AssemblyFile, ReportsThatANameIsNotAFileName) {
     for (const QString& name : {QString(), QStringLiteral(""), QStringLiteral("a") + QChar(0)}) {
         CFileFault fault;
         fault.reason = "old";
@@ -384,7 +384,7 @@ TEST_F(AssemblyFile, NotesWhatItReadsDifferently) {
     EXPECT_EQ(fault.notes[1].line, 2);
 }
 
-TEST_F(AssemblyFile, SaysWhyItIsNotWritten) {
+TEST_F(AssemblyFile, ReportsWhyItIsNotWritten) {
     CFileFault fault;
     const auto write = [&](const CTrvAssemblyComponentData& root, const char* name) {
         const QString path = QString::fromStdString(directory.text() + "/" + name);
@@ -409,7 +409,7 @@ TEST_F(AssemblyFile, SaysWhyItIsNotWritten) {
     EXPECT_EQ(fault.systemError, 0);
 }
 
-TEST_F(AssemblyFile, SaysThatTheDiskIsFull) {
+TEST_F(AssemblyFile, ReportsThatTheDiskIsFull) {
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
     CFileFault fault;
     CTrvAssemblyIO file(QStringLiteral("/dev/full"));
@@ -418,7 +418,7 @@ TEST_F(AssemblyFile, SaysThatTheDiskIsFull) {
     EXPECT_EQ(fault.systemError, ENOSPC);
 }
 
-TEST_F(AssemblyFile, TakesNamesBeyondAscii) {
+TEST_F(AssemblyFile, AcceptsNamesBeyondAscii) {
     ASSERT_EQ(facade.writeTrvAssembly(std::wstring(L"Spannb\u00fcchse \u6f22.xml"), vise()),
               eFileIOSuccess);
     EXPECT_TRUE(std::filesystem::exists(directory / "Spannb\u00fcchse \u6f22.xml"));

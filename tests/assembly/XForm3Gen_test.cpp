@@ -83,7 +83,7 @@ TEST(XForm3Gen, CountsTheFourthColumns) {
 }
 
 TEST(XForm3Gen, AddsUpFromTheFirstProductToTheLast) {
-    // Only in this order is the 1 lost before the two large numbers cancel.
+    // Only in this order of additions the 1 is lost before the two large numbers cancel.
     Placement local;
     const double row[4] = {1e16, 1, -1e16, 0};
     std::copy(std::begin(row), std::end(row), local.data());
@@ -101,7 +101,7 @@ TEST(XForm3Gen, CanBeMultipliedIntoItself) {
     EXPECT_EQ(entriesOf(turned), (Entries{-1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1, 0, -1, 3, 6, 1}));
 }
 
-TEST(XForm3Gen, CarriesANanWhereItBelongs) {
+TEST(XForm3Gen, KeepsANanInItsElements) {
     Placement local;
     local(3, 0) = std::numeric_limits<double>::quiet_NaN();
     const Placement product = local * Placement();

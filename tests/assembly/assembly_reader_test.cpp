@@ -84,7 +84,7 @@ TEST_F(AssemblyReader, RefusesAnotherRoot) {
     EXPECT_EQ(fault.reason, "the root element is <ComponentInfos>, not <ComponentInfo>");
 }
 
-TEST_F(AssemblyReader, TakesEveryIntegerForAVersion) {
+TEST_F(AssemblyReader, AcceptsEveryIntegerAsAVersion) {
     const struct {
         const char* text;
         int value;
@@ -104,7 +104,7 @@ TEST_F(AssemblyReader, TakesEveryIntegerForAVersion) {
     }
 }
 
-TEST_F(AssemblyReader, RefusesAVersionThatIsNoInteger) {
+TEST_F(AssemblyReader, RefusesAVersionThatIsNotAnInteger) {
     for (const char* text : {"version='1.0'", "version='0x1'", "version=''", "version='2147483648'",
                              "version='one'", ""}) {
         EXPECT_EQ(read("<ComponentInfo " + std::string(text) +
@@ -127,7 +127,7 @@ TEST_F(AssemblyReader, NeedsARootComponent) {
                    "</ComponentInfo>"),
               eFileIOContentError);
     EXPECT_EQ(fault.reason, "<ComponentInfo> has no <Component>");
-    // The dimension is taken before the root component is looked for.
+    // The reader sets the dimension before it searches the root component.
     EXPECT_THAT(dimension(), ElementsAre(7, 0, 0));
 }
 
@@ -147,7 +147,7 @@ TEST_F(AssemblyReader, ReadsAMissingCoordinateOfTheDimensionAsZero) {
     EXPECT_THAT(dimension(), ElementsAre(0, 2, 3));
 }
 
-TEST_F(AssemblyReader, LeavesTheDimensionWhereACoordinateIsNoNumber) {
+TEST_F(AssemblyReader, KeepsTheDimensionIfACoordinateIsNotANumber) {
     for (const char* coordinates : {"x=''", "x='1' y='a'", "x='1' y='2' z='3,5'"}) {
         data = trv::testing::assemblyOf({}, {7, 8, 9});
         EXPECT_EQ(read("<ComponentInfo version='1'><Attributs><Dimension " +
@@ -157,7 +157,19 @@ TEST_F(AssemblyReader, LeavesTheDimensionWhereACoordinateIsNoNumber) {
     }
 }
 
-TEST_F(AssemblyReader, TakesNumbersInEveryFormThatIsOne) {
+TEST_F(AssemblyReader, LeavesTheDimensionThatTheDocumentLacks) {
+    const double earlier[] = {7, 8, 9};
+    data.setDimension(earlier);
+    for (const char* attributes : {"<Attributs/>", "<Attributs><dimension x='1'/></Attributs>",
+                                   "<Attributs/><Dimension x='1'/>"}) {
+        EXPECT_EQ(read("<ComponentInfo version='1'>" + std::string(attributes) +
+                       "<Component/></ComponentInfo>"),
+                  eFileIOSuccess);
+        EXPECT_THAT(dimension(), ElementsAre(7, 8, 9)) << attributes;
+    }
+}
+
+TEST_F(AssemblyReader, AcceptsNumbersInEveryValidForm) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const struct {
         const char* text;
@@ -182,7 +194,7 @@ TEST_F(AssemblyReader, TakesNumbersInEveryFormThatIsOne) {
     EXPECT_EQ(translation()[1], 1);
 }
 
-TEST_F(AssemblyReader, StopsAtACoordinateThatIsNoNumber) {
+TEST_F(AssemblyReader, StopsAtACoordinateThatIsNotANumber) {
     for (const char* text :
          {"-nan", "infinity", "0x10", "1,5", "1 2", "1e400", "1e-400", "", "a"}) {
         ASSERT_EQ(readComponent("", "<Translation x='1' y='" + std::string(text) + "' z='3'/>"),
@@ -204,7 +216,7 @@ TEST_F(AssemblyReader, EndsTextsAtTheirFirstNul) {
     EXPECT_EQ(root().getName(), "ab");
 }
 
-TEST_F(AssemblyReader, TakesOnlyTheDigitOneForEnabled) {
+TEST_F(AssemblyReader, TreatsOnlyTheDigitOneAsEnabled) {
     for (const char* text : {"0", "false", "no", "true", "yes", "2", "01", " 1", ""}) {
         ASSERT_EQ(readComponent("enabled='" + std::string(text) + "'", ""), eFileIOSuccess);
         EXPECT_FALSE(root().isEnabled()) << text;
@@ -270,7 +282,7 @@ TEST_F(AssemblyReader, CountsAComponentThatIsLeftOutOnceWhateverIsBelowIt) {
     EXPECT_TRUE(leftOutLines().empty());
 }
 
-TEST_F(AssemblyReader, ReadsTheChildrenThatAreThere) {
+TEST_F(AssemblyReader, ReadsTheExistingChildren) {
     ASSERT_EQ(readComponent("",
                             "<Data number='7'><Other/><Component name='a'/><Other/>"
                             "<Component name='b'/></Data>"),
@@ -292,7 +304,7 @@ TEST_F(AssemblyReader, ReadsChildrenInDocumentOrderOnEveryLevel) {
                                   group("c", {named("ca")})}));
 }
 
-TEST_F(AssemblyReader, TakesTheFileAndIgnoresTheChildren) {
+TEST_F(AssemblyReader, ReadsTheFileAndIgnoresTheChildren) {
     ASSERT_EQ(
         readComponent("", "<Data><Component name='a'/><File name='f.stl'/><File name='g'/></Data>"),
         eFileIOSuccess);
@@ -310,7 +322,7 @@ TEST_F(AssemblyReader, IgnoresTheChildrenBesideAFileWithoutAName) {
     EXPECT_TRUE(root().getComponents().empty());
 }
 
-TEST_F(AssemblyReader, LooksForTheFileAmongTheDirectChildrenAlone) {
+TEST_F(AssemblyReader, SearchesTheFileOnlyAmongTheDirectChildren) {
     ASSERT_EQ(
         readComponent("", "<Data><Other><File name='f'/></Other><Component name='a'/></Data>"),
         eFileIOSuccess);
@@ -318,7 +330,7 @@ TEST_F(AssemblyReader, LooksForTheFileAmongTheDirectChildrenAlone) {
     EXPECT_EQ(root().getComponents().size(), 1u);
 }
 
-TEST_F(AssemblyReader, TakesTheFirstElementOfEachName) {
+TEST_F(AssemblyReader, UsesTheFirstElementOfEachName) {
     ASSERT_EQ(
         readComponent("", std::string("<Translation x='1'/><Translation x='2'/><Orientation>") +
                               identity + "</Orientation><Orientation/>" +
@@ -329,7 +341,7 @@ TEST_F(AssemblyReader, TakesTheFirstElementOfEachName) {
     EXPECT_EQ(root().getGeometryFileName(), "");
 }
 
-TEST_F(AssemblyReader, KnowsNoNamespaces) {
+TEST_F(AssemblyReader, SupportsNoNamespaces) {
     EXPECT_EQ(read("<ComponentInfo xmlns='urn:x' version='1'><Attributs/><Component/>"
                    "</ComponentInfo>"),
               eFileIOSuccess);

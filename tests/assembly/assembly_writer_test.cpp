@@ -261,6 +261,7 @@ TEST_F(AssemblyWriter, EscapesWhatAttributesCannotHold) {
 TEST_F(AssemblyWriter, WritesUtf8) {
     EXPECT_EQ(lineWithFile("a\u00e9\u20ac\U0001F600z"),
               "<File name=\"a\u00e9\u20ac\U0001F600z\"/>");
+    EXPECT_EQ(lineWithFile("\u0080"), "<File name=\"\u0080\"/>");
     EXPECT_EQ(lineWithFile("\uFEFFa"), "<File name=\"\uFEFFa\"/>");
 }
 

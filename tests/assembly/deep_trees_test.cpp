@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t levels = 100000;
 
-/// Each test runs on the caller's stack and on one of 512 KiB, where any recursion ends early.
+/// Each test runs on the caller's stack and on one of 512 KiB, which any recursion would overflow.
 class DeepTree : public ::testing::TestWithParam<bool> {
 protected:
     template <class Work>
@@ -39,7 +39,7 @@ Component deep() {
     return chain(levels, named("bottom", leaf("deep.stl")));
 }
 
-/// Two children on each level: a leaf, and the next level before or behind it.
+/// Two children on each level: a leaf, and the next level before or after it.
 Component comb(bool leafFirst) {
     Component bottom = leaf("deep.stl");
     for (std::size_t i = 0; i < levels; ++i) {
@@ -123,7 +123,7 @@ TEST_P(DeepTree, IsFlattenedInOrderWithBranchesOnEveryLevel) {
     });
 }
 
-TEST_P(DeepTree, IsCutShort) {
+TEST_P(DeepTree, MayBeTruncated) {
     run([] {
         Component component = deep();
         component.setComponents({});
@@ -165,7 +165,7 @@ TEST_P(DeepTree, IsMoved) {
     });
 }
 
-TEST_P(DeepTree, StandsInAnAssembly) {
+TEST_P(DeepTree, MayBeInAnAssembly) {
     run([] {
         CTrvAssemblyData assembly;
         assembly.setRootComponent(deep());

@@ -42,7 +42,7 @@ protected:
     CFileFault fault;
 };
 
-// Says that it can go back, and cannot.
+// Claims to be random-access, but cannot seek.
 class OneWayBuffer : public QBuffer {
 public:
     using QBuffer::QBuffer;
@@ -62,7 +62,7 @@ int depthOf(const QDomDocument& document) {
     return depth;
 }
 
-// A device that gives its bytes once, in pieces of its own choice.
+// A sequential device that returns its bytes in pieces of any size.
 class Pipe : public QIODevice {
 public:
     explicit Pipe(QByteArray bytes) : bytes_(std::move(bytes)) {}
@@ -168,7 +168,7 @@ TEST_F(DocumentParser, RefusesHalvesOfSurrogatePairs) {
     }
 }
 
-TEST_F(DocumentParser, TakesFormFeedsInWhiteSpaceAlone) {
+TEST_F(DocumentParser, AcceptsFormFeedsInWhiteSpaceOnly) {
     for (const char* bytes :
          {"<a b='1'>\f<c/>\v</a>", "<a b='1'>x<c/>&#12; \n</a>", "<a b='1'>x&y;\f&z;x</a>"}) {
         EXPECT_TRUE(parse(bytes)) << bytes;
@@ -202,7 +202,7 @@ TEST_F(DocumentParser, RefusesWhatIsNotWellFormed) {
     }
 }
 
-TEST_F(DocumentParser, TellsWhereADocumentBreaks) {
+TEST_F(DocumentParser, ReportsThePlaceOfAnError) {
     ASSERT_FALSE(parse("<a>\n  <b>\n  </c>\n</a>"));
     EXPECT_EQ(fault.line, 3);
     EXPECT_EQ(fault.reason, "tag mismatch");
@@ -215,14 +215,14 @@ TEST_F(DocumentParser, ReadsAsManyOpenElementsAsAreAllowed) {
     EXPECT_EQ(fault.reason, "more than 2000 elements are open");
 }
 
-TEST_F(DocumentParser, ReadsEveryDepthAroundTheOneThatTheCallersStackBears) {
+TEST_F(DocumentParser, ReadsEveryDepthAroundTheLimitOfTheCallersStack) {
     for (int depth = 195; depth < 205; ++depth) {
         EXPECT_TRUE(parse(nested(depth)));
         EXPECT_EQ(depthOf(tree->document), depth);
     }
 }
 
-TEST_F(DocumentParser, ReadsTheDeepestDocumentOnASmallStack) {
+TEST_F(DocumentParser, ReadsADocumentOfMaxDepthOnASmallStack) {
     constexpr std::size_t stack = std::size_t{512} << 10;
     bool parsed = false;
     trv::platform::call_on_stack(stack, [&] {
@@ -232,11 +232,20 @@ TEST_F(DocumentParser, ReadsTheDeepestDocumentOnASmallStack) {
     EXPECT_TRUE(parsed);
 }
 
+// A deep one is freed in a way that needs little stack.
+TEST_F(DocumentParser, TellsADeepDocumentFromAShallowOne) {
+    EXPECT_TRUE(parse(nested(200)));
+    EXPECT_FALSE(tree->isDeep);
+    EXPECT_TRUE(parse(nested(201)));
+    EXPECT_TRUE(tree->isDeep);
+}
+
 TEST_F(DocumentParser, ReadsADeepDocumentFromADeviceThatCannotGoBack) {
     Pipe device(nested(1000));
     device.open(QIODevice::ReadOnly);
     EXPECT_TRUE(parse(device));
     EXPECT_EQ(depthOf(tree->document), 1000);
+    EXPECT_TRUE(tree->isDeep);
 }
 
 TEST_F(DocumentParser, ThrowsBadAllocForADeepDocumentWhenNoFurtherStackIsAvailable) {
@@ -254,6 +263,11 @@ TEST_F(DocumentParser, RefusesADeepDocumentThatCannotBeReadAgain) {
     device.open(QIODevice::ReadOnly);
     EXPECT_FALSE(parse(device));
     EXPECT_FALSE(fault.reason.empty());
+    // What follows the first block would be a document.
+    bytes = QByteArray("<a>").repeated(201).leftJustified(65536, ' ') + "<a/>";
+    OneWayBuffer rest(&bytes);
+    rest.open(QIODevice::ReadOnly);
+    EXPECT_FALSE(parse(rest));
 }
 
 TEST_F(DocumentParser, RefusesElementsBeyondCountWithoutCrashing) {
@@ -272,7 +286,7 @@ TEST_F(DocumentParser, RefusesEntityDeclarations) {
     EXPECT_EQ(fault.line, 2);
 }
 
-TEST_F(DocumentParser, RefusesWhatStandsBehindTheRoot) {
+TEST_F(DocumentParser, RefusesTextAfterTheRoot) {
     EXPECT_FALSE(parse("<a/><!DOCTYPE a [<!ENTITY e \"x\">]>"));
     EXPECT_EQ(fault.reason, "an entity is declared");
     EXPECT_FALSE(parse("<a/>" + nested(100000)));
@@ -304,14 +318,15 @@ TEST_F(DocumentParser, CountsElementsInEveryEncoding) {
     for (const char* name : {"UTF-16", "UTF-16LE", "UTF-16BE", "UTF-32"}) {
         EXPECT_FALSE(parse(QTextCodec::codecForName(name)->fromUnicode(deep))) << name;
     }
-    // "+ADw-" is "<" in UTF-7, a spelling that no look at the bytes would recognise.
+    // "+ADw-" is "<" in UTF-7. A check of the bytes would not recognise it.
     const QByteArray disguised =
         "<?xml version='1.0' encoding='UTF-7'?>" + QByteArray("+ADw-a>").repeated(100000);
     EXPECT_FALSE(parse(disguised));
 }
 
 TEST_F(DocumentParser, ReadsAcrossItsBlocks) {
-    // References and characters of up to four bytes lie on every possible place of a block's end.
+    // The end of a block is at every possible position of references and of characters of up to
+    // four bytes.
     for (int shift = 65536 - 64; shift < 65536; ++shift) {
         const QByteArray start = "<a b='1'>";
         const QByteArray bytes = start + QByteArray(shift - start.size(), ' ') +
@@ -333,7 +348,7 @@ TEST_F(DocumentParser, GivesThePlaceOfARefusalBeyondItsFirstBlock) {
     EXPECT_EQ(fault.column, 200004);
 }
 
-TEST_F(DocumentParser, TakesTheLastOfDoubledAttributes) {
+TEST_F(DocumentParser, UsesTheLastOfDoubledAttributes) {
     ASSERT_TRUE(parse("<a b='1' b='2'/>"));
     EXPECT_EQ(rootAttribute("b"), QStringLiteral("2"));
 }

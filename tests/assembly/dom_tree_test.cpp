@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/support/platform.h>
 
+#include <QDomImplementation>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -12,7 +13,7 @@ namespace {
 constexpr int levels = 5000;
 constexpr std::size_t smallStack = std::size_t{64} << 10;
 
-// A document whose elements are nested, each with some siblings beside it on its own level.
+// A document of nested elements, each with some siblings.
 QDomDocument nested() {
     QDomDocument document;
     document.setContent(QByteArray("<a/>"));
@@ -46,6 +47,16 @@ TEST(DomTree, FreesAnEmptyDocument) {
     trv::DomTree tree;
     tree.isDeep = true;
     EXPECT_TRUE(tree.document.isNull());
+}
+
+TEST(InvalidDataPolicy, IsSetWhateverItWas) {
+    for (const auto policy :
+         {QDomImplementation::AcceptInvalidChars, QDomImplementation::DropInvalidChars,
+          QDomImplementation::ReturnNullNode}) {
+        QDomImplementation::setInvalidDataPolicy(policy);
+        trv::setInvalidDataPolicy();
+        EXPECT_EQ(QDomImplementation::invalidDataPolicy(), QDomImplementation::ReturnNullNode);
+    }
 }
 
 }  // namespace

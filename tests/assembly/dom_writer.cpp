@@ -2,7 +2,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/component_body.h>
-#include <trvfiles/assembly/dom_walk.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QDomElement>

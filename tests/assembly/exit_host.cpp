@@ -22,7 +22,7 @@ void readAndWrite(const char* moment) {
     CTrvAssemblyData data;
     const EFileIOStatus readStatus = files.readTrvAssembly(std::wstring(L"Fr\u00e4se.xml"), data);
     const EFileIOStatus writeStatus = files.writeTrvAssembly(std::wstring(L"\u20ac.xml"), data);
-    // A moved-from assembly reads the defaults, which all have in common.
+    // A moved-from assembly reads the shared defaults.
     CTrvAssemblyData movedFrom;
     const CTrvAssemblyData taken = std::move(movedFrom);
     std::printf("%s: read %d \"%s\" %llu, written %d, default \"%s\"\n", moment, readStatus,
@@ -31,8 +31,8 @@ void readAndWrite(const char* moment) {
     static_cast<void>(std::fflush(stdout));
 }
 
-// Constructed before anything of the library or of Qt is used, so destroyed after all that they
-// construct on the way.
+// Constructed before the first use of the library and of Qt, so destroyed after all objects that
+// they construct.
 struct Early {
     ~Early() { readAndWrite("destructor"); }
 } early;

@@ -1,4 +1,4 @@
-// Assemblies during exit: reading outlives what Qt destroys then.
+// Assemblies during exit: they can be read after Qt has destroyed its static objects.
 
 #include <tests/assembly/sample_components.h>
 #include <tests/common/file_bytes.h>
@@ -19,7 +19,7 @@ using namespace trv::testing;
 
 class AssemblyAtExit : public ::testing::Test {
 protected:
-    // What the host prints about a file of these bytes.
+    // The output of the host for a file of these bytes.
     std::string outputFor(const std::string& bytes) {
         writeBytes(directory / u8"Fr\u00e4se.xml", bytes);
         QProcess host;
@@ -42,7 +42,7 @@ protected:
     TemporaryDirectory directory;
 };
 
-// Narrow text that is not UTF-8 takes a codec of Qt's for what is not ASCII.
+// Narrow text that is not UTF-8 needs a codec of Qt for characters that are not ASCII.
 const std::string name =
     trv::platform::narrow_text_is_utf8() ? "Fr\u00e4se \u20ac \U0001F600" : "Fraese";
 const std::string document = "<ComponentInfo version='1'><Attributs/><Component name='" + name +
@@ -77,7 +77,7 @@ TEST_F(AssemblyAtExit, IsReadInUtf16AndLatin1) {
                         "\" 0, written 1, default \"\""));
 }
 
-TEST_F(AssemblyAtExit, IsRefusedInAnEncodingThatQtNoLongerKnows) {
+TEST_F(AssemblyAtExit, IsRefusedInAnEncodingThatQtNoLongerSupports) {
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "Qt's DLL outlives the program";
     const std::string bytes =
         "<?xml version='1.0' encoding='windows-1252'?><ComponentInfo version='1'><Attributs/>"
@@ -94,7 +94,7 @@ TEST_F(AssemblyAtExit, IsReadOnASecondStackWhenItIsDeep) {
               everyTime("read 1 \"level\" 1, written 1, default \"\""));
 }
 
-TEST_F(AssemblyAtExit, IsRefusedAsEverWhenItIsBroken) {
+TEST_F(AssemblyAtExit, IsRefusedAsBeforeIfItIsMalformed) {
     EXPECT_EQ(outputFor("<ComponentInfo version='1'><Attributs/><!--\x01-->"),
               everyTime("read 4 \"\" 0, written 4, default \"\""));
     EXPECT_EQ(outputFor("<a/>"), everyTime("read 5 \"\" 0, written 4, default \"\""));

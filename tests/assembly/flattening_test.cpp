@@ -69,7 +69,7 @@ TEST(Flattening, ListsAComponentBeforeItsDescendants) {
     EXPECT_EQ(namesOf(flattened(table)), (Names{"table", "vise", "jaw", "screw", "part"}));
 }
 
-TEST(Flattening, GoesBelowAGeometryFileWhereCountingStops) {
+TEST(Flattening, IncludesWhatIsBelowAGeometryFileUnlikeCounting) {
     Component parent = leaf("p");
     parent.setComponents({leaf("a"), leaf("b")});
     const Component top = over(parent);
@@ -112,7 +112,7 @@ TEST(Flattening, TurnsAChildWithItsParent) {
 }
 
 TEST(Flattening, AppliesTheOwnPlacementFirst) {
-    // A turn by 90 degrees about z within a turn by 90 degrees about x, both moved.
+    // A rotation by 90 degrees about z in a rotation by 90 degrees about x, both translated.
     const Component child = turned({0, 1, 0, -1, 0, 0, 0, 0, 1}, moved(1, 2, 3, leaf("child")));
     const Component parent = turned({1, 0, 0, 0, 0, 1, 0, -1, 0}, moved(10, 20, 30, over(child)));
     const List list = flattened(parent);
@@ -138,7 +138,7 @@ TEST(Flattening, StartsFromTheGivenPlacement) {
 }
 
 TEST(Flattening, ListsTheSameWhateverTheFourthColumnOfTheGivenPlacement) {
-    // It is carried from level to level, but a component's own fourth column is 0, 0, 0, 1.
+    // The fourth column is multiplied on each level, but that of each component is 0, 0, 0, 1.
     Placement parent;
     parent(3, 0) = 10;
     parent(0, 3) = 4;

@@ -24,7 +24,7 @@ QString decoded(const QByteArray& bytes) {
     return decoder.decode(bytes);
 }
 
-// The characters of a text in UTF-16, lower half first unless `bigEndian`.
+// The characters of a text in UTF-16, little-endian unless `bigEndian`.
 QByteArray utf16(const QString& text, bool bigEndian) {
     QByteArray bytes;
     for (const QChar unit : text) {
@@ -80,7 +80,7 @@ TEST(PlainDecoder, DecodesNothingOfAnotherEncoding) {
     }
 }
 
-TEST(PlainDecoder, TakesNoOtherTextForADeclaration) {
+TEST(PlainDecoder, TreatsNoOtherTextAsADeclaration) {
     for (const char* bytes :
          {"<?xml version='1.0'?><a encoding='windows-1252'/>", "<!-- encoding='x' -->",
           "<?xml encoding?>'x'", "<?xml encoding=''?><a/>", "<a encoding='x'/>", "<?xml "}) {
@@ -122,7 +122,12 @@ TEST(PlainDecoder, DropsAnIncompleteCharacterAtTheEnd) {
     EXPECT_EQ(decoded(QByteArray("<\0a\0/", 5)), QStringLiteral("<a"));
 }
 
-// Bytes of every kind, well-formed or not, in pieces of every length.
+TEST(PlainDecoder, ReplacesAByteAtTheEndThatBeginsNoCharacter) {
+    for (const char byte : {'\xC0', '\xC1', '\xF5', '\xFF'})
+        EXPECT_EQ(decoded(QByteArray("<a/>") + byte), QStringLiteral("<a/>\uFFFD"));
+}
+
+// Well-formed and malformed bytes of every kind, in pieces of every length.
 TEST(PlainDecoder, DecodesUtf8AsQtsCodecDoes) {
     std::mt19937 random(1);
     const char* const parts[] = {"a",        "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",

@@ -1,5 +1,5 @@
 #include <trvfiles/assembly/document_parser.h>
-#include <trvfiles/assembly/dom_walk.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/assembly/plain_scanner.h>
 
 #include <QBuffer>

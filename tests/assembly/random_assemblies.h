@@ -11,7 +11,7 @@
 
 namespace trv::testing {
 
-/// Trees with every kind of text and number that a file can hold; the same ones in every run.
+/// Trees with every kind of text and number that a file can hold. They are the same in every run.
 class RandomAssemblies {
 public:
     explicit RandomAssemblies(unsigned seed) : random_(seed) {}

@@ -12,14 +12,14 @@ namespace trv::testing {
 
 using Components = std::vector<CTrvAssemblyComponentData>;
 
-/// A component with the identity placement and a geometry file, as long as the name is not empty.
+/// A component with the identity placement. It has a geometry file if the name is not empty.
 inline CTrvAssemblyComponentData leaf(std::string fileName) {
     CTrvAssemblyComponentData component;
     component.setGeometryFileName(std::move(fileName));
     return component;
 }
 
-/// A component without a geometry file over some children.
+/// A component without a geometry file, with some children.
 inline CTrvAssemblyComponentData group(Components children) {
     CTrvAssemblyComponentData component;
     component.setComponents(std::move(children));
@@ -47,7 +47,7 @@ inline CTrvAssemblyComponentData over(CTrvAssemblyComponentData child,
     return parent;
 }
 
-/// `levels` components one above the other, each moved by 1 along x, over `bottom`.
+/// A chain of `levels` components, each translated by 1 along x, with `bottom` at its end.
 inline CTrvAssemblyComponentData chain(std::size_t levels, CTrvAssemblyComponentData bottom) {
     for (; levels > 0; --levels)
         bottom = over(std::move(bottom), moved(1, 0, 0));
@@ -79,7 +79,7 @@ inline CTrvAssemblyData assemblyOf(CTrvAssemblyComponentData root, Vector3 dimen
     return assembly;
 }
 
-/// A chain of `components` components, one below the other, the last of them with a geometry file.
+/// A chain of `components` components. The last one has a geometry file.
 inline CTrvAssemblyComponentData chain(int components) {
     CTrvAssemblyComponentData component = leaf("level", "end.stl");
     for (int i = 1; i < components; ++i)

@@ -63,7 +63,7 @@ constexpr Surroundings outsideTags[] = {{"<a>", "</a>"},
                                         {"<a/>", ""},
                                         {"<a/><!--", "-->"}};
 
-// What the parser gets of a document that is refused for a character.
+// The part that the parser gets of a document that is rejected for a character.
 struct Refused {
     uint code = 0;
     qint64 line = 0;
@@ -144,7 +144,7 @@ TEST(XmlScreen, RefusesHalvesOfPairs) {
     EXPECT_EQ(refused(QStringLiteral("<!--") + high + QStringLiteral("-->")).code, 0xD83DU);
 }
 
-TEST(XmlScreen, TakesFormFeedsAndVerticalTabsInWhiteSpaceAlone) {
+TEST(XmlScreen, AcceptsFormFeedsAndVerticalTabsInWhiteSpaceOnly) {
     for (const char* document :
          {"<a>\f</a>", "<a>\v</a>", "<a> \n\f\v\t<b/> \f\u00A0\u2003</a>", "<a>x<b/>\f<b/>x</a>",
           "<a>x<!--c-->\f<?p?>\v<![CDATA[x]]>\f</a>", "<a>x&b;\f&c;x</a>", "<a>&#11;&#xC;</a>",
@@ -177,6 +177,7 @@ TEST(XmlScreen, GivesThePlaceAsAnEditorCountsIt) {
     expectRefusedAt("<a>\r\n\r\n \x01", 1, 3, 2);
     expectRefusedAt("<a>\r\r \x01", 1, 3, 2);
     expectRefusedAt("<a>\n\r\n\r\r\nb\x01", 1, 5, 2);
+    expectRefusedAt("<a>\rb\nc\x01", 1, 3, 2);
     expectRefusedAt("<a b='\n\n'>\xC3\xBC\U0001F600&#1;", 1, 3, 6);
     XmlScreen deep(1);
     deep.pass(QStringLiteral("<a>\n<b>"));
@@ -184,7 +185,7 @@ TEST(XmlScreen, GivesThePlaceAsAnEditorCountsIt) {
     EXPECT_EQ(deep.refusedAt().column, 2);
 }
 
-TEST(XmlScreen, LeavesAttributesUntouched) {
+TEST(XmlScreen, DoesNotChangeAttributes) {
     const QString document = QStringLiteral("<a b=\"") + QChar(0) + QChar(1) + QChar(0xD800) +
                              QChar(0xFFFE) + QChar(0xFFFF) + QString::fromUtf8("\U0001F600\f") +
                              QStringLiteral("&#1;&#xFFFE;&#x10000;\"/>");
@@ -192,7 +193,7 @@ TEST(XmlScreen, LeavesAttributesUntouched) {
     EXPECT_EQ(refusalOf(document), none);
 }
 
-TEST(XmlScreen, LeavesTheLiteralsOfADocumentTypeUntouched) {
+TEST(XmlScreen, DoesNotChangeTheLiteralsOfADocumentType) {
     const QString document = QString::fromUtf8(
         "<!DOCTYPE a SYSTEM '\x01\U0001F600' [<!ATTLIST a b CDATA '\x01&#1;\U0001F600'>]><a/>");
     EXPECT_EQ(screened(document), document);
@@ -260,7 +261,8 @@ TEST(XmlScreen, LeavesOtherReferencesAsTheyAre) {
 }
 
 TEST(XmlScreen, MakesNamesOfUndeclaredEntitiesPlain) {
-    // A letter becomes a letter, a digit or a mark a digit; what is part of no name stays.
+    // A letter becomes a letter. A digit or a mark becomes a digit. Other characters, which no name
+    // contains, do not change.
     EXPECT_EQ(screened("<a>&é;&xé٣\u0301;&\uff76;&\u2160;&x€;</a>"),
               QString::fromUtf8("<a>&x;&xx00;&x;&x;&x€;</a>"));
 }
@@ -298,7 +300,7 @@ TEST(XmlScreen, PassesTheSameInWhateverPiecesTheDocumentComes) {
     }
 }
 
-TEST(XmlScreen, HoldsAReferenceBackUntilItIsWhole) {
+TEST(XmlScreen, HoldsAReferenceBackUntilItIsComplete) {
     XmlScreen screen(100);
     EXPECT_EQ(screen.pass(QStringLiteral("<a>text&#x1")), QStringLiteral("<a>text"));
     EXPECT_EQ(screen.pass(QStringLiteral("000")), QString());
@@ -327,25 +329,26 @@ TEST(XmlScreen, CountsOpenElements) {
     EXPECT_EQ(refusalOf("<a><b></b><b><c/></b></a>", 2), tooDeep);
     EXPECT_EQ(refusalOf("<a>", 1), none);
     EXPECT_EQ(refusalOf("<a/>", 0), tooDeep);
+    EXPECT_EQ(refusalOf("</a></a><a><b>", 1), tooDeep);
 }
 
 TEST(XmlScreen, CountsAnEmptyElementWhileItIsOpen) {
     EXPECT_EQ(refusalOf("<a><b/></a>", 1), tooDeep);
 }
 
-TEST(XmlScreen, IsNotDeceivedByAttributeValues) {
+TEST(XmlScreen, IgnoresMarkupInAttributeValues) {
     EXPECT_EQ(refusalOf(QStringLiteral("<c n=\"/>\">").repeated(5), 4), tooDeep);
     EXPECT_EQ(refusalOf(QStringLiteral("<c n='/>'>").repeated(5), 4), tooDeep);
     EXPECT_EQ(refusalOf(QStringLiteral("<c n='</c>' m=\"'/\">").repeated(5), 4), tooDeep);
     EXPECT_EQ(refusalOf(QStringLiteral("<c n=\"</c>\"/>").repeated(500), 1), none);
 }
 
-TEST(XmlScreen, DoesNotCountTagsThatAreNone) {
+TEST(XmlScreen, DoesNotCountTextThatOnlyLooksLikeATag) {
     EXPECT_EQ(refusalOf("<a><!-- <b><b> --><![CDATA[<b><b>]]><?p <b><b>?></a>", 1), none);
     EXPECT_EQ(refusalOf("<!DOCTYPE a [<!-- <b> --><?p <b>?>]><a/>", 1), none);
 }
 
-TEST(XmlScreen, CountsOnBehindEveryKindOfMarkup) {
+TEST(XmlScreen, ContinuesToCountAfterEveryKindOfMarkup) {
     for (const char* markup : {"<!-- - -- -->", "<!---->", "<![CDATA[]]]]>", "<![CDATA[>]>]]>",
                                "<?p?>", "<?p ? > ?\?>", "<b c='>'/>", "&lt;", "text"}) {
         const QString document = QStringLiteral("<a>%1<b><c>").arg(QString::fromLatin1(markup));
@@ -355,7 +358,8 @@ TEST(XmlScreen, CountsOnBehindEveryKindOfMarkup) {
     for (const char* prolog :
          {"<!DOCTYPE a>", "<!DOCTYPE a SYSTEM '>'>", "<!DOCTYPE a PUBLIC \"it's\" \"[\">",
           "<!DOCTYPE a []>", "<!DOCTYPE a [ ] >", "<!DOCTYPE a [<!ELEMENT a ] ANY>]>",
-          "<!DOCTYPE a [ > ]>", "<!DOCTYPE a [<!ELEMENT a (b|c)*><!ATTLIST a b CDATA \"]>'\">%p;]>",
+          "<!DOCTYPE a [ > ]>", "<!DOCTYPE a [<!ELEMENT a ] ANY> > ]>",
+          "<!DOCTYPE a [<!ELEMENT a (b|c)*><!ATTLIST a b CDATA \"]>'\">%p;]>",
           "<!DOCTYPE a [<!NOTATION n PUBLIC \"it's\"><!-- ' \" ]> --><?p ' ]> ?>]>"}) {
         const QString document = QString::fromLatin1(prolog) + QStringLiteral("<a><b><c>");
         EXPECT_EQ(refusalOf(document, 2), tooDeep) << prolog;
@@ -380,14 +384,14 @@ TEST(XmlScreen, RefusesEntityDeclarations) {
               entityDeclaration);
 }
 
-TEST(XmlScreen, TakesEntityDeclarationsThatAreNoneForWhatTheyAre) {
+TEST(XmlScreen, AcceptsTextThatOnlyLooksLikeAnEntityDeclaration) {
     EXPECT_EQ(refusalOf("<!DOCTYPE a [<!-- <!ENTITY e 'x'> --><?p <!ENTITY ?>]><a/>"), none);
     EXPECT_EQ(refusalOf("<!DOCTYPE a SYSTEM '<!ENTITY' [<!ATTLIST a b CDATA '<!ENTITY'>]><a/>"),
               none);
     EXPECT_EQ(refusalOf("<a b='<!ENTITY'><!-- <!ENTITY --><![CDATA[<!ENTITY]]></a>"), none);
 }
 
-TEST(XmlScreen, LetsNothingThroughBehindARefusal) {
+TEST(XmlScreen, PassesNothingAfterARefusal) {
     XmlScreen deep(1);
     EXPECT_EQ(deep.pass(QStringLiteral("<a>text<b>more")), QStringLiteral("<a>text<"));
     XmlScreen entity(100);

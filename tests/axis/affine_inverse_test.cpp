@@ -30,13 +30,13 @@ TEST(AffineInverse, LeavesTheIdentityWithoutANegativeZero) {
     expectNoNegativeZero(affineInverse(identity));
 }
 
-TEST(AffineInverse, TurnsATranslationRound) {
+TEST(AffineInverse, NegatesATranslation) {
     const Matrix inverse = affineInverse({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 10, 0, -30, 1});
     EXPECT_EQ(inverse, (Matrix{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -10, 0, 30, 1}));
     expectNoNegativeZero(inverse);
 }
 
-TEST(AffineInverse, MovesBackBeforeItTurnsBack) {
+TEST(AffineInverse, InvertsTheTranslationBeforeTheRotation) {
     EXPECT_EQ(affineInverse({0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 1, 2, 3, 1}),
               (Matrix{0, 0, 1, 0, 1, 0, 0, 0, 0, 1, 0, 0, -2, -3, -1, 1}));
     EXPECT_EQ(affineInverse({2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 0.5, 0, 2, 4, 10, 1}),
@@ -46,15 +46,15 @@ TEST(AffineInverse, MovesBackBeforeItTurnsBack) {
 }
 
 TEST(AffineInverse, InvertsABlockWithoutZeros) {
-    // Determinant -1; all cofactors are whole.
+    // The determinant is -1; all cofactors are whole numbers.
     EXPECT_EQ(affineInverse({1, 2, 3, 0, 2, 4, 5, 0, 3, 5, 6, 0, 1, 1, 1, 1}),
               (Matrix{1, -3, 2, 0, -3, 3, -1, 0, 2, -1, 0, 0, 0, 1, -1, 1}));
-    // Not symmetric: determinant 1.
+    // Not symmetric, with determinant 1.
     EXPECT_EQ(affineInverse({1, 2, 3, 0, 0, 1, 4, 0, 5, 6, 0, 0, 0, 0, 0, 1}),
               (Matrix{-24, 18, 5, 0, 20, -15, -4, 0, -5, 4, 1, 0, 0, 0, 0, 1}));
 }
 
-TEST(AffineInverse, DoesNotLookAtTheFourthColumn) {
+TEST(AffineInverse, IgnoresTheFourthColumn) {
     EXPECT_EQ(affineInverse({1, 0, 0, 5, 0, 1, 0, 6, 0, 0, 1, 7, 1, 2, 3, 8}),
               (Matrix{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -1, -2, -3, 1}));
 }
@@ -73,7 +73,7 @@ TEST(AffineInverse, InvertsADeterminantOfExactlyItsLimit) {
     EXPECT_EQ(affineInverse(scaled(1e-10))[15], 1);
 }
 
-TEST(AffineInverse, TakesANanForNotSingular) {
+TEST(AffineInverse, TreatsANanAsNotSingular) {
     const Matrix inverse = affineInverse(scaled(std::numeric_limits<double>::quiet_NaN()));
     for (const std::size_t element : {0U, 1U, 2U, 4U, 5U, 6U, 8U, 9U, 10U, 12U, 13U, 14U})
         EXPECT_TRUE(std::isnan(inverse[element])) << element;

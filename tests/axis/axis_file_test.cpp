@@ -39,7 +39,7 @@ Matrix translation(double x, double y, double z) {
     return {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1};
 }
 
-/// What lines 2 to 5, and so 6 to 9, of the identity hold.
+/// Lines 2 to 5 of the identity, which are also lines 6 to 9.
 const std::string identityLines =
     "      1.000000      0.000000      0.000000      0.000000\n"
     "      0.000000      1.000000      0.000000      0.000000\n"
@@ -48,7 +48,7 @@ const std::string identityLines =
 
 class AxisFile : public ::testing::Test {
 protected:
-    /// The bytes that writing gives, each CR removed.
+    /// The bytes that are written, without CRs.
     std::string written(const Matrix& matrix, int tag1 = -1, int tag2 = -1, int tag3 = -1) {
         EXPECT_EQ(files_.writeAxis(L"written", matrix.data(), tag1, tag2, tag3), eFileIOSuccess);
         return textOf(directory_ / "written");
@@ -86,7 +86,7 @@ protected:
         return reading.tags;
     }
 
-    /// Reads a file with this as its second line and the identity's lines after it.
+    /// Reads a file with this second line, followed by the lines of the identity.
     Reading readWithFirstRow(const std::string& row) {
         return read("0\n" + row + identityLines.substr(identityLines.find('\n')));
     }
@@ -126,7 +126,7 @@ TEST_F(AxisFile, HoldsATranslationInTheFourthColumn) {
 }
 
 TEST_F(AxisFile, HoldsTheMatrixTransposedAndItsInverse) {
-    // The block has the determinant 2; its inverse was worked out by hand.
+    // The determinant of the block is 2. Its inverse was computed by hand.
     EXPECT_EQ(written({1, 2, 0, 0.25, 0, 1, 0, 0.5, 0, 3, 2, 0.75, 4, 5, 6, 8}),
               "      1\n"
               "      1.000000      0.000000      0.000000      4.000000\n"
@@ -176,7 +176,7 @@ TEST_F(AxisFile, SetsTheFlagForADifferenceOfMoreThanAMillionth) {
     }
 }
 
-TEST_F(AxisFile, NeverTakesANanForADifference) {
+TEST_F(AxisFile, NeverTreatsANanAsADifference) {
     for (std::size_t element = 0; element < 16; ++element)
         EXPECT_EQ(written(identityBut(element, not_a_number)).substr(0, 8), "      0\n");
     Matrix matrix = translation(0, 0, 1);
@@ -265,7 +265,7 @@ TEST_F(AxisFile, ReadsAWrittenPlacementBack) {
     for (std::size_t element = 0; element < 16; ++element)
         EXPECT_NEAR(reading.matrix[element], placement[element], 1e-6) << element;
     EXPECT_EQ(reading.tags, (Tags{31, 0, INT_MAX}));
-    // A turn of x into y, y into z and z into x is exact.
+    // The rotation of x to y, y to z and z to x is exact.
     const Matrix turn = {0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 1, 2, 3, 1};
     EXPECT_EQ(read(written(turn)).matrix, turn);
     EXPECT_EQ(read(written(identity)).matrix, identity);
@@ -286,7 +286,7 @@ TEST_F(AxisFile, ReadsAShearBackAsTheInverseOfItsTranspose) {
               (Matrix{1, 0, 0, 0, -2, 1, 0, 0, 0, 0, 1, 0, 4, 5, 6, 1}));
 }
 
-TEST_F(AxisFile, TakesTheLastRowAndTheLastColumnFromTheFile) {
+TEST_F(AxisFile, ReadsTheLastRowAndTheLastColumnFromTheFile) {
     const Reading reading = read("0\n0 1 0 10\n0 0 1 20\n1 0 0 30\n4 5 6 99\n");
     EXPECT_EQ(reading.status, eFileIOSuccess);
     EXPECT_EQ(reading.matrix, (Matrix{0, 0, 1, 4, 1, 0, 0, 5, 0, 1, 0, 6, 10, 20, 30, 1}));
@@ -312,7 +312,7 @@ TEST_F(AxisFile, ReadsNanAndInfinityAsNumbers) {
     EXPECT_TRUE(std::isnan(readWithFirstRow("1 0 0 -NaN").matrix[12]));
 }
 
-TEST_F(AxisFile, SkipsItsFirstLineWhateverItHolds) {
+TEST_F(AxisFile, SkipsItsFirstLine) {
     for (const std::string first : {"", "1", "any text # 1 2", "1 2 3 4", "\xFF\xFE"})
         EXPECT_EQ(read(first + "\n" + identityLines).matrix, identity) << first;
     EXPECT_EQ(read("a\0b\n"s + identityLines).matrix, identity);
@@ -331,7 +331,7 @@ TEST_F(AxisFile, NeedsNoMoreThanFiveLines) {
 TEST_F(AxisFile, ReadsEveryTruncationOfAFileAsFarAsItGoes) {
     const Matrix placement = {0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, -10, 20, 30.5, 1};
     const std::string whole = written(placement, 31, 5, 72);
-    // The fifth line is complete with the first digit of its fourth number.
+    // The fifth line is complete after the first digit of its fourth number.
     const std::size_t complete = 8 + 3 * 57 + 49;
     const std::size_t tagLine = 8 + 8 * 57;
     for (std::size_t length = 0; length <= whole.size(); ++length) {
@@ -394,7 +394,7 @@ TEST_F(AxisFile, ReadsBothKindsOfLineEnds) {
     EXPECT_EQ(reading.tags, (Tags{1, 2, 3}));
 }
 
-TEST_F(AxisFile, LooksAtTheFirst511CharactersOfAMatrixLine) {
+TEST_F(AxisFile, ReadsTheFirst511CharactersOfAMatrixLine) {
     const auto padded = [](const std::string& text, std::size_t length) {
         return text + std::string(length - text.size(), ' ');
     };
@@ -406,7 +406,7 @@ TEST_F(AxisFile, LooksAtTheFirst511CharactersOfAMatrixLine) {
     EXPECT_EQ(readWithFirstRow(std::string(504, ' ') + "1 0 0 7").matrix, translation(7, 0, 0));
 }
 
-TEST_F(AxisFile, ReadsATagLineBehindFourLinesOfAnything) {
+TEST_F(AxisFile, ReadsATagLineAfterFourLinesOfAnyContent) {
     const std::string start = "0\n" + identityLines;
     EXPECT_EQ(read(start + "a\nb\nc\nd\n#1 2 3").tags, (Tags{1, 2, 3}));
     EXPECT_EQ(read(start + "\n\n\n\n#1 2 3\n#4 5 6\n").tags, (Tags{1, 2, 3}));
@@ -444,7 +444,7 @@ TEST_F(AxisFile, ClampsTagsToTheRangeOfAnInteger) {
               (Tags{INT_MAX, INT_MIN, 1}));
 }
 
-TEST_F(AxisFile, LooksAtTheFirst511CharactersOfTheTagLine) {
+TEST_F(AxisFile, ReadsTheFirst511CharactersOfTheTagLine) {
     EXPECT_EQ(tagsOf("#1 2" + std::string(506, ' ') + "34\n"), (Tags{1, 2, 3}));
     EXPECT_EQ(tagsOf("#1 2" + std::string(507, ' ') + "3\n"), (Tags{1, 2, -9}));
     EXPECT_EQ(tagsOf(std::string(511, ' ') + "#1 2 3\n"), unset);
@@ -463,7 +463,7 @@ TEST_F(AxisFile, EndsOnADeviceThatDoesNot) {
     EXPECT_EQ(files_.readAxis(L"/dev/zero", matrix.data(), tag, tag, tag), eFileIOContentError);
 }
 
-TEST_F(AxisFile, GivesTheStatusAloneForANullMatrix) {
+TEST_F(AxisFile, GivesOnlyTheStatusForANullMatrix) {
     Tags tags = unset;
     writeBytes(directory_ / "good", "0\n" + identityLines + "\n\n\n\n#1 2 3\n");
     EXPECT_EQ(files_.readAxis(L"good", nullptr, tags[0], tags[1], tags[2]), eFileIOSuccess);
@@ -474,7 +474,7 @@ TEST_F(AxisFile, GivesTheStatusAloneForANullMatrix) {
     EXPECT_EQ(tags, (Tags{1, 2, 3}));
 }
 
-TEST_F(AxisFile, TakesOneVariableForAllItsTags) {
+TEST_F(AxisFile, AcceptsOneVariableForAllTags) {
     Matrix matrix = {};
     int tag = 0;
     writeBytes(directory_ / "f", "0\n" + identityLines + "\n\n\n\n#1 2 3\n");

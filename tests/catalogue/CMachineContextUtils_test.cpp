@@ -45,7 +45,7 @@ Choice choiceOf(const std::vector<std::wstring>& files) {
     return choice;
 }
 
-/// What the catalogue makes of the name "[MACHINE_POSITION_" and these characters.
+/// The result of the catalogue for the name "[MACHINE_POSITION_" followed by these characters.
 Choice choiceOfNumber(const std::wstring& rest) {
     return choiceOf({L"[MACHINE_POSITION_" + rest});
 }
@@ -70,7 +70,7 @@ TEST(DefaultContext, IsTheFirstOfTheHighestPosition) {
     EXPECT_EQ(choiceOf({L"x", L"", L"[MACHINE_POSITION_3].mctx"}), (Choice{true, 2, 3}));
 }
 
-TEST(DefaultContext, IsNoneInAnEmptyList) {
+TEST(DefaultContext, IsMissingInAnEmptyList) {
     EXPECT_EQ(choiceOf({}), none);
     EXPECT_EQ(choiceOf({L""}), none);
 }
@@ -87,7 +87,7 @@ TEST(DefaultContext, HasNoDirectoryInItsName) {
     EXPECT_EQ(choiceOf({L"./[MACHINE_POSITION_1].mctx"}), none);
 }
 
-TEST(DefaultContext, MayHaveAnythingBehindItsNumber) {
+TEST(DefaultContext, MayHaveAnyTextAfterItsNumber) {
     EXPECT_EQ(choiceOf({L"[MACHINE_POSITION_4]_old.mctx"}), (Choice{true, 0, 4}));
     for (const wchar_t* rest : {L"5", L"5]", L"5].mctx", L"5].MCTX", L"5x", L"5 6", L"5.9].mctx",
                                 L"5e3", L"5-", L"5\u0661", L"5\uFFFD"}) {
@@ -142,7 +142,7 @@ TEST(DefaultContext, HasAPositionNoGreaterThanAnInteger) {
               (Choice{true, 0, largest}));
 }
 
-TEST(DefaultContext, IsNotMadeOfUnitsThatOnlyEndInADigit) {
+TEST(DefaultContext, IsNotFoundByUnitsThatOnlyEndInADigit) {
     for (const std::uint32_t unit : {0x131u, 0xB1u, 0xFF31u, 0x8000FF31u, 0xFFFFFF31u}) {
         EXPECT_EQ(choiceOfNumber(std::wstring(1, static_cast<wchar_t>(unit))), none) << unit;
         EXPECT_EQ(choiceOfNumber(L"1" + std::wstring(1, static_cast<wchar_t>(unit))),

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The files that the catalogue creates, and what tests see of a directory.
+/// The files that the catalogue creates, and the content of a directory as tests compare it.
 
 #include <tests/common/file_bytes.h>
 
@@ -23,7 +23,7 @@ inline const std::string identityAxis =
     "      0.000000      0.000000      1.000000      0.000000\n"
     "      0.000000      0.000000      0.000000      1.000000\n";
 
-/// The file of a context of which only these fields are set, without CRs.
+/// The file of a context with only these fields set, without CRs.
 inline std::string createdContext(const std::string& name, const std::string& machine,
                                   const std::string& position) {
     return "[header]\nversion=2\ncomment=\nname=" + name + "\n[machine]\nname=" + machine +
@@ -33,11 +33,11 @@ inline std::string createdContext(const std::string& name, const std::string& ma
            "[clamping_system]\nproximity=0.000000\n";
 }
 
-/// What stands for a directory in Contents.
+/// The value of a directory in Contents.
 inline const std::string aDirectory = "<directory>";
 
-/// All that stands in a directory and below it: by relative name, in UTF-8 and with "/", the bytes
-/// of each file without CRs.
+/// The files in a directory and its subdirectories. The key is the relative name in UTF-8 with "/",
+/// the value the bytes without CRs.
 using Contents = std::map<std::string, std::string>;
 
 inline Contents contentsOf(const std::filesystem::path& directory) {

@@ -27,7 +27,7 @@ protected:
         return trv::listContextDirectories(QDir(QString::fromStdString(start())));
     }
 
-    /// The paths by which directories are listed, without that of the start.
+    /// The paths under which directories are listed, without that of the start.
     std::vector<std::string> paths() const {
         std::vector<std::string> paths;
         for (const ContextDirectory& directory : listed())
@@ -48,14 +48,14 @@ TEST_F(ContextGraph, BeginsAtTheStart) {
     EXPECT_THAT(listed()[0].entries, IsEmpty());
 }
 
-TEST_F(ContextGraph, HoldsNoDirectoryThatIsNotThere) {
+TEST_F(ContextGraph, HoldsNoMissingDirectory) {
     const std::vector<ContextDirectory> directories =
         trv::listContextDirectories(QDir(QString::fromStdString(start() + "/missing")));
     ASSERT_EQ(directories.size(), 1U);
     EXPECT_THAT(directories[0].entries, IsEmpty());
 }
 
-TEST_F(ContextGraph, NamesEntriesInOrderAndWhereTheyLead) {
+TEST_F(ContextGraph, ListsEntriesInOrderWithTheirTargets) {
     makeDirectory("b");
     makeDirectory("A/a");
     makeDirectory("C");
@@ -89,8 +89,9 @@ TEST_F(ContextGraph, HoldsEachDirectoryOnce) {
     EXPECT_THAT(paths(), UnorderedElementsAre("", "/d0", "/d1", "/d2", "/d3", "/d4"));
 }
 
-// The links come first by name, and lead deeper than their targets are.
-TEST_F(ContextGraph, ListsADirectoryByThePathOfFewestLinks) {
+// The links are first in the order of names, and their paths are longer than those of their
+// targets.
+TEST_F(ContextGraph, ListsADirectoryUnderThePathWithMinLinks) {
     if (!linksCanBeMade()) GTEST_SKIP() << "links cannot be made here";
     makeDirectory("z/z/z");
     fs::create_directory_symlink(directory_ / "z/z", directory_ / "a");

@@ -24,7 +24,7 @@ using ::testing::IsEmpty;
 
 namespace {
 
-/// The paths that the catalogue gives.
+/// The paths that the catalogue returns.
 std::vector<std::string> listed(const fs::path& directory) {
     std::vector<std::string> paths;
     for (const std::wstring& path :
@@ -64,7 +64,7 @@ protected:
         writeBytes(directory_ / name, "x");
     }
 
-    /// The contexts below the directory; their paths without it.
+    /// The contexts below the directory, with paths relative to it.
     std::vector<std::string> found() const {
         std::vector<std::string> names;
         const std::string start = directory_.path().generic_u8string() + "/";
@@ -79,7 +79,7 @@ protected:
 }  // namespace
 
 TEST_F(ContextSearch, FindsWhatThePlainWalkFinds) {
-    // Tens of thousands of files are made: in memory, where there is a place for it.
+    // Tens of thousands of files are created, in memory if the system has a directory for that.
     const char* memory = fs::is_directory("/dev/shm") ? "/dev/shm" : std::getenv("TMPDIR");
     const ScopedVariable temporary("TMPDIR", memory);
     int contexts = 0;
@@ -89,17 +89,17 @@ TEST_F(ContextSearch, FindsWhatThePlainWalkFinds) {
         contexts += static_cast<int>(expected.size());
         ASSERT_EQ(listed(graph.start()), expected) << "seed " << seed;
     }
-    // Without results the comparison would say nothing.
+    // Without results the comparison would be meaningless.
     EXPECT_GT(contexts, 3000);
 }
 
-// By the plain walk there are more than 20! ways.
-TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersWithoutAContext) {
+// The plain walk would take more than 20! paths.
+TEST_F(ContextSearch, EndsIfDirectoriesLinkToAllOthersWithoutAContext) {
     linkEachToAll(directory_.path(), 20);
     EXPECT_THAT(found(), IsEmpty());
 }
 
-TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersAndToOneWithoutAContext) {
+TEST_F(ContextSearch, EndsIfDirectoriesLinkToAllOthersAndToOneWithoutAContext) {
     linkEachToAll(directory_.path(), 20);
     for (int i = 0; i < 20; ++i)
         fs::create_directory(directory_ / ("d" + std::to_string(i) + "/empty"));
@@ -107,7 +107,7 @@ TEST_F(ContextSearch, EndsWhereDirectoriesLinkToAllOthersAndToOneWithoutAContext
     EXPECT_THAT(found(), ElementsAre("k/k.mctx"));
 }
 
-TEST_F(ContextSearch, EndsWhereAContextIsBehindADirectoryThatIsBeingWalked) {
+TEST_F(ContextSearch, EndsIfAContextIsBelowADirectoryThatIsBeingWalked) {
     linkEachToAll(directory_ / "all", 20);
     for (int i = 0; i < 20; ++i) {
         fs::create_directory_symlink(directory_.path(),
@@ -117,7 +117,7 @@ TEST_F(ContextSearch, EndsWhereAContextIsBehindADirectoryThatIsBeingWalked) {
     EXPECT_THAT(found(), ElementsAre("k/k.mctx"));
 }
 
-TEST_F(ContextSearch, EndsWhereTheOnlyWayOnIsTheFirstDirectory) {
+TEST_F(ContextSearch, EndsIfTheOnlyLinkLeadsToTheFirstDirectory) {
     linkEachToAll(directory_ / "all", 20);
     fs::create_directory(directory_ / "gate");
     for (int i = 0; i < 20; ++i) {
@@ -130,14 +130,14 @@ TEST_F(ContextSearch, EndsWhereTheOnlyWayOnIsTheFirstDirectory) {
                 ElementsAre((directory_ / "gate/k/k.mctx").generic_string()));
 }
 
-TEST_F(ContextSearch, FindsAContextBehindDirectoriesThatLinkToAllOthers) {
+TEST_F(ContextSearch, FindsAContextBelowDirectoriesThatLinkToAllOthers) {
     linkEachToAll(directory_.path(), 3);
     add("d2/k/k.mctx");
     EXPECT_THAT(found(), ElementsAre("d0/l1/l2/k/k.mctx", "d0/l2/k/k.mctx", "d1/l0/l2/k/k.mctx",
                                      "d1/l2/k/k.mctx", "d2/k/k.mctx"));
 }
 
-TEST_F(ContextSearch, TakesADirectoryForALeafUnderTheNameOfItsContextOnly) {
+TEST_F(ContextSearch, TreatsADirectoryAsALeafUnderTheNameOfItsContextOnly) {
     add("a/k.mctx");
     add("a/b/b.mctx");
     fs::create_directory_symlink(directory_ / "a", directory_ / "k");
@@ -145,7 +145,7 @@ TEST_F(ContextSearch, TakesADirectoryForALeafUnderTheNameOfItsContextOnly) {
     EXPECT_THAT(found(), ElementsAre("a/b/b.mctx", "k/k.mctx", "z/b/b.mctx"));
 }
 
-TEST_F(ContextSearch, FindsEachContextOnceWhereItsDirectoriesLinkUp) {
+TEST_F(ContextSearch, FindsEachContextOnceIfItsDirectoriesLinkToTheirParents) {
     std::string path;
     for (const char* name : {"a", "b", "c", "d"}) {
         path += std::string(name) + "/";

@@ -42,7 +42,7 @@ protected:
     }
     bool create() { return create(directory_.wide()); }
 
-    /// Creates nothing, touches no result and leaves this behind.
+    /// Creates nothing, changes no result and leaves these files.
     void expectFailure(const std::wstring& directory, const Contents& left) {
         EXPECT_FALSE(create(directory));
         EXPECT_EQ(contextFile_, L"old context");
@@ -98,13 +98,13 @@ TEST_F(DefaultContextCreation, DoesNothingASecondTime) {
     EXPECT_EQ(fs::last_write_time(directory_ / context1), written);
 }
 
-TEST_F(DefaultContextCreation, DoesNothingWhereAnotherProcessHasDoneIt) {
+TEST_F(DefaultContextCreation, DoesNothingIfAnotherProcessHasDoneIt) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(passesInChild([&] { EXPECT_TRUE(create()); }));
     expectFailure(complete_);
 }
 
-TEST_F(DefaultContextCreation, DoesNotLookIntoFilesThatAreThere) {
+TEST_F(DefaultContextCreation, DoesNotReadExistingFiles) {
     write(context1, "c");
     write(reference1, "");
     expectFailure({{context1, "c"}, {reference1, ""}});
@@ -131,7 +131,7 @@ TEST_F(DefaultContextCreation, WritesThePositionInDecimal) {
     EXPECT_EQ(contents().size(), 3U);
 }
 
-TEST_F(DefaultContextCreation, LeavesOtherPositionsAlone) {
+TEST_F(DefaultContextCreation, DoesNotChangeOtherPositions) {
     EXPECT_TRUE(create());
     EXPECT_TRUE(
         CMachineContextUtils::sCreateDefaultMachineContext(directory_.wide(), 2, nullptr, nullptr));
@@ -142,7 +142,7 @@ TEST_F(DefaultContextCreation, LeavesOtherPositionsAlone) {
     EXPECT_EQ(contents(), expected);
 }
 
-TEST_F(DefaultContextCreation, NeedsNoPlaceForItsResults) {
+TEST_F(DefaultContextCreation, AcceptsNullPointersForItsResults) {
     EXPECT_TRUE(CMachineContextUtils::sCreateDefaultMachineContext(directory_.wide(), 1,
                                                                    &contextFile_, nullptr));
     EXPECT_EQ(contextFile_, L"[MACHINE_POSITION_1].mctx");
@@ -153,26 +153,26 @@ TEST_F(DefaultContextCreation, NeedsNoPlaceForItsResults) {
         CMachineContextUtils::sCreateDefaultMachineContext(directory_.wide(), 2, nullptr, nullptr));
 }
 
-TEST_F(DefaultContextCreation, MayPutAResultWhereItsDirectoryStands) {
+TEST_F(DefaultContextCreation, MayReturnAResultInItsArgument) {
     std::wstring text = directory_.wide();
     EXPECT_TRUE(CMachineContextUtils::sCreateDefaultMachineContext(text, 1, &text, nullptr));
     EXPECT_EQ(text, L"[MACHINE_POSITION_1].mctx");
     EXPECT_EQ(contents(), complete_);
 }
 
-TEST_F(DefaultContextCreation, WritesBothFilesWhereOnlyTheContextIsThere) {
+TEST_F(DefaultContextCreation, WritesBothFilesIfOnlyTheContextExists) {
     write(context1, "[machine]\nname=old\n");
     EXPECT_TRUE(create());
     EXPECT_EQ(contents(), complete_);
 }
 
-TEST_F(DefaultContextCreation, WritesBothFilesWhereOnlyTheReferenceIsThere) {
+TEST_F(DefaultContextCreation, WritesBothFilesIfOnlyTheReferenceExists) {
     write(reference1, std::string(5000, 'x'));
     EXPECT_TRUE(create());
     EXPECT_EQ(contents(), complete_);
 }
 
-TEST_F(DefaultContextCreation, CopiesAnAxisFileThatIsThereByteForByte) {
+TEST_F(DefaultContextCreation, CopiesAnExistingAxisFileByteForByte) {
     for (const std::string& bytes : {"no axis\r\n\0\x1A\xFF"s, ""s, std::string(100000, '\n')}) {
         write("transfo.dat", bytes);
         fs::remove(directory_ / reference1);
@@ -182,13 +182,13 @@ TEST_F(DefaultContextCreation, CopiesAnAxisFileThatIsThereByteForByte) {
     }
 }
 
-TEST_F(DefaultContextCreation, TakesTheEmptyDirectoryForTheCurrentOne) {
+TEST_F(DefaultContextCreation, TreatsAnEmptyDirectoryAsTheCurrentOne) {
     const CurrentDirectory here(directory_.path());
     EXPECT_TRUE(create(L""));
     EXPECT_EQ(contents(), complete_);
 }
 
-TEST_F(DefaultContextCreation, TakesADirectoryRelativeToTheCurrentOne) {
+TEST_F(DefaultContextCreation, AcceptsADirectoryRelativeToTheCurrentOne) {
     makeDirectory("a/b");
     const CurrentDirectory here(directory_ / "a");
     EXPECT_TRUE(create(L"b"));
@@ -200,7 +200,7 @@ TEST_F(DefaultContextCreation, TakesADirectoryRelativeToTheCurrentOne) {
     EXPECT_EQ(contentsOf(directory_ / "a").size(), 4U);
 }
 
-TEST_F(DefaultContextCreation, TakesADirectoryWithAnyCharacters) {
+TEST_F(DefaultContextCreation, AcceptsADirectoryWithAnyCharacters) {
     for (const char* name : {"50%d%s%n", "[x] y", "$X", "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x94\xA7"}) {
         makeDirectory(name);
         EXPECT_TRUE(create(directory_.wide() + L"/" + QString::fromUtf8(name).toStdWString()))
@@ -209,7 +209,7 @@ TEST_F(DefaultContextCreation, TakesADirectoryWithAnyCharacters) {
     }
 }
 
-TEST_F(DefaultContextCreation, TakesADirectoryOf600Characters) {
+TEST_F(DefaultContextCreation, AcceptsADirectoryOf600Characters) {
     if (trv::platform::backslash_separates())
         GTEST_SKIP() << "paths of Windows end at 260 characters";
     const std::string name(200, 'n');
@@ -219,7 +219,7 @@ TEST_F(DefaultContextCreation, TakesADirectoryOf600Characters) {
     EXPECT_EQ(contentsOf(directory), complete_);
 }
 
-TEST_F(DefaultContextCreation, FailsWhereThereIsNoDirectory) {
+TEST_F(DefaultContextCreation, FailsIfTheDirectoryIsMissing) {
     const CurrentDirectory here(directory_.path());
     write("f", "x");
     const ChannelLog log;
@@ -232,21 +232,21 @@ TEST_F(DefaultContextCreation, FailsWhereThereIsNoDirectory) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(DefaultContextCreation, FailsWhereTheAxisFileCannotBeWritten) {
+TEST_F(DefaultContextCreation, FailsIfTheAxisFileCannotBeWritten) {
     makeDirectory("transfo.dat");
     const ChannelLog log;
     expectFailure({{"transfo.dat", aDirectory}});
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(DefaultContextCreation, FailsWhereTheReferenceFileCannotBeWritten) {
+TEST_F(DefaultContextCreation, FailsIfTheReferenceFileCannotBeWritten) {
     makeDirectory(reference1);
     const ChannelLog log;
     expectFailure({{"transfo.dat", identityAxis}, {reference1, aDirectory}});
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(DefaultContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeReplaced) {
+TEST_F(DefaultContextCreation, RemovesTheReferenceFileIfTheContextCannotBeReplaced) {
     makeDirectory(context1 + "/inside");
     const ChannelLog log;
     const Contents left = {
@@ -257,7 +257,7 @@ TEST_F(DefaultContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeR
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(DefaultContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeWritten) {
+TEST_F(DefaultContextCreation, RemovesTheReferenceFileIfTheContextCannotBeWritten) {
     makeDirectory(temporary1);
     const ChannelLog log;
     expectFailure({{"transfo.dat", identityAxis}, {temporary1, aDirectory}});
@@ -265,7 +265,7 @@ TEST_F(DefaultContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeW
     EXPECT_THAT(log.errors(), IsEmpty());
 }
 
-TEST_F(DefaultContextCreation, KeepsTheOldContextWhereTheNewOneCannotBeWritten) {
+TEST_F(DefaultContextCreation, KeepsTheOldContextIfTheNewOneCannotBeWritten) {
     makeDirectory(temporary1);
     write("transfo.dat", "axis");
     write(context1, "old");
@@ -273,13 +273,13 @@ TEST_F(DefaultContextCreation, KeepsTheOldContextWhereTheNewOneCannotBeWritten) 
     expectFailure({{"transfo.dat", "axis"}, {temporary1, aDirectory}, {context1, "old"}});
 }
 
-TEST_F(DefaultContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNobodyListens) {
+TEST_F(DefaultContextCreation, EndsTheProcessIfTheContextCannotBeWrittenWithTheDefaultHandler) {
     makeDirectory(temporary1);
     const std::wstring directory = directory_.wide();
     const auto call = [&] {
         CMachineContextUtils::sCreateDefaultMachineContext(directory, 1, nullptr, nullptr);
     };
-    // Not every system gives the child the directory of its parent.
+    // Not every system starts the child in the directory of its parent.
     EXPECT_EXIT(runAndLeave(call), endedByDefaultFatalHandler,
                 ::testing::AllOf(::testing::StartsWith("Store messages : error opening file '"),
                                  ::testing::EndsWith("/" + temporary1 + "'\n")));
@@ -287,7 +287,7 @@ TEST_F(DefaultContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNo
     EXPECT_EQ(contents(), (Contents{{"transfo.dat", identityAxis}, {temporary1, aDirectory}}));
 }
 
-TEST_F(DefaultContextCreation, TakesTheReferenceFileBackBeforeItReportsTheContext) {
+TEST_F(DefaultContextCreation, RemovesTheReferenceFileBeforeItReportsTheContext) {
     makeDirectory(temporary1);
     static bool hadReference;
     static fs::path reference;
@@ -312,7 +312,7 @@ TEST_F(DefaultContextCreation, WorksAgainAfterAHandlerThatThrows) {
     EXPECT_EQ(contents(), complete_);
 }
 
-// A link that leads nowhere would have the file created wherever it leads to.
+// A link to a missing file would create the file at the target of the link.
 TEST_F(DefaultContextCreation, CreatesNoFileThroughALink) {
     makeDirectory("elsewhere");
     for (const std::string& name : {"transfo.dat"s, reference1, context1}) {
@@ -353,7 +353,7 @@ TEST_F(DefaultContextCreation, OverwritesNoFileThatTheUserMayNotRead) {
     }
 }
 
-TEST_F(DefaultContextCreation, FailsWhereTheUserMayNotWrite) {
+TEST_F(DefaultContextCreation, FailsIfTheUserMayNotWrite) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     fs::permissions(directory_.path(),
                     fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
@@ -370,7 +370,7 @@ TEST_F(DefaultContextCreation, FailsWhereTheUserMayNotWrite) {
     }));
 }
 
-TEST_F(DefaultContextCreation, FailsWhereTheUserMayNotReadTheAxisFile) {
+TEST_F(DefaultContextCreation, FailsIfTheUserMayNotReadTheAxisFile) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     write("transfo.dat", "axis");
     fs::permissions(directory_ / "transfo.dat", fs::perms::none);
@@ -408,7 +408,7 @@ TEST_F(DefaultContextCreation, FailsOnAFullDisk) {
 TEST_F(DefaultContextCreation, FailsWithoutADescriptorLeft) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(passesInChild([&] {
-        // A sanitizer opens pipes when it meets a class for the first time.
+        // A sanitizer opens pipes at the first use of a class.
         EXPECT_FALSE(create(directory_.wide() + L"/missing"));
         ASSERT_TRUE(exhaustDescriptors());
         EXPECT_FALSE(create());

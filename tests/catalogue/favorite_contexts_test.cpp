@@ -30,7 +30,7 @@ bool onWindows() {
     return trv::platform::backslash_separates();
 }
 
-/// The paths that the catalogue gives, in UTF-8.
+/// The paths that the catalogue returns, in UTF-8.
 std::vector<std::string> listed(const std::wstring& directory) {
     std::vector<std::string> paths;
     for (const std::wstring& path : CMachineContextUtils::sGetFavoriteMachineContext(directory))
@@ -47,14 +47,14 @@ protected:
 
     void makeDirectory(const std::string& name) { fs::create_directories(directory_ / name); }
 
-    /// Whether the link could be made: not every user may do so on every system.
+    /// Whether the link was created. Not every user of every system has the right to create links.
     bool link(const std::string& name, const fs::path& target) {
         std::error_code error;
         fs::create_directory_symlink(target, directory_ / name, error);
         return !error;
     }
 
-    /// The contexts below the directory; their paths without it.
+    /// The contexts below the directory, with paths relative to it.
     std::vector<std::string> found() const {
         std::vector<std::string> names;
         const std::string start = directory_.path().generic_u8string() + "/";
@@ -152,7 +152,7 @@ TEST_F(FavoriteContexts, AreNotSearchedForInHiddenDirectories) {
     EXPECT_THAT(found(), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, MayStandInAHiddenDirectoryThatIsAskedFor) {
+TEST_F(FavoriteContexts, MayBeInAHiddenDirectoryThatIsTheArgument) {
     add(".fav/A/A.mctx");
     EXPECT_THAT(listed(directory_.wide() + L"/.fav"),
                 ElementsAre(directory_.path().generic_u8string() + "/.fav/A/A.mctx"));
@@ -219,8 +219,8 @@ TEST_F(FavoriteContexts, HaveTheSameNamesUnderEveryCodecOfTheHost) {
     }
 }
 
-// Such a path would name another file, or none.
-TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatAPathCannotHold) {
+// Such a path would name another file or no file.
+TEST_F(FavoriteContexts, AreNotSearchedBelowNamesThatAPathCannotHold) {
     if (onWindows()) GTEST_SKIP() << "Windows has no such names";
     for (const char* name : {"\xE4", "\xEF\xBF\xBD\xFF", "a\\b"}) {
         fs::create_directories(directory_.path() / name / "K");
@@ -231,7 +231,7 @@ TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatAPathCannotHold) {
     EXPECT_THAT(found(), ElementsAre("a/b/K/K.mctx", "\xEF\xBF\xBD/K/K.mctx"));
 }
 
-TEST_F(FavoriteContexts, KeepDirectoriesApartThatNoTextTellsApart) {
+TEST_F(FavoriteContexts, MayBeInDirectoriesWhoseNamesAreEqualAsText) {
     if (onWindows()) GTEST_SKIP() << "Windows has no such names";
     const TemporaryDirectory elsewhere;
     for (const char* name : {"\xE4", "\xE5"}) {
@@ -253,8 +253,8 @@ TEST_F(FavoriteContexts, AreNotSearchedForInResources) {
     EXPECT_THAT(listed(L":\\fav"), IsEmpty());
 }
 
-// QDir::cd() takes such a name for a resource that is compiled into the host.
-TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatBeginWithAColon) {
+// QDir::cd() takes such a name as a resource that is compiled into the host.
+TEST_F(FavoriteContexts, AreNotSearchedBelowNamesThatBeginWithAColon) {
     if (onWindows()) GTEST_SKIP() << "Windows has no such names";
     add(":x/:x.mctx");
     add(":/:.mctx");
@@ -263,7 +263,7 @@ TEST_F(FavoriteContexts, AreNotSearchedForBehindNamesThatBeginWithAColon) {
     EXPECT_THAT(found(), ElementsAre("a:b/a:b.mctx"));
 }
 
-TEST_F(FavoriteContexts, MayBeBehindLinksToDirectories) {
+TEST_F(FavoriteContexts, MayBeBelowLinksToDirectories) {
     const TemporaryDirectory elsewhere;
     if (!link("L", elsewhere.path())) GTEST_SKIP() << "links cannot be made here";
     add("A/A.mctx");
@@ -287,7 +287,7 @@ TEST_F(FavoriteContexts, MayBeLinksToFiles) {
     EXPECT_THAT(found(), ElementsAre("A/A.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundBesideLinksThatLeadNowhere) {
+TEST_F(FavoriteContexts, AreFoundBesideLinksToMissingFiles) {
     if (!link("missing", directory_ / "none")) GTEST_SKIP() << "links cannot be made here";
     link("itself", "itself");
     link("one", "other");
@@ -298,7 +298,7 @@ TEST_F(FavoriteContexts, AreFoundBesideLinksThatLeadNowhere) {
     EXPECT_THAT(found(), ElementsAre("A/A.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundOnceWhereLinksLeadUp) {
+TEST_F(FavoriteContexts, AreFoundOnceIfLinksLeadToAParent) {
     add("A/B/C/C.mctx");
     if (!link("A/B/up", directory_ / "A")) GTEST_SKIP() << "links cannot be made here";
     link("A/B/top", directory_.path());
@@ -307,9 +307,9 @@ TEST_F(FavoriteContexts, AreFoundOnceWhereLinksLeadUp) {
     EXPECT_THAT(found(), ElementsAre("A/B/C/C.mctx"));
 }
 
-// Each path through the tree may go through 40 links, so following two of them at each step would
-// never end.
-TEST_F(FavoriteContexts, AreFoundWhereTwoLinksLeadBack) {
+// A path may contain 40 links. So a walk that follows two links at each step would not end in
+// practice.
+TEST_F(FavoriteContexts, AreFoundIfTwoLinksLeadBack) {
     add("C/C.mctx");
     if (!link("a", directory_.path())) GTEST_SKIP() << "links cannot be made here";
     link("b", directory_.path());
@@ -317,7 +317,7 @@ TEST_F(FavoriteContexts, AreFoundWhereTwoLinksLeadBack) {
     EXPECT_THAT(found(), ElementsAre("C/C.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundOnBothWaysWhereDirectoriesLeadToEachOther) {
+TEST_F(FavoriteContexts, AreFoundOnBothPathsIfDirectoriesLinkToEachOther) {
     add("A/K/K.mctx");
     makeDirectory("B");
     if (!link("A/toB", directory_ / "B")) GTEST_SKIP() << "links cannot be made here";
@@ -325,7 +325,7 @@ TEST_F(FavoriteContexts, AreFoundOnBothWaysWhereDirectoriesLeadToEachOther) {
     EXPECT_THAT(found(), ElementsAre("A/K/K.mctx", "B/toA/K/K.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreFoundOnceBehindALinkWithALoopOfItsOwn) {
+TEST_F(FavoriteContexts, AreFoundOnceBelowALinkToADirectoryWithALoop) {
     const TemporaryDirectory elsewhere;
     if (!link("L", elsewhere.path())) GTEST_SKIP() << "links cannot be made here";
     fs::create_directories(elsewhere / "S/K");
@@ -337,7 +337,7 @@ TEST_F(FavoriteContexts, AreFoundOnceBehindALinkWithALoopOfItsOwn) {
     EXPECT_THAT(listed(directory_.wide() + L"/L"), ElementsAre(link + "/S/K/K.mctx"));
 }
 
-TEST_F(FavoriteContexts, MayBeNamedAfterALinkThatLeadsUp) {
+TEST_F(FavoriteContexts, MayHaveTheNameOfALinkToAParent) {
     add("A/up.mctx");
     if (!link("A/up", directory_ / "A")) GTEST_SKIP() << "links cannot be made here";
     EXPECT_THAT(found(), ElementsAre("A/up/up.mctx"));
@@ -395,7 +395,7 @@ TEST_F(FavoriteContexts, HaveSlashesInTheirPaths) {
                 ElementsAre(directory_.path().generic_u8string() + "/fav/sub/A/A.mctx"));
 }
 
-TEST_F(FavoriteContexts, AreNoneWhereThereIsNoDirectory) {
+TEST_F(FavoriteContexts, AreEmptyIfTheDirectoryIsMissing) {
     add("A/A.mctx");
     const CurrentDirectory here(directory_.path());
     EXPECT_THAT(listed(L"missing"), IsEmpty());
@@ -408,21 +408,21 @@ TEST_F(FavoriteContexts, AreNoneWhereThereIsNoDirectory) {
     EXPECT_THAT(listed(L"$HOME"), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, AreNoneInADirectoryThatIsNoText) {
+TEST_F(FavoriteContexts, AreEmptyForADirectoryThatIsNotText) {
     if (onWindows()) GTEST_SKIP() << "Windows takes every unit";
     add("?/A/A.mctx");
     add("\xEF\xBF\xBD/A/A.mctx");
     EXPECT_THAT(listed(directory_.wide() + L"/" + std::wstring(1, L'\xD800')), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, AreNoneInAnEmptyTree) {
+TEST_F(FavoriteContexts, AreEmptyInAnEmptyTree) {
     EXPECT_THAT(found(), IsEmpty());
     makeDirectory("a/b/c");
     makeDirectory("d");
     EXPECT_THAT(found(), IsEmpty());
 }
 
-TEST_F(FavoriteContexts, MayStandAThousandDirectoriesDown) {
+TEST_F(FavoriteContexts, MayBeAThousandDirectoriesDeep) {
     if (onWindows()) GTEST_SKIP() << "paths of Windows end at 260 characters";
     std::string levels;
     for (int i = 0; i < 1000; i += 10) {

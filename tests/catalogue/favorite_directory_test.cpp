@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-// The configuration is loaded once in a process, so each test runs in one of its own.
+// The configuration is loaded once in a process, so each test runs in its own process.
 
 namespace fs = std::filesystem;
 using ::testing::Each;
@@ -46,14 +46,14 @@ public:
         write("config/environ.cfg", configuration);
     }
 
-    /// The root as the catalogue gives it.
+    /// The root as the catalogue returns it.
     std::string root() const {
         return std::filesystem::path(trv::testing::Installation::root()).generic_string();
     }
 
     std::string fallback() const { return root() + "/standard/machine_context"; }
 
-    /// What the trace shows when the root is looked up.
+    /// The trace of a lookup of the root.
     std::string rootTrace() const {
         return "TRVHOME = '" + trv::testing::Installation::root() + "' from environment";
     }
@@ -76,7 +76,7 @@ using FavoriteDirectory = trv::testing::ChildProcessTest;
 
 }  // namespace
 
-TEST_F(FavoriteDirectory, IsTheVariablesValueAsItStands) {
+TEST_F(FavoriteDirectory, IsTheUnchangedValueOfTheVariable) {
     const auto ask = [] {
         const Installation installation;
         const std::string directory = installation.root() + "/no such directory";
@@ -176,7 +176,7 @@ TEST_F(FavoriteDirectory, MayHaveAnyCharactersInItsName) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheVariableIsUndefined) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheVariableIsUndefined) {
     const auto ask = [] {
         const Installation installation;
         EXPECT_EQ(favorites(), installation.fallback());
@@ -196,7 +196,7 @@ TEST_F(FavoriteDirectory, BelongsToTheInstallationThatTheLoadingFinds) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheVariableIsEmpty) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheVariableIsEmpty) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF =\n");
         EXPECT_EQ(favorites(), installation.fallback());
@@ -216,7 +216,7 @@ TEST_F(FavoriteDirectory, IsEmptyIfTheConfiguredRootIsEmpty) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsTheConfiguredOneWhereTheEnvironmentsIsEmpty) {
+TEST_F(FavoriteDirectory, IsTheConfiguredOneIfThatOfTheEnvironmentIsEmpty) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF = $TRVHOME/favourites\n");
         const ScopedVariable empty("TRV_MCTX_DEF", "");
@@ -225,7 +225,7 @@ TEST_F(FavoriteDirectory, IsTheConfiguredOneWhereTheEnvironmentsIsEmpty) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheValueExpandsToNothing) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheValueExpandsToNothing) {
     const auto ask = [] {
         const Installation installation;
         setVariable("TRV_MCTX_DEF", "$NO_SUCH_VARIABLE");
@@ -242,7 +242,7 @@ TEST_F(FavoriteDirectory, IsNeverTheTextForUndefinedVariables) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, BelongsToTheInstallationWhereTheValueCannotBeExpanded) {
+TEST_F(FavoriteDirectory, BelongsToTheInstallationIfTheValueCannotBeExpanded) {
     const auto ask = [] {
         const Installation installation;
         const ChannelLog log;
@@ -282,7 +282,7 @@ TEST_F(FavoriteDirectory, HasUpTo399BytesWhenItIsExpanded) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsEmptyWhereTheInstallationsDoesNotFitEither) {
+TEST_F(FavoriteDirectory, IsEmptyIfThatOfTheInstallationIsTooLongToo) {
     const auto ask = [] {
         const Installation installation("[var]\nTRV_MCTX_DEF =\n");
         EXPECT_EQ(favorites(), installation.fallback());
@@ -304,7 +304,7 @@ TEST_F(FavoriteDirectory, IsEmptyWhereTheInstallationsDoesNotFitEither) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-// What the trace shows: the variable is expanded in every case, and what is undefined is told.
+// The trace. The variable is always expanded, and undefined references are reported.
 
 TEST_F(FavoriteDirectory, TracesTheVariableThatItIsTakenFrom) {
     const auto ask = [] {
@@ -378,7 +378,7 @@ TEST_F(FavoriteDirectory, ReportsATextForUndefinedVariablesThatIsTooLong) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-// A value with a "+" is in a buffer that every lookup overwrites, also one of a trace handler.
+// A value with a "+" is in a buffer that every lookup overwrites, also a lookup by a trace handler.
 TEST_F(FavoriteDirectory, OutlivesTheLookupsOfATraceHandler) {
     const auto ask = [] {
         const Installation installation(
@@ -390,7 +390,7 @@ TEST_F(FavoriteDirectory, OutlivesTheLookupsOfATraceHandler) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsFatalWhereThereIsNoInstallation) {
+TEST_F(FavoriteDirectory, IsFatalIfThereIsNoInstallation) {
     const auto ask = [] {
         for (const char* name : {"TRV_MCTX_DEF", "TRVHOME", "TRVHOME_LS"})
             setVariable(name, "");
@@ -399,7 +399,7 @@ TEST_F(FavoriteDirectory, IsFatalWhereThereIsNoInstallation) {
     TRV_EXPECT_FATAL(ask, std::string(noRoot) + "\n");
 }
 
-TEST_F(FavoriteDirectory, IsEmptyWhereThereIsNoInstallationAndTheHandlerReturns) {
+TEST_F(FavoriteDirectory, IsEmptyIfThereIsNoInstallationAndTheHandlerReturns) {
     const auto ask = [] {
         const Installation installation;
         setVariable("TRVHOME", "");
@@ -414,7 +414,7 @@ TEST_F(FavoriteDirectory, IsEmptyWhereThereIsNoInstallationAndTheHandlerReturns)
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, NeedsNoInstallationWhereTheVariableIsSet) {
+TEST_F(FavoriteDirectory, NeedsNoInstallationIfTheVariableIsSet) {
     const auto ask = [] {
         const Installation installation;
         setVariable("TRVHOME", "");
@@ -424,7 +424,7 @@ TEST_F(FavoriteDirectory, NeedsNoInstallationWhereTheVariableIsSet) {
     TRV_EXPECT_IN_CHILD(ask);
 }
 
-TEST_F(FavoriteDirectory, IsListedWhereNoOtherIsGiven) {
+TEST_F(FavoriteDirectory, IsListedIfNoOtherIsGiven) {
     const auto ask = [] {
         const Installation installation;
         installation.write("fav/A/A.mctx", "x");

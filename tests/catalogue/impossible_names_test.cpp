@@ -26,7 +26,7 @@ std::string& qtMessages() {
     return messages;
 }
 
-/// What a call prints to standard error, and what Qt says in it.
+/// The output of a call to standard error, and the messages of Qt during the call.
 std::string printedBy(const std::function<void()>& call) {
     qtMessages().clear();
     const QtMessageHandler handler =
@@ -50,15 +50,15 @@ std::vector<std::wstring> impossibleNames() {
                                        std::wstring(100000, L'n')};
     if (!surrogatesAreNames()) {
         names.push_back(std::wstring(1, L'\xD800'));
-        // Beyond Unicode: a conversion makes U+FFFD of it, which is a name like any other.
+        // Not a character of Unicode. A conversion replaces it by U+FFFD, which is a valid name.
         names.push_back(L"a" + std::wstring(1, static_cast<wchar_t>(0x110000)));
         names.push_back(L"a" + std::wstring(1, L'\xDFFF') + L"b");
     }
     return names;
 }
 
-/// Calls the catalogue in a current directory that holds an axis file and a context. No call
-/// prints, reports or changes anything.
+/// Calls the catalogue in a current directory with an axis file and a context. No call prints,
+/// reports or changes anything.
 class ImpossibleNames : public ::testing::Test {
 protected:
     ImpossibleNames() : here_(directory_.path()) {
@@ -67,7 +67,7 @@ protected:
         writeBytes(directory_ / "A/A.mctx", "x");
     }
 
-    /// Expects that no impossible name gets `operation` to do anything.
+    /// Expects that `operation` does nothing for each impossible name.
     void expectNothing(const std::function<void(const std::wstring& name)>& operation) const {
         for (const std::wstring& name : impossibleNames()) {
             SCOPED_TRACE(QString::fromStdWString(name.substr(0, 20)).toStdString());

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Directories that links lead to and from, and the plain walk through them.
+/// Directories with links between them, and a plain walk through them.
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
@@ -15,7 +15,8 @@
 
 namespace trv::testing {
 
-/// Whether a link to a directory can be made: not every user may do so on every system.
+/// Whether a link to a directory can be created. Not every user of every system has the right to
+/// create links.
 inline bool linksCanBeMade() {
     const TemporaryDirectory directory;
     std::error_code error;
@@ -39,8 +40,8 @@ inline void linkEachToAll(const std::filesystem::path& directory, int count) {
     }
 }
 
-/// The contexts by the plain walk: depth-first and by name, a directory that holds a context of its
-/// name is a leaf, and none is entered that is being walked already.
+/// The contexts that the plain walk finds. It is depth-first and in the order of names. A directory
+/// with a context of its name is a leaf. A directory that is being walked is not entered again.
 class PlainWalk {
 public:
     explicit PlainWalk(const std::filesystem::path& start) { enter(start); }
@@ -75,8 +76,8 @@ private:
     std::vector<std::string> found_;
 };
 
-/// Some directories below a new one, with links between them and contexts in them, all of them of
-/// few names: so a directory may hold a context of one of its names and not of another one.
+/// Some directories in a new one, with links between them and contexts in them. There are only a
+/// few names. So a directory may contain a context of one of its names, but not of another one.
 class RandomLinkGraph {
 public:
     explicit RandomLinkGraph(unsigned seed) : random_(seed) {

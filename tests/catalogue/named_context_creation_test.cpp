@@ -32,14 +32,14 @@ std::wstring wide(const std::string& text) {
     return QString::fromStdString(text).toStdWString();
 }
 
-/// What is asked for, in UTF-8.
+/// The arguments of a call, in UTF-8.
 struct Request {
     std::string machine;
     std::string axisFile;
     std::string contextFile;
 };
 
-/// Creates contexts in a directory that is the current one as well.
+/// Creates contexts in a directory that is also the current one.
 class NamedContextCreation : public ::testing::Test {
 protected:
     NamedContextCreation() : here_(directory_.path()) {}
@@ -51,7 +51,7 @@ protected:
     }
     bool create(const Request& request) { return create(directory_.wide(), request); }
 
-    /// Creates, beside the axis file, exactly this pair of files.
+    /// Creates exactly this pair of files beside the axis file.
     void expectCreated(const Request& request, const std::string& name, const std::string& context,
                        const std::string& reference) {
         SCOPED_TRACE(context);
@@ -70,7 +70,7 @@ protected:
         referenceFile_ = L"old reference";
     }
 
-    /// Creates nothing, touches no result and leaves this behind.
+    /// Creates nothing, changes no result and leaves these files.
     void expectFailure(const Request& request, const Contents& left) {
         SCOPED_TRACE(request.machine + ", " + request.axisFile + ", " + request.contextFile);
         EXPECT_FALSE(create(request));
@@ -105,7 +105,7 @@ TEST_F(NamedContextCreation, NamesTheFilesAfterTheMachine) {
                   "[stockposition@mill5[head]]head.ref");
 }
 
-TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheMachinesName) {
+TEST_F(NamedContextCreation, RemovesTheLastOccurrenceOfASuffixFromTheMachinesName) {
     expectCreated({"a.mac.b", "head.ref", ""}, "a.b[head]", "a.b[head].mctx",
                   "[stockposition@a.b[head]]head.ref");
     const std::pair<const char*, const char*> bases[] = {
@@ -126,7 +126,7 @@ TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheMachinesName
     }
 }
 
-TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheAxisFilesName) {
+TEST_F(NamedContextCreation, RemovesTheLastOccurrenceOfASuffixFromTheAxisFilesName) {
     const std::pair<const char*, const char*> bases[] = {
         {"x.ref-y.ref", "x.ref-y"}, {"x.ref-y.ref-z", "x.ref-y-z"},
         {"a.ref.b", "a.b"},         {"a.refx", "ax"},
@@ -139,7 +139,7 @@ TEST_F(NamedContextCreation, TakesTheLastOccurrenceOfASuffixOutOfTheAxisFilesNam
     }
 }
 
-TEST_F(NamedContextCreation, TakesTheNameOfTheContextFileThatIsGiven) {
+TEST_F(NamedContextCreation, UsesTheGivenNameOfTheContextFile) {
     expectCreated({"mill.mac", "", "job.mctx"}, "job", "job.mctx",
                   "[stockposition@job]MACHINE.ref");
     expectCreated({"mill.mac", "head.ref", "job.mctx"}, "job", "job.mctx",
@@ -225,7 +225,7 @@ TEST_F(NamedContextCreation, OverwritesNeitherOfItsFiles) {
     expectFailure({"mill.mac", "", "job.mctx"}, {{"transfo.dat", "axis"}, {reference, ""}});
 }
 
-TEST_F(NamedContextCreation, NeedsNoPlaceForItsResults) {
+TEST_F(NamedContextCreation, AcceptsNullPointersForItsResults) {
     write("transfo.dat", "axis");
     const std::wstring none;
     EXPECT_TRUE(CMachineContextUtils::sCreateMachineContext(directory_.wide(), L"a", none, none,
@@ -240,7 +240,7 @@ TEST_F(NamedContextCreation, NeedsNoPlaceForItsResults) {
                                                              nullptr, nullptr));
 }
 
-TEST_F(NamedContextCreation, MayPutItsResultsWhereItsArgumentsStand) {
+TEST_F(NamedContextCreation, MayReturnItsResultsInItsArguments) {
     write("head.ref", "axis");
     std::wstring context = L"job.mctx";
     std::wstring axis = L"head.ref";
@@ -250,7 +250,7 @@ TEST_F(NamedContextCreation, MayPutItsResultsWhereItsArgumentsStand) {
     EXPECT_EQ(axis, L"[stockposition@job]head.ref");
 }
 
-TEST_F(NamedContextCreation, TakesTheEmptyDirectoryForTheCurrentOne) {
+TEST_F(NamedContextCreation, TreatsAnEmptyDirectoryAsTheCurrentOne) {
     write("transfo.dat", "axis");
     EXPECT_TRUE(create(L"", {"m", "", ""}));
     EXPECT_TRUE(fs::exists(directory_ / "m[MACHINE].mctx"));
@@ -262,7 +262,7 @@ TEST_F(NamedContextCreation, KeepsAMachineOf600CharactersInTheRecord) {
     expectCreated({machine, "", "job.mctx"}, "job", "job.mctx", "[stockposition@job]MACHINE.ref");
 }
 
-TEST_F(NamedContextCreation, FailsWhereTheFileSystemTakesNoSuchName) {
+TEST_F(NamedContextCreation, FailsIfTheFileSystemRejectsTheName) {
     write("transfo.dat", "axis");
     const ChannelLog log;
     expectFailure({std::string(600, 'm'), "", ""}, {{"transfo.dat", "axis"}});
@@ -272,9 +272,9 @@ TEST_F(NamedContextCreation, FailsWhereTheFileSystemTakesNoSuchName) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-// The reference file's name is longer than the context's by 22 characters here, and ends it all at
-// 255, which is what a name may have on Linux.
-TEST_F(NamedContextCreation, TakesNamesAsLongAsTheFileSystemDoes) {
+// Here the name of the reference file is 22 characters longer than that of the context. It has 255
+// characters, the limit of Linux.
+TEST_F(NamedContextCreation, AcceptsNamesAsLongAsTheFileSystemDoes) {
     if (!can_fork) GTEST_SKIP() << "other systems have other limits";
     const std::string longest(228, 'k');
     expectCreated({"m", "", longest + ".mctx"}, longest, longest + ".mctx",
@@ -300,7 +300,7 @@ TEST_F(NamedContextCreation, RefusesNamesThatHoldAZero) {
     EXPECT_EQ(contents(), (Contents{{"transfo.dat", "axis"}}));
 }
 
-// "[stockposition@" comes before every directory part, so no such name leads to a place.
+// "[stockposition@" is before every directory part, so the directory of such a name does not exist.
 TEST_F(NamedContextCreation, FailsForNamesWithADirectoryPart) {
     makeDirectory("sub");
     write("sub/head.ref", "axis");
@@ -330,7 +330,7 @@ TEST_F(NamedContextCreation, WritesTheContextThroughADirectoryThatIsMissing) {
                         {"job.mctx", createdContext("missing/../job", "m", reference)}}));
 }
 
-TEST_F(NamedContextCreation, FailsWhereTheReferenceFileCannotBeWritten) {
+TEST_F(NamedContextCreation, FailsIfTheReferenceFileCannotBeWritten) {
     write("transfo.dat", "axis");
     const std::string reference = "[stockposition@job]MACHINE.ref";
     makeDirectory(reference);
@@ -339,7 +339,7 @@ TEST_F(NamedContextCreation, FailsWhereTheReferenceFileCannotBeWritten) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeReplaced) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileIfTheContextCannotBeReplaced) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx/inside");
     const ChannelLog log;
@@ -349,7 +349,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeRep
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeWritten) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileIfTheContextCannotBeWritten) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     const ChannelLog log;
@@ -360,11 +360,11 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackWhereTheContextCannotBeWri
                             directory_.path().generic_u8string() + "/job.mctx.messages.tmp'"));
 }
 
-TEST_F(NamedContextCreation, EndsTheProcessWhereTheContextCannotBeWrittenAndNobodyListens) {
+TEST_F(NamedContextCreation, EndsTheProcessIfTheContextCannotBeWrittenWithTheDefaultHandler) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     const auto call = [&] { create({"m", "", "job.mctx"}); };
-    // Not every system gives the child the directory of its parent.
+    // Not every system starts the child in the directory of its parent.
     EXPECT_EXIT(runAndLeave(call), endedByDefaultFatalHandler,
                 ::testing::AllOf(::testing::StartsWith("Store messages : error opening file '"),
                                  ::testing::EndsWith("/job.mctx.messages.tmp'\n")));
@@ -385,7 +385,7 @@ TEST_F(NamedContextCreation, WorksAgainAfterAHandlerThatThrows) {
     EXPECT_TRUE(create({"m", "", "job.mctx"}));
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackBeforeItReportsTheContext) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileBeforeItReportsTheContext) {
     write("transfo.dat", "axis");
     makeDirectory("job.mctx.messages.tmp");
     static bool hadReference;
@@ -397,7 +397,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackBeforeItReportsTheContext)
     EXPECT_FALSE(hadReference);
 }
 
-// A link that leads nowhere would have the file created wherever it leads to.
+// A link to a missing file would create the file at the target of the link.
 TEST_F(NamedContextCreation, CreatesNoFileThroughALink) {
     makeDirectory("elsewhere");
     const std::string reference = "[stockposition@job]MACHINE.ref";
@@ -454,7 +454,7 @@ TEST_F(NamedContextCreation, FailsOnAFullDisk) {
     }));
 }
 
-// A directory that is not the current one: looked at, but not copied in.
+// A directory that is not the current one. It is checked, but nothing is copied into it.
 
 TEST_F(NamedContextCreation, LeavesAnEmptyFileInTheCurrentDirectoryThatLacksTheAxisFile) {
     makeDirectory("other");
@@ -508,7 +508,7 @@ TEST_F(NamedContextCreation, LooksForItsFilesInItsDirectory) {
     EXPECT_FALSE(fs::exists(directory_ / reference));
 }
 
-TEST_F(NamedContextCreation, TakesTheReferenceFileBackFromTheCurrentDirectory) {
+TEST_F(NamedContextCreation, RemovesTheReferenceFileFromTheCurrentDirectory) {
     makeDirectory("other/job.mctx.messages.tmp");
     write("other/transfo.dat", "other axis");
     write("transfo.dat", "axis here");
@@ -522,7 +522,7 @@ TEST_F(NamedContextCreation, TakesTheReferenceFileBackFromTheCurrentDirectory) {
                                           "/other/job.mctx.messages.tmp'"));
 }
 
-TEST_F(NamedContextCreation, FailsWhereTheUserMayNotWriteToItsDirectory) {
+TEST_F(NamedContextCreation, FailsIfTheUserMayNotWriteToItsDirectory) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     fs::permissions(directory_.path(), fs::perms::all);
     makeDirectory("other");

@@ -1,4 +1,4 @@
-// Several processes that create contexts in one directory at the same time.
+// Several processes create contexts in one directory at the same time.
 
 #include <tests/catalogue/catalogue_files.h>
 #include <tests/common/channel_log.h>
@@ -35,9 +35,10 @@ class SimultaneousCreation : public ::testing::Test {
 protected:
     static constexpr int processes = 6;
 
-    /// Has so many processes create a context at once, which report nothing.
+    /// Runs several processes that create a context at the same time. None of them reports
+    /// anything.
     ///
-    /// @return how many have succeeded
+    /// @return the number of processes that have succeeded
     int create(const std::function<bool(int process)>& creation) {
         *successes_ = 0;
         EXPECT_TRUE(passesInChildren(processes, [&](int process) {
@@ -86,7 +87,7 @@ TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnce) {
     }
 }
 
-TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheReferenceIsThere) {
+TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceIfOnlyTheReferenceExists) {
     for (int round = 0; round < rounds(); ++round) {
         write(reference1, std::string(5000, 'x'));
         ASSERT_EQ(create([&](int) { return createDefault(); }), 1) << "in round " << round;
@@ -95,7 +96,7 @@ TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheReferenceIsThe
     }
 }
 
-TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheContextIsThere) {
+TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceIfOnlyTheContextExists) {
     for (int round = 0; round < rounds(); ++round) {
         write(context1, "[machine]\nname=old\n");
         ASSERT_EQ(create([&](int) { return createDefault(); }), 1) << "in round " << round;
@@ -104,7 +105,7 @@ TEST_F(SimultaneousCreation, OfOnePositionSucceedsOnceWhereOnlyTheContextIsThere
     }
 }
 
-TEST_F(SimultaneousCreation, OfPositionsOfTheirOwnCopiesAWholeAxisFile) {
+TEST_F(SimultaneousCreation, OfDifferentPositionsCopiesACompleteAxisFile) {
     Contents expected = {{"transfo.dat", identityAxis}};
     for (int process = 0; process < processes; ++process) {
         const std::string name = "[MACHINE_POSITION_" + std::to_string(process + 1) + "]";
@@ -133,7 +134,7 @@ TEST_F(SimultaneousCreation, OfOneNameSucceedsOnce) {
     }
 }
 
-// Without a lock the two would follow each other by chance only: here one of them waits.
+// One of the two processes waits for the lock. Without the lock their order would be random.
 
 TEST_F(SimultaneousCreation, LeavesThePairOfTheProcessThatWasFirst) {
     write("transfo.dat", "axis");

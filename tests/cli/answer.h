@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What a command answers, without a process of its own.
+/// The result of a command that runs in this process.
 
 #include <cli/dispatch.h>
 

@@ -41,7 +41,7 @@ TEST_F(AssemblyCommands, TreePrintsTheComponents) {
               "  Part (disabled): part.stl, at 0 0 0, axes 0 1 0 / -1 0 0 / 0 0 1\n");
 }
 
-TEST_F(AssemblyCommands, TreeBearsTheDeepestFile) {
+TEST_F(AssemblyCommands, TreePrintsAFileOfMaxDepth) {
     const Answer answer =
         answerTo(words("assembly tree") + QStringList(file("a", chainXml(999, "f"))));
     EXPECT_EQ(answer.status, 0);
@@ -82,7 +82,7 @@ TEST_F(AssemblyCommands, ListPrintsJsonInFullPrecision) {
         EXPECT_EQ(read.at(i).toDouble(), translation[i]);
 }
 
-TEST_F(AssemblyCommands, ListTakesOneFormAlone) {
+TEST_F(AssemblyCommands, ListAcceptsOnlyOneForm) {
     const Answer answer =
         answerTo(words("assembly list --csv --json") + QStringList(file("a", setupXml)));
     EXPECT_EQ(answer.status, 2);
@@ -123,7 +123,7 @@ TEST_F(AssemblyCommands, DiffOfTheThirdVectorIsDone) {
               "The assemblies are equal.\n");
 }
 
-TEST_F(AssemblyCommands, DiffSaysWhichFileIsBroken) {
+TEST_F(AssemblyCommands, DiffReportsWhichFileCannotBeRead) {
     const Answer answer =
         answerTo(words("assembly diff") + QStringList({file("a", setupXml), file("b", "<b/>")}));
     EXPECT_EQ(answer.status, 2);
@@ -133,7 +133,7 @@ TEST_F(AssemblyCommands, DiffSaysWhichFileIsBroken) {
                               "not <ComponentInfo>\n");
 }
 
-TEST_F(AssemblyCommands, DiffWantsTwoFiles) {
+TEST_F(AssemblyCommands, DiffRequiresTwoFiles) {
     EXPECT_EQ(answerTo(words("assembly diff a")).err,
               "trvfiles assembly diff: A file name is missing.\n"
               "Try 'trvfiles assembly diff --help'.\n");
@@ -142,7 +142,7 @@ TEST_F(AssemblyCommands, DiffWantsTwoFiles) {
               "Try 'trvfiles assembly diff --help'.\n");
 }
 
-TEST_F(AssemblyCommands, SayThatAFileIsMissing) {
+TEST_F(AssemblyCommands, ReportThatAFileIsMissing) {
     for (const char* command : {"assembly tree", "assembly list", "assembly list --json"}) {
         const Answer answer = answerTo(words(command) + QStringList(path("missing")));
         EXPECT_EQ(answer.status, 2);

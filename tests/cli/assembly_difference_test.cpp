@@ -17,7 +17,7 @@ namespace {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-// The lines, after checking that the answer is that of the records themselves.
+// Returns the lines, and checks that the result is that of comparing the records.
 std::string difference(const CTrvAssemblyData& first, const CTrvAssemblyData& second) {
     std::ostringstream out;
     EXPECT_EQ(cli::printDifferences(first, second, out), first != second);
@@ -81,7 +81,7 @@ TEST(PrintDifferences, ComparesPlacementsWithATolerance) {
               "a: translation 0 0 0 -> 0 2e-06 0\n");
 }
 
-TEST(PrintDifferences, TakesNoNanForADifference) {
+TEST(PrintDifferences, TreatsNoNanAsADifference) {
     EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(0, 0, notANumber))), "");
     EXPECT_EQ(difference(assembly(movedTo(infinity, 0, 0)), assembly(movedTo(infinity, 0, 0))), "");
     EXPECT_EQ(difference(assembly(movedTo(infinity, 0, 0)), assembly(movedTo(-infinity, 0, 0))),
@@ -111,7 +111,7 @@ TEST(PrintDifferences, GivesThePathOfNamesAndPlaces) {
         "a/c[1]/[1]: file \"f\" -> \"g\"\n");
 }
 
-TEST(PrintDifferences, NamesWhatHasNoCounterpart) {
+TEST(PrintDifferences, NamesComponentsWithoutACounterpart) {
     EXPECT_EQ(
         difference(assembly(component(
                        "a", {component("b", {component("x")}), component("c"), component("d")})),
@@ -121,7 +121,7 @@ TEST(PrintDifferences, NamesWhatHasNoCounterpart) {
         "a/d[2]: only in the first file\n");
 }
 
-TEST(PrintDifferences, GoesOnBehindADifference) {
+TEST(PrintDifferences, ContinuesAfterADifference) {
     EXPECT_EQ(
         difference(assembly(component("a", {component("b", {component("c")}), leaf("d", "f")})),
                    assembly(component("a", {component("B", {component("C")}), leaf("d", "g")}))),
@@ -130,7 +130,7 @@ TEST(PrintDifferences, GoesOnBehindADifference) {
         "a/d[1]: file \"f\" -> \"g\"\n");
 }
 
-TEST(PrintDifferences, BearsAnyDepth) {
+TEST(PrintDifferences, AcceptsAnyDepth) {
     constexpr int levels = 100000;
     const std::string text = difference(chain(levels, "f"), chain(levels, "g"));
     const std::string end = "/L[0]/L[0]: file \"f\" -> \"g\"\n";
@@ -139,7 +139,7 @@ TEST(PrintDifferences, BearsAnyDepth) {
     EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 
-// Counts what is written to it.
+// Counts the bytes that are written to it.
 class ByteCounter : public std::streambuf {
 public:
     std::size_t bytes() const { return bytes_; }
@@ -158,7 +158,7 @@ private:
     std::size_t bytes_ = 0;
 };
 
-// A chain whose innermost component has so many children, all with this comment.
+// A chain whose innermost component has this number of children, all with this comment.
 CTrvAssemblyData brush(int levels, int count, const std::string& comment) {
     CTrvAssemblyComponentData bristle = component("b");
     bristle.setComment(comment);
@@ -172,9 +172,9 @@ CTrvAssemblyData brush(int levels, int count, const std::string& comment) {
     return assembly(std::move(inner));
 }
 
-// The path of each component is as long as the tree is deep. Printing takes about 9 times as long
-// as a loop that writes as many paths of this length.
-TEST(PrintDifferences, TakesTimeForWhatItPrints) {
+// The length of each component's path is proportional to its depth. Printing takes about 9 times as
+// long as a loop that writes the same number of paths of this length.
+TEST(PrintDifferences, TakesTimeOnlyForWhatItPrints) {
     constexpr int levels = 990;
     constexpr int count = 20000;
     const CTrvAssemblyData first = brush(levels, count, "x");
@@ -204,7 +204,7 @@ TEST(PrintDifferences, TakesTimeForWhatItPrints) {
     EXPECT_EQ(extras.bytes(), places + count * std::string(": only in the second file\n").size());
 }
 
-// A tree whose fields differ now and then, so that pairs of trees are equal or nearly so.
+// A tree whose fields rarely differ, so pairs of trees are equal or almost equal.
 CTrvAssemblyComponentData randomTree(std::mt19937& random, int depth) {
     const auto seldom = [&] { return random() % 24 == 0; };
     CTrvAssemblyComponentData made = component(seldom() ? "b" : "a");

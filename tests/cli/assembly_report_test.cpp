@@ -10,7 +10,7 @@
 namespace trv::testing {
 namespace {
 
-// A group with a placed file and a disabled one that is turned by 90 degrees.
+// A group with a placed file and a disabled one that is rotated by 90 degrees.
 CTrvAssemblyData setup() {
     CTrvAssemblyComponentData vise = leaf("Vise", "vise, small.stl");
     const double up[] = {0, 5, 0.1};
@@ -65,7 +65,7 @@ TEST(AssemblyCounts, CountComponentsAndFiles) {
     EXPECT_EQ(counts.placedFiles, 1U);
 }
 
-TEST(AssemblyCounts, CountTheRootAlone) {
+TEST(AssemblyCounts, CountOnlyTheRootIfThereIsNothingElse) {
     const cli::AssemblyCounts counts = cli::countsOf(assembly(leaf("a", "f")));
     EXPECT_EQ(counts.components, 1U);
     EXPECT_EQ(counts.componentNumber, 0U);
@@ -98,7 +98,7 @@ TEST(PrintTree, KeepsEveryComponentOnItsLine) {
     EXPECT_EQ(tree(assembly(root)), "a\\x0ab: c\\x09d, at 0 0 0 -- e\\x1b[0mf %1 %2\n");
 }
 
-TEST(PrintTree, ShowsAxesAsSoonAsOneIsTurned) {
+TEST(PrintTree, ShowsAxesIfOneIsRotated) {
     const double unit[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     const double other[] = {0, 0.5, 0};
     CTrvAssemblyComponentData root = component("a");
@@ -110,7 +110,7 @@ TEST(PrintTree, ShowsAxesAsSoonAsOneIsTurned) {
     EXPECT_EQ(tree(assembly(root)), "a, at 0 0 0, axes 1 0 0 / 0 1 0 / 0 0.5 0\n");
 }
 
-TEST(PrintTree, RoundsForReading) {
+TEST(PrintTree, RoundsNumbers) {
     CTrvAssemblyComponentData root = leaf("a", "f");
     const double translation[] = {0.1 + 0.2, -1e-9, 1.23456789};
     root.setTranslation(translation);

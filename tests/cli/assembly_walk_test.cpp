@@ -26,7 +26,7 @@ TEST(ForEachComponent, VisitsParentsBeforeChildrenInOrder) {
               "0a 1b 2c 2d 1e 1f 2g ");
 }
 
-TEST(ForEachComponent, BearsAnyDepth) {
+TEST(ForEachComponent, AcceptsAnyDepth) {
     constexpr int levels = 100000;
     std::size_t count = 0;
     std::size_t deepest = 0;

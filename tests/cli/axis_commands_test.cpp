@@ -55,7 +55,7 @@ TEST_F(AxisCommands, ShowPrintsJson) {
                               "\"tags\":[null,null,null]}\n");
 }
 
-TEST_F(AxisCommands, ShowSaysWhatIsWrong) {
+TEST_F(AxisCommands, ShowReportsWhatIsWrong) {
     const Answer answer = answerTo(words("axis show") + QStringList(file("a", "0\n1 2 3\n")));
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
@@ -101,7 +101,7 @@ TEST_F(AxisCommands, InvertKeepsTheDigitsOfARotation) {
     ASSERT_EQ(answerTo(words("axis invert") + QStringList({name, path("b")})).status, 0);
     EXPECT_EQ(bytes("b").substr(0, 36), "      1\n      0.866025      0.500000");
     ASSERT_EQ(answerTo(words("axis invert") + QStringList({path("b"), name})).status, 0);
-    // The translation is rounded twice on its way.
+    // The translation is rounded twice.
     constexpr std::size_t flagAndFirstRow = 8 + 42;
     EXPECT_EQ(bytes("a").substr(0, flagAndFirstRow), before.substr(0, flagAndFirstRow));
 }
@@ -142,10 +142,10 @@ TEST_F(AxisCommands, InvertRefusesWhatHasNoInverse) {
     EXPECT_EQ(refusal("0\n1 0 0 inf\n0 1 0 2\n0 0 1 3\n0 0 0 1\n"),
               "the matrix holds nan or inf and has no inverse\n");
     EXPECT_EQ(refusal("0\n1 0 0 1\n0 1 0 2\n0 0 1 3\n0 2 0 1\n"),
-              "line 5 does not start with 0 0 0; the matrix is no placement\n");
+              "line 5 does not start with 0 0 0; the matrix is not a placement\n");
 }
 
-TEST_F(AxisCommands, InvertSaysWhichFileIsWrong) {
+TEST_F(AxisCommands, InvertReportsWhichFileIsWrong) {
     Answer answer = answerTo(words("axis invert") + QStringList({path("missing"), path("b")}));
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err, "trvfiles: " + path("missing").toStdString() +
@@ -165,13 +165,13 @@ TEST_F(AxisCommands, WriteMakesTheIdentity) {
     EXPECT_EQ(bytes("w.ref"), identityAxis);
 }
 
-TEST_F(AxisCommands, WriteTakesEveryPart) {
+TEST_F(AxisCommands, WriteAcceptsEveryOption) {
     EXPECT_EQ(
         write("--translate 10,20,30 --vec1 0,1,0 --vec2 -1,0,0 --vec3 0,0,1 --tags 3,0,7").err, "");
     EXPECT_EQ(bytes("w.ref"), turnedAxis);
 }
 
-TEST_F(AxisCommands, WriteTakesEveryFormOfANumber) {
+TEST_F(AxisCommands, WriteAcceptsEveryFormOfANumber) {
     EXPECT_EQ(write("--translate=-1.5,+2e1,.5").status, 0);
     EXPECT_EQ(bytes("w.ref").substr(0, 8 + 2 * 57),
               "      1\n"
@@ -188,7 +188,7 @@ TEST_F(AxisCommands, WriteNotesThatTheAxesAreNotOrthonormal) {
     EXPECT_EQ(bytes("w.ref").substr(0, 22), "      1\n      2.000000");
 }
 
-TEST_F(AxisCommands, WriteRefusesWhatIsNotThreeNumbers) {
+TEST_F(AxisCommands, WriteRejectsWhatIsNotThreeNumbers) {
     for (const char* value : {"1,2", "1,2,3,4", "1,2,x", "1,,3", "1;2;3", "1,2,nan", "inf,0,0",
                               "0x1,2,3", "1,2,1e400", "1_0,2,3"}) {
         const Answer answer = write((std::string("--translate ") + value).c_str());
@@ -200,7 +200,7 @@ TEST_F(AxisCommands, WriteRefusesWhatIsNotThreeNumbers) {
     }
 }
 
-TEST_F(AxisCommands, WriteWantsAllVectorsOrNone) {
+TEST_F(AxisCommands, WriteRequiresAllVectorsOrNone) {
     for (const char* options : {"--vec1 1,0,0", "--vec1 1,0,0 --vec3 0,0,1"}) {
         const Answer answer = write(options);
         EXPECT_EQ(answer.status, 2);
@@ -211,16 +211,16 @@ TEST_F(AxisCommands, WriteWantsAllVectorsOrNone) {
     EXPECT_FALSE(exists("w.ref"));
 }
 
-TEST_F(AxisCommands, WriteWantsVectorsThatSpanSpace) {
+TEST_F(AxisCommands, WriteRequiresIndependentVectors) {
     const Answer answer = write("--vec1 1,0,0 --vec2 2,0,0 --vec3 0,0,1");
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err,
-              "trvfiles axis write: The three vectors do not span space.\n"
+              "trvfiles axis write: The three vectors are not linearly independent.\n"
               "Try 'trvfiles axis write --help'.\n");
     EXPECT_FALSE(exists("w.ref"));
 }
 
-TEST_F(AxisCommands, WriteWantsThreeTags) {
+TEST_F(AxisCommands, WriteRequiresThreeTags) {
     for (const char* value : {"1,2", "1,2,-1", "1,2,x", "1,2,3.0", "1,2,2147483648", "1,2,3,4"}) {
         const Answer answer = write((std::string("--tags ") + value).c_str());
         EXPECT_EQ(answer.status, 2) << value;
@@ -234,7 +234,7 @@ TEST_F(AxisCommands, WriteWantsThreeTags) {
     EXPECT_EQ(bytes("w.ref"), std::string(identityAxis) + "  #0 2147483647 0\n");
 }
 
-TEST_F(AxisCommands, WriteSaysThatTheFileCannotBeMade) {
+TEST_F(AxisCommands, WriteReportsThatTheFileCannotBeCreated) {
     const Answer answer = answerTo(words("axis write") + QStringList(path("missing/w")));
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err, "trvfiles: " + path("missing/w").toStdString() +

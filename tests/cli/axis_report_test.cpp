@@ -40,7 +40,7 @@ TEST(AxisTraits, KnowOrthonormalAxes) {
 }
 
 TEST(AxisTraits, TakeRoundedRotationsForOrthonormal) {
-    // Every element is as far from a true rotation as six decimals allow.
+    // Every element has the largest deviation from a rotation that six decimals allow.
     for (int degrees = 0; degrees < 360; ++degrees) {
         const double angle = degrees * 3.14159265358979 / 180;
         const double cosine = std::round(std::cos(angle) * 1e6) / 1e6;
@@ -134,13 +134,13 @@ TEST(AxisJson, HasEveryKey) {
               "\"orthonormal\":true,\"singular\":false,\"tags\":[3,0,null]}");
 }
 
-TEST(AxisJson, HasNoInverseWhereThereIsNone) {
+TEST(AxisJson, HasANullInverseForASingularMatrix) {
     const QJsonObject json = axisJson(QStringLiteral("a"), {flat, {-1, -1, -1}});
     EXPECT_TRUE(json.value(QStringLiteral("inverse")).isNull());
     EXPECT_TRUE(json.value(QStringLiteral("singular")).toBool());
 }
 
-TEST(AxisSummary, NamesWhatMatters) {
+TEST(AxisSummary, NamesTraitsAndTags) {
     const auto summary = [](const AxisMatrix& matrix, std::array<int, 3> tags = {-1, -1, -1}) {
         return axisSummary({matrix, tags}).toStdString();
     };

@@ -30,7 +30,7 @@ protected:
     TemporaryDirectory directory_;
 };
 
-TEST_F(CheckCommand, SaysWhatASoundFileHolds) {
+TEST_F(CheckCommand, SummarisesAFileWithoutFaults) {
     EXPECT_EQ(verdict(setupXml, 0), "ok (assembly, 3 components, 1 placed file)\n");
     EXPECT_EQ(verdict(turnedAxis, 0), "ok (axis, orthonormal, tags 3 0 7)\n");
     EXPECT_EQ(verdict(identityAxis, 0), "ok (axis, identity)\n");
@@ -55,7 +55,7 @@ TEST_F(CheckCommand, MentionsComponentsThatAreLeftOut) {
               "<Orientation>, first in line 3)\n");
 }
 
-TEST_F(CheckCommand, SaysWhatIsWrongWithABrokenFile) {
+TEST_F(CheckCommand, ReportsWhatIsWrongWithAFaultyFile) {
     EXPECT_EQ(verdict("<ComponentInfo version=\"1\">\n<a></b>", 1),
               "eFileIOContentError: line 2, column 7: tag mismatch\n");
     EXPECT_EQ(verdict("<a/>", 1),
@@ -75,7 +75,7 @@ TEST_F(CheckCommand, SaysWhatIsWrongWithABrokenFile) {
         "eFileIOContentError: neither an assembly, nor an axis file, nor a machine context\n");
 }
 
-TEST_F(CheckCommand, GoesOnAfterABrokenFile) {
+TEST_F(CheckCommand, ContinuesAfterAFaultyFile) {
     const QStringList names = {file("one", setupXml), QString::fromStdString(path("missing")),
                                QString::fromStdString(directory_.text()),
                                file("two", identityAxis)};
@@ -88,7 +88,7 @@ TEST_F(CheckCommand, GoesOnAfterABrokenFile) {
                               path("two") + ": ok (axis, identity)\n");
 }
 
-TEST_F(CheckCommand, WantsAFile) {
+TEST_F(CheckCommand, RequiresAFile) {
     const Answer answer = answerTo(words("check"));
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err,

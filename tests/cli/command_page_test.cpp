@@ -1,4 +1,4 @@
-// The examples of docs/command.md, run as they stand there.
+// Runs the examples of docs/command.md.
 
 #include <tests/cli/env_sample.h>
 #include <tests/cli/process.h>
@@ -21,8 +21,8 @@ struct Example {
     std::string output;
 };
 
-// The lines between "```console" and "```": each one that begins with "$ trvfiles " is a call, the
-// others are its output.
+// The lines between "```console" and "```": a line that begins with "$ trvfiles " is a call, the
+// lines after it are its output.
 std::vector<Example> examplesOf(const std::filesystem::path& page) {
     const std::string call = "$ trvfiles ";
     std::vector<Example> examples;
@@ -42,7 +42,7 @@ std::vector<Example> examplesOf(const std::filesystem::path& page) {
     return examples;
 }
 
-// As a shell takes words apart, as far as the page goes: at blanks, but not between quotes.
+// Splits a line like a shell, as far as the page needs it: at blanks, but not between quotes.
 QStringList wordsOf(const std::string& line) {
     QStringList words;
     const QStringList parts = QString::fromStdString(line).split(QLatin1Char('\''));

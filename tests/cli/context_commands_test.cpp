@@ -6,7 +6,7 @@
 namespace trv::testing {
 namespace {
 
-TEST(ContextCommands, StandInAGroup) {
+TEST(ContextCommands, AreOneGroup) {
     const Answer answer = answerTo(words("context --help"));
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.out,

@@ -49,7 +49,7 @@ constexpr const char* positionContext =
     "[clamping_system]\n"
     "proximity=0.000000\n";
 
-TEST_F(ContextCreate, MakesTheDefaultContextOfAPosition) {
+TEST_F(ContextCreate, CreatesTheDefaultContextOfAPosition) {
     const Answer answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
@@ -73,7 +73,7 @@ TEST_F(ContextCreate, OverwritesNoPairOfFiles) {
     ASSERT_EQ(create("--position 3").status, 0);
     file("[MACHINE_POSITION_3].mctx", "mine");
     expectFailure(create("--position 3"),
-                  "trvfiles: " + text("[MACHINE_POSITION_3].mctx") + ": is there already\n");
+                  "trvfiles: " + text("[MACHINE_POSITION_3].mctx") + ": exists already\n");
     EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), "mine");
     EXPECT_EQ(names().size(), 3U);
 }
@@ -83,17 +83,17 @@ TEST_F(ContextCreate, NotesTheSingleFileThatItReplaces) {
     Answer answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "trvfiles: note: " + text("[MACHINE_POSITION_3].mctx") +
-                              " stood there without its other file and was replaced\n");
+                              " existed without its other file and was replaced\n");
     EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), positionContext);
     std::filesystem::remove(directory_ / "[MACHINE_POSITION_3].mctx");
     answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err,
               "trvfiles: note: " + text("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") +
-                  " stood there without its other file and was replaced\n");
+                  " existed without its other file and was replaced\n");
 }
 
-TEST_F(ContextCreate, MakesAContextForAMachine) {
+TEST_F(ContextCreate, CreatesAContextForAMachine) {
     file("transfo.dat", turnedAxis);
     const Answer answer = create("--machine mill5.mac");
     EXPECT_EQ(answer.status, 0);
@@ -109,7 +109,7 @@ TEST_F(ContextCreate, MakesAContextForAMachine) {
     EXPECT_EQ(names().size(), 3U);
 }
 
-TEST_F(ContextCreate, TakesAnotherAxisFileAndAName) {
+TEST_F(ContextCreate, UsesAnotherAxisFileAndAName) {
     file("head.ref", turnedAxis);
     Answer answer = create("--machine a.mac.b --axis head.ref");
     EXPECT_EQ(answer.status, 0);
@@ -126,7 +126,7 @@ TEST_F(ContextCreate, TakesAnotherAxisFileAndAName) {
     EXPECT_EQ(bytes("[stockposition@\xC3\xB6 [%s]]head.ref"), turnedAxis);
 }
 
-TEST_F(ContextCreate, WorksInTheDirectoryWhereverItIsCalled) {
+TEST_F(ContextCreate, WorksInTheDirectoryWhateverTheCurrentOneIs) {
     file("sub/transfo.dat", identityAxis);
     const CurrentDirectory here(directory_.path());
     const Answer answer = create(words("--machine m"), QStringLiteral("sub"));
@@ -143,15 +143,15 @@ TEST_F(ContextCreate, OverwritesNeitherFileOfAMachine) {
     file("transfo.dat", identityAxis);
     file("m[MACHINE].mctx", "mine");
     expectFailure(create("--machine m"),
-                  "trvfiles: " + text("m[MACHINE].mctx") + ": is there already\n");
+                  "trvfiles: " + text("m[MACHINE].mctx") + ": exists already\n");
     file("[stockposition@n[MACHINE]]MACHINE.ref", "mine");
     expectFailure(
         create("--machine n"),
-        "trvfiles: " + text("[stockposition@n[MACHINE]]MACHINE.ref") + ": is there already\n");
+        "trvfiles: " + text("[stockposition@n[MACHINE]]MACHINE.ref") + ": exists already\n");
     EXPECT_EQ(names().size(), 3U);
 }
 
-TEST_F(ContextCreate, WantsASoundAxisFile) {
+TEST_F(ContextCreate, RequiresAValidAxisFile) {
     expectFailure(create("--machine m"), "trvfiles: " + text("transfo.dat") +
                                              ": eFileIOOpenError: No such file or directory\n");
     expectFailure(
@@ -165,7 +165,7 @@ TEST_F(ContextCreate, WantsASoundAxisFile) {
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
 }
 
-TEST_F(ContextCreate, WantsOneKindOfContext) {
+TEST_F(ContextCreate, RequiresOneKindOfContext) {
     expectRefusal(answerTo(words("context create") + QStringList(path(""))),
                   "Give either --position or --machine.");
     expectRefusal(create("--position 1 --machine m"), "Give either --position or --machine.");
@@ -177,9 +177,9 @@ TEST_F(ContextCreate, WantsOneKindOfContext) {
             "--position takes a whole number from 1 on, not '" + std::string(position) + "'.");
 }
 
-TEST_F(ContextCreate, WantsBareNames) {
+TEST_F(ContextCreate, RequiresNamesWithoutADirectory) {
     for (const char* option : {"machine", "axis", "name"}) {
-        // As it is given and as it is shown.
+        // As an argument and as it is printed.
         for (const auto& [value, shown] : {std::pair("", ""), std::pair("a/b", "a/b"),
                                            std::pair("a\\b", "a\\\\b"), std::pair("/", "/")}) {
             const std::string given = std::string("--") + option + "=" + value;
@@ -193,20 +193,19 @@ TEST_F(ContextCreate, WantsBareNames) {
 }
 
 TEST_F(ContextCreate, RefusesNamesThatTheFileCannotHold) {
-    expectRefusal(
-        create("--machine a+b(1)"),
-        "A context cannot hold 'a+b(1)': what stands between a \"+\" and a later \")\" is "
-        "lost.");
+    expectRefusal(create("--machine a+b(1)"),
+                  "A context cannot hold 'a+b(1)': what is between a \"+\" and a later \")\" is "
+                  "lost.");
 }
 
-TEST_F(ContextCreate, SaysWhyTheDirectoryIsNone) {
+TEST_F(ContextCreate, ReportsWhyTheDirectoryIsInvalid) {
     for (const char* options : {"--machine m", "--position 1"})
         expectFailure(create(words(options), path("missing")),
                       "trvfiles: " + text("missing") + ": No such file or directory\n");
     EXPECT_THAT(names(), IsEmpty());
 }
 
-TEST_F(ContextCreate, SaysWhatStandsInTheWay) {
+TEST_F(ContextCreate, ReportsTheFileThatPreventsTheCreation) {
     std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_1].mctx");
     expectFailure(create("--position 1"),
                   "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": is a directory\n");
@@ -221,7 +220,7 @@ TEST_F(ContextCreate, ReportsAContextThatCannotBeSaved) {
     EXPECT_THAT(names(), ElementsAre("[MACHINE_POSITION_1].mctx.messages.tmp", "transfo.dat"));
 }
 
-TEST_F(ContextCreate, SaysWhichNameIsTooLong) {
+TEST_F(ContextCreate, ReportsWhichNameIsTooLong) {
     file("transfo.dat", identityAxis);
     const std::string machine(300, 'm');
     const Answer answer = create(("--machine " + machine).c_str());
@@ -232,7 +231,7 @@ TEST_F(ContextCreate, SaysWhichNameIsTooLong) {
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
 }
 
-TEST_F(ContextCreate, SaysWhenRightsAreMissing) {
+TEST_F(ContextCreate, ReportsMissingRights) {
     if (!can_fork) GTEST_SKIP() << "rights are given up in a child process";
     file("transfo.dat", identityAxis);
     std::filesystem::permissions(directory_.path(), std::filesystem::perms(0555));
@@ -249,7 +248,7 @@ TEST_F(ContextCreate, SaysWhenRightsAreMissing) {
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
 }
 
-TEST_F(ContextCreate, SaysWhenTheFileCannotBeWrittenToItsEnd) {
+TEST_F(ContextCreate, ReportsAFileThatCannotBeWrittenCompletely) {
     if (!can_fork) GTEST_SKIP() << "the limit is set in a child process";
     EXPECT_TRUE(passesInChild([&] {
         ASSERT_TRUE(limitFileSize(100));
@@ -268,7 +267,7 @@ TEST_F(ContextCreate, SaysWhenTheFileCannotBeWrittenToItsEnd) {
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
 }
 
-TEST_F(ContextCreate, SaysWhichLinkLeadsNowhere) {
+TEST_F(ContextCreate, ReportsALinkToAMissingFile) {
     file("transfo.dat", identityAxis);
     for (const char* name :
          {"[MACHINE_POSITION_1].mctx", "[stockposition@[MACHINE_POSITION_1]]MACHINE.ref"}) {
@@ -276,13 +275,13 @@ TEST_F(ContextCreate, SaysWhichLinkLeadsNowhere) {
         std::filesystem::create_symlink("nowhere", directory_ / name, error);
         if (error) GTEST_SKIP() << "links cannot be made here";
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text(name) + ": is a link that leads nowhere\n");
+                      "trvfiles: " + text(name) + ": is a link whose target does not exist\n");
         EXPECT_THAT(names(), ElementsAre(name, "transfo.dat"));
         std::filesystem::remove(directory_ / name);
     }
 }
 
-TEST_F(ContextCreate, SaysWhichFileTheUserMayNotRead) {
+TEST_F(ContextCreate, ReportsWhichFileTheUserMayNotRead) {
     if (!can_fork) GTEST_SKIP() << "rights are given up in a child process";
     file("transfo.dat", identityAxis);
     std::filesystem::permissions(directory_.path(), std::filesystem::perms(0777));
@@ -300,7 +299,7 @@ TEST_F(ContextCreate, SaysWhichFileTheUserMayNotRead) {
     }
 }
 
-TEST_F(ContextCreate, SaysThatAnotherProcessWasFirst) {
+TEST_F(ContextCreate, ReportsThatAnotherProcessWasFirst) {
     if (!can_fork) GTEST_SKIP() << "needs a second process";
     file("transfo.dat", identityAxis);
     const std::filesystem::path ready = directory_ / "ready";
@@ -316,7 +315,7 @@ TEST_F(ContextCreate, SaysThatAnotherProcessWasFirst) {
         while (!std::filesystem::exists(ready))
             std::this_thread::yield();
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": is there already\n");
+                      "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": exists already\n");
     }));
     EXPECT_EQ(bytes("[MACHINE_POSITION_1].mctx"), "first");
 }

@@ -41,7 +41,7 @@ protected:
         return std::filesystem::exists(directory_ / name);
     }
 
-    /// The names of all that is in the directory, in byte order.
+    /// The names of all entries of the directory, in byte order.
     std::vector<std::string> names() const {
         std::vector<std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator(directory_.path()))

@@ -15,7 +15,7 @@ std::string set(const char* name, const char* text, CMachineContextData& data) {
     return setContextField(field(name), QString::fromUtf8(text), data).toStdString();
 }
 
-TEST(ContextFields, GoByTheirPlacesInTheFile) {
+TEST(ContextFields, AreFoundByTheirSectionAndKey) {
     QString names;
     for (const ContextField& each : contextFields())
         names += nameOf(each) + QLatin1Char(' ');
@@ -62,10 +62,10 @@ TEST(ContextFields, SetTheirOwnFieldOfTheRecord) {
               "1.000000 2.500000 -3.000000");
 }
 
-TEST(ContextFields, RefuseWhatDoesNotComeBack) {
+TEST(ContextFields, RejectWhatDoesNotComeBack) {
     CMachineContextData data;
     EXPECT_EQ(set("machine.name", "A+B(1)", data),
-              "machine.name cannot hold 'A+B(1)': what stands between a \"+\" and a later \")\" is "
+              "machine.name cannot hold 'A+B(1)': what is between a \"+\" and a later \")\" is "
               "lost.");
     EXPECT_EQ(set("machine.name", "%1\n", data),
               "machine.name cannot hold '%1\n': a line end becomes a blank.");
@@ -76,7 +76,7 @@ TEST(ContextFields, RefuseWhatDoesNotComeBack) {
     for (const char* text : {"1e20", "1e39", "-1e19"})
         EXPECT_EQ(set("clamping_system.proximity", text, data),
                   "clamping_system.proximity cannot hold '" + std::string(text) +
-                      "': a file keeps no number as large.");
+                      "': the number is too large for a file.");
     for (const char* text : {"", "1 2", "1 2 3 4", "1 2 nan", "1 inf 3", "1,2,3", "1 2 3mm"})
         EXPECT_EQ(set("postpro.origin_program", text, data),
                   "postpro.origin_program takes three numbers, such as '12.5 0 -3', not '" +

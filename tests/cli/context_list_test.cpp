@@ -11,7 +11,7 @@ protected:
     }
 };
 
-TEST_F(ContextList, PrintsAPathALine) {
+TEST_F(ContextList, PrintsOnePathPerLine) {
     file("B/B.mctx", "");
     file("B/D/D.mctx", "");
     file("a/a.mctx", "");
@@ -24,7 +24,7 @@ TEST_F(ContextList, PrintsAPathALine) {
                               text("C/[x] %1/[x] %1.mctx") + "\n");
 }
 
-TEST_F(ContextList, PrintsNothingWhereThereIsNone) {
+TEST_F(ContextList, PrintsNothingIfThereIsNoContext) {
     const Answer answer = list(path(""));
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.out + answer.err, "");
@@ -38,7 +38,7 @@ TEST_F(ContextList, PrintsJson) {
                               text(".") + "\"}\n");
 }
 
-TEST_F(ContextList, SaysWhyADirectoryCannotBeListed) {
+TEST_F(ContextList, ReportsWhyADirectoryCannotBeListed) {
     Answer answer = list(path("missing"));
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
@@ -58,7 +58,7 @@ protected:
     }
 };
 
-TEST_F(FavoriteList, TakesThoseOfTheInstallation) {
+TEST_F(FavoriteList, UsesThoseOfTheInstallation) {
     EXPECT_EQ(list(), 0);
     EXPECT_EQ(err(), "");
     EXPECT_EQ(out(),
@@ -66,7 +66,7 @@ TEST_F(FavoriteList, TakesThoseOfTheInstallation) {
               "/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\n");
 }
 
-TEST_F(FavoriteList, TakesTheInstallationOfTheCall) {
+TEST_F(FavoriteList, UsesTheInstallationOfTheCall) {
     process_.setVariable("TRVHOME", nullptr);
     EXPECT_EQ(
         list({QStringLiteral("--json"), QStringLiteral("--root"), QString::fromStdString(root())}),
@@ -78,7 +78,7 @@ TEST_F(FavoriteList, TakesTheInstallationOfTheCall) {
               "\"directory\":\"/opt/shop/standard/machine_context\"}\n");
 }
 
-TEST_F(FavoriteList, TakesADirectoryThatTheProcessNames) {
+TEST_F(FavoriteList, UsesADirectoryThatTheProcessNames) {
     write("mine/a/a.mctx", "");
     process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/mine").c_str());
     EXPECT_EQ(list(), 0);
@@ -88,20 +88,20 @@ TEST_F(FavoriteList, TakesADirectoryThatTheProcessNames) {
     EXPECT_EQ(err(), "trvfiles: " + directory_.text() + "/none: No such file or directory\n");
 }
 
-TEST_F(FavoriteList, ReportsABrokenInstallation) {
+TEST_F(FavoriteList, ReportsAFaultyInstallation) {
     write("shop/config/environ.cfg", "/els\n");
     EXPECT_EQ(list(), 2);
     EXPECT_EQ(out(), "");
     EXPECT_NE(err().find("Unknown keyword : '/els'"), std::string::npos);
 }
 
-TEST_F(FavoriteList, SaysWhyThereIsNoFavouriteDirectory) {
+TEST_F(FavoriteList, ReportsWhyThereIsNoFavouriteDirectory) {
     process_.setVariable("TRVHOME", nullptr);
     EXPECT_EQ(list(), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
 
-    // Neither of the two fits, once expanded.
+    // Both are too long after expansion.
     write("shop/config/environ.cfg", "[var]\n");
     std::string longRoot = root();
     while (longRoot.size() < 380)
@@ -163,7 +163,7 @@ TEST_F(ContextDefault, PrintsJson) {
               "{\"file\":\"" + text("[MACHINE_POSITION_2].mctx") + "\",\"position\":2}\n");
 }
 
-TEST_F(ContextDefault, WantsFilesThatExist) {
+TEST_F(ContextDefault, RequiresExistingFiles) {
     for (const QStringList& files :
          {QStringList(path("[MACHINE_POSITION_1].mctx")), QStringList({two_, path("")})}) {
         const Answer answer = answerTo(words("context default") + files);

@@ -26,7 +26,7 @@ TEST(ContextPlan, NamesTheFilesOfAMachine) {
     EXPECT_EQ(made.givenAxis.toStdString(), "");
 }
 
-TEST(ContextPlan, TakesTheAxisFileIntoTheNames) {
+TEST(ContextPlan, UsesTheAxisFileInTheNames) {
     const ContextPlan made = plan("a.mac.b", "head.ref");
     EXPECT_EQ(made.context.toStdString(), "a.b[head].mctx");
     EXPECT_EQ(made.reference.toStdString(), "[stockposition@a.b[head]]head.ref");
@@ -35,7 +35,7 @@ TEST(ContextPlan, TakesTheAxisFileIntoTheNames) {
     EXPECT_EQ(plan("m", "transfo.dat").context.toStdString(), "m[transfo.dat].mctx");
 }
 
-TEST(ContextPlan, TakesANameWithOrWithoutItsEnding) {
+TEST(ContextPlan, AcceptsANameWithOrWithoutItsEnding) {
     for (const char* name : {"job", "job.mctx"}) {
         const ContextPlan made = plan("m", "", name);
         EXPECT_EQ(made.context.toStdString(), "job.mctx");
@@ -45,13 +45,13 @@ TEST(ContextPlan, TakesANameWithOrWithoutItsEnding) {
     EXPECT_EQ(plan("%2", "%1").reference.toStdString(), "[stockposition@%2[%1]]%1.ref");
 }
 
-TEST(ContextPlan, SaysWhichNameARecordCannotHold) {
+TEST(ContextPlan, ReportsWhichNameARecordCannotHold) {
     EXPECT_EQ(whyPlanFails(plan("m")).toStdString(), "");
     EXPECT_EQ(whyPlanFails(plan("a+", "b)", "c")).toStdString(), "");
     EXPECT_EQ(whyPlanFails(plan("m ", "", "x")).toStdString(),
               "A context cannot hold 'm ': blanks at its ends are lost.");
     EXPECT_EQ(whyPlanFails(plan("a+", "b)")).toStdString(),
-              "A context cannot hold '[stockposition@a+[b)]]b).ref': what stands between a \"+\" "
+              "A context cannot hold '[stockposition@a+[b)]]b).ref': what is between a \"+\" "
               "and a later \")\" is lost.");
     EXPECT_EQ(whyPlanFails(plan("m", "", " x")).toStdString(),
               "A context cannot hold ' x': blanks at its ends are lost.");

@@ -65,7 +65,7 @@ TEST(ContextReport, ShowsWhatIsMissing) {
               "Missing sections    machine, postpro\n");
 }
 
-TEST(ContextReport, GivesEveryFieldToPrograms) {
+TEST(ContextReport, PrintsEveryFieldAsJson) {
     EXPECT_EQ(json(setup()),
               "{\"clampingProximity\":\"nan\",\"clampingSystem\":\"VISE\","
               "\"comment\":\"first\\nop\",\"file\":\"a.mctx\",\"kind\":\"machineContext\","
@@ -79,7 +79,7 @@ TEST(ContextReport, GivesEveryFieldToPrograms) {
               std::string::npos);
 }
 
-TEST(ContextReport, SumsUpInAFewWords) {
+TEST(ContextReport, PrintsAShortSummary) {
     EXPECT_EQ(contextSummary(setup()).toStdString(),
               "machine context \"Setup A\", machine MILL5, position POS1");
     ContextFile context;

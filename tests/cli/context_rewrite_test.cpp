@@ -31,7 +31,7 @@ TEST_F(ContextRewrite, LosesNothingOfAWrittenFile) {
     EXPECT_EQ(lostLine(""), "");
 }
 
-TEST_F(ContextRewrite, TakesLayoutForNothing) {
+TEST_F(ContextRewrite, IgnoresLayout) {
     EXPECT_EQ(lostLine("\xEF\xBB\xBF[ header ] \r\n\r\n  name = x  \r\n \t\n[part]\n"), "");
     EXPECT_EQ(lostLine("[clamping_system]\nname=x\n[header]\nversion = 2"), "");
 }
@@ -52,7 +52,7 @@ TEST_F(ContextRewrite, NamesWhatALaterLineReplaces) {
     EXPECT_EQ(lostLine("[part]\nsurface_group=x\n[part]\nsurface_group=y\n"), "line 1: [part]");
 }
 
-TEST_F(ContextRewrite, TakesVersionTwoForNothingElse) {
+TEST_F(ContextRewrite, AcceptsNoVersionButTwo) {
     EXPECT_EQ(lostLine("[header]\nversion=2\n"), "");
     EXPECT_EQ(lostLine("[header]\nversion=3\n"), "line 2: version=3");
     EXPECT_EQ(lostLine("[header]\nversion=\n"), "line 2: version=");
@@ -60,30 +60,30 @@ TEST_F(ContextRewrite, TakesVersionTwoForNothingElse) {
 
 TEST_F(ContextRewrite, NamesATextThatWouldChange) {
     EXPECT_EQ(changedValue("[header]\nname=A+B(1)\n"),
-              "header.name 'A+B(1)': what stands between a \"+\" and a later \")\" is lost");
+              "header.name 'A+B(1)': what is between a \"+\" and a later \")\" is lost");
     EXPECT_EQ(changedValue("[header]\nname=a\rb\n"),
               "header.name 'a\rb': a line end becomes a blank");
     EXPECT_EQ(changedValue("[header]\nname=a\0b\n"sv),
-              "header.name 'a': it holds bytes that are no text");
+              "header.name 'a': it holds bytes that are not text");
 }
 
-TEST_F(ContextRewrite, NamesBytesThatAreNoText) {
+TEST_F(ContextRewrite, NamesBytesThatAreNotText) {
     if (fromNarrow("\xF6") != QString(QChar::ReplacementCharacter))
         GTEST_SKIP() << "every byte is text in this code page";
     EXPECT_EQ(changedValue("[clamping_system]\nname=Gr\xF6\xDF"
                            "e\n"),
               "clamping_system.name 'Gr\xEF\xBF\xBD\xEF\xBF\xBD"
-              "e': it holds bytes that are no text");
+              "e': it holds bytes that are not text");
 }
 
 TEST_F(ContextRewrite, NamesNumbersThatWouldChange) {
     EXPECT_EQ(changedValue("[machine]\nproximity=abc\n"),
-              "machine.proximity 'abc': it is no number");
-    EXPECT_EQ(changedValue("[machine]\nproximity=\n"), "machine.proximity '': it is no number");
+              "machine.proximity 'abc': it is not a number");
+    EXPECT_EQ(changedValue("[machine]\nproximity=\n"), "machine.proximity '': it is not a number");
     EXPECT_EQ(changedValue("[machine]\nproximity=1.5 mm\n"),
-              "machine.proximity '1.5 mm': it is no number");
+              "machine.proximity '1.5 mm': it is not a number");
     EXPECT_EQ(changedValue("[machine]\nproximity=1e20\n"),
-              "machine.proximity '1e20': a file keeps no number as large");
+              "machine.proximity '1e20': the number is too large for a file");
     EXPECT_EQ(changedValue("[postpro]\norigin_program=1 2\n"),
               "postpro.origin_program '1 2': it is not three numbers");
     EXPECT_EQ(changedValue("[postpro]\norigin_program=1 2 3 4\n"),
@@ -93,10 +93,10 @@ TEST_F(ContextRewrite, NamesNumbersThatWouldChange) {
     EXPECT_EQ(changedValue("[postpro]\norigin_program=1e20 nan .1234567\n"), "");
 }
 
-TEST_F(ContextRewrite, LooksAtNoFieldThatIsSet) {
+TEST_F(ContextRewrite, IgnoresFieldsThatAreSet) {
     const char* const content = "[header]\nname=A+B(1)\n[machine]\nproximity=abc\n";
     EXPECT_EQ(changedValue(content, {QStringLiteral("header.name")}),
-              "machine.proximity 'abc': it is no number");
+              "machine.proximity 'abc': it is not a number");
     EXPECT_EQ(
         changedValue(content, {QStringLiteral("machine.proximity"), QStringLiteral("header.name")}),
         "");

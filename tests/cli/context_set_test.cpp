@@ -69,7 +69,7 @@ TEST_F(ContextSet, ChangesEveryField) {
               "[header]\nversion=2\ncomment=c=d\nname=[machine]\n[machine]\nname");
 }
 
-TEST_F(ContextSet, EmptiesTexts) {
+TEST_F(ContextSet, ClearsTexts) {
     const Answer answer =
         set({QStringLiteral("part.surface_group="), QStringLiteral("clamping_system.name="),
              QStringLiteral("header.name=")});
@@ -86,12 +86,12 @@ TEST_F(ContextSet, EmptiesTexts) {
         false);
 }
 
-TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
+TEST_F(ContextSet, RejectsWhatIsNotAnAssignment) {
     expectRefusal("machine.name", "'machine.name' is not of the form section.key=value.");
     expectRefusal("machine.speed=1", "There is no field 'machine.speed'.");
     expectRefusal("Machine.name=1", "There is no field 'Machine.name'.");
     expectRefusal("=1", "There is no field ''.");
-    expectRefusal("header.version=3", "header.version is what the writer makes it.");
+    expectRefusal("header.version=3", "header.version is set by the writer.");
     const Answer answer = set({QStringLiteral("machine.name=a"), QStringLiteral("machine.name=b")});
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.err,
@@ -100,16 +100,16 @@ TEST_F(ContextSet, RefusesWhatIsNoAssignment) {
     EXPECT_EQ(bytes("a.mctx"), setupContext);
 }
 
-TEST_F(ContextSet, RefusesWhatTheFileCannotHold) {
+TEST_F(ContextSet, RejectsWhatTheFileCannotHold) {
     expectRefusal("machine.name=A+B(1)",
-                  "machine.name cannot hold 'A+B(1)': what stands between a \"+\" and a later "
+                  "machine.name cannot hold 'A+B(1)': what is between a \"+\" and a later "
                   "\")\" is lost.");
     expectRefusal("header.comment=r\norigin_program=9 9 9",
                   "header.comment cannot hold 'r\\x0aorigin_program=9 9 9': a line end becomes a "
                   "blank.");
     expectRefusal("header.name= x", "header.name cannot hold ' x': blanks at its ends are lost.");
     expectRefusal("machine.proximity=1e20",
-                  "machine.proximity cannot hold '1e20': a file keeps no number as large.");
+                  "machine.proximity cannot hold '1e20': the number is too large for a file.");
     expectRefusal("machine.proximity=ten",
                   "machine.proximity takes a number, such as 2.5, not 'ten'.");
     expectRefusal("postpro.origin_program=1 2",
@@ -123,8 +123,8 @@ TEST_F(ContextSet, WritesNothingUnlessAllCanBeSet) {
     EXPECT_EQ(bytes("a.mctx"), setupContext);
 }
 
-// A value is either refused or comes back, and no other field changes with it.
-TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
+// A value is either rejected or comes back, and no other field changes.
+TEST_F(ContextSet, ChangesNoOtherFieldByAValue) {
     const QString alphabet = QStringLiteral("+()=[]#\n\r\t ab1") + QChar(0xF6);
     std::mt19937 random(11);
     int accepted = 0;
@@ -154,7 +154,7 @@ TEST_F(ContextSet, LetsNoValueTouchAnotherField) {
     EXPECT_LT(accepted, 270);
 }
 
-TEST_F(ContextSet, LosesNoLineUnasked) {
+TEST_F(ContextSet, LosesNoLineWithoutTheOption) {
     const std::string content = std::string("# note\n") + setupContext + "[tools]\nname=x\n";
     file("a.mctx", content);
     const QStringList assignment(QStringLiteral("machine.name=M"));
@@ -173,14 +173,14 @@ TEST_F(ContextSet, LosesNoLineUnasked) {
     EXPECT_EQ(bytes("a.mctx"), replacedIn(setupContext, "name=MILL5", "name=M"));
 }
 
-TEST_F(ContextSet, ChangesNoOtherValueUnasked) {
+TEST_F(ContextSet, ChangesNoOtherValue) {
     const std::string content = replacedIn(setupContext, "first op", "A+B(1)\n# note");
     file("a.mctx", content);
     for (const char* options : {"context set", "context set --drop-unknown"}) {
         const Answer answer = set(QStringList(QStringLiteral("machine.name=M")), options);
         EXPECT_EQ(answer.status, 2);
         EXPECT_EQ(answer.err, "trvfiles: " + text("a.mctx") +
-                                  ": header.comment 'A+B(1)' would change: what stands between a "
+                                  ": header.comment 'A+B(1)' would change: what is between a "
                                   "\"+\" and a later \")\" is lost; set it too\n");
         EXPECT_EQ(bytes("a.mctx"), content);
     }
@@ -199,7 +199,7 @@ TEST_F(ContextSet, GivesAFileTheSectionsThatItLacks) {
               "reference_axis=\n[clamping_system]\nproximity=0.000000\n");
 }
 
-TEST_F(ContextSet, WantsAMachineContext) {
+TEST_F(ContextSet, RequiresAMachineContext) {
     const auto problem = [&](std::string_view content) {
         file("a.mctx", content);
         const Answer answer =
@@ -221,7 +221,7 @@ TEST_F(ContextSet, WantsAMachineContext) {
               "eFileIOContentError: line 1: section [machine] has no \"position\"\n");
 }
 
-TEST_F(ContextSet, SaysThatAFileIsMissing) {
+TEST_F(ContextSet, ReportsThatAFileIsMissing) {
     std::filesystem::remove(directory_ / "a.mctx");
     const Answer answer = set("machine.name=M");
     EXPECT_EQ(answer.status, 2);
@@ -255,7 +255,7 @@ TEST_F(ContextSet, KeepsTheOldFileWhenTheDiskIsFull) {
 }
 
 TEST_F(ContextSet, KeepsWhatIsSavedWhileItWaits) {
-    // Another program has read the file and saves it some time later.
+    // Another program reads the file and saves it some time later.
     auto held = std::make_unique<file_replacement>(text("a.mctx"));
     ASSERT_TRUE(held->is_open());
     std::thread other([&] {

@@ -26,15 +26,15 @@ TEST(ContextValues, KeepsOrdinaryTexts) {
         EXPECT_EQ(reason(text), "") << text;
 }
 
-TEST(ContextValues, SaysWhyATextChanges) {
+TEST(ContextValues, ReportsWhyATextChanges) {
     for (const char* text : {"a\nb", "a\rb", "\n", "a\r\n"})
         EXPECT_EQ(reason(text), "a line end becomes a blank");
     for (const char* text : {" x", "x ", "\tx", "x\t", "x\f", "\vx", " "})
         EXPECT_EQ(reason(text), "blanks at its ends are lost");
     for (const char* text : {"A+B(1)", "A+)", "A+++B(1)", "++ +)", "+(0000012C)"})
-        EXPECT_EQ(reason(text), "what stands between a \"+\" and a later \")\" is lost");
+        EXPECT_EQ(reason(text), "what is between a \"+\" and a later \")\" is lost");
     EXPECT_EQ(reason("a\x1A"), "code 26 ends the file on Windows");
-    EXPECT_EQ(reason("a\xEF\xBF\xBD"), "it holds bytes that are no text");
+    EXPECT_EQ(reason("a\xEF\xBF\xBD"), "it holds bytes that are not text");
     EXPECT_EQ(whyTextChanges(QString(QLatin1Char('a')) + QChar(0)).toStdString(),
               "what follows a zero is lost");
     EXPECT_EQ(whyTextChanges(QString(QChar(0xD800))).toStdString(),
@@ -85,7 +85,7 @@ TEST(ContextValues, ReadsNumbersThatAreTheWholeText) {
         EXPECT_FALSE(readNumbers(QString::fromLatin1(text), numbers, 1)) << text;
 }
 
-TEST(ContextValues, TellsRoundingFromLoss) {
+TEST(ContextValues, DistinguishesRoundingFromLoss) {
     for (const double value :
          {0.0, -0.0, 0.1, 1234.5678, -1e-9, 1e6 + 0.3, 123456789012.0, -1e18, 1e19})
         EXPECT_TRUE(comesBack(value)) << value;

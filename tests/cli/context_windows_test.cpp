@@ -1,4 +1,4 @@
-// The command on machine contexts where Ctrl-Z and open handles are those of Windows.
+// The command on machine contexts, with Ctrl-Z and open handles on Windows.
 
 #include <cli/context_rewrite.h>
 #include <tests/cli/context_directory.h>
@@ -18,7 +18,7 @@ protected:
     }
 };
 
-TEST_F(ContextCommandOnWindows, CountsWhatStandsBehindCtrlZAsLost) {
+TEST_F(ContextCommandOnWindows, TreatsTextAfterCtrlZAsLost) {
     const cli::RewriteLoss lines = loss(
         "[header]\r\nname=x\r\n\r\n\x1A"
         "[part]\r\nsurface_group=s\r\n");
@@ -30,7 +30,7 @@ TEST_F(ContextCommandOnWindows, CountsWhatStandsBehindCtrlZAsLost) {
     EXPECT_EQ(value.reason.toStdString(), "code 26 ends the file on Windows");
 }
 
-TEST_F(ContextCommandOnWindows, CountsWhatStandsBehindCtrlZOfASetFieldAsLost) {
+TEST_F(ContextCommandOnWindows, TreatsTextAfterCtrlZOfASetFieldAsLost) {
     const QStringList newFields(QStringLiteral("header.name"));
     const cli::RewriteLoss behind = loss("[header]\r\nname=x\x1A\r\ncomment=c\r\n", newFields);
     EXPECT_EQ(behind.line, 3);
@@ -39,7 +39,7 @@ TEST_F(ContextCommandOnWindows, CountsWhatStandsBehindCtrlZOfASetFieldAsLost) {
     EXPECT_EQ(loss("[header]\r\nname=x\x1Ay", newFields).line, 0);
 }
 
-TEST_F(ContextCommandOnWindows, DoesNotWriteOverWhatStandsBehindCtrlZ) {
+TEST_F(ContextCommandOnWindows, DoesNotOverwriteTextAfterCtrlZ) {
     const std::string content = "[header]\r\nname=x\x1A\r\ncomment=c\r\n";
     file("a.mctx", content);
     const Answer answer = setName();
@@ -57,7 +57,7 @@ TEST_F(ContextCommandOnWindows, LosesNothingOfAFileWithCrLf) {
     EXPECT_EQ(loss(written).reason.toStdString(), "");
 }
 
-TEST_F(ContextCommandOnWindows, TellsThatAFileIsKeptOpen) {
+TEST_F(ContextCommandOnWindows, ReportsThatAFileIsKeptOpen) {
     file("a.mctx", setupContext);
     {
         const HeldFile held(directory_ / "a.mctx", FILE_SHARE_READ);

@@ -103,7 +103,7 @@ TEST(Dispatch, ExplainsEveryCommand) {
     }
 }
 
-TEST(Dispatch, TellsTheVersion) {
+TEST(Dispatch, PrintsTheVersion) {
     for (const char* option : {"--version", "-v"}) {
         const Answer answer = answerTo(words(option));
         EXPECT_EQ(answer.status, 0);
@@ -119,13 +119,13 @@ void expectRefusal(const QStringList& arguments, const std::string& text) {
     EXPECT_EQ(answer.err, text);
 }
 
-TEST(Dispatch, WantsACommand) {
+TEST(Dispatch, RequiresACommand) {
     expectRefusal({}, "trvfiles: A command is missing.\nTry 'trvfiles --help'.\n");
     expectRefusal(words("axis"),
                   "trvfiles axis: A command is missing.\nTry 'trvfiles axis --help'.\n");
 }
 
-TEST(Dispatch, RefusesWhatIsNoCommand) {
+TEST(Dispatch, RejectsAnUnknownCommand) {
     expectRefusal(words("frob"), "trvfiles: There is no command 'frob'.\nTry 'trvfiles --help'.\n");
     expectRefusal(words("axis tree a"),
                   "trvfiles axis: There is no command 'tree'.\nTry 'trvfiles axis --help'.\n");
@@ -136,7 +136,7 @@ TEST(Dispatch, RefusesWhatIsNoCommand) {
                   "trvfiles: There is no command 'a\\x0ab %1'.\nTry 'trvfiles --help'.\n");
 }
 
-TEST(Dispatch, RefusesOptionsWhereACommandIsExpected) {
+TEST(Dispatch, RejectsOptionsInPlaceOfACommand) {
     expectRefusal(words("--frob show a"),
                   "trvfiles: Unknown option '--frob'.\nTry 'trvfiles --help'.\n");
     expectRefusal(words("axis -x"),
@@ -176,7 +176,7 @@ TEST(Dispatch, CountsTheFileNames) {
                   "trvfiles show: 'b' is one file name too many.\nTry 'trvfiles show --help'.\n");
 }
 
-TEST(Dispatch, TakesWhatFollowsTwoDashesForAFileName) {
+TEST(Dispatch, TreatsArgumentsAfterTwoDashesAsFileNames) {
     expectRefusal(words("show -- --help"),
                   "trvfiles: --help: eFileIOOpenError: No such file or directory\n");
 }

@@ -52,12 +52,12 @@ TEST(FileKind, KnowsAnAxisFileByItsLines) {
     EXPECT_EQ(kindOf("\r\n1 0 0 0\r\n0 1 0 0\r\n0 0 1 0\r\n0 0 0 1\r\n"), FileKind::axis);
 }
 
-TEST(FileKind, KnowsAnAxisFileBehindALongFirstLine) {
+TEST(FileKind, KnowsAnAxisFileAfterALongFirstLine) {
     EXPECT_EQ(kindOf(std::string(5000, 'x') + "\n1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"),
               FileKind::axis);
 }
 
-TEST(FileKind, KnowsABrokenAxisFile) {
+TEST(FileKind, KnowsAFaultyAxisFile) {
     EXPECT_EQ(kindOf("x\n1 0 0 0\n0 1 0\n"), FileKind::axis);
     EXPECT_EQ(kindOf("      0\n"), FileKind::axis);
     EXPECT_EQ(kindOf("1"), FileKind::axis);
@@ -72,12 +72,12 @@ TEST(FileKind, KnowsAMachineContextByAnyOfItsSections) {
     EXPECT_EQ(kindOf("[machine]\nname = Mill\n"), FileKind::machineContext);
 }
 
-TEST(FileKind, TakesACleanAxisFileOrXmlForThatFirst) {
+TEST(FileKind, TestsForXmlAndForAValidAxisFileFirst) {
     EXPECT_EQ(kindOf(std::string(testing::identityAxis) + "[machine]\nname=x\n"), FileKind::axis);
     EXPECT_EQ(kindOf("<\n[machine]\nname=x\n"), FileKind::assembly);
 }
 
-TEST(FileKind, TakesNothingElse) {
+TEST(FileKind, AcceptsNothingElse) {
     EXPECT_EQ(kindOf(""), FileKind::unknown);
     EXPECT_EQ(kindOf("\n"), FileKind::unknown);
     EXPECT_EQ(kindOf("2\n1 2 3\n"), FileKind::unknown);
@@ -89,7 +89,7 @@ TEST(FileKind, TakesNothingElse) {
     EXPECT_EQ(kindOf("\0\0\0\0"sv), FileKind::unknown);
 }
 
-TEST(FileKind, TellsAnEmptyFileFromAnotherOne) {
+TEST(FileKind, DistinguishesAnEmptyFileFromAnotherOne) {
     EXPECT_EQ(whyUnknown(FileOf("").get()).toStdString(), "the file is empty");
     EXPECT_EQ(whyUnknown(FileOf("x").get()).toStdString(),
               "neither an assembly, nor an axis file, nor a machine context");

@@ -69,7 +69,7 @@ TEST_F(InputFiles, FindsTheKindByContentWhateverTheName) {
     EXPECT_EQ(kind, FileKind::axis);
 }
 
-TEST_F(InputFiles, TellsWhyThereIsNoKind) {
+TEST_F(InputFiles, ReportsWhyThereIsNoKind) {
     FileKind kind = FileKind::axis;
     EXPECT_EQ(text(findKind(file("empty", ""), kind)), "eFileIOContentError: the file is empty");
     EXPECT_EQ(kind, FileKind::unknown);
@@ -88,7 +88,7 @@ TEST_F(InputFiles, LooksIntoNoDevice) {
     EXPECT_EQ(text(readAxis(QStringLiteral("/dev/zero"), axis)), refusal);
 }
 
-TEST_F(InputFiles, SaysWhenRightsAreMissing) {
+TEST_F(InputFiles, ReportsMissingRights) {
     if (!testing::can_fork) GTEST_SKIP() << "rights are given up in a child process";
     const QString name = file("secret", testing::setupXml);
     std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
@@ -113,7 +113,7 @@ TEST_F(InputFiles, ReadsAnAssembly) {
     EXPECT_EQ(assembly.getComponentNumber(), 2U);
 }
 
-TEST_F(InputFiles, SaysWhereAnAssemblyIsBroken) {
+TEST_F(InputFiles, ReportsThePlaceOfAFaultInAnAssembly) {
     EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\">\n<Attributs>\n</ComponentInfo>"),
               "eFileIOContentError: line 3, column 16: tag mismatch");
     EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\"/>"),
@@ -130,7 +130,7 @@ TEST_F(InputFiles, SaysWhereAnAssemblyIsBroken) {
         "eFileIOContentError: line 1, column 29: the version of <ComponentInfo> is no integer");
 }
 
-TEST_F(InputFiles, SaysWhyAnAssemblyDoesNotOpen) {
+TEST_F(InputFiles, ReportsWhyAnAssemblyDoesNotOpen) {
     CTrvAssemblyData ignored;
     EXPECT_EQ(text(readAssembly(path("missing"), ignored)),
               "eFileIOOpenError: No such file or directory");
@@ -154,7 +154,7 @@ TEST_F(InputFiles, LeavesMissingTagsNegative) {
     EXPECT_EQ(axis.tags, (std::array<int, 3>{5, -1, -1}));
 }
 
-TEST_F(InputFiles, SaysWhichLineOfAnAxisFileIsBroken) {
+TEST_F(InputFiles, ReportsTheFaultyLineOfAnAxisFile) {
     EXPECT_EQ(axisProblem(""), "eFileIOContentError: line 2: four numbers are expected");
     EXPECT_EQ(axisProblem("0\n1 0 0 0\n0 1 0 0\n0 0 1\n0 0 0 1\n"),
               "eFileIOContentError: line 4: four numbers are expected");
@@ -162,14 +162,14 @@ TEST_F(InputFiles, SaysWhichLineOfAnAxisFileIsBroken) {
               "eFileIOContentError: line 5: four numbers are expected");
 }
 
-TEST_F(InputFiles, SaysWhyAnAxisFileDoesNotOpen) {
+TEST_F(InputFiles, ReportsWhyAnAxisFileDoesNotOpen) {
     AxisFile ignored;
     EXPECT_EQ(text(readAxis(path("missing"), ignored)),
               "eFileIOOpenError: No such file or directory");
     EXPECT_EQ(text(readAxis(path(""), ignored)), "eFileIOOpenError: Is a directory");
 }
 
-// Calls `change` again and again in a thread of its own while it lives.
+// Calls `change` repeatedly in another thread until it is destroyed.
 class Changing {
 public:
     explicit Changing(const std::function<void()>& change)
@@ -207,10 +207,10 @@ TEST_F(InputFiles, WritesAnAxisFile) {
     EXPECT_EQ(testing::textOf(directory_ / "a.ref"), testing::turnedAxis);
 }
 
-TEST_F(InputFiles, SeesEveryFailureToWrite) {
+TEST_F(InputFiles, ReportsEveryFailureToWrite) {
     EXPECT_EQ(text(writeAxis(path("missing/a.ref"), {})),
               "eFileIOOpenError: No such file or directory");
-    // The rest of the text is the system's.
+    // The rest of the text is from the system.
     EXPECT_EQ(text(writeAxis(path(""), {})).substr(0, 18), "eFileIOOpenError: ");
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
     EXPECT_EQ(text(writeAxis(QStringLiteral("/dev/full"), {})),
@@ -241,7 +241,7 @@ TEST_F(InputFiles, NamesTheSectionsThatAMachineContextLacks) {
               "header postpro clamping_system");
 }
 
-TEST_F(InputFiles, SaysWhichKeyAMachineContextLacks) {
+TEST_F(InputFiles, ReportsWhichKeyAMachineContextLacks) {
     ContextFile context;
     EXPECT_EQ(text(readContext(file("a.mctx", "[header]\nname=x\n\n[machine]\nname=M\n"), context)),
               "eFileIOContentError: line 4: section [machine] has no \"position\"");
@@ -251,7 +251,7 @@ TEST_F(InputFiles, SaysWhichKeyAMachineContextLacks) {
               "eFileIOContentError: line 2: section [postpro] has no \"origin_program\"");
 }
 
-TEST_F(InputFiles, SaysWhyAMachineContextDoesNotOpen) {
+TEST_F(InputFiles, ReportsWhyAMachineContextDoesNotOpen) {
     ContextFile context;
     EXPECT_EQ(text(readContext(path("missing"), context)),
               "eFileIOOpenError: No such file or directory");
@@ -261,7 +261,7 @@ TEST_F(InputFiles, SaysWhyAMachineContextDoesNotOpen) {
               "eFileIOOpenError: not a regular file");
 }
 
-TEST_F(InputFiles, SaysThatAMachineContextIsTooLong) {
+TEST_F(InputFiles, ReportsThatAMachineContextIsTooLong) {
     ContextFile context;
     const QString name = file("long.mctx", "[header]\n");
     std::filesystem::resize_file(directory_ / "long.mctx", (std::uintmax_t{256} << 20) + 1);
@@ -276,7 +276,7 @@ TEST_F(InputFiles, WritesAMachineContext) {
     EXPECT_EQ(testing::textOf(directory_ / "b.mctx"), testing::setupContext);
 }
 
-TEST_F(InputFiles, SaysWhyAMachineContextCannotTakeItsPlace) {
+TEST_F(InputFiles, ReportsWhyAMachineContextCannotBeReplaced) {
     std::filesystem::create_directories(directory_ / "a.mctx");
     file("a.mctx/in the way", "");
     const Problem problem = writeContext(path("a.mctx"), {});
@@ -296,7 +296,7 @@ TEST_F(InputFiles, SeesAMachineContextThatCannotGrow) {
     EXPECT_EQ(testing::textOf(directory_ / "a.mctx"), "old");
 }
 
-TEST_F(InputFiles, SaysWhyADirectoryCannotBeListed) {
+TEST_F(InputFiles, ReportsWhyADirectoryCannotBeListed) {
     EXPECT_EQ(whyNotListed(path("")).toStdString(), "");
     EXPECT_EQ(whyNotListed(QStringLiteral(".")).toStdString(), "");
     EXPECT_EQ(whyNotListed(path("missing")).toStdString(), "No such file or directory");

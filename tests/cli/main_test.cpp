@@ -1,4 +1,4 @@
-// The built command, run as a person runs it.
+// Runs the built command as a user does.
 
 #include <tests/cli/process.h>
 #include <tests/cli/samples.h>
@@ -48,13 +48,13 @@ protected:
     Process process_{directory_.path()};
 };
 
-TEST_F(TrvfilesCommand, TellsItsVersion) {
+TEST_F(TrvfilesCommand, PrintsItsVersion) {
     EXPECT_EQ(run({"--version"}), 0);
     EXPECT_EQ(out(), "trvfiles " TRV_VERSION "\n");
     EXPECT_EQ(err(), "");
 }
 
-TEST_F(TrvfilesCommand, RefusesABadCallOnStandardError) {
+TEST_F(TrvfilesCommand, RejectsAWrongCallOnStandardError) {
     EXPECT_EQ(run({}), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(), "trvfiles: A command is missing.\nTry 'trvfiles --help'.\n");
@@ -72,7 +72,7 @@ TEST_F(TrvfilesCommand, LeavesNoArgumentToQt) {
               "-qmljsdebugger=x: eFileIOOpenError: No such file or directory\n");
 }
 
-TEST_F(TrvfilesCommand, TakesArgumentsAsTheyAreGiven) {
+TEST_F(TrvfilesCommand, DoesNotChangeItsArguments) {
     for (const char* argument : {"", " ", "a b", "\"", "a \"b\" c", "*", "?", u8"ü€😀"}) {
         EXPECT_EQ(run({argument}), 2);
         EXPECT_EQ(err(), "trvfiles: There is no command '" + std::string(argument) +
@@ -110,7 +110,7 @@ TEST_F(TrvfilesCommand, ShowsAnAxisFileThatAHostWrote) {
               "Tags         3 0 7\n");
 }
 
-TEST_F(TrvfilesCommand, BearsTheDeepestAssembly) {
+TEST_F(TrvfilesCommand, ShowsAnAssemblyOfMaxDepth) {
     writeBytes(directory_ / "deep.xml", chainXml(999, "f.stl"));
     EXPECT_EQ(run({"check", "deep.xml"}), 0);
     EXPECT_EQ(out(), "deep.xml: ok (assembly, 999 components, 1 placed file)\n");
@@ -123,7 +123,7 @@ TEST_F(TrvfilesCommand, BearsTheDeepestAssembly) {
     EXPECT_NE(err().find(": more than 2000 elements are open\n"), std::string::npos) << err();
 }
 
-TEST_F(TrvfilesCommand, AnswersNoWithOne) {
+TEST_F(TrvfilesCommand, EndsWithOneForANegativeAnswer) {
     writeBytes(directory_ / "a.xml", setupXml);
     writeBytes(directory_ / "note", "note");
     EXPECT_EQ(run({"check", "a.xml", "note", "missing"}), 1);
@@ -135,7 +135,7 @@ TEST_F(TrvfilesCommand, AnswersNoWithOne) {
     EXPECT_EQ(err(), "");
 }
 
-TEST_F(TrvfilesCommand, TakesNamesWithBlanksAndEveryCharacterInEveryLocale) {
+TEST_F(TrvfilesCommand, AcceptsNamesWithBlanksAndEveryCharacterInEveryLocale) {
     const char* const name = u8"Spann vorrichtung ü€😀.xml";
     writeBytes(directory_ / name,
                u8"<ComponentInfo version=\"1\"><Attributs/>"
@@ -192,10 +192,10 @@ TEST_F(TrvfilesCommand, FailsWhenStandardOutputIsClosed) {
     EXPECT_FALSE(std::filesystem::exists(directory_ / "a.ref"));
 }
 
-TEST_F(TrvfilesCommand, FailsWhenNobodyReadsItsOutput) {
+TEST_F(TrvfilesCommand, FailsWhenItsOutputIsNotRead) {
     if (!hasShell()) GTEST_SKIP() << "a shell makes the pipe";
     writeBytes(directory_ / "deep.xml", chainXml(999, "f.stl"));
-    // The text is far longer than a pipe holds.
+    // The text is much longer than the buffer of a pipe.
     EXPECT_EQ(process_.start(
                   QStringLiteral("/bin/sh"),
                   {QStringLiteral("-c"),

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The built command in a process of its own.
+/// Runs the built command in its own process.
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -14,13 +14,13 @@ namespace trv::testing {
 
 class Process {
 public:
-    /// @param directory  where the command runs
+    /// @param directory  the current directory of the command
     explicit Process(const std::filesystem::path& directory) {
         needApplication();
         process_.setWorkingDirectory(QString::fromStdString(directory.generic_string()));
     }
 
-    /// @param value  null unsets the variable
+    /// @param value  nullptr unsets the variable
     void setVariable(const char* name, const char* value) {
         QProcessEnvironment environment = process_.processEnvironment();
         if (environment.isEmpty()) environment = QProcessEnvironment::systemEnvironment();
@@ -31,7 +31,7 @@ public:
         process_.setProcessEnvironment(environment);
     }
 
-    /// The exit status, or -1 where the process did not start or did not end by itself.
+    /// The exit status, or -1 if the process did not start or did not end by itself.
     int start(const QString& program, const QStringList& arguments) {
         process_.start(program, arguments);
         if (!process_.waitForFinished() || process_.exitStatus() != QProcess::NormalExit) return -1;
@@ -50,12 +50,12 @@ public:
             QStringList({QStringLiteral("-c"), call, QStringLiteral(TRV_COMMAND)}) + arguments);
     }
 
-    /// What it printed, byte for byte.
+    /// The unchanged output.
     const std::string& out() const { return out_; }
     const std::string& err() const { return err_; }
 
 private:
-    // One for the program: processes need its services, and names go to them in UTF-8.
+    // One application for the program: processes need its services, and they get names in UTF-8.
     static void needApplication() {
         static int argumentCount = 1;
         static char name[] = "cli_tests";

@@ -1,4 +1,5 @@
-// The machine contexts of the sample project: written by the library, complete, in pairs.
+// The machine contexts of the sample project: the library has written them, and they are complete
+// pairs.
 
 #include <cli/input_files.h>
 #include <tests/common/file_bytes.h>

@@ -11,7 +11,7 @@
 
 namespace trv::testing {
 
-/// Three components: a group, a placed file, a disabled file that is turned by 90 degrees.
+/// Three components: a group, a placed file, and a disabled file that is rotated by 90 degrees.
 inline const char* const setupXml =
     "<ComponentInfo version=\"1\">\n"
     "  <Attributs>\n"
@@ -32,7 +32,7 @@ inline const char* const setupXml =
     "  </Component>\n"
     "</ComponentInfo>\n";
 
-/// A turn by 90 degrees about z and a translation by 10, 20, 30, with tags.
+/// A rotation by 90 degrees about z and a translation by 10, 20, 30, with tags.
 inline const char* const turnedAxis =
     "      1\n"
     "      0.000000     -1.000000      0.000000     10.000000\n"
@@ -95,7 +95,7 @@ inline CTrvAssemblyData assembly(CTrvAssemblyComponentData root) {
     return made;
 }
 
-/// `levels` components, each in the one before, the innermost one with a file.
+/// `levels` nested components. The innermost one has a file.
 inline CTrvAssemblyData chain(int levels, const std::string& file) {
     CTrvAssemblyComponentData inner = leaf("L", file);
     for (int level = 1; level < levels; ++level) {
@@ -106,7 +106,7 @@ inline CTrvAssemblyData chain(int levels, const std::string& file) {
     return assembly(std::move(inner));
 }
 
-/// The same as a file, without the indentation that would make it large.
+/// The same as a file, without indentation, which would make it large.
 inline std::string chainXml(int levels, const std::string& file) {
     std::string text = "<ComponentInfo version=\"1\"><Attributs/>";
     for (int level = 0; level < levels; ++level)

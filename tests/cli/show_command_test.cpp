@@ -73,7 +73,7 @@ TEST_F(ShowCommand, PrintsJsonOfEveryKind) {
               std::string::npos);
 }
 
-TEST_F(ShowCommand, SaysThatItKnowsNoSuchFile) {
+TEST_F(ShowCommand, ReportsAnUnknownKindOfFile) {
     const Answer answer = show("note.txt", "a note\n");
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
@@ -84,7 +84,7 @@ TEST_F(ShowCommand, SaysThatItKnowsNoSuchFile) {
               "trvfiles: " + path("empty") + ": eFileIOContentError: the file is empty\n");
 }
 
-TEST_F(ShowCommand, SaysWhereAFileIsBroken) {
+TEST_F(ShowCommand, ReportsThePlaceOfAFault) {
     EXPECT_EQ(show("a", "<ComponentInfo version=\"1\">\n<a></b>").err,
               "trvfiles: " + path("a") + ": eFileIOContentError: line 2, column 7: tag mismatch\n");
     EXPECT_EQ(show("a", "[header]\nname=x\n[machine]\nname=y\n").err,

@@ -66,7 +66,7 @@ TEST(RoundedText, HasNoZeroWithASign) {
     EXPECT_EQ(roundedText(-6e-7).toStdString(), "-0.000001");
 }
 
-TEST(RoundedText, GivesUpDecimalsWhereThereAreNone) {
+TEST(RoundedText, HasNoDecimalsForLargeNumbers) {
     EXPECT_EQ(roundedText(999999999999999).toStdString(), "999999999999999");
     EXPECT_EQ(roundedText(1e15).toStdString(), "1e+15");
     EXPECT_EQ(roundedText(-1e300).toStdString(), "-1e+300");
@@ -90,7 +90,7 @@ std::string shownCode(uint code) {
     return shown(QString::fromUcs4(&code, 1)).toStdString();
 }
 
-TEST(Shown, LeavesOrdinaryTextAlone) {
+TEST(Shown, DoesNotChangeOrdinaryText) {
     EXPECT_EQ(shown(std::string(u8"Spannmittel ü€😀 /x/ \"x\" %1")).toStdString(),
               u8"Spannmittel ü€😀 /x/ \"x\" %1");
     EXPECT_EQ(shown(std::string(u8"\u00a0\u2010\u2027\u3000\ufe0f")).toStdString(),
@@ -177,7 +177,7 @@ std::string jsonOf(const QString& text) {
     return out.str();
 }
 
-TEST(PrintJson, EscapesWhatAReaderWouldNotSee) {
+TEST(PrintJson, EscapesHiddenCharacters) {
     EXPECT_EQ(jsonOf(QString::fromUtf8(u8"\u007f\u0085\u00ad\u061c\u202e\u2028\ufeff")),
               "{\"t\":\"\\u007f\\u0085\\u00ad\\u061c\\u202e\\u2028\\ufeff\"}\n");
     EXPECT_EQ(jsonOf(QString::fromUtf8(u8"\U000e0041\U000e0000\U0001d173")),
@@ -186,7 +186,7 @@ TEST(PrintJson, EscapesWhatAReaderWouldNotSee) {
     EXPECT_EQ(jsonOf(QString(QChar(0xde00))), "{\"t\":\"\\ude00\"}\n");
 }
 
-TEST(PrintJson, LeavesOrdinaryTextAlone) {
+TEST(PrintJson, DoesNotChangeOrdinaryText) {
     EXPECT_EQ(jsonOf(QString::fromUtf8(u8"ü€😀\u3000\\ /")), u8"{\"t\":\"ü€😀\u3000\\\\ /\"}\n");
 }
 

@@ -2,8 +2,8 @@
 
 namespace trv::testing {
 
-/// What a process shows that ended at a breakpoint trap: signal 5 on POSIX, where a wait status
-/// holds the signal in its low seven bits, and exception 0x80000003 on Windows.
+/// The exit status of a process that ended at a breakpoint trap. On POSIX it is signal 5, in the
+/// low seven bits of the wait status. On Windows it is the exception 0x80000003.
 inline bool endedAtBreakpoint(int status) {
     return static_cast<unsigned>(status) == 0x80000003u || (status & 0x7f) == 5;
 }

@@ -7,7 +7,8 @@
 
 namespace trv::testing {
 
-/// Listens on the three channels in place of the default handlers, and returns from each message.
+/// Replaces the default handlers of the three channels. Each handler records the message and
+/// returns.
 class ChannelLog {
 public:
     ChannelLog() {

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// For tests that need a process of their own: other rights, other limits, another locale. Only
-/// systems with fork() have it; tests on others skip where `can_fork` is false.
+/// For tests that need another process: other rights, other limits, another locale. Only systems
+/// with fork() support this. Tests skip if `can_fork` is false.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ namespace trv::testing {
 
 inline constexpr bool can_fork = true;
 
-/// Starts `work` in a child process, which ends after it.
+/// Starts a child process that runs `work` and ends.
 ///
 /// @return the child, or -1
 inline pid_t startChild(const std::function<void()>& work) {
@@ -45,8 +45,8 @@ inline pid_t startChild(const std::function<void()>& work) {
     _exit(::testing::Test::HasFailure() ? 1 : 0);
 }
 
-/// Waits for a child. Its expectations print as usual; the answer is whether all of them held and
-/// the child ended by itself.
+/// Waits for a child. Failed expectations in the child print as usual. The result is true if all
+/// expectations held and the child ended by itself.
 inline bool hasPassed(pid_t child) {
     int status = 0;
     if (child == -1 || waitpid(child, &status, 0) != child) return false;
@@ -58,9 +58,9 @@ inline bool passesInChild(const std::function<void()>& work) {
     return hasPassed(startChild(work));
 }
 
-/// Runs `work` in so many child processes, which begin at the same moment.
+/// Runs `work` in several child processes, which start at the same moment.
 ///
-/// @param work  gets the number of its child, from 0
+/// @param work  called with the number of its child, from 0
 inline bool passesInChildren(int children, const std::function<void(int child)>& work) {
     int gate[2] = {};
     if (pipe(gate) != 0) return false;
@@ -69,7 +69,7 @@ inline bool passesInChildren(int children, const std::function<void(int child)>&
         started.push_back(startChild([&] {
             char none = 0;
             close(gate[1]);
-            // It opens when the parent closes its end.
+            // The read returns when the parent closes its end.
             EXPECT_EQ(read(gate[0], &none, 1), 0);
             close(gate[0]);
             work(child);
@@ -88,38 +88,38 @@ inline bool setEnvironment(const char* name, const char* value) {
     return setenv(name, value, 1) == 0;
 }
 
-/// Gives up the rights of user 0, to whom nothing is forbidden. For child processes.
+/// Drops the rights of user 0, which the system does not check. For child processes.
 inline bool becomeOrdinaryUser() {
     constexpr unsigned nobody = 65534;
     if (getuid() != 0) return true;
     return setgroups(0, nullptr) == 0 && setgid(nobody) == 0 && setuid(nobody) == 0;
 }
 
-/// Whether changeRoot() can do its work: for user 0 alone, and not in every container.
+/// Whether changeRoot() works. It needs user 0, and does not work in every container.
 inline bool mayChangeRoot() {
     return getuid() == 0 && passesInChild([] {
                if (chroot("/") != 0) _exit(1);
            });
 }
 
-/// From here on paths begin at this directory. For child processes.
+/// Makes this directory the root of all paths. For child processes.
 inline bool changeRoot(const char* directory) {
     return chroot(directory) == 0 && chdir("/") == 0;
 }
 
-/// From here on no file grows beyond `bytes`: writing more fails with EFBIG. For child processes.
+/// Limits the size of files to `bytes`: writing more fails with EFBIG. For child processes.
 inline bool limitFileSize(std::uint64_t bytes) {
     const rlimit limit = {bytes, bytes};
     return std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
 }
 
-/// From here on no thread starts. For child processes.
+/// Makes the start of every thread fail. For child processes.
 inline bool forbidThreads() {
     const rlimit limit = {0, 0};
     return becomeOrdinaryUser() && setrlimit(RLIMIT_NPROC, &limit) == 0;
 }
 
-/// From here on no file opens: every descriptor that is left is taken. For child processes.
+/// Makes every open of a file fail, because all descriptors are in use. For child processes.
 inline bool exhaustDescriptors() {
     const rlimit limit = {0, 0};
     return setrlimit(RLIMIT_NOFILE, &limit) == 0;

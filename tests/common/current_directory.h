@@ -4,7 +4,7 @@
 
 namespace trv::testing {
 
-/// Makes a directory the current one, until the object goes.
+/// Makes a directory the current one until the object is destroyed.
 class CurrentDirectory {
 public:
     explicit CurrentDirectory(const std::filesystem::path& directory)

@@ -8,16 +8,16 @@
 
 namespace trv::testing {
 
-/// What a process shows after exit(-1).
+/// The exit status of a process after exit(-1).
 inline bool endedByDefaultFatalHandler(int status) {
     return ::testing::ExitedWithCode(255)(status) || ::testing::ExitedWithCode(-1)(status);
 }
 
-/// Runs a test's body to its end and leaves the process: 0 if all expectations held.
+/// Runs the body of a test and ends the process. The exit status is 0 if all expectations held.
 template <class Body>
 [[noreturn]] void runAndLeave(const Body& body) {
     body();
-    // The parent shows what its child has written to standard error.
+    // The parent prints the standard error of its child.
     const ::testing::TestResult& result =
         *::testing::UnitTest::GetInstance()->current_test_info()->result();
     for (int i = 0; i < result.total_part_count(); ++i) {
@@ -28,7 +28,7 @@ template <class Body>
     std::exit(::testing::Test::HasFailure() ? 1 : 0);
 }
 
-/// For tests of what happens once in a process: each body gets a process of its own.
+/// For tests of things that happen once in a process: each body runs in its own process.
 class ChildProcessTest : public ::testing::Test {
 protected:
     ChildProcessTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }

@@ -9,7 +9,7 @@
 
 namespace trv::testing {
 
-/// The bytes of a file as they stand; empty where it cannot be opened.
+/// The unchanged bytes of a file; empty if it cannot be opened.
 inline std::string bytesOf(const std::filesystem::path& path) {
     const std::ifstream file(path, std::ios::binary);
     std::ostringstream bytes;
@@ -17,7 +17,7 @@ inline std::string bytesOf(const std::filesystem::path& path) {
     return bytes.str();
 }
 
-/// The bytes of a text file without its CRs, so that they are the same on every system.
+/// The bytes of a text file without its CRs, so they are the same on every system.
 inline std::string textOf(const std::filesystem::path& path) {
     std::string text = bytesOf(path);
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());

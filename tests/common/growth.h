@@ -14,10 +14,10 @@ double processorTime(Call call) {
     return static_cast<double>(std::max<std::clock_t>(std::clock() - start, 1));
 }
 
-/// How many times as long a large input takes as a small one. Each counts with the shortest of
-/// five runs, in turns, so that other programs on the machine disturb little.
+/// The ratio of the times for a large and a small input. Each time is the minimum of five runs. The
+/// runs of both alternate, so other programs on the machine have little effect.
 ///
-/// @param time  called with a size, returns the time of what is measured
+/// @param time  called with a size; returns the measured time
 template <class Time>
 double growth(int small, int large, Time time) {
     double shortest = std::numeric_limits<double>::max();

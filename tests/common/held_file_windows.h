@@ -6,10 +6,11 @@
 
 namespace trv::testing {
 
-/// A handle that keeps an existing file open, as an application does that has loaded it.
+/// A handle that keeps an existing file open, as an application does after loading it.
 class HeldFile {
 public:
-    /// @param sharing  what others may do meanwhile: FILE_SHARE_READ, FILE_SHARE_WRITE, or 0
+    /// @param sharing  the access that others have meanwhile: FILE_SHARE_READ, FILE_SHARE_WRITE, or
+    ///                0
     HeldFile(const std::filesystem::path& path, DWORD sharing)
         : handle_(::CreateFileW(path.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING,
                                 FILE_ATTRIBUTE_NORMAL, nullptr)) {}

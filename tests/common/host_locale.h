@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A host whose locale writes numbers with a comma.
+/// A host with a locale whose decimal point is a comma.
 
 #include <tests/common/child_process.h>
 #include <tests/common/temporary_directory.h>
@@ -14,7 +14,7 @@
 
 namespace trv::testing {
 
-/// A German locale that is compiled for the test, so that the system needs none installed.
+/// A German locale that is compiled for the test, so it need not be installed.
 class HostLocale {
 public:
     /// @param charset  "UTF-8" or "ISO-8859-1"
@@ -24,11 +24,11 @@ public:
         compiled_ = std::system(command.c_str()) == 0;
     }
 
-    /// Whether localedef and the sources of the locale were there.
+    /// Whether localedef and the sources of the locale are installed.
     bool exists() const { return compiled_; }
 
-    /// Makes it the locale of this process, for C and for C++, as LC_ALL does for a host that
-    /// starts under it. For child processes.
+    /// Sets the locale of this process, for C and for C++, as LC_ALL does when a host starts. For
+    /// child processes.
     ///
     /// @return whether numbers are now written with a comma
     bool adopt() const {

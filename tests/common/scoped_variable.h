@@ -9,8 +9,8 @@
 
 namespace trv::testing {
 
-/// Gives an environment variable a value, and its old one back at the end. Null unsets it; an empty
-/// text leaves it set but empty.
+/// Sets an environment variable, and restores its old value in the destructor. nullptr unsets it.
+/// An empty text sets it to an empty value.
 class ScopedVariable {
 public:
     ScopedVariable(std::string name, const char* value) : name_(std::move(name)) {

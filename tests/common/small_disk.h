@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// A file system of a few bytes, so that a disk is full for real. Only Linux has it; tests on
-/// others skip if `canMountSmallDisks()` is false.
+/// A file system of a few bytes, to test a disk that is really full. Only Linux supports it. Tests
+/// skip if `canMountSmallDisks()` is false.
 
 #include <cstddef>
 #include <filesystem>
@@ -29,7 +29,7 @@ inline bool writeOnce(const char* path, const std::string& text) {
     return ::close(file) == 0 && isWritten;
 }
 
-/// Gives the process mounts of its own. Who is not user 0 becomes it in a user namespace.
+/// Gives the process its own mounts. A process of another user becomes user 0 in a user namespace.
 inline bool leaveMounts() {
     if (::unshare(CLONE_NEWNS) == 0) return true;
     const std::string user = "0 " + std::to_string(::geteuid()) + " 1";
@@ -39,8 +39,8 @@ inline bool leaveMounts() {
            writeOnce("/proc/self/gid_map", group);
 }
 
-/// Puts a disk with room for so many bytes, a multiple of the page size, onto a directory. For
-/// child processes: others do not see it.
+/// Mounts a file system of `bytes`, a multiple of the page size, on a directory. For child
+/// processes: other processes do not see it.
 inline bool mountSmallDisk(const std::filesystem::path& directory, std::size_t bytes) {
     const std::string options = "size=" + std::to_string(bytes);
     return leaveMounts() && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&

@@ -9,8 +9,8 @@
 
 namespace trv::testing {
 
-/// A test of this program that runs in a process of its own, at the same time as others. It is
-/// disabled otherwise, and finds its directory in the variable TRV_TEST_DIRECTORY.
+/// A test of this program that runs in its own process, at the same time as others. It is disabled
+/// in normal runs. The variable TRV_TEST_DIRECTORY names its directory.
 class SpawnedTest {
 public:
     SpawnedTest(const char* name, const std::filesystem::path& directory) {
@@ -27,7 +27,7 @@ public:
     SpawnedTest(const SpawnedTest&) = delete;
     SpawnedTest& operator=(const SpawnedTest&) = delete;
 
-    /// Waits for its end. To be called once.
+    /// Waits for the end of the process. Called once.
     bool hasPassed() {
         int status = -1;
         const bool hasEnded =

@@ -1,18 +1,18 @@
 #pragma once
 
 /// @file
-/// What tests ask of the system and the library does not. Each call is defined in system_posix.cpp
-/// and in system_windows.cpp; the build takes one of them.
+/// Calls to the system that tests need and the library does not. Each is defined in
+/// system_posix.cpp and in system_windows.cpp; the build uses one of them.
 
 #include <cstddef>
 
 namespace trv::testing {
 
-/// Gives an environment variable of this process the empty text, which platform::set_environment
+/// Sets an environment variable of this process to the empty text, which platform::set_environment
 /// cannot do.
 void setEmptyVariable(const char* name);
 
-/// How many file descriptors this process holds, or -1 where the system does not tell.
+/// The number of open file descriptors of this process, or -1 if the system does not report it.
 std::ptrdiff_t openDescriptors();
 
 }  // namespace trv::testing

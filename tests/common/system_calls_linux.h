@@ -1,8 +1,7 @@
 #pragma once
 
 /// @file
-/// Breaks processes off at their system calls: some are refused to a process, or it is killed at
-/// one of them.
+/// Makes system calls of a process fail, or kills a process at one of them.
 
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -18,7 +17,7 @@
 
 namespace trv::testing {
 
-/// The numbers of the system calls that give a file another name.
+/// The numbers of the system calls that rename a file.
 inline const std::vector<unsigned> renamingCalls = {
 #ifdef SYS_rename
     SYS_rename,
@@ -28,7 +27,7 @@ inline const std::vector<unsigned> renamingCalls = {
 #endif
     SYS_renameat2};
 
-/// From here on the process gets this error from these system calls, which then do nothing.
+/// Makes these system calls fail with this error without any effect, from now on in this process.
 inline bool refuseSystemCalls(const std::vector<unsigned>& numbers, int reason) {
     std::vector<sock_filter> filter = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0)};
     for (const unsigned number : numbers) {
@@ -50,12 +49,12 @@ inline bool canRefuseSystemCalls() {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// Runs `work` in a child process until it has stopped at `steps` entries to and exits from system
-/// calls, and kills it there.
+/// Runs `work` in a child process. Kills the child after `steps` entries to and exits from system
+/// calls.
 ///
-/// @param prepare  runs in the child before, so that what only a first run asks of the system, such
-///                 as memory, does not make the number of calls differ from run to run
-/// @return whether it was killed; false where it ended by itself before
+/// @param prepare  runs in the child before `work`. It makes the calls that only a first run makes,
+///                 for example for memory, so the number of calls in `work` is the same in each run
+/// @return whether the child was killed; false if it ended by itself before
 inline bool killAtStep(int steps, const std::function<void()>& prepare,
                        const std::function<void()>& work) {
     const pid_t child = ::fork();

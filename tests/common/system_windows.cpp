@@ -5,8 +5,9 @@
 
 namespace trv::testing {
 
-// The C library takes an empty value for none, so its own copy is cut in place. It may make that
-// copy anew from the system's one, which is therefore empty too.
+// The C library unsets a variable if it gets an empty value. So the value in its own copy is
+// truncated in place. It may refresh that copy from the system's, so that one is set to an empty
+// value too.
 void setEmptyVariable(const char* name) {
     ::_putenv_s(name, "x");
     ::SetEnvironmentVariableA(name, "");

@@ -6,8 +6,8 @@
 
 namespace trv::testing {
 
-/// A directory of the test's own under the system's temporary directory, removed with all that is
-/// in it when the object goes.
+/// A directory of the test in the system's temporary directory. It is removed with its content when
+/// the object is destroyed.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {

@@ -5,8 +5,8 @@
 
 namespace trv::testing {
 
-/// How often what is only tried at random, or in steps, is tried: the number in the environment
-/// variable TRV_TORTURE_ROUNDS, and 1 without it.
+/// The factor for the number of random attempts and of steps: the value of the environment variable
+/// TRV_TORTURE_ROUNDS, or 1 without it.
 inline int tortureRounds() {
     const char* rounds = std::getenv("TRV_TORTURE_ROUNDS");
     return rounds == nullptr ? 1 : std::max(1, std::atoi(rounds));

@@ -1,4 +1,4 @@
-# Runs a sample and compares what it prints with the page. Called with -P and -DPROGRAM, -DPROJECT,
+# Runs a sample and compares its output with the page. Called with -P and -DPROGRAM, -DPROJECT,
 # -DINSTALLATION, -DEXPECTED.
 
 set(ENV{TRVHOME} "${INSTALLATION}")

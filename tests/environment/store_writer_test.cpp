@@ -4,9 +4,9 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/store_access.h>
-#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
+#include <trvfiles/environment/store_writer_internal.h>
 #include <trvfiles/support/dynamic_storage.h>
 
 #include <gmock/gmock.h>

@@ -41,7 +41,7 @@ protected:
     /// The number that follows what a counter file holds.
     std::string numberAfter(std::string_view counter) const {
         write(counter);
-        return draw_zone_number(path().c_str()).value_or("<none>");
+        return allocate_zone_number(path().c_str()).value_or("<none>");
     }
 
     testing::TemporaryDirectory directory_;
@@ -77,7 +77,7 @@ TEST_F(ZoneNumber, ReportsAFileThatCannotBeRead) {
 TEST_F(ZoneNumber, IsTheNextOneOfTheCounter) {
     EXPECT_EQ(numberAfter("0000000f\n"), "00000010");
     EXPECT_EQ(text(), "00000010\n");
-    EXPECT_EQ(draw_zone_number(path().c_str()), "00000011");
+    EXPECT_EQ(allocate_zone_number(path().c_str()), "00000011");
     EXPECT_EQ(text(), "00000011\n");
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
@@ -125,9 +125,9 @@ TEST_F(ZoneNumber, IsWrittenOverTheCounterWithoutCuttingIt) {
 }
 
 TEST_F(ZoneNumber, ReportsACounterThatCannotBeOpenedOrRead) {
-    EXPECT_EQ(draw_zone_number(path().c_str()), std::nullopt);
+    EXPECT_EQ(allocate_zone_number(path().c_str()), std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(directory_ / "workzone.num"));
-    EXPECT_EQ(draw_zone_number(directory_.text().c_str()), std::nullopt);
+    EXPECT_EQ(allocate_zone_number(directory_.text().c_str()), std::nullopt);
     EXPECT_EQ(numberAfter(""), "<none>");
     EXPECT_THAT(log_.fatals(), ElementsAre("Error opening '" + path() + "' file\n",
                                            "Error opening '" + directory_.text() + "' file\n",
@@ -159,7 +159,7 @@ TEST_F(ZoneNumber, ReportsACounterThatCannotGrow) {
     write("f");
     EXPECT_TRUE(testing::passesInChild([&] {
         ASSERT_TRUE(testing::limitFileSize(4));
-        EXPECT_EQ(draw_zone_number(path().c_str()), std::nullopt);
+        EXPECT_EQ(allocate_zone_number(path().c_str()), std::nullopt);
         EXPECT_THAT(log_.fatals(), ElementsAre("Error opening '" + path() + "' file\n"));
     }));
 }
@@ -186,12 +186,12 @@ TEST_F(ZoneNumber, ReportsNothingWhileAFileIsOpen) {
     set_fatal_handler(count);
     read_zone_number(path().c_str());
     expectNoneOpen("a missing number");
-    draw_zone_number(path().c_str());
+    allocate_zone_number(path().c_str());
     expectNoneOpen("a missing counter");
     write("");
     read_zone_number(path().c_str());
     expectNoneOpen("an empty number");
-    draw_zone_number(path().c_str());
+    allocate_zone_number(path().c_str());
     expectNoneOpen("an empty counter");
     create_zone_number((path() + "/inside").c_str(), "00000010");
     expectNoneOpen("a file that cannot be created");
@@ -199,7 +199,7 @@ TEST_F(ZoneNumber, ReportsNothingWhileAFileIsOpen) {
         expected = testing::openDescriptors();
         write("f");
         ASSERT_TRUE(testing::limitFileSize(4));
-        draw_zone_number(path().c_str());
+        allocate_zone_number(path().c_str());
         expectNoneOpen("a counter that cannot grow");
         std::filesystem::remove(directory_ / "workzone.num");
         create_zone_number(path().c_str(), "00000010");

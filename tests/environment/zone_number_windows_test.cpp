@@ -42,13 +42,13 @@ TEST_F(ZoneNumberOnWindows, IsReportedUnreadableAfterItsFileIsClosed) {
     EXPECT_EQ(read_zone_number(path().c_str()), std::nullopt);
     EXPECT_EQ(removed_files, 1);
     write("");
-    EXPECT_EQ(draw_zone_number(path().c_str()), std::nullopt);
+    EXPECT_EQ(allocate_zone_number(path().c_str()), std::nullopt);
     EXPECT_EQ(removed_files, 2);
 }
 
 TEST_F(ZoneNumberOnWindows, LeavesNoFileOpen) {
     write("0000000f\n");
-    EXPECT_EQ(draw_zone_number(path().c_str()), "00000010");
+    EXPECT_EQ(allocate_zone_number(path().c_str()), "00000010");
     EXPECT_NE(::DeleteFileW(reported_file.c_str()), 0);
     EXPECT_EQ(create_zone_number(path().c_str(), "00000010"), "00000010");
     EXPECT_EQ(testing::bytesOf(directory_ / "workzone.num"), "00000010\r\n");

@@ -1,4 +1,4 @@
-// The facade where pipes, links and names with a colon are those of POSIX.
+// The facade with pipes, links and names with a colon on POSIX.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/child_process.h>
@@ -41,7 +41,7 @@ CTrvAssemblyData assembly(const std::string& name) {
     return data;
 }
 
-/// In a child process, because what waits for a pipe may wait for good.
+/// In a child process, because a call that waits for a pipe may never return.
 bool endsSoon(const std::function<void()>& work) {
     return passesInChild([&work] {
         constexpr unsigned seconds = 20;
@@ -62,7 +62,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FacadeOnPosix, AnswersAtOnceAboutAPipeThatNobodyWritesTo) {
+TEST_F(FacadeOnPosix, ReturnsAtOnceForAPipeWithoutAWriter) {
     ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
     EXPECT_TRUE(endsSoon([this] {
         EXPECT_TRUE(files_.isfileExists("pipe"s));
@@ -80,7 +80,8 @@ TEST_F(FacadeOnPosix, DoesNotFindAPipeThatItMayNotRead) {
     }));
 }
 
-// Opened and closed, the pipe would lose its only reader, and its writer would be ended.
+// If the pipe were opened and closed, it would lose its only reader, and a signal would end its
+// writer.
 TEST_F(FacadeOnPosix, LeavesAPipeToItsReaderWhenAskedAboutIt) {
     ASSERT_EQ(files_.writeAxis(L"axis", identity, 4, 5, 6), eFileIOSuccess);
     ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
@@ -121,7 +122,7 @@ TEST_F(FacadeOnPosix, FindsAFileThatAnotherProcessHasALeaseOn) {
     writeBytes(path("leased"), "x");
     const int descriptor = ::open(path("leased").c_str(), O_RDWR);
     ASSERT_GE(descriptor, 0);
-    // The system asks by a signal that ends the process to give the lease back.
+    // The system requests the lease with a signal that ends the process.
     const auto earlier = std::signal(SIGIO, SIG_IGN);
     const bool isLeased = ::fcntl(descriptor, F_SETLEASE, F_WRLCK) == 0;
     EXPECT_TRUE(!isLeased || endsSoon([this] { EXPECT_TRUE(files_.isfileExists("leased"s)); }));
@@ -144,7 +145,7 @@ TEST_F(FacadeOnPosix, FindsDevicesButNoSockets) {
     ::close(listener);
 }
 
-TEST_F(FacadeOnPosix, FindsWhatALinkLeadsTo) {
+TEST_F(FacadeOnPosix, FindsTheTargetOfALink) {
     writeBytes(path("file"), "x");
     fs::create_directory(path("directory"));
     fs::create_symlink("file", path("good"));
@@ -202,7 +203,7 @@ TEST_F(FacadeOnPosix, JoinsADirectoryThatBeginsWithAColonToTheCurrentOne) {
     EXPECT_TRUE(files.isfileExists("f"s));
 }
 
-TEST_F(FacadeOnPosix, TakesTheNameOfAResourceForNoFileOfTheCurrentDirectory) {
+TEST_F(FacadeOnPosix, DoesNotTreatTheNameOfAResourceAsAFileOfTheCurrentDirectory) {
     fs::create_directory(path(":"));
     for (const char* name : {"axis", "context", "assembly"})
         writeBytes(path(":/"s + name), "old");
@@ -225,7 +226,7 @@ TEST_F(FacadeOnPosix, TakesTheNameOfAResourceForNoFileOfTheCurrentDirectory) {
         EXPECT_EQ(bytesOf(entry.path()), "old") << entry.path();
 }
 
-TEST_F(FacadeOnPosix, TakesThePrefixesOfAHostsSearchPathsLiterally) {
+TEST_F(FacadeOnPosix, UsesThePrefixesOfAHostsSearchPathsLiterally) {
     EXPECT_TRUE(passesInChild([this] {
         const TemporaryDirectory elsewhere;
         writeBytes(elsewhere / "f", "old");
@@ -243,7 +244,7 @@ TEST_F(FacadeOnPosix, TakesThePrefixesOfAHostsSearchPathsLiterally) {
     }));
 }
 
-TEST_F(FacadeOnPosix, NamesNoFileWhereTheCurrentDirectoryIsGone) {
+TEST_F(FacadeOnPosix, NamesNoFileIfTheCurrentDirectoryWasRemoved) {
     EXPECT_TRUE(passesInChild([this] {
         fs::create_directory(path("gone"));
         fs::current_path(path("gone"));

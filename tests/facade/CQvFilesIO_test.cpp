@@ -69,7 +69,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Facade, TakesItsDirectoryInThreeForms) {
+TEST_F(Facade, AcceptsItsDirectoryInThreeForms) {
     const std::string expected = directory_.text() + "/f";
     EXPECT_EQ(CQvFilesIO(directory_.text().c_str()).absoluteFileName("f"s), expected);
     EXPECT_EQ(CQvFilesIO(directory_.text()).absoluteFileName("f"s), expected);
@@ -96,7 +96,8 @@ TEST_F(Facade, IsCopiedWithItsDirectory) {
 TEST_F(Facade, KeepsItsDirectoryWhenItIsMovedFrom) {
     const TemporaryDirectory elsewhere;
     const CurrentDirectory current(elsewhere.path());
-    // Long and short: a short text is not moved but copied by the standard library.
+    // A long and a short text, because the standard library copies a short text instead of moving
+    // it.
     fs::create_directory(elsewhere / "d");
     for (const std::wstring& directory : {directory_.wide(), L"d"s}) {
         CQvFilesIO source(directory);
@@ -226,7 +227,7 @@ TEST_F(Facade, ResolvesARelativeOrEmptyDirectoryAtEachCall) {
     }
 }
 
-TEST_F(Facade, TakesDollarsAndTildesLiterally) {
+TEST_F(Facade, UsesDollarsAndTildesLiterally) {
     for (const wchar_t* name : {L"$HOME", L"~", L"$X.axis", L"%s%n", L"a;b", L"#", L" x"}) {
         EXPECT_EQ(writeAxisTo(files_, name), eFileIOSuccess);
         EXPECT_TRUE(fs::exists(directory_.path() / name)) << fs::path(name);
@@ -237,7 +238,7 @@ TEST_F(Facade, TakesDollarsAndTildesLiterally) {
     EXPECT_TRUE(fs::exists(directory_ / "?X"));
 }
 
-TEST_F(Facade, LeavesTheNamesOfCompiledInResourcesAlone) {
+TEST_F(Facade, DoesNotChangeTheNamesOfCompiledInResources) {
     CTrvAssemblyData data;
     EXPECT_EQ(files_.readTrvAssembly(":/x", data), eFileIOOpenError);
     EXPECT_EQ(readAxisFrom(files_, L":/x"), eFileIOOpenError);
@@ -245,7 +246,7 @@ TEST_F(Facade, LeavesTheNamesOfCompiledInResourcesAlone) {
     EXPECT_FALSE(files_.isfileExists(":/x"s));
 }
 
-TEST_F(Facade, TakesBackslashesForSeparators) {
+TEST_F(Facade, TreatsBackslashesAsSeparators) {
     fs::create_directory(directory_ / "a");
     CQvFilesIO files(directory_.wide() + L"\\.\\");
     EXPECT_EQ(writeAxisTo(files, L"a\\f"), eFileIOSuccess);
@@ -263,7 +264,7 @@ TEST_F(Facade, TakesBackslashesForSeparators) {
     EXPECT_TRUE(fs::exists(directory_ / "a" / "h"));
 }
 
-TEST_F(Facade, TakesAnEmptyOrNullNameForTheDirectoryItself) {
+TEST_F(Facade, TreatsAnEmptyOrNullNameAsTheDirectoryItself) {
     CTrvAssemblyData data = assembly("x");
     const char* const null = nullptr;
     EXPECT_EQ(files_.readTrvAssembly(null, data), eFileIOOpenError);
@@ -281,8 +282,8 @@ TEST_F(Facade, TakesAnEmptyOrNullNameForTheDirectoryItself) {
     EXPECT_TRUE(fs::is_empty(directory_.path()));
 }
 
-// The name of a directory that does not exist yet must not become that of a file.
-TEST_F(Facade, CreatesNoFileWhereItsDirectoryIsMissing) {
+// The name of a directory that does not exist yet must not name a file.
+TEST_F(Facade, CreatesNoFileIfItsDirectoryIsMissing) {
     const trv::testing::ChannelLog log;
     CQvFilesIO files((directory_ / "missing").wstring());
     const CTrvAssemblyData data = assembly("x");
@@ -375,7 +376,7 @@ TEST_F(Facade, KnowsFilesByWideNamesOfEveryKind) {
     EXPECT_TRUE(fs::exists(directory_ / "\xC3\xA4" / fs::u8path("\xC3\xB6")));
 }
 
-TEST_F(Facade, TakesNarrowNamesForUtf8OnPosix) {
+TEST_F(Facade, TreatsNarrowNamesAsUtf8OnPosix) {
     if (onWindows()) GTEST_SKIP() << "Windows has code pages";
     EXPECT_EQ(files_.writeTrvAssembly("Fr\xC3\xA4se \xF0\x9F\x94\xA7", assembly("x")),
               eFileIOSuccess);
@@ -383,7 +384,7 @@ TEST_F(Facade, TakesNarrowNamesForUtf8OnPosix) {
     EXPECT_TRUE(files_.isfileExists(L"Fr\u00E4se \U0001F527"s));
     EXPECT_TRUE(files_.isfileExists("Fr\xC3\xA4se \xF0\x9F\x94\xA7"s));
     EXPECT_EQ(files_.absoluteFileName("Fr\xC3\xA4se"s), directory_.text() + "/Fr\xC3\xA4se");
-    // As text, a byte that is not UTF-8 becomes U+FFFD. As a name it names no file.
+    // In a text, a byte that is not UTF-8 becomes U+FFFD. A name with such a byte names no file.
     writeBytes(directory_.path() / "\xE4", "x");
     EXPECT_EQ(files_.absoluteFileName("\xE4"s), directory_.text() + "/\xEF\xBF\xBD");
     EXPECT_FALSE(files_.isfileExists("\xE4"s));
@@ -460,7 +461,7 @@ TEST_F(Facade, ReadsWhatItWroteInEveryForm) {
     EXPECT_EQ(fileNameIn(data), "static");
 }
 
-TEST_F(Facade, TakesStaticPathsAsTheyAre) {
+TEST_F(Facade, DoesNotChangeStaticPaths) {
     const CurrentDirectory current(directory_.path());
     EXPECT_EQ(CQvFilesIO::sWriteTrvAssembly(L"f", assembly("x")), eFileIOSuccess);
     EXPECT_TRUE(fs::exists(directory_ / "f"));

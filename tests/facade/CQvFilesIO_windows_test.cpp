@@ -1,4 +1,4 @@
-// The facade where drives, servers, text mode and open handles are those of Windows.
+// The facade with drives, servers, text mode and open handles on Windows.
 
 #include <tests/common/current_directory.h>
 #include <tests/common/file_bytes.h>
@@ -69,8 +69,8 @@ TEST_F(FacadeOnWindows, OpensAnAbsoluteNameOnAnotherDrive) {
     EXPECT_TRUE(other.isfileExists(here + "\\A.DAT"));
 }
 
-// The current drive is another one than the directory's, and has no directory of that name.
-TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheDrivesOfItsDirectory) {
+// The current drive is not that of the directory, and has no directory of that name.
+TEST_F(FacadeOnWindows, ResolvesANameWithoutADriveOnTheDriveOfItsDirectory) {
     const std::string here = directory_.text();
     const std::wstring name = directory_.wide().substr(2) + L"/a.dat";
     const std::string narrow(name.begin(), name.end());
@@ -99,7 +99,7 @@ TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheDrivesOfItsDirectory) {
     EXPECT_EQ(bytesOf(directory_ / "a.dat").substr(0, 8), "[header]");
 }
 
-TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheShareOfItsDirectory) {
+TEST_F(FacadeOnWindows, ResolvesANameWithoutADriveOnTheShareOfItsDirectory) {
     ASSERT_EQ(writeAxis(L"a.dat"), eFileIOSuccess);
     CQvFilesIO share("//trvfiles-no-server/share/d"s);
     const std::wstring name = directory_.wide().substr(2) + L"/a.dat";
@@ -111,7 +111,7 @@ TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheShareOfItsDirectory) {
     EXPECT_EQ(share.absoluteFileName(L"/y"s), L"//trvfiles-no-server/share/y");
 }
 
-TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheCurrentDriveForARelativeDirectory) {
+TEST_F(FacadeOnWindows, ResolvesANameWithoutADriveOnTheCurrentDriveForARelativeDirectory) {
     const CurrentDirectory current(directory_.path());
     CQvFilesIO relative(L"sub"s);
     const std::wstring name = directory_.wide().substr(2) + L"/b.dat";
@@ -120,7 +120,7 @@ TEST_F(FacadeOnWindows, TakesANameWithoutADriveOnTheCurrentDriveForARelativeDire
     EXPECT_TRUE(relative.isfileExists(name));
 }
 
-TEST_F(FacadeOnWindows, PrintsNothingAboutADirectoryThatIsAServerAlone) {
+TEST_F(FacadeOnWindows, PrintsNothingForADirectoryThatIsOnlyAServer) {
     ::testing::internal::CaptureStderr();
     CQvFilesIO server("//trvfiles-no-server"s);
     EXPECT_EQ(server.writeAxis(L"/trvfiles-no-directory/f", identity, 1, 2, 3), eFileIOOpenError);
@@ -128,7 +128,7 @@ TEST_F(FacadeOnWindows, PrintsNothingAboutADirectoryThatIsAServerAlone) {
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_F(FacadeOnWindows, TakesBothSeparators) {
+TEST_F(FacadeOnWindows, AcceptsBothSeparators) {
     std::filesystem::create_directory(directory_ / "sub");
     EXPECT_EQ(writeAxis(L"sub\\a.dat"), eFileIOSuccess);
     EXPECT_EQ(readAxis(L"sub/a.dat"), eFileIOSuccess);
@@ -137,7 +137,7 @@ TEST_F(FacadeOnWindows, TakesBothSeparators) {
     EXPECT_EQ(bytesOf(directory_ / "b.dat"), bytesOf(directory_ / "sub" / "a.dat"));
 }
 
-TEST_F(FacadeOnWindows, FindsNothingOnAServerThatIsNotThere) {
+TEST_F(FacadeOnWindows, FindsNothingOnAMissingServer) {
     EXPECT_EQ(readAxis(L"\\\\trvfiles-no-server\\share\\a.dat"), eFileIOOpenError);
     EXPECT_EQ(writeAxis(L"//trvfiles-no-server/share/a.dat"), eFileIOOpenError);
     EXPECT_FALSE(files_.isfileExists("//trvfiles-no-server/share/a.dat"s));
@@ -176,7 +176,7 @@ TEST_F(FacadeOnWindows, EndsAnAxisFileAtCtrlZ) {
     EXPECT_EQ(readAxis(L"inside"), eFileIOContentError);
 }
 
-TEST_F(FacadeOnWindows, LeavesAFileWholeThatIsKeptOpen) {
+TEST_F(FacadeOnWindows, DoesNotDamageAFileThatIsKeptOpen) {
     for (const char* name : {"a.dat", "a.xml"})
         writeBytes(directory_ / name, "old");
     for (const DWORD sharing : {0, FILE_SHARE_READ}) {

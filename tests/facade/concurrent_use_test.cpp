@@ -20,7 +20,7 @@ namespace {
 
 constexpr int rounds = 100;
 
-/// Starts all of them at the same moment and waits for them.
+/// Starts all threads at the same moment and waits for them.
 void runAtOnce(const std::vector<std::function<void()>>& works) {
     std::atomic<std::size_t> waiting = works.size();
     std::vector<std::thread> threads;
@@ -48,7 +48,7 @@ CTrvAssemblyData assembly(const std::string& name, int round) {
     return data;
 }
 
-/// Writes and reads the files of one thread, and counts what did not come back as written.
+/// Writes and reads the files of one thread. Counts the results that differ from what was written.
 int useFiles(const std::filesystem::path& directory, const std::string& name) {
     CQvFilesIO files(directory.wstring());
     const std::wstring axisName = std::filesystem::path(name + ".axis").wstring();
@@ -84,7 +84,7 @@ TEST(ConcurrentUse, OfSeveralFacadesKeepsTheirFilesApart) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneFileByTwoReadersIsFine) {
+TEST(ConcurrentUse, OfOneFileByTwoReadersSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     const std::array<double, 16> identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
@@ -108,7 +108,7 @@ TEST(ConcurrentUse, OfOneFileByTwoReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersIsFine) {
+TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     ASSERT_EQ(files.writeMachineContext("f.mctx", allFields()), eFileIOSuccess);
@@ -135,8 +135,8 @@ TEST(ConcurrentUse, OfOneMachineContextBySeveralReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-// Contexts are read while one thread writes another one: that is what the runtime allows.
-TEST(ConcurrentUse, OfMachineContextsByReadersBesideTheOneWriterIsFine) {
+// Contexts are read while one thread writes another one. The runtime allows this.
+TEST(ConcurrentUse, OfMachineContextsByReadersAndOneWriterSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     ASSERT_EQ(files.writeMachineContext("read.mctx", firstOperation()), eFileIOSuccess);
@@ -159,7 +159,7 @@ TEST(ConcurrentUse, OfMachineContextsByReadersBesideTheOneWriterIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneFileForACopyAndForReadersIsFine) {
+TEST(ConcurrentUse, OfOneFileForACopyAndForReadersSucceeds) {
     const TemporaryDirectory directory;
     CQvFilesIO files(directory.wide());
     ASSERT_EQ(files.writeTrvAssembly("assembly", assembly("a", 1)), eFileIOSuccess);
@@ -179,7 +179,7 @@ TEST(ConcurrentUse, OfOneFileForACopyAndForReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersIsFine) {
+TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersSucceeds) {
     const CMachineContextData data = allFields();
     const CMachineContextData untouched;
     const ContextFields expected(data);
@@ -196,7 +196,7 @@ TEST(ConcurrentUse, OfOneMachineContextRecordByTwoReadersIsFine) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(ConcurrentUse, OfOneRecordByTwoReadersIsFine) {
+TEST(ConcurrentUse, OfOneRecordByTwoReadersSucceeds) {
     const CTrvAssemblyData data = assembly("a", 1);
     const CTrvAssemblyData untouched;
     std::atomic<int> failures = 0;

@@ -50,7 +50,7 @@ TEST_P(CopyFile, CopiesEveryByte) {
     EXPECT_EQ(bytes("a"), bytes("b"));
 }
 
-TEST_P(CopyFile, CutsALongerDestination) {
+TEST_P(CopyFile, TruncatesALongerDestination) {
     write("a", "new");
     write("b", "something longer");
     EXPECT_TRUE(copy("a", "b"));
@@ -86,7 +86,7 @@ TEST_P(CopyFile, EmptiesAFileUnderAnotherSpellingOfItsName) {
     EXPECT_EQ(bytes("d/a"), "");
 }
 
-TEST_P(CopyFile, TakesBackslashesForSeparators) {
+TEST_P(CopyFile, TreatsBackslashesAsSeparators) {
     fs::create_directory(directory_ / "d");
     write("d/a", "x");
     EXPECT_TRUE(copyPath(directory_.text() + "\\d\\a", directory_.text() + "\\d\\b"));
@@ -151,7 +151,7 @@ TEST_P(CopyFile, LeavesAnEmptyDestinationForAForbiddenSource) {
     EXPECT_EQ(bytes("open"), "");
 }
 
-TEST_P(CopyFile, LeavesAForbiddenDestinationAsItIs) {
+TEST_P(CopyFile, DoesNotChangeAForbiddenDestination) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     write("closed", "old");
     write("open", "x");

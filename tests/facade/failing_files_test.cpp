@@ -30,7 +30,7 @@ CTrvAssemblyData sample() {
 /// Provokes each way in which a file can fail, for every operation that opens one.
 class FailingFile : public ::testing::Test {
 protected:
-    /// What all reads of this name give; the matrix, the tags and the record stay untouched.
+    /// The status of all reads of this name. The matrix, the tags and the record do not change.
     void expectReads(const std::string& name, EFileIOStatus axis, EFileIOStatus assembly) {
         SCOPED_TRACE(name);
         std::array<double, 16> matrix = {};
@@ -81,7 +81,7 @@ TEST_F(FailingFile, ThatIsADirectoryGivesTwo) {
     EXPECT_TRUE(fs::is_empty(directory_ / "d"));
 }
 
-TEST_F(FailingFile, ThatStandsWhereADirectoryShouldGivesTwo) {
+TEST_F(FailingFile, InPlaceOfADirectoryGivesTwo) {
     writeBytes(directory_ / "f", "x");
     expectReads("f/g", eFileIOOpenError, eFileIOOpenError);
     expectWrites("f/g", eFileIOOpenError, eFileIOOpenError);
@@ -113,7 +113,7 @@ TEST_F(FailingFile, WithAnotherRootGivesFive) {
     expectReads("f", eFileIOContentError, eFileIOStructureError);
 }
 
-TEST_F(FailingFile, IsNotTouchedWhenTheRecordCannotBeWritten) {
+TEST_F(FailingFile, IsNotChangedWhenTheRecordCannotBeWritten) {
     writeBytes(directory_ / "f", "old");
     EXPECT_EQ(files_.writeTrvAssembly("f", CTrvAssemblyData()), eFileIOContentError);
     EXPECT_EQ(files_.writeTrvAssembly(L"f"s, CTrvAssemblyData()), eFileIOContentError);
@@ -185,7 +185,7 @@ TEST_F(FailingFile, WithoutADescriptorLeftGivesTwo) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     writeBytes(directory_ / "f", "x");
     EXPECT_TRUE(passesInChild([&] {
-        // A sanitizer opens pipes when it meets a class for the first time.
+        // A sanitizer opens pipes at the first use of a class.
         expectReads("missing", eFileIOOpenError, eFileIOOpenError);
         expectWrites("missing/f", eFileIOOpenError, eFileIOOpenError);
         ASSERT_TRUE(exhaustDescriptors());

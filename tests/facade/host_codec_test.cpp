@@ -1,5 +1,5 @@
-// Hosts that set a codec for narrow text in Qt. On POSIX the library's names and texts are UTF-8
-// nevertheless.
+// Hosts that set a codec for narrow text in Qt. On POSIX the names and texts of the library are
+// UTF-8 nevertheless.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/child_process.h>
@@ -31,7 +31,7 @@ struct Name {
     std::string utf8;
 };
 
-// ISO-8859-1 has the first of them, Shift_JIS the second and the third, neither has the last.
+// ISO-8859-1 has the first character, Shift_JIS the second and the third. Neither has the last one.
 const Name names[] = {
     {L"Fr\u00E4se", "Fr\xC3\xA4se"},
     {L"\u65E5", "\xE6\x97\xA5"},
@@ -66,7 +66,7 @@ protected:
         }
     }
 
-    /// The names in a directory, and nothing of what is below it.
+    /// The names in a directory, without its subdirectories.
     static std::set<std::string> contents(const fs::path& directory) {
         std::set<std::string> found;
         for (const auto& entry : fs::directory_iterator(directory))
@@ -201,7 +201,7 @@ TEST_F(HostCodec, DoesNotChangeTexts) {
     });
 }
 
-// Each of the files that Qt's conversions would take instead exists.
+// Each of the files that Qt's conversions would name instead exists.
 TEST_F(HostCodec, NamesNoFileForBytesThatAreNotUtf8) {
     underEachCodec([this] {
         for (const char* other : {"?", "\xEF\xBF\xBD", "\xE4", "\xC3\xA4", "x"})
@@ -285,7 +285,7 @@ TEST_F(HostCodec, NamesNoFileInADirectoryWhoseNameDoesNotSurvive) {
             EXPECT_EQ(files.readTrvAssembly(L"f"s, data), eFileIOOpenError);
             EXPECT_EQ(files.readMachineContext("f", context), eFileIOOpenError);
             EXPECT_EQ(files.writeMachineContext(L"f"s, context), eFileIOOpenError);
-            // As text it has a name all the same, and an absolute name does not meet it.
+            // The directory still has a text, and an absolute name does not use it.
             EXPECT_EQ(files.absoluteFileName(L"f"s), directory_.wide() + L"/\uFFFD/f");
             EXPECT_TRUE(files.isfileExists(directory_.text() + "/?/f"));
         }
@@ -300,7 +300,7 @@ TEST_F(HostCodec, NamesNoFileInADirectoryWhoseNameDoesNotSurvive) {
     });
 }
 
-TEST_F(HostCodec, StillKnowsFilesWhoseNamesHoldAReplacementCharacter) {
+TEST_F(HostCodec, FindsFilesWhoseNamesHoldAReplacementCharacter) {
     underEachCodec([] {
         const TemporaryDirectory directory;
         CQvFilesIO files(directory.wide());

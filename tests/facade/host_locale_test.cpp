@@ -66,7 +66,7 @@ CTrvAssemblyData assembly() {
 
 class HostLocaleFiles : public ::testing::Test {
 protected:
-    /// Writes and reads both kinds of files, under whatever locale holds.
+    /// Writes and reads both kinds of files in the current locale.
     void expectTheFilesOfTheCLocale() {
         EXPECT_EQ(files_.writeAxis(L"axis", placement.data(), 1234567, 0, 2), eFileIOSuccess);
         EXPECT_EQ(textOf(directory_ / "axis"), axisBytes);

@@ -74,7 +74,7 @@ TEST_F(MachineContextMembers, ResolveANameAgainstTheirDirectory) {
     expectRoundTrip(CQvFilesIO((directory.text() + "/").c_str()), L"f.mctx", directory / "f.mctx");
 }
 
-TEST_F(MachineContextMembers, TakeAnAbsoluteNameAsItStands) {
+TEST_F(MachineContextMembers, DoNotChangeAnAbsoluteName) {
     const TemporaryDirectory other;
     expectRoundTrip(files, other.text() + "/f.mctx", other / "f.mctx");
     expectRoundTrip(files, other.wide() + L"/f.mctx", other / "f.mctx");
@@ -124,7 +124,7 @@ TEST_F(MachineContextMembers, ShareTheFileBetweenTheFormsOfTheirNames) {
     EXPECT_EQ(textOf(directory / "g"), text);
 }
 
-TEST_F(MachineContextMembers, ThatAreStaticTakeThePathAsItStands) {
+TEST_F(MachineContextMembers, ThatAreStaticDoNotChangeThePath) {
     const CurrentDirectory inside(directory.path());
     EXPECT_EQ(CQvFilesIO::sWriteMachineContext(L"f", allFields()), eFileIOSuccess);
     EXPECT_EQ(textOf(directory / "f"), text);
@@ -248,7 +248,7 @@ TEST_F(MachineContextMembers, NeverLoadTheEnvironment) {
         EXPECT_EQ(trv::environment_store(), nullptr);
         EXPECT_THAT(log.fatals(), IsEmpty());
         EXPECT_THAT(log.traces(), IsEmpty());
-        // A lookup would have been noticed.
+        // The test would notice a lookup.
         EXPECT_EQ(trv::get_variable("UNDEFINED"), nullptr);
         EXPECT_FALSE(log.fatals().empty());
     };

@@ -65,7 +65,7 @@ Context withOrigin(double x, double y, double z) {
     return context;
 }
 
-/// Every field has a value of its own.
+/// Every field has a different value.
 Context sample() {
     Context context = withOrigin(1, -2, 3.5);
     for (const Text& text : texts)
@@ -97,7 +97,7 @@ void expectDefaults(const Context& context) {
     EXPECT_FALSE(context.isNotNull());
 }
 
-/// Uses a record while the host's static objects are being made.
+/// Uses a record during the construction of the host's static objects.
 struct EarlyHost {
     bool nullAtFirst = Context().isNull();
     bool notNullWithAName = false;
@@ -170,7 +170,7 @@ TEST(MachineContextData, CutsNarrowTextsAtAZeroAndKeepsWideOnes) {
     }
 }
 
-TEST(MachineContextData, TakesNarrowTextForUtf8OnPosix) {
+TEST(MachineContextData, TreatsNarrowTextAsUtf8OnPosix) {
     if (!trv::testing::can_fork) GTEST_SKIP() << "Windows has code pages";
     for (const Text& text : texts) {
         Context context;
@@ -183,7 +183,7 @@ TEST(MachineContextData, TakesNarrowTextForUtf8OnPosix) {
     }
 }
 
-TEST(MachineContextData, TakesNarrowTextForUtf8InEveryLocaleOfPosix) {
+TEST(MachineContextData, TreatsNarrowTextAsUtf8InEveryLocaleOfPosix) {
     if (!trv::testing::can_fork) GTEST_SKIP() << "needs a child process";
     const trv::testing::HostLocale german("ISO-8859-1");
     if (!german.exists()) GTEST_SKIP() << "localedef cannot compile a locale here";
@@ -196,7 +196,7 @@ TEST(MachineContextData, TakesNarrowTextForUtf8InEveryLocaleOfPosix) {
     }));
 }
 
-TEST(MachineContextData, BearsWideTextThatIsNoText) {
+TEST(MachineContextData, AcceptsWideTextThatIsNotValid) {
     for (const wchar_t unit : {L'\xD800', L'\xDFFF', L'\xFFFE', L'\xFFFF'}) {
         Context context;
         context.setNameW(std::wstring(3, unit));
@@ -210,7 +210,7 @@ TEST(MachineContextData, BearsWideTextThatIsNoText) {
     EXPECT_FALSE(context.getNameW().empty());
 }
 
-TEST(MachineContextData, TakesLongTexts) {
+TEST(MachineContextData, AcceptsLongTexts) {
     Context context;
     context.setComment(std::string(1000000, 'c'));
     EXPECT_EQ(context.getComment(), std::string(1000000, 'c'));

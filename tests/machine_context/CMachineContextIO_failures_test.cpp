@@ -1,4 +1,4 @@
-// Machine context files that cannot be written: the status, the report, and the old file.
+// Machine context files that cannot be written: the status, the report and the old file.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/child_process.h>
@@ -41,7 +41,7 @@ std::uint64_t permanentBytes() {
     return std::stoull(text.substr(text.find(':') + 1));
 }
 
-/// Lets the checked heap grow by so many bytes and no further.
+/// Limits the growth of the checked heap to a number of bytes.
 class StorageCap {
 public:
     explicit StorageCap(std::uint64_t spare) { trv::set_storage_maximum(permanentBytes() + spare); }
@@ -65,7 +65,7 @@ protected:
         EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), {}), 1);
     }
 
-    /// Expects that there is no room for a text of this record, but for a small one.
+    /// Expects that there is no storage for a text of this record, but for a small one.
     void expectStatus(const CMachineContextData& data, EFileIOStatus status) const {
         const ChannelLog log;
         const std::uint64_t before = permanentBytes();
@@ -148,7 +148,7 @@ TEST_F(FailingContext, WithoutAnyStorageGivesFour) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(FailingContext, IsTheOldOneOrTheWholeNewOneWhereverStorageEnds) {
+TEST_F(FailingContext, IsTheOldOneOrTheCompleteNewOneWhicheverAllocationFails) {
     const ChannelLog log;
     const std::string newText =
         textOf(fs::path(TRV_TEST_DATA) / "machine_context" / "all_fields.mctx");
@@ -178,7 +178,7 @@ TEST_F(FailingContext, IsTheOldOneOrTheWholeNewOneWhereverStorageEnds) {
 TEST_F(FailingContext, WithoutStorageForItsFileNameGivesTwo) {
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "paths are too short here";
     const ChannelLog log;
-    // Longer than the room that the texts of a record leave.
+    // Longer than the storage that remains beside the texts of a record.
     fs::path deep = directory.path();
     for (int level = 0; level < 15; ++level)
         deep /= std::string(200, 'd');
@@ -206,7 +206,7 @@ TEST_F(FailingContext, InAMissingDirectoryIsReportedAndGivesTwo) {
     expectOldFile();
 }
 
-TEST_F(FailingContext, BehindAFileIsReportedAndGivesTwo) {
+TEST_F(FailingContext, BelowAFileIsReportedAndGivesTwo) {
     const ChannelLog log;
     EXPECT_EQ(writeContext(path / "f.mctx", allFields()), eFileIOOpenError);
     EXPECT_THAT(log.fatals(), ElementsAre(StartsWith(openReport)));
@@ -255,7 +255,7 @@ TEST_F(FailingContext, InAReadOnlyDirectoryIsReportedAndGivesTwo) {
     expectOldFile();
 }
 
-TEST_F(FailingContext, ThatIsReadOnlyIsReplacedWhereTheDirectoryAllowsIt) {
+TEST_F(FailingContext, ThatIsReadOnlyIsReplacedIfTheDirectoryAllowsIt) {
     if (!can_fork) GTEST_SKIP() << "a read-only file is not replaced here";
     fs::permissions(path, fs::perms::owner_read | fs::perms::others_read);
     fs::permissions(directory.path(), fs::perms::all);
@@ -272,7 +272,7 @@ TEST_F(FailingContext, WithoutADescriptorLeftIsReportedAndGivesTwo) {
     if (!can_fork) GTEST_SKIP() << "needs a child process";
     EXPECT_TRUE(passesInChild([&] {
         const ChannelLog log;
-        // A sanitizer opens pipes when it meets a class for the first time.
+        // A sanitizer opens pipes at the first use of a class.
         EXPECT_EQ(writeContext(directory / "missing" / "f", allFields()), eFileIOOpenError);
         CMachineContextData data = prefilled();
         EXPECT_EQ(readContext(directory / "missing", data), eFileIOOpenError);
@@ -364,7 +364,7 @@ TEST_F(FailingContext, LetsAHandlersExceptionThrough) {
     EXPECT_EQ(writeContext(path, allFields()), eFileIOSuccess);
 }
 
-TEST_F(FailingContext, LetsAnExceptionThroughWhereStorageEnds) {
+TEST_F(FailingContext, PassesAnExceptionOnIfStorageRunsOut) {
     const ChannelLog log;
     trv::set_error_handler([](const char*) { throw std::runtime_error("error"); });
     const bool flagBefore = trv::set_record_flag(false);
@@ -390,7 +390,7 @@ TEST_F(FailingContext, LeavesNoDescriptorOpen) {
     }
 }
 
-TEST_F(FailingContext, WritesEveryFieldThoughNothingIsBeingRecorded) {
+TEST_F(FailingContext, WritesEveryFieldAlsoIfTheRecordFlagIsOff) {
     const bool flagBefore = trv::set_record_flag(false);
     EXPECT_EQ(writeContext(path, allFields()), eFileIOSuccess);
     EXPECT_FALSE(trv::set_record_flag(flagBefore));

@@ -36,14 +36,14 @@ protected:
         return CMachineContextIO(QString::fromStdWString(path.wstring())).read(data, fault);
     }
 
-    /// Reads a text that has to be complete.
+    /// Reads a text and expects that it is complete.
     CMachineContextData read(const std::string& text) const {
         CMachineContextData data = prefilled();
         EXPECT_EQ(readText(text, data), eFileIOSuccess) << text;
         return data;
     }
 
-    /// Expects that a text is read and gives the prefilled record with these changes.
+    /// Expects that reading a text changes a prefilled record in exactly this way.
     template <class Change>
     void expectRead(const std::string& text, const Change& change) const {
         CMachineContextData expected = prefilled();
@@ -55,7 +55,7 @@ protected:
         expectRead(text, [](CMachineContextData&) {});
     }
 
-    /// Expects that a text lacks a key, and what the record holds by then.
+    /// Expects that a text lacks a key, and the content of the record after the failed read.
     template <class Change>
     void expectMissing(const std::string& text, const MissingKey& key, const Change& change) const {
         CMachineContextData expected = prefilled();
@@ -226,7 +226,7 @@ TEST_F(MachineContextFile, ReadsTheNumbersThatAProximityBeginsWith) {
     }
 }
 
-TEST_F(MachineContextFile, TakesAnOriginOfThreeNumbersOnly) {
+TEST_F(MachineContextFile, AcceptsAnOriginOfThreeNumbersOnly) {
     for (const char* origin :
          {"1 2 3", "1 2 3abc", "1 2 3 4", "\t1\t\v2\f3", "+1 2.0 3e0", "1 2 3,5", "1 2 0x3"}) {
         expectRead("[postpro]\norigin_program="s + origin + "\n",
@@ -242,7 +242,7 @@ TEST_F(MachineContextFile, TakesAnOriginOfThreeNumbersOnly) {
                [](auto& data) { data.setReferenceAxisForOriginProgram("r"); });
 }
 
-TEST_F(MachineContextFile, NeverLooksAtItsVersion) {
+TEST_F(MachineContextFile, IgnoresItsVersion) {
     for (const char* version : {"version=1\n", "version=99\n", "version=x\n", "version=\n", ""})
         expectRead("[header]\n"s + version + "name=n\n", [](auto& data) { data.setName("n"); });
 }
@@ -255,7 +255,7 @@ TEST_F(MachineContextFile, MayHaveItsSectionsInAnyOrder) {
         setComplete);
 }
 
-TEST_F(MachineContextFile, MayHoldWhatTheFormatDoesNotKnow) {
+TEST_F(MachineContextFile, MayHoldWhatTheFormatDoesNotDefine) {
     expectRead("# first\nfree text\nname=none\n\n" + completeText +
                    "other=1\n\n[other]\nname=o\n[ ]\nposition=o\n[open\n",
                setComplete);
@@ -274,7 +274,7 @@ TEST_F(MachineContextFile, ReadsEveryLineEnd) {
     expectRead("\xEF\xBB\xBF" + withLineEnds(completeText, "\r\n"), setComplete);
 }
 
-TEST_F(MachineContextFile, TakesTheLastSectionOfANameWhole) {
+TEST_F(MachineContextFile, UsesOnlyTheLastSectionOfAName) {
     expectRead(
         "[header]\nname=first\ncomment=first\n[machine]\nname=m\nposition=p\nproximity=9\n"
         "[header]\nname=last\n[ machine ]\nname=n\nposition=q\n",
@@ -288,7 +288,7 @@ TEST_F(MachineContextFile, TakesTheLastSectionOfANameWhole) {
     expectNothingRead("[machine]\nname=m\nposition=p\n[machine]\n");
 }
 
-TEST_F(MachineContextFile, TakesTheLastLineOfAKey) {
+TEST_F(MachineContextFile, UsesTheLastLineOfAKey) {
     expectRead("[header]\nname=1\nname = 2\n  name=3  \n", [](auto& data) { data.setName("3"); });
     expectNothingRead("[postpro]\norigin_program=1 2 3\norigin_program=none\n");
 }
@@ -323,7 +323,7 @@ TEST_F(MachineContextFile, IsWrittenInTheLayoutOfTheFormat) {
         const std::string expected = textOf(golden / name);
         EXPECT_FALSE(expected.empty()) << name;
         EXPECT_EQ(textOf(path), expected) << name;
-        // Once more, over what is there.
+        // Writes again, over the existing file.
         EXPECT_EQ(writeContext(path, data), eFileIOSuccess);
         EXPECT_EQ(textOf(path), expected) << name;
     };
@@ -346,7 +346,7 @@ TEST_F(MachineContextFile, ReadsItsLayoutBack) {
     EXPECT_EQ(readContext(golden / "all_fields.mctx", data), eFileIOSuccess);
     EXPECT_EQ(ContextFields(data), ContextFields(allFields()));
 
-    // Without a section "part" and a clamping name, what was there stays.
+    // Without a section "part" and a clamping name, the earlier values stay.
     CMachineContextData expected;
     expected.setSurfaceGroup("FACES");
     expected.setClampingSystem("VISE");
@@ -376,7 +376,7 @@ TEST_F(MachineContextFile, HasFormatVersionTwo) {
     EXPECT_EQ(file.getVersion(), 2);
 }
 
-TEST_F(MachineContextFile, IsWrittenBehindWhatItsHeaderHoldsAlready) {
+TEST_F(MachineContextFile, IsWrittenAfterTheEarlierContentOfItsHeader) {
     CMachineContextIO file(QString::fromStdWString(path.wstring()));
     file.setHeaderValue("author", "shop");
     EXPECT_EQ(file.write(firstOperation()), eFileIOSuccess);
@@ -401,7 +401,7 @@ TEST_F(MachineContextFile, ReleasesItsStoreThroughItsBase) {
     EXPECT_STREQ(before, after);
 }
 
-TEST_F(MachineContextFile, IsOpenedForReadingOnlyWhereItIsAFile) {
+TEST_F(MachineContextFile, IsOpenedForReadingOnlyIfItIsAFile) {
     const ChannelLog log;
     CMachineContextData data = prefilled();
     for (const fs::path& name :

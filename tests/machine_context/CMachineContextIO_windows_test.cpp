@@ -1,4 +1,4 @@
-// Machine context files where text mode, open handles and attributes are those of Windows.
+// Machine context files with text mode, open handles and attributes on Windows.
 
 #include <tests/catalogue/catalogue_files.h>
 #include <tests/common/channel_log.h>
@@ -34,7 +34,8 @@ protected:
         return found;
     }
 
-    /// Expects that the file cannot be written, without a report, and stays as it is, alone.
+    /// Expects that the file cannot be written, that nothing is reported, and that the directory
+    /// does not change.
     void expectOldFile() const {
         const ChannelLog log;
         EXPECT_EQ(writeContext(path_, allFields()), eFileIOOpenError);
@@ -126,7 +127,7 @@ TEST_F(MachineContextOnWindows, IsNotReplacedWhileAnotherHandleKeepsItOpen) {
     }
 }
 
-TEST_F(MachineContextOnWindows, IsNotReplacedWhereItIsReadOnly) {
+TEST_F(MachineContextOnWindows, IsNotReplacedIfItIsReadOnly) {
     writeBytes(path_, oldText);
     ASSERT_NE(::SetFileAttributesW(path_.c_str(), FILE_ATTRIBUTE_READONLY), 0);
     expectOldFile();
@@ -160,7 +161,7 @@ TEST_F(MachineContextOnWindows, IsReadAsFarAsOtherHandlesShareIt) {
     EXPECT_EQ(ContextFields(data), ContextFields(allFields()));
 }
 
-TEST_F(MachineContextOnWindows, ThatCannotBeCreatedTakesItsReferenceFileAlong) {
+TEST_F(MachineContextOnWindows, ThatCannotBeCreatedHasItsReferenceFileRemoved) {
     writeBytes(directory_ / "[MACHINE_POSITION_1].mctx", oldText);
     const HeldFile held(directory_ / "[MACHINE_POSITION_1].mctx", FILE_SHARE_READ);
     std::wstring context = L"c";

@@ -69,7 +69,7 @@ TEST(SectionedFile, WithoutContentHasNoSections) {
     EXPECT_EQ(dumpOf(CSectionedFile()), "");
 }
 
-TEST(SectionedFile, TakesAHeaderOnlyFromTheFirstColumnAndWithItsBracket) {
+TEST(SectionedFile, AcceptsAHeaderOnlyInTheFirstColumnAndWithItsBracket) {
     const struct {
         const char* line;
         const char* section;
@@ -133,7 +133,7 @@ TEST(SectionedFile, KeepsLinesWithoutAKey) {
     EXPECT_EQ(lineOf(file, "s", "x"), 6);
 }
 
-TEST(SectionedFile, LetsTheLastLineOfAKeyWin) {
+TEST(SectionedFile, UsesTheLastLineOfAKey) {
     const CSectionedFile file = parsed("[s]\nk=1\nK=upper\nj=0\n k = 2\nk=3\n");
     EXPECT_EQ(valueOf(file, "s", "k"), "3");
     EXPECT_EQ(lineOf(file, "s", "k"), 5);
@@ -141,7 +141,7 @@ TEST(SectionedFile, LetsTheLastLineOfAKeyWin) {
     EXPECT_EQ(lineOf(file, "s", "K"), 2);
 }
 
-TEST(SectionedFile, LetsTheLastSectionOfANameReplaceTheEarlierOnes) {
+TEST(SectionedFile, ReplacesEarlierSectionsByTheLastOneOfThatName) {
     const CSectionedFile file =
         parsed("[machine]\nname=A\nonly=first\n[x]\n[machine]\nname=B\n[ machine ]\nname=C\n");
     EXPECT_EQ(valueOf(file, "machine", "name"), "C");
@@ -196,7 +196,7 @@ TEST(SectionedFile, TreatsTheEmptyNameInBracketsLikeTheLinesAboveTheFirstHeader)
     EXPECT_EQ(lineOf(replaced, "", "j"), 2);
 }
 
-TEST(SectionedFile, TakesTheSignatureOffTheFirstLineAlone) {
+TEST(SectionedFile, RemovesTheSignatureOnlyFromTheFirstLine) {
     const CSectionedFile file = parsed("\xEF\xBB\xBF[header]\nname=x\n");
     EXPECT_TRUE(file.hasUtf8Signature());
     EXPECT_EQ(valueOf(file, "header", "name"), "x");
@@ -229,14 +229,14 @@ TEST(SectionedFile, KeepsZeroBytes) {
     EXPECT_EQ(linesOf(file, "u"), 1);
 }
 
-TEST(SectionedFile, FindsNamesWithoutRegardToCaseWhereAsked) {
+TEST(SectionedFile, FindsNamesWithoutRegardToCaseIfRequested) {
     const CSectionedFile file =
         parsed("[Machine]\nName=A\nname=b\n[machine]\nname=c\n[\xC3\x84]\nk=v");
     std::string value = "kept";
     EXPECT_FALSE(file.value("MACHINE", true, "Name", true, value));
     EXPECT_FALSE(file.value("Machine", true, "NAME", true, value));
     EXPECT_EQ(value, "kept");
-    // In byte order capital letters come first.
+    // In byte order capital letters are first.
     EXPECT_TRUE(file.value("MACHINE", false, "Name", true, value));
     EXPECT_EQ(value, "A");
     EXPECT_TRUE(file.value("machine", false, "NAME", false, value));
@@ -247,7 +247,7 @@ TEST(SectionedFile, FindsNamesWithoutRegardToCaseWhereAsked) {
     EXPECT_EQ(value, "b");
     EXPECT_FALSE(file.value("machine", false, "nam", false, value));
     EXPECT_FALSE(file.value("machine", false, "names", false, value));
-    // Only ASCII letters fold.
+    // Only ASCII letters are folded.
     EXPECT_FALSE(file.value("\xC3\xA4", false, "k", true, value));
     EXPECT_TRUE(file.value("\xC3\x84", false, "K", false, value));
 }
@@ -290,7 +290,7 @@ TEST(SectionedFile, DumpsItsSectionsAndKeysInByteOrder) {
               "[s]\n-- Vars:0 --\n------------------\n");
 }
 
-TEST(SectionedFile, CopiesAndMovesWithAllItHolds) {
+TEST(SectionedFile, IsCopiedAndMovedWithItsContent) {
     CSectionedFile copy;
     {
         CSectionedFile file = parsed("\xEF\xBB\xBF[s]\nk=v\n");
@@ -340,7 +340,7 @@ TEST(SectionedFile, FailsOnAFileThatDoesNotOpen) {
     EXPECT_EQ(file.parseFile((directory / "f").wstring() + L"\0"s), -1);
 }
 
-TEST(SectionedFile, ReadsAnOpenFileFromWhereItStands) {
+TEST(SectionedFile, ReadsAnOpenFileFromItsPosition) {
     const TemporaryDirectory directory;
     writeBytes(directory / "f", "[s]\nk=v\n[t]\nj=w");
     std::FILE* stream = std::fopen((directory / "f").string().c_str(), "rb");

@@ -57,7 +57,7 @@ TEST_F(SettingsFile, LoadsSectionsAndKeys) {
     EXPECT_EQ(settings.getVersion(), 0);
 }
 
-TEST_F(SettingsFile, TakesItsVersionFromTheHeader) {
+TEST_F(SettingsFile, ReadsItsVersionFromTheHeader) {
     const struct {
         const char* text;
         int version;
@@ -87,7 +87,7 @@ TEST_F(SettingsFile, TakesItsVersionFromTheHeader) {
     EXPECT_EQ(settings.getVersion(), 2);
 }
 
-TEST_F(SettingsFile, HandsTheVersionToWhatIsDerivedFromIt) {
+TEST_F(SettingsFile, PassesTheVersionToDerivedClasses) {
     struct Derived : TrvIniFile {
         void setVersion(int version) override { handed.push_back(version); }
         std::vector<int> handed;
@@ -99,14 +99,14 @@ TEST_F(SettingsFile, HandsTheVersionToWhatIsDerivedFromIt) {
     EXPECT_EQ(derived.getVersion(), 0);
 }
 
-TEST_F(SettingsFile, AnswersMinusOneForAMissingFileAndNothingBefore) {
+TEST_F(SettingsFile, ReturnsMinusOneForAMissingFileWithoutEarlierContent) {
     EXPECT_EQ(load(settings, "missing"), -1);
     EXPECT_EQ(settings.load(nullptr), -1);
     EXPECT_EQ(settings.load(""), -1);
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(SettingsFile, KeepsWhatItHoldsWhereAFileIsMissing) {
+TEST_F(SettingsFile, KeepsItsContentIfAFileIsMissing) {
     ASSERT_EQ(settings.setHeaderValue("version", "5"), 0);
     EXPECT_EQ(load(settings, "missing"), 0);
     EXPECT_EQ(value(settings, "header", "version"), "5");
@@ -114,7 +114,7 @@ TEST_F(SettingsFile, KeepsWhatItHoldsWhereAFileIsMissing) {
     EXPECT_THAT(log.fatals(), IsEmpty());
 }
 
-TEST_F(SettingsFile, ReportsAFileThatIsThereAndCannotBeOpened) {
+TEST_F(SettingsFile, ReportsAnExistingFileThatCannotBeOpened) {
     fs::create_directory(directory / "d");
     EXPECT_EQ(load(settings, "d"), -1);
     ASSERT_EQ(log.fatals().size(), 1U);
@@ -134,7 +134,7 @@ TEST_F(SettingsFile, FindsTheFirstSectionAndTheFirstKeyOfAName) {
     EXPECT_EQ(settings.lineCount("s"), 2);
 }
 
-TEST_F(SettingsFile, MergesAFileIntoWhatItHolds) {
+TEST_F(SettingsFile, MergesAFileIntoItsContent) {
     writeBytes(directory / "a", "[s]\nk=1\nl=1\n");
     writeBytes(directory / "b", "[t]\nm=2\n[s]\nk=2\nn=2\nk=3\n");
     EXPECT_EQ(load(settings, "a"), 0);
@@ -146,7 +146,7 @@ TEST_F(SettingsFile, MergesAFileIntoWhatItHolds) {
     EXPECT_EQ(settings.lineCount("s"), 3);
 }
 
-TEST_F(SettingsFile, CutsALineOfMoreThan1023Characters) {
+TEST_F(SettingsFile, TruncatesALineOfMoreThan1023Characters) {
     writeBytes(directory / "a", "[s]\nk=" + std::string(2000, 'x') + "\nj=w\n");
     EXPECT_EQ(load(settings, "a"), 0);
     EXPECT_EQ(value(settings, "s", "k"), std::string(1021, 'x'));
@@ -230,7 +230,7 @@ TEST_F(SettingsFile, ReportsATemporaryFileThatCannotBeOpened) {
     EXPECT_EQ(textOf(directory / "a"), "[header]\nname=n\n");
 }
 
-TEST_F(SettingsFile, AnswersTheSystemsNumberForATargetThatCannotBeReplaced) {
+TEST_F(SettingsFile, ReturnsTheErrorNumberForATargetThatCannotBeReplaced) {
     fs::create_directories(directory / "d" / "inside");
     ASSERT_EQ(settings.setHeaderValue("name", "n"), 0);
     EXPECT_LT(save(settings, "d"), -1);
@@ -287,7 +287,7 @@ TEST_F(ZoneFiles, AreAllWithoutASuffix) {
                                  std::distance(fs::directory_iterator(directory.path()), {})));
 }
 
-TEST_F(ZoneFiles, EndWithTheFirstCallThatAnswersOtherThanZero) {
+TEST_F(ZoneFiles, EndWithTheFirstCallThatReturnsNonzero) {
     static int calls;
     calls = 0;
     const auto stopAtThird = [](const char*, void*) { return ++calls == 3 ? -42 : 0; };
@@ -301,7 +301,7 @@ TEST_F(ZoneFiles, NeedACallback) {
     EXPECT_EQ(TrvIniFile().forEachZoneFile(nullptr, nullptr, nullptr, nullptr), -1);
 }
 
-TEST_F(ZoneFiles, OfAMissingDirectoryAreNone) {
+TEST_F(ZoneFiles, OfAMissingDirectoryAreEmpty) {
     Names names;
     const std::string missing = directory.text() + "/missing";
     EXPECT_EQ(TrvIniFile().forEachZoneFile(missing.c_str(), "", collect, &names), 0);

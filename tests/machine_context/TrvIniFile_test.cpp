@@ -22,7 +22,7 @@ std::int16_t index(int section) {
     return static_cast<std::int16_t>(section);
 }
 
-/// Puts the record flag where a test wants it, and back at its end.
+/// Sets the record flag for a test, and restores it at the end.
 class RecordFlag {
 public:
     explicit RecordFlag(bool record) : earlier_(trv::set_record_flag(record)) {}
@@ -30,7 +30,7 @@ public:
     RecordFlag(const RecordFlag&) = delete;
     RecordFlag& operator=(const RecordFlag&) = delete;
 
-    /// What it is now.
+    /// The current value of the flag.
     static bool current() {
         const bool flag = trv::set_record_flag(true);
         trv::set_record_flag(flag);
@@ -79,7 +79,7 @@ TEST(TrvIniFile, AddsASectionEachTimeAndFindsTheFirst) {
     EXPECT_EQ(file.findSection(""), 3);
 }
 
-TEST(TrvIniFile, TakesSectionNamesOf99CharactersAndNoLonger) {
+TEST(TrvIniFile, AcceptsSectionNamesOf99CharactersAndNoLongerOnes) {
     TrvIniFile file;
     const std::string longest(99, 'n');
     EXPECT_EQ(file.addSection((longest + "n").c_str()), -1);
@@ -89,7 +89,7 @@ TEST(TrvIniFile, TakesSectionNamesOf99CharactersAndNoLonger) {
     EXPECT_EQ(file.findSection((longest + "n").c_str()), -1);
 }
 
-TEST(TrvIniFile, TakesNullNamesForMissingOnes) {
+TEST(TrvIniFile, TreatsNullNamesAsMissing) {
     TrvIniFile file;
     EXPECT_EQ(file.addSection(nullptr), -1);
     ASSERT_EQ(file.addSection("s"), 0);
@@ -131,7 +131,7 @@ TEST(TrvIniFile, SetsAKeyWithoutBlanksAroundTheEqualsSign) {
     EXPECT_EQ(file.lineCount("s"), 2);
 }
 
-TEST(TrvIniFile, TakesWhatStandsBeforeTheFirstEqualsSignForTheKey) {
+TEST(TrvIniFile, UsesTheTextBeforeTheFirstEqualsSignAsTheKey) {
     TrvIniFile file;
     ASSERT_EQ(file.addSection("s"), 0);
     EXPECT_EQ(file.setValue(0, " \tkey \t", "1"), 0);
@@ -166,7 +166,7 @@ TEST(TrvIniFile, SetsByExactNamesAndGetsWithoutRegardToCase) {
     EXPECT_EQ(textOf(file.getValue("s", "keys")), "<none>");
 }
 
-TEST(TrvIniFile, ShowsAReplacedValueBehindAPlus) {
+TEST(TrvIniFile, ShowsAReplacedValueAfterAPlus) {
     TrvIniFile file;
     ASSERT_EQ(file.addSection("s"), 0);
     EXPECT_EQ(file.setValue(0, "k", "1"), 0);
@@ -263,7 +263,7 @@ TEST(TrvIniFile, IsEmptyAgainOnceClosed) {
     EXPECT_EQ(file.addSection("t"), 0);
 }
 
-TEST(TrvIniFile, ReleasesWhatItHoldsWhenItGoes) {
+TEST(TrvIniFile, FreesItsContentInTheDestructor) {
     char before[64];
     trv::storage_report(before, sizeof before);
     {
@@ -275,7 +275,7 @@ TEST(TrvIniFile, ReleasesWhatItHoldsWhenItGoes) {
     EXPECT_STREQ(before, after);
 }
 
-TEST(TrvIniFile, PutsTheRecordFlagBackAsItWas) {
+TEST(TrvIniFile, RestoresTheRecordFlag) {
     const ChannelLog log;
     TrvIniFile file;
     ASSERT_EQ(file.addSection("s"), 0);
@@ -296,7 +296,7 @@ TEST(TrvIniFile, PutsTheRecordFlagBackAsItWas) {
     }
 }
 
-TEST(TrvIniFile, IsLeftAsItWasWhenStorageRunsOut) {
+TEST(TrvIniFile, IsUnchangedWhenStorageRunsOut) {
     const ChannelLog log;
     TrvIniFile file;
     ASSERT_EQ(file.addSection("s"), 0);

@@ -19,7 +19,7 @@
 
 namespace trv::testing {
 
-/// A text of the record, and where the file has it.
+/// A text of the record, and its section and key in the file.
 struct ContextText {
     const char* section;
     const char* key;
@@ -58,7 +58,8 @@ inline std::string nameOf(const ContextText& text) {
     return std::string(text.section) + "." + text.key;
 }
 
-/// Everything that a record holds, to be compared and printed. A NaN equals a NaN, -0.0 is not 0.0.
+/// The content of a record, for comparing and printing. A NaN equals a NaN. -0.0 does not equal
+/// 0.0.
 struct ContextFields {
     explicit ContextFields(const CMachineContextData& data) {
         for (std::size_t i = 0; i < texts.size(); ++i)
@@ -109,7 +110,7 @@ inline CMachineContextData firstOperation() {
     return data;
 }
 
-/// Every field has a value of its own, which a file gives back unchanged.
+/// Every field has a different value, which comes back from a file unchanged.
 inline CMachineContextData allFields() {
     CMachineContextData data = firstOperation();
     data.setSurfaceGroup("FACES");

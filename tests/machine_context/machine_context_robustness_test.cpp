@@ -1,4 +1,4 @@
-// Machine context files cut off, changed, huge or random.
+// Machine context files that are truncated, changed, huge or random.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
@@ -37,7 +37,7 @@ std::string trimmed(std::string text) {
     return text;
 }
 
-/// The rules of the format once more, in the plainest way.
+/// A second implementation of the rules of the format, as simple as possible.
 class Model {
 public:
     explicit Model(const std::string& text) {
@@ -111,7 +111,7 @@ private:
     std::map<std::string, Keys> sections_;
 };
 
-/// Any byte but the one that ends a text file on Windows.
+/// Any byte except the one that ends a text file on Windows.
 char randomByte(std::mt19937& random) {
     const char byte = static_cast<char>(random());
     return byte == 0x1A ? 'x' : byte;
@@ -119,9 +119,10 @@ char randomByte(std::mt19937& random) {
 
 class DamagedContext : public ::testing::Test {
 protected:
-    /// Reads a text and expects what the model says of it.
+    /// Reads a text and expects the result of the model.
     EFileIOStatus expectAsTheModel(const std::string& text) {
-        // A new file each time: some file systems write a shortened one out at once.
+        // A new file each time, because some file systems write a truncated file to the disk at
+        // once.
         fs::remove(path);
         writeBytes(path, text);
         CMachineContextData data = prefilled();
@@ -139,7 +140,7 @@ protected:
 
 }  // namespace
 
-TEST_F(DamagedContext, IsReadAsFarAsItGoesWhereverItIsCut) {
+TEST_F(DamagedContext, IsReadUpToThePlaceAtWhichItIsCut) {
     for (const std::string& text : {completeText, "\xEF\xBB\xBF" + completeText}) {
         int complete = 0;
         int missing = 0;
@@ -148,14 +149,14 @@ TEST_F(DamagedContext, IsReadAsFarAsItGoesWhereverItIsCut) {
             ++(status == eFileIOSuccess ? complete : missing);
             ASSERT_FALSE(HasFailure()) << length;
         }
-        // From the first byte below "[machine]" to the "=" of "position=", and from the first one
-        // below "[postpro]" to the "=" of "origin_program=".
+        // From the first byte after "[machine]" to the "=" of "position=", and from the first byte
+        // after "[postpro]" to the "=" of "origin_program=".
         EXPECT_EQ(missing, 19 + 14);
         EXPECT_EQ(complete, static_cast<int>(text.size()) + 1 - missing);
     }
 }
 
-TEST_F(DamagedContext, IsReadWhicheverOfItsLinesAreLost) {
+TEST_F(DamagedContext, IsReadWhicheverLinesAreMissing) {
     std::vector<std::string> lines;
     std::istringstream stream(completeText);
     for (std::string line; std::getline(stream, line);)
@@ -277,7 +278,7 @@ TEST_F(DamagedContext, WithALineOfAHundredMillionBytesIsRead) {
     EXPECT_EQ(comment.find_first_not_of('c'), std::string::npos);
 }
 
-TEST_F(DamagedContext, BeyondEverySizeGivesTwo) {
+TEST_F(DamagedContext, BeyondTheMaxSizeGivesTwo) {
     writeBytes(path, completeText);
     fs::resize_file(path, 268435457);
     CMachineContextData data = prefilled();

@@ -1,4 +1,4 @@
-// What comes back of a text or a number that was written to a machine context file.
+// Texts and numbers that are written to a machine context file and read back.
 
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
@@ -43,8 +43,8 @@ protected:
         return ofSection.substr(key + 1, ofSection.find('\n', key + 1) - key - 1);
     }
 
-    /// Expects of every text field that a value is written and read back like this, and that no
-    /// other field is concerned.
+    /// Expects for every text field that a value is written and read back like this, and that no
+    /// other field changes.
     void expectText(const std::string& value, const std::string& written,
                     const std::string& readBack) const {
         for (const ContextText& text : contextTexts) {
@@ -66,7 +66,7 @@ protected:
 
 }  // namespace
 
-TEST_F(MachineContextText, ThatIsEmptyComesBackEmptyWhereItsKeyIsAlwaysThere) {
+TEST_F(MachineContextText, ThatIsEmptyComesBackEmptyIfItsKeyIsAlwaysWritten) {
     for (std::size_t i = 0; i < contextTexts.size(); ++i) {
         if (i == surfaceGroupText || i == clampingSystemText) continue;
         const ContextText& text = contextTexts[i];
@@ -102,7 +102,7 @@ TEST_F(MachineContextText, MayLookLikeSyntax) {
         expectUnchanged(value);
 }
 
-TEST_F(MachineContextText, LosesWhatStandsBetweenAPlusAndTheNextParenthesis) {
+TEST_F(MachineContextText, LosesTheTextBetweenAPlusAndTheNextParenthesis) {
     expectText("A+B(1)", "A+", "A+");
     expectText("A+++B(1)C", "A+++C", "A+++C");
     expectText("A+(1)+(2)", "A++", "A++");
@@ -142,7 +142,7 @@ TEST_F(MachineContextText, EndsAtItsFirstZero) {
         (expected.*text.set)("a");
         EXPECT_EQ(ContextFields(roundTrip(data)), ContextFields(expected)) << nameOf(text);
     }
-    // What begins with a zero is written like an empty text.
+    // A text that begins with a zero is written like an empty text.
     CMachineContextData data = allFields();
     data.setSurfaceGroupW(L"\0x"s);
     roundTrip(data);
@@ -156,7 +156,7 @@ TEST_F(MachineContextText, MayBeOfAnyLength) {
 
 TEST_F(MachineContextText, KeepsCharactersThatTheCodePageHas) {
     expectUnchanged("\xC3\xA4\xC3\x96 \xE6\x97\xA5\xE6\x9C\xAC \xF0\x9F\x98\x80");
-    // A no-break space, a next-line control and a line separator are characters like others.
+    // A no-break space, a next-line control and a line separator are ordinary characters.
     expectUnchanged("\xC2\xA0x\xC2\x85x\xE2\x80\xA8");
     for (const ContextText& text : contextTexts) {
         CMachineContextData data = allFields();
@@ -210,7 +210,7 @@ TEST_F(MachineContextText, OfBytesThatAreNoTextIsReadAsReplacementCharacters) {
     EXPECT_EQ(data.getNameW(), L"a\uFFFDb");
 }
 
-// Whatever one field holds, all the others read as they were set.
+// Whatever the value of one field, all others read back as they were set.
 TEST_F(MachineContextText, NeverChangesWhatAnotherFieldReads) {
     const std::vector<std::wstring> hostile = {
         L"\r\norigin_program=9 9 9",
@@ -256,7 +256,7 @@ TEST_F(MachineContextText, NeverChangesWhatAnotherFieldReads) {
             CMachineContextData data = allFields();
             (data.*text.setWide)(value);
             CMachineContextData back = roundTrip(data);
-            // The field itself is another test's; here it is taken out of the comparison.
+            // Another test checks the field itself. It is not compared here.
             (back.*text.set)("");
             CMachineContextData expected = allFields();
             (expected.*text.set)("");

@@ -1,4 +1,4 @@
-// Streams that fail, and files beyond every measure.
+// Streams that fail, and huge files.
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/growth.h>
@@ -39,7 +39,7 @@ std::string valueOf(const CSectionedFile& file, const std::string& section,
     return value;
 }
 
-// Gives a text and then fails, which makes its stream bad.
+// Returns a text and then fails, so its stream becomes bad.
 class FailingText : public std::stringbuf {
 public:
     explicit FailingText(const std::string& text) : std::stringbuf(text, std::ios::in) {}
@@ -52,7 +52,7 @@ protected:
     }
 };
 
-// Gives one byte for ever.
+// Returns the same byte forever.
 class EndlessText : public std::streambuf {
 protected:
     int_type underflow() override {
@@ -73,7 +73,7 @@ std::string trimmed(std::string text) {
     return text;
 }
 
-// The format line by line, in the plainest way.
+// A reader of the format line by line, as simple as possible.
 std::string expectedDump(const std::string& text) {
     std::map<std::string, std::vector<std::string>> sections;
     std::string name;
@@ -177,7 +177,7 @@ TEST(SectionedFileLimits, AreReachedBeyond256MebibytesOfAFile) {
     EXPECT_EQ(valueOf(file, "s", "k"), "<none>");
 }
 
-TEST(SectionedFileLimits, AreReachedByWhatNeverEnds) {
+TEST(SectionedFileLimits, AreReachedByAnEndlessStream) {
     EndlessText text;
     std::istream stream(&text);
     EXPECT_EQ(CSectionedFile().parse(stream), -1);
@@ -229,7 +229,7 @@ TEST(SectionedFileLimits, HoldLinesOfAnyLength) {
 // Sixteen times the text: linear work takes 16 times as long, n log n 20 times, quadratic 256
 // times.
 TEST(SectionedFileLimits, TakeATimeThatGrowsAsTheText) {
-    // The clock of Windows counts other programs as well.
+    // The clock of Windows also counts the time of other programs.
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "no processor time to compare";
     const auto repeated = [](const std::string& lines, std::size_t size) {
         std::string text;

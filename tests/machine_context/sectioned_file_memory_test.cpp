@@ -1,5 +1,5 @@
-// How much memory parsing takes at most. In a program of its own, which replaces the allocation
-// functions for all of its code.
+// The peak memory of parsing. This test is a separate program, because it replaces the allocation
+// functions of the whole program.
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
@@ -24,7 +24,7 @@ namespace {
 std::size_t bytesInUse = 0;
 std::size_t peakBytes = 0;
 
-// Before each block is its size, in as many bytes as keep the block aligned.
+// The size of each block is stored before it, in as many bytes as keep the block aligned.
 constexpr std::size_t headerSize = alignof(std::max_align_t);
 static_assert(headerSize >= sizeof(std::size_t));
 
@@ -52,7 +52,7 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace {
 
-/// The bytes of a call beyond those that were in use before it, at their peak.
+/// The peak memory of a call, without the bytes in use before the call.
 std::size_t peakOf(const std::function<void()>& call) {
     const std::size_t before = bytesInUse;
     peakBytes = before;
@@ -60,7 +60,7 @@ std::size_t peakOf(const std::function<void()>& call) {
     return peakBytes - before;
 }
 
-// Little more than a power of two: what grows by doubling is then half empty.
+// Slightly more than a power of two. A buffer that grows by doubling is then half empty.
 constexpr std::size_t length = (std::size_t{1} << 20) + 10000;
 
 std::string repeated(const std::string& lines) {
@@ -70,7 +70,7 @@ std::string repeated(const std::string& lines) {
     return text;
 }
 
-// All texts of so many of these characters, each between two others.
+// All texts of this number of these characters, each between two other characters.
 std::string names(const std::string& before, int size, const std::string& after) {
     const std::string letters =
         "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz!%&/()?";

@@ -29,12 +29,12 @@ protected:
         return register_.find(address(number)).serial;
     }
 
-    // Its table belongs to the whole process and is never freed, so there is one for all tests.
+    // The table of a register is never freed, so all tests share one register.
     static block_register register_;
 };
 block_register BlockRegister::register_;
 
-TEST_F(BlockRegister, KnowsWhatItHasBeenTold) {
+TEST_F(BlockRegister, KnowsTheRegisteredBlocks) {
     EXPECT_EQ(state(1), State::unknown);
     EXPECT_EQ(serial(1), 0U);
     add(1, 7);
@@ -80,7 +80,7 @@ TEST_F(BlockRegister, AnAddressUsedOverAndOverForgetsNoOther) {
     EXPECT_EQ(serial(21), 9999U);
 }
 
-// A plain account of what the register promises.
+// A plain model of the register.
 class Model {
 public:
     void add(std::uintptr_t number, std::uint32_t serial) {
@@ -115,7 +115,7 @@ private:
     std::map<std::uintptr_t, Freed::iterator> freedAt_;
 };
 
-// The addresses have several strides, as blocks of few sizes have them.
+// The addresses have several strides, like those of blocks of a few sizes.
 TEST_F(BlockRegister, AgreesWithAPlainModelOverRandomSteps) {
     Model model;
     const auto addToBoth = [&](std::uintptr_t number, std::uint32_t itsSerial) {
@@ -126,7 +126,7 @@ TEST_F(BlockRegister, AgreesWithAPlainModelOverRandomSteps) {
         retire(number);
         model.retire(number);
     };
-    // What other tests have left among the freed ones is pushed out first.
+    // First push out the freed addresses of other tests.
     for (std::uintptr_t i = 0; i < 4096; ++i)
         addToBoth(0x7F0000000 + i, 1);
     for (std::uintptr_t i = 0; i < 4096; ++i)

@@ -46,7 +46,7 @@ protected:
     ScopedVariable verbose_{"TRV_TRVFILES_VERBOSE", nullptr};
 };
 
-// Where a child process sends its standard output. The child finds the name in the environment.
+// The file for the standard output of a child process. The child gets its name in the environment.
 class ChildOutput {
 public:
     ChildOutput() {
@@ -140,7 +140,7 @@ TEST_F(Diagnostics, AFatalMessageAppearsWhileErrorsAreQuiet) {
         testing::endedByDefaultFatalHandler, ::testing::Eq(std::string("over\n")));
 }
 
-TEST_F(Diagnostics, QuietErrorsVanish) {
+TEST_F(Diagnostics, QuietErrorsAreNotPrinted) {
     set_quiet_errors(1);
     EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"", ""}));
 }
@@ -190,7 +190,7 @@ TEST_F(Diagnostics, TheQuietSwitchIsIgnoredWhileEchoedOrVerbose) {
     EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"lost\n", ""}));
 }
 
-TEST_F(Diagnostics, AMessageIsNeverTakenForAFormat) {
+TEST_F(Diagnostics, AMessageIsNeverUsedAsAFormat) {
     EXPECT_EQ(streamsOf([] { report_error("100%s %n%d"); }), (Streams{"", "100%s %n%d\n"}));
 }
 
@@ -233,7 +233,7 @@ TEST_F(Diagnostics, EachHandlerSetterReturnsTheHandlerThatItReplaced) {
     }
 }
 
-TEST_F(Diagnostics, ANullHandlerPutsTheDefaultBack) {
+TEST_F(Diagnostics, ANullHandlerRestoresTheDefault) {
     set_error_handler(ignore);
     set_error_handler(nullptr);
     EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"", "lost\n"}));
@@ -260,7 +260,7 @@ TEST_F(Diagnostics, TheSwitchesAreIndependent) {
     EXPECT_EQ(echo_output(), 1);
 }
 
-TEST_F(Diagnostics, AFatalHandlerThatReturnsLetsTheCallerGoOn) {
+TEST_F(Diagnostics, AFatalHandlerThatReturnsLetsTheCallerContinue) {
     set_fatal_handler(ignore);
     EXPECT_EQ(streamsOf([] { report_fatal("over"); }), (Streams{"", ""}));
 }
@@ -284,7 +284,7 @@ TEST_F(Diagnostics, AHandlerMayReportAndReplaceItself) {
     EXPECT_EQ(log.traces(), std::vector<std::string>{"first"});
 }
 
-// As a lookup does with its last result.
+// A lookup overwrites its last result in the same way.
 TEST_F(Diagnostics, AHandlerMayOverwriteTheTextThatWasReported) {
     static char text[8];
     static std::vector<std::string> seen;

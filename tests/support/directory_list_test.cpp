@@ -34,7 +34,7 @@ TEST(DirectoryList, IsSplitAtSemicolonsAndCommas) {
     EXPECT_EQ(elementsOf("a"), (Elements{"a"}));
 }
 
-TEST(DirectoryList, TakesARunOfSeparatorsForOne) {
+TEST(DirectoryList, TreatsARunOfSeparatorsAsOne) {
     EXPECT_EQ(elementsOf(";,a;,;b;;"), (Elements{"a", "b"}));
     EXPECT_EQ(elementsOf(""), Elements());
     EXPECT_EQ(elementsOf(";,;"), Elements());

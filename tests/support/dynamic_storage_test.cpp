@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// Under a sanitizer, too, a request that is too large is to fail and not to end the process.
+// With a sanitizer too, a request that is too large must fail and not end the process.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __tsan_default_options();
 
@@ -29,7 +29,7 @@ using testing::ChannelLog;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// More than a process's addresses, but no overflow.
+// More than the address space of a process, but without an overflow.
 constexpr std::size_t tooLarge = std::size_t{1} << 58U;
 
 struct Header {
@@ -54,7 +54,7 @@ std::string report() {
     return text;
 }
 
-// Each test begins and ends with nothing in use.
+// No block is in use before and after each test.
 class DynamicStorage : public testing::ChildProcessTest {
 protected:
     void SetUp() override { ASSERT_EQ(report(), "data base memory : 0/0"); }
@@ -328,7 +328,7 @@ TEST_F(DynamicStorage, ASecondFreeIsReported) {
     EXPECT_THAT(log_.errors(), IsEmpty());
 }
 
-TEST_F(DynamicStorage, FreeingWhatIsNoBlockIsReported) {
+TEST_F(DynamicStorage, FreeingAnUnknownPointerIsReported) {
     int local = 5;
     auto* const block = static_cast<char*>(allocate_temporary(64));
     static const char text[] = "a text of the program";
@@ -392,7 +392,7 @@ TEST_F(DynamicStorage, TheOldAddressOfABlockThatMovedIsFreed) {
     void* old = nullptr;
     for (int i = 0; i < 100 && old == nullptr; ++i) {
         void* const block = allocate_temporary(64);
-        blocks.push_back(allocate_temporary(64));  // stands in the way of growing in place
+        blocks.push_back(allocate_temporary(64));  // prevents growing in place
         blocks.push_back(resize_temporary(block, 100000));
         if (blocks.back() != block) old = block;
     }

@@ -24,7 +24,7 @@ std::string storage() {
     return text;
 }
 
-// The entries, after checking that the listing is freed without a rest.
+// Returns the entries, and checks that the listing is freed completely.
 Names listed(const std::string& pattern) {
     const std::string before = storage();
     file_listing* const listing = list_matching(pattern.c_str());
@@ -64,7 +64,7 @@ TEST_F(FileListing, WithoutADirectoryListsBareNamesOfTheCurrentOne) {
     EXPECT_EQ(listed(".\\x*"), (Names{".\\x.t"}));
 }
 
-TEST_F(FileListing, TakesADriveForADirectory) {
+TEST_F(FileListing, TreatsADriveAsADirectory) {
     if (platform::backslash_separates()) GTEST_SKIP() << "No file can be named like a drive";
     std::filesystem::create_directory(directory_ / "a:");
     makeFiles({"1:b", "{:b", "ab", "b"});
@@ -126,7 +126,7 @@ TEST_F(FileListing, APatternWithoutWildcardsMatchesItsName) {
     EXPECT_EQ(listed(in("/y.t")), Names());
 }
 
-TEST_F(FileListing, IsEmptyWhereNothingCanBeRead) {
+TEST_F(FileListing, IsEmptyIfNothingCanBeRead) {
     makeFiles({"file"});
     EXPECT_EQ(listed(in("/none/*")), Names());
     EXPECT_EQ(listed(in("/file/*")), Names());
@@ -137,7 +137,7 @@ TEST_F(FileListing, IsEmptyWhereNothingCanBeRead) {
     listing_free(listing);
 }
 
-TEST_F(FileListing, TakesPatternsOf511Characters) {
+TEST_F(FileListing, AcceptsPatternsOf511Characters) {
     makeFiles({"x"});
     const std::string stars(511 - in("/").size(), '*');
     EXPECT_EQ(listed(in("/" + stars)), (Names{in("/x")}));

@@ -20,7 +20,7 @@ using testing::TemporaryDirectory;
 
 class FileSystem : public ::testing::Test {
 protected:
-    // A path in the test's directory, with the separators as they are given.
+    // A path in the test's directory, with unchanged separators.
     std::string path(const std::string& name) const { return directory_.text() + name; }
 
     void makeFile(const std::string& name) const { testing::writeBytes(directory_ / name, "x"); }
@@ -42,7 +42,7 @@ protected:
     TemporaryDirectory directory_;
 };
 
-TEST_F(FileSystem, NativePathIsTheFormThatTheSystemTakes) {
+TEST_F(FileSystem, NativePathIsTheFormOfTheSystem) {
     const bool isWindows = platform::backslash_separates();
     EXPECT_EQ(native_path("\\a/b\\\\c"), isWindows ? "\\a/b\\\\c" : "/a/b//c");
     EXPECT_EQ(native_path(""), "");
@@ -76,7 +76,7 @@ TEST_F(FileSystem, APathWithWildcardsExistsWhenAnEntryMatches) {
     EXPECT_EQ(fileExists(path("/none/*").c_str()), 0);
 }
 
-TEST_F(FileSystem, AFileIsNoDirectory) {
+TEST_F(FileSystem, AFileIsNotADirectory) {
     makeFile("f");
     makeDirectories("d");
     EXPECT_TRUE(is_directory(path("/d").c_str()));
@@ -137,14 +137,14 @@ TEST_F(FileSystem, ADeniedDirectoryCountsAsMade) {
     EXPECT_FALSE(isDirectory("locked/d"));
 }
 
-TEST_F(FileSystem, MakesAWholePath) {
+TEST_F(FileSystem, MakesACompletePath) {
     EXPECT_EQ(make_path(path("\\a/b\\c").c_str()), 0);
     EXPECT_TRUE(isDirectory("a/b/c"));
     EXPECT_EQ(make_path(path("/a/b/d//e\\\\").c_str()), 0);
     EXPECT_TRUE(isDirectory("a/b/d/e"));
 }
 
-TEST_F(FileSystem, APathThatExistsIsLeftAlone) {
+TEST_F(FileSystem, AnExistingPathIsNotChanged) {
     makeDirectories("a/b");
     EXPECT_EQ(make_path(path("/a/b").c_str()), 0);
     EXPECT_EQ(make_path(path("\\a\\b\\").c_str()), 0);

@@ -31,7 +31,7 @@ TEST_F(InstallRoot, IsAboveExeAndMsw) {
     EXPECT_EQ(root_of_program("\\\\server\\share\\exe\\msw\\trv.exe"), "//server/share");
 }
 
-TEST_F(InstallRoot, IsNoneForAnyOtherPlace) {
+TEST_F(InstallRoot, IsMissingForAnyOtherDirectory) {
     EXPECT_EQ(root_of_program("/opt/trv/exe/bin/program"), "");
     EXPECT_EQ(root_of_program("/opt/trv/bin/msw/program"), "");
     EXPECT_EQ(root_of_program("/opt/exe/msw/bin/program"), "");
@@ -42,14 +42,14 @@ TEST_F(InstallRoot, IsNoneForAnyOtherPlace) {
     EXPECT_EQ(root_of_program(""), "");
 }
 
-TEST_F(InstallRoot, IsNoneForAModuleNameOf512Characters) {
+TEST_F(InstallRoot, IsMissingForAModuleNameOf512Characters) {
     const std::string end = "/exe/msw/p";
     const std::string longest(511 - end.size(), 'x');
     EXPECT_EQ(root_of_program(longest + end), longest);
     EXPECT_EQ(root_of_program("x" + longest + end), "");
 }
 
-TEST_F(InstallRoot, IsTrvhomeAsItStands) {
+TEST_F(InstallRoot, IsTheUnchangedTrvhome) {
     home_.set("C:\\trv\\");
     serverHome_.set("/server");
     EXPECT_STREQ(install_root(false), "C:\\trv\\");
@@ -79,7 +79,7 @@ TEST_F(InstallRoot, AnEmptyVariableIsUnset) {
     EXPECT_EQ(install_root(false), nullptr);
 }
 
-TEST_F(InstallRoot, IsNoneWhereTheProgramIsNotInstalled) {
+TEST_F(InstallRoot, IsMissingIfTheProgramIsNotInstalled) {
     EXPECT_EQ(install_root(true), nullptr);
     EXPECT_EQ(published(), "<none>");
 }
@@ -91,7 +91,7 @@ TEST_F(InstallRoot, OutlivesTheVariableThatItCameFrom) {
     EXPECT_STREQ(root, "/first");
 }
 
-// Runs in a copy of this program that lies where an installation has its programs.
+// Runs in a copy of this program in the directory in which an installation has its programs.
 TEST_F(InstallRoot, DISABLED_OfAnInstalledProgramIsPublished) {
     const char* const expected = platform::get_environment("TRVFILES_TEST_ROOT");
     ASSERT_NE(expected, nullptr);
@@ -107,7 +107,7 @@ TEST_F(InstallRoot, IsFoundFromTheProgramFile) {
     std::filesystem::create_directories(programs);
     const std::filesystem::path program = programs / "tests.exe";
     std::filesystem::copy_file(platform::program_file(), program);
-    // Windows looks for a program's libraries beside it.
+    // Windows searches the libraries of a program in the program's directory.
     for (const auto& entry : std::filesystem::directory_iterator(
              std::filesystem::path(platform::program_file()).parent_path())) {
         if (entry.path().extension() != ".dll") continue;

@@ -50,7 +50,7 @@ TEST_F(LineSource, ReadsLinesWithTheirNewlines) {
     EXPECT_EQ(line(), "three\n");
 }
 
-TEST_F(LineSource, MeetsTheEndBehindATerminatedLineByTheNextRead) {
+TEST_F(LineSource, ReachesTheEndAfterATerminatedLineAtTheNextRead) {
     const CL8BFile& source = open("one\n");
     read();
     EXPECT_EQ(source.lineNumber(), 2U);
@@ -100,7 +100,7 @@ TEST_F(LineSource, ALineThatFitsWithoutItsNewlineCountsAsCut) {
     EXPECT_EQ(line(), "next\n");
 }
 
-TEST_F(LineSource, TheEndBehindAFullBufferCountsOne) {
+TEST_F(LineSource, TheEndAfterAFullBufferCountsOne) {
     const CL8BFile& source = open(std::string(1023, 'x'));
     EXPECT_EQ(read(1024), 1024U);
     EXPECT_EQ(line(), std::string(1023, 'x'));
@@ -108,7 +108,7 @@ TEST_F(LineSource, TheEndBehindAFullBufferCountsOne) {
     EXPECT_EQ(read(1024), 0U);
 }
 
-TEST_F(LineSource, ALastLineOneShorterThanTheBufferCountsAsItIs) {
+TEST_F(LineSource, ALastLineOneShorterThanTheBufferCountsItsLength) {
     open(std::string(1022, 'x'));
     EXPECT_EQ(read(1024), 1022U);
     EXPECT_EQ(line(), std::string(1022, 'x'));

@@ -30,12 +30,12 @@ std::vector<std::string> linesOf(const std::string& bytes) {
     return lines;
 }
 
-TEST(LineSourceOnWindows, TakesCrLfForOneNewline) {
+TEST(LineSourceOnWindows, TreatsCrLfAsOneNewline) {
     EXPECT_THAT(linesOf("a\r\n\r\nb\nc\rd\r\n"), ElementsAre("a\n", "\n", "b\n", "c\rd\n"));
     EXPECT_THAT(linesOf("a\0b\r\n\0\r\nc"s), ElementsAre("a\0b\n"s, "\0\n"s, "c"));
 }
 
-TEST(LineSourceOnWindows, TakesCrLfForOneNewlineWhereverItStands) {
+TEST(LineSourceOnWindows, TreatsCrLfAsOneNewlineAtEveryPosition) {
     for (const std::size_t length :
          {510U, 1021U, 1022U, 1023U, 1024U, 2046U, 4095U, 4096U, 8191U}) {
         const std::string text(length, 'x');
@@ -50,7 +50,7 @@ TEST(LineSourceOnWindows, EndsAtCtrlZ) {
     EXPECT_THAT(linesOf("a\0\x1Az"s), ElementsAre("a\0"s));
 }
 
-TEST(LineSourceOnWindows, EndsAtCtrlZWhereverItStands) {
+TEST(LineSourceOnWindows, EndsAtCtrlZAtEveryPosition) {
     for (const std::size_t length : {1022U, 1023U, 1024U, 2046U, 4095U, 4096U, 8191U}) {
         const std::string text(length, 'x');
         EXPECT_THAT(linesOf(text + "\x1Ay\r\n"), ElementsAre(text)) << length;

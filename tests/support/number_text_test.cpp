@@ -41,7 +41,7 @@ std::string decimal(int value) {
     return text;
 }
 
-/// What a scan found, and what it left of the text.
+/// The result of a scan, and the rest of the text.
 template <class Number>
 struct Scan {
     bool found;
@@ -121,7 +121,8 @@ TEST(NumberText, RoundsToTheSixthDecimal) {
     EXPECT_EQ(fixed(0.0000006), "0.000001");
     EXPECT_EQ(fixed(0.9999996), "1.000000");
     EXPECT_EQ(fixed(99999.9999996), "100000.000000");
-    // Both are exact in binary and lie half way: the even sixth decimal wins.
+    // Both numbers are exact in binary and half way between two decimals, so the even sixth decimal
+    // is used.
     EXPECT_EQ(fixed(0.0000152587890625), "0.000015");
     EXPECT_EQ(fixed(1.0 / 128), "0.007812");
     EXPECT_EQ(fixed(3.0 / 128), "0.023438");
@@ -152,14 +153,14 @@ TEST(NumberText, WritesNanWithoutASignAndBothInfinities) {
     EXPECT_EQ(fixed(-infinity, 12), "        -inf");
 }
 
-TEST(NumberText, WritesTheLongestNumberInFull) {
+TEST(NumberText, WritesANumberOfMaxLengthInFull) {
     const std::string text = fixed(std::numeric_limits<double>::lowest(), 12);
     EXPECT_EQ(text.size(), 317U);
     EXPECT_EQ(text.substr(0, 22), "-179769313486231570814");
     EXPECT_EQ(text, printed("%.6f", std::numeric_limits<double>::lowest()));
 }
 
-TEST(NumberText, AppendsToWhatIsThere) {
+TEST(NumberText, AppendsToTheEarlierText) {
     std::string text = "x";
     append_fixed(text, 1.5, 10);
     append_decimal(text, 7);
@@ -202,7 +203,7 @@ TEST(NumberText, ReadsPlainNumbersOfAnyLength) {
     expectNumber("-.0 ", -0.0, " ");
 }
 
-TEST(NumberText, EndsAPlainNumberWhereStrtodDoes) {
+TEST(NumberText, EndsAPlainNumberAtTheSamePlaceAsStrtod) {
     expectNumber("1.5\v2", 1.5, "\v2");
     expectNumber("1.5,2", 1.5, ",2");
     expectNumber("1.5-2", 1.5, "-2");
@@ -302,7 +303,7 @@ TEST(NumberText, SkipsWhiteSpaceBeforeANumber) {
     expectInteger(" \t\n\v\f\r7", 7);
 }
 
-TEST(NumberText, LeavesATextWithoutANumberAsItIs) {
+TEST(NumberText, DoesNotChangeATextWithoutANumber) {
     for (const char* text : {"", " ", "x", " x", "+", "-", ".", "-.", "e5", ".e5", "+-1", "- 1",
                              ",5", "i", "na", "#", "(1)"})
         expectNoNumber(text);
@@ -331,7 +332,7 @@ TEST(NumberText, ReadsNumbersAsStrtodDoes) {
         std::string text;
         for (int left = length(random); left > 0; --left)
             text += letters[letter(random)];
-        // On Windows strtod takes any characters between the brackets of a NaN.
+        // On Windows strtod accepts any characters between the brackets of a NaN.
         if (trv::platform::backslash_separates() && text.find('(') != std::string::npos) continue;
         char* end = nullptr;
         const double expected = std::strtod(text.c_str(), &end);
@@ -381,7 +382,7 @@ TEST(NumberText, ClampsIntegersToTheirRange) {
     expectInteger("000000000000000000000000000000001", 1);
 }
 
-TEST(NumberText, TakesSixCharactersForWhiteSpaceAndNoOthers) {
+TEST(NumberText, TreatsSixCharactersAsWhiteSpaceAndNoOthers) {
     std::string_view text = " \t\n\v\f\r \x1C";
     skip_white_space(text);
     EXPECT_EQ(text, "\x1C");

@@ -71,7 +71,7 @@ TEST_F(PlatformRuntime, NothingOpensForNoPath) {
     }
 }
 
-TEST_F(PlatformRuntime, TellsWhyAFileDoesNotOpen) {
+TEST_F(PlatformRuntime, ReportsWhyAFileDoesNotOpen) {
     errno = 0;
     EXPECT_EQ(open_for_read(path("/none").c_str(), file_mode::text), nullptr);
     EXPECT_EQ(errno, ENOENT);
@@ -90,21 +90,21 @@ TEST_F(PlatformRuntime, WritingEmptiesAFile) {
     EXPECT_EQ(bytesOf(directory_ / "g"), "made");
 }
 
-TEST_F(PlatformRuntime, AppendingWritesBehindTheEnd) {
+TEST_F(PlatformRuntime, AppendingWritesAfterTheEnd) {
     for (const char* text : {"one ", "two"}) {
         std::fputs(text, open_for_append(path("\\log").c_str(), file_mode::binary).get());
     }
     EXPECT_EQ(bytesOf(directory_ / "log"), "one two");
 }
 
-TEST_F(PlatformRuntime, SyncingHandsOverWhatIsBuffered) {
+TEST_F(PlatformRuntime, SyncingWritesBufferedData) {
     const file_handle file = open_for_write(path("/f").c_str(), file_mode::binary);
     std::fputs("text", file.get());
     EXPECT_EQ(sync_file(file.get()), 0);
     EXPECT_EQ(bytesOf(directory_ / "f"), "text");
 }
 
-TEST_F(PlatformRuntime, SyncingWaitsForNoDeviceWhereThereIsNone) {
+TEST_F(PlatformRuntime, SyncingACharacterDeviceSucceeds) {
     if (backslash_separates()) GTEST_SKIP() << "Windows has no device that cannot be synced";
     const file_handle file = open_for_write("/dev/null", file_mode::binary);
     ASSERT_NE(file, nullptr);
@@ -112,7 +112,7 @@ TEST_F(PlatformRuntime, SyncingWaitsForNoDeviceWhereThereIsNone) {
     EXPECT_EQ(sync_file(file.get()), 0);
 }
 
-TEST_F(PlatformRuntime, SyncingTellsAFullDevice) {
+TEST_F(PlatformRuntime, SyncingReportsAFullDevice) {
     const file_handle file = open_for_write("/dev/full", file_mode::binary);
     if (file == nullptr) GTEST_SKIP() << "There is no full device here";
     std::fputs("text", file.get());
@@ -141,7 +141,7 @@ TEST_F(PlatformRuntime, KnowsWhatExists) {
     EXPECT_FALSE(directory_exists(nullptr));
 }
 
-TEST_F(PlatformRuntime, CreatesADirectoryOrTellsWhyNot) {
+TEST_F(PlatformRuntime, CreatesADirectoryOrReportsWhyNot) {
     EXPECT_EQ(create_directory(path("\\d").c_str()), 0);
     EXPECT_TRUE(std::filesystem::is_directory(directory_ / "d"));
     EXPECT_EQ(create_directory(path("\\d").c_str()), EEXIST);
@@ -176,7 +176,7 @@ TEST_F(PlatformRuntime, TheProgramFileIsThisTest) {
     EXPECT_TRUE(path_exists(program_file().c_str()));
 }
 
-TEST_F(PlatformRuntime, ArgumentsAreThoseBehindTheProgram) {
+TEST_F(PlatformRuntime, ArgumentsAreThoseAfterTheProgram) {
     if (backslash_separates()) GTEST_SKIP() << "Windows tells the arguments of this test";
     const char* const arguments[] = {"program", "-x", "a b", "", nullptr};
     std::vector<std::string> given;

@@ -51,7 +51,7 @@ TEST_F(PlatformSharing, UpdatingKeepsWhatIsNotWrittenOver) {
     EXPECT_EQ(bytesOf(directory_ / "f"), "A newg old text");
 }
 
-TEST_F(PlatformSharing, TellsWhyAFileIsNotOpenedForUpdate) {
+TEST_F(PlatformSharing, ReportsWhyAFileIsNotOpenedForUpdate) {
     for (const char* none : {static_cast<const char*>(nullptr), ""}) {
         errno = 0;
         EXPECT_EQ(open_for_update(none, file_mode::text), nullptr);
@@ -93,7 +93,7 @@ TEST_F(PlatformSharing, HoldsAnEmptyFileForOneCaller) {
     remove_held(next, path("f").c_str());
 }
 
-TEST_F(PlatformSharing, TellsWhyAFileIsNotHeld) {
+TEST_F(PlatformSharing, ReportsWhyAFileIsNotHeld) {
     for (const char* name : {"none/f", ""}) {
         errno = 0;
         EXPECT_EQ(create_held(name, shortly), -1);
@@ -148,7 +148,7 @@ TEST_F(PlatformSharing, RefusesANameThatIsTaken) {
     remove_held(held, path("new").c_str());
 }
 
-TEST_F(PlatformSharing, AFailedRenamingLeavesBothFilesAlone) {
+TEST_F(PlatformSharing, AFailedRenamingChangesNeitherFile) {
     fs::create_directories(directory_ / "d/e");
     const int held = hold("new");
     EXPECT_NE(move(held, "new", "d"), 0);

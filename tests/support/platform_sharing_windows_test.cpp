@@ -1,4 +1,4 @@
-// What only Windows does to files that several processes write.
+// Behaviour of files that several processes write, on Windows only.
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/held_file_windows.h>
@@ -53,7 +53,7 @@ TEST_F(SharingOnWindows, EndsLinesWithCrLf) {
     EXPECT_EQ(bytesOf(directory_ / "g"), "A\r\nb\r\n");
 }
 
-TEST_F(SharingOnWindows, NobodyElseWritesToAHeldFileOrRemovesIt) {
+TEST_F(SharingOnWindows, AHeldFileIsNotWrittenOrRemovedByOthers) {
     const int held = hold("f");
     EXPECT_EQ(open_for_write(path("f"), file_mode::binary), nullptr);
     EXPECT_EQ(open_for_append(path("f").c_str(), file_mode::binary), nullptr);
@@ -141,7 +141,7 @@ TEST_F(SharingOnWindows, GivesTheAttributesOfTheFile) {
     EXPECT_NE(::GetFileAttributesW((directory_ / "old").c_str()) & FILE_ATTRIBUTE_HIDDEN, 0U);
 }
 
-/// How many entries the access control list of a file has, and whether it is protected.
+/// The number of entries in the access control list of a file, and whether it is protected.
 std::pair<int, bool> accessListOf(const fs::path& path) {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;

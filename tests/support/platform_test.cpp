@@ -33,7 +33,7 @@ std::string contentOf(std::FILE* file) {
     return content;
 }
 
-/// Recurses over more stack than a thread has by default on any system.
+/// Recurses so deeply that no thread's default stack on any system is large enough.
 std::size_t recurse(std::size_t levels) {
     volatile char frame[1024] = {};
     frame[levels % sizeof frame] = 1;
@@ -83,7 +83,7 @@ TEST_F(Platform, KeepsEveryByteOfATextFileOnPosix) {
     EXPECT_EQ(contentOf(file.get()), binary_bytes);
 }
 
-TEST_F(Platform, CutsAnExistingFileToNothingForWriting) {
+TEST_F(Platform, TruncatesAnExistingFileForWriting) {
     writeBytes(directory_ / "f", "old");
     file_handle file = open_for_write(directory_ / "f", file_mode::binary);
     ASSERT_NE(file, nullptr);
@@ -158,7 +158,7 @@ TEST_F(Platform, DoesNotOpenADirectory) {
     }
 }
 
-TEST_F(Platform, DoesNotOpenWhatAFileStandsInTheWayOf) {
+TEST_F(Platform, DoesNotOpenAPathBelowAFile) {
     writeBytes(directory_ / "f", "x");
     EXPECT_EQ(open_for_read(directory_ / "f" / "g", file_mode::binary), nullptr);
     EXPECT_EQ(open_for_write(directory_ / "f" / "g", file_mode::binary), nullptr);
@@ -233,7 +233,7 @@ TEST_F(Platform, RemovesNoDirectory) {
     EXPECT_TRUE(std::filesystem::is_directory(directory_ / "d"));
 }
 
-TEST_F(Platform, RemovesALinkAndNotWhatItLeadsTo) {
+TEST_F(Platform, RemovesALinkAndNotItsTarget) {
     writeBytes(directory_ / "f", "x");
     std::error_code error;
     std::filesystem::create_symlink(directory_ / "f", directory_ / "link", error);
@@ -243,7 +243,7 @@ TEST_F(Platform, RemovesALinkAndNotWhatItLeadsTo) {
     EXPECT_EQ(bytesOf(directory_ / "f"), "x");
 }
 
-TEST_F(Platform, TakesTheNameOfAFileToRemoveAsItStandsOnPosix) {
+TEST_F(Platform, DoesNotChangeTheNameOfAFileToRemoveOnPosix) {
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "Windows separates by it";
     std::filesystem::create_directory(directory_ / "d");
     writeBytes(directory_ / "d/f", "x");
@@ -266,7 +266,7 @@ TEST(CallOnStack, GivesAsMuchStackAsWasAskedFor) {
     EXPECT_GT(count, 0U);
 }
 
-TEST(CallOnStack, GivesOnWhatTheWorkThrows) {
+TEST(CallOnStack, PassesExceptionsOfTheWorkOn) {
     try {
         trv::platform::call_on_stack(1 << 20, [] { throw std::runtime_error("thrown inside"); });
         FAIL() << "nothing was thrown";
@@ -282,7 +282,7 @@ TEST(CallOnStack, CanBeNested) {
     EXPECT_TRUE(done);
 }
 
-TEST(CallOnStack, ThrowsWhereTheSystemRefusesAStack) {
+TEST(CallOnStack, ThrowsIfTheSystemRefusesAStack) {
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
     for (const std::size_t bytes : {most / 4, most / 2, most - 4096, most - 1, most}) {
         bool called = false;

@@ -1,4 +1,4 @@
-// What only Windows does to files, names and the environment.
+// Behaviour of files, names and the environment on Windows only.
 
 #include <tests/common/death_test.h>
 #include <tests/common/file_bytes.h>
@@ -164,7 +164,7 @@ TEST_F(PlatformWindows, IdentifiesADirectoryHoweverItIsSpelled) {
     EXPECT_TRUE(other.index_low != identity.index_low || other.index_high != identity.index_high);
 }
 
-TEST_F(PlatformWindows, FindsNothingOnAServerThatIsNotThere) {
+TEST_F(PlatformWindows, FindsNothingOnAMissingServer) {
     EXPECT_FALSE(path_exists("\\\\trvfiles-no-server\\share\\f"));
     EXPECT_FALSE(directory_exists("//trvfiles-no-server/share"));
     EXPECT_EQ(open_for_read("\\\\trvfiles-no-server\\share\\f", file_mode::text), nullptr);

@@ -23,13 +23,13 @@ std::string report() {
     return text;
 }
 
-// All permanent bytes but those of the pool's own record.
+// All permanent bytes except those of the pool's record.
 std::string dataReport(std::uint64_t bytes) {
     const std::string all = std::to_string(bytes + 24);
     return "data base memory : " + all + "/" + all;
 }
 
-// Each test begins and ends with nothing in use.
+// No block is in use before and after each test.
 class StoragePool : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_EQ(report(), "data base memory : 0/0"); }
@@ -206,7 +206,7 @@ TEST_F(StoragePool, TakesAsManyStepsAsTheMaximumAllows) {
     pool_destroy(pool);
 }
 
-TEST_F(StoragePool, TakesTheStepsThatAreNeverRefused) {
+TEST_F(StoragePool, GrowsByTheStepsThatAreAlwaysAllowed) {
     set_storage_maximum(0);
     storage_pool* const pool = pool_create(100);
     EXPECT_EQ(pool_reserve(pool, 5000), -1);
@@ -275,8 +275,8 @@ TEST_F(StoragePool, AHandlerMayThrow) {
     pool_destroy(pool);
 }
 
-// A pool of this size has pages of its own, which go when it moves: a text that was still read from
-// the earlier place would end the process.
+// A pool of this size has its own pages, which are unmapped when it moves. Reading a text from the
+// old address would end the process.
 TEST_F(StoragePool, MovesWhileItStoresATextOfItsOwn) {
     storage_pool* const pools[2] = {pool_create(300000), pool_create(300000)};
     const std::string text(199999, 'x');

@@ -13,7 +13,7 @@ TEST(TextField, EndsBeforeItsTrailingBlanks) {
     EXPECT_EQ("  a", field_text("  a ", 4));
 }
 
-TEST(TextField, TakesBytesFrom128OnForText) {
+TEST(TextField, TreatsBytesFrom128OnAsText) {
     EXPECT_EQ("a\xA0", field_text("a\xA0 ", 3));
 }
 
@@ -25,7 +25,7 @@ TEST(TextField, ReadsNoFurtherThanItsLength) {
     EXPECT_EQ("ab", field_text("abcdef", 2));
 }
 
-TEST(TextField, IsEmptyWhereThereIsNone) {
+TEST(TextField, IsEmptyWithoutText) {
     EXPECT_EQ("", field_text("    ", 4));
     EXPECT_EQ("", field_text("a", 0));
     EXPECT_EQ("", field_text("a", -1));
@@ -38,7 +38,7 @@ TEST(TextField, IsFilledUpWithBlanks) {
     EXPECT_EQ("ab   x", field);
 }
 
-TEST(TextField, CutsWhatIsTooLong) {
+TEST(TextField, TruncatesATextThatIsTooLong) {
     std::string field = "xxxxxx";
     fill_field(field.data(), 5, "abcdefgh");
     EXPECT_EQ("abcdex", field);

@@ -38,7 +38,7 @@ TEST(WildcardMatch, AQuestionMarkMatchesOneCharacterAndNoEnd) {
     EXPECT_EQ(matches("?*?", "x"), 0);
 }
 
-TEST(WildcardMatch, AnEmptyPatternMatchesAnEmptyNameAlone) {
+TEST(WildcardMatch, AnEmptyPatternMatchesOnlyAnEmptyName) {
     EXPECT_EQ(matches("", ""), 1);
     EXPECT_EQ(matches("", "a"), 0);
     EXPECT_EQ(matches("a", ""), 0);
@@ -76,7 +76,7 @@ TEST(WildcardMatch, ManyStarsCostNoExponentialTime) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
-// The rule as it is defined, whatever time it takes.
+// The definition of the rule, without regard to time.
 bool matchesByRule(const char* pattern, const char* name) {
     if (*pattern == '\0') return *name == '\0';
     if (*pattern == '*') {

@@ -23,7 +23,7 @@ using trv::openForWrite;
 using trv::platform::file_handle;
 using trv::platform::file_mode;
 
-// What the resource compiler calls, which no header of Qt declares.
+// The function that the resource compiler calls. No header of Qt declares it.
 bool qRegisterResourceData(int version, const unsigned char* tree, const unsigned char* names,
                            const unsigned char* data);
 bool qUnregisterResourceData(int version, const unsigned char* tree, const unsigned char* names,
@@ -37,7 +37,7 @@ protected:
         return QString::fromStdWString(directory_.wide() + L"/" + name);
     }
 
-    /// What the file holds; "<none>" where it does not open.
+    /// The content of the file, or "<none>" if it does not open.
     static std::string read(const QString& path, file_mode mode = file_mode::binary) {
         const file_handle file = openForRead(path, mode);
         if (file == nullptr) return "<none>";
@@ -52,7 +52,7 @@ protected:
         return file != nullptr && std::fputs(text, file.get()) >= 0;
     }
 
-    /// Opens neither way, and gives these reasons.
+    /// Expects that the path opens neither for reading nor for writing, with these reasons.
     static void expectClosed(const QString& path, int readReason, int writeReason) {
         SCOPED_TRACE(path.toStdString());
         for (const file_mode mode : {file_mode::text, file_mode::binary}) {
@@ -82,13 +82,13 @@ TEST_F(OpenFile, ReadsTheLinesOfATextThatItWrote) {
     EXPECT_EQ(textOf(directory_ / "f"), "a\nb\n");
 }
 
-TEST_F(OpenFile, CutsAFileToNothingForWriting) {
+TEST_F(OpenFile, TruncatesAFileForWriting) {
     writeBytes(directory_ / "f", "old text");
     EXPECT_TRUE(write(path(L"f"), "new"));
     EXPECT_EQ(bytesOf(directory_ / "f"), "new");
 }
 
-TEST_F(OpenFile, TakesNamesWithAnyCharacters) {
+TEST_F(OpenFile, AcceptsNamesWithAnyCharacters) {
     for (const wchar_t* name :
          {L"\u00E4", L"\u4E2D\u6587", L"\U0001F527", L"50%d", L"[a] b", L"$X", L"~", L"\uFFFD"}) {
         EXPECT_TRUE(write(path(name), "x"));
@@ -97,7 +97,7 @@ TEST_F(OpenFile, TakesNamesWithAnyCharacters) {
     }
 }
 
-TEST_F(OpenFile, TakesBothSeparators) {
+TEST_F(OpenFile, AcceptsBothSeparators) {
     fs::create_directory(directory_ / "d");
     EXPECT_TRUE(write(path(L"d\\f"), "x"));
     EXPECT_EQ(bytesOf(directory_ / "d/f"), "x");
@@ -105,7 +105,7 @@ TEST_F(OpenFile, TakesBothSeparators) {
     EXPECT_EQ(read(path(L"\\d\\\\f")), "x");
 }
 
-TEST_F(OpenFile, TakesRelativeNamesInTheCurrentDirectory) {
+TEST_F(OpenFile, ResolvesRelativeNamesInTheCurrentDirectory) {
     const CurrentDirectory here(directory_.path());
     EXPECT_TRUE(write(QStringLiteral("f"), "x"));
     EXPECT_EQ(read(QStringLiteral("./f")), "x");
@@ -136,7 +136,7 @@ TEST_F(OpenFile, DoesNotOpenForHalfACharacterOnPosix) {
     EXPECT_EQ(bytesOf(directory_ / "a\xF0\x9F\x94\xA7"), "wrench");
 }
 
-TEST_F(OpenFile, TellsWhyAFileDoesNotOpen) {
+TEST_F(OpenFile, ReportsWhyAFileDoesNotOpen) {
     if (!can_fork) GTEST_SKIP() << "Windows has other reasons";
     fs::create_directory(directory_ / "d");
     writeBytes(directory_ / "f", "x");
@@ -167,7 +167,7 @@ TEST_F(OpenFile, SharesItsFileWithOthers) {
     EXPECT_NE(reader, nullptr);
 }
 
-TEST_F(OpenFile, TellsWhichFilesAreReadable) {
+TEST_F(OpenFile, ReportsWhichFilesAreReadable) {
     const CurrentDirectory here(directory_.path());
     writeBytes(directory_ / "f", "");
     writeBytes(directory_ / "\xC3\xA4", "x");
@@ -201,7 +201,7 @@ TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {
     EXPECT_FALSE(file.isWritable());
 }
 
-TEST_F(OpenFile, SaysWhyItDoesNotReadForQt) {
+TEST_F(OpenFile, ReportsWhyItDoesNotReadForQt) {
     fs::create_directory(directory_ / "d");
     for (const QString& none : {path(L"missing"), path(L"d"), path(L"f\0"s), QString()}) {
         file_handle handle;
@@ -277,7 +277,7 @@ TEST_F(OpenFile, DoesNotWriteForQtToPathsThatNameNoFile) {
 }
 
 TEST_F(OpenFile, ReadsAResourceForQtAndNothingElse) {
-    // Qt's own smallest resource file: one file "x" of one byte.
+    // The smallest resource file of Qt: one file "x" of one byte.
     const std::string tree("\0\0\0\0\0\2\0\0\0\1\0\0\0\1\0\0\0\0\0\0\0\0\0\1\0\0\0\0", 28);
     const std::string names("\0\1\0\0\0x\0x", 8);
     const std::string data("\0\0\0\1!", 5);

@@ -78,7 +78,7 @@ TEST(PathResolution, JoinsNamesToADirectoryOnPosix) {
     }
 }
 
-TEST(PathResolution, PutsARelativeDirectoryIntoTheCurrentOne) {
+TEST(PathResolution, ResolvesARelativeDirectoryInTheCurrentOne) {
     const TemporaryDirectory directory;
     const CurrentDirectory current(directory.path());
     const std::string here = directory.text();
@@ -100,7 +100,7 @@ TEST(PathResolution, FindsNoFileInTheNamesOfTheDirectoryItself) {
     EXPECT_NE(resolved("/d", "../d"), "");
 }
 
-TEST(PathResolution, LeavesTheNamesOfResourcesAlone) {
+TEST(PathResolution, DoesNotChangeTheNamesOfResources) {
     EXPECT_TRUE(isResource(QStringLiteral(":/x")));
     EXPECT_TRUE(isResource(QStringLiteral(":/")));
     EXPECT_FALSE(isResource(QStringLiteral(":x")));

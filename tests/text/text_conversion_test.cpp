@@ -37,7 +37,7 @@ QString wide(const std::wstring& text) {
 
 }  // namespace
 
-TEST(TextConversion, TakesANullPointerForAnEmptyText) {
+TEST(TextConversion, TreatsANullPointerAsAnEmptyText) {
     EXPECT_TRUE(fromNarrow(nullptr).isEmpty());
     EXPECT_TRUE(fromNarrow("").isEmpty());
     EXPECT_TRUE(fromNarrow(""s).isEmpty());
@@ -65,7 +65,7 @@ TEST(TextConversion, KeepsCharactersOfEveryKindInWideText) {
     EXPECT_EQ(fromWide(L"\U0001F527").size(), 2);
 }
 
-TEST(TextConversion, BearsUnitsThatAreNoCharacters) {
+TEST(TextConversion, AcceptsUnitsThatAreNotCharacters) {
     for (const wchar_t unit : {L'\xD800', L'\xDFFF', L'\xFFFF', std::numeric_limits<wchar_t>::max(),
                                std::numeric_limits<wchar_t>::min()}) {
         const std::wstring text = L"a" + std::wstring(2, unit) + L"b";
@@ -75,7 +75,7 @@ TEST(TextConversion, BearsUnitsThatAreNoCharacters) {
     }
 }
 
-TEST(TextConversion, TakesNarrowTextForUtf8OnPosix) {
+TEST(TextConversion, TreatsNarrowTextAsUtf8OnPosix) {
     if (onWindows()) GTEST_SKIP() << "Windows has code pages";
     EXPECT_EQ(fromNarrow("\xC3\xA4\xF0\x9F\x94\xA7"), wide(L"\u00E4\U0001F527"));
     EXPECT_EQ(toNarrow(wide(L"\u00E4\U0001F527")), "\xC3\xA4\xF0\x9F\x94\xA7");
@@ -83,7 +83,7 @@ TEST(TextConversion, TakesNarrowTextForUtf8OnPosix) {
     EXPECT_EQ(fromNarrow("a\xE4z"s), wide(L"a\uFFFDz"));
 }
 
-TEST(TextConversion, TakesNarrowTextForUtf8InEveryLocaleOfPosix) {
+TEST(TextConversion, TreatsNarrowTextAsUtf8InEveryLocaleOfPosix) {
     if (!trv::testing::can_fork) GTEST_SKIP() << "needs a child process";
     const trv::testing::HostLocale german("ISO-8859-1");
     if (!german.exists()) GTEST_SKIP() << "localedef cannot compile a locale here";
@@ -119,7 +119,7 @@ TEST(TextConversion, FindsNarrowPathsThatAreNotUtf8) {
     }
 }
 
-TEST(TextConversion, FindsUnitsOfWidePathsThatAreNoCharacters) {
+TEST(TextConversion, FindsUnitsOfWidePathsThatAreNotCharacters) {
     const auto unit = [](std::uint32_t code) { return static_cast<wchar_t>(code); };
     for (const std::wstring& path :
          {L""s, L"a"s, L"\u00E4\uFFFD"s, L"\U0010FFFF"s, L"a\0b"s, L"\uFEFF"s, L"\xFFFF"s}) {
@@ -150,7 +150,7 @@ TEST(TextConversion, KeepsInWidePathsWhetherTheNarrowOnesAreExact) {
     }
 }
 
-TEST(TextConversion, TurnsBackslashesOfPathsWherePosixNeedsIt) {
+TEST(TextConversion, TurnsBackslashesOfPathsOnPosix) {
     const QString path = wide(L"\\a\\b/c\\\\d");
     EXPECT_EQ(nativePath(path), onWindows() ? path : wide(L"/a/b/c//d"));
     EXPECT_EQ(nativePath(wide(L"C:\\x")), onWindows() ? wide(L"C:\\x") : wide(L"C:/x"));
@@ -168,14 +168,14 @@ TEST(TextConversion, DoesNotOpenAPathThatIsEmptyOrHoldsAZero) {
     EXPECT_FALSE(isOpenable(wide(L"\0"s)));
 }
 
-TEST(TextConversion, GivesThePathThatTheSystemTakes) {
+TEST(TextConversion, GivesThePathForTheSystem) {
     EXPECT_EQ(systemPath(wide(L"/a/b.c")), std::filesystem::path("/a/b.c"));
     EXPECT_EQ(systemPath(wide(L"\u00E4 \U0001F527")).u8string(), "\xC3\xA4 \xF0\x9F\x94\xA7");
     if (onWindows()) GTEST_SKIP() << "the rest holds for POSIX";
     EXPECT_EQ(systemPath(wide(L"a\\b")).string(), "a/b");
 }
 
-TEST(TextConversion, TakesThePathThatTheSystemGives) {
+TEST(TextConversion, AcceptsThePathThatTheSystemGives) {
     for (const std::wstring& path :
          {L"a"s, L"/b/c d"s, L"\u00E4\u65E5"s, L"\uFFFD"s, L"\uFEFFx"s}) {
         const trv::HostPath given = pathFromSystem(systemPath(fromWide(path)).native());
@@ -190,7 +190,7 @@ TEST(TextConversion, FindsPathsOfPosixThatNoTextNames) {
         EXPECT_FALSE(pathFromSystem(std::filesystem::path(path).native()).isExact) << path;
 }
 
-TEST(TextConversion, DoesNotOpenAPathWithHalfACharacterWherePathsAreUtf8) {
+TEST(TextConversion, DoesNotOpenAPathWithHalfACharacterIfPathsAreUtf8) {
     const QString name = wide(L"a");
     const QChar high(0xD83D);
     const QChar low(0xDD27);
@@ -201,7 +201,7 @@ TEST(TextConversion, DoesNotOpenAPathWithHalfACharacterWherePathsAreUtf8) {
     }
 }
 
-TEST(TextConversion, GivesThePathThatTheRuntimeTakes) {
+TEST(TextConversion, GivesThePathForTheRuntime) {
     std::string path = "old";
     EXPECT_TRUE(runtimePath(wide(L"/a/b.c"), path));
     EXPECT_EQ(path, "/a/b.c");
@@ -294,7 +294,7 @@ TEST(TextConversion, TakesUtf16UnitByUnitOnWindows) {
 TEST(TextConversion, GivesTheRuntimeNoPathThatTheCodePageOfWindowsLacks) {
     if (!onWindows()) GTEST_SKIP() << "UTF-8 has every character";
     std::string path = "old";
-    // No code page has half a surrogate pair, not even UTF-8.
+    // No code page, not even UTF-8, has half a surrogate pair.
     EXPECT_FALSE(runtimePath(wide(L"a.mctx") + QChar(0xD83D), path));
     EXPECT_FALSE(runtimePath(QChar(0xDD27) + wide(L"a.mctx"), path));
     EXPECT_EQ(path, "old");

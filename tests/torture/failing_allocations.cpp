@@ -12,7 +12,7 @@
 namespace trv::testing {
 namespace {
 
-// All of this is read by allocations that come before any constructor and after every destructor.
+// Allocations before any constructor and after every destructor read these variables.
 std::atomic<bool> isArmed = false;
 AllocationKind kindThatFails = AllocationKind::any;
 int firstToFail = 0;
@@ -34,7 +34,7 @@ bool strikes(AllocationKind kind) {
     return true;
 }
 
-// The heap that would have been called.
+// The heap of the next library in the search order.
 template <class Function>
 Function* below(const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
@@ -58,7 +58,7 @@ void* allocateOrNot(std::size_t size) noexcept {
 }  // namespace
 
 FailingAllocations::FailingAllocations(AllocationKind kind, int first, bool forEver) {
-    // The first call of backtrace() takes memory itself.
+    // The first call of backtrace() allocates memory.
     void* frame = nullptr;
     ::backtrace(&frame, 1);
     kindThatFails = kind;
@@ -102,7 +102,7 @@ using trv::testing::AllocationKind;
 
 namespace {
 
-// What malloc() gives when there is no memory.
+// The result of malloc() if there is no memory.
 void* refused() {
     errno = ENOMEM;
     return nullptr;
@@ -110,7 +110,7 @@ void* refused() {
 
 }  // namespace
 
-// The program's own definitions stand before those of every library.
+// The definitions of the program have precedence over those of every library.
 
 extern "C" {
 
@@ -128,8 +128,8 @@ void* realloc(void* block, std::size_t size) {
     return trv::testing::strikes(AllocationKind::any) ? refused() : next(block, size);
 }
 
-// The linker leads the calls of the program's own objects here, and of those only the checked heap
-// makes any while a fault is armed.
+// The linker redirects the calls of the program's own objects to these functions. Of these objects
+// only the checked heap makes such calls while a fault is armed.
 
 void* __wrap_malloc(std::size_t size) {
     return trv::testing::strikes(AllocationKind::ofCheckedHeap) ? refused() : malloc(size);

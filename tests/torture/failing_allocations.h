@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// Allocations that fail, whoever makes them: the library, the standard library or Qt.
+/// Makes allocations of the library, the standard library or Qt fail.
 
 #include <tests/torture/workshop.h>
 
@@ -12,11 +12,11 @@ namespace trv::testing {
 enum class AllocationKind {
     /// operator new, malloc, calloc and realloc.
     any,
-    /// What the checked heap asks of the heap below it.
+    /// The allocations that the checked heap makes.
     ofCheckedHeap
 };
 
-/// Lets allocations of the whole process fail. One at a time.
+/// Makes allocations of the whole process fail. Only one object exists at a time.
 class FailingAllocations : public Fault {
 public:
     /// @param first    the number of the allocation that fails, from 1
@@ -25,13 +25,13 @@ public:
 
     void arm() override;
     void disarm() override;
-    /// From here on nothing fails any more.
+    /// Stops the failures.
     void end() { isOver_ = true; }
 
-    /// How many allocations have failed.
+    /// The number of allocations that have failed.
     static int failures();
-    /// The functions that stood on the stack at the latest failure, the innermost first. Those
-    /// without a name that the system knows are left out. From here on nothing fails.
+    /// The functions on the stack at the latest failure, the innermost first. Functions without an
+    /// exported name are left out. Stops the failures.
     static std::string stackOfFailure();
 
 private:

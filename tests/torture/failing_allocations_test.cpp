@@ -1,4 +1,5 @@
-// Every operation with its Nth allocation failing, once and from then on.
+// Runs every operation with a failure of its Nth allocation, and of its Nth and all later
+// allocations.
 
 #include <tests/common/child_process.h>
 #include <tests/common/system.h>
@@ -18,7 +19,7 @@
 #include <string>
 #include <vector>
 
-// There only in a program that is built with the address sanitizer.
+// Defined only in a program with the address sanitizer.
 extern "C" [[gnu::weak]] int __lsan_do_recoverable_leak_check();
 
 namespace trv::testing {
@@ -51,16 +52,16 @@ std::string storageInUse() {
     return report;
 }
 
-/// How far a child process has come.
+/// The progress of a child process.
 struct Progress {
     int number;
     int failures;
-    /// The runs in which an allocation failed, all processes together.
+    /// The number of runs in which an allocation failed, in all processes.
     int faults;
     bool hasCrashed;
-    /// Of the allocation that failed before a crash.
+    /// The stack of the allocation that failed before a crash.
     Text stack;
-    /// The statuses that were met, by their negated value.
+    /// The statuses that occurred, by their negated value.
     bool statuses[100];
     /// Whether a handler was called.
     bool hasReported;
@@ -69,13 +70,13 @@ struct Progress {
 Progress* progressOfProcess = nullptr;
 
 void tellOfCrash(int) {
-    // Whatever state the heap is in, names are looked up with what it gives.
+    // The heap may be damaged here. The lookup of names uses it nevertheless.
     progressOfProcess->hasCrashed = true;
     progressOfProcess->stack.store(FailingAllocations::stackOfFailure());
     ::_exit(0);
 }
 
-// What Qt 5.15 does not survive unharmed: a directory stays open.
+// Qt 5.15 leaves a directory open in this case.
 constexpr const char* functionThatLosesADescriptor = "QDirIterator::QDirIterator(";
 
 bool canFindLeaks() {
@@ -88,7 +89,7 @@ bool hasStruckIn(const char* function) {
 
 class FailingAllocationsOf : public OperationTest {
 protected:
-    /// Lets one allocation after the other fail, in as few processes as it takes.
+    /// Makes one allocation after the other fail, in as few processes as possible.
     void strike(const FaultKind& kind) {
         int number = 1;
         do {
@@ -169,9 +170,10 @@ protected:
     int faults() const { return progress_->faults; }
 
 private:
-    // The first ones one by one, those of a long read in growing steps.
+    // The first 200 allocations one by one, those of a long read in growing steps.
     static int next(int number) {
-        // Where the address sanitizer walks every stack through Qt, each one takes much longer.
+        // Each allocation takes much longer if the address sanitizer unwinds every stack through
+        // Qt.
         const bool isSlow = operation().losesMemoryInQt && canFindLeaks();
         const int dense = (isSlow ? 30 : 200) * tortureRounds();
         const int leap = isSlow ? 3 : 20;
@@ -181,7 +183,7 @@ private:
     Shared<Progress> progress_;
 };
 
-TEST_P(FailingAllocationsOf, AreToldAndLoseNothing) {
+TEST_P(FailingAllocationsOf, AreReportedAndLeakNothing) {
     for (const FaultKind& kind : faultKinds) {
         if (kind.handlersThrow && !hasReported()) continue;
         strike(kind);
@@ -195,7 +197,7 @@ TEST_P(FailingAllocationsOf, AreToldAndLoseNothing) {
 }
 
 #if !TRV_TORTURE_OF_QT
-// More blocks than the first tables of the register of blocks hold.
+// More blocks than the first tables of the block register hold.
 TEST(FailingAllocation, OfABlockOrOfItsPlaceInTheRegisterGivesNoBlock) {
     EXPECT_TRUE(passesInChild([] {
         set_error_handler([](const char*) {});
@@ -223,7 +225,7 @@ TEST(FailingAllocation, OfABlockOrOfItsPlaceInTheRegisterGivesNoBlock) {
 }
 #endif
 
-// Those in which Qt loses memory have a program of their own.
+// The operations in which Qt leaks memory are in another program.
 std::vector<Operation> operationsOfProgram() {
     constexpr bool isForQt = TRV_TORTURE_OF_QT != 0;
     std::vector<Operation> operations;

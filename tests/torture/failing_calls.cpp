@@ -14,7 +14,8 @@
 namespace trv::testing {
 namespace {
 
-// What this machine has of them: newer ones have the calls relative to a directory alone.
+// The calls that this machine has. Newer machines have only the calls that are relative to a
+// directory.
 const std::vector<unsigned> removingCalls = {
 #ifdef SYS_unlink
     SYS_unlink,
@@ -33,7 +34,7 @@ const std::vector<unsigned> fileCalls = {
     SYS_unlinkat, SYS_mkdirat,   SYS_linkat,   SYS_readlinkat, SYS_flock,       SYS_fchmod,
     SYS_fchown,   SYS_listxattr, SYS_getxattr, SYS_fsetxattr,  SYS_fremovexattr};
 
-// From here on the calls of this thread wait for their answer at the descriptor that is returned.
+// From now on the system calls of this thread wait for an answer through the returned descriptor.
 int listenToCalls() {
     std::vector<sock_filter> filter = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0)};
     for (const unsigned number : fileCalls) {
@@ -58,7 +59,7 @@ bool isRemoval(int number) {
 
 bool canFailCalls() {
     const pid_t child = ::fork();
-    // Nobody answers the child's calls: it ends by the only one that it can still make.
+    // The child's calls get no answer. _exit is the only one that is not watched.
     if (child == 0) ::syscall(SYS_exit_group, listenToCalls() < 0 ? 1 : 0);
     int status = 0;
     ::waitpid(child, &status, 0);
@@ -67,7 +68,7 @@ bool canFailCalls() {
 
 FailingCalls::FailingCalls(int first, bool forEver, int reason)
     : first_(first), forEver_(forEver), reason_(reason) {
-    // The answering thread is there first, so that its own calls are not among those it answers.
+    // The answering thread starts first, so its own calls are not watched.
     static std::atomic<int> listener;
     listener = -1;
     std::thread([this] {
@@ -80,7 +81,7 @@ FailingCalls::FailingCalls(int first, bool forEver, int reason)
     listener = isStarted_ ? listening : -2;
 }
 
-// Nothing here takes memory or a lock that the waiting thread may hold.
+// This code must not allocate, and must not take a lock that the waiting thread may hold.
 void FailingCalls::answerCalls(int listener) {
     for (;;) {
         seccomp_notif call = {};

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// System calls that fail, whoever makes them: the library, libc or Qt.
+/// Makes system calls of the library, libc or Qt fail.
 
 #include <tests/torture/workshop.h>
 
@@ -12,28 +12,29 @@ namespace trv::testing {
 /// Whether the system lets a process answer its own system calls.
 bool canFailCalls();
 
-/// Lets the system calls that open, lock, read, list, write, sync, close, rename, remove and create
-/// files, links and directories, and those that set rights and attributes, fail with an error
-/// instead of doing anything; a close closes all the same, as the system's own does. Calls of the
-/// process's first thread and of the threads that it starts later count.
+/// Makes system calls fail without any effect: those that open, lock, read, list, write, sync,
+/// close, rename, remove and create files, links and directories, and those that set rights and
+/// attributes. Only a close that fails closes nevertheless, as the system does. Calls of the first
+/// thread of the process and of threads that it starts later are counted.
 ///
-/// For child processes: from the constructor on the process's calls are watched until it ends.
+/// For child processes. From the constructor on, the calls of the process are watched until it
+/// ends.
 class FailingCalls : public Fault {
 public:
     /// @param first    the number of the call that fails, from 1
     /// @param forEver  whether all later ones fail too
-    /// @param reason   the error that they give
+    /// @param reason  the error of these calls
     FailingCalls(int first, bool forEver, int reason);
 
     void arm() override { isArmed_ = !isOver_; }
     void disarm() override { isArmed_ = false; }
-    /// From here on nothing fails any more.
+    /// Stops the failures.
     void end() { isOver_ = true; }
 
     bool isStarted() const { return isStarted_; }
-    /// How many calls have failed.
+    /// The number of calls that have failed.
     int failures() const { return failures_; }
-    /// Whether a file was to be removed and the call failed.
+    /// Whether a call that removes a file has failed.
     bool hasKeptFile() const { return hasKeptFile_; }
 
 private:

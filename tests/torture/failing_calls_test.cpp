@@ -1,4 +1,4 @@
-// Every operation with its Nth system call failing, once and from then on.
+// Runs every operation with a failure of its Nth system call, and of its Nth and all later calls.
 
 #include <tests/common/child_process.h>
 #include <tests/common/system.h>
@@ -20,7 +20,7 @@ struct FaultKind {
     bool handlersThrow;
 };
 
-// No signal interrupts every call for ever.
+// EINTR has no run with all later calls, because no signal interrupts every call.
 constexpr FaultKind faultKinds[] = {
     {EIO, false, false},    {EIO, true, false},    {ENOSPC, false, false}, {ENOSPC, true, false},
     {EMFILE, false, false}, {EMFILE, true, false}, {EACCES, false, false}, {EACCES, true, false},
@@ -28,13 +28,12 @@ constexpr FaultKind faultKinds[] = {
 
 std::string describe(const FaultKind& kind, int number) {
     return "call " + std::to_string(number) + (kind.forEver ? " and all later ones: " : ": ") +
-           std::strerror(kind.reason) +
-           (kind.handlersThrow ? ", of which a handler makes an exception" : "");
+           std::strerror(kind.reason) + (kind.handlersThrow ? "; a handler throws" : "");
 }
 
 class FailingCallsOf : public OperationTest {
 protected:
-    /// One run in a process of its own.
+    /// One run in its own process.
     ///
     /// @return how many calls failed
     int strike(const FaultKind& kind, int number) {
@@ -43,7 +42,7 @@ protected:
             SCOPED_TRACE(describe(kind, number));
             silence();
             NoFault none;
-            // What only a first run asks of the system is out of the way.
+            // The first run makes the calls that only a first run needs.
             if (!operation().isOncePerProcess) {
                 Workshop rehearsal(directory.path(), none);
                 operation().run(rehearsal);
@@ -75,7 +74,7 @@ private:
     Shared<int> failures_;
 };
 
-TEST_P(FailingCallsOf, AreToldAndLeaveEverythingWhole) {
+TEST_P(FailingCallsOf, AreReportedAndDamageNothing) {
     if (!canFailCalls()) GTEST_SKIP() << "a process cannot answer its own system calls here";
     int faults = 0;
     for (const FaultKind& kind : faultKinds) {

@@ -1,4 +1,4 @@
-// Writers that find no room: at each byte of a small file, and on the full device.
+// Writers without space: at each byte of a small file, and on the full device.
 
 #include <tests/assembly/sample_components.h>
 #include <tests/common/channel_log.h>
@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 constexpr char oldText[] = "what stood here before\n";
 
-/// Files of this process end at so many bytes; the limit can be lifted again.
+/// Limits the size of files of this process until the object is destroyed.
 class RoomFor {
 public:
     explicit RoomFor(rlim_t bytes) {
@@ -41,14 +41,14 @@ private:
     rlimit earlier_ = {};
 };
 
-/// A writer, and what it answers when there is room and when there is none.
+/// A writer, with its results if there is space and if there is none.
 struct Writer {
     const char* name;
     std::function<int(const fs::path& target)> run;
     int success;
     int onFullDisk;
     int onFullDevice;
-    /// Whether the target is written in place: it ends where the room does.
+    /// Whether the target is written in place. Then it contains the bytes that fitted.
     bool isInPlace;
 };
 
@@ -66,7 +66,8 @@ int writeAxis(const fs::path& target) {
     return CQvFilesIO("").writeAxis(target.wstring(), matrix, 1, 2, 3);
 }
 
-// The source stands beside the target, or for a device in the current directory.
+// The source is beside the target. If the target is a device, the source is in the current
+// directory.
 int copyFile(const fs::path& target) {
     CQvFilesIO files("");
     return files.copyFile(fs::path("source").string(), target.string()) ? 1 : 0;
@@ -115,7 +116,7 @@ TEST_P(FullDiskUnder, AtEachByteGivesTheDocumentedStatus) {
             }
             EXPECT_EQ(status, GetParam().onFullDisk);
             EXPECT_EQ(bytesOf(target()), GetParam().isInPlace ? text.substr(0, room) : oldText);
-            // The source, the target and nothing else.
+            // Only the source and the target exist.
             EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), {}), 2);
             ASSERT_FALSE(HasFailure());
         }

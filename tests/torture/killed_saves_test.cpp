@@ -1,4 +1,4 @@
-// Saves whose process is killed: at each of their system calls, and at any other moment.
+// Kills the process of a save, at each of its system calls and at random moments.
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/system_calls_linux.h>
@@ -42,7 +42,7 @@ protected:
         return static_cast<unsigned>(time.count());
     }
 
-    /// What is left beside the target is in nobody's way.
+    /// A file that is left beside the target does not disturb the next save.
     void expectNextSaveToWork() const {
         run(true);
         EXPECT_EQ(bytesOf(target()), second_);
@@ -58,7 +58,7 @@ private:
     TemporaryDirectory directory_;
 };
 
-TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheNewOneWhole) {
+TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheCompleteNewOne) {
     if (!canTraceProcesses()) GTEST_SKIP() << "processes cannot be traced here";
     int old = 0;
     int replaced = 0;
@@ -71,16 +71,16 @@ TEST_P(KilledSaveOf, AtEachSystemCallLeavesTheOldFileOrTheNewOneWhole) {
         ASSERT_FALSE(HasFailure()) << "after a kill at step " << step;
     }
     EXPECT_EQ(bytesOf(target()), second_);
-    // Opening, writing, syncing, closing and renaming, each with its entry and its exit.
+    // The save opens, writes, syncs, closes and renames. Each call has an entry and an exit.
     EXPECT_GE(old, 9);
     EXPECT_GE(replaced, 1);
     RecordProperty("kills", old + replaced);
 }
 
-TEST_P(KilledSaveOf, AtAnyMomentLeavesTheOldFileOrTheNewOneWhole) {
+TEST_P(KilledSaveOf, AtAnyMomentLeavesTheOldFileOrTheCompleteNewOne) {
     const int rounds = 1000 * tortureRounds();
     std::minstd_rand random(20);
-    // Up to two pairs of saves, so that the kills fall on every part of each.
+    // Up to two pairs of saves, so the kills occur in every part of a save.
     std::uniform_int_distribution<unsigned> microseconds(0, 2 * microsecondsOfBothSaves());
     const Shared<std::atomic<bool>> isSaving;
     int old = 0;

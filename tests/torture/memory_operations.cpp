@@ -33,7 +33,7 @@ Outcome makeAStore(Workshop& at) {
     return {status, ""};
 }
 
-// A store with more texts than its first room holds, so that the next ones make it grow.
+// A store whose initial storage is full, so the next texts make it grow.
 class FilledStore : public Store {
 public:
     FilledStore() {
@@ -44,7 +44,7 @@ public:
     }
 };
 
-// Runs one change of a store; where it fails, sections and messages are as they were.
+// Runs one change of a store. If it fails, sections and messages are unchanged.
 template <class Change>
 Outcome change(Workshop& at, Change operation) {
     const FilledStore store;
@@ -148,7 +148,7 @@ Outcome usePool(Workshop& at) {
         std::int32_t used = 0;
         for (int i = 0; i < 8; ++i) {
             const std::int32_t offset = pool_add_string(pool.get(), "a text of the pool");
-            // A pool that cannot grow is as it was.
+            // A pool that cannot grow is unchanged.
             if (offset < 0) return pool_used(pool.get()) == used ? -1 : -2;
             used = pool_used(pool.get());
         }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What holds for every operation, whatever has struck it.
+/// Expectations that hold for every operation after every fault.
 
 #include <tests/common/temporary_directory.h>
 #include <tests/common/torture_rounds.h>
@@ -20,23 +20,23 @@ protected:
 
     static const Operation& operation() { return GetParam(); }
 
-    /// Replaces the handlers of the channels by ones that return, or those of errors by ones that
-    /// throw a HandlerFailure.
+    /// Sets handlers for the channels. They return, or those for errors throw a HandlerFailure.
     static void silence();
     static void letHandlersThrow();
 
-    /// Whether the answer is a success with the full result or a documented failure.
+    /// Whether the status is a success with the full result or a documented failure.
     void expectDocumented(const Outcome& outcome) const;
 
-    /// Expects of each file its old bytes or its new ones; of one that is written in place, a part
-    /// of them.
+    /// Expects that each file has its old bytes or its new ones. A file that is written in place
+    /// may have a part of the new ones.
     ///
     /// @param found        the files before the operation
-    /// @param isComplete   whether it has succeeded: then they are the new ones
+    /// @param isComplete  whether the operation has succeeded; then the files must have the new
+    ///         bytes
     /// @param hasKeptFile  whether a file could not be removed
     void expectWhole(const Files& found, bool isComplete, bool hasKeptFile) const;
 
-    /// Expects that what a failure has left stands in nobody's way.
+    /// Expects that the same operation succeeds after a failure.
     void expectSuccess(Workshop& at) const;
 
     TemporaryDirectory directory;

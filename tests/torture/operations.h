@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// The operations under torture: what each may answer, and which files it writes in place.
+/// The tested operations, with the statuses that each may return and the files that it writes in
+/// place.
 
 #include <tests/torture/workshop.h>
 
@@ -15,36 +16,36 @@ namespace trv::testing {
 
 struct Outcome {
     int status = 0;
-    /// What a success gave beside its status.
+    /// The result of a success, without its status.
     std::string result;
 };
 
 struct Operation {
     std::string name;
     int success = 0;
-    /// What it may answer in place of success.
+    /// The documented statuses of a failure.
     std::set<int> failures;
     std::function<Outcome(Workshop&)> run;
-    /// Files that hold a part of the new text when a write breaks off.
+    /// Files that contain a part of the new text if a write fails.
     std::set<std::string> inPlace = {};
-    /// Whether a status below zero is the negated number of the system's error.
+    /// Whether a negative status is the negated error number of the system.
     bool givesSystemErrors = false;
-    /// Whether a success may have passed over what could not be read or written.
+    /// Whether a success may ignore something that could not be read or written.
     bool passesOverFaults = false;
-    /// Whether a copy that breaks off blocks it from then on.
+    /// Whether an incomplete copy blocks the operation from then on.
     bool isBlockedByItsRest = false;
-    /// Whether Qt loses memory of its own in it where memory runs out.
+    /// Whether Qt leaks memory in the operation if an allocation fails.
     bool losesMemoryInQt = false;
-    /// Whether its first success in a process settles every later call.
+    /// Whether its first success in a process decides every later call.
     bool isOncePerProcess = false;
 };
 
 void PrintTo(const Operation& operation, std::ostream* stream);
 
-/// Those that read or write files.
+/// The operations that read or write files.
 std::vector<Operation> fileOperations();
 
-/// Those that only take memory.
+/// The operations that only allocate memory.
 std::vector<Operation> memoryOperations();
 
 }  // namespace trv::testing

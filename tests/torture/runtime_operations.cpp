@@ -102,7 +102,7 @@ Outcome loadFoundMessages(Workshop& at) {
     return {status, textOf(catalogue_store())};
 }
 
-// The status is the number of files that have told their part of the value.
+// The status is the number of files that have defined their part of the value.
 Outcome startEnvironment(Workshop& at) {
     Workshop::forgetEnvironment();
     std::string value;
@@ -218,7 +218,7 @@ Outcome makePath(Workshop& at) {
     return {at.under([&] { return make_path(path.c_str()); }), ""};
 }
 
-// The line of the log holds the time, so that it is looked at here.
+// The line of the log contains the time, so it is checked here.
 Outcome expandWatched(Workshop& at) {
     platform::set_environment("TRV_EXPAND_MIN_BUFFER_SIZE", "1000");
     platform::set_environment("TRV_EXPAND_LOGFILE_NAME", at.text("expansions").c_str());

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The saves that replace a file as a whole, and the two texts that each leaves alternately.
+/// The saves that replace a whole file, and the two texts that each writes alternately.
 
 #include <tests/environment/store_access.h>
 #include <tests/machine_context/context_samples.h>
@@ -39,7 +39,7 @@ inline int saveStore(int (*save)(message_store* store, const char* file_name),
                      const std::filesystem::path& target, bool second) {
     const Store store;
     add_section(store, "var");
-    // The second text takes more than one buffer of the standard streams.
+    // The second text is longer than one buffer of the standard streams.
     const int entries = second ? 1000 : 10;
     for (int entry = 0; entry < entries; ++entry)
         set_variable(store, 0, ("Name" + std::to_string(entry) + " = a value").c_str());

@@ -34,7 +34,7 @@ private:
     T* value_;
 };
 
-/// A text of a length that is known before.
+/// A text of a fixed length.
 class Text {
 public:
     void store(const std::string& text) { text_[text.copy(text_, sizeof text_ - 1)] = '\0'; }

@@ -1,4 +1,4 @@
-// Several processes that save, read and start zones at the same time.
+// Several processes save, read and start zones at the same time.
 
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
@@ -83,7 +83,7 @@ protected:
     Shared<Counts> counts_;
 };
 
-TEST_P(SimultaneousSavesOf, OneFileAllSucceedAndAreReadWhole) {
+TEST_P(SimultaneousSavesOf, OneFileAllSucceedAndAreReadCompletely) {
     constexpr int readers = 2;
     constexpr int savers = 2;
     const int times = 300 * tortureRounds();
@@ -161,7 +161,7 @@ protected:
         writeBytes(directory_ / "conf/workzone.num", "0000000a\n");
     }
 
-    /// The directories of so many processes, each of which starts in the zone of its number.
+    /// The directories of several processes, each of which starts in the zone of its number.
     std::vector<std::string> start(const std::function<std::string(int)>& zoneOf) const {
         const Shared<std::array<Directory, processes>> found;
         EXPECT_TRUE(passesInChildren(processes, [&](int child) {
@@ -214,7 +214,7 @@ TEST_F(SimultaneousZones, OfTheirOwnHaveDirectoriesOfTheirOwn) {
         ASSERT_FALSE(HasFailure()) << "in round " << round;
     }
     EXPECT_EQ(filesIn("tmp"), static_cast<std::size_t>(rounds * processes));
-    // Each number is drawn once.
+    // Each number is allocated once.
     char last[16];
     std::snprintf(last, sizeof last, "%08x\n", 10 + rounds * processes);
     EXPECT_EQ(bytesOf(directory_ / "conf/workzone.num"), last);

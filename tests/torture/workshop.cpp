@@ -17,7 +17,7 @@ void write(const fs::path& path, std::string_view text) {
     writeBytes(path, text);
 }
 
-// The texts that take the library to make are made once in a process.
+// The texts that the library has to write are created once in a process.
 struct MadeFiles {
     std::string context;
     std::string assembly;
@@ -32,7 +32,7 @@ MadeFiles madeByTheLibrary() {
     files.writeTrvAssembly(
         "made.assembly",
         assemblyOf(group("root", {leaf("a", "a.stl"), group("b", {leaf("c", "c.stl")})})));
-    // Deeper than what is parsed on the caller's stack.
+    // Deeper than the limit for parsing on the caller's stack.
     constexpr int deep = 110;
     files.writeTrvAssembly("deep.assembly", assemblyOf(chain(deep)));
     const double placement[16] = {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 1, 2, 3, 1};

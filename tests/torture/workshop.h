@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// What an operation under torture works on: a directory of files, an installation, and a fault
-/// that strikes while the operation runs.
+/// The environment of a tested operation: a directory of files, an installation, and a fault that
+/// occurs while the operation runs.
 
 #include <trvfiles/environment/variables_internal.h>
 
@@ -14,7 +14,7 @@
 
 namespace trv::testing {
 
-/// Something that goes wrong in this process between arm() and disarm().
+/// A fault of this process between arm() and disarm().
 class Fault {
 public:
     Fault() = default;
@@ -32,30 +32,32 @@ public:
     void disarm() override {}
 };
 
-/// What a handler of the host throws.
+/// The exception of a handler of the host.
 struct HandlerFailure {};
 
-/// In place of a status: the operation threw std::bad_alloc, or a handler threw.
+/// Used instead of a status: the operation threw std::bad_alloc, or a handler threw.
 inline constexpr int threwBadAlloc = 1000;
 inline constexpr int handlerThrew = 1001;
 
-/// All files of a directory and below it: by relative name, their bytes. Directories have none.
+/// The bytes of all files in a directory and its subdirectories, by relative name. Directories have
+/// no bytes.
 using Files = std::map<std::string, std::string>;
 Files filesOf(const std::filesystem::path& directory);
 
-/// A directory with one file of each kind, the process's current one, and in it an installation to
-/// which the process's variables point. The environment is loaded: it has a store of its own.
+/// A directory with one file of each kind. It is the current directory. It contains an
+/// installation, which the variables of the process name. The environment is loaded into a store of
+/// its own.
 ///
-/// It changes the whole process: use it in a child process.
+/// It changes the whole process, so use it in a child process.
 class Workshop {
 public:
-    /// Empties the directory and fills it anew.
+    /// Removes all files of the directory and creates them again.
     Workshop(std::filesystem::path directory, Fault& fault);
     ~Workshop();
     Workshop(const Workshop&) = delete;
     Workshop& operator=(const Workshop&) = delete;
 
-    /// The status of a call during which the fault strikes.
+    /// The status of a call during which the fault occurs.
     template <class Call>
     int under(Call call) {
         const Armed armed(fault_);
@@ -72,10 +74,10 @@ public:
     std::string text(const std::string& name) const { return path(name).string(); }
     std::wstring wide(const std::string& name) const { return path(name).wstring(); }
 
-    /// Makes what every workshop finds in its files; otherwise the first one does.
+    /// Creates the contents of the files for all workshops. Otherwise the first one creates them.
     static void makeFiles();
 
-    /// Puts the process back to where its environment is not loaded yet.
+    /// Resets the process to the state in which its environment is not loaded.
     static void forgetEnvironment();
 
 private:

@@ -1,5 +1,5 @@
 #include <trvfiles/assembly/CComponentInfo.h>
-#include <trvfiles/assembly/vector3.h>
+#include <trvfiles/assembly/record_support.h>
 
 #include <utility>
 
@@ -12,6 +12,8 @@ CComponentInfo::CComponentInfo(std::string fileName, const double vec1[3], const
     trv::copyVector(vec3, vec3_);
 }
 
+// Not in the header: what the compiler generates there is part of the host, and the library could
+// never change it.
 CComponentInfo::CComponentInfo(const CComponentInfo& other) = default;
 CComponentInfo::CComponentInfo(CComponentInfo&& other) noexcept = default;
 CComponentInfo& CComponentInfo::operator=(const CComponentInfo& other) = default;

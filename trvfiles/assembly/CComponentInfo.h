@@ -8,12 +8,12 @@
 #include <string>
 
 /// A geometry file with its final placement: one entry of the list that flattening an assembly
-/// gives. Made by its constructor alone and not changed afterwards, except by assignment.
+/// gives. It changes by assignment only.
 ///
 /// Threads: const operations may run at once on one object.
 class TRV_EXPORT CComponentInfo {
 public:
-    /// Copies twelve numbers and takes the name. A null pointer gives zeros.
+    /// Copies twelve numbers and takes the name. nullptr gives three zeros.
     ///
     /// @param fileName  the geometry file's name as the component stores it, no directory joined
     /// @param vec1  three numbers: the final image of the x axis

@@ -1,38 +1,22 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/assembly/assembly_comparison.h>
 #include <trvfiles/assembly/component_body.h>
-#include <trvfiles/assembly/vector3.h>
+#include <trvfiles/assembly/record_support.h>
 
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
-// Trees may be deeper than any stack, so every walk over one keeps its own list of what is left.
+// A host may build trees that are deeper than its stack, so no walk recurses: each keeps a list of
+// the components or levels that are left.
 
 namespace {
 
 using trv::ComponentBody;
 
-constexpr double placementTolerance = 1e-6;
-
-bool differ(const double one[3], const double other[3]) {
-    for (int i = 0; i < 3; ++i) {
-        if (std::fabs(one[i] - other[i]) > placementTolerance) return true;
-    }
-    return false;
-}
-
 void setRow(Math::XForm3Gen<double>& form, int row, const double values[3], double last) {
     for (int column = 0; column < 3; ++column)
         form(row, column) = values[column];
     form(row, 3) = last;
-}
-
-bool haveSameFields(const ComponentBody& one, const ComponentBody& other) {
-    // vec3 is not compared, which hosts rely on.
-    return one.name == other.name && one.comment == other.comment &&
-           one.geometryFileName == other.geometryFileName && one.enabled == other.enabled &&
-           !differ(one.vec1, other.vec1) && !differ(one.vec2, other.vec2) &&
-           !differ(one.translation, other.translation);
 }
 
 Math::XForm3Gen<double> placementOf(const ComponentBody& component) {
@@ -81,11 +65,10 @@ bool CTrvAssemblyComponentData::operator==(const CTrvAssemblyComponentData& othe
         const ComponentBody* other;
     };
     std::vector<Pair> pending;
-    // Those with children wait for their turn.
+    // Compares all but the children. A pair that has some goes to the list.
     const auto mayBeEqual = [&pending](const ComponentBody& one, const ComponentBody& two) {
-        if (one.components.size() != two.components.size() || !haveSameFields(one, two)) {
-            return false;
-        }
+        if (one.components.size() != two.components.size()) return false;
+        if (trv::differenceOf(one, two).counts()) return false;
         if (!one.components.empty()) pending.push_back({&one, &two});
         return true;
     };
@@ -162,16 +145,19 @@ std::vector<CTrvAssemblyComponentData> CTrvAssemblyComponentData::getComponents(
 }
 void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentData> components) {
     ComponentBody& body = own(body_);
+    // Assigned at the end: if memory runs out, the component keeps its children.
     std::vector<ComponentBody> children;
     children.reserve(components.size());
     for (CTrvAssemblyComponentData& component : components) {
-        // Each goes at once, so that a long list does not stand in memory twice.
+        // Frees each component at once: otherwise a long list would be in memory twice.
         const std::unique_ptr<ComponentBody> taken = std::move(component.body_);
         children.push_back(taken == nullptr ? ComponentBody() : std::move(*taken));
     }
     body.components = std::move(children);
 }
 
+// A component with a file is counted once, and what is below it is not. Flattening, below, does go
+// there.
 unsigned long long CTrvAssemblyComponentData::getComponentNumber() const {
     unsigned long long count = 0;
     std::vector<const ComponentBody*> pending{&ComponentBody::of(*this)};
@@ -215,7 +201,7 @@ void CTrvAssemblyComponentData::getComponentFileList(Math::XForm3Gen<double> par
             continue;
         }
         const ComponentBody& child = (*level.children)[level.next++];
-        // Entering may grow the list of levels, which would move the placement away.
+        // enter() may grow the list of levels, and `level` would refer to freed memory.
         const Math::XForm3Gen<double> outer = level.world;
         enter(child, outer);
     }

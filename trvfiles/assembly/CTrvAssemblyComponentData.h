@@ -19,11 +19,10 @@ struct ComponentBody;
 /// file or children.
 ///
 /// A plain value that owns its children: copying a node copies the whole subtree, destroying it
-/// destroys the subtree. A default-made component is enabled, has empty texts, the identity
-/// placement and no children; a moved-from one reads like that too. Texts are narrow, in the local
-/// 8-bit code page (UTF-8 on Linux). Nothing is normalised or checked: the vectors may have any
-/// length and any angle to each other. A null pointer in place of three numbers leaves both sides
-/// as they are.
+/// destroys the subtree. A default-constructed component is enabled, has empty texts, the identity
+/// placement and no children, and so has a moved-from one. Texts are narrow, in the local 8-bit
+/// code page (UTF-8 on Linux). Nothing is normalised or checked: the vectors may have any length
+/// and any angle to each other. nullptr in place of three numbers leaves both sides as they are.
 ///
 /// No operation recurses: the depth of a tree is limited by memory alone. Running out of it throws
 /// std::bad_alloc; an assignment or a setter that throws leaves the component as it was.
@@ -38,10 +37,10 @@ public:
     CTrvAssemblyComponentData& operator=(CTrvAssemblyComponentData&& other) noexcept;
     ~CTrvAssemblyComponentData();
 
-    /// Equality of the two subtrees: texts byte for byte, `enabled`, the placement entry by entry
-    /// with an absolute tolerance of 1e-6, and the children in order.
+    /// Whether the two subtrees are equal: texts byte for byte, `enabled`, the placement entry by
+    /// entry with an absolute tolerance of 1e-6, and the children in order.
     ///
-    /// `vec3` takes no part: components that differ in it alone are equal. A NaN never makes a
+    /// `vec3` is not compared: components that differ only in it are equal. A NaN never makes a
     /// difference.
     bool operator==(const CTrvAssemblyComponentData& other) const;
     bool operator!=(const CTrvAssemblyComponentData& other) const;
@@ -54,7 +53,7 @@ public:
     std::string getComment() const;
     void setComment(std::string comment);
 
-    /// The geometry file of this component as it was set, no directory joined; empty where the
+    /// The geometry file of this component as it was set, no directory joined; empty if the
     /// component only groups children.
     std::string getGeometryFileName() const;
     void setGeometryFileName(std::string fileName);
@@ -93,6 +92,6 @@ public:
 private:
     friend struct trv::ComponentBody;
 
-    // Absent where every field has its default.
+    // nullptr if every field has its default.
     std::unique_ptr<trv::ComponentBody> body_;
 };

@@ -1,10 +1,10 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
-#include <trvfiles/assembly/never_destroyed.h>
-#include <trvfiles/assembly/vector3.h>
+#include <trvfiles/assembly/assembly_comparison.h>
+#include <trvfiles/assembly/record_support.h>
 
 #include <utility>
 
-// Of an exported class, but not exported itself.
+// A nested class of an exported one would be exported with it.
 struct TRVFILES_NO_EXPORT CTrvAssemblyData::Body {
     static const Body& of(const CTrvAssemblyData& data) {
         static const trv::NeverDestroyed<Body> defaults;
@@ -28,7 +28,7 @@ CTrvAssemblyData::CTrvAssemblyData(const CTrvAssemblyData& other)
 CTrvAssemblyData::CTrvAssemblyData(CTrvAssemblyData&& other) noexcept = default;
 
 CTrvAssemblyData& CTrvAssemblyData::operator=(const CTrvAssemblyData& other) {
-    // The copy alone can fail, and then nothing has changed.
+    // Only the copy can throw, and then nothing has changed.
     if (this != &other) *this = CTrvAssemblyData(other);
     return *this;
 }
@@ -40,7 +40,7 @@ CTrvAssemblyData& CTrvAssemblyData::operator=(CTrvAssemblyData&& other) noexcept
     } else if (other.body_ == nullptr) {
         *body_ = Body();
     } else {
-        // Into the root that is there: the host may hold references to both roots.
+        // Moves into the existing root: the host may hold references to both roots.
         *body_ = std::exchange(*other.body_, Body());
     }
     return *this;
@@ -69,14 +69,10 @@ void CTrvAssemblyData::setRootComponent(const CTrvAssemblyComponentData& compone
 }
 
 bool CTrvAssemblyData::operator==(const CTrvAssemblyData& other) const {
-    double squaredDistance = 0;
-    for (int i = 0; i < 3; ++i) {
-        const double difference = Body::of(*this).dimension[i] - Body::of(other).dimension[i];
-        squaredDistance += difference * difference;
-    }
-    // The squared distance itself meets the tolerance, so sizes within 0.001 of each other agree.
-    if (squaredDistance > 1e-6) return false;
-    return Body::of(*this).rootComponent == Body::of(other).rootComponent;
+    const Body& first = Body::of(*this);
+    const Body& second = Body::of(other);
+    return !trv::dimensionsDiffer(first.dimension, second.dimension) &&
+           first.rootComponent == second.rootComponent;
 }
 
 bool CTrvAssemblyData::operator!=(const CTrvAssemblyData& other) const {

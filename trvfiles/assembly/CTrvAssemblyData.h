@@ -13,8 +13,8 @@
 /// An assembly: how a set-up is put together from geometry files.
 ///
 /// A plain value. A default-constructed assembly has the dimension 0, 0, 0 and a
-/// default-constructed root; a moved-from one reads like that too. A null pointer in place of three
-/// numbers leaves both sides as they are.
+/// default-constructed root, and so has a moved-from one. nullptr in place of three numbers leaves
+/// both sides as they are.
 ///
 /// Assigning copies or moves into the root that is there: references to it stay valid and refer to
 /// the new root component. Running out of memory throws std::bad_alloc; an assignment or a setter
@@ -44,7 +44,7 @@ public:
     /// Assigns a copy of `component` over the root. The root itself may be given.
     void setRootComponent(const CTrvAssemblyComponentData& component);
 
-    /// Equality: the squared distance of the dimensions is at most 1e-6 and the roots are equal. A
+    /// Whether the squared distance of the dimensions is at most 1e-6 and the roots are equal. A
     /// NaN in a dimension never makes a difference.
     bool operator==(const CTrvAssemblyData& other) const;
     bool operator!=(const CTrvAssemblyData& other) const;
@@ -59,6 +59,6 @@ public:
 private:
     struct Body;
 
-    // Absent in a moved-from assembly alone.
+    // nullptr in a moved-from assembly only.
     std::unique_ptr<Body> body_;
 };

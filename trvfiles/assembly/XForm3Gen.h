@@ -8,8 +8,8 @@ namespace Math {
 /// A placement: sixteen numbers, a 4x4 matrix stored row by row and applied to row vectors.
 ///
 /// Rows 0, 1 and 2 are the images of the x, y and z axes with 0 in the fourth column; row 3 is the
-/// translation, in the project's length unit, with 1 in the fourth column. A default-made placement
-/// is the identity. Nothing is normalised or checked.
+/// translation, in the project's length unit, with 1 in the fourth column. A default-constructed
+/// placement is the identity. Nothing is normalised or checked.
 ///
 /// Threads: a plain value; const operations may run at once.
 template <class T>
@@ -18,12 +18,13 @@ struct XForm3Gen {
     T& operator()(int row, int column) { return entries[4 * row + column]; }
     const T& operator()(int row, int column) const { return entries[4 * row + column]; }
 
-    /// The sixteen entries, row by row; they live as long as the placement.
+    /// The sixteen entries, row by row; valid as long as the placement lives.
     T* data() { return entries; }
     const T* data() const { return entries; }
 
     /// The placement that applies this one first and `parent` second, so that
-    /// `local * parent` is child-to-world. A full product: the fourth columns count too.
+    /// `local * parent` is child-to-world. A full product: the fourth columns are multiplied as
+    /// well.
     XForm3Gen operator*(const XForm3Gen& parent) const {
         XForm3Gen product;
         for (int row = 0; row < 4; ++row) {

@@ -1,7 +1,6 @@
 #include <trvfiles/assembly/assembly_builder.h>
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/dom_tree.h>
-#include <trvfiles/assembly/dom_walk.h>
 #include <trvfiles/assembly/plain_scanner.h>
 #include <trvfiles/text/text_conversion.h>
 

@@ -1,14 +1,15 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/component_body.h>
-#include <trvfiles/assembly/never_destroyed.h>
+#include <trvfiles/assembly/record_support.h>
 
 #include <utility>
 
 namespace trv {
 
-// Level after level, from the last component to the first. What a level has left while the one
-// below it is freed hangs under the first leaf there, which is the last to be met: a list of levels
-// would need memory. Each way to a first leaf is gone along once.
+// Iterative and allocation-free: a list of open levels would need memory. Components of a level are
+// freed from the last to the first. Before descending into a component's children, attach the
+// remaining siblings to the first leaf below it, which is the last component to be freed there.
+// Each path to a first leaf is followed once, so the time is linear.
 ComponentBody::~ComponentBody() {
     std::vector<ComponentBody> level = std::move(components);
     while (!level.empty()) {

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What a component of an assembly is made of, and how a tree of any depth is copied and freed.
+/// The fields of a component of an assembly, and how a tree of any depth is copied and freed.
 
 #include <string>
 #include <vector>
@@ -22,26 +22,27 @@ struct ComponentFields {
     std::string geometryFileName;
 };
 
-/// A component with its children, which stand side by side in one block of memory. The library's
-/// own walks read it where the component's getters would copy.
+/// A component with its children, which are in one block of memory. The library's own walks read
+/// it, because the getters of a component copy.
 ///
-/// Trees may be deeper than any stack, so no operation recurses.
+/// A tree may be deeper than the stack, so no operation recurses.
 struct ComponentBody : ComponentFields {
     ComponentBody() = default;
-    /// Without children.
+    /// A component without children.
     explicit ComponentBody(const ComponentFields& fields) : ComponentFields(fields) {}
     ComponentBody(ComponentBody&&) noexcept = default;
-    /// Needs no memory.
+    /// Allocates nothing.
     ~ComponentBody();
 
-    /// The component's body, valid while the component lives and is not changed. One that has none
-    /// reads like a default-made one.
+    /// The body of a component, valid while the component lives and is not changed. A component
+    /// that has none gives a default-constructed one.
     static const ComponentBody& of(const CTrvAssemblyComponentData& component);
 
     /// A component that has the body.
     static CTrvAssemblyComponentData toComponent(ComponentBody body);
 
-    /// A copy with all that is below.
+    /// A copy of the component with all that is below it. A copy constructor would be called by
+    /// accident, for a cost that grows with the tree.
     ComponentBody copy() const;
 
     std::vector<ComponentBody> components;

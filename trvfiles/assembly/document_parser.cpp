@@ -27,6 +27,7 @@ namespace {
 // The parser takes some 350 bytes for each of the 2,000 elements that may be open.
 constexpr std::size_t stackForMaxNesting = std::size_t{4} << 20;
 
+// The whole file would be in memory twice, as bytes and as characters.
 constexpr int blockSize = 65536;
 
 // Qt destroys its codecs during exit, and its input source uses the one for UTF-8 without a check.

@@ -1,6 +1,8 @@
 #include <trvfiles/assembly/dom_tree.h>
-#include <trvfiles/assembly/dom_walk.h>
 
+#include <QDomImplementation>
+
+#include <mutex>
 #include <new>
 #include <vector>
 
@@ -8,14 +10,15 @@ namespace trv {
 namespace {
 
 void freeInSlices(QDomDocument& document) {
-    // A handle keeps its node alive when the node's parent goes. So the document falls into slices
-    // of so many levels, which are freed one after the other, the outermost first.
+    // A handle keeps its node alive after the node's parent is freed. So the handles to every
+    // hundredth level divide the document into slices, and freeing one slice recurses through its
+    // own levels only. The outermost slice is freed first.
     constexpr int levelsOfASlice = 100;
     std::vector<QDomNode> slices;
     walkDocument(
         document,
         [&](const QDomNode& node, int depth) {
-            if (depth > 0 && depth % levelsOfASlice == 0) slices.push_back(node);
+            if (depth % levelsOfASlice == 0) slices.push_back(node);
         },
         [](const QDomNode&, int) {});
     document.clear();
@@ -25,12 +28,22 @@ void freeInSlices(QDomDocument& document) {
 
 }  // namespace
 
+void setInvalidDataPolicy() {
+    // Qt holds the policy in a plain variable, which the parsers of other threads read without this
+    // lock. So nothing may write the value that it has already.
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (QDomImplementation::invalidDataPolicy() != QDomImplementation::ReturnNullNode) {
+        QDomImplementation::setInvalidDataPolicy(QDomImplementation::ReturnNullNode);
+    }
+}
+
 DomTree::~DomTree() {
     if (!isDeep) return;
     try {
         freeInSlices(document);
     } catch (const std::bad_alloc&) {
-        // Then it goes the usual way, which needs more stack but no memory.
+        // Qt's own way needs no memory, but more stack: some 90 bytes a level.
         document.clear();
     }
 }

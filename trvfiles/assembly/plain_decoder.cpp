@@ -6,17 +6,17 @@
 namespace trv {
 namespace {
 
-// How many bytes a character of UTF-8 with this first byte has; 1 for a byte that begins none.
+// The length of a character of UTF-8 by its first byte; 1 for a byte that begins no character.
 int lengthFor(uchar firstByte) {
     if (firstByte < 0xC2 || firstByte > 0xF4) return 1;
     if (firstByte < 0xE0) return 2;
     return firstByte < 0xF0 ? 3 : 4;
 }
 
-// How many bytes at the end begin a character of UTF-8 that needs more.
+// The number of bytes at the end that begin a character of UTF-8 whose rest is in the next piece.
 int incompleteTail(const QByteArray& bytes) {
-    constexpr int longestStart = 3;
-    for (int count = 1; count <= std::min(longestStart, bytes.size()); ++count) {
+    constexpr int maxStart = 3;
+    for (int count = 1; count <= std::min(maxStart, bytes.size()); ++count) {
         const auto byte = static_cast<uchar>(bytes.at(bytes.size() - count));
         const bool isContinuation = (byte & 0xC0) == 0x80;
         if (!isContinuation) return lengthFor(byte) > count ? count : 0;
@@ -44,7 +44,7 @@ QString declaredEncoding(const QString& text) {
 QString PlainDecoder::decode(const QByteArray& bytes) {
     pending_ += bytes;
     if (encoding_ != Encoding::undetected) return decodePending();
-    // No document is shorter than "<a/>".
+    // The encoding is detected by the first four bytes. No document is shorter than "<a/>".
     if (pending_.size() < 4) return {};
     const QByteArray beginning = pending_;
     encoding_ = detected();
@@ -94,11 +94,12 @@ QString PlainDecoder::decodePending() {
 QString PlainDecoder::decodeUtf8() {
     const int complete = pending_.size() - incompleteTail(pending_);
     QString text = QString::fromUtf8(pending_.constData(), complete);
-    // fromUtf8() drops what looks like a byte order mark, which is one at the beginning only.
+    // fromUtf8() drops U+FEFF at the beginning of each piece, but only at the beginning of the
+    // document it is a byte order mark.
     if (isStarted_ && pending_.startsWith("\xEF\xBB\xBF")) {
         text.prepend(QChar(QChar::ByteOrderMark));
     }
-    isStarted_ = isStarted_ || complete > 0;
+    isStarted_ = true;
     pending_.remove(0, complete);
     return text;
 }
@@ -112,7 +113,7 @@ QString PlainDecoder::decodeUtf16() {
                         static_cast<uchar>(pending_.at(2 * i + high)));
     }
     if (!isStarted_ && text.startsWith(QChar(QChar::ByteOrderMark))) text.remove(0, 1);
-    isStarted_ = isStarted_ || units > 0;
+    isStarted_ = true;
     pending_.remove(0, 2 * units);
     return text;
 }

@@ -8,18 +8,18 @@
 
 namespace trv {
 
-/// Decodes an XML document piece by piece, for the time when Qt has destroyed its codecs: they go
-/// during exit, while a host's handlers and destructors may still read.
+/// Decodes an XML document piece by piece after Qt has destroyed its codecs. That happens during
+/// exit, while a host's handlers and destructors may still read.
 ///
-/// It knows UTF-8 and UTF-16, recognised as Qt does it, and ISO-8859-1 where the document declares
-/// it. Like a codec, it makes U+FFFD of what is not well-formed and drops a byte order mark and an
-/// incomplete character at the end.
+/// It decodes UTF-8 and UTF-16, detected as Qt detects them, and ISO-8859-1 if the document
+/// declares it. Like a codec, it makes U+FFFD of bytes that are not well-formed, and drops a byte
+/// order mark and an incomplete character at the end.
 class PlainDecoder {
 public:
-    /// Takes the next bytes, and gives the characters that are complete.
+    /// Takes the next bytes and returns the characters that are complete.
     QString decode(const QByteArray& bytes);
 
-    /// Whether the document is in another encoding, of which nothing is decoded.
+    /// Whether the document has another encoding; then nothing is decoded.
     bool isUnknownEncoding() const { return encoding_ == Encoding::unknown; }
 
 private:

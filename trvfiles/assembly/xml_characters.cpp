@@ -6,6 +6,7 @@
 namespace trv {
 namespace {
 
+// Not less than either base.
 constexpr uint noDigit = 16;
 
 uint hexadecimalDigit(ushort character) {
@@ -35,6 +36,7 @@ bool referencedNumber(QStringView digits, uint& number) {
         const uint digit = hexadecimalDigit(character.unicode());
         if (digit >= base) return false;
         value = value * base + digit;
+        // Checked for each digit, so that 64 bits never overflow.
         if (value > std::numeric_limits<uint>::max()) return false;
     }
     number = static_cast<uint>(value);
@@ -48,6 +50,7 @@ bool isPredefinedEntity(QStringView name) {
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
+// Letters and letter numbers begin a name; digits and marks are valid after its beginning.
 ushort plainNameCharacter(ushort character) {
     const QChar qtCharacter(character);
     if (character < 0x80) return character;

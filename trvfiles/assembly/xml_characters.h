@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The characters of an XML document, as XML allows them and as Qt's parser takes them.
+/// The characters of an XML document: those that XML allows and those that Qt's parser accepts.
 
 #include <QChar>
 #include <QString>
@@ -26,14 +26,15 @@ inline bool isXmlCharacter(uint code) {
 ///
 /// @param digits  what is between "&#" and ";"
 /// @param number  written on success only
-/// @return false when the parser refuses the reference itself: no digits, or more than 32 bits
+/// @return false if the parser rejects the reference itself: no digits, or more than 32 bits
 bool referencedNumber(QStringView digits, uint& number);
 
 /// Whether the name is one of the five entities that XML declares, each of which is a character.
 bool isPredefinedEntity(QStringView name);
 
-/// An ASCII character that is as good in a name as the given one: at its beginning, after its
-/// beginning, or not at all. Qt's parser reads letters in names that its DOM does not accept.
+/// A replacement character in ASCII for a character of a name, which is valid at the same places:
+/// at the beginning of a name, after its beginning, or nowhere. Qt's parser accepts letters in
+/// names that its DOM does not.
 ushort plainNameCharacter(ushort character);
 
 /// The length in bytes of the character of UTF-8 at this place; 0 if it is malformed, U+FFFE or

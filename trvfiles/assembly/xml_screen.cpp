@@ -6,8 +6,20 @@
 namespace trv {
 namespace {
 
-// XML allows it in every place that it may come to, and it is part of no name.
+// XML allows this character in texts, comments, CDATA sections and instructions, and no name has
+// it.
 constexpr ushort replacement = '!';
+
+bool mayBecome(const QString& opening, QLatin1String construct) {
+    return opening.size() <= construct.size() &&
+           QLatin1String(construct.data(), opening.size()) == opening;
+}
+
+constexpr QLatin1String commentStart("<!--", 4);
+constexpr QLatin1String cdataStart("<![CDATA[", 9);
+constexpr QLatin1String documentTypeStart("<!DOCTYPE", 9);
+constexpr QLatin1String entityStart("<!ENTITY", 8);
+constexpr QLatin1String instructionStart("<?", 2);
 
 }  // namespace
 
@@ -25,11 +37,12 @@ QString XmlScreen::pass(QString piece) {
         if (refusal_ != Refusal::none) return text_.left(passed_);
         if (characters[index_] <= '\r') countLine(characters[index_]);
     }
+    // A reference or a pair that is not complete is held back for the next piece.
     if (place_ == Place::reference) return release(referenceStart_);
     return release(place_ == Place::lowSurrogate ? size - 1 : size);
 }
 
-// Takes the beginning out of the text.
+// Removes the beginning of the text and returns it.
 QString XmlScreen::release(int length) {
     lineStart_ -= length;
     referenceStart_ = 0;
@@ -39,6 +52,7 @@ QString XmlScreen::release(int length) {
     return beginning;
 }
 
+// Lines end with LF, CR or CR LF, as the parser counts them. CR LF may be in two pieces.
 void XmlScreen::countLine(ushort character) {
     if (character == '\n') {
         const bool endsReturn = lineStartsAfterReturn_ && lineStart_ == index_;
@@ -106,7 +120,8 @@ void XmlScreen::seeContent(ushort& character) {
     }
 }
 
-// One character of a text: `unit` is what the parser makes of `code`, which begins at `start`.
+// Checks one character of a text. `unit` is the character that the parser makes of `code`, which
+// begins at `start`.
 void XmlScreen::seeText(ushort unit, int start, uint code) {
     if (!runHasText_ && (unit == '\v' || unit == '\f')) {
         if (feed_ == 0) feedAt_ = positionOf(start);
@@ -115,6 +130,7 @@ void XmlScreen::seeText(ushort unit, int start, uint code) {
         refuseCharacter(code, start);
     } else if (!QChar::isSpace(unit)) {
         runHasText_ = true;
+        // The parser drops a run of white space, so a feed is refused only in a run with text.
         if (feed_ == 0) return;
         refuseCharacter(feed_, start);
         refusedAt_ = feedAt_;
@@ -159,13 +175,16 @@ void XmlScreen::endReference() {
     } else if (isPredefinedEntity(name)) {
         seeText(replacement, referenceStart_, replacement);
     } else {
+        // The parser makes a node of a reference to an unknown entity, and the node needs a name
+        // that the DOM accepts.
         endRun();
         std::transform(characters + referenceStart_, characters + index_,
                        characters + referenceStart_, plainNameCharacter);
     }
 }
 
-// The parser makes a character of the lower 16 bits.
+// The parser takes only the lower 16 bits of the number. If these give a character that XML does
+// not allow, but the number itself is one that XML allows, the whole reference is replaced.
 void XmlScreen::seeNumber(uint number) {
     const auto unit = static_cast<ushort>(number);
     if (number == unit || isXmlCharacter(unit) || !isXmlCharacter(number)) {
@@ -193,7 +212,7 @@ void XmlScreen::seeMarkup(ushort character) {
 }
 
 void XmlScreen::seeStartTag(ushort character) {
-    if (isQuoted(character)) return;
+    if (consumeQuoted(character)) return;
     if (character == '>') {
         if (previous_ == '/') close();
         place_ = Place::content;
@@ -216,11 +235,82 @@ void XmlScreen::seeUntilClosed(ushort character, ushort closing, int repetitions
     repetitions_ = 0;
 }
 
-// Whether the character belongs to a literal, its quotes included.
-bool XmlScreen::isQuoted(ushort character) {
+void XmlScreen::seeDeclaration(ushort character) {
+    opening_ += QChar(character);
+    if (opening_ == commentStart) {
+        enter(Place::comment, Place::content);
+    } else if (opening_ == cdataStart) {
+        enter(Place::cdata, Place::content);
+    } else if (opening_ == documentTypeStart) {
+        place_ = Place::documentType;
+        opening_.clear();
+    } else if (!mayBecome(opening_, commentStart) && !mayBecome(opening_, cdataStart) &&
+               !mayBecome(opening_, documentTypeStart)) {
+        place_ = Place::content;
+    }
+}
+
+void XmlScreen::seeDocumentType(ushort character) {
+    if (consumeQuoted(character) || consumeOpening(character)) return;
+    switch (character) {
+        case '<':
+            opening_ = QStringLiteral("<");
+            break;
+        // A ">" ends the document type only outside of its subset, "[...]".
+        case '[':
+            inSubset_ = true;
+            break;
+        case ']':
+            if (!inDeclaration_) inSubset_ = false;
+            break;
+        case '(':
+            // The parser recurses into the groups of a content model as it does into elements, so
+            // both have the same limit.
+            open();
+            break;
+        case ')':
+            close();
+            break;
+        case '>':
+            if (inDeclaration_) {
+                inDeclaration_ = false;
+            } else if (!inSubset_) {
+                place_ = Place::content;
+            }
+            break;
+        default:
+            break;
+    }
+}
+
+// Consumes a character of the beginning of a construct inside a document type.
+//
+// @return whether the character is one
+bool XmlScreen::consumeOpening(ushort character) {
+    if (opening_.isEmpty()) return false;
+    opening_ += QChar(character);
+    if (opening_ == commentStart) {
+        inDeclaration_ = false;
+        enter(Place::comment, Place::documentType);
+    } else if (opening_ == instructionStart) {
+        enter(Place::instruction, Place::documentType);
+    } else if (opening_ == entityStart) {
+        refuse(Refusal::entityDeclaration, index_);
+    } else if (mayBecome(opening_, commentStart) || mayBecome(opening_, entityStart)) {
+        inDeclaration_ = true;
+        return true;
+    }
+    const bool complete = place_ != Place::documentType || refusal_ != Refusal::none;
+    opening_.clear();
+    return complete;
+}
+
+// Consumes a character of a literal, of which the quotes are part.
+//
+// @return whether the character is one
+bool XmlScreen::consumeQuoted(ushort character) {
     if (quote_ != 0) {
         if (character == quote_) quote_ = 0;
-        previous_ = character;
         return true;
     }
     if (character != '"' && character != '\'') return false;
@@ -231,18 +321,17 @@ bool XmlScreen::isQuoted(ushort character) {
 void XmlScreen::enter(Place place, Place afterwards) {
     place_ = place;
     afterwards_ = afterwards;
-    repetitions_ = 0;
-    opening_.clear();
 }
 
 void XmlScreen::open() {
-    if (depth_ == deepest_) {
+    if (depth_ == maxDepth_) {
         refuse(Refusal::tooDeep, index_);
     } else {
         ++depth_;
     }
 }
 
+// In a document that is not well-formed more elements may be closed than opened.
 void XmlScreen::close() {
     if (depth_ > 0) --depth_;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What an XML document may not hold when it reaches the DOM parser.
+/// The check of an XML document before it reaches the DOM parser.
 
 #include <QString>
 
@@ -9,24 +9,23 @@
 
 namespace trv {
 
-/// Looks through a document's characters on their way to the parser, piece by piece.
+/// Checks the characters of a document piece by piece, before the parser gets them.
 ///
-/// It refuses a document, before the parser sees the offending place, which
+/// It rejects a document, before the parser gets the offending character, if the document
 /// - nests too deeply: the parser recurses;
 /// - declares an entity, which can grow without bound;
-/// - holds a character that XML does not allow, or a reference to one, in a text, a comment, a
-/// CDATA
+/// - has a character that XML does not allow, or a reference to one, in a text, a comment, a CDATA
 ///   section or a processing instruction. Under ReturnNullNode most of them crash Qt's DOM.
 ///
 /// In the same places it replaces the characters that XML allows and Qt's DOM cannot hold: those
-/// beyond U+FFFF, and some letters in the names of entities. Nothing there means anything to the
-/// library. The length stays, so that lines and columns still fit.
+/// beyond U+FFFF, and some letters in the names of entities. The library uses none of these texts.
+/// The length of the text does not change, so that lines and columns stay correct.
 ///
-/// Attributes and the literals of a document type pass untouched: Qt takes every character there
-/// but U+FFFE and U+FFFF, at which it reports an error of its own.
+/// Attributes and the literals of a document type are not changed: Qt accepts every character there
+/// but U+FFFE and U+FFFF, for which it reports an error of its own.
 ///
-/// As long as the document is well-formed, the count of open elements is exact; after that, the
-/// parser has already given up.
+/// The count of open elements is exact up to the place at which the document stops being
+/// well-formed, and there the parser stops.
 class XmlScreen {
 public:
     enum class Refusal { none, tooDeep, entityDeclaration, character };
@@ -37,15 +36,15 @@ public:
         qint64 column = 1;
     };
 
-    /// @param deepest  how many elements, or groups in a document type, may be open at once
-    explicit XmlScreen(int deepest) : deepest_(deepest) {}
+    /// @param maxDepth  how many elements, or groups in a document type, may be open at once
+    explicit XmlScreen(int maxDepth) : maxDepth_(maxDepth) {}
 
-    /// Takes the next piece of the document and gives back what the parser may see of it, together
-    /// with what was held back before. It may be empty. After a refusal it ends at the offending
-    /// place, and no further piece may be given.
+    /// Takes the next piece of the document and returns what the parser may get of it, after what
+    /// was held back before. The result may be empty. After a refusal it ends before the offending
+    /// character, and no further piece may be given.
     QString pass(QString piece);
 
-    /// What is still held back at the end of the document.
+    /// What is held back at the end of the document.
     QString rest() { return std::move(text_); }
 
     Refusal refusal() const { return refusal_; }
@@ -85,9 +84,9 @@ private:
     void seeStartTag(ushort character);
     void seeDeclaration(ushort character);
     void seeDocumentType(ushort character);
-    bool seeOpening(ushort character);
+    bool consumeOpening(ushort character);
     void seeUntilClosed(ushort character, ushort closing, int repetitions);
-    bool isQuoted(ushort character);
+    bool consumeQuoted(ushort character);
     void enter(Place place, Place afterwards);
     void open();
     void close();
@@ -97,23 +96,23 @@ private:
     void refuseCharacter(uint code, int index);
     QString release(int length);
 
-    const int deepest_;
+    const int maxDepth_;
     int depth_ = 0;
     Refusal refusal_ = Refusal::none;
     Position refusedAt_;
     uint refusedCharacter_ = 0;
 
     Place place_ = Place::content;
-    // Where a comment, a CDATA section or an instruction leads when it ends.
+    // The place after the end of the current comment, CDATA section or instruction.
     Place afterwards_ = Place::content;
-    // Where the current surrogate pair is.
+    // The place in which the current surrogate pair is.
     Place beforePair_ = Place::content;
     // The quote that ends the current literal, 0 outside literals.
     ushort quote_ = 0;
     ushort previous_ = 0;
-    // How many of the characters that close the current place have come in a row.
+    // The number of closing characters ("-", "]" or "?") directly before the current one.
     int repetitions_ = 0;
-    // The beginning of a "<!" construct, as far as it may still become one that matters.
+    // The beginning of a "<!" construct, while it may still become one that is checked.
     QString opening_;
     bool inSubset_ = false;
     bool inDeclaration_ = false;
@@ -125,16 +124,16 @@ private:
     ushort feed_ = 0;
     Position feedAt_;
 
-    // The current piece, with what was held back before it: a reference is judged as a whole, and
-    // so is a surrogate pair.
+    // The current piece, after what was held back before it: a reference and a surrogate pair are
+    // checked as a whole.
     QString text_;
     int index_ = 0;
-    // Where the parser's part ends: at what was refused or is held back.
+    // The end of what the parser gets: before what is refused or held back.
     int passed_ = 0;
     int referenceStart_ = 0;
 
     qint64 line_ = 1;
-    // Where the current line begins, before text_ when it is negative.
+    // The index of the current line's beginning in text_; negative if that is before it.
     qint64 lineStart_ = 0;
     bool lineStartsAfterReturn_ = false;
 };

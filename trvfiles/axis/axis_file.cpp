@@ -13,15 +13,16 @@
 namespace trv {
 namespace {
 
+// The numbers in a file have six decimals.
 constexpr double identityTolerance = 1e-6;
 constexpr double minDeterminant = 1e-10;
 constexpr int numberColumns = 12;
-// Part of the format: existing files have longer lines whose rest does not count.
+// Part of the format: what follows on a line does not count.
 constexpr std::size_t examinedLineLength = 511;
 // A device may have no end. No axis file is this long.
 constexpr std::size_t maxBytesRead = std::size_t{1} << 30;
 
-// A line of the file holds the same coordinate of all four rows.
+// The file has the matrix transposed: one line is one coordinate of all four rows.
 void appendTransposed(std::string& text, const AxisMatrix& matrix) {
     for (std::size_t line = 0; line < 4; ++line) {
         for (std::size_t row = 0; row < 4; ++row) {
@@ -37,8 +38,8 @@ class LineReader {
 public:
     explicit LineReader(std::FILE* file) : file_(file) {}
 
-    // The next line's beginning, without its end; valid until the next call. False at the end of
-    // the file, when not even a line end is left.
+    // Sets `line` to the beginning of the next line, without its end; valid until the next call.
+    // False at the end of the file, when not even a line end is left.
     bool next(std::string_view& line) {
         if (read_ >= maxBytesRead) return false;
         std::size_t length = read(line_);
@@ -101,8 +102,8 @@ int readTags(std::string_view line, std::array<int, 3>& tags) {
     return count;
 }
 
-// The block is inverted, not transposed: for a scale or a shear the two differ, and existing files
-// rely on it.
+// The block is inverted, although a file is written transposed. For a rotation the two are the
+// same; for a scale or a shear they differ, and existing files rely on this difference.
 AxisMatrix matrixFromLines(const AxisMatrix& lines) {
     AxisMatrix matrix = affineInverse(lines);
     for (std::size_t i = 0; i < 3; ++i) {
@@ -119,6 +120,7 @@ AxisMatrix affineInverse(const AxisMatrix& x) {
     const double determinant = x[0] * (x[5] * x[10] - x[6] * x[9]) +
                                x[4] * (x[2] * x[9] - x[1] * x[10]) +
                                x[8] * (x[1] * x[6] - x[2] * x[5]);
+    // A NaN passes: the inverse then consists of NaN, as the matrix does.
     if (std::fabs(determinant) < minDeterminant) return inverse;
 
     inverse[0] = (x[5] * x[10] - x[6] * x[9]) / determinant;
@@ -134,7 +136,8 @@ AxisMatrix affineInverse(const AxisMatrix& x) {
         inverse[12 + i] = -(x[12] * inverse[i] + x[13] * inverse[4 + i] + x[14] * inverse[8 + i]);
     }
     inverse[15] = 1;
-    // Adding zero turns -0.0 into 0.0, so that the inverse of the identity prints like it.
+    // Adding zero changes -0.0 to 0.0. Otherwise the inverse of the identity would be written as
+    // "-0.000000".
     for (double& element : inverse)
         element += 0.0;
     return inverse;

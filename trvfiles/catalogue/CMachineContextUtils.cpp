@@ -22,7 +22,7 @@
 
 namespace {
 
-// What get_variable() returns is looked at before the next lookup overwrites it.
+// The next lookup overwrites what get_variable() returns, so it is not kept.
 bool hasValue(const char* variable) {
     const char* value = trv::get_variable(variable);
     return value != nullptr && *value != '\0';
@@ -31,9 +31,9 @@ bool hasValue(const char* variable) {
 // A text that begins with a variable, expanded; empty if the variable is not defined or the result
 // is not available in full.
 //
-// The text is expanded first in every case, so that the trace shows the variable, an undefined one
-// too. What replaces an undefined one then is no directory, but the status alone does not tell
-// which variable it is: one inside a value may be undefined.
+// The text is expanded before the variable is checked, so that the trace shows an undefined
+// variable as well. The status cannot replace the check: it may be about another undefined variable
+// inside of the value.
 std::string expanded(const char* variable, const char* text) {
     constexpr std::int32_t bufferSize = 400;
     std::string buffer = text;
@@ -45,7 +45,7 @@ std::string expanded(const char* variable, const char* text) {
 }
 
 bool isAscii(wchar_t unit) {
-    // Where the type has a sign, what is no character may be negative.
+    // wchar_t may have a sign, and a unit that is not a character may be negative.
     return static_cast<std::uint32_t>(unit) < 128;
 }
 
@@ -53,7 +53,7 @@ bool isAscii(wchar_t unit) {
 bool scanPosition(const std::wstring& file, int& position) {
     if (file.compare(0, trv::defaultContextPrefix.size(), trv::defaultContextPrefix) != 0)
         return false;
-    // What is no ASCII character ends the number in any case.
+    // Any other character ends the number.
     std::string number;
     for (std::size_t i = trv::defaultContextPrefix.size(); i < file.size() && isAscii(file[i]); ++i)
         number += static_cast<char>(file[i]);
@@ -67,12 +67,12 @@ Existing replacedIf(bool isThere) {
     return isThere ? Existing::replaced : Existing::refused;
 }
 
-// Empty, which no file has, if the name or the directory does not survive the conversion.
+// Empty if the conversion changes the name or the directory: no file has an empty path.
 QString absolutePath(const std::wstring& directory, const std::wstring& name) {
     return trv::absolutePath(trv::pathFromWide(directory), trv::pathFromWide(name)).openable();
 }
 
-// The path by which CQvFilesIO::writeMachineContext() goes.
+// The path that CQvFilesIO::writeMachineContext() uses.
 QString contextPath(const std::wstring& directory, const std::wstring& name) {
     return trv::resolvedPath(trv::pathFromWide(directory), trv::pathFromWide(name));
 }
@@ -81,15 +81,15 @@ QString barePath(const std::wstring& name) {
     return trv::pathFromWide(name).openable();
 }
 
-// Creates the directory's own axis file if nothing has its name. It appears complete: another
-// caller copies it as soon as it is there.
+// Creates the directory's own axis file if nothing has its name. The file is complete from the
+// moment when it appears, because another caller copies it at once.
 bool provideAxis(CQvFilesIO& files, const std::wstring& directory, const std::wstring& name) {
     if (files.isfileExists(name)) return true;
     constexpr int noTag = -1;
     const QString path = absolutePath(directory, name);
     std::string target;
     if (!trv::runtimePath(path, target)) {
-        // No context can be saved here either, so nobody copies the file.
+        // No context can be saved here either, so no other caller copies the file.
         return trv::isOpenable(path) && !QFileInfo::exists(path) &&
                files.writeAxis(name, trv::identityAxis.data(), noTag, noTag, noTag) ==
                    eFileIOSuccess;
@@ -184,7 +184,8 @@ bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
     if (hasOne()) return false;
 
     trv::ContextCreation creation(contextPath(directory, names.contextFile), Existing::refused);
-    // Bare names, unlike the checks around: copying and deleting go by the current directory.
+    // Bare names: unlike the checks, copying and deleting use the current directory, which the host
+    // makes the same one.
     const bool hasReference = CQvFilesIO(std::wstring()).isfileExists(names.referenceFile);
     // Another caller may have created the context in the meantime.
     if (hasOne()) return false;

@@ -36,37 +36,39 @@ public:
     CMachineContextUtils(const CMachineContextUtils& other) = default;
     ~CMachineContextUtils() = default;
 
-    // There is nothing to assign.
+    // The class has no members, so assigning does nothing.
     CMachineContextUtils& operator=(const CMachineContextUtils& other);
     CMachineContextUtils& operator=(CMachineContextUtils&& other) noexcept;
 
-    /// Where the installation keeps its favourite contexts: the variable TRV_MCTX_DEF, expanded,
-    /// and where that is not defined or empty "$TRVHOME\standard\machine_context". The directory
-    /// need not exist. The first call may load the environment.
+    /// The directory of the installation's favourite contexts: the variable TRV_MCTX_DEF, expanded;
+    /// if that is not defined or empty, "$TRVHOME\standard\machine_context". The directory need not
+    /// exist. The first call may load the environment.
     ///
-    /// @return an absolute path with "/" between its parts; empty where neither is known or an
-    ///         expanded text takes 400 bytes and more
+    /// @return an absolute path with "/" between its parts; empty if neither is known or an
+    /// expanded
+    ///         text takes 400 bytes and more
     static std::wstring sGetFavoriteMachineContextDirectoryW();
 
-    /// The favourite contexts below a directory: in each of its directories, by name without regard
-    /// to case, the file "<directory>/<directory>.mctx"; where there is none, those further down.
-    /// Hidden directories (on Linux those whose names begin with a dot) are ignored.
+    /// The favourite contexts below a directory: in each of its directories, sorted by name without
+    /// regard to case, the file "<directory>/<directory>.mctx"; if there is none, those further
+    /// down. Hidden directories (on Linux those whose names begin with a dot) are ignored.
     ///
     /// Links to directories are followed, but not into a directory that is being walked already.
-    /// Each directory is listed once, and entered only if that leads to a context. A context that
-    /// several paths lead to is listed with each of them: directories that link to each other make
-    /// the result as long as the number of ways through them.
+    /// Each directory is listed once, and entered only if that leads to a context. A context to
+    /// which several paths lead is in the result with each of them. So the result of directories
+    /// that link to each other is as long as the number of paths through them.
     ///
     /// @param directory  empty for sGetFavoriteMachineContextDirectoryW()
-    /// @return the paths, each the directory as given with what was found behind it (the "." of the
-    ///         current one left out); none where the directory cannot be listed
+    /// @return the paths, each beginning with the directory as given (without the "." of the
+    /// current
+    ///         one); none if the directory cannot be listed
     static std::vector<std::wstring> sGetFavoriteMachineContext(std::wstring directory);
 
     /// Chooses the default context: the first one of the highest machine position.
     ///
     /// @param files     bare file names; those of default contexts, "[MACHINE_POSITION_<n>].mctx",
     ///                  count, whatever follows the number
-    /// @param index     the place of the chosen one, from 0, or -1
+    /// @param index     the index of the chosen file, counted from 0, or -1
     /// @param position  its machine position, or -1
     /// @return whether there is one
     static bool sGetDefaultMachineContext(std::vector<std::wstring> files, int& index,

@@ -16,8 +16,7 @@ namespace {
 using platform::file_handle;
 using platform::file_mode;
 
-// What the disk does not take is not noticed here, as in CQvFilesIO::copyFile(). It is noticed when
-// the context is written.
+// As in CQvFilesIO::copyFile(), a full disk is not noticed here. Writing the context notices it.
 void copyBytes(std::FILE* from, std::FILE* to) {
     char block[16384];
     std::size_t read = 0;
@@ -40,7 +39,7 @@ ContextCreation::~ContextCreation() {
 
 bool ContextCreation::copyAxis(const QString& axisFile, const QString& referenceFile,
                                existing what) {
-    // The other caller may be using its own copy under this name.
+    // The caller that holds the context may be using its own copy under this name.
     if (failedWith(ETIMEDOUT)) return true;
     if (!isOpenable(referenceFile)) return false;
     std::filesystem::path path = systemPath(referenceFile);
@@ -51,6 +50,7 @@ bool ContextCreation::copyAxis(const QString& axisFile, const QString& reference
     reference_ = std::move(path);
     const file_handle from = openForRead(axisFile, file_mode::binary);
     if (from == nullptr) {
+        // The empty file stays, as after CQvFilesIO::copyFile().
         reference_.clear();
         return false;
     }
@@ -59,6 +59,7 @@ bool ContextCreation::copyAxis(const QString& axisFile, const QString& reference
 }
 
 bool ContextCreation::write(const CMachineContextData& record) {
+    // The report below may end the process, so the copy is removed before it.
     const bool canBeSaved = held_ && held_->is_open();
     if (!canBeSaved) removeReference();
     if (failedWith(EEXIST)) return false;

@@ -18,13 +18,13 @@ namespace trv {
 
 /// Creates a context: first its reference file as a copy of an axis file, then the context's file.
 ///
-/// From the constructor to the destructor the context's temporary file is locked. So of several
-/// callers with one context only one is between the two; each of the others waits, and then finds
-/// what the first one has created.
+/// From the constructor to the destructor the context's temporary file is locked. So only one of
+/// several callers creates a context at a time; each of the others waits, and then finds what the
+/// first one has created.
 class ContextCreation {
 public:
-    /// What happens to a file that exists. With `refused` it stays, and so does a link that leads
-    /// nowhere.
+    /// What happens to a file that exists. With `refused` it stays, and so does a link whose target
+    /// does not exist.
     using existing = file_replacement::existing;
 
     /// Waits until no other caller creates this context or saves it. Nothing is reported.
@@ -58,9 +58,10 @@ private:
     void removeReference();
 
     QString contextFile_;
-    /// None if the path is none that the runtime can take.
+    /// Has no value if narrow text cannot hold the path.
     std::optional<file_replacement> held_;
-    /// Of the copy, while it may have to be removed. The removal takes no memory.
+    /// The path of the copy, while it may have to be removed. A std::filesystem::path, so that
+    /// removing it takes no memory.
     std::filesystem::path reference_;
 };
 

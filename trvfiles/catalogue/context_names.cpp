@@ -8,7 +8,7 @@ constexpr std::wstring_view machineSuffix = L".mac";
 constexpr std::wstring_view referenceSuffix = L".ref";
 constexpr std::wstring_view machineAxis = L"MACHINE";
 
-// The text without the last occurrence of a part, wherever that stands.
+// The text without the last occurrence of a part, which need not be at the end.
 std::wstring withoutLast(std::wstring text, std::wstring_view part) {
     const std::size_t place = text.rfind(part);
     return place == std::wstring::npos ? text : text.erase(place, part.size());

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// How the catalogue names the files of the contexts that it creates.
+/// The names of the files that the catalogue creates.
 ///
 /// Threads: any.
 
@@ -12,10 +12,10 @@ namespace trv {
 
 inline constexpr std::wstring_view contextSuffix = L".mctx";
 
-/// What the name of every default context begins with; its machine position follows.
+/// The beginning of the name of every default context; its machine position follows.
 inline constexpr std::wstring_view defaultContextPrefix = L"[MACHINE_POSITION_";
 
-/// A context in the making. File names are bare.
+/// The names of a context that is to be created. File names are bare.
 struct ContextNames {
     /// The name in the record.
     std::wstring context;
@@ -30,7 +30,7 @@ ContextNames defaultContextNames(int position);
 
 /// A context for a machine.
 ///
-/// @param machine      the machine's file name; the last ".mac" in it does not count
+/// @param machine      the machine's file name; the last ".mac" in it is removed
 /// @param axisFile     empty for the directory's own
 /// @param contextFile  empty for "<machine>[<axis>].mctx"
 ContextNames createdContextNames(const std::wstring& machine, const std::wstring& axisFile,

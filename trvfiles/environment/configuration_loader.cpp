@@ -24,20 +24,22 @@ bool is_empty(const char* text) {
     return text == nullptr || *text == '\0';
 }
 
-// A failure has been reported.
+// @return false after a failure, which has been reported
 bool expand(const char* text, path_buffer& result) {
     if (text == nullptr) text = "";
     return !is_expand_error(_Expand(text, result, sizeof result));
 }
 
-// The lookups of the first text may overwrite the second one where the caller has it.
+// Expands both texts. The second one is copied first: it may be a looked-up value, which the
+// lookups of the first one overwrite.
 bool expand_both(const char* directory_list, path_buffer& list, const char* file_name,
                  path_buffer& name) {
     const std::string kept = file_name == nullptr ? "" : file_name;
     return expand(directory_list, list) && expand(kept.c_str(), name);
 }
 
-// The directories of a list, without the blanks around them and one separator or blank at the end.
+// The directories of a list, without the blanks around them and without one separator at the end.
+// Elements that are empty then are left out.
 std::vector<std::string_view> directories_of(std::string_view list) {
     std::vector<std::string_view> directories;
     std::string_view element;
@@ -48,7 +50,8 @@ std::vector<std::string_view> directories_of(std::string_view list) {
     return directories;
 }
 
-// The store after the file, or the one before it where the file gave none.
+// The store after loading the file: a new one if there was none, and the earlier one if the file is
+// missing or has a fault.
 message_store* overload_file(message_store* store, const std::string& path) {
     if (trace_is_seen()) report_trace(("Overloading '" + path + "'\n").c_str());
     if (!fits_path_buffer(path)) return store;
@@ -59,6 +62,8 @@ message_store* overload_file(message_store* store, const std::string& path) {
 message_store* overload_directories(message_store* store, std::string_view list,
                                     std::string_view file_name) {
     const std::vector<std::string_view> directories = directories_of(list);
+    // Owns a store that this call makes, so that a handler which throws does not leak it. From the
+    // last directory to the first: the file that is loaded last has the final word.
     store_owner made;
     for (auto directory = directories.rbegin(); directory != directories.rend(); ++directory) {
         message_store* loaded = overload_file(store, path_in(*directory, file_name));
@@ -71,13 +76,14 @@ message_store* overload_directories(message_store* store, std::string_view list,
 
 // Loads into a store of the process, which the first load makes.
 //
-// @param load  takes the store or none, and gives the store or none
+// @param load  takes the store or nullptr, and returns the store or nullptr. May be called twice.
 template <class Load>
 int load_into(message_store*& handle, Load load) {
     const bool is_first = handle == nullptr;
     message_store* loaded = load(handle);
     if (loaded != nullptr && is_first && handle != nullptr) {
-        // A handler has made the store while this load ran: what it has looked up there stays good.
+        // A handler has made the store while this load ran. That store is kept, since the handler
+        // may hold texts of it, and the file is loaded into it.
         destroy_store(loaded);
         loaded = load(handle);
     }
@@ -118,7 +124,7 @@ int load_application_files(const char* file_name, const char* directory_list) {
 }
 
 int load_catalogue_file(const char* path) {
-    // The file may be read twice, and a handler may overwrite the caller's text in between.
+    // A copy: the file may be read twice, and a handler may overwrite the caller's text in between.
     const std::string kept = path == nullptr ? "" : path;
     return load_into(loaded_stores.catalogue,
                      [&](message_store* store) { return load_message_file(store, kept.c_str()); });
@@ -132,7 +138,7 @@ int for_each_variable(int (*callback)(const char* name, const char* value, void*
     const int section = find_section(store, "var");
     if (section < 0) return -1;
     for (int number = 0; number < message_count(store, section); ++number) {
-        // The callback may move the pool: it gets copies.
+        // Copies: the callback may add to the store, which moves its texts.
         const std::string_view text = get_message(store, section, number);
         const std::size_t equals = text.find('=');
         if (equals == std::string_view::npos) return 0;

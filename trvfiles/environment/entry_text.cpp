@@ -10,16 +10,17 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// The place behind the first "=", or the start of a text that has none.
+// The offset after the first "=", or 0 for a text without one: all of it is its value.
 std::size_t value_start(std::string_view text) {
     const std::size_t sign = text.find('=');
     return sign == std::string_view::npos ? 0 : sign + 1;
 }
 
-// Copies a text up to behind its next single "+"; `text` is left at what follows.
+// Moves a text up to and with its next single "+" from `text` to `copy`. Pairs are recognised from
+// the left: in "+++" the third "+" is a single one.
 //
-// @return whether there was one; otherwise the whole text has been copied
-bool copy_to_single_plus(std::string_view& text, std::string& copy) {
+// @return whether there was one; otherwise the whole text has been moved
+bool move_to_single_plus(std::string_view& text, std::string& copy) {
     std::size_t plus = text.find('+');
     while (plus != std::string_view::npos && text.substr(plus + 1, 1) == "+")
         plus = text.find('+', plus + 2);
@@ -30,16 +31,21 @@ bool copy_to_single_plus(std::string_view& text, std::string& copy) {
     return found;
 }
 
-// `same(a, b)` compares a character of the entry with one of the name. Every entry has a "=".
+// Whether the text before the "=" of an entry is the name, with blanks around it. One pass without
+// a copy: a lookup compares names here once for each hit of its index. The "=" that every entry has
+// ends each loop, so no length is needed.
+//
+// @param same  compares a character of the entry with one of the name
 template <class Same>
 bool begins_with_name(const char* entry, std::string_view name, Same same) {
     while (is_blank(*entry))
         ++entry;
     for (const char c : name) {
-        // The name of an entry ends there, and has no "=" in it.
+        // The name of an entry ends at the "=" and has none in it.
         if (*entry == '=' || !same(*entry, c)) return false;
         ++entry;
     }
+    // A name that ends in a blank is no name of an entry: those are trimmed.
     const bool ends_in_blank = !name.empty() && is_blank(name.back());
     while (is_blank(*entry))
         ++entry;
@@ -94,7 +100,7 @@ std::string with_references(std::string_view text, std::int32_t offset) {
     std::string changed(text.substr(0, value_start(text)));
     text.remove_prefix(changed.size());
     const std::string reference = "(" + offset_text(offset) + ")";
-    while (copy_to_single_plus(text, changed))
+    while (move_to_single_plus(text, changed))
         changed += reference;
     return changed;
 }
@@ -102,7 +108,7 @@ std::string with_references(std::string_view text, std::int32_t offset) {
 std::string without_references(std::string_view text) {
     std::string changed(text.substr(0, value_start(text)));
     text.remove_prefix(changed.size());
-    while (copy_to_single_plus(text, changed)) {
+    while (move_to_single_plus(text, changed)) {
         const std::size_t closer = text.find(')');
         if (closer == std::string_view::npos) break;
         text.remove_prefix(closer + 1);

@@ -21,6 +21,8 @@ namespace {
 
 constexpr char file_name[] = "environ.cfg";
 
+// Set while the environment is loaded: the conditions and expansions of the load look up variables,
+// and each of these lookups asks for the environment.
 bool running = false;
 
 void report_not_loaded(const std::string& path) {
@@ -31,12 +33,13 @@ void trace_loading(const std::string& path) {
     if (trace_is_seen()) report_trace(("loading configuration file '" + path + "'").c_str());
 }
 
-// Both in the form in which the system opens them: the root comes with "/", lists have "\".
-bool same_file(const std::string& left, const std::string& right) {
+// Compares paths in the form in which the system opens them: the root has "/", lists have "\".
+bool is_same_file(const std::string& left, const std::string& right) {
     return native_path(left.c_str()) == native_path(right.c_str());
 }
 
-/// A new environment store, which other code sees while it fills. It goes again unless it is kept.
+// A new environment store, which lookups see while it is being filled. Destroyed on every way out,
+// unless keep() has been called: a half-loaded store would prevent the next try.
 class filling_store {
 public:
     filling_store() { loaded_stores.environment = create_store(); }
@@ -55,7 +58,7 @@ private:
     bool kept_ = false;
 };
 
-// The conditions of the home file see what stands above them.
+// The store is in place before the file is read: conditions see the entries above them in the file.
 bool load_home_file(std::string_view root, const std::string& path) {
     trace_loading(path);
     if (root.empty() || !fits_path_buffer(path)) return false;
@@ -68,11 +71,12 @@ bool load_home_file(std::string_view root, const std::string& path) {
 
 bool load_second_file(const std::string& path) {
     trace_loading(path);
+    // A path that does not fit counts as that of a missing file, and a missing file is no failure.
     if (!fits_path_buffer(path)) return true;
     return load_file(loaded_stores.environment, path.c_str(), merging_sink) != load_result::failed;
 }
 
-// They belong to no file and are never written into one.
+// These entries belong to no file and are never written into one: they are not persistent.
 void define_predefined_variables() {
     const int section = find_section(loaded_stores.environment, "var");
     if (section < 0) return;
@@ -91,9 +95,11 @@ bool read_directories(std::string& list) {
     return true;
 }
 
-// Cuts the list behind its last directory whose file is none of `passed`, and returns that file;
-// an empty text, and an empty list, where there is none. Blanks belong to the directories.
-std::string last_other_file(std::string& list, std::initializer_list<std::string> passed) {
+// Consumes directories from the end of the list whose files are in `loaded`. What is left ends with
+// the last directory that has another file. Blanks belong to the directories.
+//
+// @return that file; an empty text, with an empty list, if there is none
+std::string cut_to_last_other_file(std::string& list, std::initializer_list<std::string> loaded) {
     while (!list.empty()) {
         const std::size_t separator = list.find_last_of(list_separators);
         const bool first = separator == std::string::npos;
@@ -101,10 +107,10 @@ std::string last_other_file(std::string& list, std::initializer_list<std::string
             without_trailing_separator(std::string_view(list).substr(first ? 0 : separator + 1));
         if (!directory.empty()) {
             std::string file = path_in(directory, file_name);
-            const bool is_passed =
-                std::any_of(passed.begin(), passed.end(),
-                            [&file](const std::string& other) { return same_file(file, other); });
-            if (!is_passed) return file;
+            const bool is_loaded = std::any_of(
+                loaded.begin(), loaded.end(),
+                [&file](const std::string& other) { return is_same_file(file, other); });
+            if (!is_loaded) return file;
         }
         list.resize(first ? 0 : separator);
     }
@@ -129,15 +135,16 @@ start_result load_first_files(std::string& rest) {
     define_predefined_variables();
 
     if (!read_directories(rest)) return start_result::failed;
-    const std::string second = last_other_file(rest, {home});
+    const std::string second = cut_to_last_other_file(rest, {home});
     if (second.empty()) return start_result::home_file_only;
     if (!load_second_file(second)) report_not_loaded(second);
 
     if (!read_directories(rest)) return start_result::failed;
-    const std::string third = last_other_file(rest, {home, second});
+    const std::string third = cut_to_last_other_file(rest, {home, second});
     return third.empty() ? start_result::two_files : start_result::more_files;
 }
 
+// The trace lines of the first files show in verbose mode only, even if the host echoes all output.
 start_result load_first_files_without_echo(std::string& rest) {
     const echo_guard without_echo;
     return load_first_files(rest);
@@ -148,6 +155,7 @@ start_result load_first_files_without_echo(std::string& rest) {
 void load_environment() {
     if (running || loaded_stores.environment != nullptr) return;
     const running_guard guard(running);
+    // The dots say how far the start came: one after the home file, two after the second file.
     report_trace("LOADING ENVIRONMENT FILES ....");
     std::string rest;
     switch (load_first_files_without_echo(rest)) {

@@ -13,6 +13,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// `path` normalises separators and is watched; `text` does neither.
 enum class kind { path, text };
 
 std::string reason_text(int code, std::int32_t size) {
@@ -28,6 +29,9 @@ std::string reason_text(int code, std::int32_t size) {
     }
 }
 
+// Programs search the output of a host for these texts, so they stay as they are. The variable
+// TRV_BUFFER_TOO_SMALL_OPTION = crash stops a process under a debugger at the caller whose buffer
+// is too small.
 void report_failure(const std::string* source, int code, std::int32_t size) {
     const std::string quoted = source == nullptr ? "<nullptr>" : '"' + *source + '"';
     const std::string message =
@@ -42,12 +46,16 @@ bool fits(const std::string& result, std::int32_t size, string_format format) {
     return expansion_space(result.size(), format) <= size;
 }
 
-// Expands for a buffer of the caller's, with the report where that fails. The source is a copy: the
-// caller's may be a looked-up value, which the lookups of its own expansion overwrite.
+// Expands for a buffer of the caller's, and reports a failure. The buffer is written by the callers
+// of this function, and only if the whole result fits: source and buffer may overlap.
+//
+// @param source  a copy of the caller's, which may be a looked-up value that the lookups of its own
+//                expansion overwrite; nullptr if the caller gave none
 int expand_for(const char* destination, std::int32_t size, string_format format, kind expanded,
                const std::string* source, std::string& result) {
     const char* text = source == nullptr ? nullptr : source->c_str();
     int code = EXP_INVALID_ARGUMENT;
+    // The watch comes before every check: it also logs callers that pass nullptr.
     if (expanded == kind::path) watch_buffer_size(text, size, format);
     if (destination != nullptr) {
         code =

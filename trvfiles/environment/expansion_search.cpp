@@ -15,8 +15,9 @@ namespace {
 constexpr std::size_t min_size = 2000;
 constexpr std::size_t max_size = std::size_t{1} << 20;
 
-// The buffer of one search. It comes from the last search, so that it keeps its size, and is away
-// while it is used: a trace handler may search itself.
+// The buffer of one search. It is taken from the last search, so that a program which once needed a
+// large one does not grow it again each time. While it is in use nothing is kept: an observer may
+// search itself, and then gets a buffer of its own. Of the two the larger one is kept.
 class search_buffer {
 public:
     explicit search_buffer(std::size_t size) : bytes_(std::exchange(kept(), {})) {
@@ -37,7 +38,7 @@ public:
     std::int32_t size() const { return static_cast<std::int32_t>(bytes_.size()); }
 
 private:
-    // Lives until the process ends.
+    // Never destroyed: static objects of a host may still search during exit.
     static std::vector<char>& kept() {
         static std::vector<char>& bytes = *new std::vector<char>;
         return bytes;
@@ -49,11 +50,13 @@ private:
 }  // namespace
 
 int expand_and_search(const char* source, std::string* output) {
-    // The source may lie in the output.
+    // A copy: the source may lie in the output, which expand_path() overwrites.
     const std::string text = source == nullptr ? "" : source;
     const int code = expand_path(source, output);
     if (is_expand_error(code)) return code;
 
+    // Of the expansion only its error counts. resolve_path() expands the text itself: each try
+    // begins with the text as the caller passed it.
     search_buffer buffer(text.size() + 1);
     int found = EXP_OK;
     do {

@@ -17,14 +17,15 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// What is built here once lives until the process ends: texts may still be expanded while it does,
-// so none of it is ever destroyed.
+// The lists and names are built once and never destroyed: static objects of a host may still expand
+// texts during exit.
 
 const char* environment_text(const char* name) {
     const char* value = platform::get_environment(name);
     return value == nullptr ? "" : value;
 }
 
+// Without TEMP the name is empty: the log does not open, and nothing is written.
 std::string log_file_name_of_environment() {
     std::string name = environment_text("TRV_EXPAND_LOGFILE_NAME");
     if (!name.empty()) return name;
@@ -58,6 +59,7 @@ std::vector<std::string> split_watch_list(std::string_view list) {
     return entries;
 }
 
+// An empty list watches nothing, and an entry anywhere in the text is a hit.
 bool is_watched(const char* source) {
     static const std::vector<std::string>& entries =
         *new std::vector<std::string>(split_watch_list(environment_text("TRV_EXPAND_WATCH")));
@@ -73,11 +75,12 @@ std::string clock_text(std::time_t instant) {
     const std::tm local = platform::local_time(instant);
     std::array<char, 80> text;
     const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d@%H:%M:", &local);
-    // The seconds show three digits, from 100 on. Readers of existing logs expect them so.
+    // Seconds have three digits and begin at 100: readers of existing logs expect them so.
     return std::string(text.data(), length) + std::to_string(local.tm_sec + 100);
 }
 
-// The log, which several threads may write at once: each line has its time and stays in one piece.
+// The state of the log. Its lock makes each line whole, and the times of the lines ascend. The
+// stamp is computed once a second.
 struct expansion_log {
     std::mutex writing;
     std::time_t second_of_stamp = 0;
@@ -98,6 +101,7 @@ void append_to_log(const std::string& text) {
     static expansion_log& log = *new expansion_log;
     const std::lock_guard<std::mutex> lock(log.writing);
     const std::string line = "[" + timestamp(log) + "] " + text + "\n";
+    // Opened for each line, so that a log survives a crash and can be removed at any time.
     const platform::file_handle file =
         platform::open_for_append(log_file_name().c_str(), platform::file_mode::text);
     if (file != nullptr) static_cast<void>(std::fputs(line.c_str(), file.get()));
@@ -113,6 +117,7 @@ int configured_minimum() {
 }  // namespace
 
 void watch_buffer_size(const char* source, std::int32_t size, string_format format) {
+    // 64 bits: the absolute value of the smallest 32-bit number does not fit 32 bits.
     const std::int64_t configured = configured_minimum();
     if (configured == 0) return;
     const std::int64_t minimum =

@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// The watch over callers whose buffers are smaller than an installation wants them to be: it logs
-/// them and can stop the process at the one that is looked for.
+/// The watch for callers whose buffers are smaller than an installation wants them to be. It logs
+/// them and can stop the process at a call that is searched for.
 ///
 /// Environment variables:
 /// - TRV_EXPAND_MIN_BUFFER_SIZE: the minimum in characters, read at every call. Absent or 0
@@ -13,8 +13,8 @@
 ///   Read once. A log that cannot be opened is not written.
 ///
 /// Threads: any. The lists and names are built exactly once. A lock makes each line of the log
-/// whole, with the time at which it is written. The lock is held while the line is written, and
-/// neither while a handler runs nor at the trap.
+/// whole, with the time at which it is written. No lock is held while a handler runs or at the
+/// trap.
 
 #include <trvfiles/environment/string_format.h>
 
@@ -22,9 +22,9 @@
 
 namespace trv {
 
-/// Logs a buffer below the minimum, then raises a breakpoint trap where one is asked for.
+/// Logs a buffer below the minimum, then raises a breakpoint trap if the variables ask for one.
 ///
-/// @param source  the text about to be expanded; null is logged as "<nullptr>" and never looked for
+/// @param source  the text about to be expanded; null is logged as "<nullptr>" and matches no piece
 /// @param size    of the caller's buffer; one of format C needs one byte more than the minimum
 void watch_buffer_size(const char* source, std::int32_t size, string_format format);
 

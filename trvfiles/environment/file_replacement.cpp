@@ -16,6 +16,7 @@ namespace {
 constexpr std::string_view shared_name = "messages.tmp";
 constexpr char own_ending[] = ".messages.tmp";
 
+// On Windows "Messages.tmp" is the same file as "messages.tmp".
 bool is_shared_name(std::string_view name) {
     return platform::backslash_separates() ? equal_ignoring_case(name, shared_name)
                                            : name == shared_name;
@@ -36,9 +37,10 @@ std::string shared_temporary_name(const std::string& target) {
 file_replacement::file_replacement(const std::string& target, temporary_name name_of, existing what,
                                    std::chrono::milliseconds wait)
     : existing_(what), target_(platform::native_path(target.c_str())) {
+    // All names are computed first: from create_held() on nothing allocates (see the members).
     std::string end = target_;
     if (what == existing::replaced) open_failure_ = platform::follow_links(end);
-    // Reports name the path as it was given, unless another file is meant.
+    // Reports name the path as the caller gave it, unless a link leads to another file.
     temporary_path_ = name_of(end == target_ ? target : end);
     temporary_ = platform::native_path(temporary_path_.c_str());
     target_ = std::move(end);
@@ -58,7 +60,9 @@ file_replacement::~file_replacement() {
 
 int file_replacement::write_and_replace(const std::string& text) {
     if (!is_open()) return open_failure_;
-    // The rights come first: nobody may read the text who could not read the old one.
+    // The order makes the target the old file or the new one at every moment: attributes, text,
+    // sync, close, rename. The lock is released last. The rights come first: nobody may read the
+    // text who could not read the old one.
     if (existing_ == existing::replaced) {
         const int failure = platform::copy_attributes(target_.c_str(), held_);
         if (failure != 0) return failure;
@@ -67,7 +71,7 @@ int file_replacement::write_and_replace(const std::string& text) {
     const int failure = platform::move_held(held_, temporary_.c_str(), target_.c_str(), existing_);
     if (failure != 0) return failure;
     platform::release_held(std::exchange(held_, -1));
-    open_failure_ = EBADF;  // nothing is left to write to
+    open_failure_ = EBADF;  // for a second call: nothing is left to write to
     return 0;
 }
 

@@ -3,9 +3,9 @@
 /// @file
 /// A file that is replaced as a whole.
 ///
-/// The new text goes to a temporary file beside the target, which takes the target's place when it
-/// is complete and on the disk. Whoever opens the target reads the old text or the new one, whole;
-/// the process may be killed at any moment.
+/// The new text goes to a temporary file beside the target. It replaces the target when it is
+/// complete and on the disk. Whoever opens the target reads the whole old text or the whole new
+/// one, also if the process is killed at any moment.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -26,21 +26,21 @@ std::string own_temporary_name(const std::string& target);
 /// own.
 std::string shared_temporary_name(const std::string& target);
 
-/// Replaces a file, or creates it. From the constructor to the destructor the temporary file is
-/// locked, so that all who save to targets with this temporary file do so one after the other: who
-/// reads the target in between, and then replaces it, overwrites nobody's change.
+/// Replaces a file, or creates it. The temporary file is locked from the constructor to the
+/// destructor, so all saves to targets with this temporary file happen one after the other. Code
+/// that reads the target after the constructor, and then replaces it, overwrites no other change.
 ///
-/// A process holds one replacement of a temporary file at a time. A second one would wait for the
-/// first.
+/// A process holds at most one replacement of a temporary file at a time. A second one would wait
+/// for the first.
 ///
 /// The target keeps permission bits, owner, group, access control list and extended attributes, as
 /// platform::copy_attributes() says. A target that is a symbolic link stays one: the file to which
-/// it leads is replaced, and has the temporary file beside it. Other hard links to the target keep
-/// the old text.
+/// it leads is replaced, and the temporary file is beside that file. Other hard links to the target
+/// keep the old text.
 class file_replacement {
 public:
-    /// What happens to a file that has the target's name. With `refused` a link is not followed:
-    /// its name is taken, also if it leads nowhere.
+    /// What happens to an existing file of the target's name. With `refused` a link is not
+    /// followed: it counts as an existing file, also if it leads nowhere.
     using existing = platform::existing_file;
 
     /// Creates and locks the temporary file; other processes that hold it are waited for. Nothing
@@ -59,24 +59,24 @@ public:
 
     /// Whether the temporary file is locked, and empty so far.
     bool is_open() const { return held_ >= 0; }
-    /// Why it is not, as an `errno`: ETIMEDOUT if another process held it for too long, EEXIST if
-    /// the target exists and is refused.
+    /// Why it is not, as an `errno`. ETIMEDOUT: another process held it for too long. EEXIST: the
+    /// target exists and is refused.
     int open_failure() const { return open_failure_; }
     /// The runtime path of the temporary file, for reports.
     const std::string& temporary_path() const { return temporary_path_; }
 
-    /// Writes the text and puts it in the target's place. To be called once.
+    /// Writes the text and replaces the target. To be called once.
     ///
     /// @param text  its line ends become those of the system
-    /// @return 0, or the `errno` of the step that has failed; the target is as it was then
+    /// @return 0, or the `errno` of the step that failed; then the target is unchanged
     int write_and_replace(const std::string& text);
 
 private:
     int write(const std::string& text) const;
 
     existing existing_;
-    // Native paths. Once the file exists no name is translated any more: that would take memory,
-    // and without memory the file would stay.
+    // Native paths, computed before the temporary file exists: computing them takes memory, and a
+    // destructor without memory could not remove the file.
     std::string target_;
     std::string temporary_path_;
     std::string temporary_;

@@ -13,7 +13,8 @@ bool closes_or_blank(char character) {
     return character == ')' || character == '}' || is_blank(character);
 }
 
-// Any run of closers goes, but only one opener: "(NAME)", "{NAME}" and "NAME" ask the same.
+// "(NAME)", "{NAME}" and "NAME" ask the same. Brackets are not matched: any run of closing ones is
+// cut, and one opening one.
 std::string_view without_brackets(std::string_view text) {
     while (!text.empty() && closes_or_blank(text.back()))
         text.remove_suffix(1);
@@ -22,8 +23,8 @@ std::string_view without_brackets(std::string_view text) {
     return trim_leading(text);
 }
 
-// The word up to the next blank; `text` is moved to the start of the one behind it.
-std::string_view take_word(std::string_view& text) {
+// Consumes a word and the blanks after it.
+std::string_view consume_word(std::string_view& text) {
     std::size_t length = 0;
     while (length < text.size() && !is_blank(text[length]))
         ++length;
@@ -36,12 +37,13 @@ std::string_view take_word(std::string_view& text) {
 
 condition_result evaluate_condition(std::string_view text) {
     text = without_brackets(text);
-    const std::string name(take_word(text));
+    // A copy, because get_variable() needs a terminator.
+    const std::string name(consume_word(text));
     const char* value = get_variable(name.c_str());
     if (value == nullptr) return text.empty() ? condition_result::no : condition_result::undefined;
     if (text.empty()) return condition_result::yes;
 
-    const std::string_view operation = take_word(text);
+    const std::string_view operation = consume_word(text);
     const bool equal = trim_trailing(value) == text;
     if (operation == "==") return equal ? condition_result::yes : condition_result::no;
     if (operation == "!=") return equal ? condition_result::no : condition_result::yes;

@@ -28,19 +28,22 @@ const message_sink merging_sink = {find_or_add_section, set_parameter};
 load_result load_file(message_store* store, const char* path, const message_sink& sink) {
     const platform::file_handle file = platform::open_for_read(path, platform::file_mode::text);
     if (file == nullptr) {
+        // Kept, because path_exists() changes errno. A file that exists and does not open is a
+        // fault; a missing one is none, since most directories of a list lack most files.
         const int reason = errno;
         if (!platform::path_exists(path)) return load_result::missing;
         const std::string text = "Error opening file - " + std::generic_category().message(reason);
         current_observer().fault_found({fault_kind::fatal, path, 0, text});
         return load_result::failed;
     }
+    // Without this check a source that got no memory for its reader would look like an empty file.
     CL8BFile source(file.get());
     const bool has_source = source.lineNumber() != 0;
     if (!has_source) throw std::bad_alloc();
     if (parse_messages(store, source, path, sink) != parse_result::complete)
         return load_result::failed;
-    // A line that cannot be read looks like the end of the file. What is loaded of it must not pass
-    // for the whole: saving it would cut the file short.
+    // A line that cannot be read looks like the end of the file. The part that is loaded must not
+    // pass for all of it: saving it would cut the file short.
     if (std::ferror(file.get()) == 0) return load_result::loaded;
     current_observer().fault_found({fault_kind::fatal, path, 0, "Error loading file."});
     return load_result::failed;
@@ -53,12 +56,13 @@ int load_messages(message_store* store, VCL8BLineSource& source, const char* fil
 }
 
 message_store* load_message_file(message_store* store, const char* path) {
-    // The path may lie in the store, whose texts move while the file is read.
+    // A copy: the path may be a text of the store, which moves while the file is read.
     const std::string kept = path == nullptr ? "" : path;
     if (store != nullptr) {
         const load_result result = load_file(store, kept.c_str(), merging_sink);
         return result == load_result::failed ? nullptr : store;
     }
+    // A file with a fault gives no new store: half of it must not pass for the whole.
     store_owner made(create_store());
     if (made == nullptr) return nullptr;
     const load_result result = load_file(made.get(), kept.c_str(), plain_sink);

@@ -5,7 +5,7 @@
 /// conditional blocks.
 ///
 /// A file that breaks the rules is reported through the fatal channel, which by default ends the
-/// process; what is said below of later results holds where the host's handler returns.
+/// process. The results below apply if the host's handler returns.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -20,27 +20,27 @@ namespace trv {
 
 /// Takes a section header: the section's index in the store, or -1 to give the file up.
 ///
-/// @param name  what stands between the brackets, blanks included; it stands until the call ends
+/// @param name  the text between the brackets, with its blanks; valid until the call ends
 using section_callback = int (*)(message_store* store, const char* name);
 
 /// Takes an entry: 0, or any other value to give the file up.
 ///
 /// @param section      the index that the section callback gave for the last header
-/// @param line         the text without its comment and trailing blanks, but with its leading ones;
-///                     it stands until the call ends
+/// @param line         the text with its leading blanks, but without its comment and its trailing
+///                     blanks; valid until the call ends
 /// @param file         the registration of the file's name in the store
 /// @param line_number  of the entry in the file, from 1
 using entry_callback = int (*)(message_store* store, int section, const char* line,
                                std::int32_t file, int line_number);
 
 /// Reads lines of at most 1023 characters to the end of the source and hands headers and entries
-/// to the callbacks. Entries above the first header are left out. The callbacks may throw.
+/// to the callbacks. Entries above the first header are ignored. The callbacks may throw.
 ///
 /// @param source     stays the caller's
 /// @param file_name  the name under which the entries are registered and errors reported
-/// @return 0 when the end was reached, also when the file was given up on the way, which has then
-///         been reported; -1 without a store or a callback, or when the name cannot be registered,
-///         and no line has been read then
+/// @return 0 if the end was reached, and also if the file was given up before, which has then been
+///         reported; -1 without a store or a callback, or if the name cannot be registered. With -1
+///         no line has been read.
 TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                              section_callback section, entry_callback entry);
 
@@ -50,13 +50,13 @@ TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, cons
 /// its section. Into a store the file is merged: a header finds the section of its name or adds
 /// it, an entry replaces that of the same name or is added, as set_parameter() does.
 ///
-/// @param store  none (null) for a new store
-/// @param path   taken as it stands, no reference in it is expanded; null acts as empty. It may lie
-///               in the store.
-/// @return the store, also when there is no such file: then it is unchanged, and still none if it
-///         was none. None when the file exists and cannot be opened or read to its end, when it was
-///         given up or when storage ran out; an existing store stays alive then, with what it has
-///         taken so far. The caller destroys a new store.
+/// @param store  nullptr for a new store
+/// @param path   taken unchanged: no reference in it is expanded. null acts as empty. It may lie in
+///               the store.
+/// @return the store, also if there is no such file: then it is unchanged, or nullptr if a new one
+///         was asked for. nullptr if the file exists and cannot be opened or read to its end, if it
+///         was given up, or if storage ran out. An existing store stays alive then, with what it
+///         has taken so far. The caller destroys a new store.
 TRV_EXPORT message_store* load_message_file(message_store* store, const char* path);
 
 }  // namespace trv

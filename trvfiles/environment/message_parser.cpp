@@ -13,18 +13,19 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// Both are rules of the file format: 1023 characters of a line count, and "/if" nests 7 deep.
 constexpr int line_buffer_size = 1024;
 constexpr int max_open_conditions = 7;
 
-// A handler that returns does not make an unknown keyword known. The report is repeated, because
-// the parse cannot go on, but not for ever.
+// An unknown keyword is reported again and again until the handler ends the process: the parse
+// cannot go on. For a handler that always returns this is the limit. Then the file is given up.
 constexpr int max_keyword_reports = 1000;
 
 bool starts_with(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-// Cuts a comment off. Two "#" stand for one that begins no comment.
+// Cuts off a comment, in place: the text only gets shorter. "##" is a "#" of the text.
 void cut_comment(char* text) {
     char* end = std::strchr(text, '#');
     if (end == nullptr) return;
@@ -44,6 +45,9 @@ const char* skip_blanks(const char* text) {
     return text;
 }
 
+// Invariant: `condition_[level_]` says whether the lines of the innermost open block are taken. All
+// blocks around it are taken, because the blocks in a skipped one are not opened but counted in
+// `skipped_conditions_`.
 class message_parser {
 public:
     message_parser(message_store* store, VCL8BLineSource& source, const char* file_name,
@@ -70,13 +74,14 @@ private:
         const std::uint64_t length = source_.readLine(line_, line_buffer_size);
         if (length == 0) return false;
         ++line_number_;
+        // The rest of a long line is lost, and its beginning is taken.
         if (length >= line_buffer_size) {
             report(fault_kind::line_too_long, line_number_, "Input line too long");
         }
         return true;
     }
 
-    // The comment goes after the trailing blanks: those before a comment belong to the text.
+    // Trailing blanks are cut before the comment, so blanks before a comment belong to the text.
     void take_line() {
         cut_trailing_blanks(line_);
         cut_comment(line_);
@@ -91,6 +96,7 @@ private:
         }
     }
 
+    // A header without "]" ends at the end of its line.
     void take_header(std::string_view text) {
         const std::string name(text.substr(0, text.find(']')));
         section_ = sink_.section(store_, name.c_str());
@@ -98,11 +104,12 @@ private:
     }
 
     void take_entry() {
+        // Entries above the first header belong to no section.
         if (section_ < 0) return;
         if (sink_.entry(store_, section_, line_, file_, line_number_) != 0) aborted_ = true;
     }
 
-    // Keywords are told by their first letters: "/ifdef" is an "/if".
+    // A keyword is recognised by its first letters: "/ifdef" is an "/if".
     void take_directive(const char* line) {
         const std::string_view keyword(line + 1);
         if (starts_with(keyword, "if")) {
@@ -118,16 +125,17 @@ private:
 
     void open_condition(const std::string& line) {
         if (level_ == max_open_conditions) {
-            // The "%s" is part of the text.
+            // The "%s" is part of the text, which hosts compare.
             report_fatal_at(line_number_, "too many nested conditions: %s");
             aborted_ = true;
             return;
         }
         ++level_;
-        condition_[level_] = is_true(line);
+        condition_[level_] = evaluate(line);
     }
 
-    bool is_true(const std::string& line) {
+    // Reports a condition that cannot be evaluated, which then counts as false.
+    bool evaluate(const std::string& line) {
         switch (evaluate_condition(std::string_view(line).substr(sizeof "/if" - 1))) {
             case condition_result::yes:
                 return true;
@@ -167,7 +175,8 @@ private:
         aborted_ = true;
     }
 
-    // The blocks inside a skipped one are only counted; it ends when none of them is open.
+    // Blocks inside a skipped one are only counted: their conditions are not evaluated, and their
+    // "/else" and "/endif" do not end the skipped block.
     void skip_line() {
         const std::string_view text(skip_blanks(line_));
         if (starts_with(text, "/if")) {
@@ -211,6 +220,7 @@ private:
 parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                             const message_sink& sink) {
     if (sink.section == nullptr || sink.entry == nullptr) return parse_result::not_registered;
+    // A copy: the name may be a text of the store, which moves while the file is read.
     const std::string name(file_name != nullptr ? file_name : "");
     const std::int32_t file = register_file_name(store, name.c_str());
     if (file < 0) return parse_result::not_registered;

@@ -18,10 +18,11 @@ struct message_sink {
     entry_callback entry;
 };
 
-/// `aborted` is a parse that a callback or the file itself has ended early; it has been reported.
+/// `aborted`: a callback or a fault in the file has ended the parse early, which has been reported.
+/// `not_registered`: as -1 of load_messages().
 enum class parse_result { complete, aborted, not_registered };
 
-/// As load_messages(), telling an aborted parse from a complete one.
+/// load_messages() with a result that tells an aborted parse from a complete one.
 parse_result parse_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                             const message_sink& sink);
 

@@ -19,13 +19,15 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// Indexes are 16 bits in the interface, and callers keep them in signed ones.
 constexpr std::size_t max_sections = 32767;
 constexpr const char* placeholder = "undefined message";
 
-// Whether new texts are persistent, for the whole process.
+// Whether new texts are persistent. One flag for all stores, as set_record_flag() promises.
 bool record_flag = true;
 
-// What find_parameter() resolved last. Never destroyed: static objects of a host may still look up.
+// The value that find_parameter() resolved last. Never destroyed: static objects of a host may
+// still look up during exit.
 std::string& resolved_value() {
     static std::string& value = *new std::string;
     return value;
@@ -35,6 +37,7 @@ std::string_view text_of(const char* text) {
     return text == nullptr ? "" : text;
 }
 
+// A template so that a constant store gives a constant section.
 template <class Store>
 auto section_at(Store* store, int section) -> decltype(store->sections.data()) {
     if (store == nullptr || section < 0) return nullptr;
@@ -48,7 +51,7 @@ struct text_origin {
 };
 constexpr text_origin by_program = {text_pool::none, 0};
 
-// A text that is set by program has no line, whatever the caller says.
+// A text that is set by program has line 0, whatever the caller passes.
 text_origin origin_of(std::int32_t file, int line) {
     return file == text_pool::none ? by_program : text_origin{file, line};
 }
@@ -59,6 +62,9 @@ bool is_origin(const message_store& store, const text_origin& origin) {
 
 // Stores a text at the number of a message or at the next one. REQUIRES: room for it in the section
 // and in the pool.
+//
+// All operations first reserve and then change: what can fail comes before the first change, so a
+// store without memory is as it was.
 void put_text(message_store& store, store_section& section, int number, std::string_view text,
               const text_origin& origin) noexcept {
     const std::int32_t previous =
@@ -68,7 +74,8 @@ void put_text(message_store& store, store_section& section, int number, std::str
     section.set(store.texts, number, store.texts.add_text(record, text));
 }
 
-// A text that is handed over, in a place that stays where it is while the pool moves.
+// A text that a caller passes. A text in the pool is copied, because the pool moves when it grows;
+// any other one is not.
 class kept_text {
 public:
     kept_text(const message_store& store, std::string_view text) : text_(text) {
@@ -110,7 +117,8 @@ int replace_text(message_store& store, store_section& section, int number, std::
     return 0;
 }
 
-// As many placeholders as a number beyond the end needs, and then the text.
+// Appends as many placeholders as the number needs, and then the text. Room for all of them is
+// reserved first: no placeholder is left if there is none for the text.
 int append_text_at(message_store& store, store_section& section, int number,
                    std::string_view text) {
     const auto missing = static_cast<std::size_t>(number - section.message_count());
@@ -122,6 +130,8 @@ int append_text_at(message_store& store, store_section& section, int number,
     return 0;
 }
 
+// A line of a file without "=" is skipped with a warning, since one bad line must not make the rest
+// of a configuration unusable. A program that sets such a text has a defect, and gets -1.
 int refuse_parameter(const message_store& store, const store_section& section,
                      std::string_view text, const text_origin& origin) {
     const std::string place = "[" + std::string(section.name()) + "] " + std::string(text);
@@ -138,7 +148,8 @@ int refuse_parameter(const message_store& store, const store_section& section,
     return 0;
 }
 
-// Runs an operation that may find no storage.
+// The result of the operation, or -1 if the checked heap refuses memory. The functions of a store
+// report exhausted memory as a status, never by an exception.
 template <class Operation>
 int unless_exhausted(Operation operation) {
     try {
@@ -148,6 +159,9 @@ int unless_exhausted(Operation operation) {
     }
 }
 
+// In place: the text gets shorter, and its offset stays.
+//
+// @return whether there was a "\\n" to convert
 bool write_newlines(char* text) {
     char* end = text;
     for (const char* next = text; *next != '\0'; ++next, ++end) {
@@ -163,6 +177,7 @@ bool write_newlines(char* text) {
 }  // namespace
 
 message_store* create_store() {
+    // The store is itself a block of the checked heap, which counts and caps all of a store.
     permanent_block block(allocate_permanent(sizeof(message_store)));
     if (block == nullptr) return nullptr;
     try {
@@ -301,7 +316,8 @@ int remove_parameter(message_store* store, int section, const char* name) {
     if (target == nullptr) return -1;
     const int number = target->find_entry(store->texts, text_of(name));
     if (number < 0) return -2;
-    // What a deleted text has replaced is deleted already.
+    // The walk ends at the first deleted text: the texts that it replaced were deleted with it. So
+    // removing and setting an entry again and again takes linear time.
     for (std::int32_t text = target->text(number); text != text_pool::none;) {
         text_record& version = store->texts.record(text);
         if ((version.flags & deleted_text) != 0) break;
@@ -321,7 +337,8 @@ std::string_view find_value(const message_store& store, int section, std::string
     const std::int32_t text = target->text(number);
     std::string_view value = entry_value(store.texts.at(text));
     if (value.find('+') != std::string_view::npos) {
-        // Handlers of the trace channel may look up, or add to the store, in the meantime.
+        // The observer may look up or add to the store meanwhile: the buffer is assigned after it,
+        // and the record is read from the store afterwards.
         resolved_value() = resolve_references(store, text);
         value = resolved_value();
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// What a store is made of, for the sources that implement it.
+/// The members of a store, for the sources that implement it.
 ///
 /// Threads: one at a time.
 
@@ -19,12 +19,13 @@ struct message_store {
     text_pool texts;
     stored_vector<store_section> sections;
     name_index section_names;
-    // The section that was looked for last. Sections stay where they are, so it is the first of its
-    // name.
+    // The index of the section that was found last by its name. Sections never move or change their
+    // names, so it stays the first one of its name.
     mutable std::uint32_t last_found = 0;
 };
 
-/// find_section() of a name whose length is known. Most often it is the name of the call before.
+/// find_section() of a name whose length is known. Lookups mostly ask for the section of the lookup
+/// before: comparing one name first saves the hash.
 int search_section(const message_store& store, std::string_view name);
 inline int find_section(const message_store& store, std::string_view name) {
     const std::uint32_t last = store.last_found;
@@ -36,8 +37,8 @@ inline int find_section(const message_store& store, std::string_view name) {
 
 /// find_parameter() of a name whose length is known.
 ///
-/// @param record  set where a value is found, otherwise left alone
-/// @return the value; a view of nothing, with a null pointer, for none
+/// @param record  set if a value is found, otherwise unchanged
+/// @return the value; a view with data() == nullptr if there is none
 std::string_view find_value(const message_store& store, int section, std::string_view name,
                             bool exact, const text_record** record = nullptr);
 

@@ -17,7 +17,8 @@ std::uint64_t ticks_of() {
     return static_cast<std::uint64_t>(Clock::now().time_since_epoch().count());
 }
 
-// The system chooses the addresses of the stack and of the program at random.
+// For a system without random numbers. The system chooses the addresses of the stack and of the
+// program at random, and the clocks count ticks since times that are not visible from outside.
 hash_key key_of_clocks_and_addresses() {
     constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
     hash_key key = {};
@@ -33,11 +34,14 @@ hash_key key_of_clocks_and_addresses() {
     return key;
 }
 
+// Initialised exactly once, also if several threads ask at the same moment.
 const hash_key& process_key() {
     static const hash_key key = draw_hash_key([] { return std::random_device()(); });
     return key;
 }
 
+// A copy, because names begin at any address. The byte order of the machine does not matter: hashes
+// never leave the process.
 template <class Word>
 std::uint64_t read(const char* bytes) {
     Word word = 0;
@@ -45,7 +49,8 @@ std::uint64_t read(const char* bytes) {
     return word;
 }
 
-// Up to 16 characters in two words, which overlap if there are fewer.
+// Up to 16 characters in two words. With fewer than 16 characters the words overlap, which reads no
+// byte outside of the name and needs no loop.
 struct block {
     std::uint64_t first;
     std::uint64_t last;
@@ -63,9 +68,11 @@ block read_block(const char* bytes, std::size_t size) {
     return {read<std::uint8_t>(bytes) | middle << 8, read<std::uint8_t>(bytes + size - 1)};
 }
 
-// Multiplies the halves of each block of 16 characters, as `fold` leaves them. The key hides one
-// factor and what came before hides the other one, so nobody can tell which blocks give the same
-// product. The length enters apart from the characters: they could make up for it.
+// A hash by folded multiplication, which reads 16 characters for each product of 64 bits.
+//
+// Multiplies the halves of each block, as `fold` leaves them. The key hides one factor and the hash
+// before the block hides the other one, so nobody can compute which blocks give the same product.
+// The length enters last and not together with the characters, which could compensate for it.
 template <class Fold>
 std::uint32_t hash_of(std::string_view name, Fold fold) {
     constexpr std::size_t block_size = 16;
@@ -81,8 +88,10 @@ std::uint32_t hash_of(std::string_view name, Fold fold) {
     return static_cast<std::uint32_t>(folded_product(hash, key.end ^ length));
 }
 
-// Makes the lower-case ASCII letters among eight characters upper-case letters. The sums, which no
-// character carries into the next one, set the highest bit of each character that is large enough.
+// Makes the lower-case ASCII letters among eight characters upper-case letters, without a branch
+// for each character. A sum sets the highest bit of each character that is large enough; no sum
+// carries into the next character, because the highest bits are cleared before. The last line
+// shifts that bit, 0x80, to 0x20, by which a lower-case letter differs from its upper-case letter.
 std::uint64_t upper_case(std::uint64_t characters) {
     constexpr std::uint64_t each = 0x0101010101010101;
     const std::uint64_t ascii = characters & each * 0x7F;

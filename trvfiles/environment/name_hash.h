@@ -3,9 +3,9 @@
 /// @file
 /// Hashes of names and of places in a list, keyed with a secret of the process.
 ///
-/// Without the key nobody can prepare names that share a hash, which would make every lookup among
-/// them a walk. The key is drawn with the first hash. So hashes differ from process to process:
-/// nothing that is seen from outside may depend on them.
+/// Nobody without the key can prepare names that share a hash, which would make every lookup among
+/// them a walk. The key is chosen at the first hash. So hashes differ from process to process:
+/// nothing that is visible from outside may depend on them.
 ///
 /// Threads: any.
 
@@ -31,7 +31,7 @@ struct hash_key {
     std::uint64_t end;
 };
 
-/// Draws a key from a source of random numbers. If the source throws, the key is made from the
+/// Makes a key from a source of random numbers. If the source throws, the key is made from the
 /// clocks and from addresses instead: few bits of these are known outside of the process.
 hash_key draw_hash_key(const std::function<std::uint32_t()>& random);
 

@@ -6,6 +6,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// Saves three rebuilds of a small index. A power of two: bucket_of() takes the low bits of a hash.
 constexpr std::size_t min_nodes = 8;
 
 }  // namespace
@@ -15,6 +16,8 @@ void name_index::reserve(std::uint32_t place) {
     std::size_t size = min_nodes;
     while (size <= place)
         size *= 2;
+    // All trees are built anew, since a hash may belong to another bucket now. The size doubles, so
+    // the time for all rebuilds together grows as n log n.
     nodes_.resize(size);
     for (node& bucket : nodes_)
         bucket.root = none;
@@ -29,9 +32,10 @@ void name_index::put(std::uint32_t place, std::uint32_t hash) noexcept {
     add(place, hash);
 }
 
-// Descends to the first node of a lower priority and takes its position. The subtree of that node
-// is split along one path: what is before the new node becomes its left side, the rest its right
-// side.
+// Insertion into a treap by splitting. Descends to the first node of a lower priority and takes its
+// position. The subtree of that node is split along one path: the nodes before the new one become
+// its left side, the others its right side. Invariant of the loop: `before` and `after` are the
+// open links of the two sides, and everything in the subtree `rest` belongs between them.
 void name_index::add(std::uint32_t place, std::uint32_t hash) noexcept {
     std::uint32_t* link = &nodes_[bucket_of(hash)].root;
     if (*link != none) {
@@ -56,7 +60,8 @@ void name_index::add(std::uint32_t place, std::uint32_t hash) noexcept {
     *after = none;
 }
 
-// Takes the position of the node for its two subtrees, merged from the top by their priorities.
+// Removal from a treap by merging. The two subtrees of the node take its position: of their roots
+// the one of higher priority comes first, and the other subtree goes on into that one's inner side.
 void name_index::remove(std::uint32_t place) noexcept {
     if (!is_inside(place)) return;
     node& removed = nodes_[place];
@@ -76,7 +81,7 @@ void name_index::remove(std::uint32_t place) noexcept {
     removed.left = outside;
 }
 
-// The link on the way from a node to where a hash and a place belong.
+// The link of a node to the side on which a hash and a place belong.
 std::uint32_t* name_index::link_towards(std::uint32_t from, std::uint32_t hash,
                                         std::uint32_t place) noexcept {
     node& visited = nodes_[from];

@@ -3,10 +3,11 @@
 /// @file
 /// An index of names beside a list: which places of the list have a given name.
 ///
-/// It keeps hashes, not names; whoever owns the list compares the names themselves. The places of
-/// one hash are visited in ascending order, whatever the order in which they were added and
-/// removed, so the first hit is the one that a walk along the list would find. With n places of one
-/// hash, each call takes a time that grows as log n for each place that it adds, removes or visits.
+/// It stores hashes and not names: the owner of the list compares the names. The places of one hash
+/// are visited in ascending order, whatever the order in which they were added and removed. So the
+/// first hit is the one that a walk along the list would find. With n places in a bucket, also of
+/// one hash, each call takes time that grows as log n for each place that it adds, removes or
+/// visits.
 ///
 /// Threads: one at a time, as the list.
 

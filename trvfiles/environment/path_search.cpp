@@ -21,7 +21,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// Beside the statuses of the expansion.
+// Not one of the statuses of the expansion.
 constexpr int out_of_memory = -41;
 
 // Three numbers beside that of path_text.h, each of which hosts know from the documentation.
@@ -36,7 +36,8 @@ struct search_reference {
     std::string name;
 };
 
-// The name stays empty where nothing follows the component with the "?", or none holds one.
+// Searches backwards: in "?A/?B/f" the last component with a "?" ends the list. The name stays
+// empty if no component has a "?", or if nothing follows the last one that has.
 search_reference split_reference(std::string_view text) {
     std::size_t cut = text.size();
     for (std::size_t i = text.size(); i-- > 0;) {
@@ -50,11 +51,14 @@ search_reference split_reference(std::string_view text) {
     return {};
 }
 
+// A text as long as the field is refused, although it would fit: the field may become a terminated
+// text again, which needs the last byte.
 bool is_narrower(std::string_view text, std::int32_t width) {
     return text.size() < static_cast<std::size_t>(width);
 }
 
-bool exists(const std::string& candidate, observation& observed) {
+// @param observed  of the whole search: unless somebody observes it, no code of the host runs in it
+bool try_candidate(const std::string& candidate, observation& observed) {
     const bool found = fileExists(candidate.c_str()) != 0;
     if (observed.is_on()) current_observer().candidate_tried({candidate, found});
     return found;
@@ -68,10 +72,11 @@ int try_directories(std::string_view list, const std::string& name, char* field,
     while (consume_list_element(list, element)) {
         std::string candidate(trim(element));
         if (candidate.empty()) continue;
+        // No "/" is left at the end: the expansion has normalised the separators.
         if (candidate.back() != '\\') candidate += '\\';
         candidate += name;
         if (first.empty()) first = candidate;
-        if (!exists(candidate, observed)) continue;
+        if (!try_candidate(candidate, observed)) continue;
         const bool narrower = is_narrower(candidate, width);
         fill_field(field, width, narrower ? candidate : std::string());
         return narrower ? EXP_OK : EXP_BUFFER_TOO_SMALL;
@@ -85,21 +90,23 @@ struct storage_releaser {
 };
 using storage_text = std::unique_ptr<char, storage_releaser>;
 
-// None where memory has run out, which has then been reported.
+// A copy in the checked heap, so that a list counts towards the storage maximum of the host.
+// nullptr, after a report, if storage has run out.
 storage_text copy_of(std::string_view text) {
     storage_text copy(static_cast<char*>(allocate_temporary(text.size() + 1)));
     if (copy != nullptr) copy.get()[text.copy(copy.get(), text.size())] = '\0';
     return copy;
 }
 
-// Searches for the name that stands in the field, and leaves the outcome there.
+// Searches for the name in the field, and leaves the outcome there.
 int search(std::string_view list_text, char* name_field, std::int32_t width) {
     if (list_text.size() > max_list_text) return EXP_NAME_TOO_LONG;
-    // The list may be a looked-up value, which expanding the name overwrites.
+    // A copy: the list may be a looked-up value, which expanding the name overwrites.
     std::array<char, list_field_width> list_field;
     fill_field(list_field.data(), list_field_width, list_text);
 
     std::int32_t code = EXP_OK;
+    // EXP_UNDEFINED ends a search too: a list with an undefined part would search in other places.
     _ExpandFixed(name_field, width, &code);
     if (code != EXP_OK) return code;
     const std::string name(field_text(name_field, width));
@@ -119,7 +126,8 @@ int search_for(const search_reference& reference, char* field, std::int32_t widt
     return search(reference.list, field, width);
 }
 
-// Makes a field a NUL-terminated text again, whatever happens while it is one.
+// Turns the caller's text back from a blank-padded field into a terminated text on every way out,
+// also if an observer throws in the middle of the search.
 class field_terminator {
 public:
     field_terminator(char* field, std::int32_t width) : field_(field), width_(width) {}
@@ -146,6 +154,7 @@ int status_of_field(const char* field, std::int32_t width) {
 int resolve_field(const char* text, std::int32_t length, char* result, std::int32_t result_length) {
     if (text == nullptr || result == nullptr) return EXP_INVALID_ARGUMENT;
     if (result_length < 1) return EXP_BUFFER_TOO_SMALL;
+    // A copy, which is split and expanded: text and result may overlap.
     const std::string whole(field_text(text, length));
     if (!fits_path_buffer(whole)) return EXP_NAME_TOO_LONG;
     const search_reference reference = split_reference(whole);
@@ -153,6 +162,7 @@ int resolve_field(const char* text, std::int32_t length, char* result, std::int3
         if (!is_narrower(reference.name, result_length)) return EXP_BUFFER_TOO_SMALL;
         return search_for(reference, result, result_length);
     }
+    // A "?" without a name: "?CFG" is a list of directories and not a file.
     if (whole.find('?') != std::string::npos) return EXP_INVALID_ARGUMENT;
 
     std::int32_t code = EXP_OK;
@@ -233,6 +243,8 @@ const char* config_directory() {
     return first_existing_directory("?CFG");
 }
 
+// The static buffer is constant-initialised and has no destructor: the function may be called from
+// static objects of a host.
 const char* first_existing_directory(const char* list) {
     static std::array<char, directory_list_size> directory;
     if (list == nullptr || std::strlen(list) >= directory_list_size) return nullptr;
@@ -243,6 +255,7 @@ const char* first_existing_directory(const char* list) {
     std::string_view rest = expanded.data();
     std::string_view element;
     while (consume_list_element(rest, element)) {
+        // The element is a part of the list: a copy has the terminator that the system needs.
         const std::string path(element);
         if (is_current_directory(element) || !platform::path_exists(path.c_str())) continue;
         std::memcpy(directory.data(), path.c_str(), path.size() + 1);

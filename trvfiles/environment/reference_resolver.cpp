@@ -15,6 +15,11 @@ namespace {
 
 constexpr std::string_view undefined_reference = "$(TRVNULL)";
 
+// Iterative, because a history of 10000 texts is a chain of 10000 references.
+//
+// Invariant: the value is `done_`, followed by what the open values have left, from the top of the
+// stack down. Nothing is inserted into the middle of a string: a character is copied when its value
+// is opened and when it is finished, whatever the number of replacements after it.
 class reference_resolver final : private partial_value {
 public:
     explicit reference_resolver(const message_store& store) : store_(store) {}
@@ -26,18 +31,19 @@ public:
             const std::size_t plus = current.value.find('+', current.done);
             finish(plus == std::string::npos ? current.value.size() - current.done
                                              : plus - current.done);
-            if (plus != std::string::npos) take_plus();
+            if (plus != std::string::npos) consume_plus();
         }
         finish(open_length_);
         return std::move(done_);
     }
 
 private:
-    // The value of a text that is being worked through. What it refers to is opened on top of it,
-    // so the result is what is done and then, from the top down, what the open values have left.
+    // An open value: a copy, because an observer may add to the store, which moves the texts.
     struct piece {
         std::string value;
+        // What is before this offset is in `done_`.
         std::size_t done;
+        // The offset of the text in the store.
         std::int32_t text;
     };
 
@@ -46,7 +52,8 @@ private:
         open_length_ += open_.back().value.size();
     }
 
-    // The next characters, which may belong to several values.
+    // The next characters. They may belong to several values: "+(0000" at the end of one value and
+    // "0014)" after it in the text around it make a reference.
     std::string upcoming(std::size_t count) const {
         std::string characters;
         for (auto open = open_.rbegin(); open != open_.rend() && characters.size() < count; ++open)
@@ -54,6 +61,7 @@ private:
         return characters;
     }
 
+    // Also closes every value that is used up, so the top of the stack has characters left.
     void skip(std::size_t count) {
         open_length_ -= count;
         while (count > 0 || (!open_.empty() && open_.back().done == open_.back().value.size())) {
@@ -68,12 +76,15 @@ private:
         }
     }
 
+    // Moves characters to the result.
     void finish(std::size_t count) {
         done_ += upcoming(count);
         skip(count);
     }
 
-    void take_plus() {
+    // Consumes the "+" that comes next, with the reference that it begins, if any. Sets `full_` if
+    // a limit is reached: the rest then stays as it is.
+    void consume_plus() {
         const std::string characters = upcoming(reference_length);
         std::int32_t earlier = text_pool::none;
         if (characters.compare(0, 2, "++") == 0) {
@@ -83,14 +94,16 @@ private:
             finish(1);
         } else if (replacements_ == max_resolved_references) {
             full_ = true;
-        } else if (is_good(earlier)) {
+        } else if (is_defined(earlier)) {
             insert_value(earlier);
         } else {
             insert_undefined();
         }
     }
 
-    bool is_good(std::int32_t earlier) const {
+    // A text refers only to texts stored before it. So offsets fall along every chain, which ends,
+    // also if someone has written the references by hand.
+    bool is_defined(std::int32_t earlier) const {
         return earlier < open_.back().text && store_.texts.is_text(earlier);
     }
 
@@ -118,6 +131,9 @@ private:
         end_replacement(referring, text_pool::none);
     }
 
+    // Called after the replacement: an observer that throws or adds to the store finds the stack
+    // consistent.
+    //
     // @param referred  none for an undefined reference
     void end_replacement(std::int32_t referring, std::int32_t referred) {
         ++replacements_;

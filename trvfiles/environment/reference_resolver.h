@@ -17,12 +17,15 @@ struct message_store;
 inline constexpr std::size_t max_resolved_length = std::size_t{1} << 20;
 inline constexpr int max_resolved_references = 10000;
 
-/// Resolves the value of a text, from left to right, inserted values included: "++" becomes "+", a
-/// good reference the value of its text, the "+" of a bad one "$(TRVNULL)". A reference is good
-/// when a text begins at its offset and lies before the one in which the "+" stands; so chains end.
-/// After 10000 replacements, and where the result would pass 1 MiB, the rest stays as it is.
+/// Resolves the value of a text from left to right, including inserted values:
+/// - "++" becomes "+";
+/// - a defined reference becomes the value of its text;
+/// - the "+" of an undefined reference becomes "$(TRVNULL)".
 ///
-/// Each replacement is told to the trace channel, whose handler may look up and add to the store.
+/// A reference is defined if a text begins at its offset and was stored before the text with the
+/// "+". So every chain ends. If a limit would be exceeded, the rest stays as it is.
+///
+/// Each replacement is reported to the observer, which may look up and add to the store.
 ///
 /// @param text  the offset of a text in the store
 std::string resolve_references(const message_store& store, std::int32_t text);

@@ -14,7 +14,8 @@ int number_of(std::uint32_t place) {
     return place == name_index::none ? -1 : static_cast<int>(place);
 }
 
-// A deleted entry is kept under a hash of its own, so that a lookup of live ones does not meet it.
+// A deleted entry is kept under another hash, so that a lookup of live entries does not visit it.
+// Otherwise each lookup of a name would be a walk over all removed entries of that name.
 std::uint32_t hash_of_deleted(std::uint32_t hash) {
     return ~hash;
 }
@@ -36,7 +37,7 @@ int store_section::find_entry(const text_pool& pool, std::string_view name) cons
     const std::uint32_t hash = hash_name(name);
     const std::uint32_t live = first_named(pool, name, hash);
     if (!has_deleted_) return number_of(live);
-    // Instead of a place, `none` is above all places.
+    // `none` is greater than all places, so the minimum is the first entry that exists.
     return number_of(std::min(live, first_named(pool, name, hash_of_deleted(hash))));
 }
 
@@ -48,6 +49,7 @@ int store_section::find_live_entry(const text_pool& pool, std::string_view name,
 }
 
 void store_section::reserve(int number, std::string_view text) {
+    // reserve_room() doubles the capacity, so the time to append n messages grows as n.
     const auto messages = static_cast<std::size_t>(number) + 1;
     if (messages > texts_.size()) reserve_room(texts_, messages - texts_.size());
     if (!is_entry(text)) return;
@@ -56,6 +58,7 @@ void store_section::reserve(int number, std::string_view text) {
 }
 
 void store_section::set(const text_pool& pool, int number, std::int32_t text) noexcept {
+    // push_back() does not throw here: reserve() has made room.
     if (has_message(number)) {
         texts_[static_cast<std::size_t>(number)] = text;
     } else {
@@ -65,6 +68,7 @@ void store_section::set(const text_pool& pool, int number, std::int32_t text) no
 }
 
 void store_section::update_indexes(const text_pool& pool, int number) noexcept {
+    // put() moves a place that is in the index already, so no old name has to be known here.
     const auto place = static_cast<std::uint32_t>(number);
     const std::string_view changed = pool.at(text(number));
     if (!is_entry(changed)) {

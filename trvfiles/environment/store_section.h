@@ -1,8 +1,8 @@
 #pragma once
 
 /// @file
-/// One section of a store: its numbered texts, and beside them the indexes by which an entry is
-/// found without a walk.
+/// One section of a store: its numbered texts, and the indexes by which an entry is found without a
+/// walk.
 ///
 /// Threads: one at a time, with its store.
 
@@ -34,14 +34,14 @@ public:
     /// The offset of a message's text. REQUIRES: has_message().
     std::int32_t text(int number) const { return texts_[static_cast<std::size_t>(number)]; }
 
-    /// The first entry of exactly this name, a deleted one too; -1 for none.
+    /// The first entry of exactly this name, deleted or not; -1 if there is none.
     int find_entry(const text_pool& pool, std::string_view name) const;
 
-    /// The first entry of this name that is not deleted; -1 for none.
+    /// The first entry of this name that is not deleted; -1 if there is none.
     int find_live_entry(const text_pool& pool, std::string_view name, bool exact) const;
 
-    /// Makes room for messages, of which the last is to be the given text, or for another text in
-    /// the place of a message, so that setting it cannot fail.
+    /// Makes room for messages up to this number, the last of which is to be the given text, so
+    /// that setting it cannot fail.
     ///
     /// @throws std::bad_alloc; the section is then as it was
     void reserve(int number, std::string_view text);
@@ -50,8 +50,7 @@ public:
     /// reserve() of it.
     void set(const text_pool& pool, int number, std::int32_t text) noexcept;
 
-    /// Follows a change of a message's text, which was an entry before or is none now, or of its
-    /// flags.
+    /// To be called after a change of a message's text or flags.
     void update_indexes(const text_pool& pool, int number) noexcept;
 
 private:
@@ -60,7 +59,8 @@ private:
 
     char name_[max_name_length + 1] = "";
     std::uint8_t name_length_;
-    // Whether an entry has ever been deleted: most sections are spared a lookup of deleted ones.
+    // Whether an entry has ever been deleted. If not, which is usual, find_entry() needs one lookup
+    // instead of two.
     bool has_deleted_ = false;
     stored_vector<std::int32_t> texts_;
     // Every entry by its exact name; entries that are not deleted by their name without case.

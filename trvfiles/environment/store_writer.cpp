@@ -1,7 +1,7 @@
 #include <trvfiles/environment/entry_text.h>
-#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/store_writer.h>
+#include <trvfiles/environment/store_writer_internal.h>
 #include <trvfiles/support/diagnostics.h>
 
 #include <algorithm>
@@ -14,6 +14,8 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// "/" and "\\" are alike in the name of a target on every system: a program may load a file by the
+// one and save it by the other. Case is not ignored, on Windows neither.
 char separator_as_slash(char c) {
     return c == '\\' ? '/' : c;
 }
@@ -24,7 +26,8 @@ bool is_same_file(std::string_view left, std::string_view right) {
     });
 }
 
-// The text of a file in the making, and where in it each text of the store stands.
+// The text of a file that is being built, and the line of each text of the store in it. The lines
+// go to the records only after the file is in place.
 class file_content {
 public:
     struct entry {
@@ -56,7 +59,9 @@ private:
     std::vector<entry> entries_;
 };
 
-// The version of a message that belongs in a file, or none.
+// The version of a message that belongs to a file, or none. A text that is set by program and
+// persistent belongs to every file. Otherwise the versions are searched from the newest to the
+// oldest: a message that another file has replaced keeps the version of this file.
 std::int32_t version_for(const text_pool& texts, std::int32_t text, std::string_view file_name) {
     const text_record& current = texts.record(text);
     const int saved = current.flags & (persistent_text | deleted_text);
@@ -72,6 +77,7 @@ std::int32_t version_for(const text_pool& texts, std::int32_t text, std::string_
 file_content parameters_of(const message_store& store, std::string_view file_name) {
     file_content content;
     for (const store_section& section : store.sections) {
+        // A section without an entry of this file gets no header.
         bool has_header = false;
         for (int number = 0; number < section.message_count(); ++number) {
             const std::int32_t text = version_for(store.texts, section.text(number), file_name);
@@ -94,7 +100,8 @@ file_content messages_of(const message_store& store) {
     return content;
 }
 
-// Saves what `content_of(store)` makes of the store.
+// Saves the content that `content_of(store)` makes of the store. The name of the target is
+// registered before anything is written, because that can fail. Changing the records cannot.
 //
 // @param new_file  whether the texts that are written belong to the target from then on
 template <class Content>
@@ -134,6 +141,7 @@ int store_parameters(message_store* store, const char* file_name) {
 
 int store_parameters(message_store* store, const char* file_name, file_replacement& held) {
     if (store == nullptr || file_name == nullptr) return -1;
+    // A copy: the name may be a text of the store, which moves when the name is registered.
     const std::string target(file_name);
     return save(*store, target, held, true,
                 [&](const message_store& saved) { return parameters_of(saved, target); });

@@ -22,7 +22,7 @@ struct permanent_allocator {
     // NOLINTNEXTLINE(google-explicit-constructor): containers convert allocators implicitly.
     permanent_allocator(const permanent_allocator<Other>&) noexcept {}
 
-    /// @throws std::bad_alloc where the heap refuses
+    /// @throws std::bad_alloc if the heap refuses the block
     T* allocate(std::size_t count) {
         void* block = allocate_permanent(count * sizeof(T));
         if (block == nullptr) throw std::bad_alloc();
@@ -43,8 +43,8 @@ struct permanent_allocator {
 template <class T>
 using stored_vector = std::vector<T, permanent_allocator<T>>;
 
-/// Makes room for one element more. As push_back() would, but ahead of the steps that must not
-/// fail.
+/// Makes room for `more` elements before the steps that must not fail. The capacity doubles, as
+/// with push_back(): reserve() alone would make n single appends take time for the square of n.
 template <class T>
 void reserve_room(stored_vector<T>& elements, std::size_t more = 1) {
     const std::size_t needed = elements.size() + more;

@@ -5,7 +5,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-// More than any caller's buffer is expected to hold, so that a format nobody knows is refused.
+// More than callers' buffers hold, so a text in an unknown format does not fit.
 constexpr std::int64_t space_of_unknown_format = 65535;
 
 }  // namespace

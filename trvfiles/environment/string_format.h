@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The two forms in which a caller's buffer holds a text, and the room that a text needs in each.
+/// The two forms of a text in a caller's buffer, and the space that a text needs in each.
 ///
 /// Threads: any.
 

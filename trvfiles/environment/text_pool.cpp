@@ -12,17 +12,20 @@ namespace {
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
 constexpr std::int32_t initial_pool_size = 1024;
-// The pool grows by as much as it begins with, and offsets are 32 bits.
+// The pool grows in steps of its initial size, and an offset is a std::int32_t.
 constexpr std::size_t max_pool_size = INT32_MAX / initial_pool_size * initial_pool_size;
+// Documented for describe_origin(). It bounds the search for a terminator.
 constexpr std::size_t max_distance_from_start = 1024;
 
 static_assert(sizeof(text_record) == 12 && alignof(text_record) == 4);
 
-// Records stand at multiples of their alignment, as the pool hands them out.
+// Records are at multiples of their alignment, because all sizes that are taken from the pool are.
+// A text is directly after its record, so that record() needs no table.
 constexpr std::size_t rounded(std::size_t bytes) {
     return (bytes + alignof(text_record) - 1) / alignof(text_record) * alignof(text_record);
 }
 
+// Offsets only grow, so the lists are sorted without sorting.
 bool contains(const stored_vector<std::int32_t>& offsets, std::int32_t offset) {
     return std::binary_search(offsets.begin(), offsets.end(), offset);
 }
@@ -71,6 +74,8 @@ void text_pool::reserve_texts(std::size_t count, std::size_t length) {
 }
 
 std::int32_t text_pool::add_text(const text_record& record, std::string_view text) noexcept {
+    // No allocation from here on: reserve_texts() has made room for the record, the text and its
+    // place in the list.
     const std::int32_t header = take(sizeof record);
     std::memcpy(at(header), &record, sizeof record);
     const std::int32_t offset = put(text);
@@ -111,6 +116,7 @@ text_record& text_pool::record(std::int32_t text) {
 }
 
 bool text_pool::holds(const char* pointer) const {
+    // std::less<> orders pointers into different objects, for which "<" is unspecified.
     const std::less<> before;
     return pointer != nullptr && used_ != 0 && !before(pointer, base_) &&
            before(pointer, base_ + used_);
@@ -124,6 +130,7 @@ std::int32_t text_pool::text_around(const char* pointer) const {
     const std::int32_t start = *(behind - 1);
     const auto distance = static_cast<std::size_t>(offset - start);
     if (distance > max_distance_from_start) return none;
+    // After a terminator the pointer is in the padding or in the next record.
     return std::memchr(at(start), '\0', distance) == nullptr ? start : none;
 }
 

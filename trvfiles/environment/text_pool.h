@@ -1,11 +1,11 @@
 #pragma once
 
 /// @file
-/// The texts of a store, each behind its record, and the names of the files they came from, all in
-/// one storage pool and addressed by their offsets in it.
+/// The texts of a store, each after its record, and the names of the files they came from. All are
+/// in one storage pool and addressed by their offsets in it.
 ///
-/// Nothing is ever taken out. An offset is good for the life of the pool; a pointer, also that of a
-/// record, until something is added.
+/// Nothing is ever removed. An offset is valid as long as the pool. A pointer, also one to a
+/// record, is valid until something is added.
 ///
 /// Threads: one at a time.
 
@@ -24,7 +24,7 @@ namespace trv {
 
 class text_pool {
 public:
-    /// In the place of an offset: there is none.
+    /// Instead of an offset, if there is none.
     static constexpr std::int32_t none = -1;
 
     /// @throws std::bad_alloc
@@ -34,7 +34,7 @@ public:
     ///
     /// @param count   how many
     /// @param length  how long they are together
-    /// @throws std::bad_alloc; the pool then holds what it held
+    /// @throws std::bad_alloc; the contents of the pool are then unchanged
     void reserve_texts(std::size_t count, std::size_t length);
 
     /// Adds a text. REQUIRES: reserve_texts() of it, so the text may not lie in the pool.
@@ -42,7 +42,7 @@ public:
     /// @return its offset, which is higher than those of all texts before
     std::int32_t add_text(const text_record& record, std::string_view text) noexcept;
 
-    /// The registration of a file name, made if there is none.
+    /// The registration of a file name, which is added if there is none.
     ///
     /// @throws std::bad_alloc
     std::int32_t add_file_name(std::string_view name);
@@ -62,8 +62,8 @@ public:
     const text_record& record(std::int32_t text) const;
     text_record& record(std::int32_t text);
 
-    /// The text into which a pointer points, its terminator included, at most 1024 bytes behind its
-    /// start; `none` where there is no such text.
+    /// The text into which a pointer points, at most 1024 bytes after its start. The terminator
+    /// belongs to the text. `none` if there is no such text.
     std::int32_t text_around(const char* pointer) const;
 
     /// Where a text came from: "from '%s' line %d" or "set by program". REQUIRES: is_text().
@@ -80,7 +80,7 @@ private:
 
     std::unique_ptr<storage_pool, destroyer> pool_;
     char* base_ = nullptr;
-    // The pool has handed out what lies below reserved_; below used_ it is filled.
+    // The pool has handed out the bytes below `reserved_`. Those below `used_` are filled.
     std::int32_t used_ = 0;
     std::int32_t reserved_ = 0;
     // Offsets in ascending order.

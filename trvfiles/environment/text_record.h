@@ -7,7 +7,7 @@
 
 namespace trv {
 
-/// What stands directly before each text in the store.
+/// The record of a text. It is directly before the text in the store.
 struct text_record {
     /// The registered file name, or -1 for a text that was set by program.
     std::int32_t file;
@@ -21,10 +21,10 @@ struct text_record {
     std::uint8_t reserved;
 };
 
-/// In the flags: made while the record flag was on. Set by program, the text is saved with every
-/// file.
+/// In the flags: added while the record flag was on. If such a text is set by program, it is saved
+/// with every file.
 inline constexpr std::uint8_t persistent_text = 1;
-/// In the flags: removed. Lookups by name pass over the text.
+/// In the flags: removed. Lookups by name ignore the text.
 inline constexpr std::uint8_t deleted_text = 2;
 
 }  // namespace trv

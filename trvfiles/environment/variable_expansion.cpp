@@ -15,13 +15,16 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// A text of a few bytes can double at each reference ("A = $B$B", "B = $C$C"), so the length of the
+// source bounds neither time nor memory. These limits do.
 constexpr std::size_t max_length = std::size_t{16} << 20;
 constexpr std::size_t max_replacements = 1'000'000;
 
 constexpr char variable_marker = '$';
 constexpr char path_marker = '?';
 
-// A set of characters that is asked for each character of a text.
+// A table of 256 flags. It is read once for each character of a text, in the innermost loop: one
+// load takes the place of several comparisons.
 class character_set {
 public:
     template <class Predicate>
@@ -43,17 +46,19 @@ constexpr character_set name_characters([](char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
 });
 
-// A result while it grows. Its end stands in place, which for most results is all of it.
+// A result while it grows. The result is `beginning_` followed by the first `end_length_` bytes of
+// `end_`. A result of up to 256 bytes, such as most paths, never leaves `end_`: it takes one
+// allocation, that of the caller's string, and no copy of what was appended before.
 class growing_result {
 public:
-    // Takes in what stands before the first marker of a text, or the whole text where there is
-    // none, and returns where that ends.
+    // Appends a text up to its first marker, or all of it if it has none. Returns where it stopped.
     const char* add_to_marker(const char* text);
     void add(std::string_view text);
     std::size_t size() const { return beginning_.size() + end_length_; }
     void move_to(std::string& output);
 
 private:
+    // Moves `end_` into the beginning.
     void make_room() {
         beginning_.append(end_.data(), end_length_);
         end_length_ = 0;
@@ -87,7 +92,8 @@ void growing_result::move_to(std::string& output) {
     output = std::move(beginning_);
 }
 
-// The origin in full, however long the name of a file in it.
+// The origin in full, however long the name of a file in it. A result that fills the buffer may
+// have been cut, so the buffer grows until one byte is left over.
 std::string origin_of(char marker, const char* name, const char* value) {
     const auto describe =
         marker == variable_marker ? describe_variable_origin : describe_path_origin;
@@ -114,8 +120,9 @@ void report_lookup(char marker, const std::string& name, const char* found,
     }
 }
 
-// One expansion. Values inside values are kept on a stack of its own, so that their depth is
-// limited by memory alone.
+// One expansion. Iterative: the texts around the current one are on a stack in `nesting_`, so their
+// depth is limited by max_length and not by the stack of the thread. Each text on it has a
+// reference of its own, and no reference is open twice: so every chain of values ends.
 class expander {
 public:
     explicit expander(const char* source) : current_{source} {}
@@ -139,7 +146,7 @@ private:
     void open(std::string reference, std::string value, std::size_t next);
     void close();
 
-    // What only values with references in them need.
+    // Allocated for the first value that has references itself. Most values have none.
     struct nesting {
         std::vector<open_text> around;
         // The references, marker and name, whose values are open: one of them again has no end.
@@ -148,7 +155,7 @@ private:
     };
 
     open_text current_;
-    // Of the reference that has been read last.
+    // The name of the last reference. A member, so that its memory serves all references.
     std::string name_;
     std::unique_ptr<nesting> nesting_;
     bool is_closed_ = false;
@@ -168,7 +175,10 @@ int expander::run() {
     return complete;
 }
 
-// Copies what stands before the next marker, and then deals with that one or with the text's end.
+// Copies the text before the next marker, and then handles that marker or the end of the text.
+//
+// Texts are walked by pointer and end at their terminator. `next` is an offset: replace() may move
+// the text to the stack.
 int expander::step() {
     const char* const text = current_.text.c_str();
     const auto offset_of = [text](const char* place) {
@@ -205,6 +215,8 @@ int expander::step() {
 }
 
 int expander::replace(char marker) {
+    // The limit counts every reference, also one whose value is empty: a chain of n variables such
+    // as "A = $B$B" over an empty value has 2^n references and no length.
     if (++replacements_ > max_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
 
     const char* found =
@@ -220,14 +232,15 @@ int expander::replace(char marker) {
         result_.add(null_value(name_.c_str()));
         return EXP_UNDEFINED;
     }
+    // A value without markers is copied from where it is. Only the rest of another one is kept.
     const char* const rest = result_.add_to_marker(value);
     if (*rest == '\0') return EXP_OK;
     open(marker + name_, value, static_cast<std::size_t>(rest - value));
     return nesting_->open_length > max_length ? EXP_NAME_TOO_LONG : EXP_OK;
 }
 
-// What is open goes into the result but for its references: it is bounded like the result, so that
-// a deep chain of long values ends before memory does.
+// The open values are bounded together like the result. Otherwise a deep chain of long values would
+// exhaust memory before one character of it reaches the result.
 void expander::open(std::string reference, std::string value, std::size_t next) {
     if (nesting_ == nullptr) nesting_ = std::make_unique<nesting>();
     nesting_->open_length += value.size();
@@ -259,7 +272,7 @@ int expand_variables(const char* source, std::string* output) {
         output->clear();
         return EXP_INVALID_ARGUMENT;
     }
-    // The source may lie in the output, which is therefore touched last.
+    // The source may lie in the output: the expander has a copy, and the output changes last.
     expander expansion(source);
     const int code = expansion.run();
     if (is_expand_error(code)) {
@@ -298,6 +311,8 @@ std::string normalize_separators(const std::string& path) {
     };
     std::string normal;
     normal.reserve(path.size());
+    // A run begins at a separator and takes each "." only together with the separator after it. So
+    // "a/./b" loses its ".", while "a/.b", "a/../b" and "./a" keep theirs.
     std::size_t next = 0;
     while (next < path.size()) {
         if (!separator_at(next)) {

@@ -5,23 +5,24 @@
 /// variable.
 ///
 /// A name is the longest run of letters, digits and "_" (ASCII), or everything between "{" and the
-/// next "}", or between "(" and the next ")". "$$" stands for one "$", "??" for one "?". A value
-/// that holds a "$" or "?" is expanded itself. An undefined reference is replaced by null_value()
-/// of its name.
+/// next "}", or between "(" and the next ")". "$$" is one "$", "??" is one "?". A value with a "$"
+/// or "?" is expanded itself. An undefined reference is replaced by null_value() of its name.
 ///
-/// Nothing is expanded without end: a reference inside its own value, a result of more than 16 MiB
-/// and more than 1 000 000 replaced references end with EXP_NAME_TOO_LONG. So do values that are
-/// open at the same time, one inside the other, and hold more than 16 MiB together.
+/// Limits, each of which ends the expansion with EXP_NAME_TOO_LONG:
+/// - a reference inside its own value;
+/// - a result of more than 16 MiB;
+/// - more than 1 000 000 replaced references;
+/// - values that are open at the same time, one inside the other, of more than 16 MiB together.
 ///
 /// Every replaced reference sends a line to the trace channel. A trace handler that a hook sets
-/// during a lookup gets the line of that lookup, and verbose mode that it switches on prints it.
-/// The functions with an underscore serve callers with buffers of their own and report each error
-/// through the error channel; the others report nothing.
+/// during a lookup receives the line of that lookup, and verbose mode that a hook switches on
+/// prints it. The functions here report no errors. Those for buffers of the caller's, in
+/// expansion_buffers.h, report each error through the error channel.
 ///
 /// A source may be the result of an earlier lookup: it is copied before anything is looked up.
 ///
-/// Threads: any, as far as the lookups allow (see variables.h); expand_and_search() shares a buffer
-/// and is for one thread at a time.
+/// Threads: any, as far as the lookups allow (see variables.h). expand_and_search() is for one
+/// thread at a time.
 
 #include <trvfiles/environment/expansion_buffers.h>  // IWYU pragma: export
 #include <trvfiles/environment/expansion_search.h>   // IWYU pragma: export
@@ -41,8 +42,8 @@ TRV_EXPORT bool is_expand_error(int code);
 ///
 /// @param source  null is EXP_INVALID_ARGUMENT. A list of texts is joined with ";" first. A text
 ///                ends at its first zero byte.
-/// @param output  takes the result and is empty after an error; may be where the source lies. Null
-///                is EXP_INVALID_ARGUMENT.
+/// @param output  takes the result and is empty after an error. The source may lie in it. Null is
+///                EXP_INVALID_ARGUMENT.
 /// @return EXP_OK, EXP_UNDEFINED, EXP_SYNTAX_ERROR, EXP_NAME_TOO_LONG or EXP_INVALID_ARGUMENT
 TRV_EXPORT int expand_variables(const char* source, std::string* output);
 TRV_EXPORT int expand_variables(const std::string& source, std::string* output);
@@ -53,8 +54,8 @@ TRV_EXPORT int expand_path(const char* source, std::string* output);
 TRV_EXPORT int expand_path(const std::string& source, std::string* output);
 TRV_EXPORT int expand_path(const std::vector<std::string>& sources, std::string* output);
 
-/// Turns each run of "/" and "\" into one "\", together with every "." that stands between two of
-/// them. Everything else stays: "a/../b" gives "a\..\b", "./a" gives ".\a".
+/// Turns each run of "/" and "\" into one "\", together with every "." between two of them. All
+/// else stays: "a/../b" gives "a\..\b", "./a" gives ".\a".
 TRV_EXPORT std::string normalize_separators(const std::string& path);
 
 }  // namespace trv

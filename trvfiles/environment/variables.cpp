@@ -22,6 +22,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// Atomic, because lookups that only read may run on several threads once the first one is done.
 std::atomic<std::uint32_t> hook_call_count{0};
 
 zone_hook_function zone_hook = nullptr;
@@ -32,10 +33,11 @@ constexpr std::string_view zone_name = "TRVZONE";
 constexpr const char* null_text_name = "TRVNULL";
 constexpr const char* path_suffix = "PATH";
 
-// Of these an empty value says nothing; of any other variable it is a value like another.
+// An empty value of one of these variables counts as unset. For all others it is a value.
 constexpr std::string_view unset_when_empty[] = {"TRVHOME", "TRVHOME_LS", "TRVTMPDIR",
                                                  "TRV_EXPAND_LOGFILE_NAME", "TRV_MCTX_DEF"};
 
+// Called before the hook, so that a hook which throws is counted too.
 void count_hook_call() {
     hook_call_count.fetch_add(1, std::memory_order_relaxed);
 }
@@ -47,14 +49,14 @@ void run_zone_hook() {
     zone_hook();
 }
 
-bool says_nothing(std::string_view name, const char* value) {
+bool counts_as_unset(std::string_view name, const char* value) {
     return *value == '\0' && std::find(std::begin(unset_when_empty), std::end(unset_when_empty),
                                        name) != std::end(unset_when_empty);
 }
 
 const char* environment_value(const char* name) {
     const char* value = platform::get_environment(name);
-    return value == nullptr || says_nothing(name, value) ? nullptr : value;
+    return value == nullptr || counts_as_unset(name, value) ? nullptr : value;
 }
 
 const char* parameter(const message_store* store, const char* section, const char* name) {
@@ -62,22 +64,23 @@ const char* parameter(const message_store* store, const char* section, const cha
     return index < 0 ? nullptr : find_parameter(store, index, name, false);
 }
 
-// The value of an entry of the environment's store, of which its trailing blanks are cut.
+// The value of an entry of the environment's store without its trailing blanks. They are cut in the
+// store, so that the value can be returned without a copy. The texts of a store are not constant
+// objects: it only hands them out as constant.
 const char* configured_value(std::string_view section, std::string_view name) {
     const message_store* store = loaded_stores.environment;
     if (store == nullptr) return nullptr;
     const std::string_view value = find_value(*store, find_section(*store, section), name, false);
     if (value.data() == nullptr) return nullptr;
     const std::size_t kept = trim_trailing(value).size();
-    // The store's texts are its own to change; it only hands them out as constant ones.
     if (kept < value.size()) const_cast<char*>(value.data())[kept] = '\0';
     return value.data();
 }
 
-// The value of an entry of the environment's store once that is loaded. Loading may set the
-// variable of the process that would have gone before, so it is asked for again.
+// Loads the environment, and then returns the value of an entry of its store. Loading may set the
+// variable in the process environment, as install_root() sets TRVHOME, so that is read again first.
 //
-// REQUIRES: texts that lookups and handlers cannot overwrite.
+// REQUIRES: texts that lookups and handlers do not overwrite.
 const char* value_after_loading(const char* variable, std::string_view section,
                                 std::string_view name) {
     count_hook_call();
@@ -101,12 +104,13 @@ const char* find_variable(std::string_view name) {
     }
     if (name == zone_name) {
         run_zone_hook();
-        // The hook's lookups may have overwritten the caller's text.
+        // The caller's text may be the result of a lookup, which lookups of the hook overwrite.
         name = zone_name;
     }
     const char* value = environment_value(name.data());
     if (value != nullptr) return value;
     if (loaded_stores.environment != nullptr) return configured_value("var", name);
+    // Copied only here: this lookup loads, which happens once in a process.
     const std::string kept(name);
     return value_after_loading(kept.c_str(), "var", kept);
 }
@@ -125,6 +129,7 @@ const char* get_variable(const char* name) {
 
 const char* get_path_variable(const char* name) {
     if (name == nullptr) return nullptr;
+    // One copy serves both names: the entry is the beginning of the variable.
     const std::string variable = std::string(name) + path_suffix;
     const std::string_view entry(variable.data(), variable.size() - std::strlen(path_suffix));
     const char* value = environment_value(variable.c_str());
@@ -134,7 +139,7 @@ const char* get_path_variable(const char* name) {
 }
 
 std::string null_value(const char* name) {
-    // The name may be a text that the lookup overwrites.
+    // A copy: the name may be a text that the lookup overwrites.
     const std::string replacement = name == nullptr ? "" : name;
     const char* value = get_variable(null_text_name);
     std::string text = value == nullptr ? "" : value;
@@ -152,6 +157,7 @@ bool variable_is_on(const char* name) {
 }
 
 int describe_variable_origin(char* buffer, std::size_t size, const char* name, const char* value) {
+    // The order of find_variable(): the process environment comes before the store.
     const char* asked = name == nullptr ? "" : name;
     if (asked == temporary_directory_name) {
         if (environment_value("TRVTMPDIR") != nullptr) {

@@ -23,17 +23,22 @@ constexpr std::size_t directory_size = path_buffer_size + 12;
 
 // The work zone of this process.
 struct work_zone {
-    char directory[directory_size] = "";  // empty until it has been worked out
-    bool is_working_out = false;
+    // A plain buffer, because the text is returned until the process ends, during exit too. Empty
+    // until it has been computed.
+    char directory[directory_size] = "";
+    bool is_computing = false;
 };
 work_zone zone;
 
-// An undefined name is an error here: it would leave a path of some other place.
+// Expands a path into a buffer. Callers accept EXP_OK only: with an undefined name replaced, the
+// path would lead to another place.
 int expand_fully(const char* text, char* path, std::size_t size) {
     return _Expand(text, path, static_cast<std::int32_t>(size));
 }
 
-bool counter_path(char* path) {
+// The counter of the installation. TRVCONF goes first, and TRVHOME/client/trvconf is for
+// installations that do not define it.
+bool expand_counter_path(char* path) {
     constexpr char configured[] = "$TRVCONF/workzone.num";
     const int code = expand_fully(configured, path, path_buffer_size);
     if (code == EXP_OK) return true;
@@ -52,8 +57,8 @@ bool counter_path(char* path) {
 // get the same one.
 std::optional<std::string> new_zone_number(const char* zone_file) {
     char counter[path_buffer_size];
-    if (!counter_path(counter)) return std::nullopt;
-    const std::optional<std::string> number = draw_zone_number(counter);
+    if (!expand_counter_path(counter)) return std::nullopt;
+    const std::optional<std::string> number = allocate_zone_number(counter);
     return number ? create_zone_number(zone_file, *number) : std::nullopt;
 }
 
@@ -67,9 +72,11 @@ std::optional<std::string> zone_number() {
     return new_zone_number(zone_file);
 }
 
-bool work_out_directory() {
+bool compute_directory() {
     const std::optional<std::string> number = zone_number();
     if (!number) return false;
+    // Copied into the zone only when it is complete: an observer of the expansion may ask for the
+    // directory and must not find half of it.
     char directory[directory_size];
     const std::string text = "$TRVTMP/" + *number;
     if (expand_fully(text.c_str(), directory, sizeof directory) != EXP_OK) return false;
@@ -79,7 +86,7 @@ bool work_out_directory() {
 
 void make_missing_directory(const char* directory) {
     if (is_directory(directory) || make_directory(directory) == 0) return;
-    // Another process of this zone may have been faster.
+    // Another process of this zone may have made it since the first question.
     if (is_directory(directory)) return;
     const std::string text =
         std::string("Could not create temporary directory '") + directory + "'";
@@ -91,9 +98,10 @@ void make_missing_directory(const char* directory) {
 const char* get_temporary_directory() {
     const char* given = platform::get_environment(directory_variable);
     if (given != nullptr && *given != '\0') return given;
-    if (zone.is_working_out) return nullptr;
-    const running_guard guard(zone.is_working_out);
-    if (*zone.directory == '\0' && !work_out_directory()) return nullptr;
+    // TRVZONE or TRVTMP may refer to "TMP" themselves: that would never end.
+    if (zone.is_computing) return nullptr;
+    const running_guard guard(zone.is_computing);
+    if (*zone.directory == '\0' && !compute_directory()) return nullptr;
     make_missing_directory(zone.directory);
     return zone.directory;
 }

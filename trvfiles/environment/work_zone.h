@@ -6,13 +6,13 @@
 /// A work zone is the directory that the variable TRVZONE names. Its file workzone.num holds a
 /// number, and the temporary directory is the directory of that number in $TRVTMP. A new zone gets
 /// the next number of the installation's file $TRVCONF/workzone.num, or, if TRVCONF is not defined,
-/// $TRVHOME/client/trvconf/workzone.num. That file is never created here.
+/// $TRVHOME/client/trvconf/workzone.num. The library never creates that file.
 ///
-/// Several processes may start zones at the same moment, the same zone included. The installation's
-/// file is locked while a number is taken from it, so that no number is given twice. A zone's file
-/// appears with its whole number; of several processes that create it one is the first, and the
-/// others take the number that they find. Their own numbers are not used again. A process waits 10
-/// seconds at most for a lock; then the file counts as one that cannot be opened.
+/// Several processes may start zones at the same moment, also the same zone. The installation's
+/// file is locked while a number is taken from it, so no number is given twice. A zone's file
+/// appears with its whole number. If several processes create it, the first one does, and the
+/// others take the number that they find. Their own numbers are not used again. A process waits at
+/// most 10 seconds for a lock. After that the file counts as one that cannot be opened.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -20,23 +20,24 @@
 
 namespace trv {
 
-/// The temporary directory, which is made if it is missing: what the variable "TMP" yields.
+/// The temporary directory, which is created if it is missing. It is the value of the variable
+/// "TMP".
 ///
-/// If the environment variable TRVTMPDIR is set, and not empty, that is its value as it stands, and
-/// nothing is looked at or made. Otherwise the path, separated by "\", is worked out once in a
+/// If the environment variable TRVTMPDIR is set and not empty, its value is returned unchanged, and
+/// nothing is checked or created. Otherwise the path, separated by "\", is computed once in a
 /// process.
 ///
 /// An undefined TRVZONE, an undefined TRVHOME if the counter is looked for there, and a file that
 /// cannot be read or written are reported through the fatal channel, which by default ends the
-/// process. An undefined TRVTMP reports nothing: the result is none.
+/// process. An undefined TRVTMP is not reported: the result is nullptr.
 ///
-/// @return none (null) where the path cannot be worked out, and for a call that comes from within
-///         this one: a zone may not depend on its own temporary directory. A directory that cannot
-///         be made is reported, and returned all the same. The text is good until TRVTMPDIR
-///         changes.
+/// @return nullptr if the path cannot be computed, and for a call from within this one: a zone may
+///         not depend on its own temporary directory. A directory that cannot be created is
+///         reported, and returned nevertheless. The text is valid until TRVTMPDIR changes.
 TRV_EXPORT const char* get_temporary_directory();
 
-/// Sets the environment variable TRVTMPDIR, as it stands; an empty or null directory removes it.
+/// Sets the environment variable TRVTMPDIR to exactly this text. An empty or null directory removes
+/// it.
 TRV_EXPORT void set_temporary_directory(const char* directory);
 
 /// A function of the host that may set TRVZONE late.
@@ -44,8 +45,8 @@ using zone_hook = void (*)();
 
 /// Registers the function that is called before every lookup of TRVZONE, but not while it runs.
 ///
-/// @param hook  null for none
-/// @return the function registered before, or null
+/// @param hook  nullptr removes the function
+/// @return the function registered before, or nullptr
 TRV_EXPORT zone_hook set_zone_hook(zone_hook hook);
 
 }  // namespace trv

@@ -17,6 +17,7 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
+// 80 characters of a line and the terminator.
 constexpr int line_buffer_size = 81;
 
 bool read_line(std::FILE* file, std::string& line) {
@@ -26,7 +27,7 @@ bool read_line(std::FILE* file, std::string& line) {
     return true;
 }
 
-// Closes the file, which shows the last failures.
+// Closes the file, too: a full disk may show only then.
 bool write_line(platform::file_handle file, const std::string& line) {
     const bool is_written = std::fputs((line + '\n').c_str(), file.get()) >= 0;
     return std::fclose(file.release()) == 0 && is_written;
@@ -48,7 +49,8 @@ int digit_value(char digit) {
     return -1;
 }
 
-// Reads as "%x" does: white space, a sign, "0x", digits.
+// Reads as "%x" of scanf does: white space, a sign, "0x", digits. Text without digits gives 0, and
+// too large a number the largest one, so every content of a counter file has a next number.
 std::uint32_t hexadecimal_number(std::string_view text) {
     constexpr std::uint64_t max = 0xffffffff;
     skip_white_space(text);
@@ -65,6 +67,7 @@ std::uint32_t hexadecimal_number(std::string_view text) {
     return static_cast<std::uint32_t>(negative ? 0 - number : number);
 }
 
+// As "%08x", whatever the locale.
 std::string zone_number_text(std::uint32_t number) {
     std::string text(8, '0');
     for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
@@ -74,9 +77,10 @@ std::string zone_number_text(std::uint32_t number) {
     return text;
 }
 
-// The file appears under its name with the whole text, unless something has the name already.
+// The file appears under its name with the whole text. EEXIST if something has the name already.
 int create_file(const char* path, const std::string& text) {
-    // A link that leads nowhere gets its file.
+    // A zone's file may be a link to a file that does not exist yet. `refused` would take the link
+    // for an existing file, so it is followed first.
     std::string target = platform::native_path(path);
     if (const int failure = platform::follow_links(target); failure != 0) return failure;
     file_replacement file(target, own_temporary_name, file_replacement::existing::refused);
@@ -101,7 +105,7 @@ std::optional<std::string> read_zone_number(const char* path) {
     return std::string(trim_trailing(line));
 }
 
-std::optional<std::string> draw_zone_number(const char* path) {
+std::optional<std::string> allocate_zone_number(const char* path) {
     platform::file_handle file = platform::open_for_update(path, platform::file_mode::text);
     if (file == nullptr) {
         report("Error opening ", path, " file\n");
@@ -116,7 +120,7 @@ std::optional<std::string> draw_zone_number(const char* path) {
     const std::string number = zone_number_text(hexadecimal_number(line) + 1);
     std::rewind(file.get());
     if (write_line(std::move(file), number)) return number;
-    // A number that is not counted would be given to another zone as well.
+    // The number is not returned: the counter does not count it, so another zone would get it too.
     report("Error opening ", path, " file\n");
     return std::nullopt;
 }
@@ -124,6 +128,7 @@ std::optional<std::string> draw_zone_number(const char* path) {
 std::optional<std::string> create_zone_number(const char* path, const std::string& number) {
     const int failure = create_file(path, number + '\n');
     if (failure == 0) return number;
+    // Another process of this zone was faster. All processes of the zone use its number.
     if (failure == EEXIST) return read_zone_number(path);
     report("Error creating ", path, " file\n");
     return std::nullopt;

@@ -1,6 +1,6 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
-#include <trvfiles/assembly/invalid_data_policy.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
@@ -24,8 +24,8 @@ QString resolved(const std::wstring& directory, const HostPath& name) {
     return trv::resolvedPath(trv::pathFromWide(directory), name);
 }
 
-// Only an assembly is read from a resource. The name of a resource is no path for the system, which
-// would look in the current directory.
+// Only an assembly is read from a resource. The system would take ":/x" for a path in the current
+// directory.
 QString fileOnly(const QString& path) {
     return trv::isResource(path) ? QString() : path;
 }
@@ -39,6 +39,7 @@ bool exists(const std::wstring& directory, const HostPath& name) {
     return trv::isReadable(fileOnly(path.openable()));
 }
 
+// The policy is set for each call, because a host may have set another one since the last call.
 EFileIOStatus readAssembly(const QString& path, CTrvAssemblyData& data) {
     trv::setInvalidDataPolicy();
     return CTrvAssemblyIO(path).read(data);
@@ -58,7 +59,7 @@ EFileIOStatus writeContext(const QString& path, const CMachineContextData& data)
 }
 
 bool copyBytes(const HostPath& source, const HostPath& destination) {
-    // This order is part of the contract: a missing source leaves an empty destination.
+    // The order is part of the interface: a missing source leaves an empty destination.
     const file_handle to = trv::openForWrite(destination.openable(), file_mode::binary);
     const file_handle from = trv::openForRead(source.openable(), file_mode::binary);
     if (to == nullptr || from == nullptr) return false;
@@ -147,6 +148,7 @@ EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& t
         trv::readAxisFile(resolvedFile(directory_, trv::pathFromWide(fileName)), content);
     if (status != eFileIOSuccess) return status;
 
+    // Nothing of the caller is written before the whole file is read.
     if (matrix != nullptr) std::copy(content.matrix.begin(), content.matrix.end(), matrix);
     int* const tags[] = {&tag1, &tag2, &tag3};
     for (int i = 0; i < content.tagCount; ++i)
@@ -185,6 +187,7 @@ bool CQvFilesIO::isfileExists(const std::wstring& name) const {
 }
 
 bool CQvFilesIO::copyFile(const std::string& source, const std::string& destination) {
+    // Opening the destination would empty the source.
     if (source == destination) return false;
     return copyBytes(trv::pathFromNarrow(source), trv::pathFromNarrow(destination));
 }

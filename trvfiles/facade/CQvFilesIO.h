@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The one entry point through which a host reads and writes project files.
+/// The entry point of a host for reading and writing project files.
 
 #include <trvfiles/export.h>
 #include <trvfiles/support/EFileIOStatus.h>
@@ -18,27 +18,28 @@ class CTrvAssemblyData;
 /// and "~" included. Narrow names are in the local 8-bit code page and end at their first zero
 /// byte; wide names take every character. On Linux narrow text is UTF-8 in every locale and under
 /// every codec that the host sets in Qt. There each "\" of a directory or a name acts as "/", so a
-/// file name that holds one cannot be named.
+/// file whose name holds a "\" cannot be reached.
 ///
-/// A path that names nothing gives eFileIOOpenError or false, and never another file: one that
-/// holds a zero and, on Linux, narrow bytes that are not UTF-8 or a wide unit that is no character.
+/// A path that no file can have gives eFileIOOpenError or false, and never opens another file. Such
+/// a path holds a zero or, on Linux, narrow bytes that are not UTF-8 or a wide unit that is not a
+/// character.
 ///
 /// Two rules resolve names. Reads and writes clean the path ("sub/../f" is "f", whether or not
 /// "sub" exists); absoluteFileName() and isfileExists() leave it as it is spelled. An absolute name
 /// ignores the directory; on Windows "/f" is on the drive or the share of the directory. ":/f" is
-/// the name of a Qt resource of the host: assemblies are read from it, otherwise it names no file.
-/// The empty name, "." and "sub/.." name the directory itself: nothing is read or written. The
-/// static members take the path as it is, without any directory.
+/// the name of a Qt resource of the host: assemblies can be read from it, for all else no file has
+/// this name. The empty name, "." and "sub/.." are the directory itself: nothing is read or
+/// written. The static members use the path as it is, without a directory.
 ///
-/// No operation throws or prints for a file problem: the status tells. One reports as well:
-/// writeMachineContext(). Running out of memory throws std::bad_alloc. The file is closed on every
-/// way out.
+/// No operation throws or prints for a file problem: the status reports it. writeMachineContext()
+/// may also report through the fatal channel. Running out of memory throws std::bad_alloc. The file
+/// is closed in every case.
 ///
-/// Threads: instances may be used on several threads at once, each with its own records, but for
-/// writeMachineContext(), which runs on one thread at a time with the whole runtime. Each call of
-/// an assembly member makes QDomImplementation::ReturnNullNode Qt's process-wide policy for invalid
-/// XML data and leaves it so. It writes the policy only when it is another one: calls at the same
-/// time do not race, a host that sets another policy at the same time does.
+/// Threads: instances may be used on several threads at once, each with its own records. The
+/// exception is writeMachineContext(), which runs on one thread at a time with the whole runtime.
+/// Each call of an assembly member makes QDomImplementation::ReturnNullNode Qt's process-wide
+/// policy for invalid XML data and leaves it so. It writes the policy only when it is another one:
+/// calls at the same time do not race, but a host that sets another policy at the same time does.
 ///
 /// Lifetime: assemblies can be read and written until the process ends, also in handlers of
 /// atexit() and in destructors of static objects. From the moment at which Qt destroys its text
@@ -46,7 +47,7 @@ class CTrvAssemblyData;
 /// On Windows, narrow text beyond ASCII is then converted as ISO-8859-1.
 class TRV_EXPORT CQvFilesIO {
 public:
-    /// Binds an instance to a directory; a null pointer acts as the empty one.
+    /// Binds an instance to a directory; nullptr acts as the empty one.
     explicit CQvFilesIO(const char* directory);
     explicit CQvFilesIO(const std::string& directory);
     explicit CQvFilesIO(const std::wstring& directory);
@@ -62,14 +63,14 @@ public:
     // NOLINTNEXTLINE(performance-noexcept-move-constructor)
     CQvFilesIO& operator=(CQvFilesIO&& other);
 
-    /// Reads a machine context file in one pass. Section and key names count case; what the file
-    /// knows beyond them is passed over.
+    /// Reads a machine context file. Case counts in the names of sections and keys; other sections
+    /// and keys are ignored.
     ///
-    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @param name  resolved against the directory; nullptr acts as the empty name
     /// @param data  takes the fields that the file sets, in the order of the format; all others
     ///              keep their values. After a failure the fields read until then are set.
     /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened or read, or is
-    ///         longer than 256 MiB; eFileIOContentError when a section "machine" is there without
+    ///         longer than 256 MiB; eFileIOContentError when there is a section "machine" without
     ///         "name" or "position", or "postpro" without "origin_program"
     EFileIOStatus readMachineContext(const char* name, CMachineContextData& data);
     EFileIOStatus readMachineContext(std::wstring name, CMachineContextData& data);
@@ -80,14 +81,14 @@ public:
     ///
     /// Several processes may write the same file. They wait for each other, for 10 seconds at most;
     /// the text of the last one stays. The file keeps its rights, and its owner if the system
-    /// allows it. A symbolic link stays one, and the file that it leads to is replaced. Another
+    /// allows it. A symbolic link stays one, and the file to which it leads is replaced. Another
     /// hard link to the file keeps the old text.
     ///
     /// Line ends in texts become blanks, texts end at their first zero, the proximities are
     /// narrowed to single precision, and in a text a "+" followed, later, by a ")" loses what is
     /// between them, the ")" included.
     ///
-    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @param name  resolved against the directory; nullptr acts as the empty name
     /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be saved. If the temporary
     ///         file cannot be opened, or another process writes it for too long, this is reported
     ///         through the fatal channel first, whose default handler ends the process.
@@ -98,11 +99,11 @@ public:
 
     /// Reads an assembly file.
     ///
-    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @param name  resolved against the directory; nullptr acts as the empty name
     /// @param data  its root component is assigned on success; its dimension may hold the file's
     ///              values after a failure too. References to the root stay valid.
     /// @return - eFileIOSuccess. A component below the root with an incomplete "Orientation" is
-    ///           left out and no failure.
+    ///           left out; that is not a failure.
     ///         - eFileIOOpenError when the file cannot be opened.
     ///         - eFileIOContentError when it is not well-formed XML; when it nests more than 2,000
     ///           elements, or more than 2,000 groups of a content model; when it declares an
@@ -117,10 +118,10 @@ public:
     EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data);
     EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data);
 
-    /// Writes an assembly file over what stood under the name. The same record always gives the
-    /// same bytes. A component with a geometry file is written without its children.
+    /// Writes an assembly file over an existing one. The same record always gives the same bytes. A
+    /// component with a geometry file is written without its children.
     ///
-    /// @param name  resolved against the directory; a null pointer acts as the empty name
+    /// @param name  resolved against the directory; nullptr acts as the empty name
     /// @return eFileIOSuccess; eFileIOContentError when a component has neither a geometry file nor
     ///         children, when the tree is deeper than 999 components, or when a text holds U+FFFE
     ///         or U+FFFF: no file is touched then; eFileIOOpenError when the file cannot be opened;
@@ -133,9 +134,9 @@ public:
     /// @param fileName  resolved against the directory
     /// @param matrix    sixteen numbers, row by row, for row vectors: 0-2, 4-6 and 8-10 are the
     ///                  images of the x, y and z axes, 12-14 the translation in the project's
-    ///                  length unit; written on success only, and not at all where the pointer is
-    ///                  null. The axes are the inverse of the block in the file, so a written
-    ///                  rotation comes back and a written scale comes back as its reciprocal.
+    ///                  length unit; written on success only; may be nullptr. The axes are the
+    ///                  inverse of the block in the file: a written rotation is read as it was, a
+    ///                  written scale as its reciprocal.
     /// @param tag1  set if the tag line holds it, otherwise unchanged
     /// @param tag2  likewise
     /// @param tag3  likewise
@@ -143,36 +144,38 @@ public:
     ///         when one of the four matrix lines is missing or does not hold four numbers
     EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3);
 
-    /// Writes an axis file over what stood under the name: the placement and its inverse with six
-    /// decimals and, where none of the tags is negative, the tag line.
+    /// Writes an axis file over an existing one: the placement and its inverse with six decimals
+    /// and, if none of the tags is negative, the tag line.
     ///
     /// @param fileName  resolved against the directory
-    /// @param matrix    sixteen numbers as in readAxis(); a null pointer writes zeros
-    /// @return eFileIOSuccess, also when the disk fills up on the way; eFileIOOpenError when the
-    ///         file cannot be created or opened
+    /// @param matrix    sixteen numbers as in readAxis(); nullptr writes zeros
+    /// @return eFileIOSuccess, also when the disk is full; eFileIOOpenError when the file cannot be
+    ///         created or opened
     EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
                             int tag3);
 
-    /// readMachineContext() on a path that is taken as it is.
+    /// readMachineContext() for a path that is used as it is.
     static EFileIOStatus sReadMachineContext(const std::wstring& path, CMachineContextData& data);
 
-    /// writeMachineContext() on a path that is taken as it is.
+    /// writeMachineContext() for a path that is used as it is.
     static EFileIOStatus sWriteMachineContext(const std::wstring& path,
                                               const CMachineContextData& data);
 
-    /// readTrvAssembly() on a path that is taken as it is.
+    /// readTrvAssembly() for a path that is used as it is.
     static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data);
 
-    /// writeTrvAssembly() on a path that is taken as it is.
+    /// writeTrvAssembly() for a path that is used as it is.
     static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data);
 
-    /// The absolute path of a name, with "/" between its parts; not cleaned. On Linux U+FFFD takes
-    /// the place of what is not UTF-8 or no character: then the result does not name the file.
+    /// The absolute path of a name, with "/" between its parts; not cleaned. On Linux U+FFFD
+    /// replaces bytes that are not UTF-8 and units that are not characters: then it is another
+    /// file's path.
     std::string absoluteFileName(const std::string& name) const;
     std::wstring absoluteFileName(const std::wstring& name) const;
 
     /// Whether the file that absoluteFileName() gives can be opened for reading. A directory
-    /// cannot, a pipe that may be read can. The answer never waits for the writer of a pipe.
+    /// cannot be, a pipe with the right to read it can be. The call never waits for the writer of a
+    /// pipe.
     bool isfileExists(const std::string& name) const;
     bool isfileExists(const std::wstring& name) const;
 
@@ -183,8 +186,8 @@ public:
     /// leaves an empty destination.
     ///
     /// @return false when one of the files cannot be opened, and when the two strings are equal:
-    ///         nothing is touched then. Another spelling of the same name is not recognised; the
-    ///         file is emptied. Otherwise true, also when the copy could not be written to its end.
+    ///         no file is touched then. Two spellings of one path are not recognised: the file is
+    ///         emptied. Otherwise true, also when the copy could not be written to its end.
     bool copyFile(const std::string& source, const std::string& destination);
     bool copyFile(const std::wstring& source, const std::wstring& destination);
 

@@ -5,10 +5,10 @@
 
 #include <cmath>
 
-// Of an exported class, but not exported itself.
+// A nested class of an exported one would be exported with it.
 struct TRVFILES_NO_EXPORT CMachineContextData::Body {
     static const Body& of(const CMachineContextData& data) {
-        // A local static, because a host's own static objects may ask before main() begins.
+        // A local static: a static object of the host may call a getter before main() begins.
         static const Body defaults;
         return data.body_ == nullptr ? defaults : *data.body_;
     }
@@ -36,7 +36,7 @@ namespace {
 
 constexpr double nullTolerance = 1e-6;
 
-// Written so that a NaN does not count as zero.
+// Written so that a NaN is not zero.
 bool isWithinTolerance(double value) {
     return value <= nullTolerance;
 }

@@ -8,14 +8,14 @@
 #include <memory>
 #include <string>
 
-/// Which machine a part is set up on and in which position, with which clamping system and surface
-/// group, and where the program origin lies.
+/// On which machine a part is set up, in which position, with which clamping system and surface
+/// group, and at which point the program origin is.
 ///
-/// A plain value. Every text may be set and asked for in narrow form (the local 8-bit code page,
-/// UTF-8 on Linux; up to the first zero byte) and in wide form (as it is); both forms share one
-/// field. Getters return copies. Characters that the code page lacks are changed by the narrow
-/// getters and kept by the wide ones. Nothing is checked: the setters store what they are given. A
-/// default-made record has empty texts and zeros; a moved-from one reads like that too.
+/// A plain value. Every text has a narrow form (the local 8-bit code page, UTF-8 on Linux; up to
+/// the first zero byte) and a wide form (as it is); both forms share one field. Getters return
+/// copies. The narrow getters replace characters that the code page lacks, the wide ones keep them.
+/// The setters check nothing. A default-constructed record has empty texts and zeros, and so has a
+/// moved-from one.
 ///
 /// Threads: const operations may run at once on one object; anything else needs it alone.
 class TRV_EXPORT CMachineContextData {
@@ -84,14 +84,14 @@ public:
     /// Puts every field back to its default.
     void clear();
 
-    /// Whether all texts are empty and all numbers zero: the squared distance of the origin from
-    /// (0, 0, 0) is at most 1e-6, and so is the amount of each proximity. A NaN is not zero.
+    /// Whether all texts are empty and all numbers are zero: the squared distance of the origin
+    /// from (0, 0, 0) is at most 1e-6, and so is the amount of each proximity. A NaN is not zero.
     bool isNull() const;
     bool isNotNull() const;
 
 private:
     struct Body;
 
-    // Absent where every field has its default.
+    // nullptr if every field has its default.
     std::unique_ptr<Body> body_;
 };

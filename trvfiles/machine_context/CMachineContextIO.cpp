@@ -1,5 +1,5 @@
 #include <trvfiles/environment/file_replacement.h>
-#include <trvfiles/environment/held_store_writer.h>
+#include <trvfiles/environment/store_writer_internal.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
@@ -39,6 +39,7 @@ public:
         for (const ContextField& field : trv::contextFields()) {
             if (field.section != opened) open(field.section);
             opened = field.section;
+            // A section without lines counts as missing, and then requires no key.
             if (section_->lineCount() == 0) continue;
             if (file_.sectionValue(*section_, field.key, true, value_, &line_)) {
                 take(field);
@@ -63,6 +64,7 @@ private:
         const trv::NumberReading reading = trv::setFromFile(field, value_, data_);
         if (fault_ == nullptr) return;
         if (reading != trv::NumberReading::whole) noteNumber(field, reading);
+        // The record converts the bytes to characters; what differs afterwards was not text.
         if (field.isText() && (data_.*field.text)() != value_) {
             addNote(Kind::notText, field,
                     " has bytes that are not text: ", "; they are replaced or dropped");
@@ -82,6 +84,7 @@ private:
 
     void addNote(Kind kind, const ContextField& field, const char* what, const char* consequence) {
         const std::string name = field.name();
+        // headerLine() counts from 0, and line_ counts from the line after the header.
         fault_->notes.push_back({kind, section_->headerLine() + 1 + line_ + 1, 0, name,
                                  name + what + quotedValue(value_) + consequence});
     }

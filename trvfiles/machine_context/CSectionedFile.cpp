@@ -16,10 +16,12 @@ namespace settings = trv::settings;
 
 namespace {
 
+// No settings file is this long. A Place counts in 32 bits, which is enough for it.
 constexpr std::size_t maxBytes = std::size_t{256} << 20;
 constexpr std::string_view utf8Signature = "\xEF\xBB\xBF";
 
-// Finds a name among elements that are sorted by it; the first that matches where case is ignored.
+// The elements are sorted by name in byte order. A search that ignores case cannot use this order:
+// it is linear and takes the first match.
 template <class Iterator, class NameOf>
 Iterator find(Iterator first, Iterator last, std::string_view name, bool caseSensitive,
               NameOf nameOf) {
@@ -53,6 +55,7 @@ int CSectionedFile::parse(std::istream& stream, CFileFault* fault) {
         text += c;
         if (text.size() > maxBytes) return failTooLong(fault);
     }
+    // The last line of a stream that goes bad is not complete. Without a line end nothing is left.
     const bool endsInMidLine = stream.bad();
     if (endsInMidLine) text.resize(text.rfind('\n') + 1);
     return parseText(std::move(text));
@@ -82,6 +85,7 @@ int CSectionedFile::parseFile(const std::wstring& fileName, CFileFault* fault) {
 int CSectionedFile::parseFile(const QString& fileName, CFileFault* fault) {
     clear();
     trv::clear_fault(fault);
+    // The C library would allocate a buffer for each file that it opens.
     char buffer[4096];
     const auto file = trv::openForRead(fileName, trv::platform::file_mode::text, fault);
     if (file == nullptr) return -1;
@@ -98,6 +102,7 @@ void CSectionedFile::clear() {
 int CSectionedFile::parseText(std::string text) {
     content_ = std::make_shared<Content>();
     content_->text = std::move(text);
+    // Growing has reserved up to twice the length, and the text stays as long as the object.
     content_->text.shrink_to_fit();
     std::string_view unread = content_->text;
     hasUtf8Signature_ = unread.substr(0, utf8Signature.size()) == utf8Signature;
@@ -125,11 +130,12 @@ int CSectionedFile::parseText(std::string text) {
     return 0;
 }
 
-// Makes room for exactly what the text holds: a list that grows by doubling takes three times its
-// size meanwhile. A section with a name takes 24 bytes and its header at least 4, "[a]" and a line
-// end; a key takes 12 bytes and its line at least 2. So both lists take 6 times the text at most.
+// Reserves exactly what the text holds. A list that grows by doubling would take three times its
+// size at the last step. A section with a name takes 24 bytes and its header at least 4, "[a]" and
+// a line end; a key takes 12 bytes and its line at least 2. So both lists take at most 6 times the
+// size of the text.
 void CSectionedFile::reserve(std::string_view unread) {
-    // The section without a name, and another one of this kind until it is closed.
+    // The section above the first header, and a section with an empty name until it is closed.
     constexpr std::size_t unnamedSections = 2;
     const settings::Counts counts = settings::countOf(unread);
     sections_.reserve(counts.sections + unnamedSections);
@@ -162,8 +168,8 @@ void CSectionedFile::close(std::string_view lines) {
         sortKeys(section);
         return;
     }
-    // The first section has no name. A later one without a name replaces it at once, unless all of
-    // its lines are blank.
+    // The first section has no name. A later one without a name replaces it, unless all of its
+    // lines are blank.
     const bool isBlank = settings::trimmed(lines).empty();
     if (isBlank) section.lineCount_ = 0;
     if (!isBlank) sortKeys(section);
@@ -173,7 +179,7 @@ void CSectionedFile::close(std::string_view lines) {
 }
 
 void CSectionedFile::sortKeys(Section& section) {
-    // The last line of a key first, which is the one that stays.
+    // The last line of a key is sorted first, and std::unique() keeps the first one.
     const char* const text = content_->text.data();
     std::vector<KeyLine>& keys = content_->keys;
     const auto first = keys.begin() + static_cast<std::ptrdiff_t>(section.firstKey_);
@@ -189,7 +195,7 @@ void CSectionedFile::sortKeys(Section& section) {
 }
 
 void CSectionedFile::sortSections() {
-    // The last section of a name first, which is the one that stays.
+    // The last section of a name is sorted first, and std::unique() keeps the first one.
     const char* const text = content_->text.data();
     std::sort(sections_.begin(), sections_.end(),
               [text](const Section& left, const Section& right) {
@@ -200,12 +206,13 @@ void CSectionedFile::sortSections() {
         return left.name_.in(text) == right.name_.in(text);
     };
     sections_.erase(std::unique(sections_.begin(), sections_.end(), isSameName), sections_.end());
-    // The section without a name is the first one.
+    // The empty name is sorted first.
     if (sections_.front().lineCount_ == 0) sections_.erase(sections_.begin());
 }
 
 const CSectionedFile::Section& CSectionedFile::section(const std::string& name,
                                                        bool caseSensitive) const {
+    // The result is a reference, so a section that is missing needs an object, too.
     static const Section none;
     if (sections_.empty()) return none;
     const char* const text = content_->text.data();
@@ -237,6 +244,7 @@ bool CSectionedFile::value(const std::string& sectionName, bool sectionCaseSensi
     return true;
 }
 
+// A key ends before the first "=" of its line, so the first "=" after it is that one.
 std::string_view CSectionedFile::valueOf(const KeyLine& line) const {
     std::string_view rest =
         std::string_view(content_->text).substr(line.key.start + line.key.length);
@@ -244,7 +252,7 @@ std::string_view CSectionedFile::valueOf(const KeyLine& line) const {
     return settings::trimmed(rest.substr(rest.find('=') + 1));
 }
 
-// The lines of a section, and what follows them.
+// The text from the first line of a section to the end of the file.
 std::string_view CSectionedFile::textFrom(const Section& section) const {
     const std::string_view text = content_->text;
     if (section.headerLine_ < 0) return text.substr(hasUtf8Signature_ ? utf8Signature.size() : 0);

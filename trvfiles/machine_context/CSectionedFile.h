@@ -15,20 +15,23 @@
 
 struct CFileFault;
 
-/// A text of sections with "key = value" lines, parsed at once and kept whole.
+/// A text of sections with "key = value" lines, which is parsed as a whole and kept.
 ///
-/// - A line that begins with "[" and holds a "]" opens the section between the two. A section that
-///   is opened again replaces the earlier one wholly.
+/// - A line that begins with "[" and holds a "]" opens the section whose name is between the two. A
+///   section that is opened again replaces the earlier one with all its lines.
 /// - A line that holds "=" and does not begin with "#" sets a key; the last line of a key counts.
-/// - Every other line is kept without meaning. Names, keys and values lose " \t\f\v\n\r" at both
-///   ends. A CR before a line end is no part of the line.
+/// - Every other line is kept without a meaning. Names, keys and values lose " \t\f\v\n\r" at both
+///   ends. A CR before a line end is not part of the line.
 /// - Lines above the first header form a section with the empty name, unless all are blank.
 ///
-/// Lookups go by name in byte order. With case ignored, ASCII letters alone fold and the first
-/// match counts. Parsing takes at most 7 bytes of memory for each byte of the text, and a time that
-/// grows as n log n. Threads: one object on one thread; several objects at once.
+/// Names are compared byte by byte. If case is ignored, it is that of ASCII letters only, and the
+/// first match in byte order counts. Parsing takes at most 7 bytes of memory for each byte of the
+/// text, and time O(n log n).
+///
+/// Threads: one object on one thread; several objects at once.
 class CSectionedFile {
-    // A part of the text. Half the size of a view, so that short lines take little memory.
+    // A part of the text. It has half the size of a std::string_view; a file of short lines has one
+    // for each of them.
     struct Place {
         std::uint32_t start = 0;
         std::uint32_t length = 0;
@@ -43,7 +46,8 @@ public:
         /// How many lines there are, blank ones and comments included.
         int lineCount() const { return lineCount_; }
 
-        /// The line of the header in the file, counted from 0; -1 above the first header.
+        /// The line of the header in the file, counted from 0; -1 for the lines above the first
+        /// header.
         int headerLine() const { return headerLine_; }
 
     private:
@@ -52,7 +56,7 @@ public:
         Place name_;
         int lineCount_ = 0;
         int headerLine_ = -1;
-        // Its key lines among those of all sections: sorted by key, each key once.
+        // The range of its key lines among those of all sections: sorted by key, each key once.
         std::uint32_t firstKey_ = 0;
         std::uint32_t keyCount_ = 0;
     };
@@ -79,33 +83,33 @@ public:
     int parseFile(const std::wstring& fileName, CFileFault* fault = nullptr);
     int parseFile(const QString& fileName, CFileFault* fault = nullptr);
 
-    /// The section of a name; an empty one where there is none. Valid until the next parse.
+    /// The section of a name; an empty one if there is none. Valid until the next parse.
     const Section& section(const std::string& name, bool caseSensitive) const;
 
     /// Looks a key up in a section of this object.
     ///
-    /// @param value       written where the key is found
-    /// @param lineNumber  where asked for, takes the place of the key's line in the section, from 0
-    /// @return whether the key is there
+    /// @param value       written if the key is found
+    /// @param lineNumber  takes the key's line in the section, counted from 0; may be nullptr
+    /// @return whether the key is found
     bool sectionValue(const Section& section, const std::string& key, bool caseSensitive,
                       std::string& value, int* lineNumber = nullptr) const;
 
-    /// Looks a section and a key in it up.
+    /// Looks up a section and a key in it.
     ///
-    /// @param lineNumber  where asked for, takes the key's line in the file, from 0
-    /// @return whether both are there
+    /// @param lineNumber  takes the key's line in the file, counted from 0; may be nullptr
+    /// @return whether both are found
     bool value(const std::string& sectionName, bool sectionCaseSensitive, const std::string& key,
                bool keyCaseSensitive, std::string& value, int* lineNumber = nullptr) const;
 
     /// Writes every section with its lines and its keys, in byte order of their names.
     void dump(std::ostream& stream) const;
 
-    /// Whether the text began with the bytes EF BB BF, which are no part of the first line.
+    /// Whether the text begins with the bytes EF BB BF, which are not part of the first line.
     bool hasUtf8Signature() const { return hasUtf8Signature_; }
 
 private:
-    // The value is found by its key when it is asked for. `index` is the line's place in the
-    // section, from 0.
+    // The value is not stored: valueOf() finds it after the key. `index` is the line in the
+    // section, counted from 0.
     struct KeyLine {
         Place key;
         int index;
@@ -129,9 +133,9 @@ private:
     std::string_view textFrom(const Section& section) const;
     std::string_view valueOf(const KeyLine& line) const;
 
-    // All places are in this text, which copies of the object share.
+    // Every Place is in this text, which copies of the object share.
     std::shared_ptr<Content> content_;
-    // Sorted by name, each once; while a text is parsed the last one is open.
+    // Sorted by name, each name once; while a text is parsed, the last one is open.
     std::vector<Section> sections_;
     bool hasUtf8Signature_ = false;
 };

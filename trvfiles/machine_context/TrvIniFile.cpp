@@ -1,8 +1,8 @@
 #include <trvfiles/environment/guards.h>
-#include <trvfiles/environment/held_store_writer.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
+#include <trvfiles/environment/store_writer_internal.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/machine_context/TrvIniFile.h>
 #include <trvfiles/support/file_system.h>
@@ -22,11 +22,13 @@ const char* textOf(const char* text) {
 
 }  // namespace
 
+// Not the virtual function: a derived class is destroyed already.
 TrvIniFile::~TrvIniFile() {
     TrvIniFile::close();
 }
 
 int TrvIniFile::load(const char* fileName) {
+    // Loading creates the store if there is none, and keeps the existing one after a failure.
     trv::message_store* loaded = trv::load_message_file(document_, fileName);
     if (loaded == nullptr) return -1;
     document_ = loaded;
@@ -84,6 +86,7 @@ int TrvIniFile::setFloatValue(std::int16_t section, const char* key, float value
 }
 
 std::string TrvIniFile::floatText(float value) {
+    // Part of the format: the text of 1e20 is cut off in its digits.
     constexpr std::size_t maxLength = 19;
     std::string text;
     trv::append_fixed(text, static_cast<double>(value));
@@ -119,7 +122,7 @@ int TrvIniFile::forEachZoneFile(const char* directory, const char* suffix,
                                 int (*callback)(const char* fileName, void* context),
                                 void* context) {
     if (callback == nullptr) return -1;
-    // The lookup may overwrite the suffix where the caller has it.
+    // The suffix may be the result of an earlier lookup, which the next lookup overwrites.
     const std::string namePattern = std::string("/*") + textOf(suffix);
     if (directory == nullptr) directory = trv::get_variable("TRVZONE");
     const std::string pattern = (directory == nullptr ? "." : directory) + namePattern;

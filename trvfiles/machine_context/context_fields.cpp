@@ -9,6 +9,7 @@ namespace {
 
 using Data = CMachineContextData;
 
+// The table below is easier to check with words than with four kinds of true and false.
 constexpr bool required = true;
 constexpr bool optional = false;
 constexpr bool always = true;
@@ -29,6 +30,7 @@ constexpr ContextField originField(const char* section) {
     return {section, "origin_program", required, always, nullptr, nullptr, nullptr, nullptr};
 }
 
+// @param rest  what follows the last number
 NumberReading readingOf(std::string_view rest) {
     skip_white_space(rest);
     return rest.empty() ? NumberReading::whole : NumberReading::beginning;
@@ -99,10 +101,12 @@ NumberReading setFromFile(const ContextField& field, const std::string& value,
     }
     if (field.isProximity()) {
         double number = 0;
+        // Set in every case: without a number the proximity is 0, and not what the record had.
         const bool isNumber = scan_number(rest, number);
         (data.*field.setProximity)(number);
         return isNumber ? readingOf(rest) : NumberReading::none;
     }
+    // All or none: a mixture of new and old coordinates would be another point.
     double coordinates[3] = {};
     for (double& coordinate : coordinates) {
         if (!scan_number(rest, coordinate)) return NumberReading::none;

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The lines of a sectioned settings file, and what each of them means.
+/// The lines of a sectioned settings file and their meaning.
 ///
 /// Threads: any.
 
@@ -10,7 +10,7 @@
 
 namespace trv::settings {
 
-/// The set is the format's own: " \t\f\v\n\r".
+/// The blanks of the format: " \t\f\v\n\r".
 constexpr bool isBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
@@ -24,13 +24,13 @@ inline std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-/// Takes lines off the front of a text.
+/// Consumes a text line by line.
 class Lines {
 public:
     explicit Lines(std::string_view text) : rest_(text) {}
 
-    /// Sets `line` to the next line without its end, and returns false at the end of the text. An
-    /// empty line without a line end, which may have been a lone CR, is not a line.
+    /// Sets `line` to the next line without its end; returns false at the end of the text. There,
+    /// an empty line or a single CR without a line end is not a line.
     bool next(std::string_view& line) {
         const std::size_t end = rest_.find('\n');
         const bool isTerminated = end != std::string_view::npos;
@@ -47,7 +47,9 @@ private:
     std::string_view rest_;
 };
 
-/// @param name  set for a header
+/// Whether a line opens a section.
+///
+/// @param name  written if it does
 inline bool isHeader(std::string_view line, std::string_view& name) {
     if (line.empty() || line.front() != '[') return false;
     const std::size_t end = line.find(']');
@@ -56,7 +58,9 @@ inline bool isHeader(std::string_view line, std::string_view& name) {
     return true;
 }
 
-/// @param key  set for a key line
+/// Whether a line sets a key.
+///
+/// @param key  written if it does
 inline bool isKeyLine(std::string_view line, std::string_view& key) {
     if (line.empty() || line.front() == '#') return false;
     const std::size_t equals = line.find('=');
@@ -65,7 +69,7 @@ inline bool isKeyLine(std::string_view line, std::string_view& key) {
     return true;
 }
 
-/// How many sections with a name there are, and how many lines that set a key.
+/// The number of sections with a name and of lines that set a key.
 struct Counts {
     std::size_t sections;
     std::size_t keys;

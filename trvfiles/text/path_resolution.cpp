@@ -13,6 +13,7 @@ namespace {
 
 constexpr QLatin1Char slash('/');
 
+// Only Windows has drives, and only there "\\" separates the parts of a path.
 bool hasDrives() {
     return platform::backslash_separates();
 }
@@ -22,14 +23,14 @@ QString join(const QString& directory, const QString& name) {
     return directory.endsWith(slash) ? directory + name : directory + slash + name;
 }
 
-// On POSIX. Not by QDir: it takes "prefix:name" for a name on a search path of the host, and each
-// ":name" for a resource.
+// For POSIX. QDir::isAbsolutePath() also accepts "prefix:name", a name on a search path of the
+// host, and each ":name" as a resource.
 bool isAbsolute(const QString& path) {
     return path.startsWith(slash) || isResource(path);
 }
 
-// On POSIX. A directory that has no path any more gives a path that is relative, in which the
-// system finds nothing either.
+// For POSIX. If the current directory has been removed, it has no path. Then the result is
+// relative, and the system finds nothing under it.
 HostPath absoluteDirectory(const HostPath& directory) {
     HostPath path{nativePath(directory.text), directory.isExact};
     if (!isAbsolute(path.text)) {
@@ -37,24 +38,25 @@ HostPath absoluteDirectory(const HostPath& directory) {
         path.text = join(nativePath(current.text), path.text);
         path.isExact = path.isExact && current.isExact;
     }
-    // Cleaning could remove a zero, and a file would have the rest of the path.
+    // Cleaning "a/b\0/.." would remove the zero, and a file may have the rest as its path.
     if (isOpenable(path.text)) path.text = QDir::cleanPath(path.text);
     return path;
 }
 
-// On POSIX. Cleaning removes a "/" at the end, which only the path of a directory has.
+// For POSIX. cleanPath() removes a "/" at the end. With it the system opens a directory only, so
+// "f/" must not become the file "f".
 QString cleaned(const QString& path) {
     const QString clean = QDir::cleanPath(path);
     return path.endsWith(slash) && !clean.endsWith(slash) ? clean + slash : clean;
 }
 
-// On Windows: "/x" and "\x", which are on the drive or the share of the directory.
+// For Windows: "/x" and "\x" are on the drive or the share of the directory.
 bool lacksDrive(const QString& path) {
     const QString generic = QDir::fromNativeSeparators(path);
     return generic.startsWith(slash) && !generic.startsWith(QLatin1String("//"));
 }
 
-// On Windows. Not by QDir, which prints a warning if there is neither.
+// For Windows. QDir prints a warning if a path has neither.
 QString driveOrShare(const QString& absolute) {
     if (absolute.size() > 1 && absolute.at(0).isLetter() && absolute.at(1) == QLatin1Char(':')) {
         return absolute.left(2);
@@ -65,7 +67,7 @@ QString driveOrShare(const QString& absolute) {
     return absolute.left(absolute.indexOf(slash, share));
 }
 
-// On Windows. What cannot be opened is joined as text, because QDir prints a warning about it.
+// For Windows. A path that cannot be opened is joined as text, because QDir prints a warning.
 QString pathOnDrive(const QDir& directory, const QString& name) {
     if (!isOpenable(directory.path())) return directory.filePath(name);
     if (!lacksDrive(name)) return directory.absoluteFilePath(name);

@@ -1,12 +1,12 @@
 #pragma once
 
 /// @file
-/// Which file a name in a directory means. There are two rules: what is read or written has a clean
-/// path, and what is asked for has the path as it is spelled.
+/// Which file a name in a directory means. There are two rules: a read or a write has a clean path,
+/// a question about a name has the path as it is spelled.
 ///
-/// On POSIX all of it is text, and the file system is asked for nothing but the current directory:
-/// Qt's own resolution takes the codec and the search paths that a host sets in Qt. On Windows,
-/// where Qt does neither, Qt finds the drive, the share and the current directory.
+/// On POSIX paths are resolved as text, and the file system is asked only for the current
+/// directory: Qt's own resolution applies the codec and the search paths that a host sets in Qt. On
+/// Windows Qt applies neither, so there Qt finds the drive, the share and the current directory.
 ///
 /// Threads: any, as long as none of them changes the current directory.
 
@@ -16,14 +16,14 @@
 
 namespace trv {
 
-/// Whether the path is the name of a resource that is compiled into the host, ":/x". It is absolute
-/// and names no file.
+/// Whether the path is the name of a resource that is compiled into the host, ":/x". Such a name is
+/// absolute, and no file has it.
 bool isResource(const QString& path);
 
 /// The path of a name with its directory in front of it, and "/" as separator on POSIX. An absolute
 /// name is taken as it is. A relative or an empty directory is in the current one.
 ///
-/// @return exact if everything is that the path consists of
+/// @return exact if the name and the directories before it are
 HostPath absolutePath(const HostPath& directory, const HostPath& name);
 
 /// The path for a read or a write: absolute, and clean ("sub/../f" is "f").

@@ -12,15 +12,15 @@
 namespace trv {
 namespace {
 
-int lengthToZero(const char* text, std::size_t longest) {
-    const void* zero = std::memchr(text, 0, longest);
+int lengthToZero(const char* text, std::size_t maxLength) {
+    const void* zero = std::memchr(text, 0, maxLength);
     return static_cast<int>(zero == nullptr
-                                ? longest
+                                ? maxLength
                                 : static_cast<std::size_t>(static_cast<const char*>(zero) - text));
 }
 
-// QString::fromUtf8() drops a byte order mark at the beginning of its text. A mark is a character
-// of the text here, so the marks at the beginning are taken off and put back.
+// QString::fromUtf8() drops a byte order mark at the beginning. It is an ordinary character here,
+// so the marks at the beginning are removed before and added after the conversion.
 QString decodeUtf8(std::string_view text) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     int marks = 0;
@@ -41,8 +41,8 @@ bool isCharacter(wchar_t unit) {
     return code <= QChar::LastValidCodePoint && !QChar::isSurrogate(code);
 }
 
-// An openable path of ASCII, which is the same in every encoding of file names, in the system's
-// form. Most paths are.
+// An openable path of ASCII in the system's form. Most paths are ASCII: for them this one copy
+// replaces a translated copy, its conversion and the copy of the bytes.
 bool asciiPath(const QString& path, std::string& narrow) {
     constexpr ushort firstBeyondAscii = 0x80;
     std::string ascii(static_cast<std::size_t>(path.size()), '\0');
@@ -76,8 +76,8 @@ QString fromNarrow(const std::string& text) {
     return decode(text.data(), lengthToZero(text.data(), text.size()));
 }
 
-// Not by fromStdWString(), which drops a first U+FEFF as a byte order mark and, behind a swapped
-// one, swaps the bytes of what follows.
+// QString::fromStdWString() drops a U+FEFF at the beginning as a byte order mark, and swaps the
+// bytes of a text that begins with U+FFFE.
 QString fromWide(const std::wstring& text) {
     const auto isPair = [](char32_t code) {
         return QChar::requiresSurrogates(code) && code <= QChar::LastValidCodePoint;
@@ -110,6 +110,7 @@ std::string narrowFromUtf8(std::string_view text) {
     return toNarrow(decodeUtf8(text));
 }
 
+// Unlike fromStdWString(), Qt's conversion in this direction drops nothing.
 std::wstring toWide(const QString& text) {
     return text.toStdWString();
 }
@@ -120,7 +121,7 @@ HostPath pathFromNarrow(const char* path) {
 
 HostPath pathFromNarrow(const std::string& path) {
     HostPath result{fromNarrow(path)};
-    // What is not UTF-8 has become U+FFFD, which may also be a character of the path.
+    // The path may hold a U+FFFD itself, which converts back to the same bytes.
     if (platform::narrow_text_is_utf8() && result.text.contains(QChar::ReplacementCharacter)) {
         result.isExact = toNarrow(result.text) == path.substr(0, path.find('\0'));
     }
@@ -128,7 +129,7 @@ HostPath pathFromNarrow(const std::string& path) {
 }
 
 HostPath pathFromWide(const std::wstring& path) {
-    // In UTF-16 a half of a surrogate pair is a unit like any other.
+    // The file names of Windows are any 16-bit units, single surrogates included.
     const bool hasHalves = !platform::narrow_text_is_utf8();
     return {fromWide(path), hasHalves || std::all_of(path.begin(), path.end(), isCharacter)};
 }
@@ -143,7 +144,7 @@ std::wstring widePath(const std::string& path) {
     const HostPath narrow = pathFromNarrow(path);
     std::wstring wide = toWide(narrow.text);
     if (narrow.isExact) return wide;
-    // No character, and U+FFFD as a text.
+    // fromWide() makes U+FFFD of this unit, and pathFromWide() finds that it is not a character.
     constexpr wchar_t beyondUnicode = std::numeric_limits<wchar_t>::max();
     std::replace(wide.begin(), wide.end(), wchar_t{QChar::ReplacementCharacter}, beyondUnicode);
     return wide;
@@ -174,12 +175,13 @@ bool runtimePath(const QString& path, std::string& narrow) {
     if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
         if (asciiPath(path, narrow)) return true;
         if (!isOpenable(path)) return false;
-        // Not by QFile::encodeName(), which takes the codec that the host has set.
+        // QFile::encodeName() would apply the codec that the host has set.
         narrow = nativePath(path).toUtf8().toStdString();
         return true;
     } else {
         if (!isOpenable(path)) return false;
         std::string text = toNarrow(path);
+        // Windows replaces what the code page lacks by a similar character without an error.
         if (fromNarrow(text) != path) return false;
         narrow = std::move(text);
         return true;

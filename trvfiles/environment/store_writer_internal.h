@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// Saving a store under a lock that the caller holds already.
+/// What store_writer.cpp gives to the library's own sources: saving a store under a lock that the
+/// caller holds already.
 ///
 /// Threads: one at a time, with the whole runtime.
 
@@ -12,10 +13,10 @@
 
 namespace trv {
 
-/// store_parameters() for a caller that has read or checked something since it holds the target.
+/// store_parameters() for a caller that has read or checked something under the lock.
 ///
-/// @param held  a replacement of this very target. If it is not open, this function reports so
-///              through the fatal channel and returns -1.
+/// @param held  a replacement of this target. If it is not open, the function reports this through
+///              the fatal channel and returns -1.
 int store_parameters(message_store* store, const char* file_name, file_replacement& held);
 
 /// Reports through the fatal channel that the temporary file of a save cannot be opened.

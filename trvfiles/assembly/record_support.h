@@ -1,11 +1,18 @@
 #pragma once
 
 /// @file
-/// Static objects that can be read until the process ends.
+/// What the records of assemblies share: copies of three numbers, and default values that can be
+/// read until the process ends.
 
+#include <algorithm>
 #include <new>
 
 namespace trv {
+
+/// Copies three numbers; nullptr on either side leaves everything as it is.
+inline void copyVector(const double* from, double* to) {
+    if (from != nullptr && to != nullptr) std::copy_n(from, 3, to);
+}
 
 /// Holds a default-constructed object as long as the process lives, without allocating memory for
 /// it. For static variables that a host may read from the destructor of a static object of its own,

@@ -1,4 +1,4 @@
-// The road of one request: from a host's call to the file on the disk, and back into a record.
+// Writes a machine context through the facade and reads it back into a record.
 
 #include <tests/common/channel_log.h>
 #include <tests/common/death_test.h>
@@ -85,13 +85,13 @@ std::vector<std::string> namesIn(const fs::path& directory) {
     return names;
 }
 
-class RequestRoad : public ChildProcessTest {};
+class MachineContextRequest : public ChildProcessTest {};
 
 }  // namespace
 
-// The runtime is untouched on the way, which only a process shows that has done nothing else.
-TEST_F(RequestRoad, LeadsFromARecordThroughAFileIntoARecord) {
-    const auto travel = [] {
+// The calls must not load the environment. Only a process without earlier calls can show this.
+TEST_F(MachineContextRequest, WritesARecordAndReadsItBack) {
+    const auto writeAndRead = [] {
         const TemporaryDirectory project;
         const ChannelLog log;
         CQvFilesIO files(project.wide());
@@ -109,10 +109,10 @@ TEST_F(RequestRoad, LeadsFromARecordThroughAFileIntoARecord) {
         EXPECT_THAT(log.errors(), IsEmpty());
         EXPECT_THAT(log.fatals(), IsEmpty());
     };
-    TRV_EXPECT_IN_CHILD(travel);
+    TRV_EXPECT_IN_CHILD(writeAndRead);
 }
 
-TEST(RequestRoadAgain, ReplacesTheFileThatWasThere) {
+TEST(MachineContextRoundTrip, ReplacesAnExistingFile) {
     const TemporaryDirectory project;
     CQvFilesIO files(project.wide());
     writeBytes(project / "setup.mctx", "an older and quite different file");
@@ -125,8 +125,8 @@ TEST(RequestRoadAgain, ReplacesTheFileThatWasThere) {
     expectSample(read);
 }
 
-// What a written file says is what it says when it is written again.
-TEST(RequestRoadAgain, EndsWhereItBegan) {
+// A record that was read is written to the same bytes.
+TEST(MachineContextRoundTrip, WritesTheSameBytesAgain) {
     const TemporaryDirectory project;
     CQvFilesIO files(project.wide());
     ASSERT_EQ(files.writeMachineContext(L"one.mctx"s, sample()), eFileIOSuccess);
@@ -136,7 +136,7 @@ TEST(RequestRoadAgain, EndsWhereItBegan) {
     EXPECT_EQ(bytesOf(project / "two.mctx"), bytesOf(project / "one.mctx"));
 }
 
-TEST(RequestRoadAgain, EndsEarlyWithoutADirectory) {
+TEST(MachineContextRoundTrip, FailsWithoutADirectory) {
     const TemporaryDirectory project;
     const ChannelLog log;
     CQvFilesIO files(project.wide() + L"/missing");
