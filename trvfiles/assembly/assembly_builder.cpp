@@ -220,13 +220,13 @@ void AssemblyBuilder::endComponent() {
     }
 }
 
-// The note about the component replaces those about what is in it.
+// The note about a component that is left out replaces those about what is in it.
 void AssemblyBuilder::leaveOut(const Level& level) {
-    notes_.resize(level.notesBefore);
     if (levels_.empty()) {
         isComponentBroken_ = true;
         return;
     }
+    notes_.resize(level.notesBefore);
     hasLeftOut_ = true;
     hasAltered_ = true;
     if (!collectsNotes_) return;
