@@ -10,7 +10,8 @@ namespace trv::cli {
 struct ContextPlan {
     /// Empty in the default context of a machine position.
     QString machine;
-    /// The axis file to copy, and how the catalogue is told of it: empty for the directory's own.
+    /// The axis file to copy, and its name as an argument of the catalogue: empty for the
+    /// directory's own.
     QString axisFile;
     QString givenAxis;
     /// The name in the record.

@@ -35,7 +35,7 @@ std::set<int> keptLines(const CSectionedFile& file) {
         if (file.value(field.section, true, field.key, true, value, &line)) lines.insert(line);
     }
     const bool isVersioned = file.value("header", true, "version", true, value, &line);
-    if (isVersioned && value == "2") lines.insert(line);
+    if (isVersioned && value == std::to_string(contextFormatVersion)) lines.insert(line);
     return lines;
 }
 

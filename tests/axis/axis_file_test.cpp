@@ -542,7 +542,7 @@ protected:
 
 }  // namespace
 
-TEST_F(AxisFault, SaysWhyAFileIsNotRead) {
+TEST_F(AxisFault, ReportsWhyAFileIsNotRead) {
     EXPECT_EQ(trv::readAxisFile(path("missing"), content_, &fault_), eFileIOOpenError);
     EXPECT_EQ(fault_.reason, "No such file or directory");
     EXPECT_EQ(fault_.systemError, ENOENT);
@@ -560,7 +560,7 @@ TEST_F(AxisFault, SaysWhyAFileIsNotRead) {
     EXPECT_EQ(fault_.line, 0);
 }
 
-TEST_F(AxisFault, SaysThatReadingBreaksOff) {
+TEST_F(AxisFault, ReportsAReadThatFails) {
     if (!std::filesystem::exists("/proc/self/mem")) {
         GTEST_SKIP() << "there is no file here that breaks off";
     }
@@ -571,7 +571,7 @@ TEST_F(AxisFault, SaysThatReadingBreaksOff) {
     EXPECT_EQ(fault_.line, 2);
 }
 
-TEST_F(AxisFault, SaysWhyAFileIsNotWritten) {
+TEST_F(AxisFault, ReportsWhyAFileIsNotWritten) {
     EXPECT_EQ(trv::writeAxisFile(path("missing/f"), "text", &fault_), eFileIOOpenError);
     EXPECT_EQ(fault_.reason, "No such file or directory");
     EXPECT_EQ(fault_.systemError, ENOENT);

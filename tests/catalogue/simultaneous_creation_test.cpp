@@ -195,7 +195,7 @@ TEST_F(SimultaneousCreation, LeavesTheReferenceFileOfAProcessThatWasFirst) {
     EXPECT_EQ(contents(), (Contents{{"transfo.dat", "axis"}, {namedReference, "first"}}));
 }
 
-TEST_F(SimultaneousCreation, WaitsForNobodyIfOneOfTheNamedFilesExists) {
+TEST_F(SimultaneousCreation, DoesNotWaitIfOneOfTheNamedFilesExists) {
     write("transfo.dat", "axis");
     const trv::file_replacement held((directory_ / "job.mctx").string());
     const auto start = std::chrono::steady_clock::now();

@@ -164,7 +164,7 @@ TEST(PrintPlacements, PrintsTheFlattenedList) {
     EXPECT_EQ(list(CTrvAssemblyData()), "");
 }
 
-TEST(PrintPlacementsAsCsv, QuotesWhereNeeded) {
+TEST(PrintPlacementsAsCsv, QuotesIfNeeded) {
     EXPECT_EQ(csv(setup()),
               csvHeader + std::string("\"vise, small.stl\",10,5,0.1,1,0,0,0,1,0,0,0,1\r\n"));
     EXPECT_EQ(csv(assembly(leaf("a", "say \"hi\"\r\n"))),

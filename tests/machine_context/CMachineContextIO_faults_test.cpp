@@ -131,7 +131,7 @@ TEST_F(ContextFault, KeepsTheNotesOfWhatComesBeforeAMissingKey) {
     EXPECT_EQ(fault_.notes[0].subject, "header");
 }
 
-TEST_F(ContextFault, SaysWhyAFileIsNotRead) {
+TEST_F(ContextFault, ReportsWhyAFileIsNotRead) {
     EXPECT_EQ(file().read(data_, &fault_), eFileIOOpenError);
     EXPECT_EQ(fault_.reason, "No such file or directory");
     EXPECT_EQ(fault_.systemError, ENOENT);
@@ -142,7 +142,7 @@ TEST_F(ContextFault, SaysWhyAFileIsNotRead) {
     EXPECT_EQ(fault_.systemError, EIO);
 }
 
-TEST_F(ContextFault, SaysThatAFileIsTooLong) {
+TEST_F(ContextFault, ReportsThatAFileIsTooLong) {
     writeBytes(path_, "[header]\n");
     fs::resize_file(path_, (std::uintmax_t{256} << 20) + 1);
     EXPECT_EQ(file().read(data_, &fault_), eFileIOOpenError);
@@ -150,7 +150,7 @@ TEST_F(ContextFault, SaysThatAFileIsTooLong) {
     EXPECT_EQ(fault_.systemError, 0);
 }
 
-TEST_F(ContextFault, SaysThatAStreamIsNotGood) {
+TEST_F(ContextFault, ReportsThatAStreamIsNotGood) {
     std::istringstream stream("[a]\n");
     stream.setstate(std::ios::failbit);
     CSectionedFile parsed;
@@ -158,7 +158,7 @@ TEST_F(ContextFault, SaysThatAStreamIsNotGood) {
     EXPECT_EQ(fault_.reason, "the stream cannot be read");
 }
 
-TEST_F(ContextFault, SaysWhyAFileIsNotWritten) {
+TEST_F(ContextFault, ReportsWhyAFileIsNotWritten) {
     const ChannelLog log;
     EXPECT_EQ(file().write(data_, nullptr, &fault_), eFileIOSuccess);
     EXPECT_EQ(fault_.reason, "");
@@ -172,7 +172,7 @@ TEST_F(ContextFault, SaysWhyAFileIsNotWritten) {
     EXPECT_EQ(log.fatals().size(), 1U);
 }
 
-TEST_F(ContextFault, SaysWhyAHeldFileIsNotReplaced) {
+TEST_F(ContextFault, ReportsWhyAHeldFileIsNotReplaced) {
     const ChannelLog log;
     trv::file_replacement none((directory_ / "missing" / "f").string());
     EXPECT_EQ(file().write(data_, &none, &fault_), eFileIOOpenError);

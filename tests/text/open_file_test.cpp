@@ -221,7 +221,7 @@ TEST_F(OpenFile, ReportsWhyItDoesNotReadForQt) {
     EXPECT_EQ(fault.systemError, ENOENT);
 }
 
-TEST_F(OpenFile, SaysWhyItDoesNotOpen) {
+TEST_F(OpenFile, ReportsWhyItDoesNotOpen) {
     fs::create_directory(directory_ / "d");
     const struct {
         QString path;

@@ -20,7 +20,6 @@ namespace {
 
 using Kind = CFileFault::Note::Kind;
 
-constexpr int formatVersion = 2;
 constexpr char headerSection[] = "header";
 
 std::string quotedValue(const std::string& value) {
@@ -107,7 +106,7 @@ private:
     int line_ = 0;
 };
 
-// Which status a section that storage has no room for gives is part of the interface.
+// The status for a section for which there is no storage is part of the interface.
 EFileIOStatus withoutStorage(std::string_view section) {
     return section == "part" || section == "clamping_system" ? eFileIOContentError
                                                              : eFileIOStructureError;
@@ -128,7 +127,7 @@ EFileIOStatus CMachineContextIO::read(CMachineContextData& data, CFileFault* fau
 EFileIOStatus CMachineContextIO::write(const CMachineContextData& data, trv::file_replacement* held,
                                        CFileFault* fault) {
     trv::clear_fault(fault);
-    setVersion(formatVersion);
+    setVersion(trv::contextFormatVersion);
     const EFileIOStatus status = writeFields(data, fault);
     return status == eFileIOSuccess ? saveFile(held, fault) : status;
 }
@@ -195,8 +194,8 @@ EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held, CFileFaul
     const bool isOpen = held->is_open();
     const int result = save(path.c_str(), *held);
     if (result >= 0) return eFileIOSuccess;
-    // A name that storage has no room for gives -1 as well, which is EPERM. It is reported through
-    // the error channel.
+    // If there is no storage for the file's name, the result is -1 as well, which is EPERM. That is
+    // reported through the error channel.
     trv::set_system_fault(fault, isOpen ? -result : held->open_failure());
     return eFileIOOpenError;
 }

@@ -37,6 +37,9 @@ struct ContextField {
     std::string name() const;
 };
 
+/// What a written file has as "version" in its section "header". Reading ignores it.
+inline constexpr int contextFormatVersion = 2;
+
 inline constexpr std::size_t contextFieldCount = 10;
 
 /// All of them, in the order in which a file is written and read.
