@@ -37,9 +37,9 @@ std::string textReadBack(std::string text) {
 }
 
 std::string fixed(double value) {
-    constexpr std::size_t longestNumber = 400;
+    constexpr std::size_t maxNumberLength = 400;
     if (std::isnan(value)) return "nan";
-    std::array<char, longestNumber> text;
+    std::array<char, maxNumberLength> text;
     std::snprintf(text.data(), text.size(), "%f", value);
     return text.data();
 }

@@ -67,11 +67,11 @@ private:
 }  // namespace
 
 std::vector<PlainSection> parseMessagesPlainly(std::string_view text) {
-    constexpr std::size_t longestLine = 1023;
+    constexpr std::size_t maxLineLength = 1023;
     Parser parser;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-        const std::string line(text.substr(0, std::min(end, longestLine)));
+        const std::string line(text.substr(0, std::min(end, maxLineLength)));
         // A zero byte ends the text, but not the line.
         parser.take(line.c_str());
         text.remove_prefix(end);

@@ -64,13 +64,13 @@ private:
     }
 
     int appendReference(char marker, const std::string& name) {
-        constexpr int mostReplacements = 2000;
-        constexpr std::size_t longestResult = std::size_t{1} << 18;
+        constexpr int maxReplacements = 2000;
+        constexpr std::size_t maxResultSize = std::size_t{1} << 18;
         const std::string reference = marker + name;
         if (std::find(open_.begin(), open_.end(), reference) != open_.end())
             return EXP_NAME_TOO_LONG;
         hasGivenUp_ =
-            hasGivenUp_ || ++replacements_ > mostReplacements || result.size() > longestResult;
+            hasGivenUp_ || ++replacements_ > maxReplacements || result.size() > maxResultSize;
         if (hasGivenUp_) return EXP_NAME_TOO_LONG;
         const char* found =
             marker == '$' ? get_variable(name.c_str()) : get_path_variable(name.c_str());
@@ -131,8 +131,8 @@ void checkText(const std::string& text) {
     const std::optional<int> expected = plain.expand(text);
     require(!expected || (*expected == code && plain.result == result),
             "status and result are as the rules say");
-    constexpr std::size_t longestResult = std::size_t{16} << 20;
-    require(result.size() <= longestResult, "no result is longer than 16 MiB");
+    constexpr std::size_t maxResultSize = std::size_t{16} << 20;
+    require(result.size() <= maxResultSize, "no result is longer than 16 MiB");
     require(code == EXP_OK || code == EXP_UNDEFINED || code == EXP_SYNTAX_ERROR ||
                 code == EXP_NAME_TOO_LONG,
             "the status is one of the table");

@@ -85,8 +85,8 @@ std::vector<int> countsOf(const message_store* store) {
 
 // The comment and the trailing blanks of a line are removed, and the line ends at 1023 characters.
 bool isKeptByALine(const std::string& text) {
-    constexpr std::size_t longestLine = 1023;
-    return text.find('#') == std::string::npos && text.size() < longestLine &&
+    constexpr std::size_t maxLineLength = 1023;
+    return text.find('#') == std::string::npos && text.size() < maxLineLength &&
            (text.empty() || !is_blank(text.back()));
 }
 

@@ -89,7 +89,7 @@ std::vector<std::string> listed(const std::string& pattern) {
 }
 
 void checkListing(InputReader& input) {
-    constexpr std::size_t longestPattern = 511;
+    constexpr std::size_t maxPatternLength = 511;
     const std::string name = input.text();
     const std::string pattern = tree() + "\\" + name;
     const std::vector<std::string> entries = listed(pattern);
@@ -105,7 +105,7 @@ void checkListing(InputReader& input) {
     }
     if (matchesPlainly(name, "sub", false)) expected.push_back(tree() + "\\sub");
     std::sort(expected.begin(), expected.end());
-    if (pattern.size() > longestPattern) expected.clear();
+    if (pattern.size() > maxPatternLength) expected.clear();
     require(entries == expected, "a listing contains exactly the names that match");
 }
 
@@ -122,8 +122,8 @@ std::string textOf(const std::string& field) {
 }
 
 void checkSearch(InputReader& input) {
-    constexpr int largestSize = 700;
-    const int size = input.number(largestSize);
+    constexpr int maxSize = 700;
+    const int size = input.number(maxSize);
     const std::string text = input.text();
     ConfiguredVariables variables;
     variables.path(("TREE = " + tree() + ";" + tree() + "/sub").c_str());

@@ -47,8 +47,8 @@ public:
     Player& operator=(const Player&) = delete;
 
     void play() {
-        constexpr int mostOperations = 300;
-        for (int i = 0; i < mostOperations && !input_.isAtEnd(); ++i)
+        constexpr int maxOperations = 300;
+        for (int i = 0; i < maxOperations && !input_.isAtEnd(); ++i)
             playOne();
         set_storage_maximum(noMaximum);
         compareAll();
@@ -213,7 +213,7 @@ private:
     }
 
     void compareLookup(int section, const std::string& name, bool exact) const {
-        constexpr double mostReplacements = 500;
+        constexpr double maxReplacements = 500;
         const int number = model_.findEntry(section, name, exact, true);
         const char* value = find_parameter(store_.get(), section, name.c_str(), exact);
         require((value != nullptr) == (number != StoreModel::none),
@@ -221,7 +221,7 @@ private:
         if (value == nullptr) return;
         const auto id = static_cast<std::size_t>(model_.idOf(section, number));
         // The library cuts off values that double at each step. The model does not.
-        if (costs_[id] > mostReplacements) return;
+        if (costs_[id] > maxReplacements) return;
         require(value == model_.resolve(section, number), "references are resolved");
     }
     void compareAll() const {

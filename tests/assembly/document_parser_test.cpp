@@ -69,10 +69,10 @@ public:
     bool isSequential() const override { return true; }
 
 protected:
-    qint64 readData(char* data, qint64 longest) override {
+    qint64 readData(char* data, qint64 maxLength) override {
         constexpr int piece = 1000;
         const QByteArray next =
-            bytes_.mid(given_, static_cast<int>(std::min<qint64>(longest, piece)));
+            bytes_.mid(given_, static_cast<int>(std::min<qint64>(maxLength, piece)));
         std::copy(next.begin(), next.end(), data);
         given_ += next.size();
         return next.isEmpty() ? -1 : next.size();

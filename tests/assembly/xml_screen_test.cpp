@@ -20,8 +20,8 @@ QString passedInPieces(const QStringList& pieces, XmlScreen& screen) {
     return passed;
 }
 
-QString screened(const QString& document, int deepest = 100) {
-    XmlScreen screen(deepest);
+QString screened(const QString& document, int maxDepth = 100) {
+    XmlScreen screen(maxDepth);
     return passedInPieces({document}, screen);
 }
 
@@ -29,14 +29,14 @@ QString screened(const char* document) {
     return screened(QString::fromUtf8(document));
 }
 
-XmlScreen::Refusal refusalOf(const QString& document, int deepest = 100) {
-    XmlScreen screen(deepest);
+XmlScreen::Refusal refusalOf(const QString& document, int maxDepth = 100) {
+    XmlScreen screen(maxDepth);
     screen.pass(document);
     return screen.refusal();
 }
 
-XmlScreen::Refusal refusalOf(const char* document, int deepest = 100) {
-    return refusalOf(QString::fromUtf8(document), deepest);
+XmlScreen::Refusal refusalOf(const char* document, int maxDepth = 100) {
+    return refusalOf(QString::fromUtf8(document), maxDepth);
 }
 
 constexpr auto none = XmlScreen::Refusal::none;

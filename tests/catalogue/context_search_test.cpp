@@ -177,7 +177,7 @@ TEST_F(ContextSearch, LeavesOutPathsThatTheSystemDoesNotOpen) {
 TEST(ContextSearchTime, GrowsWithTheNumberOfDirectories) {
     if (trv::platform::backslash_separates()) GTEST_SKIP() << "no processor time to compare";
     // 16 times the directories: linear work takes 16 times as long, quadratic work 256 times.
-    const double mostGrowth = 90;
+    const double maxGrowth = 90;
     EXPECT_LT(growth(500, 8000,
                      [](int count) {
                          const auto directories = directoriesThatLinkToOne(count);
@@ -187,5 +187,5 @@ TEST(ContextSearchTime, GrowsWithTheNumberOfDirectories) {
                          EXPECT_EQ(contexts, static_cast<std::size_t>(count));
                          return time;
                      }),
-              mostGrowth);
+              maxGrowth);
 }

@@ -29,13 +29,13 @@ TEST(ForEachComponent, VisitsParentsBeforeChildrenInOrder) {
 TEST(ForEachComponent, AcceptsAnyDepth) {
     constexpr int levels = 100000;
     std::size_t count = 0;
-    std::size_t deepest = 0;
+    std::size_t maxLevel = 0;
     cli::forEachComponent(chain(levels, "f"), [&](const ComponentBody&, std::size_t level) {
         ++count;
-        deepest = level;
+        maxLevel = level;
     });
     EXPECT_EQ(count, 100000U);
-    EXPECT_EQ(deepest, 99999U);
+    EXPECT_EQ(maxLevel, 99999U);
 }
 
 }  // namespace

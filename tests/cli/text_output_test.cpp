@@ -146,8 +146,8 @@ TEST(Shown, GivesDifferentTextsForDifferentTexts) {
 }
 
 TEST(BeginningOf, CutsBetweenCharacters) {
-    const auto beginning = [](const char* text, int longest) {
-        return beginningOf(QString::fromUtf8(text), longest).toStdString();
+    const auto beginning = [](const char* text, int maxLength) {
+        return beginningOf(QString::fromUtf8(text), maxLength).toStdString();
     };
     EXPECT_EQ(beginning("abc", 3), "abc");
     EXPECT_EQ(beginning("abc", 2), "ab...");

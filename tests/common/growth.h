@@ -20,13 +20,13 @@ double processorTime(Call call) {
 /// @param time  called with a size; returns the measured time
 template <class Time>
 double growth(int small, int large, Time time) {
-    double shortest = std::numeric_limits<double>::max();
-    double longest = shortest;
+    double smallTime = std::numeric_limits<double>::max();
+    double largeTime = smallTime;
     for (int run = 0; run < 5; ++run) {
-        shortest = std::min(shortest, time(small));
-        longest = std::min(longest, time(large));
+        smallTime = std::min(smallTime, time(small));
+        largeTime = std::min(largeTime, time(large));
     }
-    return longest / shortest;
+    return largeTime / smallTime;
 }
 
 }  // namespace trv::testing

@@ -30,7 +30,7 @@ using trv::testing::writeBytes;
 
 namespace {
 
-constexpr std::uintmax_t mostBytes = 268435456;
+constexpr std::uintmax_t maxBytes = 268435456;
 
 std::string valueOf(const CSectionedFile& file, const std::string& section,
                     const std::string& key) {
@@ -167,12 +167,12 @@ TEST(SectionedFileLimits, AreReachedBeyond256MebibytesOfAFile) {
     const TemporaryDirectory directory;
     const fs::path path = directory / "f";
     writeBytes(path, "[s]\nk=v\n");
-    fs::resize_file(path, mostBytes);
+    fs::resize_file(path, maxBytes);
     CSectionedFile file;
     EXPECT_EQ(file.parseFile(path.wstring()), 0);
     EXPECT_EQ(valueOf(file, "s", "k"), "v");
     EXPECT_EQ(file.section("s", true).lineCount(), 2);
-    fs::resize_file(path, mostBytes + 1);
+    fs::resize_file(path, maxBytes + 1);
     EXPECT_EQ(file.parseFile(path.wstring()), -1);
     EXPECT_EQ(valueOf(file, "s", "k"), "<none>");
 }

@@ -91,8 +91,8 @@ bool matchesByRule(const char* pattern, const char* name) {
 
 TEST(WildcardMatch, AgreesWithTheRecursiveRule) {
     std::mt19937 random(20240507);
-    const auto text = [&random](std::string_view letters, std::size_t longest) {
-        std::string made(random() % (longest + 1), ' ');
+    const auto text = [&random](std::string_view letters, std::size_t maxLength) {
+        std::string made(random() % (maxLength + 1), ' ');
         for (char& c : made)
             c = letters[random() % letters.size()];
         return made;

@@ -19,8 +19,8 @@ int firstToFail = 0;
 bool failsForEver = false;
 std::atomic<int> allocations = 0;
 std::atomic<int> failed = 0;
-constexpr int deepestStack = 64;
-void* stackFrames[deepestStack];
+constexpr int maxStackSize = 64;
+void* stackFrames[maxStackSize];
 std::atomic<int> stackSize = 0;
 
 bool strikes(AllocationKind kind) {
@@ -29,7 +29,7 @@ bool strikes(AllocationKind kind) {
     if (number != firstToFail && !(failsForEver && number > firstToFail)) return false;
     ++failed;
     isArmed = false;
-    stackSize = ::backtrace(stackFrames, deepestStack);
+    stackSize = ::backtrace(stackFrames, maxStackSize);
     isArmed = true;
     return true;
 }
