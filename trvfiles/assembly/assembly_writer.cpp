@@ -100,13 +100,37 @@ bool walk(const ComponentBody& root, Enter enter, Leave leave) {
     }
 }
 
+// How a character is written in a quoted value; nullptr if it is written as it is. XML requires an
+// escaped ">" only in "]]>", and Qt escapes it only there.
+const char* escapeOf(char character, bool followsBrackets) {
+    switch (character) {
+        case '<':
+            return "&lt;";
+        case '&':
+            return "&amp;";
+        case '"':
+            return "&quot;";
+        case '\t':
+            return "&#x9;";
+        case '\n':
+            return "&#xa;";
+        case '\r':
+            return "&#xd;";
+        case '>':
+            return followsBrackets ? "&gt;" : nullptr;
+        default:
+            return nullptr;
+    }
+}
+
 class Writer {
 public:
     explicit Writer(const std::function<bool(std::string_view)>& write) : write_(write) {
-        text_.reserve(blockSize);
+        text_.reserve(2 * blockSize);
     }
 
     bool write(const CTrvAssemblyData& data) {
+        // The two blanks at the end are part of the format.
         text_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"  ?>\n";
         open(0, names::root);
         appendAttribute(names::version, std::to_string(formatVersion));
@@ -218,35 +242,17 @@ private:
     }
 
     void appendEscaped(const char* utf8) {
-        const char* const begin = utf8;
-        for (const char* at = begin; *at != '\0'; ++at) {
-            switch (*at) {
-                case '<':
-                    text_ += "&lt;";
-                    break;
-                case '&':
-                    text_ += "&amp;";
-                    break;
-                case '"':
-                    text_ += "&quot;";
-                    break;
-                case '\t':
-                    text_ += "&#x9;";
-                    break;
-                case '\n':
-                    text_ += "&#xa;";
-                    break;
-                case '\r':
-                    text_ += "&#xd;";
-                    break;
-                case '>':
-                    // Not after "]]", where it would end a CDATA section.
-                    text_ += at - begin >= 2 && at[-1] == ']' && at[-2] == ']' ? "&gt;" : ">";
-                    break;
-                default:
-                    text_ += *at;
-            }
+        const char* run = utf8;
+        const char* at = utf8;
+        for (; *at != '\0'; ++at) {
+            const char* const escaped =
+                escapeOf(*at, at - utf8 >= 2 && at[-1] == ']' && at[-2] == ']');
+            if (escaped == nullptr) continue;
+            text_.append(run, at);
+            text_ += escaped;
+            run = at + 1;
         }
+        text_.append(run, at);
     }
 
     const std::function<bool(std::string_view)>& write_;
