@@ -1,3 +1,4 @@
+#include <bench/assembly_peers.h>
 #include <bench/bench_files.h>
 #include <bench/comparison.h>
 #include <bench/peak_memory.h>
@@ -6,12 +7,18 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
-#include <memory>
+#include <cstddef>
+#include <filesystem>
+#include <map>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace trv::bench {
 namespace {
 
+constexpr int few = 20;
+constexpr int tiny = 1000;
 constexpr int small = 10000;
 constexpr int large = 100000;
 
@@ -64,9 +71,8 @@ struct Sample {
 };
 
 const Sample& sample(int leaves) {
-    static std::optional<Sample> smallSample;
-    static std::optional<Sample> largeSample;
-    std::optional<Sample>& sample = leaves == small ? smallSample : largeSample;
+    static std::map<int, std::optional<Sample>> samples;
+    std::optional<Sample>& sample = samples[leaves];
     if (!sample.has_value()) sample.emplace(leaves);
     return *sample;
 }
@@ -136,24 +142,67 @@ Comparison growthOfStructs(const std::string& name, Workload (*work)(int leaves)
             {{"structs, 10k", work(small), noBound}}};
 }
 
+// The peers of reading a plain document.
+Comparison reading(const std::string& size, int leaves) {
+    const auto path = [leaves] { return sample(leaves).file; };
+    return {"read assembly, " + size,
+            read(leaves),
+            {{"pugixml, as_double",
+              [path] { benchmark::DoNotOptimize(readByPugixml(path(), Numbers::asDouble)); }, 0.65},
+             {"pugixml, from_chars",
+              [path] { benchmark::DoNotOptimize(readByPugixml(path(), Numbers::fromChars)); }, 1.0},
+             {"expat", [path] { benchmark::DoNotOptimize(readByExpat(path())); }, 0.40},
+             {"xmlTextReader of libxml2",
+              [path] { benchmark::DoNotOptimize(readByLibxml2(path())); }, 0.30},
+             {"QDomDocument", [path] { benchmark::DoNotOptimize(readPlainly(path())); }, 0.06}}};
+}
+
+Comparison writing(const std::string& size, int leaves) {
+    return {"write assembly, " + size,
+            write(leaves),
+            {{"pugixml", [leaves] { writeByPugixml(sample(leaves).target, sample(leaves).plain); },
+              0.30}}};
+}
+
+Comparison peakMemoryOf(const std::string& name, Workload work, Peer peer) {
+    Comparison comparison = {name + ", peak memory", std::move(work), {std::move(peer)}};
+    comparison.figure = [](const Workload& measured) {
+        sample(large);
+        return peakMemory(measured);
+    };
+    return comparison;
+}
+
+// A peer that holds so many bytes.
+Peer bytes(const std::string& name, std::size_t (*count)(), double bound) {
+    return {name, [count] { benchmark::DoNotOptimize(std::string(count(), 'x')); }, bound};
+}
+
+std::size_t sizeOfFile() {
+    return static_cast<std::size_t>(std::filesystem::file_size(sample(large).file));
+}
+
+std::size_t mebibyte() {
+    return std::size_t{1} << 20;
+}
+
 }  // namespace
 
 Comparisons assemblyComparisons() {
-    const auto readDom = [] { benchmark::DoNotOptimize(readPlainly(sample(large).file)); };
-    const auto writeDom = [] { writePlainly(sample(large).target, sample(large).plain); };
-    Comparison memory = {"read assembly, 100k, peak memory",
-                         read(large),
-                         {{"setContent and a walk into structs", readDom, 1.10}}};
-    memory.figure = [](const Workload& work) {
-        sample(large);
-        return peakMemory(work);
-    };
     return {
-        {"read assembly, 100k",
-         read(large),
-         {{"setContent and a walk into structs", readDom, 1.10}}},
-        memory,
-        {"write assembly, 100k", write(large), {{"DOM, toString(3), one write", writeDom, 0.85}}},
+        reading("1k", tiny),
+        reading("10k", small),
+        reading("100k", large),
+        {"read assembly, 20 components",
+         read(few),
+         {{"pugixml, as_double",
+           [] { benchmark::DoNotOptimize(readByPugixml(sample(few).file, Numbers::asDouble)); },
+           1.0}}},
+        peakMemoryOf("read assembly, 100k", read(large), bytes("the file's size", sizeOfFile, 0.6)),
+        writing("1k", tiny),
+        writing("10k", small),
+        writing("100k", large),
+        peakMemoryOf("write assembly, 100k", write(large), bytes("1 MiB", mebibyte, 1.0)),
         {"flatten, 100k", flatten(large), {{"a loop over structs", flattenStructs(large), 1.5}}},
         {"compare two, 100k",
          compare(large),

@@ -2,9 +2,11 @@
 
 #include <fuzz/harness/require.h>
 #include <fuzz/targets.h>
+#include <tests/assembly/dom_writer.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/assembly/component_body.h>
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/assembly/xml_characters.h>
@@ -16,6 +18,8 @@
 #include <QDomImplementation>
 
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace trv::fuzz {
@@ -35,28 +39,105 @@ void requireXmlCharactersOutsideTags(const QDomDocument& document) {
         [](const QDomNode&, int) {});
 }
 
-EFileIOStatus readText(const QByteArray& text, CTrvAssemblyData& data) {
+// What reading a document by the DOM gives.
+struct Reading {
+    EFileIOStatus status = eFileIOContentError;
+    int version = 0;
+    CTrvAssemblyData data;
+    CFileFault fault;
+};
+
+Reading readByDom(const QByteArray& text) {
     QBuffer device;
     device.setData(text);
     device.open(QIODevice::ReadOnly);
     DomTree tree;
-    CFileFault fault;
-    if (!parseDocument(device, tree, &fault)) {
-        require(!fault.reason.empty() && fault.line > 0, "a fault has its place");
-        return eFileIOContentError;
+    Reading reading;
+    if (!parseDocument(device, tree, &reading.fault)) {
+        require(!reading.fault.reason.empty() && reading.fault.line > 0, "a fault has its place");
+        return reading;
     }
     requireXmlCharactersOutsideTags(tree.document);
-    int version = 0;
-    const EFileIOStatus status = readDocument(tree.document, version, data, &fault);
-    require(fault.reason.empty() == (status == eFileIOSuccess), "every failure has a reason");
-    return status;
+    reading.status = readDocument(tree.document, reading.version, reading.data, &reading.fault);
+    require(reading.fault.reason.empty() == (reading.status == eFileIOSuccess),
+            "every failure has a reason");
+    return reading;
+}
+
+template <class Object>
+void appendBytes(std::string& bytes, const Object& object) {
+    static_assert(std::is_trivially_copyable_v<Object>);
+    bytes.append(reinterpret_cast<const char*>(&object), sizeof object);
+}
+
+void appendText(std::string& bytes, const std::string& text) {
+    appendBytes(bytes, text.size());
+    bytes += text;
+}
+
+// All of a record, its numbers bit for bit: comparing records allows for tolerances.
+std::string bytesOf(const CTrvAssemblyData& data) {
+    std::string bytes;
+    double dimension[3];
+    data.getDimension(dimension);
+    appendBytes(bytes, dimension);
+    std::vector<const ComponentBody*> open = {&ComponentBody::of(data.getRootComponent())};
+    while (!open.empty()) {
+        const ComponentBody& component = *open.back();
+        open.pop_back();
+        appendText(bytes, component.name);
+        appendText(bytes, component.comment);
+        appendText(bytes, component.geometryFileName);
+        appendBytes(bytes, component.enabled);
+        appendBytes(bytes, component.translation);
+        appendBytes(bytes, component.vec1);
+        appendBytes(bytes, component.vec2);
+        appendBytes(bytes, component.vec3);
+        appendBytes(bytes, component.components.size());
+        for (const ComponentBody& child : component.components)
+            open.push_back(&child);
+    }
+    return bytes;
+}
+
+// What the scanner accepts, the DOM reads alike. Of the rest the scanner leaves the record alone.
+void requireBothReadersAgree(const QByteArray& text, const Reading& dom) {
+    for (const Accepted accepted : {Accepted::complete, Accepted::unaltered}) {
+        QBuffer device;
+        device.setData(text);
+        device.open(QIODevice::ReadOnly);
+        CTrvAssemblyData data;
+        int version = 0;
+        if (!readPlainDocument(device, accepted, version, data)) {
+            require(bytesOf(data) == bytesOf(CTrvAssemblyData()), "the record is unchanged");
+            continue;
+        }
+        require(dom.status == eFileIOSuccess, "both readers accept the document");
+        require(version == dom.version, "both readers find the same version");
+        require(bytesOf(data) == bytesOf(dom.data), "both readers build the same record");
+        require(accepted == Accepted::complete || dom.fault.notes.empty(),
+                "a document about which there is a note is not unaltered");
+    }
 }
 
 bool writeText(const CTrvAssemblyData& data, QByteArray& text) {
-    DomTree tree;
-    if (!writeDocument(data, tree)) return false;
-    text = QByteArray::fromStdString(documentText(tree.document));
+    if (!isWritable(data)) return false;
+    std::string written;
+    writeAssembly(data, [&written](std::string_view block) {
+        written += block;
+        return true;
+    });
+    text = QByteArray::fromStdString(written);
     return true;
+}
+
+void requireBothWritersAgree(const CTrvAssemblyData& data) {
+    DomTree tree;
+    std::string expected;
+    const bool isWritten = testing::writeByDom(data, tree, expected);
+    QByteArray text;
+    require(writeText(data, text) == isWritten, "both writers refuse the same records");
+    require(!isWritten || text.toStdString() == expected, "both writers write the same bytes");
 }
 
 struct Screened {
@@ -130,12 +211,15 @@ void checkAssemblyXml(std::string_view input) {
     const QByteArray text(input.data(), static_cast<int>(input.size()));
     requirePiecesMakeNoDifference(QString::fromUtf8(text));
 
-    CTrvAssemblyData data;
-    const EFileIOStatus status = readText(text, data);
+    const Reading reading = readByDom(text);
+    const EFileIOStatus status = reading.status;
     require(status == eFileIOSuccess || status == eFileIOContentError ||
                 status == eFileIOStructureError,
             "the status is 1, 4 or 5");
+    requireBothReadersAgree(text, reading);
     if (status != eFileIOSuccess) return;
+    const CTrvAssemblyData& data = reading.data;
+    requireBothWritersAgree(data);
 
     require(data == CTrvAssemblyData(data), "a copy is equal");
     require(data.getComponentFileList().size() < input.size(),
@@ -147,8 +231,10 @@ void checkAssemblyXml(std::string_view input) {
     require(isWritten || contents.hasEmptyComponent || contents.hasNoncharacter,
             "every other assembly is written");
     if (!isWritten) return;
-    CTrvAssemblyData again;
-    require(readText(written, again) == eFileIOSuccess, "a written file can be read");
+    const Reading readAgain = readByDom(written);
+    requireBothReadersAgree(written, readAgain);
+    require(readAgain.status == eFileIOSuccess, "a written file can be read");
+    const CTrvAssemblyData& again = readAgain.data;
     require(contents.hasZeroInText || again == data, "a written file reads back the same");
     QByteArray writtenAgain;
     require(writeText(again, writtenAgain) && writtenAgain == written,

@@ -2,13 +2,14 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/document_parser.h>
+#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 
 #include <QFile>
 
 #include <cerrno>
-#include <string>
+#include <string_view>
 #include <utility>
 
 CTrvAssemblyIO::CTrvAssemblyIO(QString fileName) : fileName_(std::move(fileName)) {}
@@ -20,25 +21,35 @@ EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, CFileFault* fault) {
     trv::platform::file_handle handle;
     QFile file;
     if (!trv::openForRead(fileName_, handle, file, fault)) return eFileIOOpenError;
-    if (!trv::parseDocument(file, tree_, fault)) return eFileIOContentError;
-    return trv::readDocument(tree_.document, version_, data, fault);
+    // A file that cannot be read twice goes to the DOM at once.
+    if (!file.isSequential()) {
+        const trv::Accepted accepted =
+            fault == nullptr ? trv::Accepted::complete : trv::Accepted::unaltered;
+        if (trv::readPlainDocument(file, accepted, version_, data)) return eFileIOSuccess;
+        if (!file.seek(0)) {
+            trv::set_system_fault(fault, errno);
+            return eFileIOContentError;
+        }
+    }
+    trv::DomTree tree;
+    if (!trv::parseDocument(file, tree, fault)) return eFileIOContentError;
+    return trv::readDocument(tree.document, version_, data, fault);
 }
 
 EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data, CFileFault* fault) {
     trv::clear_fault(fault);
-    if (!trv::writeDocument(data, tree_, fault)) return eFileIOContentError;
-    // Before the file is opened, which truncates it: a record that is refused, or memory that runs
-    // out, leaves the old file.
-    const std::string text = trv::documentText(tree_.document);
+    if (!trv::isWritable(data, fault)) return eFileIOContentError;
 
     trv::platform::file_handle handle;
     QFile file;
     if (!trv::openForWrite(fileName_, handle, file, fault)) return eFileIOOpenError;
-    // A full disk is noticed by the number of bytes, or when the last ones go to the system.
-    const auto length = static_cast<qint64>(text.size());
     errno = 0;
-    const bool isWhole = file.write(text.data(), length) == length && file.flush();
-    if (isWhole) return eFileIOSuccess;
+    const auto write = [&file](std::string_view block) {
+        const auto length = static_cast<qint64>(block.size());
+        return file.write(block.data(), length) == length;
+    };
+    // A full disk is noticed by the number of bytes, or when the last ones go to the system.
+    if (trv::writeAssembly(data, write) && file.flush()) return eFileIOSuccess;
     trv::set_system_fault(fault, errno);
     return eFileIOShortWrite;
 }

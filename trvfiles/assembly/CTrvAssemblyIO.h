@@ -3,7 +3,6 @@
 /// @file
 /// The reader and writer of one assembly file.
 
-#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/support/EFileIOStatus.h>
 
 #include <QString>
@@ -36,7 +35,6 @@ public:
     EFileIOStatus write(const CTrvAssemblyData& data, CFileFault* fault = nullptr);
 
 private:
-    trv::DomTree tree_;
     QString fileName_;
     int version_ = 0;
 };

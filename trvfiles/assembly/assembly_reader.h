@@ -1,13 +1,15 @@
 #pragma once
 
 /// @file
-/// From the DOM document of an assembly file to its record.
+/// The two ways to read an assembly document. Both feed an AssemblyBuilder, which has the rules of
+/// the format.
 
 #include <trvfiles/support/EFileIOStatus.h>
 
 #include <QDomDocument>
 
 class CTrvAssemblyData;
+class QIODevice;
 struct CFileFault;
 
 namespace trv {
@@ -21,5 +23,23 @@ namespace trv {
 /// @return eFileIOSuccess, eFileIOContentError or eFileIOStructureError
 EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssemblyData& data,
                            CFileFault* fault = nullptr);
+
+/// What readPlainDocument() may accept.
+enum class Accepted {
+    /// Every document that readDocument() reads without leaving out a component.
+    complete,
+    /// Only documents about which readDocument() has no note.
+    unaltered,
+};
+
+/// Reads a plain document (see PlainScanner) without the DOM, at 20 times its speed.
+///
+/// @param device  not sequential; read from its current position to any other one
+/// @return whether the document is plain, accepted and read with eFileIOSuccess: version and data
+/// are
+///         then those that readDocument() would give. If not, both are unchanged, and the document
+///         has to be read by parseDocument() and readDocument().
+/// @throws std::bad_alloc
+bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvAssemblyData& data);
 
 }  // namespace trv

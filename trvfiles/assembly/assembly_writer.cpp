@@ -2,13 +2,16 @@
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/component_body.h>
+#include <trvfiles/assembly/dom_tree.h>
+#include <trvfiles/assembly/number_writing.h>
+#include <trvfiles/assembly/xml_characters.h>
 #include <trvfiles/support/file_fault.h>
+#include <trvfiles/support/platform.h>
 #include <trvfiles/text/text_conversion.h>
 
-#include <QDomElement>
 #include <QString>
-#include <QStringView>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -17,148 +20,90 @@ namespace trv {
 namespace {
 
 constexpr int formatVersion = 1;
+constexpr std::size_t indentation = 3;
+constexpr std::size_t blockSize = 65536;
 
-// A component on level n, the root being on level 1, has 2n open elements, and its "Data" and
-// "File" are two more.
+// A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
+// more.
 constexpr std::size_t maxLevel = (maxNesting - 2) / 2;
-constexpr std::size_t maxShallowLevel = (shallowNesting - 2) / 2;
 
 constexpr char noncharacter[] = " has a text with U+FFFE or U+FFFF, which XML does not allow";
 
-// Qt's parser uses U+FFFE and U+FFFF as marks for the end of its input.
-bool canBeReadBack(const QString& text) {
-    return !text.contains(QChar(0xFFFE)) && !text.contains(QChar(0xFFFF));
-}
-
-bool setText(QDomElement& element, const QString& attribute, const std::string& value) {
-    const QString text = fromNarrow(value);
-    if (!canBeReadBack(text)) return false;
-    element.setAttribute(attribute, text);
+// Narrow text that is UTF-8 without characters that XML does not allow, up to its first zero.
+bool isPlainText(const std::string& text) {
+    const bool isUtf8 = platform::narrow_text_is_utf8();
+    const char* at = text.c_str();
+    while (*at != '\0') {
+        const bool isAscii = static_cast<unsigned char>(*at) < 0x80;
+        const int length = isAscii ? 1 : isUtf8 ? utf8CharacterLength(at) : 0;
+        if (length == 0) return false;
+        at += length;
+    }
     return true;
 }
 
-class Writer {
-public:
-    Writer(DomTree& tree, CFileFault* fault)
-        : tree_(tree), document_(tree.document), fault_(fault) {}
+bool canBeReadBack(const std::string& narrow) {
+    if (isPlainText(narrow)) return true;
+    const QString text = fromNarrow(narrow);
+    return !text.contains(QChar(0xFFFE)) && !text.contains(QChar(0xFFFF));
+}
 
-    bool write(const CTrvAssemblyData& data) {
-        // The two blanks at the end are part of the format.
-        document_.appendChild(document_.createProcessingInstruction(
-            QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"  ")));
-        QDomElement root = append(document_, names::root());
-        root.setAttribute(names::version(), formatVersion);
-        writeAttributes(root, data);
-        return writeTree(root, ComponentBody::of(data.getRootComponent()));
+bool isEmptyText(const std::string& narrow) {
+    return narrow.empty() || narrow.front() == '\0';
+}
+
+bool refuse(const ComponentBody& component, const char* reason, CFileFault* fault) {
+    if (fault == nullptr) return false;
+    const std::string name = fromNarrow(component.name).toStdString();
+    set_fault(fault, "component " + quoted_beginning(name) + reason);
+    return false;
+}
+
+bool isWritable(const ComponentBody& component, std::size_t level, CFileFault* fault) {
+    if (level > maxLevel) return refuse(component, " is nested too deeply", fault);
+    if (!canBeReadBack(component.name) || !canBeReadBack(component.comment)) {
+        return refuse(component, noncharacter, fault);
     }
+    if (isEmptyText(component.geometryFileName) && component.components.empty()) {
+        return refuse(component, " has neither a geometry file nor components", fault);
+    }
+    return canBeReadBack(component.geometryFileName) || refuse(component, noncharacter, fault);
+}
 
-private:
-    struct Pending {
-        QDomElement parent;
-        const std::vector<ComponentBody>* components;
+// Calls `enter(component, level)` for a component and each one below it that has a place in a file,
+// in document order, and `leave(component, level)` after those below a component. Iterative, with a
+// list of the open levels: the tree may be deeper than the stack allows.
+template <class Enter, class Leave>
+bool walk(const ComponentBody& root, Enter enter, Leave leave) {
+    struct Open {
+        const ComponentBody* component;
         std::size_t next;
     };
-
-    QDomElement append(QDomNode& parent, const QString& tag) {
-        QDomElement element = document_.createElement(tag);
-        parent.appendChild(element);
-        return element;
-    }
-
-    void appendVector(QDomElement& parent, const QString& tag, const double vector[3]) {
-        QDomElement element = append(parent, tag);
-        element.setAttribute(names::x(), vector[0]);
-        element.setAttribute(names::y(), vector[1]);
-        element.setAttribute(names::z(), vector[2]);
-    }
-
-    void writeAttributes(QDomElement& root, const CTrvAssemblyData& data) {
-        double dimension[3];
-        data.getDimension(dimension);
-        QDomElement attributes = append(root, names::attributes());
-        appendVector(attributes, names::dimension(), dimension);
-    }
-
-    // Iterative, with a list of the open levels: the tree may be deeper than the stack allows.
-    bool writeTree(QDomElement& root, const ComponentBody& component) {
-        if (!writeComponent(root, component)) return false;
-        while (!pending_.empty()) {
-            Pending& level = pending_.back();
-            if (level.next == level.components->size()) {
-                pending_.pop_back();
-                continue;
-            }
-            QDomElement parent = level.parent;
-            if (!writeComponent(parent, (*level.components)[level.next++])) return false;
+    std::vector<Open> open;
+    const ComponentBody* component = &root;
+    for (;;) {
+        if (component != nullptr) {
+            if (!enter(*component, open.size() + 1)) return false;
+            open.push_back({component, 0});
         }
-        return true;
-    }
-
-    bool writeComponent(QDomElement& parent, const ComponentBody& component) {
-        if (pending_.size() >= maxLevel) return refuse(component, " is nested too deeply");
-        if (pending_.size() >= maxShallowLevel) tree_.isDeep = true;
-        QDomElement element = append(parent, names::component());
-        if (!setText(element, names::name(), component.name) ||
-            !setText(element, names::comment(), component.comment)) {
-            return refuse(component, noncharacter);
+        Open& last = open.back();
+        // A geometry file hides the children: they are not written.
+        const bool hasChildren = isEmptyText(last.component->geometryFileName);
+        if (hasChildren && last.next < last.component->components.size()) {
+            component = &last.component->components[last.next++];
+            continue;
         }
-        element.setAttribute(names::enabled(), component.enabled ? 1 : 0);
-        appendVector(element, names::translation(), component.translation);
-        QDomElement orientation = append(element, names::orientation());
-        appendVector(orientation, names::vec1(), component.vec1);
-        appendVector(orientation, names::vec2(), component.vec2);
-        appendVector(orientation, names::vec3(), component.vec3);
-        return writeData(element, component);
+        component = nullptr;
+        if (!leave(*last.component, open.size())) return false;
+        open.pop_back();
+        if (open.empty()) return true;
     }
-
-    bool writeData(QDomElement& element, const ComponentBody& component) {
-        const QString fileName = fromNarrow(component.geometryFileName);
-        if (fileName.isEmpty() && component.components.empty()) {
-            return refuse(component, " has neither a geometry file nor components");
-        }
-        if (!canBeReadBack(fileName)) return refuse(component, noncharacter);
-        QDomElement data = append(element, names::data());
-        if (fileName.isEmpty()) {
-            data.setAttribute(names::number(),
-                              static_cast<qulonglong>(component.components.size()));
-            pending_.push_back({data, &component.components, 0});
-        } else {
-            // The format has either a file or children; the children are not written.
-            data.setAttribute(names::number(), 1);
-            append(data, names::file()).setAttribute(names::name(), fileName);
-        }
-        return true;
-    }
-
-    bool refuse(const ComponentBody& component, const char* reason) {
-        if (fault_ == nullptr) return false;
-        const std::string name = fromNarrow(component.name).toStdString();
-        set_fault(fault_, "component " + quoted_beginning(name) + reason);
-        return false;
-    }
-
-    DomTree& tree_;
-    QDomDocument& document_;
-    CFileFault* const fault_;
-    std::vector<Pending> pending_;
-};
-
-constexpr std::size_t indentation = 3;
-
-void appendUtf8(std::string& text, QStringView characters) {
-    const QByteArray utf8 = characters.toUtf8();
-    text.append(utf8.constData(), static_cast<std::size_t>(utf8.size()));
 }
 
-// Tag and attribute names of the format are ASCII.
-void appendName(std::string& text, const QString& name) {
-    for (const QChar character : name)
-        text += static_cast<char>(character.unicode());
-}
-
-// How a character is written in a quoted value; nullptr if it is written as it is.
-const char* escape(const QString& value, int index) {
-    switch (value.at(index).unicode()) {
+// How a character is written in a quoted value; nullptr if it is written as it is. XML requires an
+// escaped ">" only in "]]>", and Qt escapes it only there.
+const char* escapeOf(char character, bool followsBrackets) {
+    switch (character) {
         case '<':
             return "&lt;";
         case '&':
@@ -171,97 +116,163 @@ const char* escape(const QString& value, int index) {
             return "&#xa;";
         case '\r':
             return "&#xd;";
-        // XML requires it only in "]]>", and Qt escapes it only there.
         case '>':
-            return value.midRef(0, index).endsWith(QLatin1String("]]")) ? "&gt;" : nullptr;
+            return followsBrackets ? "&gt;" : nullptr;
         default:
             return nullptr;
     }
 }
 
-void appendValue(std::string& text, const QString& value) {
-    constexpr ushort firstBeyondAscii = 0x80;
-    int index = 0;
-    while (index < value.size()) {
-        const ushort character = value.at(index).unicode();
-        if (character >= firstBeyondAscii) {
-            int end = index + 1;
-            while (end < value.size() && value.at(end).unicode() >= firstBeyondAscii)
-                ++end;
-            appendUtf8(text, QStringView(value).mid(index, end - index));
-            index = end;
-            continue;
+class Writer {
+public:
+    explicit Writer(const std::function<bool(std::string_view)>& write) : write_(write) {
+        text_.reserve(2 * blockSize);
+    }
+
+    bool write(const CTrvAssemblyData& data) {
+        // The two blanks at the end are part of the format.
+        text_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"  ?>\n";
+        open(0, names::root);
+        appendAttribute(names::version, std::to_string(formatVersion));
+        text_ += ">\n";
+        writeAttributes(data);
+        const bool isWritten = walk(
+            ComponentBody::of(data.getRootComponent()),
+            [this](const ComponentBody& component, std::size_t level) {
+                return startComponent(component, 2 * level - 1);
+            },
+            [this](const ComponentBody&, std::size_t level) {
+                return endComponent(2 * level - 1);
+            });
+        if (!isWritten) return false;
+        close(0, names::root);
+        return text_.empty() || write_(text_);
+    }
+
+private:
+    void writeAttributes(const CTrvAssemblyData& data) {
+        double dimension[3];
+        data.getDimension(dimension);
+        openParent(1, names::attributes);
+        appendVector(2, names::dimension, dimension);
+        close(1, names::attributes);
+    }
+
+    bool startComponent(const ComponentBody& component, std::size_t depth) {
+        open(depth, names::component);
+        appendAttribute(names::name, component.name);
+        appendAttribute(names::comment, component.comment);
+        appendAttribute(names::enabled, component.enabled ? "1" : "0");
+        text_ += ">\n";
+        appendVector(depth + 1, names::translation, component.translation);
+        openParent(depth + 1, names::orientation);
+        appendVector(depth + 2, names::vec1, component.vec1);
+        appendVector(depth + 2, names::vec2, component.vec2);
+        appendVector(depth + 2, names::vec3, component.vec3);
+        close(depth + 1, names::orientation);
+
+        const bool hasFile = !isEmptyText(component.geometryFileName);
+        open(depth + 1, names::data);
+        appendAttribute(names::number, std::to_string(hasFile ? 1 : component.components.size()));
+        text_ += ">\n";
+        if (hasFile) {
+            open(depth + 2, names::file);
+            appendAttribute(names::name, component.geometryFileName);
+            text_ += "/>\n";
         }
-        if (const char* escaped = escape(value, index)) {
-            text += escaped;
+        return passBlock();
+    }
+
+    bool endComponent(std::size_t depth) {
+        close(depth + 1, names::data);
+        close(depth, names::component);
+        return passBlock();
+    }
+
+    bool passBlock() {
+        if (text_.size() < blockSize) return true;
+        const bool isWritten = write_(text_);
+        text_.clear();
+        return isWritten;
+    }
+
+    void open(std::size_t depth, const char* tag) {
+        text_.append(depth * indentation, ' ');
+        text_ += '<';
+        text_ += tag;
+    }
+
+    void openParent(std::size_t depth, const char* tag) {
+        open(depth, tag);
+        text_ += ">\n";
+    }
+
+    void close(std::size_t depth, const char* tag) {
+        text_.append(depth * indentation, ' ');
+        text_ += "</";
+        text_ += tag;
+        text_ += ">\n";
+    }
+
+    void appendVector(std::size_t depth, const char* tag, const double vector[3]) {
+        open(depth, tag);
+        const char* const coordinates[] = {names::x, names::y, names::z};
+        for (int i = 0; i < 3; ++i) {
+            beginAttribute(coordinates[i]);
+            appendNumber(text_, vector[i]);
+            text_ += '"';
+        }
+        text_ += "/>\n";
+    }
+
+    void beginAttribute(const char* name) {
+        text_ += ' ';
+        text_ += name;
+        text_ += "=\"";
+    }
+
+    void appendAttribute(const char* name, const std::string& narrow) {
+        beginAttribute(name);
+        if (isPlainText(narrow)) {
+            appendEscaped(narrow.c_str());
         } else {
-            text += static_cast<char>(character);
+            appendEscaped(fromNarrow(narrow).toUtf8().constData());
         }
-        ++index;
+        text_ += '"';
     }
-}
 
-// Qt stores attributes in a hash whose order differs from process to process. This order is the
-// same for every element, and no element has all of them.
-void appendAttributes(std::string& text, const QDomElement& element) {
-    const QString order[] = {names::version(), names::x(),       names::y(),       names::z(),
-                             names::name(),    names::comment(), names::enabled(), names::number()};
-    const QDomNamedNodeMap attributes = element.attributes();
-    int left = attributes.size();
-    for (const QString& name : order) {
-        if (left == 0) return;
-        const QDomNode attribute = attributes.namedItem(name);
-        if (attribute.isNull()) continue;
-        text += ' ';
-        appendName(text, name);
-        text += "=\"";
-        appendValue(text, attribute.nodeValue());
-        text += '"';
-        --left;
+    void appendEscaped(const char* utf8) {
+        const char* run = utf8;
+        const char* at = utf8;
+        for (; *at != '\0'; ++at) {
+            const char* const escaped =
+                escapeOf(*at, at - utf8 >= 2 && at[-1] == ']' && at[-2] == ']');
+            if (escaped == nullptr) continue;
+            text_.append(run, at);
+            text_ += escaped;
+            run = at + 1;
+        }
+        text_.append(run, at);
     }
-}
 
-void indent(std::string& text, int depth) {
-    text.append(static_cast<std::size_t>(depth) * indentation, ' ');
-}
-
-void appendStart(std::string& text, const QDomNode& node, int depth) {
-    if (node.isProcessingInstruction()) {
-        const QDomProcessingInstruction instruction = node.toProcessingInstruction();
-        text += "<?";
-        appendUtf8(text, instruction.target());
-        text += ' ';
-        appendUtf8(text, instruction.data());
-        text += "?>\n";
-        return;
-    }
-    const QDomElement element = node.toElement();
-    indent(text, depth);
-    text += '<';
-    appendName(text, element.tagName());
-    appendAttributes(text, element);
-    text += element.hasChildNodes() ? ">\n" : "/>\n";
-}
-
-void appendEnd(std::string& text, const QDomNode& node, int depth) {
-    indent(text, depth);
-    text += "</";
-    appendName(text, node.nodeName());
-    text += ">\n";
-}
+    const std::function<bool(std::string_view)>& write_;
+    std::string text_;
+};
 
 }  // namespace
 
-bool writeDocument(const CTrvAssemblyData& data, DomTree& tree, CFileFault* fault) {
-    return Writer(tree, fault).write(data);
+bool isWritable(const CTrvAssemblyData& data, CFileFault* fault) {
+    return walk(
+        ComponentBody::of(data.getRootComponent()),
+        [fault](const ComponentBody& component, std::size_t level) {
+            return isWritable(component, level, fault);
+        },
+        [](const ComponentBody&, std::size_t) { return true; });
 }
 
-std::string documentText(const QDomDocument& document) {
-    std::string text;
-    walkDocument(
-        document, [&](const QDomNode& node, int depth) { appendStart(text, node, depth); },
-        [&](const QDomNode& node, int depth) { appendEnd(text, node, depth); });
-    return text;
+bool writeAssembly(const CTrvAssemblyData& data,
+                   const std::function<bool(std::string_view)>& write) {
+    return Writer(write).write(data);
 }
 
 }  // namespace trv

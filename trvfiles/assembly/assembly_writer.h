@@ -1,32 +1,34 @@
 #pragma once
 
 /// @file
-/// From an assembly record to the bytes of its file, by way of a DOM document.
+/// From the record of an assembly to the bytes of its file.
+///
+/// The text is that of QDomDocument::toString(3) for the same elements, with the attributes in the
+/// order of the format.
 
-#include <trvfiles/assembly/dom_tree.h>
-
-#include <string>
+#include <functional>
+#include <string_view>
 
 class CTrvAssemblyData;
 struct CFileFault;
 
 namespace trv {
 
-/// Builds the document of an assembly file.
+/// Whether a file with this record can be read back.
 ///
-/// @param tree   an empty document, which takes the elements; of no use after a failure
-/// @param fault  takes the reason of a failure
-/// @return false when a component has neither a geometry file nor children, when the document would
-///         nest more than maxNesting elements, or when a text holds U+FFFE or U+FFFF: the file
-///         could not be read back
-bool writeDocument(const CTrvAssemblyData& data, DomTree& tree, CFileFault* fault = nullptr);
+/// @param fault  takes the reason if not
+/// @return false if a component has neither a geometry file nor children, if the document would
+/// nest
+///         more than maxNesting elements, or if a text contains U+FFFE or U+FFFF
+bool isWritable(const CTrvAssemblyData& data, CFileFault* fault = nullptr);
 
-/// The text of an assembly document in UTF-8, as QDomDocument::toString(3) lays it out, but with
-/// each element's attributes in the order of the format: `toString` writes them in an order that
-/// differs from process to process, and it recurses.
+/// Writes the bytes of a file in blocks of some 64 KiB.
 ///
-/// REQUIRES: a document of elements and processing instructions alone, whose attributes are those
-/// of the format.
-std::string documentText(const QDomDocument& document);
+/// REQUIRES: isWritable().
+///
+/// @param write  takes a block, and returns whether it has written all of it
+/// @return whether all blocks are written; no other one follows one that is not
+bool writeAssembly(const CTrvAssemblyData& data,
+                   const std::function<bool(std::string_view)>& write);
 
 }  // namespace trv

@@ -31,6 +31,12 @@ const ComponentBody& ComponentBody::of(const CTrvAssemblyComponentData& componen
     return component.body_ == nullptr ? defaults.get() : *component.body_;
 }
 
+CTrvAssemblyComponentData ComponentBody::toComponent(ComponentBody body) {
+    CTrvAssemblyComponentData component;
+    component.body_ = std::make_unique<ComponentBody>(std::move(body));
+    return component;
+}
+
 ComponentBody ComponentBody::copy() const {
     struct Pending {
         const ComponentBody* from;

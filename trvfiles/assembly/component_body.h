@@ -38,6 +38,9 @@ struct ComponentBody : ComponentFields {
     /// that has none gives a default-constructed one.
     static const ComponentBody& of(const CTrvAssemblyComponentData& component);
 
+    /// A component that has the body.
+    static CTrvAssemblyComponentData toComponent(ComponentBody body);
+
     /// A copy of the component with all that is below it. A copy constructor would be called by
     /// accident, for a cost that grows with the tree.
     ComponentBody copy() const;

@@ -16,6 +16,14 @@ uint hexadecimalDigit(ushort character) {
     return noDigit;
 }
 
+unsigned byteAt(const char* at) {
+    return static_cast<unsigned char>(*at);
+}
+
+bool isContinuation(const char* at) {
+    return (byteAt(at) & 0xC0U) == 0x80;
+}
+
 }  // namespace
 
 bool referencedNumber(QStringView digits, uint& number) {
@@ -49,6 +57,24 @@ ushort plainNameCharacter(ushort character) {
     if (qtCharacter.isLetter() || qtCharacter.category() == QChar::Number_Letter) return 'x';
     if (qtCharacter.isNumber() || qtCharacter.isMark()) return '0';
     return character;
+}
+
+// A zero byte is not a continuation, so no byte after it is read.
+int utf8CharacterLength(const char* at) {
+    const unsigned first = byteAt(at);
+    if (first < 0xC2 || first > 0xF4 || !isContinuation(at + 1)) return 0;
+    if (first < 0xE0) return 2;
+    const unsigned second = byteAt(at + 1);
+    if (!isContinuation(at + 2)) return 0;
+    if (first < 0xF0) {
+        const bool isOverlong = first == 0xE0 && second < 0xA0;
+        const bool isSurrogate = first == 0xED && second >= 0xA0;
+        const bool isNoncharacter = first == 0xEF && second == 0xBF && byteAt(at + 2) >= 0xBE;
+        return isOverlong || isSurrogate || isNoncharacter ? 0 : 3;
+    }
+    const bool isOverlong = first == 0xF0 && second < 0x90;
+    const bool isBeyondUnicode = first == 0xF4 && second >= 0x90;
+    return isOverlong || isBeyondUnicode || !isContinuation(at + 3) ? 0 : 4;
 }
 
 }  // namespace trv

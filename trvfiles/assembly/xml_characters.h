@@ -37,4 +37,10 @@ bool isPredefinedEntity(QStringView name);
 /// names that its DOM does not.
 ushort plainNameCharacter(ushort character);
 
+/// The length in bytes of the character of UTF-8 at this place; 0 if it is malformed, U+FFFE or
+/// U+FFFF, which Qt's parser takes for the end of its input.
+///
+/// REQUIRES: the byte is 128 or more; a zero byte follows somewhere.
+int utf8CharacterLength(const char* at);
+
 }  // namespace trv

@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <cerrno>
+#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -67,6 +68,9 @@ bool openForRead(const QString& path, platform::file_handle& handle, QFile& file
     if (!isOpenable(path) || !isForQtToOpen(path)) {
         handle = openForRead(path, platform::file_mode::binary, fault);
         if (handle == nullptr) return false;
+        // After a write that fails, a buffered stream drops a part of its bytes and can still write
+        // those after them. Without a buffer the file holds the bytes up to the failure.
+        static_cast<void>(std::setvbuf(handle.get(), nullptr, _IONBF, 0));
         if (file.open(handle.get(), mode)) return true;
         setOpenFault(fault, path);
         return false;
@@ -89,6 +93,9 @@ bool openForWrite(const QString& path, platform::file_handle& handle, QFile& fil
     if (!isOpenable(path) || !isForQtToOpen(path)) {
         handle = openForWrite(path, platform::file_mode::binary, fault);
         if (handle == nullptr) return false;
+        // After a write that fails, a buffered stream drops a part of its bytes and can still write
+        // those after them. Without a buffer the file holds the bytes up to the failure.
+        static_cast<void>(std::setvbuf(handle.get(), nullptr, _IONBF, 0));
         if (file.open(handle.get(), mode)) return true;
         setOpenFault(fault, path);
         return false;

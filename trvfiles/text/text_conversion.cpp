@@ -105,6 +105,11 @@ std::string toNarrow(const QString& text) {
                            bytes.constData(), static_cast<std::size_t>(bytes.size()))));
 }
 
+std::string narrowFromUtf8(std::string_view text) {
+    if (platform::narrow_text_is_utf8()) return std::string(text);
+    return toNarrow(decodeUtf8(text));
+}
+
 // Unlike fromStdWString(), Qt's conversion in this direction drops nothing.
 std::wstring toWide(const QString& text) {
     return text.toStdWString();

@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace trv {
 
@@ -26,6 +27,11 @@ QString fromWide(const std::wstring& text);
 /// Characters that the code page lacks are replaced by Qt's conversion.
 std::string toNarrow(const QString& text);
 std::wstring toWide(const QString& text);
+
+/// toNarrow() of a text in UTF-8. On POSIX nothing is converted.
+///
+/// REQUIRES: valid UTF-8 without zeros.
+std::string narrowFromUtf8(std::string_view text);
 
 /// A path that a host gives. The conversion to QString may change it: a byte that is not UTF-8
 /// becomes U+FFFD, and two surrogates in UTF-32 become one character. Then the text is the path of

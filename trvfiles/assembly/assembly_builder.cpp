@@ -1,0 +1,306 @@
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/assembly_builder.h>
+#include <trvfiles/assembly/assembly_names.h>
+#include <trvfiles/support/file_fault.h>
+
+#include <QString>
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <utility>
+
+namespace trv {
+namespace {
+
+using Kind = CFileFault::Note::Kind;
+
+constexpr const char* restIsZero = "it and those after it are 0";
+
+QString fromUtf8(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Reads a number as QString::toDouble() does. std::from_chars() is 20 times as fast and takes the
+// same texts for numbers if they begin with a digit after an optional minus and end with the
+// number.
+bool readNumber(std::string_view text, double& value) {
+    constexpr std::size_t maxFastLength = 32;
+    const std::size_t sign = !text.empty() && text.front() == '-' ? 1 : 0;
+    if (text.size() <= maxFastLength && text.size() > sign && isDigit(text[sign])) {
+        const char* const end = text.data() + text.size();
+        const std::from_chars_result result = std::from_chars(text.data(), end, value);
+        if (result.ec == std::errc() && result.ptr == end) return true;
+    }
+    bool isNumber = false;
+    value = fromUtf8(text).toDouble(&isNumber);
+    return isNumber;
+}
+
+std::string missing(const char* child) {
+    return std::string("<") + names::root + "> has no <" + child + ">";
+}
+
+std::string_view valueOf(const ElementStart& element, std::string_view attribute) {
+    std::string_view value;
+    static_cast<void>(element.find(attribute, value));
+    return value;
+}
+
+}  // namespace
+
+void AssemblyBuilder::start(const ElementStart& element) {
+    if (ignored_ > 0) {
+        ++ignored_;
+        return;
+    }
+    const Context context = contextOf(element);
+    if (context == Context::ignored) {
+        ignored_ = 1;
+    } else {
+        open_.push_back(context);
+    }
+}
+
+void AssemblyBuilder::end() {
+    if (ignored_ > 0) {
+        --ignored_;
+        return;
+    }
+    if (open_.back() == Context::component) endComponent();
+    open_.pop_back();
+}
+
+AssemblyBuilder::Context AssemblyBuilder::contextOf(const ElementStart& element) {
+    switch (open_.back()) {
+        case Context::document:
+            return startRoot(element);
+        case Context::root:
+            return startInRoot(element);
+        case Context::attributes:
+            return startInAttributes(element);
+        case Context::component:
+            return startInComponent(element);
+        case Context::orientation:
+            return startInOrientation(element);
+        case Context::data:
+            return startInData(element);
+        case Context::ignored:
+            break;
+    }
+    return Context::ignored;
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element) {
+    root_ = placeOf(element);
+    if (element.tag() != names::root) {
+        rootFailure_ = {
+            eFileIOStructureError,
+            "the root element is <" + std::string(element.tag()) + ">, not <" + names::root + ">",
+            root_};
+        return Context::ignored;
+    }
+    bool isInteger = false;
+    version_ = fromUtf8(valueOf(element, names::version)).toInt(&isInteger);
+    hasVersion_ = true;
+    if (isInteger) return Context::root;
+    rootFailure_ = {eFileIOContentError,
+                    std::string("the version of <") + names::root + "> is no integer", root_};
+    return Context::ignored;
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startInRoot(const ElementStart& element) {
+    if (element.tag() == names::attributes && !hasAttributes_) {
+        hasAttributes_ = true;
+        return Context::attributes;
+    }
+    if (element.tag() != names::component || hasComponent_) return Context::ignored;
+    hasComponent_ = true;
+    component_ = placeOf(element);
+    return startComponent(element);
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startInAttributes(const ElementStart& element) {
+    if (element.tag() == names::dimension && !hasDimensionElement_) {
+        hasDimensionElement_ = true;
+        hasDimension_ = readVector(element, dimension_, "the whole dimension is ignored");
+    }
+    return Context::ignored;
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startComponent(const ElementStart& element) {
+    Level& level = levels_.emplace_back();
+    level.notesBefore = notes_.size();
+    level.place = placeOf(element);
+    if (collectsNotes_) level.name = valueOf(element, names::name);
+    level.body.name = element.narrow(names::name);
+    level.body.comment = element.narrow(names::comment);
+    level.body.enabled = readEnabled(element);
+    return Context::component;
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startInComponent(const ElementStart& element) {
+    Level& level = levels_.back();
+    const std::string_view tag = element.tag();
+    if (tag == names::translation && !level.hasTranslation) {
+        level.hasTranslation = true;
+        readVector(element, level.body.translation, restIsZero);
+    } else if (tag == names::orientation && !level.hasOrientation) {
+        level.hasOrientation = true;
+        return Context::orientation;
+    } else if (tag == names::data && !level.hasData) {
+        level.hasData = true;
+        startData(element);
+        return Context::data;
+    }
+    return Context::ignored;
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startInOrientation(const ElementStart& element) {
+    Level& level = levels_.back();
+    const char* const tags[] = {names::vec1, names::vec2, names::vec3};
+    for (int i = 0; i < 3; ++i) {
+        if (element.tag() != tags[i] || level.hasVector[i]) continue;
+        level.hasVector[i] = true;
+        readVector(element, level.vectors[i], restIsZero);
+    }
+    return Context::ignored;
+}
+
+// The number of components is a hint that saves moving them while their list grows.
+void AssemblyBuilder::startData(const ElementStart& element) {
+    Level& level = levels_.back();
+    level.notesBeforeData = notes_.size();
+    const std::string_view text = valueOf(element, names::number);
+    std::size_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    number = std::min(number, reservable_);
+    reservable_ -= number;
+    level.body.components.reserve(number);
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startInData(const ElementStart& element) {
+    Level& level = levels_.back();
+    // A file hides the components beside it, those before it as well.
+    if (element.tag() == names::component && !level.hasFile) return startComponent(element);
+    if (element.tag() == names::file && !level.hasFile) startFile(element);
+    return Context::ignored;
+}
+
+void AssemblyBuilder::startFile(const ElementStart& element) {
+    Level& level = levels_.back();
+    level.hasFile = true;
+    std::vector<ComponentBody>().swap(level.body.components);
+    notes_.resize(level.notesBeforeData);
+    level.body.geometryFileName = element.narrow(names::name);
+}
+
+void AssemblyBuilder::endComponent() {
+    Level level = std::move(levels_.back());
+    levels_.pop_back();
+    const bool hasVectors = level.hasVector[0] && level.hasVector[1] && level.hasVector[2];
+    if (level.hasOrientation && !hasVectors) {
+        leaveOut(level);
+        return;
+    }
+    if (level.hasOrientation) {
+        std::copy_n(level.vectors[0], 3, level.body.vec1);
+        std::copy_n(level.vectors[1], 3, level.body.vec2);
+        std::copy_n(level.vectors[2], 3, level.body.vec3);
+    }
+    level.body.components.shrink_to_fit();
+    if (levels_.empty()) {
+        rootComponent_.emplace(std::move(level.body));
+    } else {
+        levels_.back().body.components.push_back(std::move(level.body));
+    }
+}
+
+// The note about a component that is left out replaces those about what is in it.
+void AssemblyBuilder::leaveOut(const Level& level) {
+    if (levels_.empty()) {
+        isComponentBroken_ = true;
+        return;
+    }
+    notes_.resize(level.notesBefore);
+    hasLeftOut_ = true;
+    hasAltered_ = true;
+    if (!collectsNotes_) return;
+    addNote(Kind::leftOut, level.place, level.name,
+            "component " + quoted_beginning(level.name) +
+                " is left out: its <Orientation> is not complete");
+}
+
+// Stops at the first coordinate that is not a number; it and those after it are 0. A number out of
+// range has a value, too, but is refused like a word.
+//
+// @param consequence  for a note: what becomes of the numbers then
+bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
+                                 const char* consequence) {
+    vector[0] = vector[1] = vector[2] = 0;
+    const char* const coordinates[] = {names::x, names::y, names::z};
+    for (int i = 0; i < 3; ++i) {
+        std::string_view text;
+        double value = 0;
+        if (!element.find(coordinates[i], text) || readNumber(text, value)) {
+            vector[i] = value;
+            continue;
+        }
+        hasAltered_ = true;
+        if (!collectsNotes_) return false;
+        const std::string tag(element.tag());
+        addNote(Kind::notANumber, placeOf(element), tag,
+                std::string(coordinates[i]) + " of <" + tag +
+                    "> is not a number: " + quoted_beginning(text) + "; " + consequence);
+        return false;
+    }
+    return true;
+}
+
+bool AssemblyBuilder::readEnabled(const ElementStart& element) {
+    std::string_view text;
+    if (!element.find(names::enabled, text) || text == "1") return true;
+    if (text == "0") return false;
+    hasAltered_ = true;
+    if (!collectsNotes_) return false;
+    const std::string value(text);
+    const std::string_view name = valueOf(element, names::name);
+    addNote(Kind::notAFlag, placeOf(element), name,
+            "component " + quoted_beginning(name) + " is disabled: enabled is " +
+                quoted_beginning(value));
+    return false;
+}
+
+void AssemblyBuilder::addNote(Kind kind, Place place, std::string_view subject, std::string text) {
+    notes_.push_back({kind, place.line, place.column, std::string(subject), std::move(text)});
+}
+
+AssemblyBuilder::Failure AssemblyBuilder::outcome() const {
+    if (rootFailure_.status != eFileIOSuccess) return rootFailure_;
+    if (!hasAttributes_) return {eFileIOContentError, missing(names::attributes), root_};
+    if (!hasComponent_) return {eFileIOContentError, missing(names::component), root_};
+    if (!isComponentBroken_) return {};
+    return {eFileIOStructureError, "the root component's <Orientation> is not complete",
+            component_};
+}
+
+EFileIOStatus AssemblyBuilder::finish(int& version, CTrvAssemblyData& data, CFileFault* fault) {
+    const Failure failure = outcome();
+    if (hasVersion_) version = version_;
+    if (fault != nullptr) {
+        std::move(notes_.begin(), notes_.end(), std::back_inserter(fault->notes));
+    }
+    if (hasAttributes_ && hasDimension_) data.setDimension(dimension_);
+    if (failure.status != eFileIOSuccess) {
+        set_fault(fault, failure.reason, failure.place.line, failure.place.column);
+        return failure.status;
+    }
+    data.getRootComponent() = ComponentBody::toComponent(std::move(*rootComponent_));
+    return eFileIOSuccess;
+}
+
+}  // namespace trv

@@ -1,0 +1,158 @@
+#pragma once
+
+/// @file
+/// The rules of the assembly format: from elements in document order to a record.
+
+#include <trvfiles/assembly/component_body.h>
+#include <trvfiles/support/CFileFault.h>
+#include <trvfiles/support/EFileIOStatus.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class CTrvAssemblyData;
+
+namespace trv {
+
+/// An element that starts, as the builder asks about it.
+class ElementStart {
+public:
+    virtual std::string_view tag() const = 0;
+
+    /// @param value  takes the value in UTF-8, which is valid until the next call
+    /// @return whether the element has the attribute
+    virtual bool find(std::string_view attribute, std::string_view& value) const = 0;
+
+    /// The value in narrow text; empty if the element does not have the attribute.
+    virtual std::string narrow(std::string_view attribute) const = 0;
+
+    /// The place of the element in its document, counted from 1; 0 if it is not known.
+    virtual int line() const = 0;
+    virtual int column() const = 0;
+
+protected:
+    ~ElementStart() = default;
+};
+
+/// Takes the elements of a document one after the other and builds the record of an assembly.
+///
+/// Of the elements that a rule allows once, the first one counts. Elements that no rule names are
+/// ignored with all that is in them.
+///
+/// Threads: an object is used by one thread at a time.
+class AssemblyBuilder {
+public:
+    enum class Notes { collected, omitted };
+
+    /// @param maxReserved  the number of components for which the document's own numbers of
+    ///                     components may reserve memory: they may be wrong
+    explicit AssemblyBuilder(Notes notes, std::size_t maxReserved = 0)
+        : collectsNotes_(notes == Notes::collected), reservable_(maxReserved) {}
+
+    /// REQUIRES: starts and ends that are properly nested.
+    void start(const ElementStart& element);
+    void end();
+
+    /// Whether a component has been left out.
+    bool hasLeftOut() const { return hasLeftOut_; }
+
+    /// Whether anything has been left out or altered: what notes are about.
+    bool hasAltered() const { return hasAltered_; }
+
+    /// What finish() will return. REQUIRES: the document has ended.
+    EFileIOStatus status() const { return outcome().status; }
+
+    /// Moves what has been built to a record, as far as the status allows: its root component is
+    /// replaced on success only, its dimension as soon as it is read. REQUIRES: the document has
+    /// ended.
+    ///
+    /// @param version  takes the version of the document, if its root element has the right name
+    /// @param fault    takes the reason of a failure and its place; notes are appended to those
+    /// that
+    ///                 it holds. May be nullptr.
+    /// @return eFileIOSuccess, eFileIOContentError or eFileIOStructureError
+    EFileIOStatus finish(int& version, CTrvAssemblyData& data, CFileFault* fault);
+
+private:
+    // What an open element is; the elements in it are judged by it.
+    enum class Context { document, root, attributes, component, orientation, data, ignored };
+
+    struct Place {
+        int line = 0;
+        int column = 0;
+    };
+
+    // A component that is open.
+    struct Level {
+        ComponentBody body;
+        Place place;
+        // In UTF-8, for a note.
+        std::string name;
+        bool hasTranslation = false;
+        bool hasOrientation = false;
+        bool hasData = false;
+        bool hasFile = false;
+        // The vectors of its "Orientation": which are there, and their values.
+        bool hasVector[3] = {false, false, false};
+        double vectors[3][3];
+        // How many notes there were before those on this component, and before those on its
+        // children.
+        std::size_t notesBefore = 0;
+        std::size_t notesBeforeData = 0;
+    };
+
+    struct Failure {
+        EFileIOStatus status = eFileIOSuccess;
+        std::string reason;
+        Place place;
+    };
+
+    static Place placeOf(const ElementStart& element) { return {element.line(), element.column()}; }
+
+    Context contextOf(const ElementStart& element);
+    Context startRoot(const ElementStart& element);
+    Context startInRoot(const ElementStart& element);
+    Context startInAttributes(const ElementStart& element);
+    Context startInComponent(const ElementStart& element);
+    Context startInOrientation(const ElementStart& element);
+    Context startInData(const ElementStart& element);
+    Context startComponent(const ElementStart& element);
+    void startData(const ElementStart& element);
+    void startFile(const ElementStart& element);
+    void endComponent();
+    void leaveOut(const Level& level);
+    bool readVector(const ElementStart& element, double vector[3], const char* consequence);
+    bool readEnabled(const ElementStart& element);
+    void addNote(CFileFault::Note::Kind kind, Place place, std::string_view subject,
+                 std::string text);
+    Failure outcome() const;
+
+    const bool collectsNotes_;
+    std::size_t reservable_;
+    std::vector<Context> open_ = {Context::document};
+    // How many elements are open within the one that is ignored, itself included.
+    std::size_t ignored_ = 0;
+    std::vector<Level> levels_;
+
+    bool hasLeftOut_ = false;
+    bool hasAltered_ = false;
+    std::vector<CFileFault::Note> notes_;
+    // Of the root element; a later failure does not replace it.
+    Failure rootFailure_;
+    Place root_;
+    bool hasVersion_ = false;
+    int version_ = 0;
+    bool hasAttributes_ = false;
+    bool hasDimensionElement_ = false;
+    bool hasDimension_ = false;
+    double dimension_[3];
+    bool hasComponent_ = false;
+    bool isComponentBroken_ = false;
+    Place component_;
+    std::optional<ComponentBody> rootComponent_;
+};
+
+}  // namespace trv

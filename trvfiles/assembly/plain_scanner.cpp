@@ -1,0 +1,422 @@
+#include <trvfiles/assembly/plain_scanner.h>
+#include <trvfiles/assembly/xml_characters.h>
+
+#include <QIODevice>
+
+#include <algorithm>
+#include <cstring>
+
+namespace trv {
+namespace {
+
+constexpr std::size_t blockSize = 65536;
+// A tag or a comment that is longer makes a document unusual.
+constexpr std::size_t maxBufferSize = 16 * blockSize;
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+enum CharacterClass : unsigned char {
+    nameStart = 1,
+    nameRest = 2,
+    whiteSpace = 4,
+    // Ends the plain part of a value: quotes, "&", "<", control characters, bytes from 128 on.
+    valueEnd = 8,
+    // The same for a comment: "-", control characters but white space, bytes from 128 on.
+    commentEnd = 16,
+};
+
+constexpr std::array<unsigned char, 256> characterClasses() {
+    std::array<unsigned char, 256> classes = {};
+    for (unsigned c = 0; c < 256; ++c) {
+        const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+        const bool isDigit = c >= '0' && c <= '9';
+        const bool isWhite = c == ' ' || c == '\t' || c == '\n' || c == '\r';
+        unsigned char classOf = 0;
+        if (isLetter) classOf |= nameStart;
+        if (isLetter || isDigit || c == '-' || c == '.') classOf |= nameRest;
+        if (isWhite) classOf |= whiteSpace;
+        if (c < ' ' || c >= 128 || c == '"' || c == '\'' || c == '&' || c == '<') {
+            classOf |= valueEnd;
+        }
+        if ((c < ' ' && !isWhite) || c >= 128 || c == '-') classOf |= commentEnd;
+        classes[c] = classOf;
+    }
+    return classes;
+}
+
+constexpr std::array<unsigned char, 256> classes = characterClasses();
+
+bool is(char c, CharacterClass wanted) {
+    return (classes[static_cast<unsigned char>(c)] & wanted) != 0;
+}
+
+template <class Pointer>
+Pointer skip(Pointer from, CharacterClass skipped) {
+    while (is(*from, skipped))
+        ++from;
+    return from;
+}
+
+template <class Pointer>
+Pointer skipUntil(Pointer from, CharacterClass stop) {
+    while (!is(*from, stop))
+        ++from;
+    return from;
+}
+
+bool isAllowedByReference(std::uint32_t code) {
+    if (code < ' ') return code == '\t' || code == '\n' || code == '\r';
+    if (code >= 0xD800 && code < 0xE000) return false;
+    // Qt's parser makes a character of the lower 16 bits of a larger number.
+    return code < 0xFFFE;
+}
+
+char* appendUtf8(char* to, std::uint32_t code) {
+    if (code < 0x80) {
+        *to++ = static_cast<char>(code);
+        return to;
+    }
+    if (code < 0x800) {
+        *to++ = static_cast<char>(0xC0U | code >> 6U);
+    } else {
+        *to++ = static_cast<char>(0xE0U | code >> 12U);
+        *to++ = static_cast<char>(0x80U | (code >> 6U & 0x3FU));
+    }
+    *to++ = static_cast<char>(0x80U | (code & 0x3FU));
+    return to;
+}
+
+// The value of a digit; 16 for any other character.
+std::uint32_t digitValue(char c) {
+    if (c >= '0' && c <= '9') return static_cast<std::uint32_t>(c - '0');
+    if (c >= 'a' && c <= 'f') return static_cast<std::uint32_t>(c - 'a' + 10);
+    if (c >= 'A' && c <= 'F') return static_cast<std::uint32_t>(c - 'A' + 10);
+    return 16;
+}
+
+// @param digits  the part of a character reference between "&#" and ";"
+// @return 0, which no reference may name, if the reference is unusual
+std::uint32_t referencedCharacter(std::string_view digits) {
+    constexpr std::size_t maxDigits = 6;
+    const bool isHexadecimal = !digits.empty() && digits.front() == 'x';
+    if (isHexadecimal) digits.remove_prefix(1);
+    if (digits.empty() || digits.size() > maxDigits) return 0;
+    const std::uint32_t base = isHexadecimal ? 16 : 10;
+    std::uint32_t code = 0;
+    for (const char c : digits) {
+        const std::uint32_t digit = digitValue(c);
+        if (digit >= base) return 0;
+        code = code * base + digit;
+    }
+    return isAllowedByReference(code) ? code : 0;
+}
+
+// @param name  the part of a reference between "&" and ";"
+// @return 0 if the reference is unusual
+std::uint32_t resolved(std::string_view name) {
+    if (!name.empty() && name.front() == '#') return referencedCharacter(name.substr(1));
+    if (name == "lt") return '<';
+    if (name == "gt") return '>';
+    if (name == "amp") return '&';
+    if (name == "quot") return '"';
+    return name == "apos" ? '\'' : 0;
+}
+
+// Resolves references in place: the text of a character is never longer than its reference.
+bool resolveInPlace(std::string_view& value) {
+    char* const begin = const_cast<char*>(value.data());
+    char* const end = begin + value.size();
+    char* to = begin;
+    for (char* from = begin; from != end;) {
+        if (*from != '&') {
+            *to++ = *from++;
+            continue;
+        }
+        char* const semicolon = std::find(from, end, ';');
+        if (semicolon == end) return false;
+        const auto length = static_cast<std::size_t>(semicolon - from - 1);
+        const std::uint32_t code = resolved({from + 1, length});
+        if (code == 0) return false;
+        to = appendUtf8(to, code);
+        from = semicolon + 1;
+    }
+    value = {begin, static_cast<std::size_t>(to - begin)};
+    return true;
+}
+
+bool isUtf8Name(std::string_view name) {
+    constexpr std::string_view expected = "UTF-8";
+    return std::equal(name.begin(), name.end(), expected.begin(), expected.end(),
+                      [](char c, char upper) { return c == upper || c - 'a' + 'A' == upper; });
+}
+
+bool consume(std::string_view& text, std::string_view beginning) {
+    if (text.substr(0, beginning.size()) != beginning) return false;
+    text.remove_prefix(beginning.size());
+    return true;
+}
+
+// Consumes NAME="VALUE" with the white space before it.
+bool consumePseudoAttribute(std::string_view& text, std::string_view name,
+                            std::string_view& value) {
+    std::string_view rest = text;
+    const auto isWhite = [](char c) { return is(c, whiteSpace); };
+    const auto* first = std::find_if_not(rest.begin(), rest.end(), isWhite);
+    rest.remove_prefix(static_cast<std::size_t>(first - rest.begin()));
+    if (rest.size() == text.size() || !consume(rest, name) || !consume(rest, "=")) return false;
+    if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return false;
+    const std::size_t close = rest.find(rest.front(), 1);
+    if (close == std::string_view::npos) return false;
+    value = rest.substr(1, close - 1);
+    text = rest.substr(close + 1);
+    return true;
+}
+
+}  // namespace
+
+PlainScanner::PlainScanner(QIODevice& device, std::size_t maxOpenElements)
+    : device_(device),
+      maxOpenElements_(maxOpenElements),
+      buffer_(blockSize + 1),
+      cursor_(buffer_.data()),
+      end_(buffer_.data()) {}
+
+// Reads the next bytes after those that are unread, which move to the front of the buffer.
+//
+// @return false at the end of the document, and if the unread bytes fill the largest buffer
+bool PlainScanner::more() {
+    if (isAtEnd_) return false;
+    const auto unread = static_cast<std::size_t>(end_ - cursor_);
+    if (unread + 1 == buffer_.size()) {
+        if (unread >= maxBufferSize) return false;
+        std::vector<char> larger(2 * unread + 1);
+        std::memcpy(larger.data(), cursor_, unread);
+        buffer_.swap(larger);
+    } else {
+        std::memmove(buffer_.data(), cursor_, unread);
+    }
+    cursor_ = buffer_.data();
+    char* const room = buffer_.data() + unread;
+    const auto size = static_cast<qint64>(buffer_.size() - 1 - unread);
+    const qint64 count = device_.read(room, size);
+    isAtEnd_ = count <= 0;
+    end_ = room + (isAtEnd_ ? 0 : count);
+    *end_ = '\0';
+    return !isAtEnd_;
+}
+
+template <class Work>
+PlainScanner::Step PlainScanner::complete(Work work) {
+    Step step = work();
+    while (step == Step::incomplete && !isAtEnd_) {
+        const bool isTooLong = !more() && !isAtEnd_;
+        step = isTooLong ? Step::unusual : work();
+    }
+    return step;
+}
+
+// @return whether there is a character after the white space
+bool PlainScanner::skipWhiteSpace() {
+    do {
+        cursor_ = skip(cursor_, whiteSpace);
+    } while (cursor_ == end_ && more());
+    return cursor_ != end_;
+}
+
+PlainScanner::Step PlainScanner::start() {
+    constexpr std::string_view opening = "<?xml";
+    constexpr std::size_t maxBeginning = byteOrderMark.size() + opening.size();
+    const std::string_view unread(cursor_, static_cast<std::size_t>(end_ - cursor_));
+    if (unread.size() < maxBeginning && !isAtEnd_) return Step::incomplete;
+    const bool hasMark = unread.substr(0, byteOrderMark.size()) == byteOrderMark;
+    const std::string_view text = unread.substr(hasMark ? byteOrderMark.size() : 0);
+    if (text.substr(0, opening.size()) != opening) {
+        cursor_ = end_ - text.size();
+        return Step::done;
+    }
+    return declaration(text.data() + opening.size());
+}
+
+PlainScanner::Step PlainScanner::declaration(const char* from) {
+    constexpr std::string_view closing = "?>";
+    const auto size = static_cast<std::size_t>(end_ - from);
+    const std::size_t length = std::string_view(from, size).find(closing);
+    if (length == std::string_view::npos) return Step::incomplete;
+    std::string_view text(from, length);
+    std::string_view version;
+    std::string_view encoding;
+    if (!consumePseudoAttribute(text, "version", version) || version != "1.0") {
+        return Step::unusual;
+    }
+    if (consumePseudoAttribute(text, "encoding", encoding) && !isUtf8Name(encoding)) {
+        return Step::unusual;
+    }
+    const bool isComplete =
+        std::all_of(text.begin(), text.end(), [](char c) { return is(c, whiteSpace); });
+    if (!isComplete) return Step::unusual;
+    cursor_ = from + length + closing.size();
+    return Step::done;
+}
+
+PlainScanner::Event PlainScanner::next() {
+    if (isEmptyElement_) return closeElement();
+    if (!isStarted_) {
+        isStarted_ = true;
+        if (complete([this] { return start(); }) != Step::done) return Event::unusual;
+    }
+    return nextInContent();
+}
+
+PlainScanner::Event PlainScanner::nextInContent() {
+    while (skipWhiteSpace()) {
+        // Text between elements is unusual. The two characters decide which part follows.
+        if (end_ - cursor_ < 2 && !more()) return Event::unusual;
+        if (cursor_[0] != '<') return Event::unusual;
+        if (cursor_[1] == '!') {
+            if (complete([this] { return comment(); }) != Step::done) return Event::unusual;
+            continue;
+        }
+        if (cursor_[1] == '/') {
+            if (complete([this] { return endTag(); }) != Step::done) return Event::unusual;
+            return closeElement();
+        }
+        const bool isAllowed = openStarts_.empty() ? !hasRoot_ : true;
+        if (!isAllowed || openStarts_.size() == maxOpenElements_) return Event::unusual;
+        if (complete([this] { return startTag(); }) != Step::done) return Event::unusual;
+        if (withReferences_ != 0 && !resolveReferences()) return Event::unusual;
+        hasRoot_ = true;
+        openStarts_.push_back(openNames_.size());
+        openNames_ += name_;
+        return Event::elementStart;
+    }
+    return hasRoot_ && openStarts_.empty() ? Event::documentEnd : Event::unusual;
+}
+
+PlainScanner::Step PlainScanner::comment() {
+    constexpr std::string_view opening = "<!--";
+    const auto unread = static_cast<std::size_t>(end_ - cursor_);
+    if (unread < opening.size()) return Step::incomplete;
+    if (std::string_view(cursor_, opening.size()) != opening) return Step::unusual;
+    const char* at = cursor_ + opening.size();
+    for (;;) {
+        at = skipUntil(at, commentEnd);
+        if (*at == '-') {
+            if (end_ - at < 3) return Step::incomplete;
+            if (at[1] != '-') {
+                ++at;
+                continue;
+            }
+            if (at[2] != '>') return Step::unusual;
+            cursor_ = at + 3;
+            return Step::done;
+        }
+        if (at == end_) return Step::incomplete;
+        const int length = utf8CharacterLength(at);
+        if (length == 0) return end_ - at < 4 && !isAtEnd_ ? Step::incomplete : Step::unusual;
+        at += length;
+    }
+}
+
+PlainScanner::Step PlainScanner::startTag() {
+    attributeCount_ = 0;
+    withReferences_ = 0;
+    const char* at = cursor_ + 1;
+    if (!is(*at, nameStart)) return Step::unusual;
+    const char* const nameEnd = skip(at, nameRest);
+    name_ = {at, static_cast<std::size_t>(nameEnd - at)};
+    at = nameEnd;
+    for (;;) {
+        const char* const afterSpace = skip(at, whiteSpace);
+        const bool hasSpace = afterSpace != at;
+        at = afterSpace;
+        if (*at == '>' || (*at == '/' && at[1] == '>')) {
+            isEmptyElement_ = *at == '/';
+            cursor_ = at + (isEmptyElement_ ? 2 : 1);
+            return hasUniqueAttributes() ? Step::done : Step::unusual;
+        }
+        if (at == end_ || at + 1 == end_) return Step::incomplete;
+        if (!hasSpace) return Step::unusual;
+        const Step step = attribute(at);
+        if (step != Step::done) return step;
+    }
+}
+
+PlainScanner::Step PlainScanner::attribute(const char*& at) {
+    if (!is(*at, nameStart) || attributeCount_ == maxAttributes) return Step::unusual;
+    const char* const nameEnd = skip(at, nameRest);
+    if (end_ - nameEnd < 2) return Step::incomplete;
+    if (nameEnd[0] != '=' || (nameEnd[1] != '"' && nameEnd[1] != '\'')) return Step::unusual;
+    Attribute& attribute = attributes_[attributeCount_];
+    attribute.name = {at, static_cast<std::size_t>(nameEnd - at)};
+    const char* const open = nameEnd + 1;
+    at = open;
+    bool hasReference = false;
+    const Step step = value(at, hasReference);
+    if (step != Step::done) return step;
+    attribute.value = {open + 1, static_cast<std::size_t>(at - open - 1)};
+    if (hasReference) withReferences_ |= 1U << attributeCount_;
+    ++attributeCount_;
+    ++at;
+    return Step::done;
+}
+
+// @param at  on the quote that begins the value, and on the one that ends it afterwards
+PlainScanner::Step PlainScanner::value(const char*& at, bool& hasReference) {
+    const char quote = *at++;
+    for (;;) {
+        at = skipUntil(at, valueEnd);
+        if (*at == quote) return Step::done;
+        if (*at == '"' || *at == '\'') {
+            ++at;
+        } else if (*at == '&') {
+            hasReference = true;
+            ++at;
+        } else if (at == end_) {
+            return Step::incomplete;
+        } else {
+            const int length = utf8CharacterLength(at);
+            if (length == 0) return end_ - at < 4 && !isAtEnd_ ? Step::incomplete : Step::unusual;
+            at += length;
+        }
+    }
+}
+
+PlainScanner::Step PlainScanner::endTag() {
+    if (openStarts_.empty()) return Step::unusual;
+    const std::string_view open = std::string_view(openNames_).substr(openStarts_.back());
+    const auto unread = static_cast<std::size_t>(end_ - cursor_);
+    if (unread < 2 + open.size() + 1) return Step::incomplete;
+    const char* const nameBegin = cursor_ + 2;
+    if (std::string_view(nameBegin, open.size()) != open) return Step::unusual;
+    const char* const at = skip(nameBegin + open.size(), whiteSpace);
+    if (at == end_) return Step::incomplete;
+    if (*at != '>') return Step::unusual;
+    cursor_ = at + 1;
+    return Step::done;
+}
+
+PlainScanner::Event PlainScanner::closeElement() {
+    isEmptyElement_ = false;
+    openNames_.resize(openStarts_.back());
+    openStarts_.pop_back();
+    return Event::elementEnd;
+}
+
+bool PlainScanner::resolveReferences() {
+    for (std::size_t i = 0; i < attributeCount_; ++i) {
+        const bool hasReference = (withReferences_ >> i & 1U) != 0;
+        if (hasReference && !resolveInPlace(attributes_[i].value)) return false;
+    }
+    return true;
+}
+
+bool PlainScanner::hasUniqueAttributes() const {
+    for (const Attribute* one = begin(); one != end(); ++one) {
+        for (const Attribute* other = begin(); other != one; ++other) {
+            if (one->name == other->name) return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace trv
