@@ -25,17 +25,17 @@ namespace fs = std::filesystem;
 constexpr char oldText[] = "what stood here before\n";
 
 /// Limits the size of files of this process until the object is destroyed.
-class RoomFor {
+class SpaceFor {
 public:
-    explicit RoomFor(rlim_t bytes) {
+    explicit SpaceFor(rlim_t bytes) {
         std::signal(SIGXFSZ, SIG_IGN);
         ::getrlimit(RLIMIT_FSIZE, &earlier_);
         const rlimit limit = {bytes, earlier_.rlim_max};
         EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
     }
-    ~RoomFor() { ::setrlimit(RLIMIT_FSIZE, &earlier_); }
-    RoomFor(const RoomFor&) = delete;
-    RoomFor& operator=(const RoomFor&) = delete;
+    ~SpaceFor() { ::setrlimit(RLIMIT_FSIZE, &earlier_); }
+    SpaceFor(const SpaceFor&) = delete;
+    SpaceFor& operator=(const SpaceFor&) = delete;
 
 private:
     rlimit earlier_ = {};
@@ -105,22 +105,22 @@ TEST_P(FullDiskUnder, AtEachByteGivesTheDocumentedStatus) {
         ASSERT_EQ(run(), GetParam().success);
         const std::string text = bytesOf(target());
         ASSERT_GT(text.size(), 50U);
-        for (std::size_t room = 0; room < text.size(); ++room) {
-            SCOPED_TRACE(room);
+        for (std::size_t space = 0; space < text.size(); ++space) {
+            SCOPED_TRACE(space);
             fs::remove(target());
             writeBytes(target(), oldText);
             int status = 0;
             {
-                const RoomFor bytes(room);
+                const SpaceFor bytes(space);
                 status = run();
             }
             EXPECT_EQ(status, GetParam().onFullDisk);
-            EXPECT_EQ(bytesOf(target()), GetParam().isInPlace ? text.substr(0, room) : oldText);
+            EXPECT_EQ(bytesOf(target()), GetParam().isInPlace ? text.substr(0, space) : oldText);
             // Only the source and the target exist.
             EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), {}), 2);
             ASSERT_FALSE(HasFailure());
         }
-        const RoomFor bytes(text.size());
+        const SpaceFor bytes(text.size());
         EXPECT_EQ(run(), GetParam().success);
         EXPECT_EQ(bytesOf(target()), text);
     }));

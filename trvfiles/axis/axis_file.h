@@ -2,6 +2,8 @@
 
 /// @file
 /// Axis files: a placement, its inverse and up to three tags.
+///
+/// Threads: any, if the arguments are not shared.
 
 #include <trvfiles/support/EFileIOStatus.h>
 

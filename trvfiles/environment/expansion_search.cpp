@@ -50,7 +50,7 @@ private:
 }  // namespace
 
 int expand_and_search(const char* source, std::string* output) {
-    // A copy: the source may lie in the output, which expand_path() overwrites.
+    // A copy: the source may be in the output, which expand_path() overwrites.
     const std::string text = source == nullptr ? "" : source;
     const int code = expand_path(source, output);
     if (is_expand_error(code)) return code;

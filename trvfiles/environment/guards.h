@@ -2,6 +2,8 @@
 
 /// @file
 /// Switches that get their earlier value back on every way out, also if a handler throws.
+///
+/// Threads: one at a time, with the whole runtime.
 
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/support/diagnostics.h>

@@ -14,7 +14,7 @@
 ///
 /// A null store acts as an empty one: each function returns its failure value. An operation that
 /// fails leaves sections and messages as they were, also if storage runs out. Arguments are copied,
-/// and may lie in the store themselves.
+/// and may be texts of the store themselves.
 ///
 /// Threads: one at a time for all stores together. The record flag and the buffer of
 /// find_parameter() belong to the process.
@@ -125,10 +125,10 @@ TRV_EXPORT int remove_parameter(message_store* store, int section, const char* n
 ///
 /// @param exact   whether case counts. Only ASCII letters have case.
 /// @param record  unless null, takes the record of the entry, or nullptr if there is no entry. It
-///                lies in the store and is valid until a text is added.
-/// @return the value, or nullptr. A value without "+" lies in the store and is valid until a text
-///         is added. Any other one lies in the one buffer of the process and is valid until the
-///         next lookup in any store.
+///                is in the store and is valid until a text is added.
+/// @return the value, or nullptr. A value without "+" is in the store and is valid until a text is
+///         added. Any other one is in the one buffer of the process and is valid until the next
+///         lookup in any store.
 TRV_EXPORT const char* find_parameter(const message_store* store, int section, const char* name,
                                       bool exact, const text_record** record = nullptr);
 

@@ -3,7 +3,7 @@
 /// @file
 /// Hashes of names and of places in a list, keyed with a secret of the process.
 ///
-/// Without the key, nobody can prepare names that share a hash. Every lookup among such names would
+/// Names that share a hash cannot be prepared without the key. Every lookup among such names would
 /// be a walk. The key is chosen at the first hash. So hashes differ from process to process:
 /// nothing that is visible from outside may depend on them.
 ///

@@ -102,7 +102,7 @@ private:
     }
 
     // A text refers only to texts stored before it. So offsets fall along every chain, which ends,
-    // also if someone has written the references by hand.
+    // also if the references are in the text of a definition.
     bool is_defined(std::int32_t earlier) const {
         return earlier < open_.back().text && store_.texts.is_text(earlier);
     }

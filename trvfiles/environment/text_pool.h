@@ -37,7 +37,7 @@ public:
     /// @throws std::bad_alloc; the contents of the pool are then unchanged
     void reserve_texts(std::size_t count, std::size_t length);
 
-    /// Adds a text. REQUIRES: reserve_texts() of it, so the text may not lie in the pool.
+    /// Adds a text. REQUIRES: reserve_texts() of it, so the text must not be in the pool.
     ///
     /// @return its offset, which is higher than those of all texts before
     std::int32_t add_text(const text_record& record, std::string_view text) noexcept;

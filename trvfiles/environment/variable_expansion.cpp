@@ -272,7 +272,7 @@ int expand_variables(const char* source, std::string* output) {
         output->clear();
         return EXP_INVALID_ARGUMENT;
     }
-    // The source may lie in the output: the expander has a copy, and the output changes last.
+    // The source may be in the output: the expander has a copy, and the output changes last.
     expander expansion(source);
     const int code = expansion.run();
     if (is_expand_error(code)) {

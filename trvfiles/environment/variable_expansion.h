@@ -42,7 +42,7 @@ TRV_EXPORT bool is_expand_error(int code);
 ///
 /// @param source  null is EXP_INVALID_ARGUMENT. A list of texts is joined with ";" first. A text
 ///                ends at its first zero byte.
-/// @param output  takes the result and is empty after an error. The source may lie in it. Null is
+/// @param output  takes the result and is empty after an error. The source may be in it. Null is
 ///                EXP_INVALID_ARGUMENT.
 /// @return EXP_OK, EXP_UNDEFINED, EXP_SYNTAX_ERROR, EXP_NAME_TOO_LONG or EXP_INVALID_ARGUMENT
 TRV_EXPORT int expand_variables(const char* source, std::string* output);

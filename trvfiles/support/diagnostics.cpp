@@ -17,6 +17,7 @@ void print_error(const char* message);
 [[noreturn]] void print_fatal(const char* message);
 void print_trace(const char* message);
 
+// Initialised without code at run time: static objects of a host may report before main().
 message_handler error_handler = print_error;
 message_handler fatal_handler = print_fatal;
 message_handler trace_handler = print_trace;
@@ -27,7 +28,8 @@ bool goes_to_output() {
     return output_is_echoed || is_verbose() != 0;
 }
 
-// A failed write is ignored: there is nowhere to report it.
+// The message is an argument and not the format, so a "%" in it is printed unchanged. A failed
+// write is ignored: there is nowhere to report it.
 void print_line(std::FILE* stream, const char* message) {
     static_cast<void>(std::fprintf(stream, "%s\n", message));
 }
@@ -40,6 +42,7 @@ void print_error(const char* message) {
     }
 }
 
+// exit() and not abort(): the standard streams are flushed, and exit handlers run.
 [[noreturn]] void print_fatal(const char* message) {
     print_line(goes_to_output() ? stdout : stderr, message);
     std::exit(-1);

@@ -87,6 +87,7 @@ bool check_resize(std::uint32_t tag, void* block, const block_register::finding&
 block_header* resize_block(block_header* header, std::size_t size) {
     const std::size_t space = sizeof(block_header) + size;
     const block_header old = *header;
+    // If the block moves, the header at its old place has the tag of a freed one.
     header->tag = freed_tag;
     void* memory = std::realloc(header, space);
     if (memory == nullptr) {
@@ -110,6 +111,8 @@ void* resize(std::uint32_t tag, void* block, std::size_t size, exhaustion when_e
     const auto old_size = static_cast<std::size_t>(header->size);
     if (size > old_size && is_refused(tag, size, size - old_size)) return nullptr;
 
+    // A place in the register is reserved first, so that add() cannot fail after the block has
+    // moved.
     block_header* const resized =
         size <= largest_block && blocks.reserve() ? resize_block(header, size) : nullptr;
     if (resized == nullptr) {
@@ -118,6 +121,7 @@ void* resize(std::uint32_t tag, void* block, std::size_t size, exhaustion when_e
     }
     count(tag, size - old_size);
     if (resized + 1 != block) {
+        // Looked up again: reserve() may have rebuilt the table.
         blocks.retire(blocks.find(block));
         blocks.add(resized + 1, found.serial);
     }
@@ -195,6 +199,7 @@ std::uint64_t set_storage_maximum(std::uint64_t bytes) {
     return bytes;
 }
 
+// Compares without a sum, which could overflow.
 bool storage_fits(std::uint64_t extra) {
     return permanent_bytes_in_use < permanent_maximum &&
            extra < permanent_maximum - permanent_bytes_in_use;

@@ -47,6 +47,7 @@ std::vector<std::string> matching_names(const char* directory, const char* patte
                                    return wildcard_match(pattern, name.c_str(), false) == 0;
                                }),
                 names.end());
+    // The order in a directory depends on the file system.
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -25,6 +25,7 @@ struct CL8BFile::Reader {
     std::uint64_t counter;
 };
 
+// A source without memory for its reader is at its end.
 CL8BFile::CL8BFile(const char* fileName)
     : reader_(new (std::nothrow) Reader(trv::platform::open_for_read(fileName, file_mode::text))) {}
 

@@ -26,7 +26,8 @@ bool has(DWORD attributes, DWORD attribute) {
     return (attributes & attribute) != 0;
 }
 
-// Opens what a path leads to, to query its attributes; nullptr if it leads nowhere.
+// Opens what a path leads to, to query its attributes; nullptr if it leads nowhere. The query takes
+// no access right. Directories open only with the flag for backups.
 handle open_to_query(const std::filesystem::path& path) {
     constexpr DWORD no_access = 0;
     const HANDLE opened = ::CreateFileW(
@@ -35,6 +36,7 @@ handle open_to_query(const std::filesystem::path& path) {
     return handle(opened == INVALID_HANDLE_VALUE ? nullptr : opened);
 }
 
+// There are reparse points that are not links, such as the placeholders of a cloud storage.
 bool is_link(const WIN32_FIND_DATAW& entry) {
     return has(entry.dwFileAttributes, FILE_ATTRIBUTE_REPARSE_POINT) &&
            (entry.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||

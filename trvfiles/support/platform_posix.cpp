@@ -43,7 +43,8 @@ private:
 };
 
 // Repeats an open that a signal interrupts. If there is no memory for the stream, fopen() does not
-// create or empty the file.
+// create or empty the file. Every mode has an "e" (close-on-exec): a process that the host starts
+// does not inherit the file.
 file_handle open_stream(const char* path, const char* mode) {
     file_handle file;
     do {
@@ -52,6 +53,7 @@ file_handle open_stream(const char* path, const char* mode) {
     return file;
 }
 
+// fopen() succeeds for a directory, and only the first read would fail.
 file_handle open_unless_directory(const char* path) {
     file_handle file = open_stream(path, "re");
     if (file == nullptr) return file;
@@ -102,6 +104,7 @@ struct stack_call {
     std::exception_ptr thrown;
 };
 
+// An exception that leaves a thread ends the process, so it is stored for the caller.
 void* run(void* argument) {
     auto& call = *static_cast<stack_call*>(argument);
     try {
@@ -254,6 +257,7 @@ const char* get_environment(const char* name) {
 
 bool set_environment(const char* name, const char* value) {
     if (!names_variable(name)) return false;
+    // An empty value removes the variable on Windows, so it does here too.
     if (value == nullptr || *value == '\0') return ::unsetenv(name) == 0;
     return ::setenv(name, value, 1) == 0;
 }
@@ -275,6 +279,7 @@ void breakpoint_trap() {
     static_cast<void>(std::raise(SIGTRAP));
 }
 
+// The stack is that of a thread, which ends with the call.
 void call_on_stack(std::size_t bytes, const std::function<void()>& work) {
     stack_call call{work, nullptr};
     thread_attributes attributes;

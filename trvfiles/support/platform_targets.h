@@ -14,9 +14,9 @@ namespace trv::platform {
 
 /// Gives a held file the attributes of another file: on POSIX permission bits, owner and group, and
 /// on Linux extended attributes and the access control list; on Windows the attributes and the
-/// access control list. What the system does not allow is left out, but nobody gets more rights: if
-/// the group cannot be kept, its members have the rights of all others. Nothing happens if `from`
-/// is missing or is not a regular file.
+/// access control list. What the system does not allow is left out, but no user gets more rights:
+/// if the group cannot be kept, the new group gets no right that all others lack. Nothing happens
+/// if `from` is missing or is not a regular file.
 ///
 /// @param held  the descriptor of the file, as create_held() returns it
 /// @return 0; the `errno` if the permission bits cannot be set

@@ -101,6 +101,7 @@ struct stack_call {
     std::exception_ptr thrown;
 };
 
+// An exception that leaves a thread ends the process, so it is stored for the caller.
 unsigned __stdcall run(void* argument) {
     auto& call = *static_cast<stack_call*>(argument);
     try {
@@ -133,7 +134,7 @@ file_handle open_for_read(const std::filesystem::path& path, file_mode mode) {
     const HANDLE opened = ::CreateFileW(path.c_str(), GENERIC_READ, shared_reading, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened != INVALID_HANDLE_VALUE) return stream_of_reader(opened, mode);
-    return open_shared(path, L"r", L"rb", mode);  // sets the reason
+    return open_shared(path, L"r", L"rb", mode);  // sets `errno`
 }
 
 file_handle open_for_read(const char* runtime_path, file_mode mode) {
@@ -145,7 +146,7 @@ file_handle open_for_read(const char* runtime_path, file_mode mode) {
     const HANDLE opened = ::CreateFileA(runtime_path, GENERIC_READ, shared_reading, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened != INVALID_HANDLE_VALUE) return stream_of_reader(opened, mode);
-    return open_shared(runtime_path, "r", "rb", mode);  // sets the reason
+    return open_shared(runtime_path, "r", "rb", mode);  // sets `errno`
 }
 
 bool can_open_for_read(const std::filesystem::path& path) {
@@ -221,6 +222,8 @@ std::vector<std::string> directory_entries(const char* runtime_path) {
     std::vector<std::string> names;
     std::string pattern = native_path(runtime_path);
     if (pattern.empty()) return names;
+    // After a ":" no separator is added: this is the current directory of the drive. "*.*" matches
+    // every name, also one without a dot.
     if (std::string_view("/\\:").find(pattern.back()) == std::string_view::npos) pattern += '\\';
     pattern += "*.*";
     WIN32_FIND_DATAA entry = {};
@@ -235,6 +238,7 @@ std::vector<std::string> directory_entries(const char* runtime_path) {
 }
 
 bool read_identity(const char* runtime_path, file_identity& identity) {
+    // Reading the identity takes no access right. Directories open only with the flag for backups.
     constexpr DWORD no_access = 0;
     const HANDLE opened =
         ::CreateFileA(native_path(runtime_path).c_str(), no_access,
@@ -308,10 +312,12 @@ void breakpoint_trap() {
     ::__debugbreak();
 }
 
+// The stack is that of a thread, which ends with the call.
 void call_on_stack(std::size_t bytes, const std::function<void()>& work) {
     if (bytes > UINT_MAX)
         throw std::system_error(ENOMEM, std::generic_category(), "_beginthreadex");
     stack_call call{work, nullptr};
+    // With the flag, the size is reserved. Without it, the size would be committed at once.
     const std::uintptr_t thread =
         ::_beginthreadex(nullptr, static_cast<unsigned>(bytes), run, &call,
                          STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);

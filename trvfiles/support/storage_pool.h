@@ -38,7 +38,7 @@ TRV_EXPORT std::int32_t pool_reserve(storage_pool* pool, std::int32_t bytes);
 ///         that is nullptr, and after a report for an offset beyond what is in use
 TRV_EXPORT void* pool_address(const storage_pool* pool, std::int32_t offset);
 
-/// Stores a copy of a text with its terminator. The text may lie in the pool itself.
+/// Stores a copy of a text with its terminator. The text may be in the pool itself.
 ///
 /// @return the offset of the copy; -1 for a text that is nullptr and as pool_reserve()
 TRV_EXPORT std::int32_t pool_add_string(storage_pool* pool, const char* text);
