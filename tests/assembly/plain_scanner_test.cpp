@@ -119,8 +119,9 @@ TEST(PlainScanner, AcceptsAByteOrderMarkAndADeclaration) {
 TEST(PlainScanner, FindsAnotherDeclarationUnusual) {
     for (const std::string declaration :
          {"<?xml?>", "<?xml version=\"1.1\"?>", "<?xml version=\"1.0\" encoding=\"UTF-16\"?>",
-          "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>", "<?xml encoding=\"UTF-8\"?>",
-          "<?xml version=\"1.0\" standalone=\"yes\"?>",
+          "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>",
+          "<?xml version=\"1.0\" encoding=\"UTFM8\"?>", "<?xml version=\"1.0\" encoding=\"UTF8\"?>",
+          "<?xml encoding=\"UTF-8\"?>", "<?xml version=\"1.0\" standalone=\"yes\"?>",
           "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>",
           "<?xml version=\"1.0\"encoding=\"UTF-8\"?>", "<?xml version=1.0?>",
           "<?xml version=\"1.0'?>", "<?xmlversion=\"1.0\"?>", "<?xml version=\"1.0\" x?>",

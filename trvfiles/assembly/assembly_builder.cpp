@@ -25,9 +25,9 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// Reads a number as QString::toDouble() does. std::from_chars() is 20 times as fast and takes the
-// same texts for numbers if they begin with a digit after an optional minus and end with the
-// number.
+// Reads a number as QString::toDouble() does. std::from_chars() needs no conversion to UTF-16. Both
+// accept the same texts and give the same doubles if a text begins with a digit after an optional
+// minus, ends with the number and is in the range of double. Qt decides about all others.
 bool readNumber(std::string_view text, double& value) {
     constexpr std::size_t maxFastLength = 32;
     const std::size_t sign = !text.empty() && text.front() == '-' ? 1 : 0;
@@ -53,6 +53,8 @@ std::string_view valueOf(const ElementStart& element, std::string_view attribute
 
 }  // namespace
 
+// An element that is ignored is not entered in the list of open ones. Counting those in it is
+// enough to find its end.
 void AssemblyBuilder::start(const ElementStart& element) {
     if (ignored_ > 0) {
         ++ignored_;
@@ -171,7 +173,9 @@ AssemblyBuilder::Context AssemblyBuilder::startInOrientation(const ElementStart&
     return Context::ignored;
 }
 
-// The number of components is a hint that saves moving them while their list grows.
+// The number of components in the file is a hint: reserving memory saves moving the components
+// while their list grows, and half of the peak memory. It may be wrong, so all hints of a document
+// together reserve at most what its size allows.
 void AssemblyBuilder::startData(const ElementStart& element) {
     Level& level = levels_.back();
     level.notesBeforeData = notes_.size();
@@ -212,6 +216,8 @@ void AssemblyBuilder::endComponent() {
         std::copy_n(level.vectors[1], 3, level.body.vec2);
         std::copy_n(level.vectors[2], 3, level.body.vec3);
     }
+    // A list that has grown without a hint, or after a wrong one, may be twice as long as its
+    // components.
     level.body.components.shrink_to_fit();
     if (levels_.empty()) {
         rootComponent_.emplace(std::move(level.body));
@@ -279,6 +285,7 @@ void AssemblyBuilder::addNote(Kind kind, Place place, std::string_view subject, 
     notes_.push_back({kind, place.line, place.column, std::string(subject), std::move(text)});
 }
 
+// Of several failures the first one in this order counts, wherever it is in the document.
 AssemblyBuilder::Failure AssemblyBuilder::outcome() const {
     if (rootFailure_.status != eFileIOSuccess) return rootFailure_;
     if (!hasAttributes_) return {eFileIOContentError, missing(names::attributes), root_};

@@ -92,7 +92,7 @@ EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssem
 }
 
 bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvAssemblyData& data) {
-    // The shortest component with a placement and a file has more bytes.
+    // A component with a placement and a file has more bytes.
     constexpr qint64 minComponentSize = 128;
     const auto maxComponents = static_cast<std::size_t>(device.size() / minComponentSize);
     AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);

@@ -1,4 +1,5 @@
 #include <trvfiles/assembly/plain_scanner.h>
+#include <trvfiles/assembly/plain_syntax.h>
 #include <trvfiles/assembly/xml_characters.h>
 
 #include <QIODevice>
@@ -62,114 +63,6 @@ Pointer skipUntil(Pointer from, CharacterClass stop) {
     while (!is(*from, stop))
         ++from;
     return from;
-}
-
-bool isAllowedByReference(std::uint32_t code) {
-    if (code < ' ') return code == '\t' || code == '\n' || code == '\r';
-    if (code >= 0xD800 && code < 0xE000) return false;
-    // Qt's parser makes a character of the lower 16 bits of a larger number.
-    return code < 0xFFFE;
-}
-
-char* appendUtf8(char* to, std::uint32_t code) {
-    if (code < 0x80) {
-        *to++ = static_cast<char>(code);
-        return to;
-    }
-    if (code < 0x800) {
-        *to++ = static_cast<char>(0xC0U | code >> 6U);
-    } else {
-        *to++ = static_cast<char>(0xE0U | code >> 12U);
-        *to++ = static_cast<char>(0x80U | (code >> 6U & 0x3FU));
-    }
-    *to++ = static_cast<char>(0x80U | (code & 0x3FU));
-    return to;
-}
-
-// The value of a digit; 16 for any other character.
-std::uint32_t digitValue(char c) {
-    if (c >= '0' && c <= '9') return static_cast<std::uint32_t>(c - '0');
-    if (c >= 'a' && c <= 'f') return static_cast<std::uint32_t>(c - 'a' + 10);
-    if (c >= 'A' && c <= 'F') return static_cast<std::uint32_t>(c - 'A' + 10);
-    return 16;
-}
-
-// @param digits  the part of a character reference between "&#" and ";"
-// @return 0, which no reference may name, if the reference is unusual
-std::uint32_t referencedCharacter(std::string_view digits) {
-    constexpr std::size_t maxDigits = 6;
-    const bool isHexadecimal = !digits.empty() && digits.front() == 'x';
-    if (isHexadecimal) digits.remove_prefix(1);
-    if (digits.empty() || digits.size() > maxDigits) return 0;
-    const std::uint32_t base = isHexadecimal ? 16 : 10;
-    std::uint32_t code = 0;
-    for (const char c : digits) {
-        const std::uint32_t digit = digitValue(c);
-        if (digit >= base) return 0;
-        code = code * base + digit;
-    }
-    return isAllowedByReference(code) ? code : 0;
-}
-
-// @param name  the part of a reference between "&" and ";"
-// @return 0 if the reference is unusual
-std::uint32_t resolved(std::string_view name) {
-    if (!name.empty() && name.front() == '#') return referencedCharacter(name.substr(1));
-    if (name == "lt") return '<';
-    if (name == "gt") return '>';
-    if (name == "amp") return '&';
-    if (name == "quot") return '"';
-    return name == "apos" ? '\'' : 0;
-}
-
-// Resolves references in place: the text of a character is never longer than its reference.
-bool resolveInPlace(std::string_view& value) {
-    char* const begin = const_cast<char*>(value.data());
-    char* const end = begin + value.size();
-    char* to = begin;
-    for (char* from = begin; from != end;) {
-        if (*from != '&') {
-            *to++ = *from++;
-            continue;
-        }
-        char* const semicolon = std::find(from, end, ';');
-        if (semicolon == end) return false;
-        const auto length = static_cast<std::size_t>(semicolon - from - 1);
-        const std::uint32_t code = resolved({from + 1, length});
-        if (code == 0) return false;
-        to = appendUtf8(to, code);
-        from = semicolon + 1;
-    }
-    value = {begin, static_cast<std::size_t>(to - begin)};
-    return true;
-}
-
-bool isUtf8Name(std::string_view name) {
-    constexpr std::string_view expected = "UTF-8";
-    return std::equal(name.begin(), name.end(), expected.begin(), expected.end(),
-                      [](char c, char upper) { return c == upper || c - 'a' + 'A' == upper; });
-}
-
-bool consume(std::string_view& text, std::string_view beginning) {
-    if (text.substr(0, beginning.size()) != beginning) return false;
-    text.remove_prefix(beginning.size());
-    return true;
-}
-
-// Consumes NAME="VALUE" with the white space before it.
-bool consumePseudoAttribute(std::string_view& text, std::string_view name,
-                            std::string_view& value) {
-    std::string_view rest = text;
-    const auto isWhite = [](char c) { return is(c, whiteSpace); };
-    const auto* first = std::find_if_not(rest.begin(), rest.end(), isWhite);
-    rest.remove_prefix(static_cast<std::size_t>(first - rest.begin()));
-    if (rest.size() == text.size() || !consume(rest, name) || !consume(rest, "=")) return false;
-    if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return false;
-    const std::size_t close = rest.find(rest.front(), 1);
-    if (close == std::string_view::npos) return false;
-    value = rest.substr(1, close - 1);
-    text = rest.substr(close + 1);
-    return true;
 }
 
 }  // namespace
@@ -242,18 +135,7 @@ PlainScanner::Step PlainScanner::declaration(const char* from) {
     const auto size = static_cast<std::size_t>(end_ - from);
     const std::size_t length = std::string_view(from, size).find(closing);
     if (length == std::string_view::npos) return Step::incomplete;
-    std::string_view text(from, length);
-    std::string_view version;
-    std::string_view encoding;
-    if (!consumePseudoAttribute(text, "version", version) || version != "1.0") {
-        return Step::unusual;
-    }
-    if (consumePseudoAttribute(text, "encoding", encoding) && !isUtf8Name(encoding)) {
-        return Step::unusual;
-    }
-    const bool isComplete =
-        std::all_of(text.begin(), text.end(), [](char c) { return is(c, whiteSpace); });
-    if (!isComplete) return Step::unusual;
+    if (!isPlainDeclaration({from, length})) return Step::unusual;
     cursor_ = from + length + closing.size();
     return Step::done;
 }
@@ -283,7 +165,7 @@ PlainScanner::Event PlainScanner::nextInContent() {
         const bool isAllowed = openStarts_.empty() ? !hasRoot_ : true;
         if (!isAllowed || openStarts_.size() == maxOpenElements_) return Event::unusual;
         if (complete([this] { return startTag(); }) != Step::done) return Event::unusual;
-        if (withReferences_ != 0 && !resolveReferences()) return Event::unusual;
+        if (withReferences_ != 0 && !resolveValues()) return Event::unusual;
         hasRoot_ = true;
         openStarts_.push_back(openNames_.size());
         openNames_ += name_;
@@ -402,10 +284,10 @@ PlainScanner::Event PlainScanner::closeElement() {
     return Event::elementEnd;
 }
 
-bool PlainScanner::resolveReferences() {
+bool PlainScanner::resolveValues() {
     for (std::size_t i = 0; i < attributeCount_; ++i) {
         const bool hasReference = (withReferences_ >> i & 1U) != 0;
-        if (hasReference && !resolveInPlace(attributes_[i].value)) return false;
+        if (hasReference && !resolveReferences(attributes_[i].value)) return false;
     }
     return true;
 }

@@ -70,7 +70,7 @@ private:
     Step value(const char*& at, bool& hasReference);
     Step endTag();
     Event closeElement();
-    bool resolveReferences();
+    bool resolveValues();
     bool hasUniqueAttributes() const;
     bool more();
     bool skipWhiteSpace();
