@@ -101,8 +101,13 @@ TEST_F(PlatformDirectories, CountTheLinksToDirectories) {
 TEST_F(PlatformDirectories, HaveOneCanonicalPath) {
     fs::create_directories(directory_ / "d/e");
     const fs::path canonical = canonical_path(directory_ / "d/e");
-    EXPECT_TRUE(canonical.is_absolute());
-    EXPECT_TRUE(fs::equivalent(canonical, directory_ / "d/e"));
+    if (backslash_separates()) {
+        // The form without a limit of length, which the standard library cannot read.
+        EXPECT_EQ(canonical.string().substr(0, 4), R"(\\?\)");
+    } else {
+        EXPECT_TRUE(canonical.is_absolute());
+        EXPECT_TRUE(fs::equivalent(canonical, directory_ / "d/e"));
+    }
     EXPECT_EQ(canonical_path(directory_ / "d/../d/./e"), canonical);
     EXPECT_EQ(canonical_path(directory_ / "d") / "e", canonical);
     const CurrentDirectory here(directory_ / "d");

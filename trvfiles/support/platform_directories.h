@@ -29,8 +29,9 @@ struct subdirectory {
 /// begins with ".". There are none if the directory cannot be read.
 std::vector<subdirectory> subdirectories(const std::filesystem::path& directory);
 
-/// The absolute path without links by which the system names what a path leads to; empty if it
-/// leads nowhere. Two paths lead to one directory if their canonical paths are equal.
+/// The absolute path without links by which the system names what a path leads to, on Windows in
+/// the form "\\?\C:\x"; empty if it leads nowhere. Two paths lead to one directory if their
+/// canonical paths are equal.
 std::filesystem::path canonical_path(const std::filesystem::path& path);
 
 }  // namespace trv::platform
