@@ -12,6 +12,10 @@ namespace trv::cli {
 /// reverse order in which they began.
 class ChainedObserver : public runtime_observer {
 public:
+    ChainedObserver(const ChainedObserver&) = delete;
+    ChainedObserver& operator=(const ChainedObserver&) = delete;
+    virtual ~ChainedObserver();
+
     void looked_up(const lookup_event& event) override;
     void reference_replaced(const reference_event& event) override;
     void search_began(const search_event& event) override;
@@ -20,9 +24,6 @@ public:
 
 protected:
     ChainedObserver();
-    ~ChainedObserver();
-    ChainedObserver(const ChainedObserver&) = delete;
-    ChainedObserver& operator=(const ChainedObserver&) = delete;
 
 private:
     runtime_observer& earlier_;

@@ -35,7 +35,7 @@ public:
     };
 
     explicit RuntimeMessages(std::ostream& err);
-    ~RuntimeMessages();
+    ~RuntimeMessages() override;
     RuntimeMessages(const RuntimeMessages&) = delete;
     RuntimeMessages& operator=(const RuntimeMessages&) = delete;
 
