@@ -20,6 +20,11 @@ namespace trv {
 /// An element that starts, as the builder asks about it.
 class ElementStart {
 public:
+    ElementStart() = default;
+    ElementStart(const ElementStart&) = delete;
+    ElementStart& operator=(const ElementStart&) = delete;
+    virtual ~ElementStart() = default;
+
     virtual std::string_view tag() const = 0;
 
     /// @param value  takes the value in UTF-8, which is valid until the next call
@@ -32,9 +37,6 @@ public:
     /// The place of the element in its document, counted from 1; 0 if it is not known.
     virtual int line() const = 0;
     virtual int column() const = 0;
-
-protected:
-    ~ElementStart() = default;
 };
 
 /// Takes the elements of a document one after the other and builds the record of an assembly.
