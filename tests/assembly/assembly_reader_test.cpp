@@ -442,6 +442,19 @@ TEST_F(AssemblyReader, NotesNothingElseAboutAComponentThatItLeavesOut) {
     EXPECT_EQ(fault.notes[0].kind, Kind::leftOut);
 }
 
+TEST_F(AssemblyReader, NotesNothingAboutComponentsThatAFileHides) {
+    ASSERT_EQ(readComponent("name='a' enabled='x'",
+                            "\n<Translation y='b'/><Data><Component enabled='c'/>"
+                            "<File name='f'/><Component enabled='d'/></Data>"),
+              eFileIOSuccess);
+    EXPECT_THAT(
+        fault.notes,
+        ElementsAre(
+            IsNote(Kind::notAFlag, 1, 71, "a", "component \"a\" is disabled: enabled is \"x\""),
+            IsNote(Kind::notANumber, 2, 19, "Translation",
+                   "y of <Translation> is not a number: \"b\"; it and those after it are 0")));
+}
+
 TEST_F(AssemblyReader, KeepsTheNotesThatItHasGotAndThoseOfAFailure) {
     QDomDocument document;
     ASSERT_TRUE(

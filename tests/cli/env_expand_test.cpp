@@ -97,6 +97,21 @@ TEST_F(EnvFind, TakesBothSeparators) {
     EXPECT_EQ(out(), answer);
 }
 
+// The path is too long for the first buffer, so the runtime searches twice.
+TEST_F(EnvFind, ShowsEachDirectoryOnceIfTheFoundPathIsLong) {
+    if (platform::backslash_separates()) GTEST_SKIP() << "Windows opens no path of this length";
+    std::string list = "$TRVHOME/nowhere;$TRVHOME";
+    for (int i = 0; i < 250; ++i)
+        list += "/site/..";
+    process_.setVariable("CFGPATH", (list + "/site").c_str());
+    EXPECT_EQ(run({"find", "?CFG/shop.cfg"}), 0);
+    EXPECT_EQ(replaced(replaced(out(), "\\\\site\\\\..", ""), "/site/..", ""),
+              "  - '\\\\opt\\\\shop\\\\nowhere\\\\shop.cfg' -> Not found\n"
+              "  - '\\\\opt\\\\shop\\\\site\\\\shop.cfg' -> Found\n"
+              "/opt/shop/site/shop.cfg\n");
+    EXPECT_EQ(err(), "");
+}
+
 TEST_F(EnvFind, SaysThatNoDirectoryHasTheFile) {
     process_.setVariable("CFGPATH", "$TRVHOME/site;$TRVHOME/nowhere");
     EXPECT_EQ(run({"find", "?CFG/none.cfg"}), 1);

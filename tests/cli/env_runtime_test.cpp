@@ -68,6 +68,17 @@ TEST(RuntimeMessages, ReportsWhetherOneOfTheReportsIsFatal) {
     EXPECT_FALSE(messages.hasFatalReport());
 }
 
+TEST(RuntimeMessages, RestoresTheDefaultHandlersAtItsEnd) {
+    set_error_handler(nullptr);
+    set_fatal_handler(nullptr);
+    const message_handler defaultError = set_error_handler(nullptr);
+    const message_handler defaultFatal = set_fatal_handler(nullptr);
+    std::ostringstream err;
+    { const RuntimeMessages messages(err); }
+    EXPECT_EQ(set_error_handler(nullptr), defaultError);
+    EXPECT_EQ(set_fatal_handler(nullptr), defaultFatal);
+}
+
 TEST_F(EnvCommand, TakesTheInstallationOfTrvhome) {
     EXPECT_EQ(run({"expand", "$CELL"}), 0);
     EXPECT_EQ(out(), "3\n");

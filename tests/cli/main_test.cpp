@@ -153,6 +153,20 @@ TEST_F(TrvfilesCommand, AcceptsNamesWithBlanksAndEveryCharacterInEveryLocale) {
     }
 }
 
+TEST_F(TrvfilesCommand, PrintsTheSameMessagesInEveryLocale) {
+    if (!can_fork) GTEST_SKIP() << "the locale is set in a child process";
+    const HostLocale locale("UTF-8");
+    if (!locale.exists()) GTEST_SKIP() << "localedef cannot make a German locale here";
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(locale.adopt());
+        ASSERT_TRUE(setEnvironment("LANGUAGE", "de"));
+        std::filesystem::current_path(directory_.path());
+        EXPECT_NE(std::system("'" TRV_COMMAND "' check missing >message"), 0);
+    }));
+    EXPECT_EQ(textOf(directory_ / "message"),
+              "missing: eFileIOOpenError: No such file or directory\n");
+}
+
 TEST_F(TrvfilesCommand, ReadsAndWritesNumbersWithAPointInEveryLocale) {
     if (!can_fork) GTEST_SKIP() << "the locale is set in a child process";
     for (const char* charset : {"UTF-8", "ISO-8859-1"}) {

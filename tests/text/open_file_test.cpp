@@ -5,8 +5,10 @@
 #include <trvfiles/support/CFileFault.h>
 #include <trvfiles/text/open_file.h>
 
+#include <QDir>
 #include <QFile>
 #include <QString>
+#include <QStringList>
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -274,6 +276,23 @@ TEST_F(OpenFile, DoesNotWriteForQtToPathsThatNameNoFile) {
     }
     EXPECT_TRUE(fs::is_empty(directory_ / "d"));
     EXPECT_FALSE(fs::exists(directory_ / "f"));
+}
+
+TEST_F(OpenFile, DoesNotOpenForQtWhatASearchPathOfTheHostFinds) {
+    if (trv::platform::backslash_separates()) GTEST_SKIP() << "Qt opens files by name there";
+    writeBytes(directory_ / "f", "old");
+    fs::create_directory(directory_ / "d");
+    const CurrentDirectory here(directory_ / "d");
+    QDir::setSearchPaths(QStringLiteral("host"), {path(L"")});
+    file_handle handle;
+    QFile file;
+    EXPECT_FALSE(openForRead(QStringLiteral("host:f"), handle, file));
+    EXPECT_TRUE(openForWrite(QStringLiteral("host:f"), handle, file));
+    QDir::setSearchPaths(QStringLiteral("host"), {});
+    EXPECT_EQ(file.write("new"), 3);
+    file.close();
+    EXPECT_EQ(bytesOf(directory_ / "f"), "old");
+    EXPECT_EQ(bytesOf(directory_ / "d/host:f"), "new");
 }
 
 TEST_F(OpenFile, ReadsAResourceForQtAndNothingElse) {

@@ -15,6 +15,7 @@ using namespace std::string_literals;
 using trv::fromNarrow;
 using trv::fromWide;
 using trv::isOpenable;
+using trv::narrowFromUtf8;
 using trv::nativePath;
 using trv::pathFromNarrow;
 using trv::pathFromSystem;
@@ -51,6 +52,14 @@ TEST(TextConversion, EndsNarrowTextAtItsFirstZero) {
     EXPECT_TRUE(fromNarrow("\0cd"s).isEmpty());
     EXPECT_EQ(toNarrow(wide(L"ab\0cd"s)), "ab");
     EXPECT_EQ(toNarrow(wide(L"\0cd"s)), "");
+}
+
+TEST(TextConversion, ConvertsUtf8ToNarrowText) {
+    EXPECT_EQ(narrowFromUtf8(""), "");
+    EXPECT_EQ(narrowFromUtf8("a\\b/c"), "a\\b/c");
+    EXPECT_EQ(narrowFromUtf8("\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x94\xA7"),
+              "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x94\xA7");
+    EXPECT_EQ(narrowFromUtf8("\xEF\xBB\xBFm"), "\xEF\xBB\xBFm");
 }
 
 TEST(TextConversion, KeepsTheZerosOfWideText) {
