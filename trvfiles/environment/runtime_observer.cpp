@@ -17,6 +17,7 @@ std::string described(const stored_text& text) {
 //
 // Each function asks whether the trace is seen, because another observer may pass its events on
 // here. The channel of the trace drops the lines that follow if a handler switches it off.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): a virtual one would run during exit.
 class channel_observer final : public runtime_observer {
 public:
     void looked_up(const lookup_event& event) override {

@@ -45,13 +45,15 @@ struct stored_text {
 /// the square of the value's length.
 class partial_value {
 public:
+    partial_value() = default;
+    partial_value(const partial_value&) = delete;
+    partial_value& operator=(const partial_value&) = delete;
+    virtual ~partial_value() = default;
+
     /// The beginning, which is complete.
     virtual std::string resolved() const = 0;
     /// What follows it, in which references may be left.
     virtual std::string rest() const = 0;
-
-protected:
-    ~partial_value() = default;
 };
 
 /// A reference "+(XXXXXXXX)" in the value of a stored text has been replaced.
