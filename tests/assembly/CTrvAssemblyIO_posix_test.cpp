@@ -42,13 +42,13 @@ TEST(AssemblyFileOnPosix, GivesAShortWriteIfTheDiskIsFullAtAnyByte) {
     CQvFilesIO facade(directory.text());
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", part()), eFileIOSuccess);
     const std::string whole = bytesOf(path);
-    for (std::size_t room = 0; room <= whole.size(); ++room) {
+    for (std::size_t maxSize = 0; maxSize <= whole.size(); ++maxSize) {
         ASSERT_TRUE(passesInChild([&] {
-            ASSERT_TRUE(trv::testing::limitFileSize(room));
+            ASSERT_TRUE(trv::testing::limitFileSize(maxSize));
             EXPECT_EQ(facade.writeTrvAssembly("a.xml", part()),
-                      room < whole.size() ? eFileIOShortWrite : eFileIOSuccess);
-        })) << room;
-        ASSERT_EQ(bytesOf(path), whole.substr(0, room));
+                      maxSize < whole.size() ? eFileIOShortWrite : eFileIOSuccess);
+        })) << maxSize;
+        ASSERT_EQ(bytesOf(path), whole.substr(0, maxSize));
     }
 }
 
