@@ -150,9 +150,9 @@ EFileIOStatus CQvFilesIO::readAxis(std::wstring fileName, double* matrix, int& t
 
     // Nothing of the caller is written before the whole file is read.
     if (matrix != nullptr) std::copy(content.matrix.begin(), content.matrix.end(), matrix);
-    int* const tags[] = {&tag1, &tag2, &tag3};
-    for (int i = 0; i < content.tagCount; ++i)
-        *tags[i] = content.tags[static_cast<std::size_t>(i)];
+    if (content.tagCount > 0) tag1 = content.tags[0];
+    if (content.tagCount > 1) tag2 = content.tags[1];
+    if (content.tagCount > 2) tag3 = content.tags[2];
     return eFileIOSuccess;
 }
 
