@@ -40,6 +40,13 @@ bool isForQtToOpen(const QString& path) {
     return !platform::narrow_text_is_utf8() || isResource(nativePath(path));
 }
 
+bool passToQt(const platform::file_handle& handle, QFile& file, QIODevice::OpenMode mode,
+              const QString& path, CFileFault* fault) {
+    if (file.open(handle.get(), mode)) return true;
+    setOpenFault(fault, path);
+    return false;
+}
+
 }  // namespace
 
 platform::file_handle openForRead(const QString& path, platform::file_mode mode,
@@ -67,13 +74,7 @@ bool openForRead(const QString& path, platform::file_handle& handle, QFile& file
     constexpr QIODevice::OpenMode mode = QIODevice::ReadOnly;
     if (!isOpenable(path) || !isForQtToOpen(path)) {
         handle = openForRead(path, platform::file_mode::binary, fault);
-        if (handle == nullptr) return false;
-        // After a write that fails, a buffered stream drops a part of its bytes and can still write
-        // those after them. Without a buffer the file holds the bytes up to the failure.
-        static_cast<void>(std::setvbuf(handle.get(), nullptr, _IONBF, 0));
-        if (file.open(handle.get(), mode)) return true;
-        setOpenFault(fault, path);
-        return false;
+        return handle != nullptr && passToQt(handle, file, mode, path, fault);
     }
     file.setFileName(nativePath(path));
     if (file.open(mode) || fault == nullptr) return file.isOpen();
@@ -96,9 +97,7 @@ bool openForWrite(const QString& path, platform::file_handle& handle, QFile& fil
         // After a write that fails, a buffered stream drops a part of its bytes and can still write
         // those after them. Without a buffer the file holds the bytes up to the failure.
         static_cast<void>(std::setvbuf(handle.get(), nullptr, _IONBF, 0));
-        if (file.open(handle.get(), mode)) return true;
-        setOpenFault(fault, path);
-        return false;
+        return passToQt(handle, file, mode, path, fault);
     }
     file.setFileName(nativePath(path));
     if (file.open(mode) || fault == nullptr) return file.isOpen();
