@@ -144,7 +144,7 @@ void appendName(std::string& text, const QString& name) {
         text += static_cast<char>(character.unicode());
 }
 
-// How a character reads inside a quoted value; null where it stands for itself.
+// How a character is written in a quoted value; nullptr if it is written as it is.
 const char* escape(const QString& value, int index) {
     switch (value.at(index).unicode()) {
         case '<':

@@ -27,14 +27,13 @@ namespace {
 
 using testing::bytesOf;
 using ::testing::ElementsAre;
+using testing::nobody;
 using testing::passesInChild;
 using testing::ReplacementOnLinux;
 using testing::shortly;
 using testing::writeBytes;
 
 namespace fs = std::filesystem;
-
-constexpr uid_t nobody = 65534;
 
 using ObstacleToAReplacement = ReplacementOnLinux;
 

@@ -22,6 +22,9 @@ namespace trv::testing {
 /// How long a replacement of the tests waits for another one.
 inline constexpr std::chrono::milliseconds shortly(50);
 
+/// The number of a user without rights of its own.
+inline constexpr uid_t nobody = 65534;
+
 class ReplacementOnLinux : public ::testing::Test {
 protected:
     std::filesystem::path target() const { return directory_ / "f"; }

@@ -55,10 +55,10 @@ TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, cons
 /// @param store  nullptr for a new store
 /// @param path   taken unchanged: no reference in it is expanded. null acts as empty. It may be a
 ///               text of the store.
-/// @return the store, also if there is no such file: then it is unchanged, or nullptr if a new one
-///         was asked for. nullptr if the file exists and cannot be opened or read to its end, if
-///         its parse was aborted, or if storage ran out. An existing store is not destroyed then,
-///         and keeps what it has taken so far. The caller destroys a new store.
+/// @return the store. If the file is missing, an existing store is returned unchanged, and nullptr
+///         instead of a new one. nullptr if the file exists and cannot be opened or read to its
+///         end, if its parse was aborted, or if storage ran out. An existing store is not destroyed
+///         then, and keeps what it has taken so far. The caller destroys a new store.
 TRV_EXPORT message_store* load_message_file(message_store* store, const char* path);
 
 }  // namespace trv

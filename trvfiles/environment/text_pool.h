@@ -62,8 +62,10 @@ public:
     const text_record& record(std::int32_t text) const;
     text_record& record(std::int32_t text);
 
-    /// The text into which a pointer points, at most 1024 bytes after its start. The terminator
-    /// belongs to the text. `none` if there is no such text.
+    /// The text into which a pointer points, at most 1024 bytes after the start of the text. The
+    /// terminator is a part of the text.
+    ///
+    /// @return `none` if the pointer does not point into a text
     std::int32_t text_around(const char* pointer) const;
 
     /// Where a text came from: "from '%s' line %d" or "set by program". REQUIRES: is_text().
