@@ -6,6 +6,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/assembly/block_writer.h>
 #include <trvfiles/assembly/component_body.h>
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/dom_tree.h>
@@ -123,10 +124,11 @@ void requireBothReadersAgree(const QByteArray& text, const Reading& dom) {
 bool writeText(const CTrvAssemblyData& data, QByteArray& text) {
     if (!isWritable(data)) return false;
     std::string written;
-    writeAssembly(data, [&written](std::string_view block) {
+    BlockWriter out([&written](std::string_view block) {
         written += block;
         return true;
     });
+    require(writeAssembly(data, out), "a writable record is written");
     text = QByteArray::fromStdString(written);
     return true;
 }

@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/assembly/block_writer.h>
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/support/file_fault.h>
@@ -42,14 +43,15 @@ EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data, CFileFault* fa
 
     trv::platform::file_handle handle;
     QFile file;
-    if (!trv::openForWrite(fileName_, handle, file, fault)) return eFileIOOpenError;
-    errno = 0;
-    const auto write = [&file](std::string_view block) {
+    // It takes its memory before the file is opened, which removes the content of the file.
+    trv::BlockWriter out([&file](std::string_view block) {
         const auto length = static_cast<qint64>(block.size());
         return file.write(block.data(), length) == length;
-    };
+    });
+    if (!trv::openForWrite(fileName_, handle, file, fault)) return eFileIOOpenError;
+    errno = 0;
     // A full disk is noticed by the number of bytes, or when the last ones go to the system.
-    if (trv::writeAssembly(data, write) && file.flush()) return eFileIOSuccess;
+    if (trv::writeAssembly(data, out) && file.flush()) return eFileIOSuccess;
     trv::set_system_fault(fault, errno);
     return eFileIOShortWrite;
 }

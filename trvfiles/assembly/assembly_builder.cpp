@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_builder.h>
 #include <trvfiles/assembly/assembly_names.h>
+#include <trvfiles/assembly/number_reading.h>
 #include <trvfiles/support/file_fault.h>
 
 #include <QString>
@@ -14,35 +15,19 @@ namespace trv {
 namespace {
 
 using Kind = CFileFault::Note::Kind;
+using names::isName;
 
 constexpr const char* restIsZero = "it and those after it are 0";
 
-QString fromUtf8(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-// Reads a number as QString::toDouble() does. std::from_chars() needs no conversion to UTF-16. Both
-// accept the same texts and give the same doubles if a text begins with a digit after an optional
-// minus, ends with the number and is in the range of double. Qt decides about all others.
-bool readNumber(std::string_view text, double& value) {
-    constexpr std::size_t maxFastLength = 32;
-    const std::size_t sign = !text.empty() && text.front() == '-' ? 1 : 0;
-    if (text.size() <= maxFastLength && text.size() > sign && isDigit(text[sign])) {
-        const char* const end = text.data() + text.size();
-        const std::from_chars_result result = std::from_chars(text.data(), end, value);
-        if (result.ec == std::errc() && result.ptr == end) return true;
-    }
-    bool isNumber = false;
-    value = fromUtf8(text).toDouble(&isNumber);
-    return isNumber;
-}
-
 std::string missing(const char* child) {
     return std::string("<") + names::root + "> has no <" + child + ">";
+}
+
+// Which of the vectors of an "Orientation" an element is; -1 if it is none.
+int vectorIndex(std::string_view tag) {
+    if (isName(tag, names::vec1)) return 0;
+    if (isName(tag, names::vec2)) return 1;
+    return isName(tag, names::vec3) ? 2 : -1;
 }
 
 std::string_view valueOf(const ElementStart& element, std::string_view attribute) {
@@ -99,7 +84,7 @@ AssemblyBuilder::Context AssemblyBuilder::contextOf(const ElementStart& element)
 
 AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element) {
     root_ = placeOf(element);
-    if (element.tag() != names::root) {
+    if (!isName(element.tag(), names::root)) {
         rootFailure_ = {
             eFileIOStructureError,
             "the root element is <" + std::string(element.tag()) + ">, not <" + names::root + ">",
@@ -107,7 +92,9 @@ AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element)
         return Context::ignored;
     }
     bool isInteger = false;
-    version_ = fromUtf8(valueOf(element, names::version)).toInt(&isInteger);
+    const std::string_view version = valueOf(element, names::version);
+    version_ =
+        QString::fromUtf8(version.data(), static_cast<int>(version.size())).toInt(&isInteger);
     hasVersion_ = true;
     if (isInteger) return Context::root;
     rootFailure_ = {eFileIOContentError,
@@ -116,18 +103,18 @@ AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element)
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startInRoot(const ElementStart& element) {
-    if (element.tag() == names::attributes && !hasAttributes_) {
+    if (isName(element.tag(), names::attributes) && !hasAttributes_) {
         hasAttributes_ = true;
         return Context::attributes;
     }
-    if (element.tag() != names::component || hasComponent_) return Context::ignored;
+    if (!isName(element.tag(), names::component) || hasComponent_) return Context::ignored;
     hasComponent_ = true;
     component_ = placeOf(element);
     return startComponent(element);
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startInAttributes(const ElementStart& element) {
-    if (element.tag() == names::dimension && !hasDimensionElement_) {
+    if (isName(element.tag(), names::dimension) && !hasDimensionElement_) {
         hasDimensionElement_ = true;
         hasDimension_ = readVector(element, dimension_, "the whole dimension is ignored");
     }
@@ -135,26 +122,29 @@ AssemblyBuilder::Context AssemblyBuilder::startInAttributes(const ElementStart& 
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startComponent(const ElementStart& element) {
+    ComponentBody& body =
+        levels_.empty() ? rootComponent_.emplace() : levels_.back().body->components.emplace_back();
     Level& level = levels_.emplace_back();
+    level.body = &body;
     level.notesBefore = notes_.size();
     level.place = placeOf(element);
     if (collectsNotes_) level.name = valueOf(element, names::name);
-    level.body.name = element.narrow(names::name);
-    level.body.comment = element.narrow(names::comment);
-    level.body.enabled = readEnabled(element);
+    body.name = element.narrow(names::name);
+    body.comment = element.narrow(names::comment);
+    body.enabled = readEnabled(element);
     return Context::component;
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startInComponent(const ElementStart& element) {
     Level& level = levels_.back();
     const std::string_view tag = element.tag();
-    if (tag == names::translation && !level.hasTranslation) {
+    if (isName(tag, names::translation) && !level.hasTranslation) {
         level.hasTranslation = true;
-        readVector(element, level.body.translation, restIsZero);
-    } else if (tag == names::orientation && !level.hasOrientation) {
+        readVector(element, level.body->translation, restIsZero);
+    } else if (isName(tag, names::orientation) && !level.hasOrientation) {
         level.hasOrientation = true;
         return Context::orientation;
-    } else if (tag == names::data && !level.hasData) {
+    } else if (isName(tag, names::data) && !level.hasData) {
         level.hasData = true;
         startData(element);
         return Context::data;
@@ -164,11 +154,11 @@ AssemblyBuilder::Context AssemblyBuilder::startInComponent(const ElementStart& e
 
 AssemblyBuilder::Context AssemblyBuilder::startInOrientation(const ElementStart& element) {
     Level& level = levels_.back();
-    const char* const tags[] = {names::vec1, names::vec2, names::vec3};
-    for (int i = 0; i < 3; ++i) {
-        if (element.tag() != tags[i] || level.hasVector[i]) continue;
+    double* const vectors[] = {level.body->vec1, level.body->vec2, level.body->vec3};
+    const int i = vectorIndex(element.tag());
+    if (i >= 0 && !level.hasVector[i]) {
         level.hasVector[i] = true;
-        readVector(element, level.vectors[i], restIsZero);
+        readVector(element, vectors[i], restIsZero);
     }
     return Context::ignored;
 }
@@ -184,46 +174,36 @@ void AssemblyBuilder::startData(const ElementStart& element) {
     std::from_chars(text.data(), text.data() + text.size(), number);
     number = std::min(number, reservable_);
     reservable_ -= number;
-    level.body.components.reserve(number);
+    level.body->components.reserve(number);
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startInData(const ElementStart& element) {
     Level& level = levels_.back();
     // A file hides the components beside it, those before it as well.
-    if (element.tag() == names::component && !level.hasFile) return startComponent(element);
-    if (element.tag() == names::file && !level.hasFile) startFile(element);
+    if (isName(element.tag(), names::component) && !level.hasFile) return startComponent(element);
+    if (isName(element.tag(), names::file) && !level.hasFile) startFile(element);
     return Context::ignored;
 }
 
 void AssemblyBuilder::startFile(const ElementStart& element) {
     Level& level = levels_.back();
     level.hasFile = true;
-    std::vector<ComponentBody>().swap(level.body.components);
+    std::vector<ComponentBody>().swap(level.body->components);
     notes_.resize(level.notesBeforeData);
-    level.body.geometryFileName = element.narrow(names::name);
+    level.body->geometryFileName = element.narrow(names::name);
 }
 
 void AssemblyBuilder::endComponent() {
-    Level level = std::move(levels_.back());
+    const Level level = std::move(levels_.back());
     levels_.pop_back();
     const bool hasVectors = level.hasVector[0] && level.hasVector[1] && level.hasVector[2];
     if (level.hasOrientation && !hasVectors) {
         leaveOut(level);
         return;
     }
-    if (level.hasOrientation) {
-        std::copy_n(level.vectors[0], 3, level.body.vec1);
-        std::copy_n(level.vectors[1], 3, level.body.vec2);
-        std::copy_n(level.vectors[2], 3, level.body.vec3);
-    }
     // A list that has grown without a hint, or after a wrong one, may be twice as long as its
     // components.
-    level.body.components.shrink_to_fit();
-    if (levels_.empty()) {
-        rootComponent_.emplace(std::move(level.body));
-    } else {
-        levels_.back().body.components.push_back(std::move(level.body));
-    }
+    level.body->components.shrink_to_fit();
 }
 
 // The note about a component that is left out replaces those about what is in it.
@@ -232,6 +212,7 @@ void AssemblyBuilder::leaveOut(const Level& level) {
         isComponentBroken_ = true;
         return;
     }
+    levels_.back().body->components.pop_back();
     notes_.resize(level.notesBefore);
     hasLeftOut_ = true;
     hasAltered_ = true;
@@ -248,7 +229,7 @@ void AssemblyBuilder::leaveOut(const Level& level) {
 bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
                                  const char* consequence) {
     vector[0] = vector[1] = vector[2] = 0;
-    const char* const coordinates[] = {names::x, names::y, names::z};
+    static constexpr std::string_view coordinates[] = {names::x, names::y, names::z};
     for (int i = 0; i < 3; ++i) {
         std::string_view text;
         double value = 0;

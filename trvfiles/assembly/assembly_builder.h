@@ -20,12 +20,15 @@ namespace trv {
 /// An element that starts, as the builder asks about it.
 class ElementStart {
 public:
-    ElementStart() = default;
     ElementStart(const ElementStart&) = delete;
     ElementStart& operator=(const ElementStart&) = delete;
     virtual ~ElementStart() = default;
 
-    virtual std::string_view tag() const = 0;
+    std::string_view tag() const { return tag_; }
+
+    /// The place of the element in its document, counted from 1; 0 if it is not known.
+    int line() const { return line_; }
+    int column() const { return column_; }
 
     /// @param value  takes the value in UTF-8, which is valid until the next call
     /// @return whether the element has the attribute
@@ -34,9 +37,15 @@ public:
     /// The value in narrow text; empty if the element does not have the attribute.
     virtual std::string narrow(std::string_view attribute) const = 0;
 
-    /// The place of the element in its document, counted from 1; 0 if it is not known.
-    virtual int line() const = 0;
-    virtual int column() const = 0;
+protected:
+    /// @param tag  has to outlive the object
+    explicit ElementStart(std::string_view tag, int line = 0, int column = 0)
+        : tag_(tag), line_(line), column_(column) {}
+
+private:
+    const std::string_view tag_;
+    const int line_;
+    const int column_;
 };
 
 /// Takes the elements of a document one after the other and builds the record of an assembly.
@@ -89,7 +98,9 @@ private:
 
     // A component that is open.
     struct Level {
-        ComponentBody body;
+        // Already in its place. Nothing else is added to the list that it is in while it is open,
+        // so it does not move.
+        ComponentBody* body = nullptr;
         Place place;
         // In UTF-8, for a note.
         std::string name;
@@ -97,9 +108,8 @@ private:
         bool hasOrientation = false;
         bool hasData = false;
         bool hasFile = false;
-        // The vectors of its "Orientation": which are there, and their values.
+        // Which vectors of its "Orientation" are there.
         bool hasVector[3] = {false, false, false};
-        double vectors[3][3];
         // How many notes there were before those on this component, and before those on its
         // children.
         std::size_t notesBefore = 0;

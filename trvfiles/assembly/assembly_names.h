@@ -3,7 +3,18 @@
 /// @file
 /// The element and attribute names of assembly files, as the format spells them.
 
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
 namespace trv::names {
+
+/// Whether a text is one of the names below. Its length is known to the compiler, which compares
+/// without a call.
+template <std::size_t size>
+bool isName(std::string_view text, const char (&name)[size]) {
+    return text.size() == size - 1 && std::memcmp(text.data(), name, size - 1) == 0;
+}
 
 inline constexpr char root[] = "ComponentInfo";
 inline constexpr char version[] = "version";

@@ -18,12 +18,17 @@ QString latin1(std::string_view name) {
     return QString::fromLatin1(name.data(), static_cast<int>(name.size()));
 }
 
+std::string_view viewOf(const QByteArray& bytes) {
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
 class DomElementStart final : public ElementStart {
 public:
-    explicit DomElementStart(const QDomElement& element)
-        : element_(element), tag_(element.tagName().toUtf8()) {}
+    /// @param tag  the name of the element in UTF-8; has to outlive the object, as the element has
+    DomElementStart(const QDomElement& element, const QByteArray& tag)
+        : ElementStart(viewOf(tag), element.lineNumber(), element.columnNumber()),
+          element_(element) {}
 
-    std::string_view tag() const override { return viewOf(tag_); }
     bool find(std::string_view attribute, std::string_view& value) const override {
         const QString name = latin1(attribute);
         if (!element_.hasAttribute(name)) return false;
@@ -34,30 +39,28 @@ public:
     std::string narrow(std::string_view attribute) const override {
         return toNarrow(element_.attribute(latin1(attribute)));
     }
-    int line() const override { return element_.lineNumber(); }
-    int column() const override { return element_.columnNumber(); }
 
 private:
-    static std::string_view viewOf(const QByteArray& bytes) {
-        return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
-    }
-
     const QDomElement& element_;
-    const QByteArray tag_;
     mutable QByteArray value_;
 };
 
 class PlainElementStart final : public ElementStart {
 public:
-    explicit PlainElementStart(const PlainScanner& scanner) : scanner_(scanner) {}
+    explicit PlainElementStart(const PlainScanner& scanner)
+        : ElementStart(scanner.name()), scanner_(scanner), next_(scanner.begin()) {}
 
-    std::string_view tag() const override { return scanner_.name(); }
+    // Most elements have their attributes in the order in which they are asked for.
     bool find(std::string_view attribute, std::string_view& value) const override {
         const auto isMeant = [&](const PlainScanner::Attribute& candidate) {
-            return candidate.name == attribute;
+            return PlainScanner::areSame(candidate.name, attribute);
         };
-        const auto* const found = std::find_if(scanner_.begin(), scanner_.end(), isMeant);
+        const PlainScanner::Attribute* found = next_;
+        if (found == scanner_.end() || !isMeant(*found)) {
+            found = std::find_if(scanner_.begin(), scanner_.end(), isMeant);
+        }
         if (found == scanner_.end()) return false;
+        next_ = found + 1;
         value = found->value;
         return true;
     }
@@ -65,11 +68,11 @@ public:
         std::string_view value;
         return find(attribute, value) ? narrowFromUtf8(value) : std::string();
     }
-    int line() const override { return 0; }
-    int column() const override { return 0; }
 
 private:
     const PlainScanner& scanner_;
+    // After the attribute that was found last.
+    mutable const PlainScanner::Attribute* next_;
 };
 
 }  // namespace
@@ -82,7 +85,8 @@ EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssem
     const auto enter = [&](const QDomNode& node, int) {
         if (!node.isElement()) return;
         const QDomElement element = node.toElement();
-        builder.start(DomElementStart(element));
+        const QByteArray tag = element.tagName().toUtf8();
+        builder.start(DomElementStart(element, tag));
         if (!node.hasChildNodes()) builder.end();
     };
     walkDocument(document, enter, [&](const QDomNode& node, int) {
@@ -97,11 +101,10 @@ bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvA
     const auto maxComponents = static_cast<std::size_t>(device.size() / minComponentSize);
     AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);
     PlainScanner scanner(device, static_cast<std::size_t>(maxNesting));
-    const PlainElementStart element(scanner);
     for (;;) {
         switch (scanner.next()) {
             case PlainScanner::Event::elementStart:
-                builder.start(element);
+                builder.start(PlainElementStart(scanner));
                 break;
             case PlainScanner::Event::elementEnd:
                 builder.end();

@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/assembly_names.h>
 #include <trvfiles/assembly/assembly_writer.h>
+#include <trvfiles/assembly/block_writer.h>
 #include <trvfiles/assembly/component_body.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/assembly/number_writing.h>
@@ -19,9 +20,8 @@
 namespace trv {
 namespace {
 
-constexpr int formatVersion = 1;
+constexpr std::size_t formatVersion = 1;
 constexpr std::size_t indentation = 3;
-constexpr std::size_t blockSize = 65536;
 
 // A component on level n, the root's being 1, opens 2n elements, and its "Data" and "File" two
 // more.
@@ -125,28 +125,27 @@ const char* escapeOf(char character, bool followsBrackets) {
 
 class Writer {
 public:
-    explicit Writer(const std::function<bool(std::string_view)>& write) : write_(write) {
-        text_.reserve(2 * blockSize);
-    }
+    explicit Writer(BlockWriter& out) : out_(out) {}
 
     bool write(const CTrvAssemblyData& data) {
         // The two blanks at the end are part of the format.
-        text_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"  ?>\n";
+        out_.append("<?xml version=\"1.0\" encoding=\"UTF-8\"  ?>\n");
         open(0, names::root);
-        appendAttribute(names::version, std::to_string(formatVersion));
-        text_ += ">\n";
+        appendCount(names::version, formatVersion);
+        out_.append(">\n");
         writeAttributes(data);
-        const bool isWritten = walk(
+        walk(
             ComponentBody::of(data.getRootComponent()),
             [this](const ComponentBody& component, std::size_t level) {
-                return startComponent(component, 2 * level - 1);
+                startComponent(component, 2 * level - 1);
+                return !out_.hasFailed();
             },
             [this](const ComponentBody&, std::size_t level) {
-                return endComponent(2 * level - 1);
+                endComponent(2 * level - 1);
+                return !out_.hasFailed();
             });
-        if (!isWritten) return false;
         close(0, names::root);
-        return text_.empty() || write_(text_);
+        return out_.finish();
     }
 
 private:
@@ -158,12 +157,12 @@ private:
         close(1, names::attributes);
     }
 
-    bool startComponent(const ComponentBody& component, std::size_t depth) {
+    void startComponent(const ComponentBody& component, std::size_t depth) {
         open(depth, names::component);
-        appendAttribute(names::name, component.name);
-        appendAttribute(names::comment, component.comment);
-        appendAttribute(names::enabled, component.enabled ? "1" : "0");
-        text_ += ">\n";
+        appendText(names::name, component.name);
+        appendText(names::comment, component.comment);
+        appendCount(names::enabled, component.enabled ? 1 : 0);
+        out_.append(">\n");
         appendVector(depth + 1, names::translation, component.translation);
         openParent(depth + 1, names::orientation);
         appendVector(depth + 2, names::vec1, component.vec1);
@@ -173,72 +172,79 @@ private:
 
         const bool hasFile = !isEmptyText(component.geometryFileName);
         open(depth + 1, names::data);
-        appendAttribute(names::number, std::to_string(hasFile ? 1 : component.components.size()));
-        text_ += ">\n";
-        if (hasFile) {
-            open(depth + 2, names::file);
-            appendAttribute(names::name, component.geometryFileName);
-            text_ += "/>\n";
-        }
-        return passBlock();
+        appendCount(names::number, hasFile ? 1 : component.components.size());
+        out_.append(">\n");
+        if (!hasFile) return;
+        open(depth + 2, names::file);
+        appendText(names::name, component.geometryFileName);
+        out_.append("/>\n");
     }
 
-    bool endComponent(std::size_t depth) {
+    void endComponent(std::size_t depth) {
         close(depth + 1, names::data);
         close(depth, names::component);
-        return passBlock();
     }
 
-    bool passBlock() {
-        if (text_.size() < blockSize) return true;
-        const bool isWritten = write_(text_);
-        text_.clear();
-        return isWritten;
+    template <std::size_t size>
+    void open(std::size_t depth, const char (&tag)[size]) {
+        out_.indent(depth * indentation);
+        out_.append("<");
+        out_.append(tag);
     }
 
-    void open(std::size_t depth, const char* tag) {
-        text_.append(depth * indentation, ' ');
-        text_ += '<';
-        text_ += tag;
-    }
-
-    void openParent(std::size_t depth, const char* tag) {
+    template <std::size_t size>
+    void openParent(std::size_t depth, const char (&tag)[size]) {
         open(depth, tag);
-        text_ += ">\n";
+        out_.append(">\n");
     }
 
-    void close(std::size_t depth, const char* tag) {
-        text_.append(depth * indentation, ' ');
-        text_ += "</";
-        text_ += tag;
-        text_ += ">\n";
+    template <std::size_t size>
+    void close(std::size_t depth, const char (&tag)[size]) {
+        out_.indent(depth * indentation);
+        out_.append("</");
+        out_.append(tag);
+        out_.append(">\n");
     }
 
-    void appendVector(std::size_t depth, const char* tag, const double vector[3]) {
+    template <std::size_t size>
+    void appendVector(std::size_t depth, const char (&tag)[size], const double vector[3]) {
         open(depth, tag);
-        const char* const coordinates[] = {names::x, names::y, names::z};
-        for (int i = 0; i < 3; ++i) {
-            beginAttribute(coordinates[i]);
-            appendNumber(text_, vector[i]);
-            text_ += '"';
-        }
-        text_ += "/>\n";
+        appendNumber(names::x, vector[0]);
+        appendNumber(names::y, vector[1]);
+        appendNumber(names::z, vector[2]);
+        out_.append("/>\n");
     }
 
-    void beginAttribute(const char* name) {
-        text_ += ' ';
-        text_ += name;
-        text_ += "=\"";
+    template <std::size_t size>
+    void beginAttribute(const char (&name)[size]) {
+        out_.append(" ");
+        out_.append(name);
+        out_.append("=\"");
     }
 
-    void appendAttribute(const char* name, const std::string& narrow) {
+    template <std::size_t size>
+    void appendNumber(const char (&name)[size], double value) {
+        beginAttribute(name);
+        out_.advance(writeNumber(out_.room(maxNumberLength), value));
+        out_.append("\"");
+    }
+
+    template <std::size_t size>
+    void appendCount(const char (&name)[size], std::size_t count) {
+        beginAttribute(name);
+        out_.append(std::to_string(count));
+        out_.append("\"");
+    }
+
+    template <std::size_t size>
+    void appendText(const char (&name)[size], const std::string& narrow) {
         beginAttribute(name);
         if (isPlainText(narrow)) {
             appendEscaped(narrow.c_str());
         } else {
             appendEscaped(fromNarrow(narrow).toUtf8().constData());
         }
-        text_ += '"';
+        out_.append("\"");
     }
 
     void appendEscaped(const char* utf8) {
@@ -248,15 +254,18 @@ private:
             const char* const escaped =
                 escapeOf(*at, at - utf8 >= 2 && at[-1] == ']' && at[-2] == ']');
             if (escaped == nullptr) continue;
-            text_.append(run, at);
-            text_ += escaped;
+            appendBetween(run, at);
+            out_.append(std::string_view(escaped));
             run = at + 1;
         }
-        text_.append(run, at);
+        appendBetween(run, at);
     }
 
-    const std::function<bool(std::string_view)>& write_;
-    std::string text_;
+    void appendBetween(const char* begin, const char* end) {
+        out_.append(std::string_view(begin, static_cast<std::size_t>(end - begin)));
+    }
+
+    BlockWriter& out_;
 };
 
 }  // namespace
@@ -270,9 +279,8 @@ bool isWritable(const CTrvAssemblyData& data, CFileFault* fault) {
         [](const ComponentBody&, std::size_t) { return true; });
 }
 
-bool writeAssembly(const CTrvAssemblyData& data,
-                   const std::function<bool(std::string_view)>& write) {
-    return Writer(write).write(data);
+bool writeAssembly(const CTrvAssemblyData& data, BlockWriter& out) {
+    return Writer(out).write(data);
 }
 
 }  // namespace trv

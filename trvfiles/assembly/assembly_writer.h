@@ -6,29 +6,25 @@
 /// The text is that of QDomDocument::toString(3) for the same elements, with the attributes in the
 /// order of the format.
 
-#include <functional>
-#include <string_view>
-
 class CTrvAssemblyData;
 struct CFileFault;
 
 namespace trv {
 
+class BlockWriter;
+
 /// Whether a file with this record can be read back.
 ///
 /// @param fault  takes the reason if not
 /// @return false if a component has neither a geometry file nor children, if the document would
-/// nest
-///         more than maxNesting elements, or if a text contains U+FFFE or U+FFFF
+///         nest more than maxNesting elements, or if a text contains U+FFFE or U+FFFF
 bool isWritable(const CTrvAssemblyData& data, CFileFault* fault = nullptr);
 
-/// Writes the bytes of a file in blocks of some 64 KiB.
+/// Writes the bytes of a file.
 ///
 /// REQUIRES: isWritable().
 ///
-/// @param write  takes a block, and returns whether it has written all of it
 /// @return whether all blocks are written; no other one follows one that is not
-bool writeAssembly(const CTrvAssemblyData& data,
-                   const std::function<bool(std::string_view)>& write);
+bool writeAssembly(const CTrvAssemblyData& data, BlockWriter& out);
 
 }  // namespace trv

@@ -14,6 +14,9 @@ constexpr std::size_t blockSize = 65536;
 // A tag or a comment that is longer makes a document unusual.
 constexpr std::size_t maxBufferSize = 16 * blockSize;
 
+// How many bytes from the last one on may be compared at once.
+constexpr std::size_t readAhead = 8;
+
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 enum CharacterClass : unsigned char {
@@ -58,6 +61,20 @@ Pointer skip(Pointer from, CharacterClass skipped) {
     return from;
 }
 
+// Most white space is the indentation of a line, so blanks are compared eight and four at a time.
+// The bytes after the zero byte that ends the loop are in the buffer, but have no meaning.
+const char* skipWhite(const char* from) {
+    constexpr char blanks[] = "        ";
+    static_assert(sizeof blanks - 1 == readAhead);
+    while (is(*from, whiteSpace)) {
+        ++from;
+        while (std::memcmp(from, blanks, readAhead) == 0)
+            from += readAhead;
+        if (std::memcmp(from, blanks, readAhead / 2) == 0) from += readAhead / 2;
+    }
+    return from;
+}
+
 template <class Pointer>
 Pointer skipUntil(Pointer from, CharacterClass stop) {
     while (!is(*from, stop))
@@ -65,24 +82,31 @@ Pointer skipUntil(Pointer from, CharacterClass stop) {
     return from;
 }
 
+std::size_t size(qint64 count) {
+    return static_cast<std::size_t>(std::max(count, qint64{0}));
+}
+
 }  // namespace
 
 PlainScanner::PlainScanner(QIODevice& device, std::size_t maxOpenElements)
     : device_(device),
       maxOpenElements_(maxOpenElements),
-      buffer_(blockSize + 1),
+      unreadInDevice_(device.size() - device.pos()),
+      buffer_(std::min(blockSize, size(unreadInDevice_)) + readAhead),
       cursor_(buffer_.data()),
       end_(buffer_.data()) {}
 
-// Reads the next bytes after those that are unread, which move to the front of the buffer.
+// Reads the next bytes after those that are unread, which move to the front of the buffer. The end
+// of the device is known by its size: QFile seeks and reads once more to find out that there is
+// nothing.
 //
 // @return false at the end of the document, and if the unread bytes fill the largest buffer
 bool PlainScanner::more() {
     if (isAtEnd_) return false;
     const auto unread = static_cast<std::size_t>(end_ - cursor_);
-    if (unread + 1 == buffer_.size()) {
+    if (unread + readAhead == buffer_.size()) {
         if (unread >= maxBufferSize) return false;
-        std::vector<char> larger(2 * unread + 1);
+        std::vector<char> larger(2 * unread + readAhead);
         std::memcpy(larger.data(), cursor_, unread);
         buffer_.swap(larger);
     } else {
@@ -90,12 +114,13 @@ bool PlainScanner::more() {
     }
     cursor_ = buffer_.data();
     char* const room = buffer_.data() + unread;
-    const auto size = static_cast<qint64>(buffer_.size() - 1 - unread);
-    const qint64 count = device_.read(room, size);
-    isAtEnd_ = count <= 0;
-    end_ = room + (isAtEnd_ ? 0 : count);
+    const auto free = static_cast<qint64>(buffer_.size() - readAhead - unread);
+    const qint64 count = std::max(device_.read(room, std::min(free, unreadInDevice_)), qint64{0});
+    unreadInDevice_ -= count;
+    isAtEnd_ = count == 0 || unreadInDevice_ == 0;
+    end_ = room + count;
     *end_ = '\0';
-    return !isAtEnd_;
+    return count > 0;
 }
 
 template <class Work>
@@ -111,7 +136,7 @@ PlainScanner::Step PlainScanner::complete(Work work) {
 // @return whether there is a character after the white space
 bool PlainScanner::skipWhiteSpace() {
     do {
-        cursor_ = skip(cursor_, whiteSpace);
+        cursor_ = skipWhite(cursor_);
     } while (cursor_ == end_ && more());
     return cursor_ != end_;
 }
@@ -199,6 +224,46 @@ PlainScanner::Step PlainScanner::comment() {
     }
 }
 
+// @param at  on the quote that begins the value, and on the one that ends it afterwards
+inline PlainScanner::Step PlainScanner::value(const char*& at, bool& hasReference) {
+    const char quote = *at++;
+    for (;;) {
+        at = skipUntil(at, valueEnd);
+        if (*at == quote) return Step::done;
+        if (*at == '"' || *at == '\'') {
+            ++at;
+        } else if (*at == '&') {
+            hasReference = true;
+            ++at;
+        } else if (at == end_) {
+            return Step::incomplete;
+        } else {
+            const int length = utf8CharacterLength(at);
+            if (length == 0) return end_ - at < 4 && !isAtEnd_ ? Step::incomplete : Step::unusual;
+            at += length;
+        }
+    }
+}
+
+inline PlainScanner::Step PlainScanner::attribute(const char*& at) {
+    if (!is(*at, nameStart) || attributeCount_ == maxAttributes) return Step::unusual;
+    const char* const nameEnd = skip(at, nameRest);
+    if (end_ - nameEnd < 2) return Step::incomplete;
+    if (nameEnd[0] != '=' || (nameEnd[1] != '"' && nameEnd[1] != '\'')) return Step::unusual;
+    Attribute& attribute = attributes_[attributeCount_];
+    attribute.name = {at, static_cast<std::size_t>(nameEnd - at)};
+    const char* const open = nameEnd + 1;
+    at = open;
+    bool hasReference = false;
+    const Step step = value(at, hasReference);
+    if (step != Step::done) return step;
+    attribute.value = {open + 1, static_cast<std::size_t>(at - open - 1)};
+    if (hasReference) withReferences_ |= 1U << attributeCount_;
+    ++attributeCount_;
+    ++at;
+    return Step::done;
+}
+
 PlainScanner::Step PlainScanner::startTag() {
     attributeCount_ = 0;
     withReferences_ = 0;
@@ -223,53 +288,13 @@ PlainScanner::Step PlainScanner::startTag() {
     }
 }
 
-PlainScanner::Step PlainScanner::attribute(const char*& at) {
-    if (!is(*at, nameStart) || attributeCount_ == maxAttributes) return Step::unusual;
-    const char* const nameEnd = skip(at, nameRest);
-    if (end_ - nameEnd < 2) return Step::incomplete;
-    if (nameEnd[0] != '=' || (nameEnd[1] != '"' && nameEnd[1] != '\'')) return Step::unusual;
-    Attribute& attribute = attributes_[attributeCount_];
-    attribute.name = {at, static_cast<std::size_t>(nameEnd - at)};
-    const char* const open = nameEnd + 1;
-    at = open;
-    bool hasReference = false;
-    const Step step = value(at, hasReference);
-    if (step != Step::done) return step;
-    attribute.value = {open + 1, static_cast<std::size_t>(at - open - 1)};
-    if (hasReference) withReferences_ |= 1U << attributeCount_;
-    ++attributeCount_;
-    ++at;
-    return Step::done;
-}
-
-// @param at  on the quote that begins the value, and on the one that ends it afterwards
-PlainScanner::Step PlainScanner::value(const char*& at, bool& hasReference) {
-    const char quote = *at++;
-    for (;;) {
-        at = skipUntil(at, valueEnd);
-        if (*at == quote) return Step::done;
-        if (*at == '"' || *at == '\'') {
-            ++at;
-        } else if (*at == '&') {
-            hasReference = true;
-            ++at;
-        } else if (at == end_) {
-            return Step::incomplete;
-        } else {
-            const int length = utf8CharacterLength(at);
-            if (length == 0) return end_ - at < 4 && !isAtEnd_ ? Step::incomplete : Step::unusual;
-            at += length;
-        }
-    }
-}
-
 PlainScanner::Step PlainScanner::endTag() {
     if (openStarts_.empty()) return Step::unusual;
     const std::string_view open = std::string_view(openNames_).substr(openStarts_.back());
     const auto unread = static_cast<std::size_t>(end_ - cursor_);
     if (unread < 2 + open.size() + 1) return Step::incomplete;
     const char* const nameBegin = cursor_ + 2;
-    if (std::string_view(nameBegin, open.size()) != open) return Step::unusual;
+    if (!areSame({nameBegin, open.size()}, open)) return Step::unusual;
     const char* const at = skip(nameBegin + open.size(), whiteSpace);
     if (at == end_) return Step::incomplete;
     if (*at != '>') return Step::unusual;
@@ -295,7 +320,7 @@ bool PlainScanner::resolveValues() {
 bool PlainScanner::hasUniqueAttributes() const {
     for (const Attribute* one = begin(); one != end(); ++one) {
         for (const Attribute* other = begin(); other != one; ++other) {
-            if (one->name == other->name) return false;
+            if (areSame(one->name, other->name)) return false;
         }
     }
     return true;
