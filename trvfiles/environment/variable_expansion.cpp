@@ -110,18 +110,6 @@ std::string origin_of(char marker, const char* name, const char* value) {
     return origin;
 }
 
-// @param found  the value as the lookup returned it: its address identifies its origin
-// @param value  a copy of it
-[[gnu::cold]] void report_lookup(char marker, const std::string& name, const char* found,
-                                 const std::string& value) {
-    if (found == nullptr) {
-        current_observer().looked_up({marker, name, nullptr, {}});
-    } else {
-        current_observer().looked_up(
-            {marker, name, &value, origin_of(marker, name.c_str(), found)});
-    }
-}
-
 // One expansion. Iterative: the texts around the current one are on a stack in `nesting_`, so their
 // depth is limited by max_length and not by the stack of the thread. Each text on it has a
 // reference of its own, and no reference is open twice: so every chain of values ends.
@@ -142,6 +130,7 @@ private:
 
     int step();
     int replace(char marker);
+    [[gnu::cold]] const char* report_lookup(char marker, const char* found);
     bool is_open(char marker) const {
         return nesting_ != nullptr && nesting_->references.count(marker + name_) != 0;
     }
@@ -162,6 +151,8 @@ private:
     std::unique_ptr<nesting> nesting_;
     bool is_closed_ = false;
     observation observed_;
+    // The value of the last lookup that was reported.
+    std::string reported_value_;
     std::size_t replacements_ = 0;
     growing_result result_;
 };
@@ -221,16 +212,10 @@ int expander::replace(char marker) {
     // as "A = $B$B" over an empty value has 2^n references and no length.
     if (++replacements_ > max_replacements || is_open(marker)) return EXP_NAME_TOO_LONG;
 
-    const char* found =
+    const char* value =
         marker == variable_marker ? find_variable(name_) : get_path_variable(name_.c_str());
-    const char* value = found;
-    std::string kept;
-    if (observed_.is_on(hook_calls())) {
-        // What was found is valid until the next lookup only, and the observer may look up.
-        if (found != nullptr) value = (kept = found).c_str();
-        report_lookup(marker, name_, found, kept);
-    }
-    if (found == nullptr) {
+    if (observed_.is_on(hook_calls())) value = report_lookup(marker, value);
+    if (value == nullptr) {
         result_.add(null_value(name_.c_str()));
         return EXP_UNDEFINED;
     }
@@ -239,6 +224,20 @@ int expander::replace(char marker) {
     if (*rest == '\0') return EXP_OK;
     open(marker + name_, value, static_cast<std::size_t>(rest - value));
     return nesting_->open_length > max_length ? EXP_NAME_TOO_LONG : EXP_OK;
+}
+
+// @param found  the value as the lookup returned it: its address identifies its origin
+// @return the value, in memory that stays valid: what was found is valid until the next lookup
+//         only, and the observer may look up
+const char* expander::report_lookup(char marker, const char* found) {
+    if (found == nullptr) {
+        current_observer().looked_up({marker, name_, nullptr, {}});
+        return nullptr;
+    }
+    reported_value_ = found;
+    current_observer().looked_up(
+        {marker, name_, &reported_value_, origin_of(marker, name_.c_str(), found)});
+    return reported_value_.c_str();
 }
 
 // The open values are bounded together like the result. Otherwise a deep chain of long values would
