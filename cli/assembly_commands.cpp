@@ -59,6 +59,7 @@ CommandGroup assemblyCommands() {
         "Prints a line for each component: its name, its geometry file, its placement in\n"
         "its parent's frame, its comment. Axes are printed if they are not those of the\n"
         "parent.\n");
+    showTree.examples += QStringLiteral("trvfiles assembly tree bracket.xml");
     showTree.run = tree;
 
     Command listFiles;
@@ -68,6 +69,8 @@ CommandGroup assemblyCommands() {
     listFiles.details = QStringLiteral(
         "Prints a line for each placed file: its name, its translation and its three axis\n"
         "vectors in the assembly's frame. Disabled components are left out.\n");
+    listFiles.examples += QStringLiteral("trvfiles assembly list bracket.xml");
+    listFiles.examples += QStringLiteral("trvfiles assembly list --csv bracket.xml");
     listFiles.options = {
         jsonOption(),
         QCommandLineOption(QStringLiteral("csv"),
@@ -81,6 +84,7 @@ CommandGroup assemblyCommands() {
     compare.details = QStringLiteral(
         "Prints a line for each difference beyond the tolerances. Differences in vec3 are\n"
         "noted and do not count. Exit status: 0 equal, 1 different, 2 an error.\n");
+    compare.examples += QStringLiteral("trvfiles assembly diff bracket.xml bracket-rev-b.xml");
     compare.minFiles = 2;
     compare.maxFiles = 2;
     compare.run = diff;

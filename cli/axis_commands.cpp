@@ -165,6 +165,7 @@ CommandGroup axisCommands() {
     showAxis.details = QStringLiteral(
         "Prints the matrix that a program reads from the file, its inverse, and the kind\n"
         "of the placement.\n");
+    showAxis.examples += QStringLiteral("trvfiles axis show table-a30.dat");
     showAxis.options = {jsonOption()};
     showAxis.run = show;
 
@@ -175,6 +176,7 @@ CommandGroup axisCommands() {
     invertAxis.details = QStringLiteral(
         "Reading OUT gives the inverse of what reading IN gives. The tags are kept. OUT\n"
         "is overwritten; it may be IN.\n");
+    invertAxis.examples += QStringLiteral("trvfiles axis invert table-a30.dat back-a30.dat");
     invertAxis.minFiles = 2;
     invertAxis.maxFiles = 2;
     invertAxis.run = invert;
@@ -186,6 +188,9 @@ CommandGroup axisCommands() {
     writeAxisFile.details = QStringLiteral(
         "Without options the file contains the identity and no tags. Numbers have a \".\"\n"
         "and are rounded to six decimals. FILE is overwritten.\n");
+    writeAxisFile.examples += QStringLiteral("trvfiles axis write --translate 100,0,30 right.dat");
+    writeAxisFile.examples +=
+        QStringLiteral("trvfiles axis write --vec1 0,1,0 --vec2=-1,0,0 --vec3 0,0,1 turned.dat");
     writeAxisFile.options = {numbersOption("translate", "The translation"),
                              numbersOption("vec1", "The image of the x axis"),
                              numbersOption("vec2", "The image of the y axis"),

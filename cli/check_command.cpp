@@ -82,6 +82,8 @@ CommandGroup checkCommand() {
     command.details = QStringLiteral(
         "Prints a line for each file. Exit status: 0 all files can be read, 1 a file\n"
         "cannot be read, 2 an error.\n");
+    command.examples +=
+        QStringLiteral("trvfiles check bracket.xml bracket-left.mctx table-a30.dat");
     command.maxFiles = Command::anyNumber;
     command.run = check;
     return {command};

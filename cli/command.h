@@ -7,6 +7,7 @@
 #include <QCommandLineParser>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <limits>
 #include <ostream>
@@ -43,6 +44,9 @@ struct Command {
     /// The lines of the help after the summary, each with its line end. A line has at most 80
     /// columns.
     QString details;
+    /// Calls for the help, each in a line of at most 78 columns. They work in the project directory
+    /// of the sample.
+    QStringList examples;
     QList<QCommandLineOption> options;
     /// The name of one argument in messages.
     QString operand = QStringLiteral("file name");
@@ -54,13 +58,15 @@ struct Command {
 
 using CommandGroup = std::vector<Command>;
 
-// One function for each file of subcommands; dispatch.cpp lists them.
+// One function for each file of subcommands; command_table.cpp lists them.
 CommandGroup showCommand();
 CommandGroup checkCommand();
 CommandGroup assemblyCommands();
 CommandGroup axisCommands();
 CommandGroup contextCommands();
 CommandGroup envCommands();
+CommandGroup helpCommand();
+CommandGroup completionCommand();
 
 /// Prints why a call is rejected, and the call that prints the help.
 ///
@@ -71,5 +77,11 @@ ExitStatus refuseCall(const Console& console, const QString& command, const QStr
 
 /// The option "--json", the same for every command.
 QCommandLineOption jsonOption();
+
+/// The option "--help", which every command has.
+QCommandLineOption helpOption();
+
+/// The names of an option as they are typed: "-h", "--help".
+QStringList typedNames(const QCommandLineOption& option);
 
 }  // namespace trv::cli

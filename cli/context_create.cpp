@@ -207,6 +207,9 @@ Command contextCreateCommand() {
         "With --position it creates the default context of a machine position, and DIR\n"
         "gets a transfo.dat if it has none. With --machine it creates a context for a\n"
         "machine and overwrites nothing. Prints the paths of the two files.\n");
+    command.examples += QStringLiteral("trvfiles context create --position 2 .");
+    command.examples +=
+        QStringLiteral("trvfiles context create --machine pallet-mill.mac --axis right-vise.ref .");
     command.options = {
         QCommandLineOption(QStringLiteral("position"),
                            QStringLiteral("The machine position, at least 1"), QStringLiteral("N")),

@@ -113,6 +113,8 @@ Command contextListCommand() {
         "Prints the path of each context below DIR that has the name of its directory.\n"
         "Without DIR it searches the favourite directory of the installation:\n"
         "TRV_MCTX_DEF, or else $TRVHOME\\standard\\machine_context.\n");
+    command.examples += QStringLiteral("trvfiles context list .");
+    command.examples += QStringLiteral("trvfiles context list --json .");
     command.options = {rootOption(), jsonOption()};
     command.operand = QStringLiteral("directory");
     command.minFiles = 0;
@@ -129,6 +131,7 @@ Command contextDefaultCommand() {
         "Among the files, or the context files in DIR, this is the one with the highest\n"
         "machine position in its name, for example [MACHINE_POSITION_2].mctx. Exit\n"
         "status: 0 there is one, 1 there is none, 2 an error.\n");
+    command.examples += QStringLiteral("trvfiles context default .");
     command.options = {jsonOption()};
     command.maxFiles = Command::anyNumber;
     command.run = choose;

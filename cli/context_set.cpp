@@ -126,6 +126,8 @@ Command contextSetCommand() {
             "Prints the new values as they are in the file. Rejects a value that the file\n"
             "would not give back, and a file of which something would be lost. Fields:\n") +
         fields;
+    command.examples +=
+        QStringLiteral("trvfiles context set bracket-left.mctx machine.proximity=2.5");
     command.options = {
         QCommandLineOption(QStringLiteral("drop-unknown"),
                            QStringLiteral("Write the file without comments and unknown lines"))};

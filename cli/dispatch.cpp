@@ -1,4 +1,7 @@
+#include <cli/command_table.h>
 #include <cli/dispatch.h>
+#include <cli/help_text.h>
+#include <cli/suggestion.h>
 #include <cli/text_output.h>
 #include <trvfiles/version.h>
 
@@ -8,21 +11,6 @@
 
 namespace trv::cli {
 namespace {
-
-CommandGroup allCommands() {
-    CommandGroup commands;
-    for (const CommandGroup& group : {
-             showCommand(),
-             checkCommand(),
-             assemblyCommands(),
-             axisCommands(),
-             contextCommands(),
-             envCommands(),
-         }) {
-        commands.insert(commands.end(), group.begin(), group.end());
-    }
-    return commands;
-}
 
 void print(std::ostream& stream, const QString& text) {
     stream << qUtf8Printable(text);
@@ -36,68 +24,25 @@ bool asksForVersion(const QString& argument) {
     return argument == QLatin1String("--version") || argument == QLatin1String("-v");
 }
 
-// Whether the command's name starts with these words. Every name starts with no words.
-bool startsWith(const Command& command, const QStringList& words) {
-    return command.name.split(QLatin1Char(' ')).mid(0, words.size()) == words;
-}
-
-// Lines of two columns. The first column is as wide as its widest text.
-QString table(const QList<QPair<QString, QString>>& lines) {
-    int width = 0;
-    for (const auto& line : lines)
-        width = std::max(width, line.first.size());
-    QString text;
-    for (const auto& line : lines) {
-        text += QLatin1String("  ") % line.first.leftJustified(width) % QLatin1String("  ") %
-                line.second % QLatin1Char('\n');
-    }
-    return text;
-}
-
-// The commands whose names start with these words.
-QString overview(const CommandGroup& commands, const QStringList& words) {
-    QList<QPair<QString, QString>> lines;
-    for (const Command& command : commands) {
-        if (startsWith(command, words)) lines.append({command.name, command.summary});
-    }
-    QString usage = QStringLiteral("Usage: trvfiles ");
-    for (const QString& word : words)
-        usage += word % QLatin1Char(' ');
-    usage += QStringLiteral("COMMAND [ARGUMENT...]\n\n");
-    if (words.isEmpty()) {
-        usage += QStringLiteral(
-            "Shows, checks, compares and writes project files of a machining workstation.\n\n");
-    }
-    const QString closing = QStringLiteral(
-        "\n'trvfiles COMMAND --help' explains a command.\n"
-        "'trvfiles --version' prints the version.\n"
-        "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
-    return usage % QLatin1String("Commands:\n") % table(lines) % closing;
-}
-
-QCommandLineOption helpOption() {
-    return QCommandLineOption({QStringLiteral("h"), QStringLiteral("help")},
-                              QStringLiteral("Show this help"));
-}
-
-QString explanation(const Command& command) {
-    QList<QPair<QString, QString>> lines;
-    for (const QCommandLineOption& option : command.options + QList({helpOption()})) {
-        QStringList names;
-        for (const QString& name : option.names())
-            names += (name.size() == 1 ? QLatin1String("-") : QLatin1String("--")) % name;
-        const QString value =
-            option.valueName().isEmpty() ? QString() : QLatin1Char(' ') % option.valueName();
-        lines.append({names.join(QLatin1String(", ")) % value, option.description()});
-    }
-    return QStringLiteral("Usage: trvfiles %1 %2\n\n%3.\n%4\nOptions:\n%5")
-        .arg(command.name, command.arguments, command.summary, command.details, table(lines));
+QString unknownOption(const QString& name, const QStringList& known) {
+    return QStringLiteral("unknown option '%1'%2").arg(name, suggestionFor(name, known));
 }
 
 // Qt's sentence in the form of the command's own reasons: without the capital and the full stop.
 QString asReason(QString sentence) {
     if (sentence.endsWith(QLatin1Char('.'))) sentence.chop(1);
     return sentence.left(1).toLower() % sentence.mid(1);
+}
+
+// Why the parser rejects a call.
+QString mistakeOf(const Command& command, const QCommandLineParser& parser) {
+    if (parser.unknownOptionNames().isEmpty()) return asReason(parser.errorText());
+    QStringList known = typedNames(helpOption());
+    for (const QCommandLineOption& option : command.options)
+        known += typedNames(option);
+    const QString name = parser.unknownOptionNames().constFirst();
+    return unknownOption((name.size() == 1 ? QLatin1String("-") : QLatin1String("--")) % name,
+                         known);
 }
 
 ExitStatus runCommand(const Command& command, const QStringList& arguments,
@@ -111,7 +56,7 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments,
         print(console.out, explanation(command));
         return done;
     }
-    if (!understood) return refuseCall(console, command.name, asReason(parser.errorText()));
+    if (!understood) return refuseCall(console, command.name, mistakeOf(command, parser));
 
     const QStringList operands = parser.positionalArguments();
     if (operands.size() < command.minFiles) {
@@ -135,12 +80,12 @@ ExitStatus refuseCall(const Console& console, const QString& command, const QStr
     return failed;
 }
 
-QCommandLineOption jsonOption() {
-    return QCommandLineOption(QStringLiteral("json"), QStringLiteral("Print JSON"));
-}
-
 ExitStatus run(const QStringList& arguments, const Console& console) {
     const CommandGroup commands = allCommands();
+    if (arguments.isEmpty()) {
+        print(console.out, overview(commands, {}));
+        return done;
+    }
     QStringList words;
     for (const QString& argument : arguments) {
         if (asksForHelp(argument)) {
@@ -153,14 +98,19 @@ ExitStatus run(const QStringList& arguments, const Console& console) {
         }
         const QString group = words.join(QLatin1Char(' '));
         if (argument.size() > 1 && argument.startsWith(QLatin1Char('-'))) {
-            return refuseCall(console, group, QStringLiteral("unknown option '%1'").arg(argument));
+            QStringList known = {QStringLiteral("--help")};
+            if (words.isEmpty()) known += QStringLiteral("--version");
+            return refuseCall(console, group, unknownOption(argument, known));
         }
+        const QStringList next = nextWords(commands, words);
         words += argument;
         const auto command =
             std::find_if(commands.begin(), commands.end(),
                          [&](const Command& candidate) { return startsWith(candidate, words); });
         if (command == commands.end()) {
-            return refuseCall(console, group, QStringLiteral("unknown command '%1'").arg(argument));
+            return refuseCall(console, group,
+                              QStringLiteral("unknown command '%1'%2")
+                                  .arg(argument, suggestionFor(argument, next)));
         }
         if (command->name == words.join(QLatin1Char(' '))) {
             return runCommand(*command, arguments.mid(words.size()), console);

@@ -73,6 +73,7 @@ Command envCheckCommand() {
         "Prints a line for each fault, or a summary of a file without faults. Conditions\n"
         "in the files are evaluated for the installation. Exit status: 0 no file has\n"
         "faults, 1 a file has faults, 2 an error.\n");
+    command.examples += QStringLiteral("trvfiles env check ../installation/site/environ.cfg");
     command.options = {rootOption()};
     command.maxFiles = Command::anyNumber;
     command.run = check;

@@ -128,6 +128,7 @@ Command envExpandCommand() {
         "Prints a line for each text. In a shell, write a text with \"$\" or \"?\" in single\n"
         "quotes. Without --path separators do not change. Exit status: 0 done, 1 a\n"
         "reference is not defined, 2 an error.\n");
+    command.examples += QStringLiteral("trvfiles env expand '$TRVHOME/site'");
     command.options = {
         rootOption(), QCommandLineOption(QStringLiteral("path"),
                                          QStringLiteral("Make each run of separators one \"\\\""))};
@@ -146,6 +147,7 @@ Command envFindCommand() {
         "Prints a line for each directory that is tried, and then the path that is found,\n"
         "with the separators of the system. Exit status: 0 found, 1 not found, 2 an\n"
         "error.\n");
+    command.examples += QStringLiteral("trvfiles env find '?CFG\\shop.cfg'");
     command.options = {rootOption()};
     command.operand = QStringLiteral("name");
     command.run = find;

@@ -186,6 +186,7 @@ Command envExplainCommand() {
         "replacement of each reference. If there are many definitions, it prints the\n"
         "first and the last ones. \"?NAME\" explains a path list; write it in quotes in a\n"
         "shell. Exit status: 0 the name is defined, 1 it is not, 2 an error.\n");
+    command.examples += QStringLiteral("trvfiles env explain POST_OPTIONS");
     command.options = {
         rootOption(),
         QCommandLineOption(QStringLiteral("all"), QStringLiteral("Print every definition in full")),

@@ -76,6 +76,7 @@ Command envListCommand() {
         "Prints a line for each variable, with the value that a program gets. If this is\n"
         "the value of the process environment, which has precedence over the files, the\n"
         "line says so. TMP is left out, because its lookup would create a directory.\n");
+    command.examples += QStringLiteral("trvfiles env list --origin");
     command.options = {rootOption(),
                        QCommandLineOption(QStringLiteral("origin"),
                                           QStringLiteral("Print the origin of each value")),

@@ -103,6 +103,8 @@ Command envMessagesCommand() {
         "Prints the sections with their messages. Each message has its line in the file\n"
         "and its number in the section. Conditions in the file are evaluated for the\n"
         "installation. Exit status: 0 done, 1 the section is missing, 2 an error.\n");
+    command.examples +=
+        QStringLiteral("trvfiles env messages ../installation/texts/messages.msg vise");
     command.options = {rootOption(), jsonOption()};
     command.maxFiles = 2;
     command.run = messages;

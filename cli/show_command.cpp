@@ -70,6 +70,8 @@ CommandGroup showCommand() {
     command.arguments = QStringLiteral("[--json] FILE");
     command.summary = QStringLiteral("Show an assembly, an axis file or a machine context");
     command.details = QStringLiteral("The content of the file decides its kind.\n");
+    command.examples += QStringLiteral("trvfiles show bracket.xml");
+    command.examples += QStringLiteral("trvfiles show --json bracket-left.mctx");
     command.options = {jsonOption()};
     command.run = show;
     return {command};

@@ -1,5 +1,6 @@
 // Runs the examples of docs/command.md.
 
+#include <cli/command_table.h>
 #include <tests/cli/env_sample.h>
 #include <tests/cli/process.h>
 #include <tests/common/file_bytes.h>
@@ -60,22 +61,42 @@ std::string comparable(const std::string& text) {
     return replaced(replaced(text, "\\\\", "/"), "\\", "/");
 }
 
-TEST(CommandPage, ShowsWhatTheCommandPrints) {
-    const TemporaryDirectory directory;
-    std::filesystem::copy(TRV_SAMPLE_PROJECT, directory.path(),
-                          std::filesystem::copy_options::recursive);
-    const std::string installation = (directory / "installation").string();
+// The command in a copy of the sample project, with the installation of the sample.
+class CommandPage : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::copy(TRV_SAMPLE_PROJECT, directory_.path(),
+                              std::filesystem::copy_options::recursive);
+        process_.setVariable("TRVHOME", installation_.c_str());
+        process_.setVariable("TRV_MCTX_DEF", nullptr);
+    }
 
+    const TemporaryDirectory directory_;
+    const std::string installation_ = (directory_ / "installation").string();
+    Process process_{directory_ / "project"};
+};
+
+TEST_F(CommandPage, ShowsWhatTheCommandPrints) {
     const std::vector<Example> examples = examplesOf(TRV_COMMAND_PAGE);
     EXPECT_GT(examples.size(), 20U);
-    Process process(directory / "project");
-    process.setVariable("TRVHOME", installation.c_str());
-    process.setVariable("TRV_MCTX_DEF", nullptr);
     for (const Example& example : examples) {
-        ASSERT_GE(process.run(wordsOf(example.arguments)), 0);
-        const std::string output = replaced(process.out() + process.err(), "\r\n", "\n");
-        EXPECT_EQ(comparable(asAtOptShop(output, installation)), comparable(example.output))
+        ASSERT_GE(process_.run(wordsOf(example.arguments)), 0);
+        const std::string output = replaced(process_.out() + process_.err(), "\r\n", "\n");
+        EXPECT_EQ(comparable(asAtOptShop(output, installation_)), comparable(example.output))
             << example.arguments;
+    }
+}
+
+// The status is 1 where the example asks a question whose answer is no.
+TEST_F(CommandPage, TheExamplesOfTheHelpSucceed) {
+    const std::string program = "trvfiles ";
+    for (const cli::Command& command : cli::allCommands()) {
+        for (const QString& example : command.examples) {
+            const std::string call = example.toStdString();
+            ASSERT_EQ(call.substr(0, program.size()), program);
+            EXPECT_LE(process_.run(wordsOf(call.substr(program.size()))), 1) << call;
+            EXPECT_EQ(process_.err(), "") << call;
+        }
     }
 }
 

@@ -18,7 +18,7 @@ TEST(ContextCommands, AreOneGroup) {
               "  context create   Create a machine context and its reference axis file\n"
               "  context set      Change fields of a machine context\n"
               "\n"
-              "'trvfiles COMMAND --help' explains a command.\n"
+              "'trvfiles help COMMAND' explains a command, with examples.\n"
               "'trvfiles --version' prints the version.\n"
               "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
 }

@@ -335,7 +335,11 @@ TEST_F(ContextCreate, ExplainsItself) {
               "  --machine M   The machine\n"
               "  --axis F      The axis file in DIR to copy instead of transfo.dat\n"
               "  --name K      The context's name instead of M[AXIS]\n"
-              "  -h, --help    Show this help\n");
+              "  -h, --help    Show this help\n"
+              "\n"
+              "Examples:\n"
+              "  trvfiles context create --position 2 .\n"
+              "  trvfiles context create --machine pallet-mill.mac --axis right-vise.ref .\n");
     EXPECT_EQ(answerTo(words("context create --position 1")).err,
               "trvfiles context create: a directory is missing\n"
               "Try 'trvfiles context create --help'.\n");

@@ -318,7 +318,10 @@ TEST_F(ContextSet, ExplainsItself) {
               "\n"
               "Options:\n"
               "  --drop-unknown  Write the file without comments and unknown lines\n"
-              "  -h, --help      Show this help\n");
+              "  -h, --help      Show this help\n"
+              "\n"
+              "Examples:\n"
+              "  trvfiles context set bracket-left.mctx machine.proximity=2.5\n");
     EXPECT_EQ(answerTo(words("context set a.mctx")).err,
               "trvfiles context set: a file name or assignment is missing\n"
               "Try 'trvfiles context set --help'.\n");

@@ -1,3 +1,4 @@
+#include <cli/command_table.h>
 #include <tests/cli/answer.h>
 
 #include <gtest/gtest.h>
@@ -32,8 +33,10 @@ constexpr const char* overview =
     "  env find         Search for a file in the directories of a path list\n"
     "  env messages     Show a message file\n"
     "  env check        Check message and configuration files\n"
+    "  help             Explain a command\n"
+    "  completion       Print a script that completes calls in a shell\n"
     "\n"
-    "'trvfiles COMMAND --help' explains a command.\n"
+    "'trvfiles help COMMAND' explains a command, with examples.\n"
     "'trvfiles --version' prints the version.\n"
     "Exit status: 0 done, 1 a negative answer, 2 an error.\n";
 
@@ -46,8 +49,9 @@ std::size_t maxLineLength(const std::string& text) {
 }
 
 TEST(Dispatch, ExplainsTheWholeCommand) {
-    for (const char* option : {"--help", "-h"}) {
-        const Answer answer = answerTo(words(option));
+    for (const QStringList& arguments :
+         {QStringList(), words("--help"), words("-h"), words("help")}) {
+        const Answer answer = answerTo(arguments);
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.out, overview);
         EXPECT_LE(maxLineLength(answer.out), 80U);
@@ -57,6 +61,7 @@ TEST(Dispatch, ExplainsTheWholeCommand) {
 
 TEST(Dispatch, ExplainsAGroup) {
     const Answer answer = answerTo(words("axis --help"));
+    EXPECT_EQ(answerTo(words("help axis")).out, answer.out);
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.out,
               "Usage: trvfiles axis COMMAND [ARGUMENT...]\n"
@@ -66,7 +71,7 @@ TEST(Dispatch, ExplainsAGroup) {
               "  axis invert  Write the inverse of an axis file to another one\n"
               "  axis write   Write an axis file\n"
               "\n"
-              "'trvfiles COMMAND --help' explains a command.\n"
+              "'trvfiles help COMMAND' explains a command, with examples.\n"
               "'trvfiles --version' prints the version.\n"
               "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
 }
@@ -82,23 +87,25 @@ TEST(Dispatch, ExplainsOneCommand) {
         "Options:\n"
         "  --json      Print JSON\n"
         "  --csv       Print comma-separated values with a header line\n"
-        "  -h, --help  Show this help\n";
+        "  -h, --help  Show this help\n"
+        "\n"
+        "Examples:\n"
+        "  trvfiles assembly list bracket.xml\n"
+        "  trvfiles assembly list --csv bracket.xml\n";
     EXPECT_EQ(answerTo(words("assembly list --help")).out, text);
+    EXPECT_EQ(answerTo(words("help assembly list")).out, text);
     EXPECT_EQ(answerTo(words("assembly list -h a b c")).out, text);
     EXPECT_EQ(answerTo(words("assembly list --bad --help")).status, 0);
 }
 
 TEST(Dispatch, ExplainsEveryCommand) {
-    for (const char* command :
-         {"show", "check", "assembly tree", "assembly list", "assembly diff", "axis show",
-          "axis invert", "axis write", "context list", "context default", "context create",
-          "context set", "env list", "env explain", "env expand", "env find", "env messages",
-          "env check"}) {
-        const Answer answer = answerTo(words(command) + words("--help"));
+    for (const cli::Command& command : cli::allCommands()) {
+        const Answer answer = answerTo(cli::wordsOf(command) + words("--help"));
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.err, "");
-        EXPECT_EQ(answer.out.find("Usage: trvfiles " + std::string(command) + ' '), 0U);
+        EXPECT_EQ(answer.out.find("Usage: trvfiles " + command.name.toStdString() + ' '), 0U);
         EXPECT_NE(answer.out.find("\n\nOptions:\n"), std::string::npos);
+        EXPECT_NE(answer.out.find("\n\nExamples:\n"), std::string::npos);
         EXPECT_LE(maxLineLength(answer.out), 80U) << answer.out;
     }
 }
@@ -119,8 +126,7 @@ void expectRefusal(const QStringList& arguments, const std::string& text) {
     EXPECT_EQ(answer.err, text);
 }
 
-TEST(Dispatch, RequiresACommand) {
-    expectRefusal({}, "trvfiles: a command is missing\nTry 'trvfiles --help'.\n");
+TEST(Dispatch, RequiresACommandOfAGroup) {
     expectRefusal(words("axis"),
                   "trvfiles axis: a command is missing\nTry 'trvfiles axis --help'.\n");
 }
@@ -136,6 +142,27 @@ TEST(Dispatch, RejectsAnUnknownCommand) {
                   "trvfiles: unknown command 'a\\x0ab %1'\nTry 'trvfiles --help'.\n");
 }
 
+TEST(Dispatch, SuggestsWhatWasMeant) {
+    expectRefusal(words("shwo a"),
+                  "trvfiles: unknown command 'shwo'; did you mean 'show'?\n"
+                  "Try 'trvfiles --help'.\n");
+    expectRefusal(words("assembly lst"),
+                  "trvfiles assembly: unknown command 'lst'; did you mean 'list'?\n"
+                  "Try 'trvfiles assembly --help'.\n");
+    expectRefusal(words("show --jsn a"),
+                  "trvfiles show: unknown option '--jsn'; did you mean '--json'?\n"
+                  "Try 'trvfiles show --help'.\n");
+    expectRefusal(words("--versoin"),
+                  "trvfiles: unknown option '--versoin'; did you mean '--version'?\n"
+                  "Try 'trvfiles --help'.\n");
+    expectRefusal(words("help axis wirte"),
+                  "trvfiles help: unknown command 'wirte'; did you mean 'write'?\n"
+                  "Try 'trvfiles help --help'.\n");
+    expectRefusal(words("completion fihs"),
+                  "trvfiles completion: unknown shell 'fihs'; did you mean 'fish'?\n"
+                  "Try 'trvfiles completion --help'.\n");
+}
+
 TEST(Dispatch, RejectsOptionsInPlaceOfACommand) {
     expectRefusal(words("--frob show a"),
                   "trvfiles: unknown option '--frob'\nTry 'trvfiles --help'.\n");
@@ -148,7 +175,9 @@ TEST(Dispatch, RejectsOptionsInPlaceOfACommand) {
 
 TEST(Dispatch, RefusesOptionsThatACommandDoesNotHave) {
     expectRefusal(words("show --csv a"),
-                  "trvfiles show: unknown option 'csv'\nTry 'trvfiles show --help'.\n");
+                  "trvfiles show: unknown option '--csv'\nTry 'trvfiles show --help'.\n");
+    expectRefusal(words("show -x a"),
+                  "trvfiles show: unknown option '-x'\nTry 'trvfiles show --help'.\n");
     expectRefusal(words("show --json=1 a"),
                   "trvfiles show: unexpected value after '--json'\n"
                   "Try 'trvfiles show --help'.\n");

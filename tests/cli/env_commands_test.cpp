@@ -17,7 +17,7 @@ TEST(EnvCommands, AreOneGroup) {
               "  env messages  Show a message file\n"
               "  env check     Check message and configuration files\n"
               "\n"
-              "'trvfiles COMMAND --help' explains a command.\n"
+              "'trvfiles help COMMAND' explains a command, with examples.\n"
               "'trvfiles --version' prints the version.\n"
               "Exit status: 0 done, 1 a negative answer, 2 an error.\n");
 }

@@ -55,9 +55,9 @@ TEST_F(TrvfilesCommand, PrintsItsVersion) {
 }
 
 TEST_F(TrvfilesCommand, RejectsAWrongCallOnStandardError) {
-    EXPECT_EQ(run({}), 2);
+    EXPECT_EQ(run({"axis"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: a command is missing\nTry 'trvfiles --help'.\n");
+    EXPECT_EQ(err(), "trvfiles axis: a command is missing\nTry 'trvfiles axis --help'.\n");
 }
 
 TEST_F(TrvfilesCommand, LeavesNoArgumentToQt) {
