@@ -29,6 +29,9 @@ enum ExitStatus : int {
 struct Console {
     std::ostream& out;
     std::ostream& err;
+    /// The columns of the terminal that the stream is connected to; 0 if it is none.
+    int outColumns = 0;
+    int errColumns = 0;
 };
 
 /// One subcommand.

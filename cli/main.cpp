@@ -51,7 +51,10 @@ QStringList argumentsOf(int argc, const char* const* argv) {
 
 ExitStatus runChecked(int argc, const char* const* argv) {
     try {
-        const ExitStatus status = trv::cli::run(argumentsOf(argc, argv), {std::cout, std::cerr});
+        const trv::cli::Console console = {std::cout, std::cerr,
+                                           trv::platform::terminal_columns(stdout),
+                                           trv::platform::terminal_columns(stderr)};
+        const ExitStatus status = trv::cli::run(argumentsOf(argc, argv), console);
         std::cout.flush();
         if (std::cout) return status;
         std::cerr << "trvfiles: standard output cannot be written\n";

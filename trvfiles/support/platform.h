@@ -145,6 +145,13 @@ std::vector<std::filesystem::path::string_type> program_arguments(int argc,
 /// programs, before they print.
 void prepare_console();
 
+/// The columns of a terminal that does not say how many it has.
+inline constexpr int default_columns = 80;
+
+/// How many columns the terminal of a standard stream has; 0 if the stream is not a terminal. For
+/// programs.
+int terminal_columns(std::FILE* stream);
+
 /// Raises a breakpoint trap: a debugger stops there; without one the process ends.
 void breakpoint_trap();
 

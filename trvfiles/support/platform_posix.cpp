@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -274,6 +275,14 @@ std::vector<std::filesystem::path::string_type> program_arguments(int argc,
 }
 
 void prepare_console() {}
+
+int terminal_columns(std::FILE* stream) {
+    const int descriptor = ::fileno(stream);
+    if (descriptor < 0 || ::isatty(descriptor) == 0) return 0;
+    winsize size = {};
+    const bool isKnown = ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? size.ws_col : default_columns;
+}
 
 void breakpoint_trap() {
     static_cast<void>(std::raise(SIGTRAP));

@@ -112,6 +112,14 @@ unsigned __stdcall run(void* argument) {
     return 0;
 }
 
+// The console understands the escape sequences of colours only in this mode.
+void understand_colours() {
+    const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    if (::GetConsoleMode(output, &mode) == 0) return;
+    ::SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
 }  // namespace
 
 bool narrow_text_is_utf8() {
@@ -304,8 +312,18 @@ void prepare_console() {
     static UINT old_code_page = 0;
     old_code_page = ::GetConsoleOutputCP();
     if (old_code_page == 0) return;
+    understand_colours();
     ::SetConsoleOutputCP(CP_UTF8);
     static_cast<void>(std::atexit([] { ::SetConsoleOutputCP(old_code_page); }));
+}
+
+int terminal_columns(std::FILE* stream) {
+    const int descriptor = ::_fileno(stream);
+    if (descriptor < 0 || ::_isatty(descriptor) == 0) return 0;
+    const auto handle = reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
+    CONSOLE_SCREEN_BUFFER_INFO info = {};
+    if (::GetConsoleScreenBufferInfo(handle, &info) == 0) return default_columns;
+    return info.srWindow.Right - info.srWindow.Left + 1;
 }
 
 void breakpoint_trap() {
