@@ -56,8 +56,8 @@ struct Sample {
           otherPlain(plain),
           ours(record(plain)),
           otherOurs(ours),
-          file(memoryFile("assembly-" + std::to_string(leaves) + ".xml")),
-          target(memoryFile("written-" + std::to_string(leaves) + ".xml")) {
+          file(workFile("assembly-" + std::to_string(leaves) + ".xml")),
+          target(workFile("written-" + std::to_string(leaves) + ".xml")) {
         require(CQvFilesIO::sWriteTrvAssembly(wide(file), ours) == eFileIOSuccess,
                 "writing the sample assembly");
     }
@@ -166,7 +166,7 @@ Comparison writing(const std::string& size, int leaves) {
 
 Comparison peakMemoryOf(const std::string& name, Workload work, Peer peer) {
     Comparison comparison = {name + ", peak memory", std::move(work), {std::move(peer)}};
-    comparison.figure = [](const Workload& measured) {
+    comparison.bytes = [](const Workload& measured) {
         sample(large);
         return peakMemory(measured);
     };
