@@ -11,7 +11,6 @@
 #include <benchmark/benchmark.h>
 
 #include <functional>
-#include <limits>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -34,9 +33,6 @@ struct Workload {
     /// time divided by that of the smaller one in the same turn.
     std::shared_ptr<const Workload> smaller;
 };
-
-/// The bound of a ratio that is only printed.
-inline constexpr double noBound = std::numeric_limits<double>::infinity();
 
 struct Peer {
     std::string name;

@@ -77,7 +77,7 @@ Measure measureOf(const Comparison& comparison, const Workload& work) {
 }  // namespace
 
 std::vector<Figures> measured(const Comparison& comparison, int minTurns) {
-    constexpr double minSeconds = 1;
+    constexpr double minSeconds = 2;
     std::vector<Measure> measures = {measureOf(comparison, comparison.ours)};
     for (const Peer& peer : comparison.peers)
         measures.push_back(measureOf(comparison, peer.work));

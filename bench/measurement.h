@@ -15,7 +15,7 @@ using Figures = std::vector<double>;
 /// Measures the workloads of a comparison by turns: in each turn all of them, in the next one in
 /// reverse order, so that a machine that gets slower or faster favours none of them.
 ///
-/// @param minTurns  a comparison of short workloads takes more turns, for one second
+/// @param minTurns  a comparison of short workloads takes more turns, for two seconds
 /// @return those of the library, then those of each peer: seconds, bytes or the factor of a growth
 std::vector<Figures> measured(const Comparison& comparison, int minTurns);
 
