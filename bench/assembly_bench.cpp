@@ -67,11 +67,11 @@ struct Sample {
 
     std::string file;
     std::string target;
-};
     CTrvAssemblyData ours;
     CTrvAssemblyData otherOurs;
     PlainAssembly plain;
     PlainAssembly otherPlain;
+};
 
 const Sample& sample(int leaves) {
     static std::map<int, std::optional<Sample>> samples;
@@ -80,13 +80,15 @@ const Sample& sample(int leaves) {
     return *sample;
 }
 
+void readFrom(const std::string& path) {
+    CTrvAssemblyData assembly;
+    require(CQvFilesIO::sReadTrvAssembly(wide(path), assembly) == eFileIOSuccess,
+            "reading an assembly");
+    benchmark::DoNotOptimize(assembly);
+}
+
 Workload read(int leaves) {
-    return [leaves] {
-        CTrvAssemblyData assembly;
-        require(CQvFilesIO::sReadTrvAssembly(wide(sample(leaves).file), assembly) == eFileIOSuccess,
-                "reading an assembly");
-        benchmark::DoNotOptimize(assembly);
-    };
+    return [leaves] { readFrom(sample(leaves).file); };
 }
 
 Workload write(int leaves) {
@@ -115,9 +117,6 @@ Workload copy(int leaves) {
     };
 }
 
-Workload flattenStructs(int leaves) {
-    return [leaves] { benchmark::DoNotOptimize(flattenPlainly(sample(leaves).plain)); };
-}
 Workload readWithPugixml(int leaves) {
     return [leaves] {
         benchmark::DoNotOptimize(readByPugixml(sample(leaves).file, Numbers::fromChars));
@@ -128,6 +127,9 @@ Workload writeWithPugixml(int leaves) {
     return [leaves] { writeByPugixml(sample(leaves).target, sample(leaves).plain); };
 }
 
+Workload flattenStructs(int leaves) {
+    return [leaves] { benchmark::DoNotOptimize(flattenPlainly(sample(leaves).plain)); };
+}
 
 Workload compareStructs(int leaves) {
     return [leaves] {
@@ -173,6 +175,34 @@ Comparison reading(const std::string& size, int leaves) {
              {"QDomDocument", [path] { benchmark::DoNotOptimize(readPlainly(path())); }, 0.06}}};
 }
 
+enum class Place { firstContent, lastContent };
+
+// The sample with a CDATA section in its root element.
+std::string fileWithCdata(int leaves, Place place) {
+    const bool isFirst = place == Place::firstContent;
+    std::string path =
+        workFile((isFirst ? "cdata-first-" : "cdata-last-") + std::to_string(leaves) + ".xml");
+    if (!std::filesystem::exists(path)) {
+        std::string text = readText(sample(leaves).file);
+        const std::size_t root = text.find("<ComponentInfo");
+        text.insert(isFirst ? text.find('>', root) + 1 : text.rfind("</"), "<![CDATA[]]>");
+        writeText(path, text);
+    }
+    return path;
+}
+
+Workload readWithCdata(int leaves, Place place) {
+    return [leaves, place] { readFrom(fileWithCdata(leaves, place)); };
+}
+
+// An unusual document is read by the DOM. If only its end is unusual, it was first read without the
+// DOM up to there, in vain. If its beginning is, the time is that of the DOM alone.
+Comparison readingUnusual(const std::string& size, int leaves) {
+    return {"read assembly, CDATA at the end, " + size,
+            readWithCdata(leaves, Place::lastContent),
+            {{"CDATA at the beginning", readWithCdata(leaves, Place::firstContent), 1.08}}};
+}
+
 Comparison writing(const std::string& size, int leaves) {
     return {
         "write assembly, " + size, write(leaves), {{"pugixml", writeWithPugixml(leaves), 0.30}}};
@@ -183,6 +213,7 @@ Comparison peakMemoryOf(const std::string& name, WorkloadOf work, Peer peer) {
     Comparison comparison = {
         name + ", peak memory", {work(few).run, work(large).run}, {std::move(peer)}};
     comparison.bytes = [](const Workload& measured) {
+        sample(few);
         sample(large);
         return peakMemory(measured);
     };
@@ -216,8 +247,8 @@ Comparisons assemblyComparisons() {
          read(few),
          {{"pugixml, as_double",
            [] { benchmark::DoNotOptimize(readByPugixml(sample(few).file, Numbers::asDouble)); },
-        sample(few);
            1.0}}},
+        readingUnusual("10k", small),
         peakMemoryOf("read assembly, 100k", read, bytes("the file's size", sizeOfFile, 0.6)),
         writing("1k", tiny),
         writing("10k", small),

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <iterator>
 #include <random>
 
 namespace trv::bench {
@@ -54,6 +55,13 @@ std::string diskFile(const std::string& name) {
     // files may be in memory.
     static const WorkDirectory directory("/var/tmp");
     return (directory.path() / name).string();
+}
+
+std::string readText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    require(!text.empty(), "reading a file to measure with");
+    return text;
 }
 
 void writeText(const std::string& path, const std::string& text) {

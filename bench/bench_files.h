@@ -19,6 +19,7 @@ std::string workFile(const std::string& name);
 /// The path of a file on a disk, for workloads that wait until a file is synced.
 std::string diskFile(const std::string& name);
 
+std::string readText(const std::string& path);
 void writeText(const std::string& path, const std::string& text);
 
 }  // namespace trv::bench
