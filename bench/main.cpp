@@ -68,8 +68,9 @@ std::string figureText(Unit unit, double figure) {
     } shown[] = {{1e6, "us"}, {1.0 / (1 << 20), "MiB"}, {1, "times"}};
     const auto& [factor, name] = shown[static_cast<std::size_t>(unit)];
     const double scaled = figure * factor;
+    const int decimals = scaled < 1 ? 3 : scaled < 100 ? 2 : 0;
     char text[40];
-    std::snprintf(text, sizeof text, "%.*f %s", scaled < 100 ? 2 : 0, scaled, name);
+    std::snprintf(text, sizeof text, "%.*f %s", decimals, scaled, name);
     return text;
 }
 
