@@ -127,6 +127,10 @@ Workload writeWithPugixml(int leaves) {
     return [leaves] { writeByPugixml(sample(leaves).target, sample(leaves).plain); };
 }
 
+Workload writeStructs(int leaves) {
+    return [leaves] { writePlainly(sample(leaves).target, sample(leaves).plain); };
+}
+
 Workload flattenStructs(int leaves) {
     return [leaves] { benchmark::DoNotOptimize(flattenPlainly(sample(leaves).plain)); };
 }
@@ -260,7 +264,7 @@ Comparisons assemblyComparisons() {
          {{"structs, field by field", compareStructs(large), 1.5}}},
         {"copy one, 100k", copy(large), {{"structs, field by field", copyStructs(large), 1.5}}},
         growth("read", read, "pugixml, from_chars", readWithPugixml),
-        growth("write", write, "pugixml", writeWithPugixml),
+        growth("write", write, "a loop, to_chars, fwrite", writeStructs),
         growth("flatten", flatten, "a loop over structs", flattenStructs),
         growth("compare", compare, "structs, field by field", compareStructs),
         growth("copy", copy, "structs, field by field", copyStructs),
