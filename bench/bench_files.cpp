@@ -29,7 +29,7 @@ private:
     std::filesystem::path path_;
 };
 
-// The files of the largest comparison need half of this.
+// The files need less than half of this.
 std::filesystem::path directoryInMemory() {
     constexpr std::uintmax_t neededBytes = std::uintmax_t{512} << 20;
     const std::filesystem::path memory = "/dev/shm";

@@ -9,15 +9,10 @@
 namespace trv::bench {
 namespace {
 
-using WallClock = std::chrono::steady_clock;
-
-double wallSeconds() {
-    return std::chrono::duration<double>(WallClock::now().time_since_epoch()).count();
-}
-
 double secondsOn(Clock clock) {
-    return clock == Clock::wall ? wallSeconds()
-                                : static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+    if (clock == Clock::processor) return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
 }
 
 double secondsOf(const Workload& work, Clock clock, std::int64_t repetitions) {
@@ -78,13 +73,15 @@ Measure measureOf(const Comparison& comparison, const Workload& work) {
 }  // namespace
 
 std::vector<Figures> measured(const Comparison& comparison, int minTurns) {
-    constexpr double minSeconds = 2;
     std::vector<Measure> measures = {measureOf(comparison, comparison.ours)};
     for (const Peer& peer : comparison.peers)
         measures.push_back(measureOf(comparison, peer.work));
     std::vector<Figures> figures(measures.size());
-    const double start = wallSeconds();
-    for (int turn = 0; turn < minTurns || wallSeconds() - start < minSeconds; ++turn) {
+    // Figures in bytes hardly vary.
+    const double minSeconds = comparison.bytes == nullptr ? 2 : 0;
+    const double start = secondsOn(comparison.clock);
+    for (int turn = 0; turn < minTurns || secondsOn(comparison.clock) - start < minSeconds;
+         ++turn) {
         for (std::size_t i = 0; i < measures.size(); ++i) {
             const std::size_t next = turn % 2 == 0 ? i : measures.size() - 1 - i;
             figures[next].push_back(measures[next]());
