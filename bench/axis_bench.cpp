@@ -94,7 +94,10 @@ bool writeByHand(const char* path, const Matrix& matrix) {
 }  // namespace
 
 Comparisons axisComparisons() {
-    constexpr double bound = 1.25;
+    // By a profile, 0.08 of the time of reading is spent on making the path of the system from the
+    // directory and the wide name. The loop gets this path.
+    constexpr double boundOfReading = 1.3;
+    constexpr double boundOfWriting = 1.25;
     const std::string source = workFile("read.dat");
     const std::string target = workFile("written.dat");
     require(writeByHand(source.c_str(), rotation), "writing an axis file by hand");
@@ -125,8 +128,8 @@ Comparisons axisComparisons() {
         require(writeByHand(target.c_str(), rotation), "writing an axis file by hand");
     };
     return {
-        {"read an axis file", read, {{"fopen, from_chars", readPlain, bound}}},
-        {"write an axis file", write, {{"fopen, to_chars", writePlain, bound}}},
+        {"read an axis file", read, {{"fopen, from_chars", readPlain, boundOfReading}}},
+        {"write an axis file", write, {{"fopen, to_chars", writePlain, boundOfWriting}}},
     };
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <iterator>
 #include <random>
 
 namespace trv::bench {
@@ -28,10 +29,20 @@ private:
     std::filesystem::path path_;
 };
 
+// The files need less than half of this.
+std::filesystem::path directoryInMemory() {
+    constexpr std::uintmax_t neededBytes = std::uintmax_t{512} << 20;
+    const std::filesystem::path memory = "/dev/shm";
+    std::error_code failure;
+    const std::filesystem::space_info space = std::filesystem::space(memory, failure);
+    const bool hasRoom = !failure && space.available >= neededBytes;
+    return hasRoom ? memory : std::filesystem::temp_directory_path();
+}
+
 }  // namespace
 
 const std::filesystem::path& workDirectory() {
-    static const WorkDirectory directory(std::filesystem::temp_directory_path());
+    static const WorkDirectory directory(directoryInMemory());
     return directory.path();
 }
 
@@ -39,16 +50,18 @@ std::string workFile(const std::string& name) {
     return (workDirectory() / name).string();
 }
 
-std::string memoryFile(const std::string& name) {
-    static constexpr char memory[] = "/dev/shm";
-    constexpr std::uintmax_t neededBytes = std::uintmax_t{512} << 20;
-    static const bool hasRoom = [] {
-        std::error_code failure;
-        return std::filesystem::space(memory, failure).available >= neededBytes && !failure;
-    }();
-    if (!hasRoom) return workFile(name);
-    static const WorkDirectory directory(memory);
+std::string diskFile(const std::string& name) {
+    // Its files are kept when the system restarts, so it is on a disk. The directory for temporary
+    // files may be in memory.
+    static const WorkDirectory directory("/var/tmp");
     return (directory.path() / name).string();
+}
+
+std::string readText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    require(!text.empty(), "reading a file to measure with");
+    return text;
 }
 
 void writeText(const std::string& path, const std::string& text) {

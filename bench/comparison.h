@@ -3,13 +3,15 @@
 /// @file
 /// A comparison: a workload of the library, and peers that do the same work.
 ///
-/// Each source of this directory defines a group of comparisons; main.cpp runs them. All workloads
-/// of one comparison run by turns in one process. The result of each is the median of its runs.
+/// Each source of this directory defines a group of comparisons; measurement.cpp measures them and
+/// main.cpp prints the result. The workloads of one comparison run by turns in one process. A ratio
+/// is the median of the ratios of all turns, because both figures of one turn are measured within
+/// a moment: what slows the machine down slows both.
 
 #include <benchmark/benchmark.h>
 
 #include <functional>
-#include <limits>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -27,25 +29,33 @@ struct Workload {
     /// Creates what each run consumes, if there is anything. Not timed.
     std::function<void()> prepare;
     std::function<void()> run;
+    /// The same work on less data. If it is set, the figure of this workload is its growth: its
+    /// time divided by that of the smaller one in the same turn.
+    std::shared_ptr<const Workload> smaller;
 };
-
-/// The bound of a ratio that is only printed.
-inline constexpr double noBound = std::numeric_limits<double>::infinity();
 
 struct Peer {
     std::string name;
     Workload work;
-    /// The largest accepted ratio of the library's time to that of this peer.
+    /// The largest accepted ratio of the library's figure to that of this peer.
     double bound;
+};
+
+enum class Clock {
+    /// The time of the processor in all threads of the process, system calls included. The time
+    /// that other programs take does not count.
+    processor,
+    /// The time that passes, for workloads that wait for the disk.
+    wall,
 };
 
 struct Comparison {
     std::string name;
     Workload ours;
     std::vector<Peer> peers;
-    /// The figure of a workload, if it is not a time. It is called once for each run, which is not
-    /// timed.
-    std::function<double(const Workload&)> figure = nullptr;
+    Clock clock = Clock::processor;
+    /// The figure of a workload in bytes, if it is not a time. It is called once for each turn.
+    std::function<double(const Workload&)> bytes = nullptr;
 };
 
 using Comparisons = std::vector<Comparison>;

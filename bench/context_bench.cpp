@@ -49,7 +49,7 @@ private:
 
 // Each peer writes to its own file, which exists from the first call on.
 Peer saver(const char* name, Save save, double bound) {
-    const std::string path = workFile(std::string("saved with ") + name);
+    const std::string path = diskFile(std::string("saved with ") + name);
     const auto work = [save, path, comment = Comment()]() mutable {
         save(path, sampleContext(comment.next()));
     };
@@ -61,7 +61,7 @@ Peer saver(const char* name, Save save, double bound) {
 Comparisons contextComparisons() {
     const std::string source = workFile("read.mctx");
     const std::wstring wideSource = std::filesystem::path(source).wstring();
-    const std::wstring wideTarget = (workDirectory() / "saved.mctx").wstring();
+    const std::wstring wideTarget = std::filesystem::path(diskFile("saved.mctx")).wstring();
     require(CQvFilesIO::sWriteMachineContext(wideSource, record()) == eFileIOSuccess,
             "writing the sample context");
 
@@ -87,7 +87,8 @@ Comparisons contextComparisons() {
          save,
          {saver("QSettings", saveWithQSettings, below), saver("GKeyFile", saveWithGKeyFile, below),
           saver("KConfig", saveWithKConfig, below),
-          saver("a temporary file, fsync, rename", saveByHand, 1.25)}},
+          saver("a temporary file, fsync, rename", saveByHand, 1.25)},
+         Clock::wall},
     };
 }
 

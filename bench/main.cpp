@@ -2,6 +2,7 @@
 // above its bound.
 
 #include <bench/comparison.h>
+#include <bench/measurement.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -9,12 +10,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace trv::bench {
 
@@ -26,141 +29,101 @@ void require(bool done, const char* what) {
 
 namespace {
 
-constexpr char ours[] = "trvfiles";
-
-using Runs = std::map<std::string, std::vector<double>>;
+enum class Unit { seconds, bytes, times };
 
 struct Row {
     std::string work;
     std::string peer;
     double ours;
     double other;
+    double ratio;
     double bound;
-    bool isTime;
+    Unit unit;
 
-    double ratio() const { return ours / other; }
-    bool isMissed() const { return !(ratio() <= bound); }
+    bool isMissed() const { return !(ratio <= bound); }
 };
 
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
+Unit unitOf(const Comparison& comparison) {
+    if (comparison.bytes != nullptr) return Unit::bytes;
+    return comparison.ours.smaller == nullptr ? Unit::seconds : Unit::times;
 }
 
-class Collector : public benchmark::BenchmarkReporter {
-public:
-    bool ReportContext(const Context&) override { return true; }
-
-    void ReportRuns(const std::vector<Run>& reports) override {
-        for (const Run& run : reports) {
-            if (run.run_type != Run::RT_Iteration) continue;
-            runs_[run.run_name.function_name].push_back(run.real_accumulated_time /
-                                                        static_cast<double>(run.iterations));
-        }
-    }
-
-    const Runs& runs() const { return runs_; }
-
-private:
-    Runs runs_;
-};
-
-std::vector<std::pair<std::string, Workload>> workloadsOf(const Comparison& comparison) {
-    std::vector<std::pair<std::string, Workload>> workloads = {{ours, comparison.ours}};
-    for (const Peer& peer : comparison.peers)
-        workloads.emplace_back(peer.name, peer.work);
-    return workloads;
-}
-
-void runOnce(const Workload& work) {
-    if (work.prepare != nullptr) work.prepare();
-    work.run();
-}
-
-Runs timed(const Comparison& comparison, int repetitions) {
-    for (const auto& [name, work] : workloadsOf(comparison)) {
-        // The first run may create a sample. If it were timed, the number of iterations would be
-        // too small.
-        runOnce(work);
-        const auto loop = [work = work](benchmark::State& state) {
-            for (auto _ : state) {
-                if (work.prepare != nullptr) {
-                    state.PauseTiming();
-                    work.prepare();
-                    state.ResumeTiming();
-                }
-                work.run();
-            }
-        };
-        benchmark::RegisterBenchmark(name.c_str(), loop)
-            ->Repetitions(repetitions)
-            ->MinTime(0.05)
-            ->UseRealTime();
-    }
-    Collector collector;
-    benchmark::RunSpecifiedBenchmarks(&collector);
-    benchmark::ClearRegisteredBenchmarks();
-    return collector.runs();
-}
-
-Runs figured(const Comparison& comparison, int repetitions) {
-    Runs runs;
-    for (int run = 0; run < repetitions; ++run) {
-        for (const auto& [name, work] : workloadsOf(comparison))
-            runs[name].push_back(comparison.figure(work));
-    }
-    return runs;
-}
-
-std::vector<Row> rowsOf(const Comparison& comparison, int repetitions) {
-    const bool isTime = comparison.figure == nullptr;
-    const Runs runs = isTime ? timed(comparison, repetitions) : figured(comparison, repetitions);
+std::vector<Row> rowsOf(const Comparison& comparison, int runs) {
+    const std::vector<Figures> figures = measured(comparison, runs);
+    const Figures& ours = figures.front();
     std::vector<Row> rows;
-    for (const Peer& peer : comparison.peers) {
-        rows.push_back({comparison.name, peer.name, median(runs.at(ours)),
-                        median(runs.at(peer.name)), peer.bound, isTime});
+    for (std::size_t i = 0; i < comparison.peers.size(); ++i) {
+        const Peer& peer = comparison.peers[i];
+        const Figures& other = figures[i + 1];
+        rows.push_back({comparison.name, peer.name, median(ours), median(other),
+                        medianRatio(ours, other), peer.bound, unitOf(comparison)});
     }
     return rows;
 }
 
-std::string figureText(const Row& row, double figure) {
-    const double scaled = row.isTime ? figure * 1e6 : figure / (1 << 20);
+std::string figureText(Unit unit, double figure) {
+    static constexpr struct {
+        double factor;
+        const char* name;
+    } shown[] = {{1e6, "us"}, {1.0 / (1 << 20), "MiB"}, {1, "times"}};
+    const auto& [factor, name] = shown[static_cast<std::size_t>(unit)];
+    const double scaled = figure * factor;
+    const int decimals = scaled < 1 ? 3 : scaled < 100 ? 2 : 0;
     char text[40];
-    std::snprintf(text, sizeof text, "%.*f %s", scaled < 100 ? 2 : 0, scaled,
-                  row.isTime ? "us" : "MiB");
+    std::snprintf(text, sizeof text, "%.*f %s", decimals, scaled, name);
     return text;
 }
 
-std::string boundText(const Row& row) {
-    if (row.bound == noBound) return "-";
+std::string twoDecimals(double value) {
     char text[20];
-    std::snprintf(text, sizeof text, "%.2f", row.bound);
+    std::snprintf(text, sizeof text, "%.2f", value);
     return text;
 }
 
-void printHeader() {
-    std::printf("%-36s %-36s %14s %14s %7s %7s\n", "name", "other", "trvfiles", "other", "ratio",
-                "bound");
-}
+// Prints a table whose first two columns have the width of the longest name.
+class Table {
+public:
+    explicit Table(const Comparisons& comparisons) {
+        for (const Comparison& comparison : comparisons) {
+            widen(nameWidth_, comparison.name);
+            for (const Peer& peer : comparison.peers)
+                widen(otherWidth_, peer.name);
+        }
+        print("name", "other", "trvfiles", "other", "ratio", "bound", "");
+    }
 
-void print(const Row& row) {
-    std::printf("%-36s %-36s %14s %14s %7.2f %7s%s\n", row.work.c_str(), row.peer.c_str(),
-                figureText(row, row.ours).c_str(), figureText(row, row.other).c_str(), row.ratio(),
-                boundText(row).c_str(), row.isMissed() ? "  MISSED" : "");
-    std::fflush(stdout);
-}
+    void print(const Row& row) const {
+        print(row.work.c_str(), row.peer.c_str(), figureText(row.unit, row.ours).c_str(),
+              figureText(row.unit, row.other).c_str(), twoDecimals(row.ratio).c_str(),
+              twoDecimals(row.bound).c_str(), row.isMissed() ? "  MISSED" : "");
+    }
+
+private:
+    static void widen(int& width, const std::string& name) {
+        width = std::max(width, static_cast<int>(name.size()));
+    }
+
+    void print(const char* name, const char* other, const char* ourFigure, const char* otherFigure,
+               const char* ratio, const char* bound, const char* miss) const {
+        std::printf("%-*s  %-*s %11s %11s %6s %6s%s\n", nameWidth_, name, otherWidth_, other,
+                    ourFigure, otherFigure, ratio, bound, miss);
+        std::fflush(stdout);
+    }
+
+    int nameWidth_ = 0;
+    int otherWidth_ = 0;
+};
 
 QJsonObject json(const Row& row) {
-    return {
-        {QStringLiteral("name"), QString::fromStdString(row.work)},
-        {QStringLiteral("other"), QString::fromStdString(row.peer)},
-        {QStringLiteral("unit"), row.isTime ? QStringLiteral("seconds") : QStringLiteral("bytes")},
-        {QStringLiteral("trvfilesMedian"), row.ours},
-        {QStringLiteral("otherMedian"), row.other},
-        {QStringLiteral("ratio"), row.ratio()},
-        {QStringLiteral("bound"), row.bound == noBound ? QJsonValue() : QJsonValue(row.bound)},
-        {QStringLiteral("missed"), row.isMissed()}};
+    static constexpr const char* names[] = {"seconds", "bytes", "times"};
+    return {{QStringLiteral("name"), QString::fromStdString(row.work)},
+            {QStringLiteral("other"), QString::fromStdString(row.peer)},
+            {QStringLiteral("unit"), QLatin1String(names[static_cast<std::size_t>(row.unit)])},
+            {QStringLiteral("trvfilesMedian"), row.ours},
+            {QStringLiteral("otherMedian"), row.other},
+            {QStringLiteral("ratio"), row.ratio},
+            {QStringLiteral("bound"), row.bound},
+            {QStringLiteral("missed"), row.isMissed()}};
 }
 
 Comparisons allComparisons() {
@@ -173,21 +136,20 @@ Comparisons allComparisons() {
     return all;
 }
 
-int run(const QString& filter, int repetitions, const QString& jsonFile) {
+int run(const QString& filter, int runs, const QString& jsonFile) {
     QJsonArray rows;
-    int bounds = 0;
     int missed = 0;
-    printHeader();
-    for (const Comparison& comparison : allComparisons()) {
+    const Comparisons comparisons = allComparisons();
+    const Table table(comparisons);
+    for (const Comparison& comparison : comparisons) {
         if (!QString::fromStdString(comparison.name).contains(filter)) continue;
-        for (const Row& row : rowsOf(comparison, repetitions)) {
-            print(row);
+        for (const Row& row : rowsOf(comparison, runs)) {
+            table.print(row);
             rows.append(json(row));
-            if (row.bound != noBound) ++bounds;
             if (row.isMissed()) ++missed;
         }
     }
-    std::printf("%d of %d bounds missed\n", missed, bounds);
+    std::printf("%d of %d bounds missed\n", missed, rows.size());
     if (!jsonFile.isEmpty()) {
         QFile file(jsonFile);
         const QByteArray text = QJsonDocument(rows).toJson();
@@ -206,20 +168,14 @@ int main(int argc, char** argv) {
     const QCommandLineOption filter(QStringLiteral("filter"),
                                     QStringLiteral("Only workloads whose names contain <text>"),
                                     QStringLiteral("text"));
-    const QCommandLineOption repetitions(QStringLiteral("runs"), QStringLiteral("Runs of each"),
-                                         QStringLiteral("number"), QStringLiteral("7"));
+    const QCommandLineOption runs(QStringLiteral("runs"), QStringLiteral("Turns at least"),
+                                  QStringLiteral("number"), QStringLiteral("7"));
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Also write JSON to <file>"),
                                   QStringLiteral("file"));
-    options.addOptions({filter, repetitions, json});
+    options.addOptions({filter, runs, json});
     options.addHelpOption();
     options.process(application);
 
-    char program[] = "trvfiles_bench";
-    char interleave[] = "--benchmark_enable_random_interleaving=true";
-    char* arguments[] = {program, interleave, nullptr};
-    int count = 2;
-    benchmark::Initialize(&count, arguments);
-    return trv::bench::run(options.value(filter), options.value(repetitions).toInt(),
-                           options.value(json));
+    return trv::bench::run(options.value(filter), options.value(runs).toInt(), options.value(json));
 }

@@ -7,9 +7,11 @@
 
 namespace trv::bench {
 
-/// Runs the workload once in a child process.
+/// Prepares and runs the workload once in a child process. To prepare is to run the same code on
+/// less data, so that its pages count as memory of the program.
 ///
-/// @return the difference of the peak and the initial size of the process, in bytes
+/// @return the difference of the peak size of the process and its size after the preparation, in
+///         bytes
 double peakMemory(const Workload& work);
 
 }  // namespace trv::bench

@@ -4,8 +4,11 @@
 #include <QDomDocument>
 #include <QFile>
 
+#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
+#include <string_view>
 
 namespace trv::bench {
 namespace {
@@ -40,40 +43,66 @@ PlainComponent readComponent(const QDomElement& element) {
     return component;
 }
 
-void appendVector(QDomDocument& document, QDomElement& parent, const QString& tag,
-                  const PlainVector& vector) {
-    QDomElement element = document.createElement(tag);
-    element.setAttribute(QStringLiteral("x"), vector[0]);
-    element.setAttribute(QStringLiteral("y"), vector[1]);
-    element.setAttribute(QStringLiteral("z"), vector[2]);
-    parent.appendChild(element);
-}
+// Writes elements with an indentation of three blanks, in blocks.
+class TextWriter {
+public:
+    explicit TextWriter(std::FILE* file) : file_(file) { text_.reserve(2 * blockSize); }
 
-void appendComponent(QDomDocument& document, QDomElement& parent, const PlainComponent& component) {
-    QDomElement element = document.createElement(QStringLiteral("Component"));
-    element.setAttribute(QStringLiteral("name"), QString::fromStdString(component.name));
-    element.setAttribute(QStringLiteral("comment"), QString::fromStdString(component.comment));
-    element.setAttribute(QStringLiteral("enabled"), component.enabled ? 1 : 0);
-    appendVector(document, element, QStringLiteral("Translation"), component.translation);
-    QDomElement orientation = document.createElement(QStringLiteral("Orientation"));
-    appendVector(document, orientation, QStringLiteral("vec1"), component.vec1);
-    appendVector(document, orientation, QStringLiteral("vec2"), component.vec2);
-    appendVector(document, orientation, QStringLiteral("vec3"), component.vec3);
-    element.appendChild(orientation);
-    QDomElement data = document.createElement(QStringLiteral("Data"));
-    if (component.geometryFile.empty()) {
-        data.setAttribute(QStringLiteral("number"),
-                          static_cast<qulonglong>(component.components.size()));
-        for (const PlainComponent& child : component.components)
-            appendComponent(document, data, child);
-    } else {
-        data.setAttribute(QStringLiteral("number"), 1);
-        QDomElement file = document.createElement(QStringLiteral("File"));
-        file.setAttribute(QStringLiteral("name"), QString::fromStdString(component.geometryFile));
-        data.appendChild(file);
+    // Writes one line, whose parts are texts and numbers.
+    template <class... Parts>
+    void line(int depth, const Parts&... parts) {
+        text_.append(static_cast<std::size_t>(3 * depth), ' ');
+        (append(parts), ...);
+        text_ += '\n';
+        if (text_.size() >= blockSize) flush();
     }
-    element.appendChild(data);
-    parent.appendChild(element);
+
+    void vector(int depth, const char* tag, const PlainVector& vector) {
+        line(depth, "<", tag, " x=\"", vector[0], "\" y=\"", vector[1], "\" z=\"", vector[2],
+             "\"/>");
+    }
+
+    bool flush() {
+        isWritten_ =
+            isWritten_ && std::fwrite(text_.data(), 1, text_.size(), file_) == text_.size();
+        text_.clear();
+        return isWritten_;
+    }
+
+private:
+    static constexpr std::size_t blockSize = 65536;
+
+    void append(std::string_view part) { text_ += part; }
+    void append(double number) {
+        char digits[32];
+        text_.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+    }
+
+    std::FILE* file_;
+    std::string text_;
+    bool isWritten_ = true;
+};
+
+void writeComponent(TextWriter& writer, int depth, const PlainComponent& component) {
+    writer.line(depth, "<Component name=\"", component.name, "\" comment=\"", component.comment,
+                "\" enabled=\"", component.enabled ? "1" : "0", "\">");
+    writer.vector(depth + 1, "Translation", component.translation);
+    writer.line(depth + 1, "<Orientation>");
+    writer.vector(depth + 2, "vec1", component.vec1);
+    writer.vector(depth + 2, "vec2", component.vec2);
+    writer.vector(depth + 2, "vec3", component.vec3);
+    writer.line(depth + 1, "</Orientation>");
+    if (component.geometryFile.empty()) {
+        writer.line(depth + 1, "<Data number=\"", std::to_string(component.components.size()),
+                    "\">");
+        for (const PlainComponent& child : component.components)
+            writeComponent(writer, depth + 2, child);
+    } else {
+        writer.line(depth + 1, "<Data number=\"1\">");
+        writer.line(depth + 2, "<File name=\"", component.geometryFile, "\"/>");
+    }
+    writer.line(depth + 1, "</Data>");
+    writer.line(depth, "</Component>");
 }
 
 Matrix placement(const PlainComponent& component) {
@@ -133,21 +162,23 @@ bool areEqual(const PlainComponent& one, const PlainComponent& other) {
 
 PlainAssembly plainSample(int leaves) {
     constexpr int leavesOfGroup = 100;
+    constexpr int maxLeaves = 100000;
     PlainAssembly assembly;
     assembly.dimension = {480, 300, 145};
     assembly.root.name = "Set-up";
     for (int i = 0; i < leaves; ++i) {
+        const int number = i * (maxLeaves / leaves);
         std::vector<PlainComponent>& groups = assembly.root.components;
         if (i % leavesOfGroup == 0) {
             PlainComponent& group = groups.emplace_back();
-            group.name = "Group " + std::to_string(i / leavesOfGroup);
-            group.translation = {i * 0.5, 12.25, 30};
+            group.name = "Group " + std::to_string(number / leavesOfGroup);
+            group.translation = {number * 0.5, 12.25, 30};
         }
         PlainComponent& leaf = groups.back().components.emplace_back();
-        const double angle = 0.001 * i;
-        leaf.name = "Part " + std::to_string(i);
-        leaf.comment = "clamped at " + std::to_string(i % 7);
-        leaf.translation = {0.1 * i, -0.25 * i, 1.0 / (i + 1)};
+        const double angle = 0.001 * number;
+        leaf.name = "Part " + std::to_string(number);
+        leaf.comment = "clamped at " + std::to_string(number % 7);
+        leaf.translation = {0.1 * number, -0.25 * number, 1.0 / (number + 1)};
         leaf.vec1 = {std::cos(angle), std::sin(angle), 0};
         leaf.vec2 = {-std::sin(angle), std::cos(angle), 0};
         leaf.geometryFile = "geometry/part-" + std::to_string(i % 500) + ".stl";
@@ -168,22 +199,18 @@ PlainAssembly readPlainly(const std::string& path) {
 }
 
 void writePlainly(const std::string& path, const PlainAssembly& assembly) {
-    QDomDocument document;
-    document.appendChild(document.createProcessingInstruction(
-        QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"UTF-8\"")));
-    QDomElement root = document.createElement(QStringLiteral("ComponentInfo"));
-    root.setAttribute(QStringLiteral("version"), 1);
-    QDomElement attributes = document.createElement(QStringLiteral("Attributs"));
-    appendVector(document, attributes, QStringLiteral("Dimension"), assembly.dimension);
-    root.appendChild(attributes);
-    appendComponent(document, root, assembly.root);
-    document.appendChild(root);
-
-    const QByteArray text = document.toString(3).toUtf8();
-    QFile file(QString::fromStdString(path));
-    require(
-        file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size(),
-        "writing with the DOM");
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    require(file != nullptr, "opening a file to write by hand");
+    TextWriter writer(file);
+    writer.line(0, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+    writer.line(0, "<ComponentInfo version=\"1\">");
+    writer.line(1, "<Attributs>");
+    writer.vector(2, "Dimension", assembly.dimension);
+    writer.line(1, "</Attributs>");
+    writeComponent(writer, 1, assembly.root);
+    writer.line(0, "</ComponentInfo>");
+    const bool isWritten = writer.flush();
+    require(std::fclose(file) == 0 && isWritten, "writing by hand");
 }
 
 std::vector<PlainPlaced> flattenPlainly(const PlainAssembly& assembly) {

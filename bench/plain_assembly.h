@@ -37,13 +37,15 @@ struct PlainPlaced {
     PlainVector translation;
 };
 
-/// An assembly of flat groups of 100 leaves.
+/// An assembly of flat groups of 100 leaves. The leaves of a small assembly are every nth of the
+/// 100,000 leaves of the largest one, so that all sizes have the same kinds of numbers: small
+/// numbers with an exponent take longer.
 PlainAssembly plainSample(int leaves);
 
 /// Reads with QDomDocument::setContent().
 PlainAssembly readPlainly(const std::string& path);
 
-/// Writes with a QDomDocument, its toString(3) and one write.
+/// Writes with std::to_chars, in blocks of 64 KiB. Texts need no references.
 void writePlainly(const std::string& path, const PlainAssembly& assembly);
 
 std::vector<PlainPlaced> flattenPlainly(const PlainAssembly& assembly);
