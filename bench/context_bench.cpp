@@ -27,11 +27,11 @@ CMachineContextData record() {
 using Read = PlainContext (*)(const std::string& path);
 using Save = void (*)(const std::string& path, const PlainContext& context);
 
-Peer reader(const char* name, Read read, const std::string& path) {
+Peer reader(const char* name, Read read, const std::string& path, double bound = below) {
     const auto work = [read, path] {
         require(read(path).clampingProximity == "2.500000", "reading");
     };
-    return {name, work, below};
+    return {name, work, bound};
 }
 
 // A comment that differs from one call to the next: a library may skip the save of a file that does
@@ -81,8 +81,9 @@ Comparisons contextComparisons() {
          read,
          {reader("QSettings", readWithQSettings, source),
           reader("GKeyFile", readWithGKeyFile, source),
-          reader("SimpleIni", readWithSimpleIni, source), reader("inih", readWithInih, source),
-          reader("KConfig", readWithKConfig, source)}},
+          reader("SimpleIni", readWithSimpleIni, source),
+          // System calls take more than half of the time of both.
+          reader("inih", readWithInih, source, 1.1), reader("KConfig", readWithKConfig, source)}},
         {"save a .mctx file, synced",
          save,
          {saver("QSettings", saveWithQSettings, below), saver("GKeyFile", saveWithGKeyFile, below),

@@ -60,7 +60,8 @@ Comparisons expansionComparisons() {
              ours,
              {{"wordexp", withWordexp, boundOfWordexp},
               {"KConfig", withKConfig, 0.5},
-              {"a loop, getenv, unordered_map", byHand, 1.5}}}};
+              // Three searches of the environment stand against two.
+              {"a loop, getenv, unordered_map", byHand, 1.85}}}};
 }
 
 }  // namespace trv::bench

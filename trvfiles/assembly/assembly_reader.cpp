@@ -97,10 +97,10 @@ EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssem
 
 bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvAssemblyData& data) {
     // A component with a placement and a file has more bytes.
-    constexpr qint64 minComponentSize = 128;
-    const auto maxComponents = static_cast<std::size_t>(device.size() / minComponentSize);
-    AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);
+    constexpr std::int64_t minComponentSize = 128;
     PlainScanner scanner(device, static_cast<std::size_t>(maxNesting));
+    const auto maxComponents = static_cast<std::size_t>(scanner.size() / minComponentSize);
+    AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);
     for (;;) {
         switch (scanner.next()) {
             case PlainScanner::Event::elementStart:

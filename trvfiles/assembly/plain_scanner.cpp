@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace trv {
 namespace {
@@ -62,7 +63,7 @@ Pointer skip(Pointer from, CharacterClass skipped) {
 }
 
 // Most white space is the indentation of a line, so blanks are compared eight and four at a time.
-// The bytes after the zero byte that ends the loop are in the buffer, but have no meaning.
+// The zero bytes after the last one keep every comparison in the buffer.
 const char* skipWhite(const char* from) {
     constexpr char blanks[] = "        ";
     static_assert(sizeof blanks - 1 == readAhead);
@@ -82,19 +83,21 @@ Pointer skipUntil(Pointer from, CharacterClass stop) {
     return from;
 }
 
-std::size_t size(qint64 count) {
-    return static_cast<std::size_t>(std::max(count, qint64{0}));
-}
-
 }  // namespace
 
 PlainScanner::PlainScanner(QIODevice& device, std::size_t maxOpenElements)
     : device_(device),
       maxOpenElements_(maxOpenElements),
-      unreadInDevice_(device.size() - device.pos()),
-      buffer_(std::min(blockSize, size(unreadInDevice_)) + readAhead),
-      cursor_(buffer_.data()),
-      end_(buffer_.data()) {}
+      unreadInDevice_(std::max(device.size() - device.pos(), qint64{0})),
+      capacity_(std::min(blockSize, static_cast<std::size_t>(unreadInDevice_))),
+      buffer_(new char[capacity_ + readAhead]),
+      cursor_(buffer_.get()),
+      end_(buffer_.get()) {
+    // Few documents nest more elements.
+    constexpr std::size_t usualNesting = 16;
+    std::memset(end_, 0, readAhead);
+    openStarts_.reserve(usualNesting);
+}
 
 // Reads the next bytes after those that are unread, which move to the front of the buffer. The end
 // of the device is known by its size: QFile seeks and reads once more to find out that there is
@@ -104,22 +107,23 @@ PlainScanner::PlainScanner(QIODevice& device, std::size_t maxOpenElements)
 bool PlainScanner::more() {
     if (isAtEnd_) return false;
     const auto unread = static_cast<std::size_t>(end_ - cursor_);
-    if (unread + readAhead == buffer_.size()) {
+    if (unread == capacity_) {
         if (unread >= maxBufferSize) return false;
-        std::vector<char> larger(2 * unread + readAhead);
-        std::memcpy(larger.data(), cursor_, unread);
-        buffer_.swap(larger);
+        std::unique_ptr<char[]> larger(new char[2 * unread + readAhead]);
+        std::memcpy(larger.get(), cursor_, unread);
+        buffer_ = std::move(larger);
+        capacity_ = 2 * unread;
     } else {
-        std::memmove(buffer_.data(), cursor_, unread);
+        std::memmove(buffer_.get(), cursor_, unread);
     }
-    cursor_ = buffer_.data();
-    char* const room = buffer_.data() + unread;
-    const auto free = static_cast<qint64>(buffer_.size() - readAhead - unread);
+    cursor_ = buffer_.get();
+    char* const room = buffer_.get() + unread;
+    const auto free = static_cast<qint64>(capacity_ - unread);
     const qint64 count = std::max(device_.read(room, std::min(free, unreadInDevice_)), qint64{0});
     unreadInDevice_ -= count;
     isAtEnd_ = count == 0 || unreadInDevice_ == 0;
     end_ = room + count;
-    *end_ = '\0';
+    std::memset(end_, 0, readAhead);
     return count > 0;
 }
 

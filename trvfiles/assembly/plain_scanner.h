@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,6 +58,9 @@ public:
     /// @param maxOpenElements  a document that nests more elements is unusual
     PlainScanner(QIODevice& device, std::size_t maxOpenElements);
 
+    /// The size of the document. REQUIRES: nothing has been read yet.
+    std::int64_t size() const { return unreadInDevice_; }
+
     /// Reads up to the next event. After documentEnd and unusual there is no further one. An
     /// element without content, "<a/>", has both events.
     Event next();
@@ -94,9 +98,10 @@ private:
     QIODevice& device_;
     const std::size_t maxOpenElements_;
     qint64 unreadInDevice_;
-    // The bytes from cursor_ to end_ are unread. A zero byte follows them, which no plain document
-    // contains: it ends every loop over characters.
-    std::vector<char> buffer_;
+    // The bytes from cursor_ to end_ are unread. Zero bytes follow them, which no plain document
+    // contains: the first one ends every loop over characters.
+    std::size_t capacity_;
+    std::unique_ptr<char[]> buffer_;
     const char* cursor_;
     char* end_;
     bool isAtEnd_ = false;
