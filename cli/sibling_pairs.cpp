@@ -142,13 +142,10 @@ private:
     std::vector<IndexPair> chain_;
 };
 
-bool areEqualOneByOne(const Siblings& first, const Siblings& second) {
-    if (first.size() != second.size()) return false;
-    for (std::size_t i = 0; i < first.size(); ++i) {
-        const OutlineNode& one = first.nodes[i];
-        const OutlineNode& other = second.nodes[i];
-        if (one.texts != other.texts) return false;
-        if (differenceOf(*one.component, *other.component).counts()) return false;
+bool areEqualOneByOne(const OutlineNode* first, const OutlineNode* second, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (first[i].texts != second[i].texts) return false;
+        if (differenceOf(*first[i].component, *second[i].component).counts()) return false;
     }
     return true;
 }
@@ -212,14 +209,16 @@ void pairByCriteria(Pairing& pairing, const Siblings& first, const Siblings& sec
 std::vector<SiblingPair> pairSiblings(const AssemblyOutline& firstOutline, const OutlineNode& first,
                                       const AssemblyOutline& secondOutline,
                                       const OutlineNode& second) {
-    const Siblings ones(firstOutline, first);
-    const Siblings others(secondOutline, second);
-    if (areEqualOneByOne(ones, others)) {
-        std::vector<SiblingPair> pairs(ones.size());
-        for (std::size_t i = 0; i < pairs.size(); ++i)
+    const std::size_t count = first.component->components.size();
+    if (second.component->components.size() == count &&
+        areEqualOneByOne(firstOutline.childrenOf(first), secondOutline.childrenOf(second), count)) {
+        std::vector<SiblingPair> pairs(count);
+        for (std::size_t i = 0; i < count; ++i)
             pairs[i] = {i, i, false};
         return pairs;
     }
+    const Siblings ones(firstOutline, first);
+    const Siblings others(secondOutline, second);
     Pairing pairing(ones, others);
     pairByCriteria(pairing, ones, others);
     return pairing.result();

@@ -157,7 +157,7 @@ Parts shuffled(int count, std::mt19937& random, bool areNamesUnique) {
 TEST(SiblingPairs, TakeTimeAlmostProportionalToTheLists) {
     std::mt19937 random(1);
     for (const bool areNamesUnique : {false, true}) {
-        const double ratio = growth(1000, 10000, [&](int count) {
+        const double ratio = growth(500, 5000, [&](int count) {
             const CTrvAssemblyData data =
                 assembly(component("", {component("", shuffled(count, random, areNamesUnique)),
                                         component("", shuffled(count, random, areNamesUnique))}));
