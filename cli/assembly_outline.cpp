@@ -67,17 +67,8 @@ AssemblyOutline::AssemblyOutline(const ComponentBody& root) {
     }
 }
 
-ContentKey AssemblyOutline::childrenKey(const OutlineNode& node) const {
-    if (node.component->components.empty()) return 0;
-    KeyBuilder builder;
-    const OutlineNode* const children = childrenOf(node);
-    for (std::size_t child = 0; child < node.component->components.size(); ++child)
-        builder.add(children[child].content);
-    return builder.key();
-}
-
 ContentKey AssemblyOutline::contentWithoutName(const OutlineNode& node) const {
-    const ComponentFields& fields = *node.component;
+    const ComponentBody& fields = *node.component;
     KeyBuilder builder;
     builder.add(fields.comment);
     builder.add(fields.geometryFileName);
@@ -85,7 +76,9 @@ ContentKey AssemblyOutline::contentWithoutName(const OutlineNode& node) const {
     builder.add(fields.translation);
     builder.add(fields.vec1);
     builder.add(fields.vec2);
-    builder.add(childrenKey(node));
+    const OutlineNode* const children = childrenOf(node);
+    for (std::size_t child = 0; child < fields.components.size(); ++child)
+        builder.add(children[child].content);
     return builder.key();
 }
 
@@ -102,15 +95,9 @@ ContentKey AssemblyOutline::textsOf(const OutlineNode& node) const {
     return builder.key();
 }
 
-ContentKey keyOf(const std::string& text) {
+ContentKey keyOf(const std::string& text, ContentKey other) {
     KeyBuilder builder;
     builder.add(text);
-    return builder.key();
-}
-
-ContentKey keyOf(const std::string& one, const std::string& other) {
-    KeyBuilder builder;
-    builder.add(one);
     builder.add(other);
     return builder.key();
 }

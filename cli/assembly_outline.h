@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace trv::cli {
@@ -41,8 +42,6 @@ public:
         return nodes_.data() + node.children;
     }
 
-    /// The key of the contents of the children; 0 if there are none.
-    ContentKey childrenKey(const OutlineNode& node) const;
     /// OutlineNode::content without the name.
     ContentKey contentWithoutName(const OutlineNode& node) const;
 
@@ -52,8 +51,7 @@ private:
     std::vector<OutlineNode> nodes_;
 };
 
-/// The key of one or two texts.
-ContentKey keyOf(const std::string& text);
-ContentKey keyOf(const std::string& one, const std::string& other);
+/// The key of a text, and of what another key describes.
+ContentKey keyOf(const std::string& text, ContentKey other = 0);
 
 }  // namespace trv::cli

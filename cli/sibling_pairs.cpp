@@ -169,9 +169,14 @@ Keys uniqueNames(const Siblings& siblings) {
     return unique;
 }
 
-ContentKey remainsKey(const AssemblyOutline& outline, const OutlineNode& node) {
-    const std::string& file = node.component->geometryFileName;
-    return file.empty() ? outline.childrenKey(node) : keyOf(file);
+// The geometry file, or the names of the children.
+ContentKey remainsKey(const AssemblyOutline&, const OutlineNode& node) {
+    const ComponentBody& component = *node.component;
+    if (!component.geometryFileName.empty()) return keyOf(component.geometryFileName);
+    ContentKey key = 0;
+    for (const ComponentBody& child : component.components)
+        key = keyOf(child.name, key);
+    return key;
 }
 
 void pairUniqueNames(Pairing& pairing, const Siblings& first, const Siblings& second) {
@@ -193,8 +198,8 @@ void pairByCriteria(Pairing& pairing, const Siblings& first, const Siblings& sec
     pairing.pairInOrder(content);
     pairing.pairInAnyOrder(content);
     pairing.pairInOrder([](const AssemblyOutline&, const OutlineNode& node) { return node.texts; });
-    pairing.pairInOrder([](const AssemblyOutline&, const OutlineNode& node) {
-        return keyOf(node.component->name, node.component->geometryFileName);
+    pairing.pairInOrder([](const AssemblyOutline& outline, const OutlineNode& node) {
+        return keyOf(node.component->geometryFileName, nameKey(outline, node));
     });
     pairing.pairInOrder(nameKey);
     pairUniqueNames(pairing, first, second);

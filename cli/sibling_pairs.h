@@ -36,7 +36,7 @@ struct SiblingPair {
 /// 3. the same name and geometry file, then the same name, in the same order
 /// 4. the same name, in any order, if it is unique among the siblings in both
 /// 5. the same content except the name, in the same order
-/// 6. the same geometry file, or without one the same children, in the same order
+/// 6. the same geometry file, or without one the same names of the children, in the same order
 ///
 /// "In the same order" means a common subsequence of the children between two pairs that exist
 /// already. Takes O(n log n) time: see commonSubsequence().

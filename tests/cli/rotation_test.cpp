@@ -12,23 +12,23 @@ namespace {
 // Three axes, by rows: the images of x, y and z.
 struct Axes {
     double rows[3][3];
-
-    operator cli::Orientation() const {  // NOLINT(google-explicit-constructor)
-        return {rows[0], rows[1], rows[2]};
-    }
 };
+
+cli::Orientation orientation(const Axes& axes) {
+    return {axes.rows[0], axes.rows[1], axes.rows[2]};
+}
 
 constexpr double half = 0.5;
 const double root = std::sqrt(3.0) / 2;
 const Axes identity = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
 std::string text(const Axes& axes) {
-    const auto rotation = cli::rotationOf(axes);
+    const auto rotation = cli::rotationOf(orientation(axes));
     return rotation ? cli::rotationText(*rotation).toStdString() : "none";
 }
 
 std::string text(const Axes& from, const Axes& to) {
-    const auto rotation = cli::rotationBetween(from, to);
+    const auto rotation = cli::rotationBetween(orientation(from), orientation(to));
     return rotation ? cli::rotationText(*rotation).toStdString() : "none";
 }
 

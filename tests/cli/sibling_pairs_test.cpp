@@ -123,11 +123,14 @@ TEST(SiblingPairs, PairARenamedPart) {
     EXPECT_EQ(pairs({leaf("a", "f")}, {at(1, leaf("b", "g"))}), "0- -0");
     // The same content is preferred to the same file.
     EXPECT_EQ(pairs({leaf("a", "f")}, {at(1, leaf("b", "f")), leaf("c", "f")}), "-0 0-1");
-    // The same children.
+    // The same names of the children.
     EXPECT_EQ(pairs({component("a", {component("x")})}, {at(1, component("b", {component("x")}))}),
               "0-0");
     EXPECT_EQ(pairs({component("a", {component("x")})}, {at(1, component("b", {component("y")}))}),
               "0- -0");
+    EXPECT_EQ(pairs({component("a", {component("x"), component("y")})},
+                    {component("b", {component("x"), leaf("y", "f")})}),
+              "0-0");
     EXPECT_EQ(pairs({component("a")}, {at(1, component("b"))}), "0- -0");
 }
 
