@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <limits>
 #include <string>
@@ -128,6 +129,17 @@ TEST_F(AssemblyOutlineKeys, OfTextsIgnoreThePlacement) {
 TEST_F(AssemblyOutlineKeys, IgnoreVec3AndTheLastDecimals) {
     EXPECT_EQ(changedBy([](auto& part) { orient(part, 1, 1, 2); }), "/ ");
     EXPECT_EQ(changedBy([](auto& part) { translate(part, 1e-7, -1e-7, -0.0); }), "/ ");
+}
+
+TEST(AssemblyOutline, HasOneKeyForAllNans) {
+    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    const auto content = [](double value) {
+        CTrvAssemblyComponentData part = component("a");
+        translate(part, value, 0, 0);
+        return outlineOf(assembly(part)).root().content;
+    };
+    EXPECT_EQ(content(std::copysign(notANumber, 1)), content(std::copysign(notANumber, -1)));
+    EXPECT_NE(content(notANumber), content(0));
 }
 
 TEST_F(AssemblyOutlineKeys, DependOnTheOrderOfChildren) {

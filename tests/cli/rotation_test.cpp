@@ -60,6 +60,7 @@ TEST(Rotation, MayBeAHalfTurn) {
     EXPECT_EQ(text({{{-1, 1e-12, 0}, {-1e-12, -1, 0}, {0, 0, 1}}}), "180° about z");
     EXPECT_EQ(text({{{-1, -1e-12, 0}, {1e-12, -1, 0}, {0, 0, 1}}}), "180° about z");
     EXPECT_EQ(text({{{0, -1, 0}, {-1, 0, 0}, {0, 0, -1}}}), "180° about 0.707107 -0.707107 0");
+    EXPECT_EQ(text({{{-0.28, -0.96, 0}, {-0.96, 0.28, 0}, {0, 0, -1}}}), "180° about 0.6 -0.8 0");
 }
 
 TEST(Rotation, MayBeSmall) {

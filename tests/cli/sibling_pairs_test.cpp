@@ -86,6 +86,14 @@ TEST(SiblingPairs, PairChangedPartsOfTheSameNameInOrder) {
     EXPECT_EQ(pairs({leaf("jaw", "j")}, {at(1, leaf("jaw", "k"))}), "0-0");
 }
 
+TEST(SiblingPairs, PreferTheSameFileAmongPartsOfTheSameName) {
+    CTrvAssemblyComponentData changed = leaf("jaw", "k");
+    changed.setComment("c");
+    EXPECT_EQ(pairs({leaf("jaw", "j"), leaf("jaw", "k")}, {changed}), "0- 1-0");
+    EXPECT_EQ(pairs({leaf("jaw", "j"), leaf("jaw", "k")}, {leaf("jaw", "l"), leaf("jaw", "m")}),
+              "0-0 1-1");
+}
+
 TEST(SiblingPairs, PairTheSameSubtreesFirst) {
     const Parts first = {component("g", {component("x")}), component("g", {component("y")}),
                          component("g", {component("z")})};
