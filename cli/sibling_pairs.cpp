@@ -169,13 +169,13 @@ Keys uniqueNames(const Siblings& siblings) {
     return unique;
 }
 
-// The geometry file, or the names of the children.
+// The geometry file, or the names of the children in any order.
 ContentKey remainsKey(const AssemblyOutline&, const OutlineNode& node) {
     const ComponentBody& component = *node.component;
     if (!component.geometryFileName.empty()) return keyOf(component.geometryFileName);
     ContentKey key = 0;
     for (const ComponentBody& child : component.components)
-        key = keyOf(child.name, key);
+        key += keyOf(child.name);
     return key;
 }
 

@@ -32,18 +32,19 @@ struct SiblingPair {
 /// the first, and so on. Else they are paired by these criteria, one after the other:
 ///
 /// 1. the same content, first in the same order, then in any order
-/// 2. the same texts in the whole subtree, in the same order
+/// 2. the same content except the placements, in the same order
 /// 3. the same name and geometry file, then the same name, in the same order
 /// 4. the same name, in any order, if it is unique among the siblings in both
 /// 5. the same content except the name, in the same order
-/// 6. the same geometry file, or without one the same names of the children, in the same order
+/// 6. the same geometry file, or for a component without one the same names of its children in any
+///    order; the components themselves in the same order
 ///
 /// "In the same order" means a common subsequence of the children between two pairs that exist
 /// already. Takes O(n log n) time: see commonSubsequence().
 ///
-/// Guarantees that the result is all children in order, without a moved one, if the trees are equal
-/// within the tolerances of the comparison. In all other cases the pairs, the counterparts or what
-/// is below them differ.
+/// Guarantees that all children are pairs in their order if both lists are equal within the
+/// tolerances of the comparison. If the lists are unequal, a child has no counterpart, a pair is
+/// moved, or the components of a pair are unequal.
 std::vector<SiblingPair> pairSiblings(const AssemblyOutline& firstOutline, const OutlineNode& first,
                                       const AssemblyOutline& secondOutline,
                                       const OutlineNode& second);

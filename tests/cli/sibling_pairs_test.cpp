@@ -137,7 +137,7 @@ TEST(SiblingPairs, PairARenamedPart) {
     EXPECT_EQ(pairs({component("a", {component("x")})}, {at(1, component("b", {component("y")}))}),
               "0- -0");
     EXPECT_EQ(pairs({component("a", {component("x"), component("y")})},
-                    {component("b", {component("x"), leaf("y", "f")})}),
+                    {component("b", {leaf("y", "f"), component("x")})}),
               "0-0");
     EXPECT_EQ(pairs({component("a")}, {at(1, component("b"))}), "0- -0");
 }
