@@ -88,15 +88,15 @@ TEST(DifferenceJson, HasNoAngleWithoutARotation) {
 }
 
 TEST(DifferenceJson, HasWhatIsAddedRemovedOrMoved) {
-    EXPECT_EQ(
-        json(assembly(component("r", {leaf("a", "f"), leaf("b", "g"), leaf("c", "h"),
-                                      component("d", {leaf("e", "i"), leaf("f", "j")})})),
-             assembly(
-                 component("r", {leaf("x", "k"), leaf("b", "g"), leaf("c", "h"), leaf("a", "f")}))),
-        unequal(
-            R"({"change":"moved","field":null,"first":0,"path":"r/a[0]","second":3},)"
-            R"({"below":0,"change":"added","field":null,"first":null,"path":"r/x[0]","second":0},)"
-            R"({"below":2,"change":"removed","field":null,"first":3,"path":"r/d[3]","second":null})"));
+    EXPECT_EQ(json(assembly(component("r", {leaf("a", "f"), leaf("b", "g"), leaf("c", "h"),
+                                            component("d", {leaf("e", "i"), leaf("f", "j")})})),
+                   assembly(component(
+                       "r", {leaf("x", "k"), leaf("b", "g"), leaf("c", "h"), leaf("a", "f")}))),
+              unequal(R"({"change":"moved","field":null,"first":0,"path":"r/a[0]","second":3},)"
+                      R"({"below":0,"change":"added","field":null,"first":null,"path":"r/x[0]",)"
+                      R"("second":0},)"
+                      R"({"below":2,"change":"removed","field":null,"first":3,"path":"r/d[3]",)"
+                      R"("second":null})"));
 }
 
 TEST(DifferenceJson, HasNotesOfEqualAssemblies) {
