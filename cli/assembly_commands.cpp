@@ -1,6 +1,7 @@
 #include <cli/assembly_difference.h>
 #include <cli/assembly_report.h>
 #include <cli/command.h>
+#include <cli/difference_json.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
@@ -36,12 +37,17 @@ ExitStatus list(const QCommandLineParser& call, const Console& console) {
 }
 
 ExitStatus diff(const QCommandLineParser& call, const Console& console) {
+    const QStringList names = call.positionalArguments();
     CTrvAssemblyData assemblies[2];
     for (int i = 0; i < 2; ++i) {
-        const QString name = call.positionalArguments().at(i);
-        if (const Problem problem = readAssembly(name, assemblies[i])) {
-            return report(name, problem, console);
+        if (const Problem problem = readAssembly(names.at(i), assemblies[i])) {
+            return report(names.at(i), problem, console);
         }
+    }
+    if (call.isSet(QStringLiteral("json"))) {
+        const bool found = printDifferencesAsJson({names.at(0), assemblies[0]},
+                                                  {names.at(1), assemblies[1]}, console.out);
+        return found ? negative : done;
     }
     if (printDifferences(assemblies[0], assemblies[1], console.out)) return negative;
     console.out << "The assemblies are equal\n";
@@ -79,11 +85,14 @@ CommandGroup assemblyCommands() {
 
     Command compare;
     compare.name = QStringLiteral("assembly diff");
-    compare.arguments = QStringLiteral("FILE FILE");
+    compare.arguments = QStringLiteral("[--json] FILE FILE");
     compare.summary = QStringLiteral("Show the differences between two assemblies");
     compare.details = QStringLiteral(
-        "Prints a line for each difference beyond the tolerances. Differences in vec3 are\n"
-        "noted and do not count. Exit status: 0 equal, 1 different, 2 an error.\n");
+        "Prints a line for each difference beyond the tolerances. Components are paired\n"
+        "by content, name and geometry file: what was added, removed or moved among its\n"
+        "siblings is one line. Differences in vec3 are noted and do not count.\n"
+        "Exit status: 0 equal, 1 different, 2 an error.\n");
+    compare.options = {jsonOption()};
     compare.examples += QStringLiteral("trvfiles assembly diff bracket.xml bracket-rev-b.xml");
     compare.minFiles = 2;
     compare.maxFiles = 2;

@@ -1,136 +1,127 @@
 #include <cli/assembly_difference.h>
+#include <cli/difference_walk.h>
 #include <cli/text_output.h>
 #include <trvfiles/assembly/assembly_comparison.h>
-#include <trvfiles/assembly/component_body.h>
 
 #include <QString>
+#include <QStringList>
 
-#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <string>
-#include <vector>
 
 namespace trv::cli {
 namespace {
 
-// Iterative: the trees may be deeper than the stack. The path of the current pair is one text that
-// grows and shrinks with the levels, so a line takes time for its own length only.
-class Comparison {
-public:
-    explicit Comparison(std::ostream& out) : out_(out) {}
+using Change = Difference::Change;
+using Field = Difference::Field;
 
-    bool found() const { return found_; }
+QString changeText(const QString& from, const QString& to) {
+    return QStringLiteral("%1 -> %2").arg(from, to);
+}
 
-    void compareSizes(const CTrvAssemblyData& first, const CTrvAssemblyData& second) {
-        double one[3];
-        double other[3];
-        first.getDimension(one);
-        second.getDimension(other);
-        path_ = "dimension";
-        if (dimensionsDiffer(one, other)) {
-            printChange(QString(), vectorText(one), vectorText(other));
+QString quotedChange(const std::string& from, const std::string& to) {
+    const QString quoted = QStringLiteral("\"%1\"");
+    return changeText(quoted.arg(shown(from)), quoted.arg(shown(to)));
+}
+
+QString vectorChange(const double from[3], const double to[3]) {
+    return changeText(vectorText(from), vectorText(to));
+}
+
+QString translationText(const Difference& difference) {
+    double translation[3];
+    for (std::size_t i = 0; i < 3; ++i) {
+        translation[i] = difference.secondVector[i] - difference.firstVector[i];
+        if (!std::isfinite(translation[i])) {
+            return QStringLiteral("translation ") +
+                   vectorChange(difference.firstVector, difference.secondVector);
         }
     }
+    return QStringLiteral("moved by ") + roundedVectorText(translation);
+}
 
-    void compareTrees(const ComponentBody& first, const ComponentBody& second) {
-        path_ = first.name.empty() ? "(root)" : shown(first.name).toStdString();
-        compare(first, second);
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.next == std::min(level.first->size(), level.second->size())) {
-                printExtra(*level.first, "first");
-                printExtra(*level.second, "second");
-                levels_.pop_back();
-                continue;
-            }
-            const std::size_t index = level.next++;
-            enterChild((*level.first)[index], index);
-            compare((*level.first)[index], (*level.second)[index]);
-        }
+// Without a rotation, the text for each of the two vectors that differ.
+QStringList orientationTexts(const Difference& difference) {
+    if (difference.rotation)
+        return {QStringLiteral("turned by ") + rotationText(*difference.rotation)};
+    const ComponentFields& one = *difference.first->component;
+    const ComponentFields& other = *difference.second->component;
+    const ComponentDifference vectors = differenceOf(one, other);
+    QStringList texts;
+    if (vectors.vec1) texts += QStringLiteral("vec1 ") + vectorChange(one.vec1, other.vec1);
+    if (vectors.vec2) texts += QStringLiteral("vec2 ") + vectorChange(one.vec2, other.vec2);
+    return texts;
+}
+
+QStringList fieldTexts(const Difference& difference) {
+    if (difference.field == Field::dimension) {
+        return {vectorChange(difference.firstVector, difference.secondVector)};
     }
-
-private:
-    using Components = std::vector<ComponentBody>;
-    // The children of a pair.
-    struct Level {
-        const Components* first;
-        const Components* second;
-        /// The number of the pair after the current one.
-        std::size_t next;
-        /// The length of the parents' path.
-        std::size_t pathLength;
+    const ComponentFields& one = *difference.first->component;
+    const ComponentFields& other = *difference.second->component;
+    const auto enabledText = [](const ComponentFields& fields) {
+        return fields.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled");
     };
-
-    void compare(const ComponentBody& one, const ComponentBody& other) {
-        const ComponentDifference difference = differenceOf(one, other);
-        if (difference.name) printTexts("name", one.name, other.name);
-        if (difference.comment) printTexts("comment", one.comment, other.comment);
-        if (difference.geometryFileName) {
-            printTexts("file", one.geometryFileName, other.geometryFileName);
-        }
-        if (difference.enabled) printChange(QString(), enabledText(one), enabledText(other));
-        if (difference.translation) printVectors("translation", one.translation, other.translation);
-        if (difference.vec1) printVectors("vec1", one.vec1, other.vec1);
-        if (difference.vec2) printVectors("vec2", one.vec2, other.vec2);
-        if (difference.vec3) {
-            const QString change = QStringLiteral(": vec3 %1 -> %2, which does not count\n")
-                                       .arg(vectorText(one.vec3), vectorText(other.vec3));
-            out_ << "note: " << path_ << qUtf8Printable(change);
-        }
-        levels_.push_back({&one.components, &other.components, 0, path_.size()});
+    switch (difference.field) {
+        case Field::name:
+            return {QStringLiteral("name ") + quotedChange(one.name, other.name)};
+        case Field::comment:
+            return {QStringLiteral("comment ") + quotedChange(one.comment, other.comment)};
+        case Field::geometryFile:
+            return {QStringLiteral("file ") +
+                    quotedChange(one.geometryFileName, other.geometryFileName)};
+        case Field::enabled:
+            return {changeText(enabledText(one), enabledText(other))};
+        case Field::translation:
+            return {translationText(difference)};
+        case Field::orientation:
+            return orientationTexts(difference);
+        default:
+            return {};
     }
+}
 
-    static QString enabledText(const ComponentBody& component) {
-        return component.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled");
+QString unpairedText(const OutlineNode& node, const QString& side) {
+    const QString text = QStringLiteral("only in the %1 file").arg(side);
+    if (node.size == 1) return text;
+    return QStringLiteral("%1, with %2 below")
+        .arg(text,
+             counted(node.size - 1, QStringLiteral("component"), QStringLiteral("components")));
+}
+
+QStringList differenceTexts(const Difference& difference) {
+    switch (difference.change) {
+        case Change::added:
+            return {unpairedText(*difference.second, QStringLiteral("second"))};
+        case Change::removed:
+            return {unpairedText(*difference.first, QStringLiteral("first"))};
+        case Change::moved:
+            return {QStringLiteral("moved among its siblings to [%1]").arg(difference.secondIndex)};
+        case Change::ignored:
+            return {QStringLiteral("vec3 %1, which does not count")
+                        .arg(vectorChange(difference.firstVector, difference.secondVector))};
+        case Change::changed:
+            return fieldTexts(difference);
     }
-
-    void printTexts(const char* what, const std::string& one, const std::string& other) {
-        printChange(QString::fromLatin1(what), QStringLiteral("\"%1\"").arg(shown(one)),
-                    QStringLiteral("\"%1\"").arg(shown(other)));
-    }
-
-    void printVectors(const char* what, const double one[3], const double other[3]) {
-        printChange(QString::fromLatin1(what), vectorText(one), vectorText(other));
-    }
-
-    // @param what  empty if the values are clear without it
-    void printChange(const QString& what, const QString& from, const QString& to) {
-        found_ = true;
-        const QString before = what.isEmpty() ? QString() : what + QLatin1Char(' ');
-        out_ << path_ << qUtf8Printable(QStringLiteral(": %1%2 -> %3\n").arg(before, from, to));
-    }
-
-    // The components of the last level that have no counterpart on the other side.
-    void printExtra(const Components& components, const char* side) {
-        for (std::size_t index = levels_.back().next; index < components.size(); ++index) {
-            found_ = true;
-            enterChild(components[index], index);
-            out_ << path_ << ": only in the " << side << " file\n";
-        }
-    }
-
-    // Makes the path that of a component of the last level.
-    void enterChild(const ComponentBody& component, std::size_t index) {
-        path_.resize(levels_.back().pathLength);
-        path_ += '/' + shown(component.name).toStdString() + '[' + std::to_string(index) + ']';
-    }
-
-    std::ostream& out_;
-    std::vector<Level> levels_;
-    /// Of the current pair, in the first assembly's names.
-    std::string path_;
-    bool found_ = false;
-};
+    return {};
+}
 
 }  // namespace
 
 bool printDifferences(const CTrvAssemblyData& first, const CTrvAssemblyData& second,
                       std::ostream& out) {
-    Comparison comparison(out);
-    comparison.compareSizes(first, second);
-    comparison.compareTrees(ComponentBody::of(first.getRootComponent()),
-                            ComponentBody::of(second.getRootComponent()));
-    return comparison.found();
+    bool found = false;
+    DifferenceWalk(first, second).run(PathForm::visible, [&](const Difference& difference) {
+        const bool isNote = difference.change == Change::ignored;
+        found = found || !isNote;
+        for (const QString& text : differenceTexts(difference)) {
+            out << (isNote ? "note: " : "")
+                << (difference.field == Field::dimension ? "dimension" : difference.path) << ": "
+                << qUtf8Printable(text) << '\n';
+        }
+    });
+    return found;
 }
 
 }  // namespace trv::cli

@@ -108,6 +108,31 @@ TEST_F(AssemblyCommands, DiffOfUnequalFilesIsNegative) {
     EXPECT_EQ(answer.err, "");
 }
 
+TEST_F(AssemblyCommands, DiffOfTheOrderIsNegative) {
+    const QString first = file("a", assembly(component("r", {leaf("a", "f"), leaf("b", "g")})));
+    const QString second = file("b", assembly(component("r", {leaf("b", "g"), leaf("a", "f")})));
+    const Answer answer = answerTo(words("assembly diff") + QStringList({first, second}));
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_EQ(answer.out, "r/a[0]: moved among its siblings to [1]\n");
+}
+
+TEST_F(AssemblyCommands, DiffPrintsJson) {
+    const QString first = file("a", chain(2, "f"));
+    const QString second = file("b", chain(2, "g"));
+    const Answer different = answerTo(words("assembly diff --json") + QStringList({first, second}));
+    EXPECT_EQ(different.status, 1);
+    EXPECT_EQ(different.err, "");
+    EXPECT_EQ(different.out,
+              "{\"files\":[\"" + first.toStdString() + "\",\"" + second.toStdString() +
+                  "\"],\"differences\":[{\"change\":\"changed\",\"field\":\"geometryFile\","
+                  "\"first\":\"f\",\"path\":\"L/L[0]\",\"second\":\"g\"}],\"notes\":[],"
+                  "\"equal\":false}\n");
+    const Answer equal = answerTo(words("assembly diff --json") + QStringList({first, first}));
+    EXPECT_EQ(equal.status, 0);
+    EXPECT_EQ(equal.out, "{\"files\":[\"" + first.toStdString() + "\",\"" + first.toStdString() +
+                             "\"],\"differences\":[],\"notes\":[],\"equal\":true}\n");
+}
+
 TEST_F(AssemblyCommands, DiffOfTheThirdVectorIsDone) {
     const double vec1[] = {1, 0, 0};
     const double vec2[] = {0, 1, 0};

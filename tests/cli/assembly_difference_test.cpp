@@ -67,7 +67,7 @@ TEST(PrintDifferences, NamesEveryField) {
               "a: comment \"\" -> \"c\"\n"
               "a: file \"f\" -> \"g\\x0a\"\n"
               "a: enabled -> disabled\n"
-              "a: translation 0 0 0 -> 0 0 0.5\n"
+              "a: moved by 0 0 0.5\n"
               "a: vec1 1 0 0 -> 2 0 0\n"
               "a: vec2 0 1 0 -> 0 2 0\n");
     EXPECT_NE(difference(assembly(other), assembly(one)).find("b: disabled -> enabled\n"),
@@ -78,7 +78,7 @@ TEST(PrintDifferences, ComparesPlacementsWithATolerance) {
     EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(1e-7, 0, 0))), "");
     EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(1e-6, 0, 0))), "");
     EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(movedTo(0, 2e-6, 0))),
-              "a: translation 0 0 0 -> 0 2e-06 0\n");
+              "a: moved by 0 0.000002 0\n");
 }
 
 TEST(PrintDifferences, TreatsNoNanAsADifference) {
@@ -123,11 +123,45 @@ TEST(PrintDifferences, NamesComponentsWithoutACounterpart) {
 
 TEST(PrintDifferences, ContinuesAfterADifference) {
     EXPECT_EQ(
-        difference(assembly(component("a", {component("b", {component("c")}), leaf("d", "f")})),
-                   assembly(component("a", {component("B", {component("C")}), leaf("d", "g")}))),
-        "a/b[0]: name \"b\" -> \"B\"\n"
+        difference(assembly(component("a", {component("b", {leaf("c", "e")}), leaf("d", "f")})),
+                   assembly(component("A", {component("b", {leaf("C", "e")}), leaf("d", "g")}))),
+        "a: name \"a\" -> \"A\"\n"
         "a/b[0]/c[0]: name \"c\" -> \"C\"\n"
         "a/d[1]: file \"f\" -> \"g\"\n");
+}
+
+TEST(PrintDifferences, CountsTheComponentsBelowOneWithoutACounterpart) {
+    const CTrvAssemblyData small = assembly(component("a"));
+    EXPECT_EQ(difference(assembly(component("a", {component("b", {component("c")})})), small),
+              "a/b[0]: only in the first file, with 1 component below\n");
+    EXPECT_EQ(difference(small, assembly(component(
+                                    "a", {component("b", {component("c", {component("d")})})}))),
+              "a/b[0]: only in the second file, with 2 components below\n");
+}
+
+TEST(PrintDifferences, PrintsALineForAMovedComponent) {
+    EXPECT_EQ(
+        difference(assembly(component("a", {leaf("b", "f"), leaf("c", "g"), leaf("d", "h")})),
+                   assembly(component("a", {leaf("c", "g"), leaf("d", "h"), leaf("b", "f")}))),
+        "a/b[0]: moved among its siblings to [2]\n");
+    EXPECT_EQ(difference(assembly(component("a", {leaf("b", "f"), leaf("c", "g"), leaf("d", "h")})),
+                         assembly(component("a", {leaf("x", "y"), leaf("b", "f"), leaf("c", "g"),
+                                                  leaf("d", "h")}))),
+              "a/x[0]: only in the second file\n");
+}
+
+TEST(PrintDifferences, PrintsPlacementsInWords) {
+    CTrvAssemblyComponentData other = movedTo(4, -1.0 / 3, 0);
+    const double vec1[] = {0.8660254037844387, 0.49999999999999994, 0};
+    const double vec2[] = {-0.49999999999999994, 0.8660254037844387, 0};
+    const double vec3[] = {0, 0, 1};
+    other.setOrientation(vec1, vec2, vec3);
+    EXPECT_EQ(difference(assembly(movedTo(0, 0, 0)), assembly(other)),
+              "a: moved by 4 -0.333333 0\n"
+              "a: turned by 30° about z\n");
+    EXPECT_EQ(difference(assembly(other), assembly(movedTo(0, 0, 0))),
+              "a: moved by -4 0.333333 0\n"
+              "a: turned by -30° about z\n");
 }
 
 TEST(PrintDifferences, AcceptsAnyDepth) {

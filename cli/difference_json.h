@@ -1,0 +1,27 @@
+#pragma once
+
+/// @file
+/// What differs between two assemblies, as JSON.
+
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+
+#include <QString>
+
+#include <ostream>
+
+namespace trv::cli {
+
+/// An assembly, and the name of its file as it was given.
+struct NamedAssembly {
+    QString name;
+    const CTrvAssemblyData& data;
+};
+
+/// Prints the differences that a DifferenceWalk finds; docs/command.md lists the keys. They are
+/// printed while they are found, so they need no memory.
+///
+/// @return whether there is a difference, notes not counted: `first.data != second.data`
+bool printDifferencesAsJson(const NamedAssembly& first, const NamedAssembly& second,
+                            std::ostream& out);
+
+}  // namespace trv::cli
