@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The fuzz targets. Each accepts any bytes as its input, passes them to one reader of the library,
+/// The fuzz targets. Each accepts any bytes as its input, passes them to one part of the library,
 /// and checks the laws that hold for every input.
 
 #include <string_view>
@@ -15,6 +15,7 @@ struct Target {
     Check check;
 };
 
+void checkAssemblyWriting(std::string_view input);
 void checkAssemblyXml(std::string_view input);
 void checkAxisText(std::string_view input);
 void checkExpansion(std::string_view input);
@@ -26,6 +27,7 @@ void checkSectionedFile(std::string_view input);
 void checkStoreOperations(std::string_view input);
 
 inline constexpr Target targets[] = {
+    {"assembly_writing", checkAssemblyWriting},
     {"assembly_xml", checkAssemblyXml},
     {"axis_text", checkAxisText},
     {"expansion", checkExpansion},

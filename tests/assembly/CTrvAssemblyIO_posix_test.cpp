@@ -19,6 +19,7 @@
 #include <new>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -50,6 +51,30 @@ TEST(AssemblyFileOnPosix, GivesAShortWriteIfTheDiskIsFullAtAnyByte) {
         })) << maxSize;
         ASSERT_EQ(bytesOf(path), whole.substr(0, maxSize));
     }
+}
+
+// A file is written in blocks of 64 KiB.
+TEST(AssemblyFileOnPosix, GivesAShortWriteIfTheDiskIsFullAroundABlock) {
+    const trv::testing::TemporaryDirectory directory;
+    const std::string path = (directory / "a.xml").string();
+    const CTrvAssemblyData large = assemblyOf(trv::testing::group(
+        "g", std::vector<CTrvAssemblyComponentData>(600, leaf("part", "part.stl"))));
+    CQvFilesIO facade(directory.text());
+    ASSERT_EQ(facade.writeTrvAssembly("a.xml", large), eFileIOSuccess);
+    const std::string whole = bytesOf(path);
+    ASSERT_GT(whole.size(), 200000U);
+    for (const std::size_t maxSize : {65535, 65536, 66000, 131072, 140000, 196608}) {
+        ASSERT_TRUE(passesInChild([&] {
+            ASSERT_TRUE(trv::testing::limitFileSize(maxSize));
+            EXPECT_EQ(facade.writeTrvAssembly("a.xml", large), eFileIOShortWrite);
+        })) << maxSize;
+        ASSERT_TRUE(bytesOf(path) == whole.substr(0, maxSize)) << maxSize;
+    }
+    ASSERT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(trv::testing::limitFileSize(whole.size() - 1));
+        EXPECT_EQ(facade.writeTrvAssembly("a.xml", large), eFileIOShortWrite);
+    }));
+    ASSERT_TRUE(bytesOf(path) == whole.substr(0, whole.size() - 1));
 }
 
 TEST(AssemblyFileOnPosix, GivesOpenErrorsWithoutPermission) {
@@ -88,13 +113,16 @@ TEST(AssemblyFileOnPosix, ReadsFromAPipe) {
     CQvFilesIO facade(directory.text());
     const CTrvAssemblyData deep = assemblyOf(trv::testing::chain(500));
     ASSERT_EQ(facade.writeTrvAssembly("a.xml", deep), eFileIOSuccess);
+    const std::string document = bytesOf(directory / "a.xml");
     ASSERT_EQ(::mkfifo((directory / "pipe").c_str(), 0600), 0);
-    std::thread writer(
-        [&] { trv::testing::writeBytes(directory / "pipe", bytesOf(directory / "a.xml")); });
-    CTrvAssemblyData data;
-    EXPECT_EQ(facade.readTrvAssembly("pipe", data), eFileIOSuccess);
-    EXPECT_EQ(data, deep);
-    writer.join();
+    // Only the DOM reads a document with an instruction. A pipe cannot be read a second time.
+    for (const std::string& bytes : {document, document + "<?a b?>"}) {
+        std::thread writer([&] { trv::testing::writeBytes(directory / "pipe", bytes); });
+        CTrvAssemblyData data;
+        EXPECT_EQ(facade.readTrvAssembly("pipe", data), eFileIOSuccess);
+        EXPECT_EQ(data, deep);
+        writer.join();
+    }
 }
 
 TEST(AssemblyFileOnPosix, ThrowsBadAllocForADeepFileWhenNoFurtherStackIsAvailable) {

@@ -385,6 +385,25 @@ TEST_F(AssemblyFile, NotesWhatItReadsDifferently) {
     EXPECT_EQ(fault.notes[1].line, 2);
 }
 
+// The scanner reads such a document too, but has no notes.
+TEST_F(AssemblyFile, NotesWhatItReadsDifferentlyInAPlainDocument) {
+    writeBytes(directory / "a.xml",
+               "<ComponentInfo version='1'><Attributs/>\n<Component enabled='x'><Data>\n"
+               "<Component name='b'><Translation x='1,5'/></Component></Data></Component>\n"
+               "</ComponentInfo>");
+    CFileFault fault;
+    CTrvAssemblyIO file(QString::fromStdString(directory.text() + "/a.xml"));
+    EXPECT_EQ(file.read(data, &fault), eFileIOSuccess);
+    ASSERT_EQ(fault.notes.size(), 2u);
+    EXPECT_EQ(fault.notes[0].kind, CFileFault::Note::Kind::notAFlag);
+    EXPECT_EQ(fault.notes[0].line, 2);
+    EXPECT_EQ(fault.notes[1].kind, CFileFault::Note::Kind::notANumber);
+    EXPECT_EQ(fault.notes[1].line, 3);
+    CTrvAssemblyData again;
+    EXPECT_EQ(file.read(again), eFileIOSuccess);
+    EXPECT_EQ(again, data);
+}
+
 TEST_F(AssemblyFile, ReportsWhyItIsNotWritten) {
     CFileFault fault;
     const auto write = [&](const CTrvAssemblyComponentData& root, const char* name) {

@@ -118,14 +118,26 @@ TEST(PlainScanner, AcceptsAByteOrderMarkAndADeclaration) {
 
 TEST(PlainScanner, FindsAnotherDeclarationUnusual) {
     for (const std::string declaration :
-         {"<?xml?>", "<?xml version=\"1.1\"?>", "<?xml version=\"1.0\" encoding=\"UTF-16\"?>",
+         {"<?xml?>",
+          "<?xml version=\"1.1\"?>",
+          "<?xml version=\"1.0\" encoding=\"UTF-16\"?>",
           "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>",
-          "<?xml version=\"1.0\" encoding=\"UTFM8\"?>", "<?xml version=\"1.0\" encoding=\"UTF8\"?>",
-          "<?xml encoding=\"UTF-8\"?>", "<?xml version=\"1.0\" standalone=\"yes\"?>",
+          "<?xml version=\"1.0\" encoding=\"UTFM8\"?>",
+          "<?xml version=\"1.0\" encoding=\"UTF8\"?>",
+          "<?xml encoding=\"UTF-8\"?>",
+          "<?xml version=\"1.0\" standalone=\"yes\"?>",
           "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>",
-          "<?xml version=\"1.0\"encoding=\"UTF-8\"?>", "<?xml version=1.0?>",
-          "<?xml version=\"1.0'?>", "<?xmlversion=\"1.0\"?>", "<?xml version=\"1.0\" x?>",
-          "<?xml version=\"1.0\"?", " <?xml version=\"1.0\"?>", "<?x y?>",
+          "<?xml version=\"1.0\"encoding=\"UTF-8\"?>",
+          "<?xml version=1.0?>",
+          "<?xml encoding=\"UTF-8\" version=\"1.0\"?>",
+          "<?xml version=x1.0x?>",
+          "<?xml version=\"1.0?>",
+          "<?xml version=\"1.0'?>",
+          "<?xmlversion=\"1.0\"?>",
+          "<?xml version=\"1.0\" x?>",
+          "<?xml version=\"1.0\"?",
+          " <?xml version=\"1.0\"?>",
+          "<?x y?>",
           "<?xml version=\"1.0\"?><?xml version=\"1.0\"?>"}) {
         EXPECT_EQ("?", eventsOf(declaration + "<a/>")) << declaration;
     }
@@ -144,7 +156,8 @@ TEST(PlainScanner, FindsOtherReferencesUnusual) {
          {"&",          "&;",       "&lt",       "&x;",        "&#;",        "&#x;",
           "&#xFFFE;",   "&#xffff;", "&#65534;",  "&#0;",       "&#x1f;",     "&#11;",
           "&#xD800;",   "&#xDFFF;", "&#x10000;", "&#x10FFFF;", "&#x110000;", "&#4294967361;",
-          "&#0000065;", "&#6G;",    "&#X41;",    "& amp;",     "&amp ;",     "&LT;"}) {
+          "&#0000065;", "&#6G;",    "&#6A;",     "&#x4G;",     "&#6-;",      "&#X41;",
+          "& amp;",     "&amp ;",   "&LT;"}) {
         EXPECT_EQ("?", eventsOf("<a x=\"" + reference + "\"/>")) << reference;
     }
 }
@@ -157,7 +170,8 @@ TEST(PlainScanner, FindsMalformedUtf8Unusual) {
     for (const std::string bytes :
          {"\x80", "\xC3", "\xC3(", "\xC0\xAF", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80",
           "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xE2\x82", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",
-          "\xF0\x9F\x98", "\xF5\x80\x80\x80", "\xFF"}) {
+          "\xF0\x9F\x98", "\xE2\x82(", "\xF0\x9F(\x80", "\xF0\x9F\x98(", "\xF5\x80\x80\x80",
+          "\xFF"}) {
         EXPECT_EQ("?", eventsOf("<a x=\"" + bytes + "\"/>")) << bytes;
         EXPECT_EQ("?", eventsOf("<a><!--" + bytes + "--></a>")) << bytes;
     }
@@ -217,9 +231,13 @@ TEST(PlainScanner, FindsMalformedDocumentsUnusual) {
                                        "<a b/>",
                                        "<a b=/>",
                                        "<a b=c/>",
+                                       "<a b=&c&/>",
+                                       "<a b=<c</>",
                                        "<a b=\"/>",
                                        "<a b='\"/>",
                                        "<a b = \"\"/>",
+                                       "<a b \"\"/>",
+                                       "<a b;\"\"/>",
                                        "<a b=\"\"c=\"\"/>",
                                        "<a b=\"<\"/>",
                                        "<a b=\"\" b=\"\"/>",
@@ -228,6 +246,8 @@ TEST(PlainScanner, FindsMalformedDocumentsUnusual) {
                                        "<a x:y=\"\"/>",
                                        "<x:a/>",
                                        "<\xC3\xA9/>",
+                                       "<a\xC3\xA9/>",
+                                       "<a b\xC3\xA9=\"\"/>",
                                        "<a \xC3\xA9=\"\"/>",
                                        "<a 1=\"\"/>",
                                        "<a><!--</a>",

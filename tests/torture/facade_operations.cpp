@@ -79,6 +79,13 @@ CTrvAssemblyData flatAssembly() {
     return assemblyOf(group("new", {leaf("x", "x.stl"), leaf("y", "y.stl")}), {1, 2, 3});
 }
 
+// Three blocks of 64 KiB.
+CTrvAssemblyData largeAssembly() {
+    constexpr int children = 500;
+    return assemblyOf(
+        group("root", std::vector<CTrvAssemblyComponentData>(children, leaf("a", "f"))));
+}
+
 CTrvAssemblyData deepAssembly() {
     constexpr int deep = 110;
     return assemblyOf(chain(deep));
@@ -199,16 +206,30 @@ std::vector<Operation> facadeOperations() {
         {"WriteANewMachineContext", 1, {2, 4, 5}, bound(writeContextTo, "new.mctx")},
         inQt({"ReadAnAssembly", 1, {2, 4}, bound(readAssemblyOf, "f.assembly")}),
         inQt({"ReadADeepAssembly", 1, {2, 4}, bound(readAssemblyOf, "deep.assembly")}),
-        inQt({"WriteAnAssembly",
+        inQt({"ReadALargeAssembly", 1, {2, 4}, bound(readAssemblyOf, "large.assembly")}),
+        inQt({"ReadALargeUnusualAssembly",
               1,
-              {2, 3},
-              [](Workshop& at) { return writeAssemblyTo(at, flatAssembly()); },
-              {"old"}}),
-        inQt({"WriteADeepAssembly",
+              {2, 4},
+              bound(readAssemblyOf, "large-unusual.assembly")}),
+        inQt({"ReadADeepUnusualAssembly",
               1,
-              {2, 3},
-              [](Workshop& at) { return writeAssemblyTo(at, deepAssembly()); },
-              {"old"}}),
+              {2, 4},
+              bound(readAssemblyOf, "deep-unusual.assembly")}),
+        {"WriteAnAssembly",
+         1,
+         {2, 3},
+         [](Workshop& at) { return writeAssemblyTo(at, flatAssembly()); },
+         {"old"}},
+        {"WriteALargeAssembly",
+         1,
+         {2, 3},
+         [](Workshop& at) { return writeAssemblyTo(at, largeAssembly()); },
+         {"old"}},
+        {"WriteADeepAssembly",
+         1,
+         {2, 3},
+         [](Workshop& at) { return writeAssemblyTo(at, deepAssembly()); },
+         {"old"}},
         {"ReadAnAxis", 1, {2, 4}, readAxisOf},
         {"WriteAnAxis", 1, {2}, writeAxisTo, {"old"}, false, true},
         {"CopyAFile", 1, {0}, copy, {"old"}, false, true},

@@ -23,16 +23,16 @@ const std::vector<unsigned> removingCalls = {
     SYS_unlinkat};
 const std::vector<unsigned> fileCalls = {
 #ifdef SYS_open
-    SYS_open,     SYS_creat,     SYS_rename,   SYS_unlink,     SYS_mkdir,       SYS_link,
+    SYS_open,     SYS_creat,     SYS_rename,   SYS_unlink,     SYS_mkdir,        SYS_link,
     SYS_readlink,
 #endif
 #ifdef SYS_renameat
     SYS_renameat,
 #endif
-    SYS_openat,   SYS_read,      SYS_readv,    SYS_pread64,    SYS_getdents64,  SYS_write,
-    SYS_writev,   SYS_pwrite64,  SYS_fsync,    SYS_fdatasync,  SYS_close,       SYS_renameat2,
-    SYS_unlinkat, SYS_mkdirat,   SYS_linkat,   SYS_readlinkat, SYS_flock,       SYS_fchmod,
-    SYS_fchown,   SYS_listxattr, SYS_getxattr, SYS_fsetxattr,  SYS_fremovexattr};
+    SYS_openat,   SYS_read,      SYS_readv,    SYS_pread64,    SYS_getdents64,   SYS_write,
+    SYS_writev,   SYS_pwrite64,  SYS_fsync,    SYS_fdatasync,  SYS_close,        SYS_renameat2,
+    SYS_unlinkat, SYS_mkdirat,   SYS_linkat,   SYS_readlinkat, SYS_flock,        SYS_fchmod,
+    SYS_fchown,   SYS_listxattr, SYS_getxattr, SYS_fsetxattr,  SYS_fremovexattr, SYS_lseek};
 
 // From now on the system calls of this thread wait for an answer through the returned descriptor.
 int listenToCalls() {

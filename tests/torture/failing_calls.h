@@ -12,10 +12,10 @@ namespace trv::testing {
 /// Whether the system lets a process answer its own system calls.
 bool canFailCalls();
 
-/// Makes system calls fail without any effect: those that open, lock, read, list, write, sync,
-/// close, rename, remove and create files, links and directories, and those that set rights and
-/// attributes. Only a close that fails closes nevertheless, as the system does. Calls of the first
-/// thread of the process and of threads that it starts later are counted.
+/// Makes system calls fail without any effect: those that open, lock, read, seek, list, write,
+/// sync, close, rename, remove and create files, links and directories, and those that set rights
+/// and attributes. Only a close that fails closes nevertheless, as the system does. Calls of the
+/// first thread of the process and of threads that it starts later are counted.
 ///
 /// For child processes. From the constructor on, the calls of the process are watched until it
 /// ends.

@@ -12,9 +12,25 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Deeper than the limit for parsing on the caller's stack.
+constexpr int deepLevels = 110;
+
 void write(const fs::path& path, std::string_view text) {
     fs::create_directories(path.parent_path());
     writeBytes(path, text);
+}
+
+std::string repeated(std::string_view text) {
+    std::string result;
+    for (int i = 0; i < deepLevels; ++i)
+        result += text;
+    return result;
+}
+
+// Without indentation it is a twentieth as long as what the library writes.
+std::string deepDocument() {
+    return "<ComponentInfo version='1'><Attributs/>" + repeated("<Component><Data>") +
+           "<File name='f'/>" + repeated("</Data></Component>") + "</ComponentInfo>";
 }
 
 // The texts that the library has to write are created once in a process.
@@ -22,6 +38,7 @@ struct MadeFiles {
     std::string context;
     std::string assembly;
     std::string deepAssembly;
+    std::string largeAssembly;
     std::string axis;
 };
 
@@ -32,13 +49,17 @@ MadeFiles madeByTheLibrary() {
     files.writeTrvAssembly(
         "made.assembly",
         assemblyOf(group("root", {leaf("a", "a.stl"), group("b", {leaf("c", "c.stl")})})));
-    // Deeper than the limit for parsing on the caller's stack.
-    constexpr int deep = 110;
-    files.writeTrvAssembly("deep.assembly", assemblyOf(chain(deep)));
+    files.writeTrvAssembly("deep.assembly", assemblyOf(chain(deepLevels)));
+    // Three blocks of 64 KiB.
+    constexpr int children = 200;
+    files.writeTrvAssembly("large.assembly",
+                           assemblyOf(group("root", std::vector<CTrvAssemblyComponentData>(
+                                                        children, leaf("a", "f")))));
     const double placement[16] = {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 1, 2, 3, 1};
     files.writeAxis(L"made.axis", placement, 1, 2, 3);
     return {bytesOf(directory / "made.mctx"), bytesOf(directory / "made.assembly"),
-            bytesOf(directory / "deep.assembly"), bytesOf(directory / "made.axis")};
+            bytesOf(directory / "deep.assembly"), bytesOf(directory / "large.assembly"),
+            bytesOf(directory / "made.axis")};
 }
 
 const MadeFiles& madeFiles() {
@@ -102,6 +123,10 @@ void Workshop::writeFiles() const {
     fs::create_symlink("f.mctx", path("link.mctx"));
     write(path("f.assembly"), made.assembly);
     write(path("deep.assembly"), made.deepAssembly);
+    write(path("large.assembly"), made.largeAssembly);
+    // Only the DOM reads a document with an instruction, here after it has been scanned to its end.
+    write(path("large-unusual.assembly"), made.largeAssembly + "<?a b?>");
+    write(path("deep-unusual.assembly"), deepDocument() + "<?a b?>");
     write(path("f.axis"), made.axis);
     write(path("transfo.dat"), made.axis);
     write(path("old"), "what stood here before\n");

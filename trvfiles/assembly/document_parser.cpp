@@ -161,7 +161,11 @@ bool parseDocument(QIODevice& device, DomTree& tree, CFileFault* fault) {
         const Outcome outcome = parse(device, shallowNesting, tree.document, fault);
         if (!outcome.isTooDeep) return outcome.isAccepted;
         tree.isDeep = true;
-        if (!device.seek(0)) return false;
+        if (!device.seek(0)) {
+            // The first attempt has stored that the document is too deep for it.
+            set_system_fault(fault, errno);
+            return false;
+        }
     }
     Outcome outcome;
     try {

@@ -118,8 +118,10 @@ std::optional<std::string> allocate_zone_number(const char* path) {
         return std::nullopt;
     }
     const std::string number = zone_number_text(hexadecimal_number(line) + 1);
-    std::rewind(file.get());
-    if (write_line(std::move(file), number)) return number;
+    // A line that is written after the old one would not count.
+    const bool is_at_start = std::fseek(file.get(), 0, SEEK_SET) == 0;
+    if (is_at_start && write_line(std::move(file), number)) return number;
+    file.reset();
     // The number is not returned: the counter does not count it, so another zone would get it too.
     report("Error opening ", path, " file\n");
     return std::nullopt;
