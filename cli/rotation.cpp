@@ -125,9 +125,11 @@ std::optional<Rotation> rotationBetween(const Orientation& from, const Orientati
     return rotationOf(quaternionOf(matrix));
 }
 
+// Vectors with six decimals give an angle that is up to 0.00006 degrees wrong.
 QString rotationText(const Rotation& rotation) {
-    return QStringLiteral("%1° about %2")
-        .arg(roundedText(rotation.degrees), axisText(rotation.axis));
+    constexpr double unitsPerDegree = 1e4;
+    const double degrees = std::round(rotation.degrees * unitsPerDegree) / unitsPerDegree;
+    return QStringLiteral("%1° about %2").arg(roundedText(degrees), axisText(rotation.axis));
 }
 
 }  // namespace trv::cli

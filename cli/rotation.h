@@ -39,7 +39,7 @@ std::optional<Rotation> rotationOf(const Orientation& orientation);
 /// @return nothing if one of the orientations is not a rotation, as for rotationOf()
 std::optional<Rotation> rotationBetween(const Orientation& from, const Orientation& to);
 
-/// "15° about z", "-90° about 0.6 0.8 0". The numbers are rounded to six decimals.
+/// "15° about z", "-90° about 0.6 0.8 0". The angle is rounded to four decimals, the axis to six.
 QString rotationText(const Rotation& rotation);
 
 }  // namespace trv::cli

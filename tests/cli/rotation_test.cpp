@@ -66,8 +66,14 @@ TEST(Rotation, MayBeAHalfTurn) {
 TEST(Rotation, MayBeSmall) {
     EXPECT_EQ(text(identity), "0° about z");
     // 1e-6 radians.
-    EXPECT_EQ(text({{{1, 1e-6, 0}, {-1e-6, 1, 0}, {0, 0, 1}}}), "0.000057° about z");
-    EXPECT_EQ(text({{{1, -1e-6, 0}, {1e-6, 1, 0}, {0, 0, 1}}}), "-0.000057° about z");
+    EXPECT_EQ(text({{{1, 1e-6, 0}, {-1e-6, 1, 0}, {0, 0, 1}}}), "0.0001° about z");
+    EXPECT_EQ(text({{{1, -1e-6, 0}, {1e-6, 1, 0}, {0, 0, 1}}}), "-0.0001° about z");
+}
+
+TEST(Rotation, RoundsWhatVectorsWithSixDecimalsLeave) {
+    EXPECT_EQ(text({{{0.866025, 0.5, 0}, {-0.5, 0.866025, 0}, {0, 0, 1}}}), "30° about z");
+    EXPECT_EQ(text({{{0.965926, 0.258819, 0}, {-0.258819, 0.965926, 0}, {0, 0, 1}}}),
+              "15° about z");
 }
 
 TEST(Rotation, RequiresAxesOfLengthOneAtRightAngles) {
