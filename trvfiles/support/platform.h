@@ -145,6 +145,12 @@ std::vector<std::filesystem::path::string_type> program_arguments(int argc,
 /// programs, before they print.
 void prepare_console();
 
+/// The number of columns of the terminal or console to which a stream writes; 80 if it does not
+/// say.
+///
+/// @return 0 if the stream writes to none
+int terminal_columns(std::FILE* stream);
+
 /// Raises a breakpoint trap: a debugger stops there; without one the process ends.
 void breakpoint_trap();
 

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -274,6 +275,15 @@ std::vector<std::filesystem::path::string_type> program_arguments(int argc,
 }
 
 void prepare_console() {}
+
+int terminal_columns(std::FILE* stream) {
+    constexpr int usual_columns = 80;
+    const int number = ::fileno(stream);
+    if (number < 0 || ::isatty(number) == 0) return 0;
+    winsize size = {};
+    const bool is_known = ::ioctl(number, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return is_known ? size.ws_col : usual_columns;
+}
 
 void breakpoint_trap() {
     static_cast<void>(std::raise(SIGTRAP));

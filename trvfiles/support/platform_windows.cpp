@@ -308,6 +308,15 @@ void prepare_console() {
     static_cast<void>(std::atexit([] { ::SetConsoleOutputCP(old_code_page); }));
 }
 
+int terminal_columns(std::FILE* stream) {
+    const int number = ::_fileno(stream);
+    if (number < 0) return 0;
+    const auto console = reinterpret_cast<HANDLE>(::_get_osfhandle(number));
+    CONSOLE_SCREEN_BUFFER_INFO info = {};
+    if (::GetConsoleScreenBufferInfo(console, &info) == 0) return 0;
+    return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
 void breakpoint_trap() {
     ::__debugbreak();
 }
