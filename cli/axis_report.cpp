@@ -11,23 +11,6 @@
 namespace trv::cli {
 namespace {
 
-// Rounding to six decimals moves the product of two unit vectors by less than 2e-6.
-constexpr double orthonormalTolerance = 1e-5;
-
-bool isOrthonormal(const AxisMatrix& m) {
-    for (std::size_t one = 0; one < 3; ++one) {
-        for (std::size_t other = one; other < 3; ++other) {
-            const std::size_t i = 4 * one;
-            const std::size_t j = 4 * other;
-            const double product = m[i] * m[j] + m[i + 1] * m[j + 1] + m[i + 2] * m[j + 2];
-            const double expected = one == other ? 1 : 0;
-            // Written so that a NaN fails.
-            if (!(std::fabs(product - expected) <= orthonormalTolerance)) return false;
-        }
-    }
-    return true;
-}
-
 double determinant(const AxisMatrix& m) {
     return m[0] * (m[5] * m[10] - m[6] * m[9]) + m[1] * (m[6] * m[8] - m[4] * m[10]) +
            m[2] * (m[4] * m[9] - m[5] * m[8]);

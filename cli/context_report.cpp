@@ -69,13 +69,10 @@ QJsonObject contextJson(const QString& name, const ContextFile& context) {
 
 QString contextSummary(const ContextFile& context) {
     const CMachineContextData& data = context.data;
-    QString text = QStringLiteral("machine context \"%1\", %2, %3")
-                       .arg(shown(fromWide(data.getNameW())),
-                            described(QStringLiteral("machine"), data.getMachineNameW()),
-                            described(QStringLiteral("position"), data.getMachinePositionW()));
-    for (const QString& section : context.missingSections)
-        text += QStringLiteral(", no section [%1]").arg(section);
-    return text;
+    return QStringLiteral("machine context \"%1\", %2, %3")
+        .arg(shown(fromWide(data.getNameW())),
+             described(QStringLiteral("machine"), data.getMachineNameW()),
+             described(QStringLiteral("position"), data.getMachinePositionW()));
 }
 
 }  // namespace trv::cli

@@ -52,9 +52,7 @@ QString readAssignments(const QStringList& texts, std::vector<Assignment>& assig
 Problem readForChange(const QString& name, ContextFile& context) {
     FileKind kind = FileKind::unknown;
     if (Problem problem = findKind(name, kind)) return problem;
-    if (kind != FileKind::machineContext) {
-        return {eFileIOContentError, QStringLiteral("not a machine context")};
-    }
+    if (kind != FileKind::machineContext) return {eFileIOContentError, otherKindText(kind)};
     return readContext(name, context);
 }
 

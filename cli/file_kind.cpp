@@ -1,10 +1,11 @@
 #include <cli/file_kind.h>
 #include <trvfiles/axis/axis_file.h>
-#include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/CFileFault.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 namespace trv::cli {
@@ -29,13 +30,41 @@ bool isAxisFlag(std::string_view beginning) {
     return flag == "0" || flag == "1";
 }
 
-bool hasContextSection(std::FILE* file) {
-    CSectionedFile parsed;
-    if (parsed.parse(file) != 0) return false;
+bool isContextHeader(std::string_view line) {
+    std::string_view name;
+    if (!settings::isHeader(line, name)) return false;
     const auto& fields = contextFields();
-    return std::any_of(fields.begin(), fields.end(), [&](const ContextField& field) {
-        return parsed.section(field.section, true).headerLine() >= 0;
-    });
+    return std::any_of(fields.begin(), fields.end(),
+                       [&](const ContextField& field) { return field.section == name; });
+}
+
+// Reads up to the first header of a context, at most a part of the file: geometry files are long.
+bool hasContextSection(std::FILE* file) {
+    constexpr std::size_t maxBytes = std::size_t{1} << 20;
+    constexpr std::size_t blockLength = 16384;
+    constexpr std::string_view utf8Signature = "\xEF\xBB\xBF";
+    char block[blockLength];
+    std::string pending;
+    bool isFirstBlock = true;
+    for (std::size_t read = 0; read < maxBytes;) {
+        const std::size_t length = std::fread(block, 1, sizeof block, file);
+        read += length;
+        pending.append(block, length);
+        std::string_view unread(pending);
+        if (isFirstBlock && unread.substr(0, utf8Signature.size()) == utf8Signature) {
+            unread.remove_prefix(utf8Signature.size());
+        }
+        isFirstBlock = false;
+        for (std::size_t end = 0; (end = unread.find('\n')) != std::string_view::npos;) {
+            if (isContextHeader(unread.substr(0, end))) return true;
+            unread.remove_prefix(end + 1);
+        }
+        if (length == 0) return isContextHeader(unread);
+        // A line that is not a header is not needed as a whole.
+        pending =
+            unread.substr(0, 1) == "[" ? std::string(unread) : std::string(!unread.empty(), ' ');
+    }
+    return false;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <cli/input_files.h>
+#include <cli/source_text.h>
 #include <cli/text_output.h>
+#include <cli/xml_tags.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
@@ -14,9 +16,55 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace trv::cli {
 namespace {
+
+Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
+    if (status == eFileIOSuccess) return {};
+    return {status, QString::fromStdString(fault.reason), fault.line, fault.column};
+}
+
+// The kind of a file is found before it is read, by opening it. A pipe would be empty the second
+// time, and a device may have no end.
+bool isPipeOrDevice(const QString& name) {
+    const QFileInfo info(resolved(name));
+    return info.exists() && !info.isFile() && !info.isDir();
+}
+
+Problem notRegular() {
+    return {eFileIOOpenError, notRegularText()};
+}
+
+// A reader of one kind says of another kind only what it misses.
+Problem explained(Problem problem, const QString& name, FileKind expected) {
+    if (problem.status == eFileIOOpenError || isPipeOrDevice(name)) return problem;
+    FileKind kind = FileKind::unknown;
+    findKind(name, kind);
+    if (kind == FileKind::unknown || kind == expected) return problem;
+    return {eFileIOContentError, otherKindText(kind)};
+}
+
+// The parser reports the place at which it misses an end tag.
+void nameUnclosedTag(const QString& name, Problem& problem) {
+    const bool isUnclosed = problem.reason == QLatin1String("tag mismatch") ||
+                            problem.reason == QLatin1String("unexpected end of file");
+    if (!isUnclosed || isPipeOrDevice(name)) return;
+    const SourceText source = SourceText::ofFile(name, SourceText::Lines::ofXml);
+    const XmlTag tag = unclosedTag(source.text());
+    if (tag.name.isEmpty()) return;
+    constexpr int maxLength = 40;
+    problem.reason +=
+        QStringLiteral(": <%1> of line %2 is not closed")
+            .arg(beginningOf(tag.name, maxLength), QString::number(source.placeOf(tag.begin).line));
+}
+
+void moveNotes(CFileFault& fault, Notes* notes) {
+    if (notes != nullptr) *notes = std::move(fault.notes);
+}
+
+}  // namespace
 
 QString statusName(EFileIOStatus status) {
     switch (status) {
@@ -34,32 +82,14 @@ QString statusName(EFileIOStatus status) {
     return QString::number(status);
 }
 
-Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
-    if (status == eFileIOSuccess) return {};
-    const QString reason = QString::fromStdString(fault.reason);
-    if (fault.line == 0) return {status, reason};
-    const QString line = QString::number(fault.line);
-    if (fault.column == 0) return {status, QStringLiteral("line %1: %2").arg(line, reason)};
-    return {
-        status,
-        QStringLiteral("line %1, column %2: %3").arg(line, QString::number(fault.column), reason)};
-}
-
-// The kind of a file is found before it is read, by opening it. A pipe would be empty the second
-// time, and a device may have no end.
-bool isPipeOrDevice(const QString& name) {
-    const QFileInfo info(resolved(name));
-    return info.exists() && !info.isFile() && !info.isDir();
-}
-
-Problem notRegular() {
-    return {eFileIOOpenError, notRegularText()};
-}
-
-}  // namespace
-
 QString problemText(const Problem& problem) {
-    return QStringLiteral("%1: %2").arg(statusName(problem.status), shown(problem.reason));
+    QString place;
+    if (problem.line > 0) place = QStringLiteral("line %1").arg(problem.line);
+    if (problem.line > 0 && problem.column > 0) {
+        place += QStringLiteral(", column %1").arg(problem.column);
+    }
+    if (problem.line > 0) place += QStringLiteral(": ");
+    return statusName(problem.status) + QStringLiteral(": ") + place + shown(problem.reason);
 }
 
 ExitStatus report(const QString& name, const Problem& problem, const Console& console) {
@@ -67,6 +97,20 @@ ExitStatus report(const QString& name, const Problem& problem, const Console& co
         QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), problemText(problem));
     console.err << qUtf8Printable(text);
     return failed;
+}
+
+QString otherKindText(FileKind kind) {
+    switch (kind) {
+        case FileKind::assembly:
+            return QStringLiteral("this is an assembly; try 'trvfiles assembly tree'");
+        case FileKind::axis:
+            return QStringLiteral("this is an axis file; try 'trvfiles axis show'");
+        case FileKind::machineContext:
+            return QStringLiteral("this is a machine context; try 'trvfiles show'");
+        case FileKind::unknown:
+            break;
+    }
+    return {};
 }
 
 QString notRegularText() {
@@ -89,21 +133,25 @@ Problem findKind(const QString& name, FileKind& kind) {
     return {};
 }
 
-Problem readAssembly(const QString& name, CTrvAssemblyData& data,
-                     std::vector<CFileFault::Note>* notes) {
+Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes) {
     setInvalidDataPolicy();
     CFileFault fault;
     const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &fault);
-    if (notes != nullptr) *notes = std::move(fault.notes);
-    return problemOf(status, fault);
+    moveNotes(fault, notes);
+    Problem problem = problemOf(status, fault);
+    if (!problem) return problem;
+    problem = explained(problem, name, FileKind::assembly);
+    nameUnclosedTag(name, problem);
+    return problem;
 }
 
-Problem readAxis(const QString& name, AxisFile& axis) {
+Problem readAxis(const QString& name, AxisFile& axis, Notes* notes) {
     if (isPipeOrDevice(name)) return notRegular();
     AxisContent content;
     CFileFault fault;
     const EFileIOStatus status = readAxisFile(resolved(name), content, &fault);
-    if (status != eFileIOSuccess) return problemOf(status, fault);
+    moveNotes(fault, notes);
+    if (status != eFileIOSuccess) return explained(problemOf(status, fault), name, FileKind::axis);
     axis.matrix = content.matrix;
     std::copy_n(content.tags.begin(), content.tagCount, axis.tags.begin());
     return {};
@@ -115,14 +163,22 @@ Problem writeAxis(const QString& name, const AxisFile& axis) {
     return problemOf(writeAxisFile(resolved(name), text, &fault), fault);
 }
 
-Problem readContext(const QString& name, ContextFile& context) {
+Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
     if (isPipeOrDevice(name)) return notRegular();
     CFileFault fault;
     const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &fault);
+    int withoutHeader = 0;
     for (const CFileFault::Note& note : fault.notes) {
         if (note.kind != CFileFault::Note::Kind::missingSection) continue;
         context.missingSections += QString::fromStdString(note.subject);
+        if (note.line == 0) ++withoutHeader;
     }
+    // A text without any section is read as a context that has its defaults.
+    constexpr int alwaysWritten = 4;
+    if (withoutHeader == alwaysWritten) {
+        if (Problem problem = explained({}, name, FileKind::machineContext)) return problem;
+    }
+    moveNotes(fault, notes);
     return problemOf(status, fault);
 }
 

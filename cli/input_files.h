@@ -26,13 +26,20 @@ namespace trv::cli {
 /// Why a file is not read or written, if it is not.
 struct Problem {
     EFileIOStatus status = eFileIOSuccess;
-    /// Human-readable: the place if one is known, and the reason.
+    /// Human-readable, without the place.
     QString reason;
+    /// The place in the file, as in CFileFault; 0 if it is not known.
+    int line = 0;
+    int column = 0;
 
     explicit operator bool() const { return status != eFileIOSuccess; }
 };
 
-/// "eFileIOOpenError: No such file or directory"
+/// "eFileIOContentError"
+QString statusName(EFileIOStatus status);
+
+/// "eFileIOOpenError: No such file or directory", "eFileIOContentError: line 2: four numbers are
+/// expected"
 QString problemText(const Problem& problem);
 
 /// Prints what is wrong with a file.
@@ -43,6 +50,10 @@ ExitStatus report(const QString& name, const Problem& problem, const Console& co
 /// The reason for a pipe or a device, which is not opened.
 QString notRegularText();
 
+/// For a file of a kind that a command does not read: "this is an axis file; try 'trvfiles axis
+/// show'".
+QString otherKindText(FileKind kind);
+
 /// The path of a name: relative to the current directory, cleaned.
 QString resolved(const QString& name);
 
@@ -51,11 +62,13 @@ QString resolved(const QString& name);
 /// @param kind  FileKind::unknown if there is a problem
 Problem findKind(const QString& name, FileKind& kind);
 
+using Notes = std::vector<CFileFault::Note>;
+
+// If the content is that of another kind, the reason names the kind and a command for it. `notes`
+// takes what was accepted but altered, if it is not nullptr.
+
 /// Reads an assembly, from a pipe as well.
-///
-/// @param notes  takes what was accepted but altered, if it is not nullptr
-Problem readAssembly(const QString& name, CTrvAssemblyData& data,
-                     std::vector<CFileFault::Note>* notes = nullptr);
+Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes = nullptr);
 
 struct AxisFile {
     AxisMatrix matrix = {};
@@ -63,7 +76,7 @@ struct AxisFile {
     std::array<int, 3> tags = {-1, -1, -1};
 };
 
-Problem readAxis(const QString& name, AxisFile& axis);
+Problem readAxis(const QString& name, AxisFile& axis, Notes* notes = nullptr);
 
 /// Writes an axis file over an existing one. Unlike the facade it reports every failure.
 Problem writeAxis(const QString& name, const AxisFile& axis);
@@ -75,7 +88,7 @@ struct ContextFile {
 };
 
 /// Reads a machine context. A field that the file does not have keeps its default.
-Problem readContext(const QString& name, ContextFile& context);
+Problem readContext(const QString& name, ContextFile& context, Notes* notes = nullptr);
 
 /// Writes a machine context. The old file is whole until the new one takes its place. A temporary
 /// file that cannot be opened is also reported through the fatal channel.

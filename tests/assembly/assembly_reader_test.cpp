@@ -412,8 +412,8 @@ TEST_F(AssemblyReader, NotesACoordinateThatIsNotANumber) {
     EXPECT_THAT(
         fault.notes,
         ElementsAre(IsNote(Kind::notANumber, 2, 25, "Dimension",
-                           "y of <Dimension> is not a number: \"2,5\"; the whole dimension is "
-                           "ignored"),
+                           "y of <Dimension> is not a number: \"2,5\" has a decimal comma, not a "
+                           "point; the whole dimension is ignored"),
                     IsNote(Kind::notANumber, 4, 23, "Translation",
                            "z of <Translation> is not a number: \"1e400\"; it and those after it "
                            "are 0"),
@@ -442,7 +442,7 @@ TEST_F(AssemblyReader, NotesNothingElseAboutAComponentThatItLeavesOut) {
     EXPECT_EQ(fault.notes[0].kind, Kind::leftOut);
 }
 
-TEST_F(AssemblyReader, NotesNothingAboutComponentsThatAFileHides) {
+TEST_F(AssemblyReader, NotesNothingAboutWhatIsInComponentsThatAFileHides) {
     ASSERT_EQ(readComponent("name='a' enabled='x'",
                             "\n<Translation y='b'/><Data><Component enabled='c'/>"
                             "<File name='f'/><Component enabled='d'/></Data>"),
@@ -452,7 +452,10 @@ TEST_F(AssemblyReader, NotesNothingAboutComponentsThatAFileHides) {
         ElementsAre(
             IsNote(Kind::notAFlag, 1, 71, "a", "component \"a\" is disabled: enabled is \"x\""),
             IsNote(Kind::notANumber, 2, 19, "Translation",
-                   "y of <Translation> is not a number: \"b\"; it and those after it are 0")));
+                   "y of <Translation> is not a number: \"b\"; it and those after it are 0"),
+            IsNote(Kind::hiddenByFile, 2, 65, "a",
+                   "the <File> of component \"a\" hides 2 components beside it, which are "
+                   "ignored")));
 }
 
 TEST_F(AssemblyReader, KeepsTheNotesThatItHasGotAndThoseOfAFailure) {

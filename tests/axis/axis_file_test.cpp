@@ -536,6 +536,16 @@ protected:
         return QString::fromStdString((directory_ / name).generic_string());
     }
 
+    // The lines and the texts of the notes on a file that is read.
+    std::string readNotes(const std::string& text) {
+        writeBytes(directory_ / "f", text);
+        EXPECT_EQ(trv::readAxisFile(path("f"), content_, &fault_), eFileIOSuccess);
+        std::string notes;
+        for (const CFileFault::Note& note : fault_.notes)
+            notes += std::to_string(note.line) + ": " + note.text + '\n';
+        return notes;
+    }
+
     TemporaryDirectory directory_;
     trv::AxisContent content_;
     CFileFault fault_;
@@ -559,6 +569,52 @@ TEST_F(AxisFault, ReportsWhyAFileIsNotRead) {
     EXPECT_EQ(trv::readAxisFile(path("f"), content_, &fault_), eFileIOSuccess);
     EXPECT_EQ(fault_.reason, "");
     EXPECT_EQ(fault_.line, 0);
+}
+
+TEST_F(AxisFault, NotesNothingInAWrittenFile) {
+    EXPECT_EQ(readNotes("0\n" + identityLines), "");
+    EXPECT_EQ(readNotes("0\n" + identityLines + identityLines + "  #1 2 3\n"), "");
+    // Rounded to six decimals.
+    EXPECT_EQ(readNotes("1\n0.866025 -0.5 0 1\n0.5 0.866025 0 2\n0 0 1 3\n0 0 0 1\n"), "");
+}
+
+TEST_F(AxisFault, NotesAxesThatAreNotOrthonormal) {
+    const std::string text =
+        "2: the axes are not orthonormal: their inverse is read, which differs from what was "
+        "written\n";
+    EXPECT_EQ(readNotes("1\n2 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"), text);
+    EXPECT_EQ(fault_.notes[0].kind, CFileFault::Note::Kind::notOrthonormal);
+    EXPECT_EQ(readNotes("1\n1 0.1 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"), text);
+    EXPECT_EQ(readNotes("1\nnan 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"), text);
+    EXPECT_EQ(readNotes("1\n0 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"),
+              "2: the axes do not span space: they are read as zeros\n");
+}
+
+TEST_F(AxisFault, NotesARowThatIsMissing) {
+    const std::string threeRows = "0\n1 0 0 5\n0 1 0 6\n0 0 1 7\n";
+    const std::string inverse = "1 0 0 -5\n0 1 0 -6\n0 0 1 -7\n0 0 0 1\n";
+    EXPECT_EQ(readNotes(threeRows + inverse),
+              "5: a row of the matrix is missing: the first row of the next block takes its "
+              "place\n");
+    EXPECT_EQ(fault_.notes[0].kind, CFileFault::Note::Kind::missingRow);
+    EXPECT_EQ(readNotes(threeRows + inverse + "#1 2 3\n"),
+              "5: a row of the matrix is missing: the first row of the next block takes its "
+              "place\n"
+              "9: the tags are ignored: they are read from line 10 only\n");
+    EXPECT_EQ(fault_.notes[1].kind, CFileFault::Note::Kind::misplacedTags);
+    EXPECT_EQ(content_.tagCount, 0);
+}
+
+TEST_F(AxisFault, NotesAFourthRowThatIsNotThatOfAPlacement) {
+    const std::string text = "5: the fourth row of the matrix is not 0 0 0 1\n";
+    EXPECT_EQ(readNotes("0\n1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 2\n" + identityLines), text);
+    EXPECT_EQ(fault_.notes[0].kind, CFileFault::Note::Kind::notAffine);
+    EXPECT_EQ(readNotes("0\n1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0.1 1\n"), text);
+}
+
+TEST_F(AxisFault, NotesTagsThatFollowTheMatrix) {
+    EXPECT_EQ(readNotes("0\n" + identityLines + "  # 1 2 3\n"),
+              "6: the tags are ignored: they are read from line 10 only\n");
 }
 
 TEST_F(AxisFault, ReportsAReadThatFails) {

@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+#include <string_view>
+
 namespace trv::testing {
 namespace {
 
@@ -17,75 +21,128 @@ protected:
 
     std::string path(const char* name) const { return (directory_ / name).generic_string(); }
 
-    // The line about one file, without its name.
-    std::string verdict(std::string_view bytes, int status) const {
-        const Answer answer = answerTo(words("check") + QStringList(file("a", bytes)));
-        EXPECT_EQ(answer.status, status);
-        EXPECT_EQ(answer.err, "");
-        const std::string name = path("a") + ": ";
-        EXPECT_EQ(answer.out.substr(0, name.size()), name);
-        return answer.out.substr(std::min(name.size(), answer.out.size()));
+    // A file about which there is one warning.
+    QString warned(const char* name) const {
+        return file(name, "0\n1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 2\n");
+    }
+
+    std::string warning(const char* name) const {
+        return path(name) + ":5:1: warning: the fourth row of the matrix is not 0 0 0 1\n";
     }
 
     TemporaryDirectory directory_;
 };
 
 TEST_F(CheckCommand, SummarisesAFileWithoutFaults) {
-    EXPECT_EQ(verdict(setupXml, 0), "ok (assembly, 3 components, 1 placed file)\n");
-    EXPECT_EQ(verdict(turnedAxis, 0), "ok (axis, orthonormal, tags 3 0 7)\n");
-    EXPECT_EQ(verdict(identityAxis, 0), "ok (axis, identity)\n");
-    EXPECT_EQ(verdict(setupContext, 0),
-              "ok (machine context \"Setup A\", machine MILL5, position POS1)\n");
+    const Answer answer = answerTo(words("check") + QStringList(file("a", setupXml)));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, path("a") + ": ok (assembly, 3 components, 1 placed file)\n");
 }
 
-TEST_F(CheckCommand, NamesTheSectionsThatAMachineContextLacks) {
-    EXPECT_EQ(verdict("[machine]\nname=M\nposition=\n", 0),
-              "ok (machine context \"\", machine M, no position, no section [header], no section "
-              "[postpro], no section [clamping_system])\n");
-}
-
-TEST_F(CheckCommand, MentionsComponentsThatAreLeftOut) {
-    EXPECT_EQ(verdict("<ComponentInfo version=\"1\"><Attributs/><Component><Data>\n"
-                      "<Component/>\n"
-                      "<Component><Orientation/></Component>\n"
-                      "<Component><Orientation><vec1/></Orientation></Component>\n"
-                      "</Data></Component></ComponentInfo>",
-                      0),
-              "ok (assembly, 2 components, 0 placed files, 2 left out for an incomplete "
-              "<Orientation>, first in line 3)\n");
-}
-
-TEST_F(CheckCommand, ReportsWhatIsWrongWithAFaultyFile) {
-    EXPECT_EQ(verdict("<ComponentInfo version=\"1\">\n<a></b>", 1),
-              "eFileIOContentError: line 2, column 7: tag mismatch\n");
-    EXPECT_EQ(verdict("<a/>", 1),
-              "eFileIOStructureError: line 1, column 3: the root element is <a>, not "
-              "<ComponentInfo>\n");
-    EXPECT_EQ(verdict("0\n1 0 0 0\n0 1 0\n", 1),
-              "eFileIOContentError: line 3: four numbers are expected\n");
-    EXPECT_EQ(verdict("[header]\n\n\n[machine]\nname=M\n", 1),
-              "eFileIOContentError: line 4: section [machine] has no \"position\"\n");
-    EXPECT_EQ(verdict("[machine]\nposition=M\n", 1),
-              "eFileIOContentError: line 1: section [machine] has no \"name\"\n");
-    EXPECT_EQ(verdict("[postpro]\nreference_axis=a\n", 1),
-              "eFileIOContentError: line 1: section [postpro] has no \"origin_program\"\n");
-    EXPECT_EQ(verdict("", 1), "eFileIOContentError: the file is empty\n");
-    EXPECT_EQ(
-        verdict("note", 1),
-        "eFileIOContentError: neither an assembly, nor an axis file, nor a machine context\n");
-}
-
-TEST_F(CheckCommand, ContinuesAfterAFaultyFile) {
+TEST_F(CheckCommand, PrintsWhatIsWrongOnStandardError) {
     const QStringList names = {file("one", setupXml), QString::fromStdString(path("missing")),
-                               QString::fromStdString(directory_.text()),
-                               file("two", identityAxis)};
+                               warned("two"), file("three", identityAxis)};
     const Answer answer = answerTo(words("check") + names);
     EXPECT_EQ(answer.status, 1);
-    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.err, path("missing") +
+                              ": error: eFileIOOpenError: No such file or directory\n" +
+                              warning("two"));
     EXPECT_EQ(answer.out, path("one") + ": ok (assembly, 3 components, 1 placed file)\n" +
-                              path("missing") + ": eFileIOOpenError: No such file or directory\n" +
-                              directory_.text() + ": eFileIOOpenError: Is a directory\n" +
-                              path("two") + ": ok (axis, identity)\n");
+                              path("missing") + ": error\n" + path("two") +
+                              ": 1 warning (axis, identity)\n" + path("three") +
+                              ": ok (axis, identity)\n"
+                              "4 files: 2 ok, 1 with warnings, 1 with errors\n");
+}
+
+TEST_F(CheckCommand, CountsWarningsIfItIsStrict) {
+    const QStringList names(warned("a"));
+    EXPECT_EQ(answerTo(words("check") + names).status, 0);
+    const Answer strict = answerTo(words("check --strict") + names);
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_EQ(strict.err, warning("a"));
+    EXPECT_EQ(answerTo(words("check --strict") + QStringList(file("b", setupXml))).status, 0);
+}
+
+TEST_F(CheckCommand, IsSilentAboutGoodFilesIfItIsQuiet) {
+    const Answer answer =
+        answerTo(words("check --quiet") + QStringList({file("a", setupXml), warned("b")}));
+    EXPECT_EQ(answer.out, path("b") + ": 1 warning (axis, identity)\n");
+    EXPECT_EQ(answer.err, warning("b"));
+    EXPECT_EQ(answerTo(words("check --quiet") + QStringList(file("a", setupXml))).out, "");
+}
+
+TEST_F(CheckCommand, PrintsOneJsonDocument) {
+    const std::string a = path("a");
+    const QStringList names = {file("b", identityAxis), warned("a")};
+    const Answer answer = answerTo(words("check --json") + names);
+    const std::string rest =
+        "{\"diagnostics\":[{\"code\":\"notAffine\",\"column\":1,\"line\":5,"
+        "\"severity\":\"warning\",\"text\":\"the fourth row of the matrix is not 0 0 0 1\"}],"
+        "\"file\":\"" +
+        a + "\",\"kind\":\"axis\",\"status\":\"eFileIOSuccess\"}]}\n";
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, "{\"files\":[{\"diagnostics\":[],\"file\":\"" + path("b") +
+                              "\",\"kind\":\"axis\",\"status\":\"eFileIOSuccess\"}," + rest);
+    EXPECT_EQ(answerTo(words("check --json --quiet") + names).out, "{\"files\":[" + rest);
+}
+
+TEST_F(CheckCommand, FindsReferencesToMissingFilesIfAsked) {
+    const QStringList names(file("a",
+                                 "[machine]\nname=m.mac\nposition=\n[header]\nx\n[postpro]\n"
+                                 "origin_program=1 2 3\n[clamping_system]\nx\n"));
+    EXPECT_EQ(answerTo(words("check") + names).err, "");
+    const Answer answer = answerTo(words("check --references --strict") + names);
+    EXPECT_EQ(answer.err, path("a") + ":2:6: warning: machine file \"m.mac\" does not exist\n");
+    EXPECT_EQ(answer.status, 1);
+}
+
+TEST_F(CheckCommand, ChecksTheProjectFilesOfADirectory) {
+    std::filesystem::create_directories(directory_ / "sub");
+    file("b", identityAxis);
+    file("a", setupXml);
+    file("note", "note");
+    file("empty", "");
+    file("sub/c", identityAxis);
+    const QStringList directory(QString::fromStdString(directory_.path().generic_string()));
+    const Answer flat = answerTo(words("check") + directory);
+    EXPECT_EQ(flat.err, "");
+    EXPECT_EQ(flat.out, path("a") + ": ok (assembly, 3 components, 1 placed file)\n" + path("b") +
+                            ": ok (axis, identity)\n2 files: 2 ok\n");
+    EXPECT_EQ(flat.status, 0);
+    EXPECT_EQ(answerTo(words("check --recursive --quiet") + directory).out, "");
+    const std::string all = path("a") + ": ok (assembly, 3 components, 1 placed file)\n" +
+                            path("b") + ": ok (axis, identity)\n" + path("sub/c") +
+                            ": ok (axis, identity)\n3 files: 3 ok\n";
+    for (const char* call : {"check --recursive --jobs 1", "check --recursive --jobs 16"})
+        EXPECT_EQ(answerTo(words(call) + directory).out, all);
+    // A file that is named has to be of a kind.
+    EXPECT_EQ(answerTo(words("check") + QStringList(file("note", "note"))).status, 1);
+}
+
+TEST_F(CheckCommand, PrintsManyFilesInTheirOrder) {
+    std::string expected;
+    for (int i = 100; i < 300; ++i) {
+        const std::string name = "f" + std::to_string(i);
+        file(name.c_str(), i % 7 == 0 ? setupXml : identityAxis);
+        expected +=
+            path(name.c_str()) + (i % 7 == 0 ? ": ok (assembly, 3 components, 1 placed file)\n"
+                                             : ": ok (axis, identity)\n");
+    }
+    const QStringList directory(QString::fromStdString(directory_.path().generic_string()));
+    EXPECT_EQ(answerTo(words("check --jobs 8") + directory).out, expected + "200 files: 200 ok\n");
+}
+
+TEST_F(CheckCommand, RejectsANumberOfThreadsThatIsNone) {
+    for (const char* jobs : {"0", "-1", "x", "", "257"}) {
+        const Answer answer = answerTo({QStringLiteral("check"), QStringLiteral("--jobs"),
+                                        QString::fromLatin1(jobs), QStringLiteral("a")});
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_EQ(answer.err, "trvfiles check: '" + std::string(jobs) +
+                                  "' is not a number of threads from 1 to 256\n"
+                                  "Try 'trvfiles check --help'.\n");
+    }
 }
 
 TEST_F(CheckCommand, RequiresAFile) {

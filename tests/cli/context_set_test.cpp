@@ -211,8 +211,10 @@ TEST_F(ContextSet, RequiresAMachineContext) {
         EXPECT_EQ(answer.err.substr(0, start.size()), start);
         return answer.err.substr(std::min(start.size(), answer.err.size()));
     };
-    EXPECT_EQ(problem(setupXml), "eFileIOContentError: not a machine context\n");
-    EXPECT_EQ(problem(identityAxis), "eFileIOContentError: not a machine context\n");
+    EXPECT_EQ(problem(setupXml),
+              "eFileIOContentError: this is an assembly; try 'trvfiles assembly tree'\n");
+    EXPECT_EQ(problem(identityAxis),
+              "eFileIOContentError: this is an axis file; try 'trvfiles axis show'\n");
     EXPECT_EQ(problem(""), "eFileIOContentError: the file is empty\n");
     EXPECT_EQ(
         problem("note"),

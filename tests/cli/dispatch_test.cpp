@@ -16,7 +16,7 @@ constexpr const char* overview =
     "\n"
     "Commands:\n"
     "  show             Show an assembly, an axis file or a machine context\n"
-    "  check            Check that files can be read\n"
+    "  check            Report what is wrong with files\n"
     "  assembly tree    Show the components of an assembly\n"
     "  assembly list    List the placed geometry files of an assembly\n"
     "  assembly diff    Show the differences between two assemblies\n"

@@ -89,6 +89,17 @@ TEST(FileKind, AcceptsNothingElse) {
     EXPECT_EQ(kindOf("\0\0\0\0"sv), FileKind::unknown);
 }
 
+TEST(FileKind, LooksForASectionInTheFirstMebibyteOnly) {
+    const std::string lines = std::string(1000, 'x') + '\n';
+    std::string text;
+    while (text.size() < 1000000)
+        text += lines;
+    EXPECT_EQ(kindOf(text + "[machine]\n"), FileKind::machineContext);
+    EXPECT_EQ(kindOf(std::string(1000000, 'x') + "\n[machine]\n"), FileKind::machineContext);
+    EXPECT_EQ(kindOf(std::string(1000000, '[') + "\n[machine]\n"), FileKind::machineContext);
+    EXPECT_EQ(kindOf(text + text + "[machine]\n"), FileKind::unknown);
+}
+
 TEST(FileKind, DistinguishesAnEmptyFileFromAnotherOne) {
     EXPECT_EQ(whyUnknown(FileOf("").get()).toStdString(), "the file is empty");
     EXPECT_EQ(whyUnknown(FileOf("x").get()).toStdString(),

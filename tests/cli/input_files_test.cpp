@@ -115,7 +115,12 @@ TEST_F(InputFiles, ReadsAnAssembly) {
 
 TEST_F(InputFiles, ReportsThePlaceOfAFaultInAnAssembly) {
     EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\">\n<Attributs>\n</ComponentInfo>"),
-              "eFileIOContentError: line 3, column 16: tag mismatch");
+              "eFileIOContentError: line 3, column 16: tag mismatch: <Attributs> of line 2 is not "
+              "closed");
+    EXPECT_EQ(
+        assemblyProblem("<ComponentInfo>\n<Attributs>\n<a/>"),
+        "eFileIOContentError: line 3, column 5: unexpected end of file: <Attributs> of line 2 "
+        "is not closed");
     EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\"/>"),
               "eFileIOContentError: line 1, column 27: <ComponentInfo> has no <Attributs>");
     EXPECT_EQ(assemblyProblem("<ComponentInfo version=\"1\"><Attributs/></ComponentInfo>"),
@@ -128,6 +133,25 @@ TEST_F(InputFiles, ReportsThePlaceOfAFaultInAnAssembly) {
     EXPECT_EQ(
         assemblyProblem("<ComponentInfo version=\"1.0\"/>"),
         "eFileIOContentError: line 1, column 29: the version of <ComponentInfo> is no integer");
+}
+
+TEST_F(InputFiles, NamesACommandForAFileOfAnotherKind) {
+    const std::string isAssembly =
+        "eFileIOContentError: this is an assembly; try 'trvfiles assembly tree'";
+    const std::string isAxis =
+        "eFileIOContentError: this is an axis file; try 'trvfiles axis show'";
+    const std::string isContext =
+        "eFileIOContentError: this is a machine context; try 'trvfiles show'";
+    EXPECT_EQ(axisProblem(testing::setupXml), isAssembly);
+    EXPECT_EQ(axisProblem(testing::setupContext), isContext);
+    EXPECT_EQ(assemblyProblem(testing::identityAxis), isAxis);
+    EXPECT_EQ(assemblyProblem(testing::setupContext), isContext);
+    ContextFile context;
+    EXPECT_EQ(text(readContext(file("a.mctx", testing::setupXml), context)), isAssembly);
+    EXPECT_EQ(text(readContext(file("a.mctx", testing::identityAxis), context)), isAxis);
+    // No other kind.
+    EXPECT_EQ(axisProblem("note"), "eFileIOContentError: line 2: four numbers are expected");
+    EXPECT_FALSE(readContext(file("a.mctx", "note"), context));
 }
 
 TEST_F(InputFiles, ReportsWhyAnAssemblyDoesNotOpen) {

@@ -67,9 +67,9 @@ TEST_F(TrvfilesCommand, LeavesNoArgumentToQt) {
     EXPECT_EQ(run({"check", "-qmljsdebugger=x", "a"}), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(run({"check", "--", "-qmljsdebugger", "-qmljsdebugger=x"}), 1);
-    EXPECT_EQ(out(),
-              "-qmljsdebugger: eFileIOOpenError: No such file or directory\n"
-              "-qmljsdebugger=x: eFileIOOpenError: No such file or directory\n");
+    EXPECT_EQ(err(),
+              "-qmljsdebugger: error: eFileIOOpenError: No such file or directory\n"
+              "-qmljsdebugger=x: error: eFileIOOpenError: No such file or directory\n");
 }
 
 TEST_F(TrvfilesCommand, DoesNotChangeItsArguments) {
@@ -127,12 +127,15 @@ TEST_F(TrvfilesCommand, EndsWithOneForANegativeAnswer) {
     writeBytes(directory_ / "a.xml", setupXml);
     writeBytes(directory_ / "note", "note");
     EXPECT_EQ(run({"check", "a.xml", "note", "missing"}), 1);
-    EXPECT_EQ(
-        out(),
-        "a.xml: ok (assembly, 3 components, 1 placed file)\n"
-        "note: eFileIOContentError: neither an assembly, nor an axis file, nor a machine context\n"
-        "missing: eFileIOOpenError: No such file or directory\n");
-    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(),
+              "a.xml: ok (assembly, 3 components, 1 placed file)\n"
+              "note: error\n"
+              "missing: error\n"
+              "3 files: 1 ok, 2 with errors\n");
+    EXPECT_EQ(err(),
+              "note: error: eFileIOContentError: neither an assembly, nor an axis file, nor a "
+              "machine context\n"
+              "missing: error: eFileIOOpenError: No such file or directory\n");
 }
 
 TEST_F(TrvfilesCommand, AcceptsNamesWithBlanksAndEveryCharacterInEveryLocale) {
@@ -161,10 +164,10 @@ TEST_F(TrvfilesCommand, PrintsTheSameMessagesInEveryLocale) {
         ASSERT_TRUE(locale.adopt());
         ASSERT_TRUE(setEnvironment("LANGUAGE", "de"));
         std::filesystem::current_path(directory_.path());
-        EXPECT_NE(std::system("'" TRV_COMMAND "' check missing >message"), 0);
+        EXPECT_NE(std::system("'" TRV_COMMAND "' check missing 2>message"), 0);
     }));
     EXPECT_EQ(textOf(directory_ / "message"),
-              "missing: eFileIOOpenError: No such file or directory\n");
+              "missing: error: eFileIOOpenError: No such file or directory\n");
 }
 
 TEST_F(TrvfilesCommand, ReadsAndWritesNumbersWithAPointInEveryLocale) {

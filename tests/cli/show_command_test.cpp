@@ -85,8 +85,10 @@ TEST_F(ShowCommand, ReportsAnUnknownKindOfFile) {
 }
 
 TEST_F(ShowCommand, ReportsThePlaceOfAFault) {
-    EXPECT_EQ(show("a", "<ComponentInfo version=\"1\">\n<a></b>").err,
-              "trvfiles: " + path("a") + ": eFileIOContentError: line 2, column 7: tag mismatch\n");
+    EXPECT_EQ(
+        show("a", "<ComponentInfo version=\"1\">\n<a></b>").err,
+        "trvfiles: " + path("a") +
+            ": eFileIOContentError: line 2, column 7: tag mismatch: <a> of line 2 is not closed\n");
     EXPECT_EQ(show("a", "[header]\nname=x\n[machine]\nname=y\n").err,
               "trvfiles: " + path("a") +
                   ": eFileIOContentError: line 3: section [machine] has no \"position\"\n");

@@ -91,8 +91,9 @@ TEST_F(ContextFault, NamesAProximityThatIsNotANumber) {
     EXPECT_EQ(read(with("proximity=2\n", "proximity=2,5\n")), eFileIOSuccess);
     EXPECT_THAT(fault_.notes,
                 ElementsAre(IsNote(Kind::notANumber, 10, "clamping_system.proximity",
-                                   "clamping_system.proximity is not a number: \"2,5\"; the number "
-                                   "at its beginning is read")));
+                                   "clamping_system.proximity is not a number: \"2,5\" has a "
+                                   "decimal comma, not a point; the number at its beginning is "
+                                   "read")));
     EXPECT_EQ(data_.getClampingProximity(), 2);
 }
 

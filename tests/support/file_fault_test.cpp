@@ -72,4 +72,16 @@ TEST(FileFault, QuotesTheBeginningOfALongText) {
               '"' + std::string(39, 'x') + "...\"");
 }
 
+TEST(FileFault, CutsOffALongText) {
+    EXPECT_EQ(trv::beginning_of("a"), "a");
+    EXPECT_EQ(trv::beginning_of(std::string(41, 'x')), std::string(40, 'x') + "...");
+}
+
+TEST(FileFault, NamesADecimalComma) {
+    EXPECT_EQ(trv::quoted_number("1,5"), "\"1,5\" has a decimal comma, not a point");
+    EXPECT_EQ(trv::quoted_number("1,5 0 0"), "\"1,5 0 0\" has a decimal comma, not a point");
+    for (const char* other : {"", ",", "1,", ",5", "a,5", "1,b", "1,2,3", "-14O"})
+        EXPECT_EQ(trv::quoted_number(other), '"' + std::string(other) + '"');
+}
+
 }  // namespace

@@ -1,4 +1,3 @@
-#include <tests/common/temporary_directory.h>
 #include <trvfiles/support/platform.h>
 
 #include <fcntl.h>
@@ -9,7 +8,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
 namespace trv::platform {
 namespace {
@@ -45,12 +43,6 @@ TEST(PlatformOnPosix, TellsTheColumnsOfATerminal) {
     EXPECT_EQ(terminal_columns(Pseudoterminal(132).stream()), 132);
     EXPECT_EQ(terminal_columns(Pseudoterminal(1).stream()), 1);
     EXPECT_EQ(terminal_columns(Pseudoterminal(0).stream()), 80);
-}
-
-TEST(PlatformOnPosix, TellsThatAFileIsNoTerminal) {
-    const testing::TemporaryDirectory directory;
-    const file_handle file(std::fopen((directory / "f").c_str(), "w"));
-    EXPECT_EQ(terminal_columns(file.get()), 0);
 }
 
 }  // namespace

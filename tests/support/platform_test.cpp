@@ -63,6 +63,12 @@ TEST_F(Platform, WritesABinaryFileByteForByte) {
     EXPECT_EQ(bytesOf(directory_ / "f"), binary_bytes);
 }
 
+TEST_F(Platform, DoesNotTakeAFileForATerminal) {
+    const file_handle file = open_for_write(directory_ / "f", file_mode::binary);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(trv::platform::terminal_columns(file.get()), 0);
+}
+
 TEST_F(Platform, EndsLinesOfTextAsTheSystemDoes) {
     file_handle file = open_for_write(directory_ / "f", file_mode::text);
     ASSERT_NE(file, nullptr);

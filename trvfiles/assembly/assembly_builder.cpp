@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 #include <utility>
 
 namespace trv {
@@ -16,8 +15,6 @@ namespace {
 
 using Kind = CFileFault::Note::Kind;
 using names::isName;
-
-constexpr const char* restIsZero = "it and those after it are 0";
 
 std::string missing(const char* child) {
     return std::string("<") + names::root + "> has no <" + child + ">";
@@ -76,14 +73,24 @@ AssemblyBuilder::Context AssemblyBuilder::contextOf(const ElementStart& element)
             return startInOrientation(element);
         case Context::data:
             return startInData(element);
+        case Context::leaf:
+            notes_.addIgnored(element, {}, leaf_);
+            break;
         case Context::ignored:
             break;
     }
     return Context::ignored;
 }
 
+// A leaf is open only to note what is in it.
+AssemblyBuilder::Context AssemblyBuilder::leafOf(const ElementStart& element) {
+    if (notes_.areOmitted()) return Context::ignored;
+    leaf_ = element.tag();
+    return Context::leaf;
+}
+
 AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element) {
-    root_ = placeOf(element);
+    root_ = element.place();
     if (!isName(element.tag(), names::root)) {
         rootFailure_ = {
             eFileIOStructureError,
@@ -91,6 +98,7 @@ AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element)
             root_};
         return Context::ignored;
     }
+    notes_.addUnknownAttributes(element, known::root);
     bool isInteger = false;
     const std::string_view version = valueOf(element, names::version);
     version_ =
@@ -105,20 +113,26 @@ AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element)
 AssemblyBuilder::Context AssemblyBuilder::startInRoot(const ElementStart& element) {
     if (isName(element.tag(), names::attributes) && !hasAttributes_) {
         hasAttributes_ = true;
+        notes_.addUnknownAttributes(element, known::attributes);
         return Context::attributes;
     }
-    if (!isName(element.tag(), names::component) || hasComponent_) return Context::ignored;
+    if (!isName(element.tag(), names::component) || hasComponent_) {
+        notes_.addIgnored(element, known::root, names::root);
+        return Context::ignored;
+    }
     hasComponent_ = true;
-    component_ = placeOf(element);
+    component_ = element.place();
     return startComponent(element);
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startInAttributes(const ElementStart& element) {
-    if (isName(element.tag(), names::dimension) && !hasDimensionElement_) {
-        hasDimensionElement_ = true;
-        hasDimension_ = readVector(element, dimension_, "the whole dimension is ignored");
+    if (!isName(element.tag(), names::dimension) || hasDimensionElement_) {
+        notes_.addIgnored(element, known::attributes, names::attributes);
+        return Context::ignored;
     }
-    return Context::ignored;
+    hasDimensionElement_ = true;
+    hasDimension_ = readVector(element, dimension_, "the whole dimension is ignored");
+    return leafOf(element);
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startComponent(const ElementStart& element) {
@@ -127,8 +141,9 @@ AssemblyBuilder::Context AssemblyBuilder::startComponent(const ElementStart& ele
     Level& level = levels_.emplace_back();
     level.body = &body;
     level.notesBefore = notes_.size();
-    level.place = placeOf(element);
-    if (collectsNotes_) level.name = valueOf(element, names::name);
+    level.place = element.place();
+    notes_.addUnknownAttributes(element, known::component);
+    if (notes_.areCollected()) level.name = valueOf(element, names::name);
     body.name = element.narrow(names::name);
     body.comment = element.narrow(names::comment);
     body.enabled = readEnabled(element);
@@ -140,27 +155,38 @@ AssemblyBuilder::Context AssemblyBuilder::startInComponent(const ElementStart& e
     const std::string_view tag = element.tag();
     if (isName(tag, names::translation) && !level.hasTranslation) {
         level.hasTranslation = true;
-        readVector(element, level.body->translation, restIsZero);
-    } else if (isName(tag, names::orientation) && !level.hasOrientation) {
+        return startVector(element, level.body->translation);
+    }
+    if (isName(tag, names::orientation) && !level.hasOrientation) {
         level.hasOrientation = true;
+        notes_.addUnknownAttributes(element, known::orientation);
         return Context::orientation;
-    } else if (isName(tag, names::data) && !level.hasData) {
+    }
+    if (isName(tag, names::data) && !level.hasData) {
         level.hasData = true;
         startData(element);
         return Context::data;
     }
+    notes_.addIgnored(element, known::component, names::component);
     return Context::ignored;
+}
+
+AssemblyBuilder::Context AssemblyBuilder::startVector(const ElementStart& element,
+                                                      double vector[3]) {
+    readVector(element, vector, "it and those after it are 0");
+    return leafOf(element);
 }
 
 AssemblyBuilder::Context AssemblyBuilder::startInOrientation(const ElementStart& element) {
     Level& level = levels_.back();
     double* const vectors[] = {level.body->vec1, level.body->vec2, level.body->vec3};
     const int i = vectorIndex(element.tag());
-    if (i >= 0 && !level.hasVector[i]) {
-        level.hasVector[i] = true;
-        readVector(element, vectors[i], restIsZero);
+    if (i < 0 || level.hasVector[i]) {
+        notes_.addIgnored(element, known::orientation, names::orientation);
+        return Context::ignored;
     }
-    return Context::ignored;
+    level.hasVector[i] = true;
+    return startVector(element, vectors[i]);
 }
 
 // The number of components in the file is a hint: reserving memory saves moving the components
@@ -168,6 +194,7 @@ AssemblyBuilder::Context AssemblyBuilder::startInOrientation(const ElementStart&
 // together reserve at most what its size allows.
 void AssemblyBuilder::startData(const ElementStart& element) {
     Level& level = levels_.back();
+    notes_.addUnknownAttributes(element, known::data);
     level.notesBeforeData = notes_.size();
     const std::string_view text = valueOf(element, names::number);
     std::size_t number = 0;
@@ -179,18 +206,26 @@ void AssemblyBuilder::startData(const ElementStart& element) {
 
 AssemblyBuilder::Context AssemblyBuilder::startInData(const ElementStart& element) {
     Level& level = levels_.back();
-    // A file hides the components beside it, those before it as well.
-    if (isName(element.tag(), names::component) && !level.hasFile) return startComponent(element);
-    if (isName(element.tag(), names::file) && !level.hasFile) startFile(element);
+    if (isName(element.tag(), names::component)) {
+        ++level.besideFile;
+        // A file hides the components beside it, those before it as well.
+        return level.hasFile ? Context::ignored : startComponent(element);
+    }
+    if (isName(element.tag(), names::file) && !level.hasFile) return startFile(element);
+    notes_.addIgnored(element, known::data, names::data);
     return Context::ignored;
 }
 
-void AssemblyBuilder::startFile(const ElementStart& element) {
+AssemblyBuilder::Context AssemblyBuilder::startFile(const ElementStart& element) {
     Level& level = levels_.back();
     level.hasFile = true;
+    level.file = element.place();
     std::vector<ComponentBody>().swap(level.body->components);
-    notes_.resize(level.notesBeforeData);
+    // Those about the components that it hides.
+    if (level.besideFile > 0) notes_.dropAfter(level.notesBeforeData);
+    notes_.addUnknownAttributes(element, known::file);
     level.body->geometryFileName = element.narrow(names::name);
+    return leafOf(element);
 }
 
 void AssemblyBuilder::endComponent() {
@@ -201,9 +236,20 @@ void AssemblyBuilder::endComponent() {
         leaveOut(level);
         return;
     }
+    if (level.hasFile && level.besideFile > 0) noteHidden(level);
     // A list that has grown without a hint, or after a wrong one, may be twice as long as its
     // components.
     level.body->components.shrink_to_fit();
+}
+
+void AssemblyBuilder::noteHidden(const Level& level) {
+    if (!notes_.count()) return;
+    const bool isOne = level.besideFile == 1;
+    notes_.add(Kind::hiddenByFile, level.file, level.name,
+               "the <File> of component " + quoted_beginning(level.name) + " hides " +
+                   std::to_string(level.besideFile) +
+                   (isOne ? " component beside it, which is ignored"
+                          : " components beside it, which are ignored"));
 }
 
 // The note about a component that is left out replaces those about what is in it.
@@ -213,13 +259,12 @@ void AssemblyBuilder::leaveOut(const Level& level) {
         return;
     }
     levels_.back().body->components.pop_back();
-    notes_.resize(level.notesBefore);
+    notes_.dropAfter(level.notesBefore);
     hasLeftOut_ = true;
-    hasAltered_ = true;
-    if (!collectsNotes_) return;
-    addNote(Kind::leftOut, level.place, level.name,
-            "component " + quoted_beginning(level.name) +
-                " is left out: its <Orientation> is not complete");
+    if (!notes_.count()) return;
+    notes_.add(Kind::leftOut, level.place, level.name,
+               "component " + quoted_beginning(level.name) +
+                   " is left out: its <Orientation> is not complete");
 }
 
 // Stops at the first coordinate that is not a number; it and those after it are 0. A number out of
@@ -229,6 +274,7 @@ void AssemblyBuilder::leaveOut(const Level& level) {
 bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
                                  const char* consequence) {
     vector[0] = vector[1] = vector[2] = 0;
+    notes_.addUnknownAttributes(element, known::vector);
     static constexpr std::string_view coordinates[] = {names::x, names::y, names::z};
     for (int i = 0; i < 3; ++i) {
         std::string_view text;
@@ -237,12 +283,11 @@ bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
             vector[i] = value;
             continue;
         }
-        hasAltered_ = true;
-        if (!collectsNotes_) return false;
-        const std::string tag(element.tag());
-        addNote(Kind::notANumber, placeOf(element), tag,
-                std::string(coordinates[i]) + " of <" + tag +
-                    "> is not a number: " + quoted_beginning(text) + "; " + consequence);
+        if (!notes_.count()) return false;
+        notes_.add(Kind::notANumber, element.place(), element.tag(),
+                   std::string(coordinates[i]) + " of <" + std::string(element.tag()) +
+                       "> is not a number: " + quoted_number(text) + "; " + consequence,
+                   coordinates[i]);
         return false;
     }
     return true;
@@ -251,19 +296,14 @@ bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
 bool AssemblyBuilder::readEnabled(const ElementStart& element) {
     std::string_view text;
     if (!element.find(names::enabled, text) || text == "1") return true;
-    if (text == "0") return false;
-    hasAltered_ = true;
-    if (!collectsNotes_) return false;
+    if (text == "0" || !notes_.count()) return false;
     const std::string value(text);
     const std::string_view name = valueOf(element, names::name);
-    addNote(Kind::notAFlag, placeOf(element), name,
-            "component " + quoted_beginning(name) + " is disabled: enabled is " +
-                quoted_beginning(value));
+    notes_.add(Kind::notAFlag, element.place(), name,
+               "component " + quoted_beginning(name) + " is disabled: enabled is " +
+                   quoted_beginning(value),
+               names::enabled);
     return false;
-}
-
-void AssemblyBuilder::addNote(Kind kind, Place place, std::string_view subject, std::string text) {
-    notes_.push_back({kind, place.line, place.column, std::string(subject), std::move(text)});
 }
 
 // Of several failures the first one in this order counts, wherever it is in the document.
@@ -279,9 +319,7 @@ AssemblyBuilder::Failure AssemblyBuilder::outcome() const {
 EFileIOStatus AssemblyBuilder::finish(int& version, CTrvAssemblyData& data, CFileFault* fault) {
     const Failure failure = outcome();
     if (hasVersion_) version = version_;
-    if (fault != nullptr) {
-        std::move(notes_.begin(), notes_.end(), std::back_inserter(fault->notes));
-    }
+    if (fault != nullptr) notes_.moveTo(fault->notes);
     if (hasAttributes_ && hasDimension_) data.setDimension(dimension_);
     if (failure.status != eFileIOSuccess) {
         set_fault(fault, failure.reason, failure.place.line, failure.place.column);

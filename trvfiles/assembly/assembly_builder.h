@@ -3,7 +3,9 @@
 /// @file
 /// The rules of the assembly format: from elements in document order to a record.
 
+#include <trvfiles/assembly/assembly_notes.h>
 #include <trvfiles/assembly/component_body.h>
+#include <trvfiles/assembly/element_start.h>
 #include <trvfiles/support/CFileFault.h>
 #include <trvfiles/support/EFileIOStatus.h>
 
@@ -17,37 +19,6 @@ class CTrvAssemblyData;
 
 namespace trv {
 
-/// An element that starts, as the builder asks about it.
-class ElementStart {
-public:
-    ElementStart(const ElementStart&) = delete;
-    ElementStart& operator=(const ElementStart&) = delete;
-    virtual ~ElementStart() = default;
-
-    std::string_view tag() const { return tag_; }
-
-    /// The place of the element in its document, counted from 1; 0 if it is not known.
-    int line() const { return line_; }
-    int column() const { return column_; }
-
-    /// @param value  takes the value in UTF-8, which is valid until the next call
-    /// @return whether the element has the attribute
-    virtual bool find(std::string_view attribute, std::string_view& value) const = 0;
-
-    /// The value in narrow text; empty if the element does not have the attribute.
-    virtual std::string narrow(std::string_view attribute) const = 0;
-
-protected:
-    /// @param tag  has to outlive the object
-    explicit ElementStart(std::string_view tag, int line = 0, int column = 0)
-        : tag_(tag), line_(line), column_(column) {}
-
-private:
-    const std::string_view tag_;
-    const int line_;
-    const int column_;
-};
-
 /// Takes the elements of a document one after the other and builds the record of an assembly.
 ///
 /// Of the elements that a rule allows once, the first one counts. Elements that no rule names are
@@ -56,12 +27,10 @@ private:
 /// Threads: an object is used by one thread at a time.
 class AssemblyBuilder {
 public:
-    enum class Notes { collected, omitted };
-
     /// @param maxReserved  the number of components for which the document's own numbers of
     ///                     components may reserve memory: they may be wrong
-    explicit AssemblyBuilder(Notes notes, std::size_t maxReserved = 0)
-        : collectsNotes_(notes == Notes::collected), reservable_(maxReserved) {}
+    explicit AssemblyBuilder(AssemblyNotes::Mode notes, std::size_t maxReserved = 0)
+        : notes_(notes), reservable_(maxReserved) {}
 
     /// REQUIRES: starts and ends that are properly nested.
     void start(const ElementStart& element);
@@ -70,8 +39,8 @@ public:
     /// Whether a component has been left out.
     bool hasLeftOut() const { return hasLeftOut_; }
 
-    /// Whether anything has been left out or altered: what notes are about.
-    bool hasAltered() const { return hasAltered_; }
+    /// Whether there is anything to note. REQUIRES: notes are not omitted.
+    bool hasAltered() const { return notes_.hasAny(); }
 
     /// What finish() will return. REQUIRES: the document has ended.
     EFileIOStatus status() const { return outcome().status; }
@@ -89,12 +58,19 @@ public:
 
 private:
     // What an open element is; the elements in it are judged by it.
-    enum class Context { document, root, attributes, component, orientation, data, ignored };
-
-    struct Place {
-        int line = 0;
-        int column = 0;
+    enum class Context {
+        document,
+        root,
+        attributes,
+        component,
+        orientation,
+        data,
+        // Has no elements in it. Without notes it is ignored.
+        leaf,
+        ignored
     };
+
+    using Place = ElementPlace;
 
     // A component that is open.
     struct Level {
@@ -110,6 +86,9 @@ private:
         bool hasFile = false;
         // Which vectors of its "Orientation" are there.
         bool hasVector[3] = {false, false, false};
+        // The components beside a "File", which is at this place; counted for a note.
+        std::size_t besideFile = 0;
+        Place file;
         // How many notes there were before those on this component, and before those on its
         // children.
         std::size_t notesBefore = 0;
@@ -122,8 +101,6 @@ private:
         Place place;
     };
 
-    static Place placeOf(const ElementStart& element) { return {element.line(), element.column()}; }
-
     Context contextOf(const ElementStart& element);
     Context startRoot(const ElementStart& element);
     Context startInRoot(const ElementStart& element);
@@ -133,25 +110,27 @@ private:
     Context startInData(const ElementStart& element);
     Context startComponent(const ElementStart& element);
     void startData(const ElementStart& element);
-    void startFile(const ElementStart& element);
+    Context startFile(const ElementStart& element);
+    Context startVector(const ElementStart& element, double vector[3]);
+    Context leafOf(const ElementStart& element);
     void endComponent();
     void leaveOut(const Level& level);
+    void noteHidden(const Level& level);
     bool readVector(const ElementStart& element, double vector[3], const char* consequence);
     bool readEnabled(const ElementStart& element);
-    void addNote(CFileFault::Note::Kind kind, Place place, std::string_view subject,
-                 std::string text);
     Failure outcome() const;
 
-    const bool collectsNotes_;
+    AssemblyNotes notes_;
     std::size_t reservable_;
     std::vector<Context> open_ = {Context::document};
     // How many elements are open within the one that is ignored, itself included.
     std::size_t ignored_ = 0;
     std::vector<Level> levels_;
 
+    // The name of the open element that has no elements in it.
+    std::string leaf_;
+
     bool hasLeftOut_ = false;
-    bool hasAltered_ = false;
-    std::vector<CFileFault::Note> notes_;
     // Of the root element; a later failure does not replace it.
     Failure rootFailure_;
     Place root_;

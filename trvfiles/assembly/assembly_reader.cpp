@@ -10,6 +10,9 @@
 #include <QString>
 
 #include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace trv {
 namespace {
@@ -26,7 +29,7 @@ class DomElementStart final : public ElementStart {
 public:
     /// @param tag  the name of the element in UTF-8; has to outlive the object, as the element has
     DomElementStart(const QDomElement& element, const QByteArray& tag)
-        : ElementStart(viewOf(tag), element.lineNumber(), element.columnNumber()),
+        : ElementStart(viewOf(tag), {element.lineNumber(), element.columnNumber()}),
           element_(element) {}
 
     bool find(std::string_view attribute, std::string_view& value) const override {
@@ -38,6 +41,17 @@ public:
     }
     std::string narrow(std::string_view attribute) const override {
         return toNarrow(element_.attribute(latin1(attribute)));
+    }
+    // Qt has the attributes in the order of a hash whose seed differs in each process.
+    std::vector<std::string> attributesExcept(const KnownNames& names) const override {
+        const QDomNamedNodeMap attributes = element_.attributes();
+        std::vector<std::string> others;
+        for (int i = 0; i < attributes.length(); ++i) {
+            std::string name = attributes.item(i).nodeName().toStdString();
+            if (!isKnown(names, name)) others.push_back(std::move(name));
+        }
+        std::sort(others.begin(), others.end());
+        return others;
     }
 
 private:
@@ -68,6 +82,14 @@ public:
         std::string_view value;
         return find(attribute, value) ? narrowFromUtf8(value) : std::string();
     }
+    std::vector<std::string> attributesExcept(const KnownNames& names) const override {
+        std::vector<std::string> others;
+        for (const PlainScanner::Attribute& attribute : scanner_) {
+            if (!isKnown(names, attribute.name)) others.emplace_back(attribute.name);
+        }
+        std::sort(others.begin(), others.end());
+        return others;
+    }
 
 private:
     const PlainScanner& scanner_;
@@ -80,8 +102,8 @@ private:
 EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssemblyData& data,
                            CFileFault* fault) {
     const bool isAsked = fault != nullptr;
-    AssemblyBuilder builder(isAsked ? AssemblyBuilder::Notes::collected
-                                    : AssemblyBuilder::Notes::omitted);
+    AssemblyBuilder builder(isAsked ? AssemblyNotes::Mode::collected
+                                    : AssemblyNotes::Mode::omitted);
     const auto enter = [&](const QDomNode& node, int) {
         if (!node.isElement()) return;
         const QDomElement element = node.toElement();
@@ -100,7 +122,9 @@ bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvA
     constexpr std::int64_t minComponentSize = 128;
     PlainScanner scanner(device, static_cast<std::size_t>(maxNesting));
     const auto maxComponents = static_cast<std::size_t>(scanner.size() / minComponentSize);
-    AssemblyBuilder builder(AssemblyBuilder::Notes::omitted, maxComponents);
+    const bool isUnaltered = accepted == Accepted::unaltered;
+    AssemblyBuilder builder(
+        isUnaltered ? AssemblyNotes::Mode::detected : AssemblyNotes::Mode::omitted, maxComponents);
     for (;;) {
         switch (scanner.next()) {
             case PlainScanner::Event::elementStart:
@@ -110,8 +134,7 @@ bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvA
                 builder.end();
                 break;
             case PlainScanner::Event::documentEnd: {
-                const bool isAccepted =
-                    accepted == Accepted::unaltered ? !builder.hasAltered() : !builder.hasLeftOut();
+                const bool isAccepted = isUnaltered ? !builder.hasAltered() : !builder.hasLeftOut();
                 if (!isAccepted || builder.status() != eFileIOSuccess) return false;
                 return builder.finish(version, data, nullptr) == eFileIOSuccess;
             }

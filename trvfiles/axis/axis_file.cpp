@@ -16,6 +16,11 @@ namespace {
 // The numbers in a file have six decimals.
 constexpr double identityTolerance = 1e-6;
 constexpr double minDeterminant = 1e-10;
+// Rounding to six decimals moves the product of two unit vectors by less than 2e-6.
+constexpr double orthonormalTolerance = 1e-5;
+constexpr int firstMatrixLine = 2;
+constexpr int lastMatrixLine = 5;
+constexpr int lastInverseLine = 9;
 constexpr int numberColumns = 12;
 // Part of the format: what follows on a line does not count.
 constexpr std::size_t examinedLineLength = 511;
@@ -82,13 +87,67 @@ private:
     std::size_t read_ = 0;
 };
 
-bool readFourNumbers(LineReader& lines, AxisMatrix& matrix, std::size_t row) {
-    std::string_view line;
-    if (!lines.next(line)) return false;
+bool scanFourNumbers(std::string_view line, double* numbers) {
     for (std::size_t column = 0; column < 4; ++column) {
-        if (!scan_number(line, matrix[4 * row + column])) return false;
+        if (!scan_number(line, numbers[column])) return false;
     }
     return true;
+}
+
+bool readFourNumbers(LineReader& lines, AxisMatrix& matrix, std::size_t row) {
+    std::string_view line;
+    return lines.next(line) && scanFourNumbers(line, &matrix[4 * row]);
+}
+
+// Whether four numbers are the last row of an affine matrix.
+bool isLastRow(const double* numbers) {
+    for (std::size_t column = 0; column < 4; ++column) {
+        const double expected = column == 3 ? 1 : 0;
+        if (!(std::fabs(numbers[column] - expected) <= identityTolerance)) return false;
+    }
+    return true;
+}
+
+// What is in the lines that reading skips, for notes.
+struct SkippedLines {
+    // The line of the last row of an affine matrix; 0 if there is none.
+    int lastRow = 0;
+    // The line of tags; 0 if there is none.
+    int tags = 0;
+
+    void take(std::string_view line, int number) {
+        double row[4] = {};
+        if (scanFourNumbers(line, row) && isLastRow(row)) lastRow = number;
+        skip_white_space(line);
+        if (tags == 0 && !line.empty() && line.front() == '#') tags = number;
+    }
+};
+
+void addNotes(CFileFault& fault, const AxisMatrix& lines, const AxisMatrix& matrix,
+              const SkippedLines& skipped) {
+    using Kind = CFileFault::Note::Kind;
+    const auto add = [&](Kind kind, int line, const char* text) {
+        fault.notes.push_back({kind, line, 0, {}, text});
+    };
+    if (!isOrthonormal(matrix)) {
+        add(Kind::notOrthonormal, firstMatrixLine,
+            matrix[15] == 0 ? "the axes do not span space: they are read as zeros"
+                            : "the axes are not orthonormal: their inverse is read, which differs "
+                              "from what was written");
+    }
+    // The rows of the block after a missing row are one line earlier.
+    if (!isLastRow(&lines[12])) {
+        if (skipped.lastRow == lastInverseLine - 1) {
+            add(Kind::missingRow, lastMatrixLine,
+                "a row of the matrix is missing: the first row of the next block takes its place");
+        } else {
+            add(Kind::notAffine, lastMatrixLine, "the fourth row of the matrix is not 0 0 0 1");
+        }
+    }
+    if (skipped.tags != 0) {
+        add(Kind::misplacedTags, skipped.tags,
+            "the tags are ignored: they are read from line 10 only");
+    }
 }
 
 int readTags(std::string_view line, std::array<int, 3>& tags) {
@@ -167,8 +226,21 @@ std::string axisFileText(const AxisMatrix& matrix, int tag1, int tag2, int tag3)
     return text;
 }
 
+bool isOrthonormal(const AxisMatrix& m) {
+    for (std::size_t one = 0; one < 3; ++one) {
+        for (std::size_t other = one; other < 3; ++other) {
+            const std::size_t i = 4 * one;
+            const std::size_t j = 4 * other;
+            const double product = m[i] * m[j] + m[i + 1] * m[j + 1] + m[i + 2] * m[j + 2];
+            const double expected = one == other ? 1 : 0;
+            // Written so that a NaN fails.
+            if (!(std::fabs(product - expected) <= orthonormalTolerance)) return false;
+        }
+    }
+    return true;
+}
+
 bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault) {
-    constexpr int firstMatrixLine = 2;
     LineReader lines(file);
     // The numbers say whether the placement moves anything; the flag on line 1 does not count.
     lines.skip();
@@ -184,10 +256,13 @@ bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault) {
         return false;
     }
     content.matrix = matrixFromLines(read);
-    for (int inverseLine = 0; inverseLine < 4; ++inverseLine)
-        lines.skip();
-    std::string_view tagLine;
-    content.tagCount = lines.next(tagLine) ? readTags(tagLine, content.tags) : 0;
+    SkippedLines skipped;
+    std::string_view line;
+    for (int number = lastMatrixLine + 1; number <= lastInverseLine && lines.next(line); ++number) {
+        if (fault != nullptr) skipped.take(line, number);
+    }
+    content.tagCount = lines.next(line) ? readTags(line, content.tags) : 0;
+    if (fault != nullptr) addNotes(*fault, read, content.matrix, skipped);
     return true;
 }
 

@@ -34,6 +34,10 @@ AxisMatrix affineInverse(const AxisMatrix& matrix);
 /// Whether an element differs from the identity's by more than 1e-6; a NaN never does.
 bool differsFromIdentity(const AxisMatrix& matrix);
 
+/// Whether the axes have length 1 and are at right angles, within the precision of six decimals. A
+/// NaN is not.
+bool isOrthonormal(const AxisMatrix& matrix);
+
 /// The whole text of an axis file, each line ended by one LF. The tag line is left out if one of
 /// the tags is negative.
 std::string axisFileText(const AxisMatrix& matrix, int tag1, int tag2, int tag3);
@@ -50,7 +54,9 @@ struct AxisContent {
 /// 511 characters count, whatever its length.
 ///
 /// @param content  written on success only
-/// @param fault    takes the line that is missing or does not hold four numbers, from 2 to 5
+/// @param fault    takes the line that is missing or does not hold four numbers, from 2 to 5, and
+///                 notes about a matrix that is not affine or not orthonormal and about tags that
+///                 are not in line 10
 /// @return whether the four lines of the matrix are there
 bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault = nullptr);
 

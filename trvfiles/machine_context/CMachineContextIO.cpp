@@ -22,10 +22,6 @@ using Kind = CFileFault::Note::Kind;
 
 constexpr char headerSection[] = "header";
 
-std::string quotedValue(const std::string& value) {
-    return trv::quoted_beginning(trv::fromNarrow(value).toStdString());
-}
-
 // Takes the sections of a parsed file into a record, in the order of the format. The notes are
 // composed only if the caller wants them.
 class Reader {
@@ -85,8 +81,12 @@ private:
     void addNote(Kind kind, const ContextField& field, const char* what, const char* consequence) {
         const std::string name = field.name();
         // headerLine() counts from 0, and line_ counts from the line after the header.
-        fault_->notes.push_back({kind, section_->headerLine() + 1 + line_ + 1, 0, name,
-                                 name + what + quotedValue(value_) + consequence});
+        const std::string value = trv::fromNarrow(value_).toStdString();
+        const bool isNumber = kind == Kind::notANumber;
+        fault_->notes.push_back(
+            {kind, section_->headerLine() + 1 + line_ + 1, 0, name,
+             name + what + (isNumber ? trv::quoted_number(value) : trv::quoted_beginning(value)) +
+                 consequence});
     }
 
     EFileIOStatus miss(const ContextField& field) {

@@ -13,8 +13,8 @@
 /// `notes` may hold entries after both.
 ///
 /// Texts are in UTF-8, in English, and human-readable: one line without a full stop, which does not
-/// name the file. What they quote from the file is in quotes, is cut off after 40 bytes, and may
-/// hold any character.
+/// name the file. What they quote from the file is in quotes, or in "<" and ">" if it is an
+/// element, is cut off after 40 bytes, and may hold any character.
 ///
 /// Threads: a plain value; const operations may run at once.
 struct CFileFault {
@@ -38,6 +38,26 @@ struct CFileFault {
             /// Bytes that are not text are replaced or dropped. `subject` is the section and the
             /// key; it is empty in an assembly, which has one note for the first of these bytes.
             notText,
+            /// An element or an attribute of an assembly that the format does not define is
+            /// ignored.
+            /// `subject` is its name.
+            unknownName,
+            /// An element of an assembly that counts once only occurs again and is ignored.
+            /// `subject` is its name.
+            repeated,
+            /// Components of an assembly beside a "File" are ignored. `subject` is the name of the
+            /// component that has the file; the place is that of the "File".
+            hiddenByFile,
+            /// The matrix of an axis file has three rows before the next block, whose first row is
+            /// read as the fourth. `subject` is empty, as for all notes on an axis file.
+            missingRow,
+            /// The fourth row of an axis file is not 0 0 0 1. Its last number is replaced.
+            notAffine,
+            /// The axes of an axis file are not orthonormal. They are read as the inverse of the
+            /// lines, which differs from what was written.
+            notOrthonormal,
+            /// A line of tags in an axis file is not line 10 and is ignored.
+            misplacedTags,
         };
 
         Kind kind = Kind::notText;
@@ -49,6 +69,9 @@ struct CFileFault {
         std::string subject;
         /// What was altered and what the record holds instead.
         std::string text;
+        /// The attribute of the element of an assembly to which the note refers; empty if it refers
+        /// to the whole element, and in other files.
+        std::string attribute = {};
     };
 
     /// Why the call has failed; empty if it has not.

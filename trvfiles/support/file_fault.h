@@ -26,9 +26,16 @@ void set_fault(CFileFault* fault, std::string_view reason, int line = 0, int col
 /// @param error  an `errno` value
 void set_system_fault(CFileFault* fault, int error);
 
-/// A text of a file as it is quoted: in quotes, and cut off after 40 bytes, between two characters.
+/// A text of a file as it is quoted: cut off after 40 bytes, between two characters, with "..."
+/// after it then.
 ///
 /// @param text  in UTF-8
+std::string beginning_of(std::string_view text);
+
+/// The same in quotes.
 std::string quoted_beginning(std::string_view text);
+
+/// The same of a text that should be a number. A decimal comma is named as the reason.
+std::string quoted_number(std::string_view text);
 
 }  // namespace trv
