@@ -118,7 +118,7 @@ Totals checkAll(const std::vector<FoundFile>& files, const CheckOptions& options
         const FileReport report = std::move(*reports[i]);
         reports[i].reset();
         if (files[i].isFromDirectory && isNoProjectFile(report)) return;
-        progress.clear();
+        if (!report.diagnostics.empty()) progress.clear();
         totals.add(report);
         printer.print(report);
     };
@@ -155,7 +155,9 @@ ExitStatus check(const QCommandLineParser& call, const Console& console) {
     CheckOptions options;
     options.checksReferences = call.isSet(QStringLiteral("references"));
     options.showsSource = columns > 0 && !asJson;
-    ProgressLine progress(console.err, columns);
+    // Lines on the terminal show by themselves how far the command is.
+    const bool hasLines = terminalColumns(console.out) > 0 && (asJson || !isQuiet);
+    ProgressLine progress(console.err, hasLines ? 0 : columns);
     Totals totals;
     const auto checkWith = [&](Printer&& printer) {
         totals = checkAll(files, options, jobs, progress, printer);

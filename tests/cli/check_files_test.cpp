@@ -104,6 +104,13 @@ TEST_F(CheckFiles, FindsWhatIsWrongWithAMachineContext) {
         "a: warning: section [clamping_system] is missing\n");
 }
 
+TEST_F(CheckFiles, FindsNamesInAnotherCaseInAMachineContext) {
+    EXPECT_EQ(problems("[Header]\nname=x\n[machine]\nname=M\nposition=\n Proximity = 1\n"
+                       "[postpro]\norigin_program=1 2 3\n[clamping_system]\nx\n"),
+              "a:1:1: warning: section [header] is missing: the name is in another case here\n"
+              "a:6:2: warning: machine.proximity is not read: its key is in another case here\n");
+}
+
 TEST_F(CheckFiles, ReportsWhyAFileCannotBeRead) {
     EXPECT_EQ(problems("<ComponentInfo version=\"1\">\n<a></b>"),
               "a:2:7: error: eFileIOContentError: tag mismatch: <a> of line 2 is not closed\n");

@@ -83,6 +83,23 @@ TEST_F(ContextFault, NamesTheSectionsThatAreMissingOrHaveNoLines) {
                            "section [clamping_system] is missing")));
 }
 
+TEST_F(ContextFault, NamesASectionInAnotherCase) {
+    EXPECT_EQ(read(with("[postpro]\n", "[PostPro]\n")), eFileIOSuccess);
+    EXPECT_THAT(fault_.notes,
+                ElementsAre(IsNote(Kind::missingSection, 7, "postpro",
+                                   "section [postpro] is missing: the name is in another case "
+                                   "here")));
+}
+
+TEST_F(ContextFault, NamesAKeyInAnotherCase) {
+    EXPECT_EQ(read(with("proximity= 1.5", "Proximity=1.5")), eFileIOSuccess);
+    EXPECT_THAT(fault_.notes, ElementsAre(IsNote(Kind::unknownName, 6, "machine.proximity",
+                                                 "machine.proximity is not read: its key is in "
+                                                 "another case here")));
+    EXPECT_EQ(read(with("proximity= 1.5", "proximity=1.5\nProximity=2")), eFileIOSuccess);
+    EXPECT_THAT(fault_.notes, IsEmpty());
+}
+
 TEST_F(ContextFault, NamesAProximityThatIsNotANumber) {
     EXPECT_EQ(read(with("proximity= 1.5", "proximity=abc")), eFileIOSuccess);
     EXPECT_THAT(fault_.notes,

@@ -19,9 +19,9 @@ void AssemblyNotes::add(Kind kind, ElementPlace place, std::string_view subject,
                       std::string(attribute)});
 }
 
-void AssemblyNotes::addIgnored(const ElementStart& element, const KnownContent& parent,
-                               std::string_view parentTag) {
-    if (areOmitted() || !count()) return;
+void AssemblyNotes::noteIgnored(const ElementStart& element, const KnownContent& parent,
+                                std::string_view parentTag) {
+    if (!count()) return;
     const std::string_view tag = element.tag();
     if (isKnown(parent.children, tag)) {
         add(Kind::repeated, element.place(), tag,
@@ -32,8 +32,7 @@ void AssemblyNotes::addIgnored(const ElementStart& element, const KnownContent& 
     }
 }
 
-void AssemblyNotes::addUnknownAttributes(const ElementStart& element, const KnownContent& known) {
-    if (areOmitted()) return;
+void AssemblyNotes::noteUnknownAttributes(const ElementStart& element, const KnownContent& known) {
     for (const std::string& name : element.attributesExcept(known.attributes)) {
         if (isForeignAttribute(name)) continue;
         add(Kind::unknownName, element.place(), name,

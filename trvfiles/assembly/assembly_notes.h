@@ -57,10 +57,14 @@ public:
 
     /// Notes that an element is ignored: it is not known in its parent, or it occurs again.
     void addIgnored(const ElementStart& element, const KnownContent& parent,
-                    std::string_view parentTag);
+                    std::string_view parentTag) {
+        if (!areOmitted()) noteIgnored(element, parent, parentTag);
+    }
 
     /// Notes the attributes that an element should not have.
-    void addUnknownAttributes(const ElementStart& element, const KnownContent& known);
+    void addUnknownAttributes(const ElementStart& element, const KnownContent& known) {
+        if (!areOmitted()) noteUnknownAttributes(element, known);
+    }
 
     /// How many notes there are, and a way back to fewer.
     std::size_t size() const { return notes_.size(); }
@@ -70,6 +74,10 @@ public:
     void moveTo(std::vector<CFileFault::Note>& notes);
 
 private:
+    void noteIgnored(const ElementStart& element, const KnownContent& parent,
+                     std::string_view parentTag);
+    void noteUnknownAttributes(const ElementStart& element, const KnownContent& known);
+
     const Mode mode_;
     bool hasAny_ = false;
     std::vector<CFileFault::Note> notes_;

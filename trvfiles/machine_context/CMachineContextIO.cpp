@@ -40,6 +40,8 @@ public:
                 take(field);
             } else if (field.isRequired) {
                 return miss(field);
+            } else {
+                noteOtherCase(field);
             }
         }
         return eFileIOSuccess;
@@ -50,9 +52,23 @@ private:
         section_ = &file_.section(name, true);
         if (fault_ == nullptr || section_->lineCount() != 0 || !trv::isAlwaysWritten(name)) return;
         const bool hasHeader = section_->headerLine() >= 0;
+        // Without a header of the name, one that differs in case may be meant.
+        const int line =
+            hasHeader ? section_->headerLine() : file_.section(name, false).headerLine();
+        const char* const what = hasHeader   ? "] has no lines"
+                                 : line >= 0 ? "] is missing: the name is in another case here"
+                                             : "] is missing";
         fault_->notes.push_back(
-            {Kind::missingSection, section_->headerLine() + 1, 0, name,
-             std::string("section [") + name + (hasHeader ? "] has no lines" : "] is missing")});
+            {Kind::missingSection, line + 1, 0, name, std::string("section [") + name + what});
+    }
+
+    void noteOtherCase(const ContextField& field) {
+        if (fault_ == nullptr || !file_.sectionValue(*section_, field.key, false, value_, &line_)) {
+            return;
+        }
+        const std::string name = field.name();
+        fault_->notes.push_back({Kind::unknownName, section_->headerLine() + 1 + line_ + 1, 0, name,
+                                 name + " is not read: its key is in another case here"});
     }
 
     void take(const ContextField& field) {

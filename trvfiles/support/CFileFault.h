@@ -33,14 +33,15 @@ struct CFileFault {
             /// the name of the component.
             notAFlag,
             /// A section that each written machine context has is missing, or has no lines.
-            /// `subject` is its name.
+            /// `subject` is its name. The line is that of its header, or of a header whose name
+            /// differs in case only.
             missingSection,
             /// Bytes that are not text are replaced or dropped. `subject` is the section and the
             /// key; it is empty in an assembly, which has one note for the first of these bytes.
             notText,
             /// An element or an attribute of an assembly that the format does not define is
-            /// ignored.
-            /// `subject` is its name.
+            /// ignored. `subject` is its name. In a machine context, a key that differs from a
+            /// known one in case only; `subject` is the section and the known key.
             unknownName,
             /// An element of an assembly that counts once only occurs again and is ignored.
             /// `subject` is its name.
