@@ -156,7 +156,7 @@ ExitStatus check(const QCommandLineParser& call, const Console& console) {
     options.checksReferences = call.isSet(QStringLiteral("references"));
     options.showsSource = columns > 0 && !asJson;
     // Lines on the terminal show by themselves how far the command is.
-    const bool hasLines = terminalColumns(console.out) > 0 && (asJson || !isQuiet);
+    const bool hasLines = console.outColumns > 0 && (asJson || !isQuiet);
     ProgressLine progress(console.err, hasLines ? 0 : columns);
     Totals totals;
     const auto checkWith = [&](Printer&& printer) {

@@ -95,11 +95,12 @@ void addDiagnostics(FileReport& report, const Content& content, const CheckOptio
                                       QString::fromStdString(note.text),
                                       {}});
     }
-    for (const Reference& reference : content.references) {
+    const std::vector<Place> places = placesOf(source, content.references);
+    for (std::size_t i = 0; i < places.size(); ++i) {
         report.diagnostics.push_back({Diagnostic::Severity::warning,
-                                      placeOf(source, reference),
+                                      places[i],
                                       QStringLiteral("missingFile"),
-                                      textOf(reference),
+                                      textOf(content.references[i]),
                                       {}});
     }
     if (content.problem) {

@@ -9,6 +9,7 @@
 #include <trvfiles/text/text_conversion.h>
 
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
 
 #include <utility>
@@ -31,20 +32,22 @@ private:
     const HostPath path_;
 };
 
-// The first value of a "File" that is the name.
-Place placeOfFile(const SourceText& source, const QString& name) {
+// The places at which the "File" elements first have these names. One walk, whatever their number.
+QHash<QString, Place> placesOfFiles(const SourceText& source, const QSet<QString>& wanted) {
     const QLatin1String file(names::file);
     const QLatin1String attributeOfName(names::name);
+    QHash<QString, Place> places;
     XmlTag tag;
-    for (XmlTags tags(source.text()); tags.next(tag);) {
+    for (XmlTags tags(source.text()); places.size() < wanted.size() && tags.next(tag);) {
         if (tag.kind == XmlTag::Kind::end || tag.name != file) continue;
         for (const XmlAttribute& attribute : tag.attributes) {
-            if (attribute.name == attributeOfName && valueOf(attribute) == name) {
-                return source.placeOf(attribute.valuePosition);
-            }
+            if (attribute.name != attributeOfName) continue;
+            const QString name = valueOf(attribute);
+            if (!wanted.contains(name) || places.contains(name)) continue;
+            places.insert(name, source.placeOf(attribute.valuePosition));
         }
     }
-    return {};
+    return places;
 }
 
 }  // namespace
@@ -81,9 +84,20 @@ References missingReferences(const QString& file, const CMachineContextData& con
     return missing;
 }
 
-Place placeOf(const SourceText& source, const Reference& reference) {
-    return reference.key.isEmpty() ? placeOfFile(source, reference.name)
-                                   : placeOfValue(source, reference.section, reference.key);
+std::vector<Place> placesOf(const SourceText& source, const References& references) {
+    QSet<QString> files;
+    for (const Reference& reference : references) {
+        if (reference.key.isEmpty()) files.insert(reference.name);
+    }
+    const QHash<QString, Place> placesByName = placesOfFiles(source, files);
+    std::vector<Place> places;
+    places.reserve(references.size());
+    for (const Reference& reference : references) {
+        places.push_back(reference.key.isEmpty()
+                             ? placesByName.value(reference.name)
+                             : placeOfValue(source, reference.section, reference.key));
+    }
+    return places;
 }
 
 QString textOf(const Reference& reference) {

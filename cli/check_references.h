@@ -33,8 +33,8 @@ References missingReferences(const QString& file, const CTrvAssemblyData& assemb
 /// The same of the machine, the position and the reference axis.
 References missingReferences(const QString& file, const CMachineContextData& context);
 
-/// Where the file names it first.
-Place placeOf(const SourceText& source, const Reference& reference);
+/// Where the file first names each of the references; line 0 if it does not.
+std::vector<Place> placesOf(const SourceText& source, const References& references);
 
 /// "geometry file "a.stl" does not exist"
 QString textOf(const Reference& reference);

@@ -77,15 +77,21 @@ TEST_F(CheckReferences, HaveThePlaceOfTheName) {
     const SourceText xml(QStringLiteral("<a name='f &amp; g'/>\n<File name='x'/><File "
                                         "name='f &amp; g'/>"),
                          SourceText::Lines::ofXml);
-    const Place inXml = placeOf(xml, {{}, QStringLiteral("f & g"), {}, {}});
-    EXPECT_EQ(inXml.line, 2);
-    EXPECT_EQ(inXml.column, 29);
-    EXPECT_EQ(placeOf(xml, {{}, QStringLiteral("other"), {}, {}}).line, 0);
+    const std::vector<Place> inXml = placesOf(xml, {{{}, QStringLiteral("f & g"), {}, {}},
+                                                    {{}, QStringLiteral("other"), {}, {}},
+                                                    {{}, QStringLiteral("x"), {}, {}}});
+    ASSERT_EQ(inXml.size(), 3U);
+    EXPECT_EQ(inXml[0].line, 2);
+    EXPECT_EQ(inXml[0].column, 29);
+    EXPECT_EQ(inXml[1].line, 0);
+    EXPECT_EQ(inXml[2].line, 2);
+    EXPECT_EQ(inXml[2].column, 13);
     const SourceText context(QStringLiteral("[machine]\nname = m\n"), SourceText::Lines::ofText);
-    const Place inContext = placeOf(
-        context, {{}, QStringLiteral("m"), QStringLiteral("machine"), QStringLiteral("name")});
-    EXPECT_EQ(inContext.line, 2);
-    EXPECT_EQ(inContext.column, 8);
+    const std::vector<Place> inContext = placesOf(
+        context, {{{}, QStringLiteral("m"), QStringLiteral("machine"), QStringLiteral("name")}});
+    ASSERT_EQ(inContext.size(), 1U);
+    EXPECT_EQ(inContext[0].line, 2);
+    EXPECT_EQ(inContext[0].column, 8);
 }
 
 }  // namespace
