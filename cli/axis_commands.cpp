@@ -3,13 +3,11 @@
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
-#include <QFileInfo>
 #include <QStringList>
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <optional>
 
 namespace trv::cli {
 namespace {
@@ -54,10 +52,9 @@ AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& tr
 ExitStatus invert(const QCommandLineParser& call, const Console& console) {
     const QString from = call.positionalArguments().at(0);
     const QString to = call.positionalArguments().at(1);
-    // Without the lock, two commands that invert a file in place at the same time would invert it
-    // once.
-    const bool isInPlace = QFileInfo(resolved(from)) == QFileInfo(resolved(to));
-    const std::unique_ptr<file_replacement> held = isInPlace ? holdFile(to) : nullptr;
+    // Held before the file is read: otherwise two commands that invert a file in place at the same
+    // time would invert it once.
+    const std::unique_ptr<file_replacement> held = holdFile(to);
     AxisFile axis;
     if (const Problem problem = readAxis(from, axis)) return report(from, problem, console);
 
@@ -69,7 +66,8 @@ ExitStatus invert(const QCommandLineParser& call, const Console& console) {
         return failed;
     }
     axis.matrix = thatReadsBackAsInverse(axis.matrix, traits);
-    if (const Problem problem = writeAxis(to, axis)) return report(to, problem, console);
+    if (const Problem problem = writeAxis(to, axis, held.get()))
+        return report(to, problem, console);
     return done;
 }
 
@@ -142,7 +140,10 @@ ExitStatus write(const QCommandLineParser& call, const Console& console) {
                           QStringLiteral("--vec1, --vec2 and --vec3 must be linearly independent"));
     }
     const QString name = call.positionalArguments().at(0);
-    if (const Problem problem = writeAxis(name, axis)) return report(name, problem, console);
+    const std::unique_ptr<file_replacement> held = holdFile(name);
+    if (const Problem problem = writeAxis(name, axis, held.get())) {
+        return report(name, problem, console);
+    }
     if (!traits.orthonormal) {
         console.err << "trvfiles: note: the vectors are not orthonormal; the file is read as the "
                        "inverse of their transpose\n";

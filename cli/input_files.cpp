@@ -5,6 +5,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
@@ -13,6 +14,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -35,6 +37,13 @@ bool isPipeOrDevice(const QString& name) {
 
 Problem notRegular() {
     return {eFileIOOpenError, notRegularText()};
+}
+
+// @param error  an `errno` value
+Problem systemProblem(EFileIOStatus status, int error) {
+    CFileFault fault;
+    set_system_fault(&fault, error);
+    return problemOf(status, fault);
 }
 
 // A reader of one kind says of another kind only what it misses.
@@ -157,10 +166,11 @@ Problem readAxis(const QString& name, AxisFile& axis, Notes* notes) {
     return {};
 }
 
-Problem writeAxis(const QString& name, const AxisFile& axis) {
-    const std::string text = axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]);
-    CFileFault fault;
-    return problemOf(writeAxisFile(resolved(name), text, &fault), fault);
+Problem writeAxis(const QString& name, const AxisFile& axis, file_replacement* held) {
+    if (Problem problem = whyNotHeld(name, held)) return problem;
+    const int failure = held->write_and_replace(
+        axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]));
+    return failure == 0 ? Problem() : systemProblem(eFileIOShortWrite, failure);
 }
 
 Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
@@ -189,9 +199,24 @@ Problem writeContext(const QString& name, const CMachineContextData& data, file_
 
 std::unique_ptr<file_replacement> holdFile(const QString& name) {
     const QString path = resolved(name);
+    const QFileInfo info(path);
     std::string narrow;
     if (!isOpenable(path) || !runtimePath(path, narrow)) return nullptr;
+    // With enough rights, a device would be replaced like a file.
+    if (info.exists() && !info.isFile()) return nullptr;
     return std::make_unique<file_replacement>(narrow);
+}
+
+Problem whyNotHeld(const QString& name, const file_replacement* held) {
+    if (held != nullptr) {
+        return held->is_open() ? Problem() : systemProblem(eFileIOOpenError, held->open_failure());
+    }
+    const QString path = resolved(name);
+    if (!isOpenable(path)) return {eFileIOOpenError, QStringLiteral("not a valid file name")};
+    if (QFileInfo(path).isDir()) return systemProblem(eFileIOOpenError, EISDIR);
+    if (isPipeOrDevice(name)) return notRegular();
+    return {eFileIOOpenError,
+            QStringLiteral("the local code page lacks a character of the file name")};
 }
 
 QString whyNotListed(const QString& name) {

@@ -85,6 +85,10 @@ int saveSmallMessages(const fs::path& target) {
     return saveMessages(target, false);
 }
 
+int writeAxisByCommand(const fs::path& target) {
+    return commandAxis(target, true);
+}
+
 class FullDiskUnder : public ::testing::TestWithParam<Writer> {
 protected:
     fs::path target() const { return directory_ / "target"; }
@@ -154,6 +158,7 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Writer{"AnAssembly", writeAssembly, 1, 3, 3, true},
                       Writer{"AnAxis", writeAxis, 1, 1, 1, true},
                       Writer{"ACopy", copyFile, 1, 1, 1, true},
+                      Writer{"AnAxisOfTheCommand", writeAxisByCommand, 0, 2, 2, false},
                       Writer{"AMachineContext", saveSmallContext, 1, 2, 2, false},
                       Writer{"Parameters", saveSmallParameters, 0, -EFBIG, -ENOSPC, false},
                       Writer{"Messages", saveSmallMessages, 0, -EFBIG, -ENOSPC, false}),

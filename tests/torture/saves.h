@@ -3,6 +3,7 @@
 /// @file
 /// The saves that replace a whole file, and the two texts that each writes alternately.
 
+#include <tests/cli/answer.h>
 #include <tests/environment/store_access.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/store_writer.h>
@@ -54,8 +55,16 @@ inline int saveMessages(const std::filesystem::path& target, bool second) {
     return saveStore(store_messages, target, second);
 }
 
-inline const auto allSaves =
-    ::testing::Values(Save{"AMachineContext", saveContext, eFileIOSuccess},
-                      Save{"Parameters", saveParameters, 0}, Save{"Messages", saveMessages, 0});
+/// A command that writes an axis file.
+inline int commandAxis(const std::filesystem::path& target, bool second) {
+    return answerTo(words("axis write --translate") +
+                    QStringList({QLatin1String(second ? "1,2,3" : "0,0,0"),
+                                 QString::fromStdString(target.string())}))
+        .status;
+}
+
+inline const auto allSaves = ::testing::Values(
+    Save{"AMachineContext", saveContext, eFileIOSuccess}, Save{"Parameters", saveParameters, 0},
+    Save{"Messages", saveMessages, 0}, Save{"AnAxisOfTheCommand", commandAxis, cli::done});
 
 }  // namespace trv::testing
