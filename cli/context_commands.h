@@ -17,9 +17,4 @@ Command contextSetCommand();
 /// The path of a file in a directory, as the commands print it.
 QString pathIn(const QString& directory, const QString& file);
 
-/// Prints what is wrong with a file or a directory, for a failure without a status of the library.
-///
-/// @return the exit status of the command
-ExitStatus fail(const QString& name, const QString& reason, const Console& console);
-
 }  // namespace trv::cli

@@ -122,6 +122,11 @@ QString otherKindText(FileKind kind) {
     return {};
 }
 
+ExitStatus fail(const QString& name, const QString& reason, const Console& console) {
+    console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), reason));
+    return failed;
+}
+
 QString notRegularText() {
     return QStringLiteral("not a regular file");
 }

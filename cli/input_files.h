@@ -47,6 +47,11 @@ QString problemText(const Problem& problem);
 /// @return the exit status of the command
 ExitStatus report(const QString& name, const Problem& problem, const Console& console);
 
+/// Prints what is wrong with a file or a directory, for a failure without a status of the library.
+///
+/// @return the exit status of the command
+ExitStatus fail(const QString& name, const QString& reason, const Console& console);
+
 /// The reason for a pipe or a device, which is not opened.
 QString notRegularText();
 

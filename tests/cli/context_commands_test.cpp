@@ -30,13 +30,5 @@ TEST(ContextCommands, NameFilesByTheirDirectory) {
     EXPECT_EQ(cli::pathIn(QStringLiteral("x/"), file).toStdString(), "x/[a].mctx");
 }
 
-TEST(ContextCommands, FailWithAReason) {
-    std::ostringstream out;
-    std::ostringstream err;
-    EXPECT_EQ(cli::fail(QStringLiteral("%2\n"), QStringLiteral("why"), {out, err}), cli::failed);
-    EXPECT_EQ(out.str(), "");
-    EXPECT_EQ(err.str(), "trvfiles: %2\\x0a: why\n");
-}
-
 }  // namespace
 }  // namespace trv::testing

@@ -111,6 +111,14 @@ TEST_F(InputFiles, ReportsMissingRights) {
     }));
 }
 
+TEST_F(InputFiles, FailWithAReason) {
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(fail(QStringLiteral("%2\n"), QStringLiteral("why"), {out, err}), failed);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(err.str(), "trvfiles: %2\\x0a: why\n");
+}
+
 TEST_F(InputFiles, ReadsAnAssembly) {
     CTrvAssemblyData assembly;
     EXPECT_FALSE(readAssembly(file("a.xml", testing::setupXml), assembly));
@@ -241,7 +249,8 @@ TEST_F(InputFiles, ReportsEveryFailureToWrite) {
               "eFileIOOpenError: No such file or directory");
     // The rest of the text is from the system.
     EXPECT_EQ(text(write(path(""), {})).substr(0, 18), "eFileIOOpenError: ");
-    EXPECT_EQ(text(write(path("a") + QChar(0), {})), "eFileIOOpenError: not a valid file name");
+    EXPECT_EQ(text(write(path("a") + QChar(0xD800), {})),
+              "eFileIOOpenError: not a valid file name");
 }
 
 TEST_F(InputFiles, ReplacesNothingButARegularFile) {

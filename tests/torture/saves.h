@@ -57,7 +57,7 @@ inline int saveMessages(const std::filesystem::path& target, bool second) {
 
 /// A command that writes an axis file.
 inline int commandAxis(const std::filesystem::path& target, bool second) {
-    return answerTo(words("axis write --translate") +
+    return answerTo(words("axis write --force --translate") +
                     QStringList({QLatin1String(second ? "1,2,3" : "0,0,0"),
                                  QString::fromStdString(target.string())}))
         .status;
