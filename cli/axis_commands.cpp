@@ -3,6 +3,7 @@
 #include <cli/command.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
+#include <cli/vector_argument.h>
 
 #include <QStringList>
 
@@ -84,18 +85,6 @@ ExitStatus invert(const QCommandLineParser& call, const Console& console) {
     return save(call, to, axis, held.get(), console);
 }
 
-// The three numbers of an option such as "--translate 1,2.5,-3".
-bool readNumbers(const QString& text, double* numbers) {
-    const QStringList parts = text.split(QLatin1Char(','));
-    if (parts.size() != 3) return false;
-    for (int i = 0; i < 3; ++i) {
-        bool isNumber = false;
-        numbers[i] = parts.at(i).toDouble(&isNumber);
-        if (!isNumber || !std::isfinite(numbers[i])) return false;
-    }
-    return true;
-}
-
 bool readTags(const QString& text, std::array<int, 3>& tags) {
     const QStringList parts = text.split(QLatin1Char(','));
     if (parts.size() != 3) return false;
@@ -125,7 +114,7 @@ QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
     for (const Row& row : rows) {
         if (!call.isSet(row.option)) continue;
         if (row.first < 12) ++vectors;
-        if (!readNumbers(call.value(row.option), &axis.matrix[row.first])) {
+        if (!readVector(call.value(row.option), &axis.matrix[row.first])) {
             return QStringLiteral("--%1 takes three numbers, such as 10,0,-2.5, not '%2'")
                 .arg(row.option, call.value(row.option));
         }

@@ -23,11 +23,6 @@
 namespace trv::cli {
 namespace {
 
-Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
-    if (status == eFileIOSuccess) return {};
-    return {status, QString::fromStdString(fault.reason), fault.line, fault.column};
-}
-
 // The kind of a file is found before it is read, by opening it. A pipe would be empty the second
 // time, and a device may have no end.
 bool isPipeOrDevice(const QString& name) {
@@ -37,13 +32,6 @@ bool isPipeOrDevice(const QString& name) {
 
 Problem notRegular() {
     return {eFileIOOpenError, notRegularText()};
-}
-
-// @param error  an `errno` value
-Problem systemProblem(EFileIOStatus status, int error) {
-    CFileFault fault;
-    set_system_fault(&fault, error);
-    return problemOf(status, fault);
 }
 
 // A reader of one kind says of another kind only what it misses.
@@ -74,6 +62,17 @@ void moveNotes(CFileFault& fault, Notes* notes) {
 }
 
 }  // namespace
+
+Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
+    if (status == eFileIOSuccess) return {};
+    return {status, QString::fromStdString(fault.reason), fault.line, fault.column};
+}
+
+Problem systemProblem(EFileIOStatus status, int error) {
+    CFileFault fault;
+    set_system_fault(&fault, error);
+    return problemOf(status, fault);
+}
 
 QString statusName(EFileIOStatus status) {
     switch (status) {

@@ -35,6 +35,14 @@ struct Problem {
     explicit operator bool() const { return status != eFileIOSuccess; }
 };
 
+/// What a call of the library reports as a problem: its status with the reason and its place.
+Problem problemOf(EFileIOStatus status, const CFileFault& fault);
+
+/// A failure of the system as a problem.
+///
+/// @param error  an `errno` value
+Problem systemProblem(EFileIOStatus status, int error);
+
 /// "eFileIOContentError"
 QString statusName(EFileIOStatus status);
 

@@ -20,6 +20,7 @@ constexpr const char* overview =
     "  assembly tree    Show the components of an assembly\n"
     "  assembly list    List the placed geometry files of an assembly\n"
     "  assembly diff    Show the differences between two assemblies\n"
+    "  assembly edit    Change assemblies\n"
     "  axis show        Show an axis file\n"
     "  axis invert      Write the inverse of an axis file to another one\n"
     "  axis write       Write an axis file\n"

@@ -4,9 +4,11 @@
 /// The saves that replace a whole file, and the two texts that each writes alternately.
 
 #include <tests/cli/answer.h>
+#include <tests/cli/samples.h>
 #include <tests/environment/store_access.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/store_writer.h>
+#include <trvfiles/facade/CQvFilesIO.h>
 
 #include <gtest/gtest.h>
 
@@ -63,8 +65,20 @@ inline int commandAxis(const std::filesystem::path& target, bool second) {
         .status;
 }
 
+/// A command that edits an assembly. If there is none, it is created first.
+inline int commandEdit(const std::filesystem::path& target, bool second) {
+    if (!std::filesystem::exists(target)) {
+        CQvFilesIO::sWriteTrvAssembly(target.wstring(), assembly(leaf("S", "f")));
+    }
+    return answerTo(words("assembly edit --set") +
+                    QStringList({QLatin1String(second ? "S.comment=second" : "S.comment=first"),
+                                 QString::fromStdString(target.string())}))
+        .status;
+}
+
 inline const auto allSaves = ::testing::Values(
     Save{"AMachineContext", saveContext, eFileIOSuccess}, Save{"Parameters", saveParameters, 0},
-    Save{"Messages", saveMessages, 0}, Save{"AnAxisOfTheCommand", commandAxis, cli::done});
+    Save{"Messages", saveMessages, 0}, Save{"AnAxisOfTheCommand", commandAxis, cli::done},
+    Save{"AnEditedAssembly", commandEdit, cli::done});
 
 }  // namespace trv::testing
