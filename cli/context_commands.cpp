@@ -7,7 +7,14 @@ namespace trv::cli {
 
 CommandGroup contextCommands() {
     return {contextListCommand(), contextDefaultCommand(), contextCreateCommand(),
-            contextSetCommand()};
+            contextGetCommand(), contextSetCommand()};
+}
+
+Problem readAsContext(const QString& name, ContextFile& context) {
+    FileKind kind = FileKind::unknown;
+    if (Problem problem = findKind(name, kind)) return problem;
+    if (kind != FileKind::machineContext) return {eFileIOContentError, otherKindText(kind)};
+    return readContext(name, context);
 }
 
 QString pathIn(const QString& directory, const QString& file) {

@@ -49,13 +49,6 @@ QString readAssignments(const QStringList& texts, std::vector<Assignment>& assig
     return {};
 }
 
-Problem readForChange(const QString& name, ContextFile& context) {
-    FileKind kind = FileKind::unknown;
-    if (Problem problem = findKind(name, kind)) return problem;
-    if (kind != FileKind::machineContext) return {eFileIOContentError, otherKindText(kind)};
-    return readContext(name, context);
-}
-
 // What would be lost, except the old values of the new fields; empty if nothing would be lost.
 QString whyNotWritten(const QString& name, const std::vector<Assignment>& assignments,
                       bool mayDropLines) {
@@ -89,7 +82,7 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
     // The file is held from reading to writing, so that no change of another process is lost.
     const std::unique_ptr<file_replacement> held = holdFile(name);
     ContextFile context;
-    if (const Problem problem = readForChange(name, context)) return report(name, problem, console);
+    if (const Problem problem = readAsContext(name, context)) return report(name, problem, console);
     const QString reason =
         whyNotWritten(name, assignments, call.isSet(QStringLiteral("drop-unknown")));
     if (!reason.isEmpty()) return fail(name, reason, console);

@@ -16,6 +16,7 @@ TEST(ContextCommands, AreOneGroup) {
               "  context list     List the favourite machine contexts\n"
               "  context default  Show which machine context is the default one\n"
               "  context create   Create a machine context and its reference axis file\n"
+              "  context get      Print fields of machine contexts\n"
               "  context set      Change fields of a machine context\n"
               "\n"
               "'trvfiles help COMMAND' explains a command, with examples.\n"

@@ -27,6 +27,7 @@ constexpr const char* overview =
     "  context list     List the favourite machine contexts\n"
     "  context default  Show which machine context is the default one\n"
     "  context create   Create a machine context and its reference axis file\n"
+    "  context get      Print fields of machine contexts\n"
     "  context set      Change fields of a machine context\n"
     "  env list         List the variables of an installation\n"
     "  env explain      Explain why a variable has its value\n"

@@ -3,8 +3,8 @@
 /// @file
 /// The saves that replace a whole file, and the two texts that each writes alternately.
 
+#include <tests/assembly/sample_components.h>
 #include <tests/cli/answer.h>
-#include <tests/cli/samples.h>
 #include <tests/environment/store_access.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/store_writer.h>
@@ -68,7 +68,7 @@ inline int commandAxis(const std::filesystem::path& target, bool second) {
 /// A command that edits an assembly. If there is none, it is created first.
 inline int commandEdit(const std::filesystem::path& target, bool second) {
     if (!std::filesystem::exists(target)) {
-        CQvFilesIO::sWriteTrvAssembly(target.wstring(), assembly(leaf("S", "f")));
+        CQvFilesIO::sWriteTrvAssembly(target.wstring(), assemblyOf(leaf("S", "f")));
     }
     return answerTo(words("assembly edit --set") +
                     QStringList({QLatin1String(second ? "S.comment=second" : "S.comment=first"),
