@@ -17,7 +17,7 @@ TEST(ContextCommands, AreOneGroup) {
               "  context default  Show which machine context is the default one\n"
               "  context create   Create a machine context and its reference axis file\n"
               "  context get      Print fields of machine contexts\n"
-              "  context set      Change fields of a machine context\n"
+              "  context set      Change fields of machine contexts\n"
               "\n"
               "'trvfiles help COMMAND' explains a command, with examples.\n"
               "'trvfiles --version' prints the version.\n"

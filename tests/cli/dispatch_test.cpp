@@ -28,7 +28,7 @@ constexpr const char* overview =
     "  context default  Show which machine context is the default one\n"
     "  context create   Create a machine context and its reference axis file\n"
     "  context get      Print fields of machine contexts\n"
-    "  context set      Change fields of a machine context\n"
+    "  context set      Change fields of machine contexts\n"
     "  env list         List the variables of an installation\n"
     "  env explain      Explain why a variable has its value\n"
     "  env expand       Replace the references in texts\n"
