@@ -1,4 +1,5 @@
 #include <cli/assembly_difference.h>
+#include <cli/assembly_edit.h>
 #include <cli/assembly_report.h>
 #include <cli/command.h>
 #include <cli/difference_json.h>
@@ -97,7 +98,7 @@ CommandGroup assemblyCommands() {
     compare.minFiles = 2;
     compare.maxFiles = 2;
     compare.run = diff;
-    return {showTree, listFiles, compare};
+    return {showTree, listFiles, compare, assemblyEditCommand()};
 }
 
 }  // namespace trv::cli

@@ -1,15 +1,15 @@
+#include <cli/axis_replacement.h>
 #include <cli/axis_report.h>
 #include <cli/command.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
+#include <cli/vector_argument.h>
 
-#include <QFileInfo>
 #include <QStringList>
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <optional>
 
 namespace trv::cli {
 namespace {
@@ -51,38 +51,38 @@ AxisMatrix thatReadsBackAsInverse(const AxisMatrix& matrix, const AxisTraits& tr
     return written;
 }
 
+// Writes the file, unless that would replace a file of another kind.
+//
+// @param held  what holdFile() has returned for the name
+ExitStatus save(const QCommandLineParser& call, const QString& name, const AxisFile& axis,
+                file_replacement* held, const Console& console) {
+    if (const Problem problem = whyNotHeld(name, held)) return report(name, problem, console);
+    if (!call.isSet(QStringLiteral("force"))) {
+        const QString reason = whyNotAnAxisFile(name);
+        if (!reason.isEmpty()) {
+            return fail(name,
+                        QStringLiteral("not replaced: %1; --force replaces it").arg(shown(reason)),
+                        console);
+        }
+    }
+    const Problem problem = writeAxis(name, axis, held);
+    return problem ? report(name, problem, console) : done;
+}
+
 ExitStatus invert(const QCommandLineParser& call, const Console& console) {
     const QString from = call.positionalArguments().at(0);
     const QString to = call.positionalArguments().at(1);
-    // Without the lock, two commands that invert a file in place at the same time would invert it
-    // once.
-    const bool isInPlace = QFileInfo(resolved(from)) == QFileInfo(resolved(to));
-    const std::unique_ptr<file_replacement> held = isInPlace ? holdFile(to) : nullptr;
+    // Held before the file is read: otherwise two commands that invert a file in place at the same
+    // time would invert it once.
+    const std::unique_ptr<file_replacement> held = holdFile(to);
     AxisFile axis;
     if (const Problem problem = readAxis(from, axis)) return report(from, problem, console);
 
     const AxisTraits traits = traitsOf(axis.matrix);
     const QString reason = whyNotInvertible(axis.matrix, traits);
-    if (!reason.isEmpty()) {
-        console.err << qUtf8Printable(
-            QStringLiteral("trvfiles: %1: %2\n").arg(shown(from), reason));
-        return failed;
-    }
+    if (!reason.isEmpty()) return fail(from, reason, console);
     axis.matrix = thatReadsBackAsInverse(axis.matrix, traits);
-    if (const Problem problem = writeAxis(to, axis)) return report(to, problem, console);
-    return done;
-}
-
-// The three numbers of an option such as "--translate 1,2.5,-3".
-bool readNumbers(const QString& text, double* numbers) {
-    const QStringList parts = text.split(QLatin1Char(','));
-    if (parts.size() != 3) return false;
-    for (int i = 0; i < 3; ++i) {
-        bool isNumber = false;
-        numbers[i] = parts.at(i).toDouble(&isNumber);
-        if (!isNumber || !std::isfinite(numbers[i])) return false;
-    }
-    return true;
+    return save(call, to, axis, held.get(), console);
 }
 
 bool readTags(const QString& text, std::array<int, 3>& tags) {
@@ -114,7 +114,7 @@ QString readOptions(const QCommandLineParser& call, AxisFile& axis) {
     for (const Row& row : rows) {
         if (!call.isSet(row.option)) continue;
         if (row.first < 12) ++vectors;
-        if (!readNumbers(call.value(row.option), &axis.matrix[row.first])) {
+        if (!readVector(call.value(row.option), &axis.matrix[row.first])) {
             return QStringLiteral("--%1 takes three numbers, such as 10,0,-2.5, not '%2'")
                 .arg(row.option, call.value(row.option));
         }
@@ -142,7 +142,9 @@ ExitStatus write(const QCommandLineParser& call, const Console& console) {
                           QStringLiteral("--vec1, --vec2 and --vec3 must be linearly independent"));
     }
     const QString name = call.positionalArguments().at(0);
-    if (const Problem problem = writeAxis(name, axis)) return report(name, problem, console);
+    const std::unique_ptr<file_replacement> held = holdFile(name);
+    const ExitStatus status = save(call, name, axis, held.get(), console);
+    if (status != done) return status;
     if (!traits.orthonormal) {
         console.err << "trvfiles: note: the vectors are not orthonormal; the file is read as the "
                        "inverse of their transpose\n";
@@ -171,11 +173,12 @@ CommandGroup axisCommands() {
 
     Command invertAxis;
     invertAxis.name = QStringLiteral("axis invert");
-    invertAxis.arguments = QStringLiteral("IN OUT");
+    invertAxis.arguments = QStringLiteral("[--force] IN OUT");
     invertAxis.summary = QStringLiteral("Write the inverse of an axis file to another one");
     invertAxis.details = QStringLiteral(
         "Reading OUT gives the inverse of what reading IN gives. The tags are kept. OUT\n"
-        "is overwritten; it may be IN.\n");
+        "may be IN. An existing OUT is replaced only if it is an axis file.\n");
+    invertAxis.options = {forceOption()};
     invertAxis.examples += QStringLiteral("trvfiles axis invert table-a30.dat back-a30.dat");
     invertAxis.minFiles = 2;
     invertAxis.maxFiles = 2;
@@ -187,7 +190,8 @@ CommandGroup axisCommands() {
     writeAxisFile.summary = QStringLiteral("Write an axis file");
     writeAxisFile.details = QStringLiteral(
         "Without options the file contains the identity and no tags. Numbers have a \".\"\n"
-        "and are rounded to six decimals. FILE is overwritten.\n");
+        "and are rounded to six decimals. An existing FILE is replaced only if it is an\n"
+        "axis file.\n");
     writeAxisFile.examples += QStringLiteral("trvfiles axis write --translate 100,0,30 right.dat");
     writeAxisFile.examples +=
         QStringLiteral("trvfiles axis write --vec1 0,1,0 --vec2=-1,0,0 --vec3 0,0,1 turned.dat");
@@ -197,7 +201,8 @@ CommandGroup axisCommands() {
                              numbersOption("vec3", "The image of the z axis"),
                              QCommandLineOption(QStringLiteral("tags"),
                                                 QStringLiteral("Three whole numbers, at least 0"),
-                                                QStringLiteral("A,B,C"))};
+                                                QStringLiteral("A,B,C")),
+                             forceOption()};
     writeAxisFile.run = write;
     return {showAxis, invertAxis, writeAxisFile};
 }

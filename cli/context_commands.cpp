@@ -1,5 +1,4 @@
 #include <cli/context_commands.h>
-#include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QDir>
@@ -8,16 +7,18 @@ namespace trv::cli {
 
 CommandGroup contextCommands() {
     return {contextListCommand(), contextDefaultCommand(), contextCreateCommand(),
-            contextSetCommand()};
+            contextGetCommand(), contextSetCommand()};
+}
+
+Problem readAsContext(const QString& name, ContextFile& context) {
+    FileKind kind = FileKind::unknown;
+    if (Problem problem = findKind(name, kind)) return problem;
+    if (kind != FileKind::machineContext) return {eFileIOContentError, otherKindText(kind)};
+    return readContext(name, context);
 }
 
 QString pathIn(const QString& directory, const QString& file) {
     return QDir(nativePath(directory)).filePath(file);
-}
-
-ExitStatus fail(const QString& name, const QString& reason, const Console& console) {
-    console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), reason));
-    return failed;
 }
 
 }  // namespace trv::cli

@@ -4,6 +4,7 @@
 /// The commands of the group "context", and what they share.
 
 #include <cli/command.h>
+#include <cli/input_files.h>
 
 #include <QString>
 
@@ -12,14 +13,13 @@ namespace trv::cli {
 Command contextListCommand();
 Command contextDefaultCommand();
 Command contextCreateCommand();
+Command contextGetCommand();
 Command contextSetCommand();
+
+/// Reads a file that has to be a machine context.
+Problem readAsContext(const QString& name, ContextFile& context);
 
 /// The path of a file in a directory, as the commands print it.
 QString pathIn(const QString& directory, const QString& file);
-
-/// Prints what is wrong with a file or a directory, for a failure without a status of the library.
-///
-/// @return the exit status of the command
-ExitStatus fail(const QString& name, const QString& reason, const Console& console);
 
 }  // namespace trv::cli

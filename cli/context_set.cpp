@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -49,13 +50,6 @@ QString readAssignments(const QStringList& texts, std::vector<Assignment>& assig
     return {};
 }
 
-Problem readForChange(const QString& name, ContextFile& context) {
-    FileKind kind = FileKind::unknown;
-    if (Problem problem = findKind(name, kind)) return problem;
-    if (kind != FileKind::machineContext) return {eFileIOContentError, otherKindText(kind)};
-    return readContext(name, context);
-}
-
 // What would be lost, except the old values of the new fields; empty if nothing would be lost.
 QString whyNotWritten(const QString& name, const std::vector<Assignment>& assignments,
                       bool mayDropLines) {
@@ -80,33 +74,82 @@ ExitStatus save(const QString& name, const CMachineContextData& data, file_repla
     return problem ? report(name, problem, console) : done;
 }
 
-ExitStatus set(const QCommandLineParser& call, const Console& console) {
-    const QString name = call.positionalArguments().at(0);
-    std::vector<Assignment> assignments;
-    const QString mistake = readAssignments(call.positionalArguments().mid(1), assignments);
-    if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("context set"), mistake);
+// One call of the command, file by file.
+class Setting {
+public:
+    Setting(const std::vector<Assignment>& assignments, bool mayDropLines, bool isAlone,
+            const Console& console)
+        : assignments_(assignments),
+          mayDropLines_(mayDropLines),
+          isAlone_(isAlone),
+          console_(console) {}
 
-    // The file is held from reading to writing, so that no change of another process is lost.
-    const std::unique_ptr<file_replacement> held = holdFile(name);
-    ContextFile context;
-    if (const Problem problem = readForChange(name, context)) return report(name, problem, console);
-    const QString reason =
-        whyNotWritten(name, assignments, call.isSet(QStringLiteral("drop-unknown")));
-    if (!reason.isEmpty()) return fail(name, reason, console);
+    ExitStatus run(const QString& name) const {
+        // The file is held from reading to writing, so that no change of another process is lost.
+        const std::unique_ptr<file_replacement> held = holdFile(name);
+        ContextFile context;
+        if (const Problem problem = readAsContext(name, context)) {
+            return report(name, problem, console_);
+        }
+        const QString reason = whyNotWritten(name, assignments_, mayDropLines_);
+        if (!reason.isEmpty()) return fail(name, reason, console_);
 
-    for (const Assignment& assignment : assignments)
-        setContextField(*assignment.field, assignment.value, context.data);
-    const ExitStatus status = save(name, context.data, held.get(), console);
-    if (status != done) return status;
-
-    ContextFile written;
-    if (const Problem problem = readContext(name, written)) return report(name, problem, console);
-    for (const Assignment& assignment : assignments) {
-        const ContextField& field = *assignment.field;
-        console.out << qUtf8Printable(
-            QStringLiteral("%1=%2\n").arg(nameOf(field), shown(storedValue(field, written.data))));
+        for (const Assignment& assignment : assignments_)
+            setContextField(*assignment.field, assignment.value, context.data);
+        const ExitStatus status = save(name, context.data, held.get(), console_);
+        return status == done ? printValues(name) : status;
     }
-    return done;
+
+private:
+    ExitStatus printValues(const QString& name) const {
+        ContextFile written;
+        if (const Problem problem = readContext(name, written)) {
+            return report(name, problem, console_);
+        }
+        const QString start = isAlone_ ? QString() : shown(name) + QStringLiteral(": ");
+        for (const Assignment& assignment : assignments_) {
+            const ContextField& field = *assignment.field;
+            console_.out << qUtf8Printable(
+                QStringLiteral("%1%2=%3\n")
+                    .arg(start, nameOf(field), shown(storedValue(field, written.data))));
+        }
+        return done;
+    }
+
+    const std::vector<Assignment>& assignments_;
+    const bool mayDropLines_;
+    const bool isAlone_;
+    const Console& console_;
+};
+
+// Whether an argument after the first one is an assignment, or is meant as one. A file whose name
+// has a "=" is given with a directory, as in "./a=b.mctx": no field has a separator in its name.
+bool isAssignment(const QString& argument) {
+    const int sign = argument.indexOf(QLatin1Char('='));
+    if (sign < 0) return findContextField(argument) != nullptr;
+    const QString name = argument.left(sign);
+    return !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'));
+}
+
+ExitStatus set(const QCommandLineParser& call, const Console& console) {
+    const QString command = QStringLiteral("context set");
+    const QStringList arguments = call.positionalArguments();
+    const auto firstAssignment = std::find_if(arguments.begin() + 1, arguments.end(), isAssignment);
+    const int fileCount = static_cast<int>(firstAssignment - arguments.begin());
+    std::vector<Assignment> assignments;
+    const QString mistake = readAssignments(arguments.mid(fileCount), assignments);
+    if (!mistake.isEmpty()) return refuseCall(console, command, mistake);
+    if (assignments.empty()) {
+        return refuseCall(console, command,
+                          QStringLiteral("an assignment section.key=value is missing"));
+    }
+    const Setting setting(assignments, call.isSet(QStringLiteral("drop-unknown")), fileCount == 1,
+                          console);
+    ExitStatus status = done;
+    for (const QString& name : arguments.mid(0, fileCount)) {
+        if (setting.run(name) != done) status = failed;
+    }
+    return status;
 }
 
 }  // namespace
@@ -114,15 +157,16 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
 Command contextSetCommand() {
     Command command;
     command.name = QStringLiteral("context set");
-    command.arguments = QStringLiteral("[--drop-unknown] FILE section.key=value...");
-    command.summary = QStringLiteral("Change fields of a machine context");
+    command.arguments = QStringLiteral("[--drop-unknown] FILE... section.key=value...");
+    command.summary = QStringLiteral("Change fields of machine contexts");
     QString fields;
     for (const ContextField& field : contextFields())
         fields += QStringLiteral("  %1\n").arg(nameOf(field));
     command.details =
         QStringLiteral(
             "Prints the new values as they are in the file. Rejects a value that the file\n"
-            "would not give back, and a file of which something would be lost. Fields:\n") +
+            "would not give back, and a file of which something would be lost. A failure of\n"
+            "one file does not stop the others. Fields:\n") +
         fields;
     command.examples +=
         QStringLiteral("trvfiles context set bracket-left.mctx machine.proximity=2.5");

@@ -5,6 +5,7 @@
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
@@ -13,6 +14,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -20,11 +22,6 @@
 
 namespace trv::cli {
 namespace {
-
-Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
-    if (status == eFileIOSuccess) return {};
-    return {status, QString::fromStdString(fault.reason), fault.line, fault.column};
-}
 
 // The kind of a file is found before it is read, by opening it. A pipe would be empty the second
 // time, and a device may have no end.
@@ -65,6 +62,17 @@ void moveNotes(CFileFault& fault, Notes* notes) {
 }
 
 }  // namespace
+
+Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
+    if (status == eFileIOSuccess) return {};
+    return {status, QString::fromStdString(fault.reason), fault.line, fault.column};
+}
+
+Problem systemProblem(EFileIOStatus status, int error) {
+    CFileFault fault;
+    set_system_fault(&fault, error);
+    return problemOf(status, fault);
+}
 
 QString statusName(EFileIOStatus status) {
     switch (status) {
@@ -113,6 +121,11 @@ QString otherKindText(FileKind kind) {
     return {};
 }
 
+ExitStatus fail(const QString& name, const QString& reason, const Console& console) {
+    console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), reason));
+    return failed;
+}
+
 QString notRegularText() {
     return QStringLiteral("not a regular file");
 }
@@ -157,10 +170,11 @@ Problem readAxis(const QString& name, AxisFile& axis, Notes* notes) {
     return {};
 }
 
-Problem writeAxis(const QString& name, const AxisFile& axis) {
-    const std::string text = axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]);
-    CFileFault fault;
-    return problemOf(writeAxisFile(resolved(name), text, &fault), fault);
+Problem writeAxis(const QString& name, const AxisFile& axis, file_replacement* held) {
+    if (Problem problem = whyNotHeld(name, held)) return problem;
+    const int failure = held->write_and_replace(
+        axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]));
+    return failure == 0 ? Problem() : systemProblem(eFileIOShortWrite, failure);
 }
 
 Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
@@ -189,9 +203,24 @@ Problem writeContext(const QString& name, const CMachineContextData& data, file_
 
 std::unique_ptr<file_replacement> holdFile(const QString& name) {
     const QString path = resolved(name);
+    const QFileInfo info(path);
     std::string narrow;
     if (!isOpenable(path) || !runtimePath(path, narrow)) return nullptr;
+    // With enough rights, a device would be replaced like a file.
+    if (info.exists() && !info.isFile()) return nullptr;
     return std::make_unique<file_replacement>(narrow);
+}
+
+Problem whyNotHeld(const QString& name, const file_replacement* held) {
+    if (held != nullptr) {
+        return held->is_open() ? Problem() : systemProblem(eFileIOOpenError, held->open_failure());
+    }
+    const QString path = resolved(name);
+    if (!isOpenable(path)) return {eFileIOOpenError, QStringLiteral("not a valid file name")};
+    if (QFileInfo(path).isDir()) return systemProblem(eFileIOOpenError, EISDIR);
+    if (isPipeOrDevice(name)) return notRegular();
+    return {eFileIOOpenError,
+            QStringLiteral("the local code page lacks a character of the file name")};
 }
 
 QString whyNotListed(const QString& name) {

@@ -35,6 +35,14 @@ struct Problem {
     explicit operator bool() const { return status != eFileIOSuccess; }
 };
 
+/// What a call of the library reports as a problem: its status with the reason and its place.
+Problem problemOf(EFileIOStatus status, const CFileFault& fault);
+
+/// A failure of the system as a problem.
+///
+/// @param error  an `errno` value
+Problem systemProblem(EFileIOStatus status, int error);
+
 /// "eFileIOContentError"
 QString statusName(EFileIOStatus status);
 
@@ -46,6 +54,11 @@ QString problemText(const Problem& problem);
 ///
 /// @return the exit status of the command
 ExitStatus report(const QString& name, const Problem& problem, const Console& console);
+
+/// Prints what is wrong with a file or a directory, for a failure without a status of the library.
+///
+/// @return the exit status of the command
+ExitStatus fail(const QString& name, const QString& reason, const Console& console);
 
 /// The reason for a pipe or a device, which is not opened.
 QString notRegularText();
@@ -78,8 +91,10 @@ struct AxisFile {
 
 Problem readAxis(const QString& name, AxisFile& axis, Notes* notes = nullptr);
 
-/// Writes an axis file over an existing one. Unlike the facade it reports every failure.
-Problem writeAxis(const QString& name, const AxisFile& axis);
+/// Writes an axis file. The old file is whole until the new one takes its place.
+///
+/// @param held  what holdFile() has returned for the name
+Problem writeAxis(const QString& name, const AxisFile& axis, file_replacement* held);
 
 struct ContextFile {
     CMachineContextData data;
@@ -100,9 +115,15 @@ Problem writeContext(const QString& name, const CMachineContextData& data,
 /// Keeps other commands from changing a file, and hosts from saving to it, until it is destroyed:
 /// for commands that read a file, change something and write it. Nothing is reported.
 ///
-/// @return nullptr for a name that the runtime cannot express; a replacement that is not open if
-///         the file cannot be held
+/// @return nullptr for a name that the runtime cannot express, and for a directory, a pipe or a
+///         device, which no file may replace; a replacement that is not open if the file cannot be
+///         held
 std::unique_ptr<file_replacement> holdFile(const QString& name);
+
+/// Why a file is not held.
+///
+/// @param held  what holdFile() has returned for the name
+Problem whyNotHeld(const QString& name, const file_replacement* held);
 
 /// Why a directory cannot be listed, in the system's words; empty if it can.
 QString whyNotListed(const QString& name);

@@ -126,6 +126,10 @@ QString shown(const QString& text) {
         text, [](uint code) { return code == '\\' || isHidden(code); }, escapeForText);
 }
 
+QString shownUnquoted(const QString& text) {
+    return escaped(text, isHidden, escapeForText);
+}
+
 QString shown(const std::string& narrow) {
     return shown(fromNarrow(narrow));
 }

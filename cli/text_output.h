@@ -33,6 +33,10 @@ QString roundedVectorText(const double vector[3]);
 QString shown(const QString& text);
 QString shown(const std::string& narrow);
 
+/// As shown(), but a backslash stays one: for texts that are used by other programs. Different
+/// texts may be printed the same.
+QString shownUnquoted(const QString& text);
+
 /// The whole text if it has at most `maxLength` code units, else its beginning of that length and
 /// "...".
 QString beginningOf(const QString& text, int maxLength);

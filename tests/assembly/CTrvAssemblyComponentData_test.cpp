@@ -188,6 +188,19 @@ TEST(AssemblyComponent, MovesAListInWithoutCopying) {
     EXPECT_EQ(ComponentBody::of(component).components[0].name.data(), before);
 }
 
+TEST(AssemblyComponent, IsEditedInPlace) {
+    Component component = named("x", group({leaf("f")}));
+    const ComponentBody* const before = &ComponentBody::of(component);
+    ComponentBody::editable(component).components[0].geometryFileName = "g";
+    EXPECT_EQ(&ComponentBody::of(component), before);
+    EXPECT_EQ(component.getComponents()[0].getGeometryFileName(), "g");
+
+    Component empty;
+    ComponentBody::editable(empty).name = "y";
+    EXPECT_EQ(empty.getName(), "y");
+    EXPECT_EQ(Component().getName(), "");
+}
+
 TEST(AssemblyComponent, CanHoldCopiesOfItself) {
     Component component = named("x", leaf("f"));
     for (int i = 0; i < 10; ++i)

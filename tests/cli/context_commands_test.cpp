@@ -16,7 +16,8 @@ TEST(ContextCommands, AreOneGroup) {
               "  context list     List the favourite machine contexts\n"
               "  context default  Show which machine context is the default one\n"
               "  context create   Create a machine context and its reference axis file\n"
-              "  context set      Change fields of a machine context\n"
+              "  context get      Print fields of machine contexts\n"
+              "  context set      Change fields of machine contexts\n"
               "\n"
               "'trvfiles help COMMAND' explains a command, with examples.\n"
               "'trvfiles --version' prints the version.\n"
@@ -28,14 +29,6 @@ TEST(ContextCommands, NameFilesByTheirDirectory) {
     EXPECT_EQ(cli::pathIn(QStringLiteral("."), file).toStdString(), "./[a].mctx");
     EXPECT_EQ(cli::pathIn(QStringLiteral("x/y"), file).toStdString(), "x/y/[a].mctx");
     EXPECT_EQ(cli::pathIn(QStringLiteral("x/"), file).toStdString(), "x/[a].mctx");
-}
-
-TEST(ContextCommands, FailWithAReason) {
-    std::ostringstream out;
-    std::ostringstream err;
-    EXPECT_EQ(cli::fail(QStringLiteral("%2\n"), QStringLiteral("why"), {out, err}), cli::failed);
-    EXPECT_EQ(out.str(), "");
-    EXPECT_EQ(err.str(), "trvfiles: %2\\x0a: why\n");
 }
 
 }  // namespace

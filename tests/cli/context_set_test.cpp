@@ -300,13 +300,67 @@ TEST_F(ContextSet, LeavesNothingBesideAFileThatItRefuses) {
     EXPECT_EQ(names().size(), 0U);
 }
 
+TEST_F(ContextSet, ChangesSeveralFiles) {
+    const QStringList files = {context_, file("b.mctx", setupContext)};
+    const Answer answer =
+        answerTo(words("context set") + files + words("machine.name=M header.name=N"));
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, text("a.mctx") + ": machine.name=M\n" + text("a.mctx") +
+                              ": header.name=N\n" + text("b.mctx") + ": machine.name=M\n" +
+                              text("b.mctx") + ": header.name=N\n");
+    const std::string expected =
+        replacedIn(replacedIn(setupContext, "name=MILL5", "name=M"), "name=Setup A", "name=N");
+    EXPECT_EQ(bytes("a.mctx"), expected);
+    EXPECT_EQ(bytes("b.mctx"), expected);
+    EXPECT_EQ(names().size(), 2U);
+}
+
+TEST_F(ContextSet, ChangesTheOtherFilesIfOneFails) {
+    const std::string commented = std::string("# note\n") + setupContext;
+    const QStringList files = {path("missing"), file("b.mctx", commented), context_,
+                               file("c.xml", setupXml)};
+    const Answer answer = answerTo(words("context set") + files + words("machine.name=M"));
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, text("a.mctx") + ": machine.name=M\n");
+    EXPECT_EQ(answer.err,
+              "trvfiles: " + text("missing") +
+                  ": eFileIOOpenError: No such file or directory\n"
+                  "trvfiles: " +
+                  text("b.mctx") +
+                  ": line 1 would be lost: '# note'; --drop-unknown drops such lines\n"
+                  "trvfiles: " +
+                  text("c.xml") +
+                  ": eFileIOContentError: this is an assembly; try 'trvfiles assembly tree'\n");
+    EXPECT_EQ(bytes("b.mctx"), commented);
+    EXPECT_EQ(bytes("c.xml"), setupXml);
+    EXPECT_EQ(names().size(), 3U);
+}
+
+TEST_F(ContextSet, TellsFilesFromAssignments) {
+    const QStringList assignment(QStringLiteral("machine.name=/x=y"));
+    const QString named = file("x=y.mctx", setupContext);
+    EXPECT_EQ(answerTo(words("context set") + QStringList({named, named}) + assignment).status, 0);
+    EXPECT_EQ(answerTo(words("context set a.mctx b.mctx")).err,
+              "trvfiles context set: an assignment section.key=value is missing\n"
+              "Try 'trvfiles context set --help'.\n");
+    EXPECT_EQ(
+        answerTo(words("context set") + QStringList(context_) + assignment + QStringList(named))
+            .err,
+        "trvfiles context set: unknown field '" +
+            text("x=y.mctx").substr(0, text("x=y.mctx").find('=')) +
+            "'\nTry 'trvfiles context set --help'.\n");
+    EXPECT_EQ(bytes("a.mctx"), setupContext);
+}
+
 TEST_F(ContextSet, ExplainsItself) {
     EXPECT_EQ(answerTo(words("context set --help")).out,
-              "Usage: trvfiles context set [--drop-unknown] FILE section.key=value...\n"
+              "Usage: trvfiles context set [--drop-unknown] FILE... section.key=value...\n"
               "\n"
-              "Change fields of a machine context.\n"
+              "Change fields of machine contexts.\n"
               "Prints the new values as they are in the file. Rejects a value that the file\n"
-              "would not give back, and a file of which something would be lost. Fields:\n"
+              "would not give back, and a file of which something would be lost. A failure of\n"
+              "one file does not stop the others. Fields:\n"
               "  header.comment\n"
               "  header.name\n"
               "  machine.name\n"

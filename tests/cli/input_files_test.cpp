@@ -1,4 +1,5 @@
 #include <cli/input_files.h>
+#include <tests/cli/process.h>
 #include <tests/cli/samples.h>
 #include <tests/common/child_process.h>
 #include <tests/common/file_bytes.h>
@@ -33,6 +34,10 @@ protected:
     std::string assemblyProblem(std::string_view xml) const {
         CTrvAssemblyData ignored;
         return text(readAssembly(file("a.xml", xml), ignored));
+    }
+
+    static Problem write(const QString& name, const AxisFile& axis) {
+        return writeAxis(name, axis, holdFile(name).get());
     }
 
     std::string axisProblem(std::string_view lines) const {
@@ -102,8 +107,16 @@ TEST_F(InputFiles, ReportsMissingRights) {
         EXPECT_EQ(text(findKind(name, kind)), denied);
         EXPECT_EQ(text(readAssembly(name, assembly)), denied);
         EXPECT_EQ(text(readAxis(name, axis)), denied);
-        EXPECT_EQ(text(writeAxis(name, axis)), denied);
+        EXPECT_EQ(text(write(name, axis)), denied);
     }));
+}
+
+TEST_F(InputFiles, FailWithAReason) {
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(fail(QStringLiteral("%2\n"), QStringLiteral("why"), {out, err}), failed);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(err.str(), "trvfiles: %2\\x0a: why\n");
 }
 
 TEST_F(InputFiles, ReadsAnAssembly) {
@@ -227,26 +240,52 @@ TEST_F(InputFiles, NamesNoLineThatAFileDoesNotHave) {
 
 TEST_F(InputFiles, WritesAnAxisFile) {
     const AxisFile axis = {{0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 10, 20, 30, 1}, {3, 0, 7}};
-    EXPECT_FALSE(writeAxis(path("a.ref"), axis));
+    EXPECT_FALSE(write(path("a.ref"), axis));
     EXPECT_EQ(testing::textOf(directory_ / "a.ref"), testing::turnedAxis);
 }
 
 TEST_F(InputFiles, ReportsEveryFailureToWrite) {
-    EXPECT_EQ(text(writeAxis(path("missing/a.ref"), {})),
+    EXPECT_EQ(text(write(path("missing/a.ref"), {})),
               "eFileIOOpenError: No such file or directory");
     // The rest of the text is from the system.
-    EXPECT_EQ(text(writeAxis(path(""), {})).substr(0, 18), "eFileIOOpenError: ");
-    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no full device here";
-    EXPECT_EQ(text(writeAxis(QStringLiteral("/dev/full"), {})),
-              "eFileIOShortWrite: No space left on device");
+    EXPECT_EQ(text(write(path(""), {})).substr(0, 18), "eFileIOOpenError: ");
+    EXPECT_EQ(text(write(path("a") + QChar(0xD800), {})),
+              "eFileIOOpenError: not a valid file name");
+}
+
+TEST_F(InputFiles, ReplacesNothingButARegularFile) {
+    EXPECT_EQ(text(write(path(""), {})), "eFileIOOpenError: Is a directory");
+    testing::Process process(directory_.path());
+    if (process.start(QStringLiteral("mkfifo"), {path("pipe")}) != 0) {
+        GTEST_SKIP() << "there are no named pipes here";
+    }
+    EXPECT_EQ(text(write(path("pipe"), {})), "eFileIOOpenError: not a regular file");
+    EXPECT_TRUE(std::filesystem::is_fifo(directory_ / "pipe"));
 }
 
 TEST_F(InputFiles, SeesAFileThatCannotGrow) {
     if (!testing::can_fork) GTEST_SKIP() << "the limit is set in a child process";
     EXPECT_TRUE(testing::passesInChild([&] {
         ASSERT_TRUE(testing::limitFileSize(100));
-        EXPECT_EQ(text(writeAxis(path("a.ref"), {})), "eFileIOShortWrite: File too large");
+        EXPECT_EQ(text(write(path("a.ref"), {})), "eFileIOShortWrite: File too large");
+        EXPECT_FALSE(std::filesystem::exists(directory_ / "a.ref"));
     }));
+    file("a.ref", testing::turnedAxis);
+    EXPECT_TRUE(testing::passesInChild([&] {
+        ASSERT_TRUE(testing::limitFileSize(100));
+        EXPECT_EQ(text(write(path("a.ref"), {})), "eFileIOShortWrite: File too large");
+    }));
+    EXPECT_EQ(testing::textOf(directory_ / "a.ref"), testing::turnedAxis);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory_.path()), {}), 1);
+}
+
+TEST_F(InputFiles, KeepsALinkToAnAxisFile) {
+    if (!testing::can_fork) GTEST_SKIP() << "links need rights here";
+    file("real", testing::turnedAxis);
+    std::filesystem::create_symlink("real", directory_ / "link");
+    EXPECT_FALSE(write(path("link"), {identityAxis}));
+    EXPECT_TRUE(std::filesystem::is_symlink(directory_ / "link"));
+    EXPECT_EQ(testing::textOf(directory_ / "real"), testing::identityAxis);
 }
 
 TEST_F(InputFiles, ReadsAMachineContext) {

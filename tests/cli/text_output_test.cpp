@@ -103,6 +103,7 @@ TEST(Shown, MakesControlCharactersVisible) {
               "a\\x0ab\\x09c\\x1b[31m\\x7f");
     EXPECT_EQ(shown(std::string(u8"\u0085")).toStdString(), "\\x85");
     EXPECT_EQ(shown(QString(QChar(0))).toStdString(), "\\x00");
+    EXPECT_EQ(shownUnquoted(QStringLiteral("C:\\a\n\x1b")).toStdString(), "C:\\a\\x0a\\x1b");
 }
 
 TEST(Shown, DoublesABackslash) {

@@ -54,6 +54,40 @@ TEST_F(FileReplacement, PutsATextInThePlaceOfAFile) {
     EXPECT_THAT(files(), ElementsAre("f"));
 }
 
+TEST_F(FileReplacement, CanBeCheckedBeforeItReplaces) {
+    writeBytes(directory_ / "f", "old");
+    file_replacement held(pathOf("f"));
+    const auto put = [](std::FILE* stream) { return std::fputs("new\n", stream) >= 0; };
+    ASSERT_EQ(held.write(platform::file_mode::binary, put), 0);
+    EXPECT_EQ(bytesOf(directory_ / "f"), "old");
+    {
+        const platform::file_handle written = held.open_written();
+        ASSERT_NE(written, nullptr);
+        char text[8] = "";
+        EXPECT_EQ(std::fread(text, 1, sizeof text, written.get()), 4U);
+        EXPECT_EQ(std::string(text), "new\n");
+    }
+    EXPECT_EQ(held.replace(), 0);
+    EXPECT_EQ(bytesOf(directory_ / "f"), "new\n");
+    EXPECT_EQ(held.replace(), EBADF);
+    EXPECT_THAT(files(), ElementsAre("f"));
+}
+
+TEST_F(FileReplacement, KeepsTheFileIfTheWriterFails) {
+    writeBytes(directory_ / "f", "old");
+    {
+        file_replacement held(pathOf("f"));
+        const auto put = [](std::FILE* stream) {
+            std::fputs("new", stream);
+            errno = ENOSPC;
+            return false;
+        };
+        EXPECT_EQ(held.write(platform::file_mode::binary, put), ENOSPC);
+    }
+    EXPECT_EQ(bytesOf(directory_ / "f"), "old");
+    EXPECT_THAT(files(), ElementsAre("f"));
+}
+
 TEST_F(FileReplacement, CreatesAFile) {
     file_replacement held(pathOf("f"));
     EXPECT_EQ(held.write_and_replace("new"), 0);

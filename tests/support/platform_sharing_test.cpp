@@ -77,6 +77,21 @@ TEST_F(PlatformSharing, OneAtATimeUpdatesAFile) {
     EXPECT_EQ(testing::openDescriptors(), descriptors);
 }
 
+TEST_F(PlatformSharing, ReadsAHeldFile) {
+    const int held = hold("f");
+    ASSERT_GE(held, 0);
+    write(held, "a\r\nb\x1A\n");
+    for (int time = 0; time < 2; ++time) {
+        const file_handle reader = open_reader_of(held);
+        ASSERT_NE(reader, nullptr);
+        char text[16] = "";
+        EXPECT_EQ(std::fread(text, 1, sizeof text, reader.get()), 6U);
+        EXPECT_EQ(std::string(text), "a\r\nb\x1A\n");
+    }
+    release_held(held);
+    EXPECT_EQ(open_reader_of(-1), nullptr);
+}
+
 TEST_F(PlatformSharing, HoldsAnEmptyFileForOneCaller) {
     writeBytes(directory_ / "f", "left behind");
     const int held = hold("f");

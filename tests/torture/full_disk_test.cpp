@@ -50,6 +50,8 @@ struct Writer {
     int onFullDevice;
     /// Whether the target is written in place. Then it contains the bytes that fitted.
     bool isInPlace;
+    /// What the target contains before.
+    const char* old = oldText;
 };
 
 void PrintTo(const Writer& writer, std::ostream* stream) {
@@ -85,6 +87,18 @@ int saveSmallMessages(const fs::path& target) {
     return saveMessages(target, false);
 }
 
+int writeAxisByCommand(const fs::path& target) {
+    return commandAxis(target, true);
+}
+
+constexpr char oldAssembly[] =
+    "<ComponentInfo version=\"1\"><Attributs/><Component name=\"S\"><Data><File name=\"f\"/></Data>"
+    "</Component></ComponentInfo>";
+
+int editAssemblyByCommand(const fs::path& target) {
+    return commandEdit(target, true);
+}
+
 class FullDiskUnder : public ::testing::TestWithParam<Writer> {
 protected:
     fs::path target() const { return directory_ / "target"; }
@@ -108,14 +122,15 @@ TEST_P(FullDiskUnder, AtEachByteGivesTheDocumentedStatus) {
         for (std::size_t space = 0; space < text.size(); ++space) {
             SCOPED_TRACE(space);
             fs::remove(target());
-            writeBytes(target(), oldText);
+            writeBytes(target(), GetParam().old);
             int status = 0;
             {
                 const SpaceFor bytes(space);
                 status = run();
             }
             EXPECT_EQ(status, GetParam().onFullDisk);
-            EXPECT_EQ(bytesOf(target()), GetParam().isInPlace ? text.substr(0, space) : oldText);
+            EXPECT_EQ(bytesOf(target()),
+                      GetParam().isInPlace ? text.substr(0, space) : GetParam().old);
             // Only the source and the target exist.
             EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), {}), 2);
             ASSERT_FALSE(HasFailure());
@@ -138,9 +153,9 @@ TEST_P(FullDiskUnder, OnTheFullDeviceGivesTheDocumentedStatus) {
         if (!canMountSmallDisks()) GTEST_SKIP() << "file systems cannot be mounted here";
         constexpr std::size_t roomForTheOldFile = 4096;
         ASSERT_TRUE(mountSmallDisk(directory_.path(), roomForTheOldFile));
-        writeBytes(target(), oldText);
+        writeBytes(target(), GetParam().old);
         EXPECT_EQ(run(), GetParam().onFullDevice);
-        EXPECT_EQ(bytesOf(target()), oldText);
+        EXPECT_EQ(bytesOf(target()), GetParam().old);
         EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), {}), 1);
     }));
 }
@@ -154,6 +169,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Writer{"AnAssembly", writeAssembly, 1, 3, 3, true},
                       Writer{"AnAxis", writeAxis, 1, 1, 1, true},
                       Writer{"ACopy", copyFile, 1, 1, 1, true},
+                      Writer{"AnAxisOfTheCommand", writeAxisByCommand, 0, 2, 2, false},
+                      Writer{"AnEditedAssembly", editAssemblyByCommand, 0, 2, 2, false,
+                             oldAssembly},
                       Writer{"AMachineContext", saveSmallContext, 1, 2, 2, false},
                       Writer{"Parameters", saveSmallParameters, 0, -EFBIG, -ENOSPC, false},
                       Writer{"Messages", saveSmallMessages, 0, -EFBIG, -ENOSPC, false}),

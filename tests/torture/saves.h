@@ -3,9 +3,12 @@
 /// @file
 /// The saves that replace a whole file, and the two texts that each writes alternately.
 
+#include <tests/assembly/sample_components.h>
+#include <tests/cli/answer.h>
 #include <tests/environment/store_access.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/store_writer.h>
+#include <trvfiles/facade/CQvFilesIO.h>
 
 #include <gtest/gtest.h>
 
@@ -54,8 +57,28 @@ inline int saveMessages(const std::filesystem::path& target, bool second) {
     return saveStore(store_messages, target, second);
 }
 
-inline const auto allSaves =
-    ::testing::Values(Save{"AMachineContext", saveContext, eFileIOSuccess},
-                      Save{"Parameters", saveParameters, 0}, Save{"Messages", saveMessages, 0});
+/// A command that writes an axis file.
+inline int commandAxis(const std::filesystem::path& target, bool second) {
+    return answerTo(words("axis write --force --translate") +
+                    QStringList({QLatin1String(second ? "1,2,3" : "0,0,0"),
+                                 QString::fromStdString(target.string())}))
+        .status;
+}
+
+/// A command that edits an assembly. If there is none, it is created first.
+inline int commandEdit(const std::filesystem::path& target, bool second) {
+    if (!std::filesystem::exists(target)) {
+        CQvFilesIO::sWriteTrvAssembly(target.wstring(), assemblyOf(leaf("S", "f")));
+    }
+    return answerTo(words("assembly edit --set") +
+                    QStringList({QLatin1String(second ? "S.comment=second" : "S.comment=first"),
+                                 QString::fromStdString(target.string())}))
+        .status;
+}
+
+inline const auto allSaves = ::testing::Values(
+    Save{"AMachineContext", saveContext, eFileIOSuccess}, Save{"Parameters", saveParameters, 0},
+    Save{"Messages", saveMessages, 0}, Save{"AnAxisOfTheCommand", commandAxis, cli::done},
+    Save{"AnEditedAssembly", commandEdit, cli::done});
 
 }  // namespace trv::testing

@@ -2,8 +2,6 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/block_writer.h>
-#include <trvfiles/assembly/document_parser.h>
-#include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 
@@ -22,19 +20,7 @@ EFileIOStatus CTrvAssemblyIO::read(CTrvAssemblyData& data, CFileFault* fault) {
     trv::platform::file_handle handle;
     QFile file;
     if (!trv::openForRead(fileName_, handle, file, fault)) return eFileIOOpenError;
-    // A file that cannot be read twice goes to the DOM at once.
-    if (!file.isSequential()) {
-        const trv::Accepted accepted =
-            fault == nullptr ? trv::Accepted::complete : trv::Accepted::unaltered;
-        if (trv::readPlainDocument(file, accepted, version_, data)) return eFileIOSuccess;
-        if (!file.seek(0)) {
-            trv::set_system_fault(fault, errno);
-            return eFileIOContentError;
-        }
-    }
-    trv::DomTree tree;
-    if (!trv::parseDocument(file, tree, fault)) return eFileIOContentError;
-    return trv::readDocument(tree.document, version_, data, fault);
+    return trv::readAnyDocument(file, version_, data, fault);
 }
 
 EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data, CFileFault* fault) {

@@ -1,7 +1,9 @@
 #include <trvfiles/assembly/assembly_builder.h>
 #include <trvfiles/assembly/assembly_reader.h>
+#include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/dom_tree.h>
 #include <trvfiles/assembly/plain_scanner.h>
+#include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QByteArray>
@@ -10,6 +12,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <utility>
 #include <vector>
@@ -142,6 +145,22 @@ bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvA
                 return false;
         }
     }
+}
+
+EFileIOStatus readAnyDocument(QIODevice& device, int& version, CTrvAssemblyData& data,
+                              CFileFault* fault) {
+    // A file that cannot be read twice goes to the DOM at once.
+    if (!device.isSequential()) {
+        const Accepted accepted = fault == nullptr ? Accepted::complete : Accepted::unaltered;
+        if (readPlainDocument(device, accepted, version, data)) return eFileIOSuccess;
+        if (!device.seek(0)) {
+            set_system_fault(fault, errno);
+            return eFileIOContentError;
+        }
+    }
+    DomTree tree;
+    if (!parseDocument(device, tree, fault)) return eFileIOContentError;
+    return readDocument(tree.document, version, data, fault);
 }
 
 }  // namespace trv

@@ -42,4 +42,14 @@ enum class Accepted {
 /// @throws std::bad_alloc
 bool readPlainDocument(QIODevice& device, Accepted accepted, int& version, CTrvAssemblyData& data);
 
+/// Reads an assembly: a plain document without the DOM, any other one with it.
+///
+/// @param device  open for reading, at its beginning; read once if it cannot go back, as a pipe
+/// @param fault   takes the reason of a failure and its place, and notes; has to be empty
+/// @return as readDocument(); eFileIOContentError too if parseDocument() does not accept the
+///         document
+/// @throws std::bad_alloc
+EFileIOStatus readAnyDocument(QIODevice& device, int& version, CTrvAssemblyData& data,
+                              CFileFault* fault = nullptr);
+
 }  // namespace trv

@@ -31,6 +31,11 @@ const ComponentBody& ComponentBody::of(const CTrvAssemblyComponentData& componen
     return component.body_ == nullptr ? defaults.get() : *component.body_;
 }
 
+ComponentBody& ComponentBody::editable(CTrvAssemblyComponentData& component) {
+    if (component.body_ == nullptr) component.body_ = std::make_unique<ComponentBody>();
+    return *component.body_;
+}
+
 CTrvAssemblyComponentData ComponentBody::toComponent(ComponentBody body) {
     CTrvAssemblyComponentData component;
     component.body_ = std::make_unique<ComponentBody>(std::move(body));

@@ -38,6 +38,11 @@ struct ComponentBody : ComponentFields {
     /// that has none gives a default-constructed one.
     static const ComponentBody& of(const CTrvAssemblyComponentData& component);
 
+    /// The body of a component, to be changed in place, valid while the component lives and is not
+    /// assigned to. A component that has none gets a default-constructed one. Its name keeps code
+    /// that only reads from getting one by accident.
+    static ComponentBody& editable(CTrvAssemblyComponentData& component);
+
     /// A component that has the body.
     static CTrvAssemblyComponentData toComponent(ComponentBody body);
 

@@ -58,32 +58,38 @@ file_replacement::~file_replacement() {
     if (is_open()) platform::remove_held(held_, temporary_.c_str());
 }
 
+// The order makes the target the old file or the new one at every moment: attributes, content,
+// sync, close, rename. The lock is released last.
 int file_replacement::write_and_replace(const std::string& text) {
+    const int failure = write(platform::file_mode::text, [&text](std::FILE* stream) {
+        return std::fwrite(text.data(), 1, text.size(), stream) == text.size();
+    });
+    return failure == 0 ? replace() : failure;
+}
+
+// The attributes come first: a user who could not read the old content must never be able to read
+// the new one. Closing shows failures too, so the stream is closed before the file is renamed. The
+// file stays held.
+int file_replacement::write(platform::file_mode mode, const writer& put) {
     if (!is_open()) return open_failure_;
-    // The order makes the target the old file or the new one at every moment: attributes, text,
-    // sync, close, rename. The lock is released last. The attributes come first: a user who could
-    // not read the old text must never be able to read the new one.
     if (existing_ == existing::replaced) {
         const int failure = platform::copy_attributes(target_.c_str(), held_);
         if (failure != 0) return failure;
     }
-    if (const int failure = write(text); failure != 0) return failure;
+    errno = EIO;  // for a failure that leaves no number of its own
+    platform::file_handle stream = platform::open_stream_of(held_, mode);
+    if (stream == nullptr || !put(stream.get())) return errno;
+    if (const int failure = platform::sync_file(stream.get()); failure != 0) return failure;
+    return std::fclose(stream.release()) == 0 ? 0 : errno;
+}
+
+int file_replacement::replace() {
+    if (!is_open()) return open_failure_;
     const int failure = platform::move_held(held_, temporary_.c_str(), target_.c_str(), existing_);
     if (failure != 0) return failure;
     platform::release_held(std::exchange(held_, -1));
     open_failure_ = EBADF;  // for a second call: nothing is left to write to
     return 0;
-}
-
-// Closing shows failures too, so the stream is closed before the file is renamed. The file stays
-// held.
-int file_replacement::write(const std::string& text) const {
-    errno = EIO;  // for a failure that leaves no number of its own
-    platform::file_handle stream = platform::open_stream_of(held_, platform::file_mode::text);
-    if (stream == nullptr) return errno;
-    if (std::fwrite(text.data(), 1, text.size(), stream.get()) != text.size()) return errno;
-    if (const int failure = platform::sync_file(stream.get()); failure != 0) return failure;
-    return std::fclose(stream.release()) == 0 ? 0 : errno;
 }
 
 }  // namespace trv

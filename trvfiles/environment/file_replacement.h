@@ -12,6 +12,8 @@
 #include <trvfiles/support/platform_sharing.h>
 
 #include <chrono>
+#include <cstdio>
+#include <functional>
 #include <string>
 
 namespace trv {
@@ -71,9 +73,27 @@ public:
     /// @return 0, or the `errno` of the step that failed; then the target is unchanged
     int write_and_replace(const std::string& text);
 
-private:
-    int write(const std::string& text) const;
+    /// Writes to a stream, and returns whether all is written. If not, the reason is in `errno`.
+    using writer = std::function<bool(std::FILE*)>;
 
+    /// Writes the new content to the temporary file, and waits until it is on the disk. The target
+    /// is unchanged. To be called once.
+    ///
+    /// @return 0, or the `errno` of the step that failed
+    int write(platform::file_mode mode, const writer& put);
+
+    /// Opens what write() has written, so that it can be checked.
+    ///
+    /// @return the stream, at the beginning, or nullptr with the reason in `errno`
+    platform::file_handle open_written() const { return platform::open_reader_of(held_); }
+
+    /// Replaces the target by what write() has written. To be called once, after a write that has
+    /// not failed and when no stream is open.
+    ///
+    /// @return 0, or the `errno` of the failure; then the target is unchanged
+    int replace();
+
+private:
     existing existing_;
     // Native paths, computed before the temporary file exists: computing them takes memory, and a
     // destructor without memory could not remove the file.

@@ -48,6 +48,12 @@ int create_held(const char* path, std::chrono::milliseconds wait);
 /// @return the stream, or nullptr with the reason in `errno`
 file_handle open_stream_of(int held, file_mode mode);
 
+/// Opens a stream that reads a held file from its beginning, without changing its bytes. Other
+/// streams of the file have to be closed.
+///
+/// @return the stream, or nullptr with the reason in `errno`
+file_handle open_reader_of(int held);
+
 /// What move_held() does with an existing file of the new name.
 enum class existing_file { replaced, refused };
 

@@ -175,6 +175,14 @@ int rename_without_replacing(const char* from, const char* to) {
     return is_name_taken(to) ? EEXIST : code_of(std::rename(from, to));
 }
 
+file_handle open_copy_of(int held, const char* mode) {
+    descriptor copy(::fcntl(held, F_DUPFD_CLOEXEC, 0));
+    if (!copy.is_open()) return nullptr;
+    file_handle stream(::fdopen(copy.get(), mode));
+    if (stream != nullptr) copy.release();
+    return stream;
+}
+
 }  // namespace
 
 file_handle open_for_update(const char* runtime_path, file_mode, std::chrono::milliseconds wait) {
@@ -215,11 +223,13 @@ int create_held(const char* path, std::chrono::milliseconds wait) {
 }
 
 file_handle open_stream_of(int held, file_mode) {
-    descriptor copy(::fcntl(held, F_DUPFD_CLOEXEC, 0));
-    if (!copy.is_open()) return nullptr;
-    file_handle stream(::fdopen(copy.get(), "w"));
-    if (stream != nullptr) copy.release();
-    return stream;
+    return open_copy_of(held, "w");
+}
+
+// The copy shares its position with the held file.
+file_handle open_reader_of(int held) {
+    if (::lseek(held, 0, SEEK_SET) != 0) return nullptr;
+    return open_copy_of(held, "r");
 }
 
 int move_held(int held, const char* from, const char* to, existing_file existing) {

@@ -150,6 +150,24 @@ DWORD rename_open_file(HANDLE file, const std::wstring& name, existing_file exis
     return is_unknown ? rename_as(FileRenameInfo, file, name, flags) : error;
 }
 
+file_handle open_copy_of(int held, int kind, const char* mode) {
+    const HANDLE process = ::GetCurrentProcess();
+    HANDLE copied = INVALID_HANDLE_VALUE;
+    if (::DuplicateHandle(process, handle_of(held), process, &copied, 0, FALSE,
+                          DUPLICATE_SAME_ACCESS) == 0) {
+        errno = code_of_error(::GetLastError());
+        return nullptr;
+    }
+    handle_owner copy(copied);
+    const int number =
+        ::_open_osfhandle(reinterpret_cast<std::intptr_t>(copied), _O_NOINHERIT | kind);
+    if (number < 0) return nullptr;
+    copy.release();
+    file_handle stream(::_fdopen(number, mode));
+    if (stream == nullptr) ::_close(number);
+    return stream;
+}
+
 bool is_never_replaced(const char* path) {
     const DWORD attributes = ::GetFileAttributesA(path);
     return attributes != INVALID_FILE_ATTRIBUTES &&
@@ -202,22 +220,14 @@ int create_held(const char* path, milliseconds wait) {
 }
 
 file_handle open_stream_of(int held, file_mode mode) {
-    const HANDLE process = ::GetCurrentProcess();
-    HANDLE copied = INVALID_HANDLE_VALUE;
-    if (::DuplicateHandle(process, handle_of(held), process, &copied, 0, FALSE,
-                          DUPLICATE_SAME_ACCESS) == 0) {
-        errno = code_of_error(::GetLastError());
-        return nullptr;
-    }
-    handle_owner copy(copied);
-    const int kind = mode == file_mode::text ? _O_TEXT : _O_BINARY;
-    const int number =
-        ::_open_osfhandle(reinterpret_cast<std::intptr_t>(copied), _O_NOINHERIT | kind);
-    if (number < 0) return nullptr;
-    copy.release();
-    file_handle stream(::_fdopen(number, mode == file_mode::text ? "w" : "wb"));
-    if (stream == nullptr) ::_close(number);
-    return stream;
+    return mode == file_mode::text ? open_copy_of(held, _O_TEXT, "w")
+                                   : open_copy_of(held, _O_BINARY, "wb");
+}
+
+// The copy shares its position with the held file.
+file_handle open_reader_of(int held) {
+    if (::_lseeki64(held, 0, SEEK_SET) != 0) return nullptr;
+    return open_copy_of(held, _O_BINARY, "rb");
 }
 
 int move_held(int held, const char* from, const char* to, existing_file existing) {
