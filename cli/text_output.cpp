@@ -1,11 +1,11 @@
 #include <cli/text_output.h>
-#include <trvfiles/support/number_text.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QJsonDocument>
 
-#include <charconv>
+#include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace trv::cli {
 namespace {
@@ -88,27 +88,26 @@ QString jsonText(const QJsonValue& value) {
                    escapeForJson);
 }
 
+// Whether a text is printed byte for byte: printable ASCII without a backslash and the given
+// character. Every narrow encoding contains ASCII.
+bool isPlain(std::string_view text, char except) {
+    return std::all_of(text.begin(), text.end(), [except](char c) {
+        return c >= ' ' && c <= '~' && c != '\\' && c != except;
+    });
+}
+
 }  // namespace
 
 QString numberText(double value) {
-    // The sign of a NaN is not printed.
-    if (std::isnan(value)) return QStringLiteral("nan");
-    char digits[32];
-    const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    return QString::fromLatin1(digits, static_cast<int>(end - digits));
+    std::string text;
+    appendNumber(text, value);
+    return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
 }
 
 QString roundedText(double value) {
-    constexpr double halfOfLastDecimal = 5e-7;
-    constexpr double decimalsEndHere = 1e15;
-    if (std::fabs(value) <= halfOfLastDecimal) return QStringLiteral("0");
-    // The negated comparison is also true for a NaN.
-    if (!(std::fabs(value) < decimalsEndHere)) return numberText(value);
     std::string text;
-    append_fixed(text, value);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-    return QString::fromStdString(text);
+    appendRounded(text, value);
+    return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
 }
 
 QString vectorText(const double vector[3]) {
@@ -152,38 +151,109 @@ QJsonArray jsonNumbers(const double* values, int count) {
     return array;
 }
 
+void appendShown(std::string& out, const std::string& narrow) {
+    if (isPlain(narrow, '\\')) {
+        out += narrow;
+    } else {
+        appendUtf8(out, shown(narrow));
+    }
+}
+
 JsonWriter::JsonWriter(std::ostream& out) : out_(out) {
-    out_ << '{';
+    out_.text() += '{';
 }
 
 void JsonWriter::add(const char* key, const QJsonValue& value) {
-    separate();
-    out_ << '"' << key << "\":" << qUtf8Printable(jsonText(value));
+    beginMember(key);
+    appendUtf8(out_.text(), jsonText(value));
+}
+
+void JsonWriter::addAll(const QJsonObject& object) {
+    for (auto member = object.begin(); member != object.end(); ++member)
+        add(qUtf8Printable(member.key()), member.value());
+}
+
+void JsonWriter::addText(const char* key, const std::string& narrow) {
+    if (!isPlain(narrow, '"')) return add(key, fromNarrow(narrow));
+    addPlain(key, narrow);
+}
+
+void JsonWriter::addUtf8(const char* key, const std::string& text) {
+    if (!isPlain(text, '"')) return add(key, QString::fromStdString(text));
+    addPlain(key, text);
+}
+
+void JsonWriter::addPlain(const char* key, const std::string& text) {
+    beginMember(key);
+    out_.text().append(1, '"').append(text).append(1, '"');
+}
+
+void JsonWriter::addInteger(const char* key, long long value) {
+    beginMember(key);
+    appendInteger(out_.text(), value);
+}
+
+void JsonWriter::addBoolean(const char* key, bool value) {
+    beginMember(key);
+    out_.text() += value ? "true" : "false";
+}
+
+void JsonWriter::addNull(const char* key) {
+    beginMember(key);
+    out_.text() += "null";
+}
+
+void JsonWriter::addNumbers(const char* key, const double* values, int count) {
+    beginMember(key);
+    out_.text() += '[';
+    for (int i = 0; i < count; ++i) {
+        if (i != 0) out_.text() += ',';
+        appendJsonNumber(out_.text(), values[i]);
+    }
+    out_.text() += ']';
 }
 
 void JsonWriter::beginArray(const char* key) {
-    separate();
-    out_ << '"' << key << "\":[";
+    beginMember(key);
+    out_.text() += '[';
     isFirst_ = true;
 }
 
 void JsonWriter::addElement(const QJsonValue& value) {
     separate();
-    out_ << qUtf8Printable(jsonText(value));
+    appendUtf8(out_.text(), jsonText(value));
+}
+
+void JsonWriter::beginObject() {
+    separate();
+    out_.text() += '{';
+    isFirst_ = true;
+}
+
+void JsonWriter::endObject() {
+    out_.text() += '}';
+    isFirst_ = false;
 }
 
 void JsonWriter::endArray() {
-    out_ << ']';
+    out_.text() += ']';
     isFirst_ = false;
 }
 
 void JsonWriter::end() {
-    out_ << "}\n";
+    out_.text() += "}\n";
+    out_.flush();
 }
 
 void JsonWriter::separate() {
-    if (!isFirst_) out_ << ',';
+    out_.endPiece();
+    if (!isFirst_) out_.text() += ',';
     isFirst_ = false;
+}
+
+void JsonWriter::beginMember(const char* key) {
+    separate();
+    out_.text().append(1, '"').append(key).append("\":");
 }
 
 void printJson(const QJsonObject& object, std::ostream& out) {
