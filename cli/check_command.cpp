@@ -67,7 +67,8 @@ ExitStatus check(const QCommandLineParser& call, const Console& console) {
         if (problem) status = negative;
         const QString verdict =
             problem ? problemText(problem) : QStringLiteral("ok (%1)").arg(summary);
-        console.out << qUtf8Printable(QStringLiteral("%1: %2\n").arg(shown(name), verdict));
+        console.out << qUtf8Printable(
+            QStringLiteral("%1: %2\n").arg(shown(displayName(name)), verdict));
     }
     return status;
 }

@@ -1,4 +1,5 @@
 #include <cli/input_files.h>
+#include <cli/stream_copy.h>
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/dom_tree.h>
@@ -45,18 +46,36 @@ Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
         QStringLiteral("line %1, column %2: %3").arg(line, QString::number(fault.column), reason)};
 }
 
-// The kind of a file is found before it is read, by opening it. A pipe would be empty the second
-// time, and a device may have no end.
-bool isPipeOrDevice(const QString& name) {
-    const QFileInfo info(resolved(name));
-    return info.exists() && !info.isFile() && !info.isDir();
-}
-
 Problem notRegular() {
     return {eFileIOOpenError, notRegularText()};
 }
 
+Problem standardInputIsNotWritten() {
+    return {eFileIOOpenError, QStringLiteral("standard input cannot be written")};
+}
+
+Problem pathOfCopy(const StreamCopy& copy, QString& path) {
+    if (!copy.problem.isEmpty()) return {eFileIOOpenError, copy.problem};
+    path = copy.path;
+    return {};
+}
+
+// The path of a file that can be opened several times: the kind of a file is found before it is
+// read. A device may have no end.
+Problem readablePath(const QString& name, QString& path) {
+    if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
+    path = resolved(name);
+    const QFileInfo info(path);
+    if (!info.exists() || info.isFile() || info.isDir()) return {};
+    if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
+    return notRegular();
+}
+
 }  // namespace
+
+QString displayName(const QString& name) {
+    return isStandardInput(name) ? QStringLiteral("standard input") : name;
+}
 
 QString problemText(const Problem& problem) {
     return QStringLiteral("%1: %2").arg(statusName(problem.status), shown(problem.reason));
@@ -64,7 +83,7 @@ QString problemText(const Problem& problem) {
 
 ExitStatus report(const QString& name, const Problem& problem, const Console& console) {
     const QString text =
-        QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), problemText(problem));
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(displayName(name)), problemText(problem));
     console.err << qUtf8Printable(text);
     return failed;
 }
@@ -79,10 +98,10 @@ QString resolved(const QString& name) {
 
 Problem findKind(const QString& name, FileKind& kind) {
     kind = FileKind::unknown;
-    if (isPipeOrDevice(name)) return notRegular();
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     CFileFault fault;
-    const platform::file_handle file =
-        openForRead(resolved(name), platform::file_mode::text, &fault);
+    const platform::file_handle file = openForRead(path, platform::file_mode::text, &fault);
     if (file == nullptr) return problemOf(eFileIOOpenError, fault);
     kind = kindOf(file.get());
     if (kind == FileKind::unknown) return {eFileIOContentError, whyUnknown(file.get())};
@@ -91,18 +110,21 @@ Problem findKind(const QString& name, FileKind& kind) {
 
 Problem readAssembly(const QString& name, CTrvAssemblyData& data,
                      std::vector<CFileFault::Note>* notes) {
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     setInvalidDataPolicy();
     CFileFault fault;
-    const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &fault);
+    const EFileIOStatus status = CTrvAssemblyIO(path).read(data, &fault);
     if (notes != nullptr) *notes = std::move(fault.notes);
     return problemOf(status, fault);
 }
 
 Problem readAxis(const QString& name, AxisFile& axis) {
-    if (isPipeOrDevice(name)) return notRegular();
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     AxisContent content;
     CFileFault fault;
-    const EFileIOStatus status = readAxisFile(resolved(name), content, &fault);
+    const EFileIOStatus status = readAxisFile(path, content, &fault);
     if (status != eFileIOSuccess) return problemOf(status, fault);
     axis.matrix = content.matrix;
     std::copy_n(content.tags.begin(), content.tagCount, axis.tags.begin());
@@ -110,15 +132,17 @@ Problem readAxis(const QString& name, AxisFile& axis) {
 }
 
 Problem writeAxis(const QString& name, const AxisFile& axis) {
+    if (isStandardInput(name)) return standardInputIsNotWritten();
     const std::string text = axisFileText(axis.matrix, axis.tags[0], axis.tags[1], axis.tags[2]);
     CFileFault fault;
     return problemOf(writeAxisFile(resolved(name), text, &fault), fault);
 }
 
 Problem readContext(const QString& name, ContextFile& context) {
-    if (isPipeOrDevice(name)) return notRegular();
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     CFileFault fault;
-    const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &fault);
+    const EFileIOStatus status = CMachineContextIO(path).read(context.data, &fault);
     for (const CFileFault::Note& note : fault.notes) {
         if (note.kind != CFileFault::Note::Kind::missingSection) continue;
         context.missingSections += QString::fromStdString(note.subject);
@@ -127,11 +151,13 @@ Problem readContext(const QString& name, ContextFile& context) {
 }
 
 Problem writeContext(const QString& name, const CMachineContextData& data, file_replacement* held) {
+    if (isStandardInput(name)) return standardInputIsNotWritten();
     CFileFault fault;
     return problemOf(CMachineContextIO(resolved(name)).write(data, held, &fault), fault);
 }
 
 std::unique_ptr<file_replacement> holdFile(const QString& name) {
+    if (isStandardInput(name)) return nullptr;
     const QString path = resolved(name);
     std::string narrow;
     if (!isOpenable(path) || !runtimePath(path, narrow)) return nullptr;

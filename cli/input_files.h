@@ -3,7 +3,9 @@
 /// @file
 /// Files that are arguments of a command: their content, or why they cannot be read.
 ///
-/// Names are resolved as a facade on the current directory resolves them.
+/// Names are resolved as a facade on the current directory resolves them. "-" is standard input for
+/// every function that reads, and no file for those that write. Standard input and pipes are read
+/// once and kept, see stream_copy.h.
 
 #include <cli/command.h>
 #include <cli/file_kind.h>
@@ -32,6 +34,9 @@ struct Problem {
     explicit operator bool() const { return status != eFileIOSuccess; }
 };
 
+/// The name of a file in texts: "standard input" for "-".
+QString displayName(const QString& name);
+
 /// "eFileIOOpenError: No such file or directory"
 QString problemText(const Problem& problem);
 
@@ -40,7 +45,7 @@ QString problemText(const Problem& problem);
 /// @return the exit status of the command
 ExitStatus report(const QString& name, const Problem& problem, const Console& console);
 
-/// The reason for a pipe or a device, which is not opened.
+/// The reason for a device, which is not opened.
 QString notRegularText();
 
 /// The path of a name: relative to the current directory, cleaned.
@@ -51,7 +56,7 @@ QString resolved(const QString& name);
 /// @param kind  FileKind::unknown if there is a problem
 Problem findKind(const QString& name, FileKind& kind);
 
-/// Reads an assembly, from a pipe as well.
+/// Reads an assembly.
 ///
 /// @param notes  takes what was accepted but altered, if it is not nullptr
 Problem readAssembly(const QString& name, CTrvAssemblyData& data,

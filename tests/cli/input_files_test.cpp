@@ -61,6 +61,19 @@ TEST_F(InputFiles, ReportsOnTheErrorStreamAndFails) {
     EXPECT_EQ(err.str(), "trvfiles: a\\x09b: eFileIOOpenError: why\n");
 }
 
+TEST_F(InputFiles, NameStandardInputInTexts) {
+    EXPECT_EQ(displayName(QStringLiteral("-")).toStdString(), "standard input");
+    EXPECT_EQ(displayName(QStringLiteral("./-")).toStdString(), "./-");
+}
+
+TEST_F(InputFiles, WriteNoStandardInput) {
+    const QString name = QStringLiteral("-");
+    const std::string refusal = "eFileIOOpenError: standard input cannot be written";
+    EXPECT_EQ(text(writeAxis(name, {})), refusal);
+    EXPECT_EQ(text(writeContext(name, {})), refusal);
+    EXPECT_EQ(holdFile(name), nullptr);
+}
+
 TEST_F(InputFiles, FindsTheKindByContentWhateverTheName) {
     FileKind kind = FileKind::unknown;
     EXPECT_FALSE(findKind(file("a.ref", testing::setupXml), kind));
@@ -86,6 +99,8 @@ TEST_F(InputFiles, LooksIntoNoDevice) {
     const std::string refusal = "eFileIOOpenError: not a regular file";
     EXPECT_EQ(text(findKind(QStringLiteral("/dev/zero"), kind)), refusal);
     EXPECT_EQ(text(readAxis(QStringLiteral("/dev/zero"), axis)), refusal);
+    CTrvAssemblyData assembly;
+    EXPECT_EQ(text(readAssembly(QStringLiteral("/dev/zero"), assembly)), refusal);
 }
 
 TEST_F(InputFiles, ReportsMissingRights) {
