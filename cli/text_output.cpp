@@ -1,3 +1,4 @@
+#include <cli/text_escapes.h>
 #include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -10,82 +11,12 @@
 namespace trv::cli {
 namespace {
 
-// A character, or half of a surrogate pair if the other half is missing.
-struct Character {
-    uint code;
-    /// In code units.
-    int length;
-};
-
-Character characterAt(const QString& text, int place) {
-    const QChar first = text.at(place);
-    if (first.isHighSurrogate() && place + 1 < text.size()) {
-        const QChar second = text.at(place + 1);
-        if (second.isLowSurrogate()) return {QChar::surrogateToUcs4(first, second), 2};
-    }
-    return {first.unicode(), 1};
-}
-
-// Whether a terminal or an editor does not show the character, or shows other characters
-// differently because of it.
-bool isHidden(uint code) {
-    constexpr uint firstTag = 0xE0000;
-    constexpr uint lastTag = 0xE007F;
-    switch (QChar::category(code)) {
-        case QChar::Other_Control:
-        case QChar::Other_Format:
-        case QChar::Other_Surrogate:
-        case QChar::Separator_Line:
-        case QChar::Separator_Paragraph:
-            return true;
-        default:
-            // Not all tag characters are assigned.
-            return code >= firstTag && code <= lastTag;
-    }
-}
-
-QString hexadecimal(uint number, int digits) {
-    return QStringLiteral("%1").arg(number, digits, 16, QLatin1Char('0'));
-}
-
-QString escapeForText(uint code) {
-    constexpr uint pastLatin = 0x100;
-    constexpr uint pastBasicPlane = 0x10000;
-    if (code == '\\') return QStringLiteral("\\\\");
-    if (code < pastLatin) return QStringLiteral("\\x") + hexadecimal(code, 2);
-    if (code < pastBasicPlane) return QStringLiteral("\\u") + hexadecimal(code, 4);
-    return QStringLiteral("\\U") + hexadecimal(code, 8);
-}
-
-QString escapeForJson(uint code) {
-    const auto unit = [](uint value) { return QStringLiteral("\\u") + hexadecimal(value, 4); };
-    if (!QChar::requiresSurrogates(code)) return unit(code);
-    return unit(QChar::highSurrogate(code)) + unit(QChar::lowSurrogate(code));
-}
-
-template <class Predicate>
-QString escaped(const QString& text, Predicate isEscaped, QString (*escape)(uint)) {
-    QString result;
-    result.reserve(text.size());
-    for (int place = 0; place < text.size();) {
-        const Character character = characterAt(text, place);
-        if (isEscaped(character.code)) {
-            result += escape(character.code);
-        } else {
-            result.append(text.constData() + place, character.length);
-        }
-        place += character.length;
-    }
-    return result;
-}
-
 // A document is an object or an array, so the value is put into an array, and the brackets are
 // removed. Only strings contain hidden characters, because everything else in JSON is ASCII.
 // QJsonDocument escapes only some of these characters.
 QString jsonText(const QJsonValue& value) {
     const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return escaped(QString::fromUtf8(json.constData() + 1, json.size() - 2), isHidden,
-                   escapeForJson);
+    return escapedJson(QString::fromUtf8(json.constData() + 1, json.size() - 2));
 }
 
 // Whether a text is printed byte for byte: printable ASCII without a backslash and the given
@@ -121,8 +52,7 @@ QString roundedVectorText(const double vector[3]) {
 }
 
 QString shown(const QString& text) {
-    return escaped(
-        text, [](uint code) { return code == '\\' || isHidden(code); }, escapeForText);
+    return escapedText(text);
 }
 
 QString shown(const std::string& narrow) {
@@ -155,7 +85,7 @@ void appendShown(std::string& out, const std::string& narrow) {
     if (isPlain(narrow, '\\')) {
         out += narrow;
     } else {
-        appendUtf8(out, shown(narrow));
+        appendEscapedText(out, fromNarrow(narrow));
     }
 }
 
@@ -174,17 +104,14 @@ void JsonWriter::addAll(const QJsonObject& object) {
 }
 
 void JsonWriter::addText(const char* key, const std::string& narrow) {
-    if (!isPlain(narrow, '"')) return add(key, fromNarrow(narrow));
-    addPlain(key, narrow);
+    beginMember(key);
+    if (!isPlain(narrow, '"')) return appendJsonString(out_.text(), fromNarrow(narrow));
+    out_.text().append(1, '"').append(narrow).append(1, '"');
 }
 
 void JsonWriter::addUtf8(const char* key, const std::string& text) {
-    if (!isPlain(text, '"')) return add(key, QString::fromStdString(text));
-    addPlain(key, text);
-}
-
-void JsonWriter::addPlain(const char* key, const std::string& text) {
     beginMember(key);
+    if (!isPlain(text, '"')) return appendJsonString(out_.text(), QString::fromStdString(text));
     out_.text().append(1, '"').append(text).append(1, '"');
 }
 

@@ -83,7 +83,6 @@ public:
 private:
     void separate();
     void beginMember(const char* key);
-    void addPlain(const char* key, const std::string& text);
 
     OutputBuffer out_;
     bool isFirst_ = true;
