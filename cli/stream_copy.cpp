@@ -36,7 +36,8 @@ struct Copy {
 // so nothing is left of it if a signal ends the command.
 QString pathOf(QTemporaryFile& file) {
     const QString path = QStringLiteral("/proc/self/fd/%1").arg(file.handle());
-    if (QFile::exists(path)) return path;
+    // Wine has the directory too, but its numbers are others.
+    if (!platform::backslash_separates() && QFile::exists(path)) return path;
     const QString name = file.fileName();
     file.close();
     return name;
