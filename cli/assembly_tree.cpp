@@ -3,7 +3,6 @@
 #include <cli/text_output.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <optional>
@@ -29,16 +28,15 @@ void appendAxes(std::string& line, const ComponentBody& component) {
 }
 
 void appendOrientation(std::string& line, const ComponentBody& component, bool matrix) {
-    constexpr double halfOfLastDecimal = 5e-7;
     if (isUnit(component.vec1, 0) && isUnit(component.vec2, 1) && isUnit(component.vec3, 2)) return;
     std::optional<Rotation> rotation;
     if (!matrix) rotation = rotationOf({component.vec1, component.vec2, component.vec3});
-    if (!rotation) {
-        appendAxes(line, component);
-    } else if (std::fabs(rotation->degrees) > halfOfLastDecimal) {
-        line += ", turned ";
-        appendUtf8(line, rotationText(*rotation));
-    }
+    if (!rotation) return appendAxes(line, component);
+    const QString text = rotationText(*rotation);
+    // The axes differ from those of the parent by less than what is printed.
+    if (text.startsWith(QStringLiteral("0°"))) return;
+    line += ", turned ";
+    appendUtf8(line, text);
 }
 
 class TreePrinter {

@@ -60,17 +60,6 @@ Problem pathOfCopy(const StreamCopy& copy, QString& path) {
     return {};
 }
 
-// The path of a file that can be opened several times: the kind of a file is found before it is
-// read. A device may have no end.
-Problem readablePath(const QString& name, QString& path) {
-    if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
-    path = resolved(name);
-    const QFileInfo info(path);
-    if (!info.exists() || info.isFile() || info.isDir()) return {};
-    if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
-    return notRegular();
-}
-
 }  // namespace
 
 QString displayName(const QString& name) {
@@ -94,6 +83,15 @@ QString notRegularText() {
 
 QString resolved(const QString& name) {
     return QFileInfo(QDir(QString()), nativePath(name)).absoluteFilePath();
+}
+
+Problem readablePath(const QString& name, QString& path) {
+    if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
+    path = resolved(name);
+    const QFileInfo info(path);
+    if (!info.exists() || info.isFile() || info.isDir()) return {};
+    if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
+    return notRegular();
 }
 
 Problem findKind(const QString& name, FileKind& kind) {

@@ -51,6 +51,11 @@ QString notRegularText();
 /// The path of a name: relative to the current directory, cleaned.
 QString resolved(const QString& name);
 
+/// The path under which the content of a file can be read several times: the kind of a file is
+/// found before it is read. That of standard input or of a pipe is the path of its copy. A device
+/// is a problem, because it may have no end. Nothing else is opened.
+Problem readablePath(const QString& name, QString& path);
+
 /// Determines the kind of a file; an unknown kind is a problem.
 ///
 /// @param kind  FileKind::unknown if there is a problem

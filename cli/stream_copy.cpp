@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <system_error>
 #include <vector>
 
@@ -61,11 +62,26 @@ std::unique_ptr<Copy> makeCopy(std::FILE* stream) {
 
 // The copies of this process by the paths of their pipes. That of standard input has the key "-",
 // which is not the path of a file.
-using Copies = std::map<QString, std::unique_ptr<Copy>>;
+struct Copies {
+    std::mutex mutex;
+    std::map<QString, std::unique_ptr<Copy>> byPath;
+};
 
-Copies& copies() {
-    static Copies all;
-    return all;
+Copies& allCopies() {
+    static Copies copies;
+    return copies;
+}
+
+// Other threads that ask for a copy wait until the stream has been read.
+//
+// @param make  called if there is no copy yet
+template <class Make>
+StreamCopy copyOf(const QString& key, Make make) {
+    Copies& copies = allCopies();
+    const std::lock_guard<std::mutex> lock(copies.mutex);
+    std::unique_ptr<Copy>& copy = copies.byPath[key];
+    if (copy == nullptr) copy = make();
+    return copy->result;
 }
 
 }  // namespace
@@ -80,18 +96,14 @@ bool isPipe(const QString& path) {
 }
 
 StreamCopy copyOfStandardInput() {
-    std::unique_ptr<Copy>& copy = copies()[QStringLiteral("-")];
-    if (copy == nullptr) copy = makeCopy(stdin);
-    return copy->result;
+    return copyOf(QStringLiteral("-"), [] { return makeCopy(stdin); });
 }
 
 StreamCopy copyOfPipe(const QString& path) {
-    std::unique_ptr<Copy>& copy = copies()[path];
-    if (copy == nullptr) {
+    return copyOf(path, [&path] {
         const platform::file_handle pipe = openForRead(path, platform::file_mode::binary);
-        copy = makeCopy(pipe.get());
-    }
-    return copy->result;
+        return makeCopy(pipe.get());
+    });
 }
 
 QString copyStream(std::FILE* stream, QFile& file, qint64 maxBytes) {

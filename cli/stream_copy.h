@@ -5,7 +5,7 @@
 /// the kind of a file before it reads it. The content is copied to a temporary file, so its size is
 /// not limited by memory.
 ///
-/// Threads: one at a time.
+/// Threads: any.
 
 #include <QString>
 

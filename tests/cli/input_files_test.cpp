@@ -66,6 +66,14 @@ TEST_F(InputFiles, NameStandardInputInTexts) {
     EXPECT_EQ(displayName(QStringLiteral("./-")).toStdString(), "./-");
 }
 
+TEST_F(InputFiles, AreReadUnderTheirOwnPath) {
+    QString readable;
+    EXPECT_FALSE(readablePath(file("a", ""), readable));
+    EXPECT_EQ(readable, path("a"));
+    EXPECT_FALSE(readablePath(path("missing"), readable));
+    EXPECT_EQ(readable, path("missing"));
+}
+
 TEST_F(InputFiles, WriteNoStandardInput) {
     const QString name = QStringLiteral("-");
     const std::string refusal = "eFileIOOpenError: standard input cannot be written";
