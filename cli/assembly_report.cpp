@@ -1,178 +1,99 @@
 #include <cli/assembly_report.h>
 #include <cli/assembly_walk.h>
-#include <cli/text_output.h>
-#include <trvfiles/text/text_conversion.h>
+#include <cli/input_files.h>
 
-#include <QJsonArray>
-
-#include <algorithm>
-#include <iterator>
+#include <limits>
+#include <vector>
 
 namespace trv::cli {
 namespace {
 
-constexpr double unitVectors[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-
-bool isUnit(const double vector[3], int axis) {
-    return std::equal(vector, vector + 3, unitVectors[axis]);
-}
-
-QString axesText(const double* vec1, const double* vec2, const double* vec3) {
-    return QStringLiteral(", axes %1 / %2 / %3")
-        .arg(roundedVectorText(vec1), roundedVectorText(vec2), roundedVectorText(vec3));
-}
-
-QString treeLine(const ComponentBody& component, std::size_t level) {
-    constexpr int indentation = 2;
-    QString line(static_cast<int>(level) * indentation, QLatin1Char(' '));
-    line += component.name.empty() ? QStringLiteral("(no name)") : shown(component.name);
-    if (!component.enabled) line += QStringLiteral(" (disabled)");
-    if (!component.geometryFileName.empty()) {
-        line += QStringLiteral(": ") + shown(component.geometryFileName);
+void writeComponent(const SelectedComponent& entry, long long parent, JsonWriter& json) {
+    const ComponentBody& component = *entry.component;
+    json.beginObject();
+    json.addText("comment", component.comment);
+    json.addBoolean("enabled", component.enabled);
+    if (component.geometryFileName.empty()) {
+        json.addNull("geometryFile");
+    } else {
+        json.addText("geometryFile", component.geometryFileName);
     }
-    line += QStringLiteral(", at ") + roundedVectorText(component.translation);
-    if (!isUnit(component.vec1, 0) || !isUnit(component.vec2, 1) || !isUnit(component.vec3, 2)) {
-        line += axesText(component.vec1, component.vec2, component.vec3);
+    json.addInteger("level", entry.level);
+    json.addText("name", component.name);
+    if (parent < 0) {
+        json.addNull("parent");
+    } else {
+        json.addInteger("parent", parent);
     }
-    if (!component.comment.empty()) line += QStringLiteral(" -- ") + shown(component.comment);
-    return line + QLatin1Char('\n');
+    json.addNumbers("translation", component.translation, 3);
+    json.addNumbers("vec1", component.vec1, 3);
+    json.addNumbers("vec2", component.vec2, 3);
+    json.addNumbers("vec3", component.vec3, 3);
+    json.endObject();
 }
 
-struct Placement {
-    explicit Placement(const CComponentInfo& entry) : fileName(fromNarrow(entry.getFileName())) {
-        entry.getTranslation(translation);
-        entry.getOrientation(vec1, vec2, vec3);
+void writeComponents(const std::vector<SelectedComponent>& components, JsonWriter& json) {
+    json.beginArray("components");
+    // The indices in the list of the current component and of those above it.
+    std::vector<long long> ancestors;
+    long long index = 0;
+    for (const SelectedComponent& entry : components) {
+        ancestors.resize(entry.level);
+        writeComponent(entry, ancestors.empty() ? -1 : ancestors.back(), json);
+        ancestors.push_back(index++);
     }
-
-    QString fileName;
-    const double* translation = nullptr;
-    const double* vec1 = nullptr;
-    const double* vec2 = nullptr;
-    const double* vec3 = nullptr;
-};
-
-// shown() escapes line ends, so each line is one row.
-QString csvField(const QString& text) {
-    QString field = shown(text);
-    if (!field.contains(QLatin1Char(',')) && !field.contains(QLatin1Char('"'))) return field;
-    field.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QStringLiteral("\"%1\"").arg(field);
-}
-
-QString csvVector(const double vector[3]) {
-    return QStringLiteral(",%1,%2,%3")
-        .arg(numberText(vector[0]), numberText(vector[1]), numberText(vector[2]));
-}
-
-QJsonObject componentJson(const ComponentBody& component, std::size_t level, QJsonValue parent) {
-    return {
-        {QStringLiteral("level"), static_cast<qint64>(level)},
-        {QStringLiteral("parent"), parent},
-        {QStringLiteral("name"), fromNarrow(component.name)},
-        {QStringLiteral("comment"), fromNarrow(component.comment)},
-        {QStringLiteral("enabled"), component.enabled},
-        {QStringLiteral("geometryFile"), component.geometryFileName.empty()
-                                             ? QJsonValue()
-                                             : QJsonValue(fromNarrow(component.geometryFileName))},
-        {QStringLiteral("translation"), jsonNumbers(component.translation, 3)},
-        {QStringLiteral("vec1"), jsonNumbers(component.vec1, 3)},
-        {QStringLiteral("vec2"), jsonNumbers(component.vec2, 3)},
-        {QStringLiteral("vec3"), jsonNumbers(component.vec3, 3)},
-    };
+    json.endArray();
 }
 
 }  // namespace
 
 AssemblyCounts countsOf(const CTrvAssemblyData& assembly) {
+    constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
     AssemblyCounts counts;
-    forEachComponent(assembly, [&](const ComponentBody&, std::size_t) { ++counts.components; });
+    // The level of the disabled component that contains the current one.
+    std::size_t disabledLevel = none;
+    forEachComponent(assembly, [&](const ComponentBody& component, std::size_t level) {
+        ++counts.components;
+        if (level <= disabledLevel) disabledLevel = component.enabled ? none : level;
+        if (disabledLevel == none && !component.geometryFileName.empty()) ++counts.placedFiles;
+    });
     counts.componentNumber = assembly.getComponentNumber();
-    counts.placedFiles = assembly.getComponentFileList().size();
     return counts;
 }
 
-void printAssembly(const QString& name, const CTrvAssemblyData& assembly, std::ostream& out) {
+void printCounts(const CTrvAssemblyData& assembly, std::ostream& out) {
+    const AssemblyCounts counts = countsOf(assembly);
+    out << "Components        " << counts.components << "\nComponent number  "
+        << counts.componentNumber << "\nPlaced files      " << counts.placedFiles << '\n';
+}
+
+void printAssemblyHead(const QString& name, const CTrvAssemblyData& assembly, std::ostream& out) {
+    double size[3];
+    assembly.getDimension(size);
+    out << qUtf8Printable(QStringLiteral("Assembly file %1\n\nDimension         %2 x %3 x %4\n")
+                              .arg(shown(displayName(name)), roundedText(size[0]),
+                                   roundedText(size[1]), roundedText(size[2])));
+    printCounts(assembly, out);
+}
+
+std::size_t writeAssembly(const QString& name, const CTrvAssemblyData& assembly,
+                          const ComponentSelection* selection, JsonWriter& json) {
     double size[3];
     assembly.getDimension(size);
     const AssemblyCounts counts = countsOf(assembly);
-    const QString head =
-        QStringLiteral(
-            "Assembly file %1\n\n"
-            "Dimension         %2 x %3 x %4\n"
-            "Components        %5\n"
-            "Component number  %6\n"
-            "Placed files      %7\n\n")
-            .arg(shown(name), roundedText(size[0]), roundedText(size[1]), roundedText(size[2]),
-                 QString::number(counts.components), QString::number(counts.componentNumber),
-                 QString::number(counts.placedFiles));
-    out << qUtf8Printable(head);
-    printTree(assembly, out);
-}
-
-void printTree(const CTrvAssemblyData& assembly, std::ostream& out) {
-    forEachComponent(assembly, [&](const ComponentBody& component, std::size_t level) {
-        out << qUtf8Printable(treeLine(component, level));
-    });
-}
-
-QJsonObject assemblyJson(const QString& name, const CTrvAssemblyData& assembly) {
-    double size[3];
-    assembly.getDimension(size);
-    const AssemblyCounts counts = countsOf(assembly);
-    QJsonArray components;
-    // The indices in the list of the current component and of those above it.
-    std::vector<int> ancestors;
-    forEachComponent(assembly, [&](const ComponentBody& component, std::size_t level) {
-        ancestors.resize(level);
-        components.append(componentJson(
-            component, level, ancestors.empty() ? QJsonValue() : QJsonValue(ancestors.back())));
-        ancestors.push_back(components.size() - 1);
-    });
-    return {
-        {QStringLiteral("kind"), QStringLiteral("assembly")},
-        {QStringLiteral("file"), name},
-        {QStringLiteral("dimension"), jsonNumbers(size, 3)},
-        {QStringLiteral("componentNumber"), static_cast<qint64>(counts.componentNumber)},
-        {QStringLiteral("placedFiles"), static_cast<qint64>(counts.placedFiles)},
-        {QStringLiteral("components"), components},
-    };
-}
-
-void printPlacements(const CTrvAssemblyData& assembly, std::ostream& out) {
-    for (const CComponentInfo& entry : assembly.getComponentFileList()) {
-        const Placement placement(entry);
-        const QString line =
-            QStringLiteral("%1, at %2%3\n")
-                .arg(shown(placement.fileName), roundedVectorText(placement.translation),
-                     axesText(placement.vec1, placement.vec2, placement.vec3));
-        out << qUtf8Printable(line);
+    json.addInteger("componentCount", static_cast<long long>(counts.components));
+    json.addInteger("componentNumber", static_cast<long long>(counts.componentNumber));
+    std::size_t listed = 0;
+    if (selection != nullptr) {
+        const std::vector<SelectedComponent> components = selectComponents(assembly, *selection);
+        listed = components.size();
+        writeComponents(components, json);
     }
-}
-
-void printPlacementsAsCsv(const CTrvAssemblyData& assembly, std::ostream& out) {
-    out << "file,x,y,z,vec1x,vec1y,vec1z,vec2x,vec2y,vec2z,vec3x,vec3y,vec3z\r\n";
-    for (const CComponentInfo& entry : assembly.getComponentFileList()) {
-        const Placement placement(entry);
-        const QString line = csvField(placement.fileName) + csvVector(placement.translation) +
-                             csvVector(placement.vec1) + csvVector(placement.vec2) +
-                             csvVector(placement.vec3) + QStringLiteral("\r\n");
-        out << qUtf8Printable(line);
-    }
-}
-
-QJsonObject placementsJson(const QString& name, const CTrvAssemblyData& assembly) {
-    QJsonArray placements;
-    for (const CComponentInfo& entry : assembly.getComponentFileList()) {
-        const Placement placement(entry);
-        placements.append(QJsonObject{
-            {QStringLiteral("geometryFile"), placement.fileName},
-            {QStringLiteral("translation"), jsonNumbers(placement.translation, 3)},
-            {QStringLiteral("vec1"), jsonNumbers(placement.vec1, 3)},
-            {QStringLiteral("vec2"), jsonNumbers(placement.vec2, 3)},
-            {QStringLiteral("vec3"), jsonNumbers(placement.vec3, 3)},
-        });
-    }
-    return {{QStringLiteral("file"), name}, {QStringLiteral("placements"), placements}};
+    json.addNumbers("dimension", size, 3);
+    json.add("file", name);
+    json.add("kind", QStringLiteral("assembly"));
+    json.addInteger("placedFiles", static_cast<long long>(counts.placedFiles));
+    return listed;
 }
 
 QString assemblySummary(const CTrvAssemblyData& assembly) {

@@ -1,11 +1,12 @@
 #pragma once
 
 /// @file
-/// What the commands print about an assembly.
+/// What the commands print about an assembly as a whole.
 
+#include <cli/component_selection.h>
+#include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 
-#include <QJsonObject>
 #include <QString>
 
 #include <ostream>
@@ -23,20 +24,19 @@ struct AssemblyCounts {
 
 AssemblyCounts countsOf(const CTrvAssemblyData& assembly);
 
-/// The size, the counts and the tree.
-void printAssembly(const QString& name, const CTrvAssemblyData& assembly, std::ostream& out);
+/// The lines of the counts.
+void printCounts(const CTrvAssemblyData& assembly, std::ostream& out);
 
-/// The tree, a line a component: name, geometry file, placement in the parent's frame, comment.
-void printTree(const CTrvAssemblyData& assembly, std::ostream& out);
+/// The name of the file, the size and the counts.
+void printAssemblyHead(const QString& name, const CTrvAssemblyData& assembly, std::ostream& out);
 
-/// The same as JSON; docs/command.md lists the keys. The tree is a flat list: JSON readers do not
-/// accept the depth that assemblies may have.
-QJsonObject assemblyJson(const QString& name, const CTrvAssemblyData& assembly);
-
-/// The flattened list, a line a placed file.
-void printPlacements(const CTrvAssemblyData& assembly, std::ostream& out);
-void printPlacementsAsCsv(const CTrvAssemblyData& assembly, std::ostream& out);
-QJsonObject placementsJson(const QString& name, const CTrvAssemblyData& assembly);
+/// The members of a JSON object; docs/command.md lists the keys. The tree is a flat list: JSON
+/// readers do not accept the depth that assemblies may have.
+///
+/// @param selection  the components in the list; nullptr for an object without the list
+/// @return the number of components in the list
+std::size_t writeAssembly(const QString& name, const CTrvAssemblyData& assembly,
+                          const ComponentSelection* selection, JsonWriter& json);
 
 /// A few words: "assembly, 12 components, 9 placed files".
 QString assemblySummary(const CTrvAssemblyData& assembly);

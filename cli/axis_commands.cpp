@@ -1,6 +1,7 @@
 #include <cli/axis_replacement.h>
 #include <cli/axis_report.h>
 #include <cli/command.h>
+#include <cli/file_output.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <cli/vector_argument.h>
@@ -15,15 +16,21 @@ namespace trv::cli {
 namespace {
 
 ExitStatus show(const QCommandLineParser& call, const Console& console) {
-    const QString name = call.positionalArguments().at(0);
-    AxisFile axis;
-    if (const Problem problem = readAxis(name, axis)) return report(name, problem, console);
-    if (call.isSet(QStringLiteral("json"))) {
-        printJson(axisJson(name, axis), console.out);
-    } else {
-        console.out << qUtf8Printable(axisText(name, axis));
-    }
-    return done;
+    const QStringList names = call.positionalArguments();
+    const bool asJson = call.isSet(QStringLiteral("json"));
+    FileOutput output(names.size(), Heading::blankLine, console.out);
+    const ExitStatus status = printEachFile(names, console, [&](const QString& name) -> Problem {
+        AxisFile axis;
+        if (Problem problem = readAxis(name, axis)) return problem;
+        if (asJson) {
+            output.writeJson([&](JsonWriter& json) { json.addAll(axisJson(name, axis)); });
+        } else {
+            output.beginText(name) << qUtf8Printable(axisText(name, axis));
+        }
+        return {};
+    });
+    if (asJson) output.endJson();
+    return status;
 }
 
 // Why a placement cannot be inverted; empty if it can.
@@ -162,13 +169,15 @@ QCommandLineOption numbersOption(const char* name, const char* description) {
 CommandGroup axisCommands() {
     Command showAxis;
     showAxis.name = QStringLiteral("axis show");
-    showAxis.arguments = QStringLiteral("[--json] FILE");
+    showAxis.arguments = QStringLiteral("[--json] FILE...");
     showAxis.summary = QStringLiteral("Show an axis file");
     showAxis.details = QStringLiteral(
         "Prints the matrix that a program reads from the file, its inverse, and the kind\n"
-        "of the placement.\n");
+        "of the placement. \"-\" is standard input. A file that cannot be read is\n"
+        "reported, the others are shown; the exit status is then 2.\n");
     showAxis.examples += QStringLiteral("trvfiles axis show table-a30.dat");
     showAxis.options = {jsonOption()};
+    showAxis.maxFiles = Command::anyNumber;
     showAxis.run = show;
 
     Command invertAxis;

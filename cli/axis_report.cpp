@@ -78,7 +78,7 @@ QString axisText(const QString& name, const AxisFile& axis) {
                "Mirror       %6\n"
                "Singular     %7\n"
                "Tags         %8\n")
-        .arg(shown(name), rows(axis.matrix),
+        .arg(shown(displayName(name)), rows(axis.matrix),
              traits.singular ? QStringLiteral("Inverse: none\n")
                              : QStringLiteral("Inverse\n") + rows(traits.inverse),
              yesNo(traits.identity), yesNo(traits.orthonormal), yesNo(traits.mirror),

@@ -1,6 +1,7 @@
 #include <cli/check_files.h>
 #include <cli/command.h>
 #include <cli/ordered_work.h>
+#include <cli/input_files.h>
 #include <cli/progress_line.h>
 #include <cli/project_files.h>
 #include <cli/text_output.h>
@@ -64,7 +65,7 @@ public:
     void print(const FileReport& report) override {
         if (!report.diagnostics.empty()) console_.out.flush();
         for (const Diagnostic& diagnostic : report.diagnostics)
-            printDiagnostic(report.name, diagnostic, columns_, console_.err);
+            printDiagnostic(displayName(report.name), diagnostic, columns_, console_.err);
         if (isQuiet_ && report.diagnostics.empty()) return;
         console_.out << qUtf8Printable(verdictText(report)) << '\n';
     }

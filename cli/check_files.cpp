@@ -160,7 +160,7 @@ bool isNoProjectFile(const FileReport& report) {
 }
 
 QString verdictText(const FileReport& report) {
-    const QString name = shown(report.name);
+    const QString name = shown(displayName(report.name));
     if (report.hasError()) return QStringLiteral("%1: error").arg(name);
     const std::size_t warnings = report.warningCount();
     const QString verdict =

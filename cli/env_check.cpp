@@ -1,6 +1,7 @@
 #include <cli/env_commands.h>
 #include <cli/env_message_file.h>
 #include <cli/env_runtime.h>
+#include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
@@ -33,7 +34,7 @@ QStringList findingsOn(const QString& name, RuntimeMessages& messages, QString& 
     if (file.result == load_result::missing) return {file.whyMissing};
     QStringList findings;
     for (const RuntimeMessages::Report& report : messages.takeReports())
-        findings += findingText(report, toNarrow(name));
+        findings += findingText(report, toNarrow(displayName(name)));
     content = contentText(file.sections);
     return findings;
 }
@@ -49,7 +50,8 @@ ExitStatus checkAll(const QStringList& names, RuntimeMessages& messages, const C
             lines += QStringLiteral("ok (%1)").arg(content);
         }
         for (const QString& line : lines)
-            console.out << qUtf8Printable(QStringLiteral("%1: %2\n").arg(shown(name), line));
+            console.out << qUtf8Printable(
+                QStringLiteral("%1: %2\n").arg(shown(displayName(name)), line));
     }
     return status;
 }

@@ -1,6 +1,9 @@
 #include <cli/env_message_file.h>
 #include <cli/input_files.h>
+#include <cli/stream_copy.h>
 #include <trvfiles/environment/message_store_data.h>
+#include <trvfiles/support/line_source.h>
+#include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QFileInfo>
@@ -21,18 +24,47 @@ Section sectionOf(const message_store& store, const store_section& stored) {
     return section;
 }
 
+// Loads the content of standard input or of a pipe.
+//
+// @param registeredName  the file of the entries and of the faults that are reported
+// @return false if there is no content; `file` then has the reason
+bool loadCopy(const QString& name, const std::string& registeredName, message_store& store,
+              MessageFile& file) {
+    const StreamCopy copy = isStandardInput(name) ? copyOfStandardInput() : copyOfPipe(name);
+    file.whyMissing = copy.problem;
+    if (!copy.problem.isEmpty()) return false;
+    CFileFault fault;
+    const platform::file_handle handle = openForRead(copy.path, platform::file_mode::text, &fault);
+    file.whyMissing = QString::fromStdString(fault.reason);
+    if (handle == nullptr) return false;
+    CL8BFile source(handle.get());
+    // Otherwise a source without memory would look like an empty file.
+    if (source.lineNumber() == 0) throw std::bad_alloc();
+    const bool isComplete = parse_messages(&store, source, registeredName.c_str(), plain_sink) ==
+                            parse_result::complete;
+    file.result = isComplete ? load_result::loaded : load_result::failed;
+    return true;
+}
+
 }  // namespace
 
 MessageFile loadMessageFile(const QString& name) {
-    // Checked before anything is opened: opening a pipe waits for its other end.
+    // Checked before anything is opened: reading a device may never end.
     const QFileInfo info(nativePath(name));
-    if (info.exists() && !info.isFile()) {
+    const bool isFromStream = isStandardInput(name) || isPipe(name);
+    if (!isFromStream && info.exists() && !info.isFile()) {
         return {load_result::missing, notRegularText(), {}};
     }
     const store_owner store(create_store());
     if (store == nullptr) throw std::bad_alloc();
+    // Its text has to live as long as the store.
+    const std::string registeredName = toNarrow(displayName(name));
     MessageFile file;
-    file.result = load_file(store.get(), toNarrow(name).c_str(), plain_sink);
+    if (isFromStream) {
+        if (!loadCopy(name, registeredName, *store, file)) return file;
+    } else {
+        file.result = load_file(store.get(), registeredName.c_str(), plain_sink);
+    }
     if (file.result == load_result::missing) {
         file.whyMissing = QString::fromStdString(
             std::make_error_code(std::errc::no_such_file_or_directory).message());

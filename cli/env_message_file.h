@@ -25,7 +25,7 @@ struct Section {
 };
 
 struct MessageFile {
-    /// A file with the result `failed` has been reported. A file that is not a regular one counts
+    /// A file with the result `failed` has been reported. A device or a directory counts
     /// as missing.
     load_result result = load_result::missing;
     /// The human-readable reason for which a file is missing; empty for any other file.
@@ -33,10 +33,11 @@ struct MessageFile {
     std::vector<Section> sections;
 };
 
-/// Loads a regular file into a store of its own. Pipes and devices are not opened: opening or
-/// reading them may never end.
+/// Loads a file, a pipe or standard input into a store of its own. Devices are not opened: reading
+/// them may never end.
 ///
-/// @param name  a path of the system; no reference in it is expanded
+/// @param name  a path of the system; no reference in it is expanded. "-" is standard input, the
+///              faults of which are reported under displayName()
 MessageFile loadMessageFile(const QString& name);
 
 }  // namespace trv::cli

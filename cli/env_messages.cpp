@@ -1,6 +1,7 @@
 #include <cli/env_commands.h>
 #include <cli/env_message_file.h>
 #include <cli/env_runtime.h>
+#include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/text/text_conversion.h>
@@ -60,7 +61,7 @@ ExitStatus print(const QCommandLineParser& call, const Console& console) {
     MessageFile file = loadMessageFile(name);
     if (file.result == load_result::missing) {
         console.err << qUtf8Printable(
-            QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), file.whyMissing));
+            QStringLiteral("trvfiles: %1: %2\n").arg(shown(displayName(name)), file.whyMissing));
         return failed;
     }
     // The reason has been reported, and is printed when this returns.
@@ -73,8 +74,9 @@ ExitStatus print(const QCommandLineParser& call, const Console& console) {
                            [&](const Section& section) { return section.name != asked; }),
             file.sections.end());
         if (file.sections.empty()) {
-            console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: there is no section [%2]\n")
-                                              .arg(shown(name), shown(arguments.at(1))));
+            console.err << qUtf8Printable(
+                QStringLiteral("trvfiles: %1: there is no section [%2]\n")
+                    .arg(shown(displayName(name)), shown(arguments.at(1))));
             return negative;
         }
     }

@@ -1,5 +1,6 @@
 #include <cli/input_files.h>
 #include <cli/source_text.h>
+#include <cli/stream_copy.h>
 #include <cli/text_output.h>
 #include <cli/xml_tags.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
@@ -23,10 +24,8 @@
 namespace trv::cli {
 namespace {
 
-// The kind of a file is found before it is read, by opening it. A pipe would be empty the second
-// time, and a device may have no end.
-bool isPipeOrDevice(const QString& name) {
-    const QFileInfo info(resolved(name));
+bool isPipeOrDevice(const QString& path) {
+    const QFileInfo info(path);
     return info.exists() && !info.isFile() && !info.isDir();
 }
 
@@ -34,9 +33,19 @@ Problem notRegular() {
     return {eFileIOOpenError, notRegularText()};
 }
 
+Problem standardInputIsNotWritten() {
+    return {eFileIOOpenError, QStringLiteral("standard input cannot be written")};
+}
+
+Problem pathOfCopy(const StreamCopy& copy, QString& path) {
+    if (!copy.problem.isEmpty()) return {eFileIOOpenError, copy.problem};
+    path = copy.path;
+    return {};
+}
+
 // A reader of one kind says of another kind only what it misses.
 Problem explained(Problem problem, const QString& name, FileKind expected) {
-    if (problem.status == eFileIOOpenError || isPipeOrDevice(name)) return problem;
+    if (problem.status == eFileIOOpenError) return problem;
     FileKind kind = FileKind::unknown;
     findKind(name, kind);
     if (kind == FileKind::unknown || kind == expected) return problem;
@@ -47,7 +56,7 @@ Problem explained(Problem problem, const QString& name, FileKind expected) {
 void nameUnclosedTag(const QString& name, Problem& problem) {
     const bool isUnclosed = problem.reason == QLatin1String("tag mismatch") ||
                             problem.reason == QLatin1String("unexpected end of file");
-    if (!isUnclosed || isPipeOrDevice(name)) return;
+    if (!isUnclosed) return;
     const SourceText source = SourceText::ofFile(name, SourceText::Lines::ofXml);
     const XmlTag tag = unclosedTag(source.text());
     if (tag.name.isEmpty()) return;
@@ -90,6 +99,10 @@ QString statusName(EFileIOStatus status) {
     return QString::number(status);
 }
 
+QString displayName(const QString& name) {
+    return isStandardInput(name) ? QStringLiteral("standard input") : name;
+}
+
 QString problemText(const Problem& problem) {
     QString place;
     if (problem.line > 0) place = QStringLiteral("line %1").arg(problem.line);
@@ -102,7 +115,7 @@ QString problemText(const Problem& problem) {
 
 ExitStatus report(const QString& name, const Problem& problem, const Console& console) {
     const QString text =
-        QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), problemText(problem));
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(displayName(name)), problemText(problem));
     console.err << qUtf8Printable(text);
     return failed;
 }
@@ -122,7 +135,8 @@ QString otherKindText(FileKind kind) {
 }
 
 ExitStatus fail(const QString& name, const QString& reason, const Console& console) {
-    console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), reason));
+    console.err << qUtf8Printable(
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(displayName(name)), reason));
     return failed;
 }
 
@@ -134,12 +148,19 @@ QString resolved(const QString& name) {
     return QFileInfo(QDir(QString()), nativePath(name)).absoluteFilePath();
 }
 
+Problem readablePath(const QString& name, QString& path) {
+    if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
+    path = resolved(name);
+    if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
+    return isPipeOrDevice(path) ? notRegular() : Problem();
+}
+
 Problem findKind(const QString& name, FileKind& kind) {
     kind = FileKind::unknown;
-    if (isPipeOrDevice(name)) return notRegular();
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     CFileFault fault;
-    const platform::file_handle file =
-        openForRead(resolved(name), platform::file_mode::text, &fault);
+    const platform::file_handle file = openForRead(path, platform::file_mode::text, &fault);
     if (file == nullptr) return problemOf(eFileIOOpenError, fault);
     kind = kindOf(file.get());
     if (kind == FileKind::unknown) return {eFileIOContentError, whyUnknown(file.get())};
@@ -147,22 +168,24 @@ Problem findKind(const QString& name, FileKind& kind) {
 }
 
 Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes) {
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     setInvalidDataPolicy();
     CFileFault fault;
-    const EFileIOStatus status = CTrvAssemblyIO(resolved(name)).read(data, &fault);
+    const EFileIOStatus status = CTrvAssemblyIO(path).read(data, &fault);
     moveNotes(fault, notes);
-    Problem problem = problemOf(status, fault);
-    if (!problem) return problem;
-    problem = explained(problem, name, FileKind::assembly);
+    if (status == eFileIOSuccess) return {};
+    Problem problem = explained(problemOf(status, fault), name, FileKind::assembly);
     nameUnclosedTag(name, problem);
     return problem;
 }
 
 Problem readAxis(const QString& name, AxisFile& axis, Notes* notes) {
-    if (isPipeOrDevice(name)) return notRegular();
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     AxisContent content;
     CFileFault fault;
-    const EFileIOStatus status = readAxisFile(resolved(name), content, &fault);
+    const EFileIOStatus status = readAxisFile(path, content, &fault);
     moveNotes(fault, notes);
     if (status != eFileIOSuccess) return explained(problemOf(status, fault), name, FileKind::axis);
     axis.matrix = content.matrix;
@@ -178,9 +201,10 @@ Problem writeAxis(const QString& name, const AxisFile& axis, file_replacement* h
 }
 
 Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
-    if (isPipeOrDevice(name)) return notRegular();
+    QString path;
+    if (Problem problem = readablePath(name, path)) return problem;
     CFileFault fault;
-    const EFileIOStatus status = CMachineContextIO(resolved(name)).read(context.data, &fault);
+    const EFileIOStatus status = CMachineContextIO(path).read(context.data, &fault);
     int withoutHeader = 0;
     for (const CFileFault::Note& note : fault.notes) {
         if (note.kind != CFileFault::Note::Kind::missingSection) continue;
@@ -197,11 +221,13 @@ Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
 }
 
 Problem writeContext(const QString& name, const CMachineContextData& data, file_replacement* held) {
+    if (isStandardInput(name)) return standardInputIsNotWritten();
     CFileFault fault;
     return problemOf(CMachineContextIO(resolved(name)).write(data, held, &fault), fault);
 }
 
 std::unique_ptr<file_replacement> holdFile(const QString& name) {
+    if (isStandardInput(name)) return nullptr;
     const QString path = resolved(name);
     const QFileInfo info(path);
     std::string narrow;
@@ -215,10 +241,11 @@ Problem whyNotHeld(const QString& name, const file_replacement* held) {
     if (held != nullptr) {
         return held->is_open() ? Problem() : systemProblem(eFileIOOpenError, held->open_failure());
     }
+    if (isStandardInput(name)) return standardInputIsNotWritten();
     const QString path = resolved(name);
     if (!isOpenable(path)) return {eFileIOOpenError, QStringLiteral("not a valid file name")};
     if (QFileInfo(path).isDir()) return systemProblem(eFileIOOpenError, EISDIR);
-    if (isPipeOrDevice(name)) return notRegular();
+    if (isPipeOrDevice(path)) return notRegular();
     return {eFileIOOpenError,
             QStringLiteral("the local code page lacks a character of the file name")};
 }

@@ -3,7 +3,9 @@
 /// @file
 /// Files that are arguments of a command: their content, or why they cannot be read.
 ///
-/// Names are resolved as a facade on the current directory resolves them.
+/// Names are resolved as a facade on the current directory resolves them. "-" is standard input for
+/// every function that reads, and no file for those that write. Standard input and pipes are read
+/// once and kept, see stream_copy.h.
 
 #include <cli/command.h>
 #include <cli/file_kind.h>
@@ -43,6 +45,9 @@ Problem problemOf(EFileIOStatus status, const CFileFault& fault);
 /// @param error  an `errno` value
 Problem systemProblem(EFileIOStatus status, int error);
 
+/// The name of a file in texts: "standard input" for "-".
+QString displayName(const QString& name);
+
 /// "eFileIOContentError"
 QString statusName(EFileIOStatus status);
 
@@ -60,7 +65,7 @@ ExitStatus report(const QString& name, const Problem& problem, const Console& co
 /// @return the exit status of the command
 ExitStatus fail(const QString& name, const QString& reason, const Console& console);
 
-/// The reason for a pipe or a device, which is not opened.
+/// The reason for a device, which is not opened.
 QString notRegularText();
 
 /// For a file of a kind that a command does not read: "this is an axis file; try 'trvfiles axis
@@ -69,6 +74,11 @@ QString otherKindText(FileKind kind);
 
 /// The path of a name: relative to the current directory, cleaned.
 QString resolved(const QString& name);
+
+/// The path under which the content of a file can be read several times: the kind of a file is
+/// found before it is read. That of standard input or of a pipe is the path of its copy. A device
+/// is a problem, because it may have no end. Nothing else is opened.
+Problem readablePath(const QString& name, QString& path);
 
 /// Determines the kind of a file; an unknown kind is a problem.
 ///
@@ -80,7 +90,7 @@ using Notes = std::vector<CFileFault::Note>;
 // If the content is that of another kind, the reason names the kind and a command for it. `notes`
 // takes what was accepted but altered, if it is not nullptr.
 
-/// Reads an assembly, from a pipe as well.
+/// Reads an assembly.
 Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes = nullptr);
 
 struct AxisFile {

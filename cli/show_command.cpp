@@ -1,65 +1,94 @@
 #include <cli/assembly_report.h>
+#include <cli/assembly_tree.h>
 #include <cli/axis_report.h>
 #include <cli/command.h>
 #include <cli/context_report.h>
+#include <cli/file_output.h>
 #include <cli/input_files.h>
-#include <cli/text_output.h>
+#include <cli/terminal_text.h>
 
 namespace trv::cli {
 namespace {
 
-Problem showAssembly(const QString& name, bool asJson, std::ostream& out) {
-    CTrvAssemblyData assembly;
-    if (Problem problem = readAssembly(name, assembly)) return problem;
-    if (asJson) {
-        printJson(assemblyJson(name, assembly), out);
-    } else {
-        printAssembly(name, assembly, out);
-    }
-    return {};
-}
+class Show {
+public:
+    Show(int fileCount, bool asJson, const TextForm& form, std::ostream& out)
+        : asJson_(asJson), form_{form}, output_(fileCount, Heading::blankLine, out) {}
 
-Problem showAxis(const QString& name, bool asJson, std::ostream& out) {
-    AxisFile axis;
-    if (Problem problem = readAxis(name, axis)) return problem;
-    if (asJson) {
-        printJson(axisJson(name, axis), out);
-    } else {
-        out << qUtf8Printable(axisText(name, axis));
+    Problem show(const QString& name) {
+        FileKind kind = FileKind::unknown;
+        Problem problem = findKind(name, kind);
+        switch (kind) {
+            case FileKind::assembly:
+                return showAssembly(name);
+            case FileKind::axis:
+                return showAxis(name);
+            case FileKind::machineContext:
+                return showContext(name);
+            case FileKind::unknown:
+                break;
+        }
+        return problem;
     }
-    return {};
-}
 
-Problem showContext(const QString& name, bool asJson, std::ostream& out) {
-    ContextFile context;
-    if (Problem problem = readContext(name, context)) return problem;
-    if (asJson) {
-        printJson(contextJson(name, context), out);
-    } else {
-        out << qUtf8Printable(contextText(name, context));
+    void end() {
+        if (asJson_) output_.endJson();
     }
-    return {};
-}
+
+private:
+    Problem showAssembly(const QString& name) {
+        CTrvAssemblyData assembly;
+        if (Problem problem = readAssembly(name, assembly)) return problem;
+        const ComponentSelection everything;
+        if (asJson_) {
+            output_.writeJson(
+                [&](JsonWriter& json) { writeAssembly(name, assembly, &everything, json); });
+            return {};
+        }
+        std::ostream& out = output_.beginText(name);
+        printAssemblyHead(name, assembly, out);
+        out << '\n';
+        printTree(assembly, everything, form_, out);
+        return {};
+    }
+
+    Problem showAxis(const QString& name) {
+        AxisFile axis;
+        if (Problem problem = readAxis(name, axis)) return problem;
+        print(name, axisJson(name, axis), axisText(name, axis));
+        return {};
+    }
+
+    Problem showContext(const QString& name) {
+        ContextFile context;
+        if (Problem problem = readContext(name, context)) return problem;
+        print(name, contextJson(name, context), contextText(displayName(name), context));
+        return {};
+    }
+
+    void print(const QString& name, const QJsonObject& object, const QString& text) {
+        if (asJson_) {
+            output_.writeJson([&](JsonWriter& json) { json.addAll(object); });
+        } else {
+            output_.beginText(name) << qUtf8Printable(text);
+        }
+    }
+
+    bool asJson_;
+    TreeForm form_;
+    FileOutput output_;
+};
 
 ExitStatus show(const QCommandLineParser& call, const Console& console) {
-    const QString name = call.positionalArguments().at(0);
-    const bool asJson = call.isSet(QStringLiteral("json"));
-    FileKind kind = FileKind::unknown;
-    Problem problem = findKind(name, kind);
-    switch (kind) {
-        case FileKind::assembly:
-            problem = showAssembly(name, asJson, console.out);
-            break;
-        case FileKind::axis:
-            problem = showAxis(name, asJson, console.out);
-            break;
-        case FileKind::machineContext:
-            problem = showContext(name, asJson, console.out);
-            break;
-        case FileKind::unknown:
-            break;
-    }
-    return problem ? report(name, problem, console) : done;
+    TextForm form;
+    const QString mistake = readTextForm(call, console, form);
+    if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("show"), mistake);
+    const QStringList names = call.positionalArguments();
+    Show files(names.size(), call.isSet(QStringLiteral("json")), form, console.out);
+    const ExitStatus status =
+        printEachFile(names, console, [&](const QString& name) { return files.show(name); });
+    files.end();
+    return status;
 }
 
 }  // namespace
@@ -67,12 +96,16 @@ ExitStatus show(const QCommandLineParser& call, const Console& console) {
 CommandGroup showCommand() {
     Command command;
     command.name = QStringLiteral("show");
-    command.arguments = QStringLiteral("[--json] FILE");
+    command.arguments = QStringLiteral("[--json] [--color=WHEN] FILE...");
     command.summary = QStringLiteral("Show an assembly, an axis file or a machine context");
-    command.details = QStringLiteral("The content of the file decides its kind.\n");
+    command.details = QStringLiteral(
+        "The content of the file decides its kind. \"-\" is standard input. A file that\n"
+        "cannot be read is reported, the others are shown; the exit status is then 2.\n");
     command.examples += QStringLiteral("trvfiles show bracket.xml");
     command.examples += QStringLiteral("trvfiles show --json bracket-left.mctx");
-    command.options = {jsonOption()};
+    command.examples += QStringLiteral("trvfiles show bracket.xml table-a30.dat bracket-left.mctx");
+    command.options = {jsonOption(), colorOption()};
+    command.maxFiles = Command::anyNumber;
     command.run = show;
     return {command};
 }

@@ -16,7 +16,9 @@ namespace {
 QByteArray bytesOf(const QString& name) {
     constexpr int blockSize = 65536;
     constexpr int maxSize = 64 << 20;
-    const auto file = openForRead(resolved(name), platform::file_mode::binary);
+    QString path;
+    if (readablePath(name, path)) return {};
+    const auto file = openForRead(path, platform::file_mode::binary);
     if (file == nullptr) return {};
     QByteArray bytes;
     for (;;) {

@@ -5,6 +5,8 @@
 ///
 /// Threads: any.
 
+#include <cli/output_buffer.h>
+
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
@@ -37,6 +39,10 @@ QString shown(const std::string& narrow);
 /// texts may be printed the same.
 QString shownUnquoted(const QString& text);
 
+/// As shown(), in UTF-8 for many texts: a text of plain ASCII is appended without a
+/// conversion.
+void appendShown(std::string& out, const std::string& narrow);
+
 /// The whole text if it has at most `maxLength` code units, else its beginning of that length and
 /// "...".
 QString beginningOf(const QString& text, int maxLength);
@@ -52,22 +58,38 @@ QJsonArray jsonNumbers(const double* values, int count);
 /// in memory first. Escapes like printJson().
 class JsonWriter {
 public:
-    /// @param out  has to live as long as the writer
+    /// @param out  has to live as long as the writer. It has the whole text after end()
     explicit JsonWriter(std::ostream& out);
 
     void add(const char* key, const QJsonValue& value);
+    /// Adds each member of an object.
+    void addAll(const QJsonObject& object);
 
-    /// Starts an array as the next member. Calls of addElement() and then endArray() follow.
+    // These are faster than add(), which builds a document for each value.
+    void addText(const char* key, const std::string& narrow);
+    void addUtf8(const char* key, const std::string& text);
+    void addInteger(const char* key, long long value);
+    void addBoolean(const char* key, bool value);
+    void addNull(const char* key);
+    /// An array of numbers in the form of jsonNumber().
+    void addNumbers(const char* key, const double* values, int count);
+
+    /// Starts an array as the next member. Calls of addElement() or beginObject() and then
+    /// endArray() follow.
     void beginArray(const char* key);
     void addElement(const QJsonValue& value);
+    /// Starts an object as the next element. Its members and then endObject() follow.
+    void beginObject();
+    void endObject();
     void endArray();
 
     void end();
 
 private:
     void separate();
+    void beginMember(const char* key);
 
-    std::ostream& out_;
+    OutputBuffer out_;
     bool isFirst_ = true;
 };
 

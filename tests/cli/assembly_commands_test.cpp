@@ -4,9 +4,6 @@
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <gtest/gtest.h>
 
 namespace trv::testing {
@@ -30,67 +27,6 @@ protected:
 
     TemporaryDirectory directory_;
 };
-
-TEST_F(AssemblyCommands, TreePrintsTheComponents) {
-    const Answer answer = answerTo(words("assembly tree") + QStringList(file("a", setupXml)));
-    EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out,
-              "Setup, at 10 0 0\n"
-              "  Vise: vise, small.stl, at 0 5 0.1 -- left, \"old\"\n"
-              "  Part (disabled): part.stl, at 0 0 0, axes 0 1 0 / -1 0 0 / 0 0 1\n");
-}
-
-TEST_F(AssemblyCommands, TreePrintsAFileOfMaxDepth) {
-    const Answer answer =
-        answerTo(words("assembly tree") + QStringList(file("a", chainXml(999, "f"))));
-    EXPECT_EQ(answer.status, 0);
-    const std::string last = "\n" + std::string(2 * 998, ' ') + "L: f, at 0 0 0\n";
-    EXPECT_EQ(answer.out.substr(answer.out.size() - last.size()), last);
-}
-
-TEST_F(AssemblyCommands, ListPrintsThePlacedFiles) {
-    const Answer answer = answerTo(words("assembly list") + QStringList(file("a", setupXml)));
-    EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, "vise, small.stl, at 10 5 0.1, axes 1 0 0 / 0 1 0 / 0 0 1\n");
-}
-
-TEST_F(AssemblyCommands, ListPrintsCsv) {
-    const Answer answer = answerTo(words("assembly list --csv") + QStringList(file("a", setupXml)));
-    EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out,
-              "file,x,y,z,vec1x,vec1y,vec1z,vec2x,vec2y,vec2z,vec3x,vec3y,vec3z\r\n"
-              "\"vise, small.stl\",10,5,0.1,1,0,0,0,1,0,0,0,1\r\n");
-}
-
-TEST_F(AssemblyCommands, ListPrintsJsonInFullPrecision) {
-    CTrvAssemblyData data = assembly(leaf("a", "f"));
-    const double translation[] = {0.1 + 0.2, 1e300, -1.0 / 3};
-    data.getRootComponent().setTranslation(translation);
-    const Answer answer =
-        answerTo(words("assembly list") + QStringList(file("a", data)) + words("--json"));
-    EXPECT_EQ(answer.status, 0);
-    const QJsonArray read = QJsonDocument::fromJson(QByteArray::fromStdString(answer.out))
-                                .object()
-                                .value(QStringLiteral("placements"))
-                                .toArray()
-                                .at(0)
-                                .toObject()
-                                .value(QStringLiteral("translation"))
-                                .toArray();
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(read.at(i).toDouble(), translation[i]);
-}
-
-TEST_F(AssemblyCommands, ListAcceptsOnlyOneForm) {
-    const Answer answer =
-        answerTo(words("assembly list --csv --json") + QStringList(file("a", setupXml)));
-    EXPECT_EQ(answer.status, 2);
-    EXPECT_EQ(answer.out, "");
-    EXPECT_EQ(answer.err,
-              "trvfiles assembly list: --json and --csv exclude each other\n"
-              "Try 'trvfiles assembly list --help'.\n");
-}
 
 TEST_F(AssemblyCommands, DiffOfEqualFilesIsDone) {
     const QString name = file("a", setupXml);
@@ -165,16 +101,6 @@ TEST_F(AssemblyCommands, DiffRequiresTwoFiles) {
     EXPECT_EQ(answerTo(words("assembly diff a b c")).err,
               "trvfiles assembly diff: 'c' is one file name too many\n"
               "Try 'trvfiles assembly diff --help'.\n");
-}
-
-TEST_F(AssemblyCommands, ReportThatAFileIsMissing) {
-    for (const char* command : {"assembly tree", "assembly list", "assembly list --json"}) {
-        const Answer answer = answerTo(words(command) + QStringList(path("missing")));
-        EXPECT_EQ(answer.status, 2);
-        EXPECT_EQ(answer.out, "");
-        EXPECT_EQ(answer.err, "trvfiles: " + path("missing").toStdString() +
-                                  ": eFileIOOpenError: No such file or directory\n");
-    }
 }
 
 }  // namespace

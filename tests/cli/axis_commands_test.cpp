@@ -63,6 +63,22 @@ TEST_F(AxisCommands, ShowReportsWhatIsWrong) {
                               ": eFileIOContentError: line 2: four numbers are expected\n");
 }
 
+TEST_F(AxisCommands, ShowPrintsTheFilesThatCanBeRead) {
+    const QStringList names = {file("a", identityAxis), path("missing"), file("b", identityAxis)};
+    const std::string a = path("a").toStdString();
+    const Answer answer = answerTo(words("axis show") + names);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.err, "trvfiles: " + path("missing").toStdString() +
+                              ": eFileIOOpenError: No such file or directory\n");
+    EXPECT_EQ(answer.out.find("Axis file " + a + "\n\nMatrix\n"), 0U);
+    EXPECT_NE(answer.out.find("none\n\nAxis file " + path("b").toStdString() + "\n\nMatrix\n"),
+              std::string::npos);
+    const std::string json = answerTo(words("axis show --json") + names).out;
+    EXPECT_EQ(json.find("{\"files\":[{\"file\":\"" + a + "\",\"identity\":true,"), 0U);
+    EXPECT_NE(json.find("},{\"file\":\"" + path("b").toStdString() + "\","), std::string::npos);
+    EXPECT_EQ(json.substr(json.size() - 4), "}]}\n");
+}
+
 TEST_F(AxisCommands, InvertWritesTheInverseWithTheTags) {
     const Answer answer =
         answerTo(words("axis invert") + QStringList({file("a", turnedAxis), path("b")}));

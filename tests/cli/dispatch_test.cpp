@@ -80,20 +80,23 @@ TEST(Dispatch, ExplainsAGroup) {
 
 TEST(Dispatch, ExplainsOneCommand) {
     const char* const text =
-        "Usage: trvfiles assembly list [--json | --csv] FILE\n"
+        "Usage: trvfiles assembly list [--json | --csv [--raw]] FILE...\n"
         "\n"
         "List the placed geometry files of an assembly.\n"
         "Prints a line for each placed file: its name, its translation and its three axis\n"
-        "vectors in the assembly's frame. Disabled components are left out.\n"
+        "vectors in the assembly's frame. Disabled components are left out. JSON and CSV\n"
+        "also have the path of the component. \"-\" is standard input. A file that cannot\n"
+        "be read is reported, the others are listed; the exit status is then 2.\n"
         "\n"
         "Options:\n"
         "  --json      Print JSON\n"
         "  --csv       Print comma-separated values with a header line\n"
+        "  --raw       Print texts like =A1 without a quote before them\n"
         "  -h, --help  Show this help\n"
         "\n"
         "Examples:\n"
         "  trvfiles assembly list bracket.xml\n"
-        "  trvfiles assembly list --csv bracket.xml\n";
+        "  trvfiles assembly list --csv bracket.xml bracket-rev-b.xml\n";
     EXPECT_EQ(answerTo(words("assembly list --help")).out, text);
     EXPECT_EQ(answerTo(words("help assembly list")).out, text);
     EXPECT_EQ(answerTo(words("assembly list -h a b c")).out, text);
@@ -195,16 +198,17 @@ TEST(Dispatch, CallsArgumentsByWhatTheyAre) {
     expectRefusal(words("env list a"),
                   "trvfiles env list: 'a' is one argument too many\n"
                   "Try 'trvfiles env list --help'.\n");
-    expectRefusal({QStringLiteral("show"), QStringLiteral("a"), QStringLiteral("%2")},
-                  "trvfiles show: '%2' is one file name too many\n"
-                  "Try 'trvfiles show --help'.\n");
+    expectRefusal(words("axis write a %2"),
+                  "trvfiles axis write: '%2' is one file name too many\n"
+                  "Try 'trvfiles axis write --help'.\n");
 }
 
 TEST(Dispatch, CountsTheFileNames) {
     expectRefusal(words("show"),
                   "trvfiles show: a file name is missing\nTry 'trvfiles show --help'.\n");
-    expectRefusal(words("show a b c"),
-                  "trvfiles show: 'b' is one file name too many\nTry 'trvfiles show --help'.\n");
+    expectRefusal(words("axis invert a b c d"),
+                  "trvfiles axis invert: 'c' is one file name too many\n"
+                  "Try 'trvfiles axis invert --help'.\n");
 }
 
 TEST(Dispatch, TreatsArgumentsAfterTwoDashesAsFileNames) {

@@ -66,6 +66,27 @@ TEST_F(InputFiles, ReportsOnTheErrorStreamAndFails) {
     EXPECT_EQ(err.str(), "trvfiles: a\\x09b: eFileIOOpenError: why\n");
 }
 
+TEST_F(InputFiles, NameStandardInputInTexts) {
+    EXPECT_EQ(displayName(QStringLiteral("-")).toStdString(), "standard input");
+    EXPECT_EQ(displayName(QStringLiteral("./-")).toStdString(), "./-");
+}
+
+TEST_F(InputFiles, AreReadUnderTheirOwnPath) {
+    QString readable;
+    EXPECT_FALSE(readablePath(file("a", ""), readable));
+    EXPECT_EQ(readable, path("a"));
+    EXPECT_FALSE(readablePath(path("missing"), readable));
+    EXPECT_EQ(readable, path("missing"));
+}
+
+TEST_F(InputFiles, WriteNoStandardInput) {
+    const QString name = QStringLiteral("-");
+    const std::string refusal = "eFileIOOpenError: standard input cannot be written";
+    EXPECT_EQ(text(writeAxis(name, {}, nullptr)), refusal);
+    EXPECT_EQ(text(writeContext(name, {})), refusal);
+    EXPECT_EQ(holdFile(name), nullptr);
+}
+
 TEST_F(InputFiles, FindsTheKindByContentWhateverTheName) {
     FileKind kind = FileKind::unknown;
     EXPECT_FALSE(findKind(file("a.ref", testing::setupXml), kind));
@@ -91,6 +112,8 @@ TEST_F(InputFiles, LooksIntoNoDevice) {
     const std::string refusal = "eFileIOOpenError: not a regular file";
     EXPECT_EQ(text(findKind(QStringLiteral("/dev/zero"), kind)), refusal);
     EXPECT_EQ(text(readAxis(QStringLiteral("/dev/zero"), axis)), refusal);
+    CTrvAssemblyData assembly;
+    EXPECT_EQ(text(readAssembly(QStringLiteral("/dev/zero"), assembly)), refusal);
 }
 
 TEST_F(InputFiles, ReportsMissingRights) {

@@ -24,17 +24,16 @@ TEST_F(ShowCommand, ShowsAnAssemblyWhateverItsName) {
     const Answer answer = show("a.ref", setupXml);
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out,
-              "Assembly file " + path("a.ref") +
-                  "\n\n"
-                  "Dimension         100 x 50 x 20.5\n"
-                  "Components        3\n"
-                  "Component number  2\n"
-                  "Placed files      1\n"
-                  "\n"
-                  "Setup, at 10 0 0\n"
-                  "  Vise: vise, small.stl, at 0 5 0.1 -- left, \"old\"\n"
-                  "  Part (disabled): part.stl, at 0 0 0, axes 0 1 0 / -1 0 0 / 0 0 1\n");
+    EXPECT_EQ(answer.out, "Assembly file " + path("a.ref") +
+                              "\n\n"
+                              "Dimension         100 x 50 x 20.5\n"
+                              "Components        3\n"
+                              "Component number  2\n"
+                              "Placed files      1\n"
+                              "\n"
+                              "Setup, at 10 0 0\n"
+                              u8"├── Vise: vise, small.stl, at 0 5 0.1 -- left, \"old\"\n"
+                              u8"└── Part (disabled): part.stl, at 0 0 0, turned 90° about z\n");
 }
 
 TEST_F(ShowCommand, ShowsAnAxisFileAsAxisShowDoes) {
@@ -66,7 +65,7 @@ TEST_F(ShowCommand, ShowsAMachineContextWhateverItsName) {
 
 TEST_F(ShowCommand, PrintsJsonOfEveryKind) {
     const QStringList json(QStringLiteral("--json"));
-    EXPECT_EQ(show("a", setupXml, json).out.substr(0, 19), "{\"componentNumber\":");
+    EXPECT_EQ(show("a", setupXml, json).out.substr(0, 18), "{\"componentCount\":");
     EXPECT_NE(show("a", setupXml, json).out.find("\"kind\":\"assembly\""), std::string::npos);
     EXPECT_NE(show("a", turnedAxis, json).out.find("\"kind\":\"axis\""), std::string::npos);
     EXPECT_NE(show("a", setupContext, json).out.find("\"kind\":\"machineContext\""),
@@ -97,6 +96,31 @@ TEST_F(ShowCommand, ReportsThePlaceOfAFault) {
     EXPECT_EQ(answer.out, "");
     EXPECT_EQ(answer.err, "trvfiles: " + path("a") +
                               ": eFileIOContentError: line 3: four numbers are expected\n");
+}
+
+TEST_F(ShowCommand, ShowsSeveralFilesAndReportsTheOthers) {
+    writeBytes(directory_ / "c", setupContext);
+    writeBytes(directory_ / "a", identityAxis);
+    const auto name = [this](const char* file) { return QString::fromStdString(path(file)); };
+    const Answer answer =
+        answerTo(words("show") + QStringList({name("c"), name("missing"), name("a")}));
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.err,
+              "trvfiles: " + path("missing") + ": eFileIOOpenError: No such file or directory\n");
+    EXPECT_EQ(answer.out.substr(0, 20), "Machine context file");
+    EXPECT_NE(answer.out.find("proximity  2.5\n\nAxis file " + path("a") + "\n\nMatrix\n"),
+              std::string::npos);
+    const Answer json = answerTo(words("show --json") + QStringList({name("a"), name("missing")}));
+    EXPECT_EQ(json.status, 2);
+    EXPECT_EQ(json.out.substr(0, 18), "{\"files\":[{\"file\":");
+    EXPECT_EQ(json.out.substr(json.out.size() - 4), "}]}\n");
+}
+
+TEST_F(ShowCommand, ColoursOnRequest) {
+    EXPECT_NE(
+        show("a", setupXml, words("--color=always")).out.find("\x1b[36mvise, small.stl\x1b[0m"),
+        std::string::npos);
+    EXPECT_EQ(show("a", setupXml, words("--color=red")).status, 2);
 }
 
 }  // namespace

@@ -215,6 +215,67 @@ TEST(JsonWriter, WritesMembersInTheirOrder) {
               "\"a\":false}\n");
 }
 
+TEST(JsonWriter, WritesObjectsInAnArray) {
+    std::ostringstream out;
+    const double numbers[] = {1, -0.5, std::nan("")};
+    JsonWriter json(out);
+    json.beginArray("a");
+    json.beginObject();
+    json.addInteger("b", -7);
+    json.addBoolean("c", true);
+    json.addNumbers("d", numbers, 3);
+    json.endObject();
+    json.beginObject();
+    json.endObject();
+    json.endArray();
+    json.addNull("e");
+    json.addAll({{QStringLiteral("g"), 1}, {QStringLiteral("f"), QStringLiteral("x")}});
+    json.end();
+    EXPECT_EQ(out.str(),
+              "{\"a\":[{\"b\":-7,\"c\":true,\"d\":[1,-0.5,\"nan\"]},{}],\"e\":null,"
+              "\"f\":\"x\",\"g\":1}\n");
+}
+
+TEST(JsonWriter, EscapesTextsLikeAnyOtherValue) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.addText("a", "plain 'text' ~");
+    json.addText("b", u8"Ø \"q\" \\ \n\x1b\u202e");
+    json.addUtf8("c", u8"Ø \"q\" \\ \n\x1b\u202e");
+    json.end();
+    EXPECT_EQ(out.str(),
+              u8"{\"a\":\"plain 'text' ~\",\"b\":\"Ø \\\"q\\\" \\\\ \\n\\u001b\\u202e\","
+              u8"\"c\":\"Ø \\\"q\\\" \\\\ \\n\\u001b\\u202e\"}\n");
+}
+
+// One member is written by addText(), the other by way of a document.
+TEST(JsonWriter, WritesTheSameStringsAsQt) {
+    std::string texts;
+    for (char c = 1; c != 0x7F; ++c)
+        texts += c;
+    texts +=
+        u8"\u007f\u0085\u00ff\u0100\u07ff\u0800\u20ac\u200b\ufeff\uffff\U00010000\U000e0041"
+        u8"\U0010ffff";
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.addText("a", texts);
+    json.add("a", QString::fromStdString(texts));
+    json.end();
+    const std::string text = out.str();
+    const std::size_t middle = (text.size() - 2) / 2;
+    EXPECT_EQ(text.substr(1, middle - 1), text.substr(middle + 1, middle - 1));
+    EXPECT_EQ(text[middle], ',');
+    EXPECT_NE(text.find("\\b\\t\\n\\u000b\\f\\r\\u000e"), std::string::npos);
+}
+
+TEST(AppendShown, AppendsTheTextOfShown) {
+    for (const char* text : {"", "plain ~", "a\\b", "a\tb", u8"Ø\u202e€\U0001f600\U000e0041"}) {
+        std::string appended = "x";
+        appendShown(appended, text);
+        EXPECT_EQ(appended, "x" + shown(std::string(text)).toStdString());
+    }
+}
+
 TEST(JsonWriter, WritesAnObjectWithoutMembers) {
     std::ostringstream out;
     JsonWriter(out).end();

@@ -1,0 +1,78 @@
+// The library's part of the work of the command: a program that only calls the library. It also
+// writes the sample assembly. For scripts/command-performance.
+//
+// Usage: library_calls write FILE LEAVES
+//        library_calls read FILE...
+//        library_calls flatten FILE
+
+#include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/facade/CQvFilesIO.h>
+
+#include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+CTrvAssemblyComponentData leaf(int number) {
+    const double angle = 0.001 * number;
+    const double translation[] = {0.1 * number, -0.25 * number, 1.0 / (number + 1)};
+    const double vec1[] = {std::cos(angle), std::sin(angle), 0};
+    const double vec2[] = {-std::sin(angle), std::cos(angle), 0};
+    const double vec3[] = {0, 0, 1};
+    CTrvAssemblyComponentData component;
+    component.setName("Part " + std::to_string(number));
+    component.setComment("clamped at " + std::to_string(number % 7));
+    component.setGeometryFileName("geometry/part-" + std::to_string(number % 500) + ".stl");
+    component.setTranslation(translation);
+    component.setOrientation(vec1, vec2, vec3);
+    return component;
+}
+
+// Groups of 100 leaves, every one of which is turned.
+CTrvAssemblyData sample(int leaves) {
+    constexpr int leavesOfGroup = 100;
+    std::vector<CTrvAssemblyComponentData> groups;
+    for (int first = 0; first < leaves; first += leavesOfGroup) {
+        std::vector<CTrvAssemblyComponentData> group;
+        for (int number = first; number < leaves && number < first + leavesOfGroup; ++number)
+            group.push_back(leaf(number));
+        groups.emplace_back().setName("Group " + std::to_string(groups.size()));
+        groups.back().setComponents(std::move(group));
+    }
+    CTrvAssemblyData assembly;
+    assembly.getRootComponent().setName("Set-up");
+    assembly.getRootComponent().setComponents(std::move(groups));
+    return assembly;
+}
+
+int fail(const char* reason) {
+    std::cerr << "library_calls: " << reason << '\n';
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments.size() < 2) return fail("an argument is missing");
+    const auto wide = [](const std::string& file) { return std::filesystem::path(file).wstring(); };
+    if (arguments[0] == "write" && arguments.size() == 3) {
+        const CTrvAssemblyData assembly = sample(std::stoi(arguments[2]));
+        if (CQvFilesIO::sWriteTrvAssembly(wide(arguments[1]), assembly) == eFileIOSuccess) return 0;
+        return fail("the file cannot be written");
+    }
+    std::vector<CTrvAssemblyData> assemblies(arguments.size() - 1);
+    for (std::size_t i = 0; i < assemblies.size(); ++i) {
+        if (CQvFilesIO::sReadTrvAssembly(wide(arguments[i + 1]), assemblies[i]) != eFileIOSuccess) {
+            return fail("the file cannot be read");
+        }
+    }
+    if (arguments[0] == "flatten") return assemblies[0].getComponentFileList().empty() ? 1 : 0;
+    return arguments[0] == "read" ? 0 : fail("unknown call");
+}
