@@ -16,9 +16,9 @@ struct Explanation {
     Subject subject;
     Value value;
     Definitions definitions;
-    /// The expanded value, with a line for each lookup. Only set if the value has references.
+    /// The expanded value, and each lookup. Only set if the value has references.
     Expansion expansion;
-    std::vector<std::string> lookups;
+    std::vector<Lookup> lookups;
 
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
@@ -31,22 +31,28 @@ Explanation explanationOf(const Subject& subject) {
     if (explanation.refersToOthers()) {
         explanation.expansion = expand(
             explanation.value.text, false,
-            [&](const lookup_event& lookup) { explanation.lookups.push_back(event_text(lookup)); });
+            [&](const lookup_event& event) { explanation.lookups.push_back(lookupOf(event)); });
     }
     return explanation;
 }
 
-// The rule of the runtime by which this value was chosen.
-QString reasonText(const Explanation& explanation) {
+// The rule of the runtime by which a value was chosen.
+struct Reason {
+    const char* name;
+    const char* text;
+};
+
+Reason reasonOf(const Explanation& explanation) {
     const std::size_t definitions = explanation.definitions.inOrder.size();
-    if (explanation.value.origin.empty())
-        return QStringLiteral("the temporary directory of the work zone");
-    if (explanation.value.fromEnvironment) {
-        return definitions == 0 ? QStringLiteral("the installation does not define it")
-                                : QStringLiteral("the process environment goes before all files");
+    if (explanation.value.origin.kind == Origin::Kind::workZone) {
+        return {"workZone", "the temporary directory"};
     }
-    if (definitions > 1) return QStringLiteral("the definition that was read last wins");
-    return QStringLiteral("the only definition that counts");
+    if (explanation.value.isFromEnvironment()) {
+        if (definitions == 0) return {"notInFiles", "the installation does not define it"};
+        return {"environmentFirst", "the process environment goes before all files"};
+    }
+    if (definitions > 1) return {"lastDefinition", "the definition that was read last wins"};
+    return {"onlyDefinition", "the only definition that counts"};
 }
 
 // The value before a definition. It is cut if it is long: each definition of a list shows more of
@@ -66,8 +72,8 @@ void printDefinitions(const char* title, const History& definitions, bool all, s
     if (definitions.size() == 0) return;
     out << '\n' << title << '\n';
     const auto show = [&](const Definition& definition) {
-        QString text =
-            QStringLiteral("  %1\n    %2\n").arg(shown(definition.entry), shown(definition.origin));
+        QString text = QStringLiteral("  %1\n    %2\n")
+                           .arg(shown(definition.entry), originText(definition.origin));
         if (definition.extends) {
             text += QStringLiteral("    %1\n").arg(extendedText(definition, all));
         }
@@ -78,41 +84,55 @@ void printDefinitions(const char* title, const History& definitions, bool all, s
     });
 }
 
+QString lookupText(const Lookup& lookup) {
+    const QString name = shown(lookup.subject.text());
+    if (!lookup.value.isDefined) return QStringLiteral("%1 is not defined").arg(name);
+    return QStringLiteral("%1 = %2  (%3)")
+        .arg(name, shown(lookup.value.text), originText(lookup.value.origin));
+}
+
 void printExpansion(const Explanation& explanation, std::ostream& out) {
     const Expansion& expansion = explanation.expansion;
     const QString result = is_expand_error(expansion.code)
                                ? codeText(expansion.code)
                                : QLatin1String("= ") + shown(expansion.text);
     out << qUtf8Printable(QStringLiteral("\nExpanded\n  %1\n").arg(result));
-    for (const std::string& lookup : explanation.lookups)
-        out << qUtf8Printable(QStringLiteral("    %1\n").arg(shown(lookup)));
+    for (const Lookup& lookup : explanation.lookups)
+        out << qUtf8Printable(QStringLiteral("    %1\n").arg(lookupText(lookup)));
 }
 
 void printText(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
-    const QString reason = reasonText(explanation);
-    out << qUtf8Printable(
-        QStringLiteral("%1 = %2\n%3\n")
-            .arg(shown(explanation.subject.text()), shown(value.text),
-                 value.origin.empty() ? reason
-                                      : QStringLiteral("%1: %2").arg(shown(value.origin), reason)));
+    out << qUtf8Printable(QStringLiteral("%1 = %2\n%3: %4\n")
+                              .arg(shown(explanation.subject.text()), shown(value.text),
+                                   originText(value.origin),
+                                   QString::fromLatin1(reasonOf(explanation).text)));
     printDefinitions("Definitions, oldest first", explanation.definitions.inOrder, all, out);
     printDefinitions("Never looked at", explanation.definitions.hidden, all, out);
     if (explanation.refersToOthers()) printExpansion(explanation, out);
 }
 
 QJsonObject json(const Definition& definition) {
-    const bool isFromFile = !definition.file.empty();
     const bool isKnown = definition.extends && !definition.isBeyondLimits;
-    return {
+    QJsonObject object = {
         {QStringLiteral("entry"), fromNarrow(definition.entry)},
-        {QStringLiteral("file"),
-         isFromFile ? QJsonValue(fromNarrow(definition.file)) : QJsonValue()},
-        {QStringLiteral("line"), isFromFile ? QJsonValue(definition.line) : QJsonValue()},
         {QStringLiteral("extends"), definition.extends},
         {QStringLiteral("extended"),
          isKnown ? QJsonValue(fromNarrow(definition.extended)) : QJsonValue()},
     };
+    addOrigin(definition.origin, object);
+    return object;
+}
+
+QJsonObject json(const Lookup& lookup) {
+    const Value& value = lookup.value;
+    QJsonObject object = {
+        {QStringLiteral("name"), fromNarrow(lookup.subject.text())},
+        {QStringLiteral("value"),
+         value.isDefined ? QJsonValue(fromNarrow(value.text)) : QJsonValue()},
+    };
+    if (value.isDefined) addOrigin(value.origin, object);
+    return object;
 }
 
 // Element by element: the array of a long history is never in memory as a whole.
@@ -133,22 +153,26 @@ QJsonValue expandedJson(const Explanation& explanation) {
 // The keys are in alphabetical order, as QJsonDocument writes those of the other commands.
 void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
+    QJsonObject origin;
+    addOrigin(value.origin, origin);
     JsonWriter json(out);
     json.add("defined", value.isDefined);
     if (value.isDefined) {
         writeDefinitions("definitions", explanation.definitions.inOrder, all, json);
         json.add("expanded", expandedJson(explanation));
-        json.add("fromEnvironment", value.fromEnvironment);
+        json.add("file", origin.value(QStringLiteral("file")));
+        json.add("fromEnvironment", value.isFromEnvironment());
         writeDefinitions("hidden", explanation.definitions.hidden, all, json);
+        json.add("line", origin.value(QStringLiteral("line")));
         json.beginArray("lookups");
-        for (const std::string& lookup : explanation.lookups)
-            json.addElement(fromNarrow(lookup));
+        for (const Lookup& lookup : explanation.lookups)
+            json.addElement(cli::json(lookup));
         json.endArray();
     }
     json.add("name", fromNarrow(explanation.subject.text()));
     if (value.isDefined) {
-        json.add("origin", fromNarrow(value.origin));
-        json.add("reason", reasonText(explanation));
+        json.add("origin", origin.value(QStringLiteral("origin")));
+        json.add("reason", QString::fromLatin1(reasonOf(explanation).name));
         json.add("value", fromNarrow(value.text));
     }
     json.end();

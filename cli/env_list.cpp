@@ -19,19 +19,19 @@ void forEachVariable(const VariableNames& names, Take take) {
 
 // A text without "=" ends the walk of for_each_variable() in a program. Such an error is hard to
 // find.
-void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
-    for (const std::string& origin : otherTexts) {
+void warnOf(const std::vector<Origin>& otherTexts, std::ostream& err) {
+    for (const Origin& origin : otherTexts) {
         err << qUtf8Printable(
-            QStringLiteral("trvfiles: warning: there is no \"=\" in the variable %1\n")
-                .arg(shown(origin)));
+            QStringLiteral("trvfiles: warning: %1: there is no \"=\" in the variable\n")
+                .arg(originText(origin)));
     }
 }
 
 void printText(const VariableNames& names, bool withOrigin, std::ostream& out) {
     forEachVariable(names, [&](const std::string& name, const Value& value) {
         QString line = QStringLiteral("%1 = %2").arg(shown(name), shown(value.text));
-        if (withOrigin || value.fromEnvironment) {
-            line += QStringLiteral("  (%1)").arg(shown(value.origin));
+        if (withOrigin || value.isFromEnvironment()) {
+            line += QStringLiteral("  (%1)").arg(originText(value.origin));
         }
         out << qUtf8Printable(line) << '\n';
     });
@@ -41,12 +41,13 @@ void printJson(const VariableNames& names, std::ostream& out) {
     JsonWriter json(out);
     json.beginArray("variables");
     forEachVariable(names, [&](const std::string& name, const Value& value) {
-        json.addElement(QJsonObject{
+        QJsonObject object = {
             {QStringLiteral("name"), fromNarrow(name)},
             {QStringLiteral("value"), fromNarrow(value.text)},
-            {QStringLiteral("origin"), fromNarrow(value.origin)},
-            {QStringLiteral("fromEnvironment"), value.fromEnvironment},
-        });
+            {QStringLiteral("fromEnvironment"), value.isFromEnvironment()},
+        };
+        addOrigin(value.origin, object);
+        json.addElement(object);
     });
     json.endArray();
     json.end();

@@ -33,16 +33,36 @@ int numberOf(const store_section* section, const Subject& subject) {
     return section->find_live_entry(environment_store()->texts, subject.name, false);
 }
 
-std::string originOf(const Subject& subject, const char* value) {
-    const auto describe = subject.isPath ? describe_path_origin : describe_variable_origin;
-    char origin[originSize];
-    if (describe(origin, sizeof origin, subject.name.c_str(), value) == 0) return origin;
-    if (isTemporaryDirectory(subject)) return {};
-    // A value that extends another one lies outside the store, in the buffer of resolved values.
-    // Its entry has the origin.
+// The name of the variable of the process environment whose value a lookup returns.
+std::string variableOf(const Subject& subject) {
+    if (isTemporaryDirectory(subject)) return "TRVTMPDIR";
+    return subject.isPath ? subject.name + "PATH" : subject.name;
+}
+
+// @param description  the runtime's description of the origin, which distinguishes values of the
+//                     process environment. The store has the others: a value that extends another
+//                     one is in no text of the store, but its entry is.
+Origin originOf(const Subject& subject, std::string_view description) {
+    Origin origin;
+    if (description.substr(0, environmentOrigin.size()) == environmentOrigin) {
+        origin.kind = Origin::Kind::environment;
+        origin.variable = variableOf(subject);
+        return origin;
+    }
+    if (isTemporaryDirectory(subject)) {
+        origin.kind = Origin::Kind::workZone;
+        return origin;
+    }
     const store_section* section = sectionOf(subject);
     const int number = numberOf(section, subject);
-    return number < 0 ? "" : environment_store()->texts.origin(section->text(number));
+    return number < 0 ? origin : cli::originOf(*environment_store(), section->text(number));
+}
+
+std::string descriptionOf(const Subject& subject, const char* value) {
+    const auto describe = subject.isPath ? describe_path_origin : describe_variable_origin;
+    char origin[originSize];
+    describe(origin, sizeof origin, subject.name.c_str(), value);
+    return origin;
 }
 
 }  // namespace
@@ -63,10 +83,17 @@ Value lookUp(const Subject& subject) {
     Value value;
     value.isDefined = true;
     value.text = found;
-    value.origin = originOf(subject, found);
-    value.fromEnvironment =
-        value.origin.compare(0, environmentOrigin.size(), environmentOrigin) == 0;
+    value.origin = originOf(subject, descriptionOf(subject, found));
     return value;
+}
+
+Lookup lookupOf(const lookup_event& event) {
+    Lookup lookup = {{event.marker == '?', event.name}, {}};
+    if (event.value == nullptr) return lookup;
+    lookup.value.isDefined = true;
+    lookup.value.text = *event.value;
+    lookup.value.origin = originOf(lookup.subject, event.origin);
+    return lookup;
 }
 
 Definitions definitionsOf(const Subject& subject) {
@@ -96,7 +123,7 @@ VariableNames variableNames() {
     for (int number = 0; number < section->message_count(); ++number) {
         const std::string_view text = texts.at(section->text(number));
         if (!is_entry(text)) {
-            found.otherTexts.push_back(texts.origin(section->text(number)));
+            found.otherTexts.push_back(originOf(*environment_store(), section->text(number)));
         } else if (known.insert(fold_case(entry_name(text))).second) {
             found.names.emplace_back(entry_name(text));
         }

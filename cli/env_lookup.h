@@ -6,6 +6,8 @@
 /// All texts are narrow ones, as the runtime has them.
 
 #include <cli/env_history.h>
+#include <cli/env_origin.h>
+#include <trvfiles/environment/runtime_observer.h>
 
 #include <string>
 #include <vector>
@@ -30,15 +32,24 @@ bool isTemporaryDirectory(const Subject& subject);
 
 struct Value {
     bool isDefined = false;
-    bool fromEnvironment = false;
     std::string text;
-    /// "from 'FILE' line N", "from environment" or "set by program"; empty for a temporary
-    /// directory that was computed.
-    std::string origin;
+    Origin origin;
+
+    bool isFromEnvironment() const { return origin.kind == Origin::Kind::environment; }
 };
 
 /// The value that a program gets.
 Value lookUp(const Subject& subject);
+
+/// A reference that was looked up in an expansion. `value` is as it is stored, before the
+/// references in it are expanded.
+struct Lookup {
+    Subject subject;
+    Value value;
+};
+
+/// A copy of the event, with the origin of the value.
+Lookup lookupOf(const lookup_event& event);
 
 struct Definitions {
     /// Each one replaces the one before; the last one counts.
@@ -55,7 +66,7 @@ struct VariableNames {
     std::vector<std::string> names;
     /// The origins of texts without "=", which are not variables. A walk by for_each_variable()
     /// ends at the first one.
-    std::vector<std::string> otherTexts;
+    std::vector<Origin> otherTexts;
 };
 
 /// The contents of section `var`.

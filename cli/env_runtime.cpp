@@ -1,3 +1,4 @@
+#include <cli/env_origin.h>
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
@@ -64,6 +65,15 @@ void takeTrace(const char* message) {
 
 void printError(const QString& text, const Console& console) {
     console.err << qUtf8Printable(QStringLiteral("trvfiles: %1\n").arg(text));
+}
+
+// A fault in a configuration file begins with its place, any other report is the runtime's text.
+QString textOf(const RuntimeMessages::Report& report) {
+    if (!report.fault) return shown(report.text);
+    const RuntimeMessages::Fault& fault = *report.fault;
+    const QString file = shown(nativeSpelling(fault.file));
+    if (fault.line < 1) return QStringLiteral("%1: %2").arg(file, shown(fault.text));
+    return QStringLiteral("%1:%2: %3").arg(file, QString::number(fault.line), shown(fault.text));
 }
 
 // Sets the root of the process to that of the call, if the call has one.
@@ -155,7 +165,7 @@ bool printReports(const std::vector<RuntimeMessages::Report>& reports, const Con
     bool fatal = false;
     for (const RuntimeMessages::Report& report : reports) {
         fatal = fatal || report.fatal;
-        const QString text = shown(report.text);
+        const QString text = textOf(report);
         printError(report.fatal ? text : QStringLiteral("warning: %1").arg(text), console);
     }
     return fatal;

@@ -73,8 +73,8 @@ TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
     EXPECT_EQ(run({"messages", "a.msg"}), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(),
-              "trvfiles: load_messages: file 'a.msg', line 3 : Unknown keyword : '/frob'\n"
-              "trvfiles: load_messages: file 'a.msg', line 0 : Error loading file.\n");
+              "trvfiles: a.msg:3: Unknown keyword : '/frob'\n"
+              "trvfiles: a.msg: Error loading file.\n");
 }
 
 // Opening a pipe without a writer would never return.
@@ -91,8 +91,7 @@ TEST_F(EnvMessages, ShowsAFileWithWarnings) {
     write("a.msg", "[one]\n" + std::string(1023, 'x') + "\n");
     EXPECT_EQ(run({"messages", "a.msg"}), 0);
     EXPECT_EQ(out(), "[one]\n  line 2  0  " + std::string(1023, 'x') + "\n");
-    EXPECT_EQ(err(),
-              "trvfiles: warning: load_messages: file 'a.msg', line 2 : Input line too long\n");
+    EXPECT_EQ(err(), "trvfiles: warning: a.msg:2: Input line too long\n");
 }
 
 }  // namespace

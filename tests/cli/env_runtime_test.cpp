@@ -127,13 +127,10 @@ TEST_F(EnvCommand, EndsWithWhatIsFatalAtTheStart) {
     write("shop/config/environ.cfg", "[var]\n/frob\n");
     EXPECT_EQ(run({"explain", "CELL"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(
-        err(),
-        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 2 : Unknown "
-        "keyword : '/frob'\n"
-        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 0 : Error "
-        "loading file.\n"
-        "trvfiles: Error loading '/opt/shop\\\\config\\\\environ.cfg'\n");
+    EXPECT_EQ(err(),
+              "trvfiles: /opt/shop/config/environ.cfg:2: Unknown keyword : '/frob'\n"
+              "trvfiles: /opt/shop/config/environ.cfg: Error loading file.\n"
+              "trvfiles: Error loading '/opt/shop\\\\config\\\\environ.cfg'\n");
 }
 
 TEST_F(EnvCommand, ShowsNoResultsBesideAFatalReport) {
@@ -149,8 +146,8 @@ TEST_F(EnvCommand, WarnsOfWhatIsNotFatalAtTheStart) {
     EXPECT_EQ(out(), "4\n");
     EXPECT_EQ(
         err(),
-        "trvfiles: warning: load_messages: [file '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 2] "
-        "Warning - incorrect format (missing '='): [var] no entry\n");
+        "trvfiles: warning: /opt/shop/cell/environ.cfg:2: incorrect format (missing '='): [var] no "
+        "entry\n");
 }
 
 TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {
