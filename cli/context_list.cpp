@@ -63,17 +63,17 @@ QStringList contextsIn(const QString& directory) {
     return paths;
 }
 
-void printDefault(const QString& file, int position, bool asJson, std::ostream& out) {
+void printDefault(const QString& file, int position, bool asJson, const Console& console) {
     const bool isThere = !file.isEmpty();
     if (asJson) {
         printJson({{QStringLiteral("file"), isThere ? QJsonValue(file) : QJsonValue()},
                    {QStringLiteral("position"), isThere ? QJsonValue(position) : QJsonValue()}},
-                  out);
+                  console.out);
     } else if (isThere) {
-        out << qUtf8Printable(
-            QStringLiteral("%1: position %2\n").arg(shown(file), QString::number(position)));
+        console.out << qUtf8Printable(shown(file)) << '\n';
     } else {
-        out << "There is no default context\n";
+        console.err << "trvfiles: there is no default context: no name has a machine position, "
+                       "such as [MACHINE_POSITION_1].mctx\n";
     }
 }
 
@@ -98,7 +98,7 @@ ExitStatus choose(const QCommandLineParser& call, const Console& console) {
     const bool isFound =
         CMachineContextUtils::sGetDefaultMachineContext(std::move(names), index, position);
     printDefault(isFound ? files.at(index) : QString(), position,
-                 call.isSet(QStringLiteral("json")), console.out);
+                 call.isSet(QStringLiteral("json")), console);
     return isFound ? done : negative;
 }
 
@@ -128,9 +128,10 @@ Command contextDefaultCommand() {
     command.arguments = QStringLiteral("[--json] FILE... | DIR");
     command.summary = QStringLiteral("Show which machine context is the default one");
     command.details = QStringLiteral(
-        "Among the files, or the context files in DIR, this is the one with the highest\n"
-        "machine position in its name, for example [MACHINE_POSITION_2].mctx. Exit\n"
-        "status: 0 there is one, 1 there is none, 2 an error.\n");
+        "Prints its path. Among the files, or the context files in DIR, it is the one\n"
+        "with the highest machine position in its name, for example\n"
+        "[MACHINE_POSITION_2].mctx. Exit status: 0 there is one, 1 there is none, 2 an\n"
+        "error.\n");
     command.examples += QStringLiteral("trvfiles context default .");
     command.options = {jsonOption()};
     command.maxFiles = Command::anyNumber;

@@ -1,5 +1,7 @@
 #include <cli/env_expansion.h>
+#include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <utility>
 
@@ -56,6 +58,22 @@ void UndefinedReferences::add(const lookup_event& lookup) {
     if (lookup.value != nullptr) return;
     std::string reference = lookup.marker + lookup.name;
     if (known_.insert(reference).second) inOrder_.push_back(std::move(reference));
+}
+
+void printFailure(const QString& text, const QString& reason, const Console& console) {
+    console.err << qUtf8Printable(
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(text), shown(reason)));
+}
+
+void printUndefined(const QString& text, const UndefinedReferences& references,
+                    const Console& console) {
+    // Every line repeats the text, so a long one is cut.
+    constexpr int maxLength = 200;
+    const QString beginning = beginningOf(text, maxLength);
+    for (const std::string& reference : references.inOrder()) {
+        printFailure(beginning, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
+                     console);
+    }
 }
 
 QString codeText(int code) {

@@ -3,6 +3,7 @@
 /// @file
 /// The expansion of a text, with the lookups that it makes.
 
+#include <cli/command.h>
 #include <cli/env_observer.h>
 
 #include <QString>
@@ -41,6 +42,13 @@ private:
     std::vector<std::string> inOrder_;
     std::unordered_set<std::string> known_;
 };
+
+/// Prints what is wrong with a text that is expanded or searched for.
+void printFailure(const QString& text, const QString& reason, const Console& console);
+
+/// The same with a line for each reference.
+void printUndefined(const QString& text, const UndefinedReferences& references,
+                    const Console& console);
 
 /// The human-readable status of an expansion or a search: "EXP_SYNTAX_ERROR (-31): ...".
 QString codeText(int code);

@@ -84,13 +84,6 @@ void printDefinitions(const char* title, const History& definitions, bool all, s
     });
 }
 
-QString lookupText(const Lookup& lookup) {
-    const QString name = shown(lookup.subject.text());
-    if (!lookup.value.isDefined) return QStringLiteral("%1 is not defined").arg(name);
-    return QStringLiteral("%1 = %2  (%3)")
-        .arg(name, shown(lookup.value.text), originText(lookup.value.origin));
-}
-
 void printExpansion(const Explanation& explanation, std::ostream& out) {
     const Expansion& expansion = explanation.expansion;
     const QString result = is_expand_error(expansion.code)
@@ -121,17 +114,6 @@ QJsonObject json(const Definition& definition) {
          isKnown ? QJsonValue(fromNarrow(definition.extended)) : QJsonValue()},
     };
     addOrigin(definition.origin, object);
-    return object;
-}
-
-QJsonObject json(const Lookup& lookup) {
-    const Value& value = lookup.value;
-    QJsonObject object = {
-        {QStringLiteral("name"), fromNarrow(lookup.subject.text())},
-        {QStringLiteral("value"),
-         value.isDefined ? QJsonValue(fromNarrow(value.text)) : QJsonValue()},
-    };
-    if (value.isDefined) addOrigin(value.origin, object);
     return object;
 }
 
@@ -166,7 +148,7 @@ void printJson(const Explanation& explanation, bool all, std::ostream& out) {
         json.add("line", origin.value(QStringLiteral("line")));
         json.beginArray("lookups");
         for (const Lookup& lookup : explanation.lookups)
-            json.addElement(cli::json(lookup));
+            json.addElement(lookupJson(lookup));
         json.endArray();
     }
     json.add("name", fromNarrow(explanation.subject.text()));
@@ -192,7 +174,8 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
         } else if (isDefined) {
             printText(explanation, all, console.out);
         } else {
-            console.out << qUtf8Printable(shown(subject.text())) << " is not defined\n";
+            console.err << qUtf8Printable(
+                QStringLiteral("trvfiles: %1 is not defined\n").arg(shown(subject.text())));
         }
         return isDefined ? done : negative;
     });

@@ -1,9 +1,11 @@
 #include <cli/env_lookup.h>
+#include <cli/text_output.h>
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/path_text.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/ascii_case.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <string_view>
 #include <unordered_set>
@@ -94,6 +96,24 @@ Lookup lookupOf(const lookup_event& event) {
     lookup.value.text = *event.value;
     lookup.value.origin = originOf(lookup.subject, event.origin);
     return lookup;
+}
+
+QString lookupText(const Lookup& lookup) {
+    const QString name = shown(lookup.subject.text());
+    if (!lookup.value.isDefined) return QStringLiteral("%1 is not defined").arg(name);
+    return QStringLiteral("%1 = %2  (%3)")
+        .arg(name, shown(lookup.value.text), originText(lookup.value.origin));
+}
+
+QJsonObject lookupJson(const Lookup& lookup) {
+    const Value& value = lookup.value;
+    QJsonObject object = {
+        {QStringLiteral("name"), fromNarrow(lookup.subject.text())},
+        {QStringLiteral("value"),
+         value.isDefined ? QJsonValue(fromNarrow(value.text)) : QJsonValue()},
+    };
+    if (value.isDefined) addOrigin(value.origin, object);
+    return object;
 }
 
 Definitions definitionsOf(const Subject& subject) {

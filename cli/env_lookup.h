@@ -51,6 +51,14 @@ struct Lookup {
 /// A copy of the event, with the origin of the value.
 Lookup lookupOf(const lookup_event& event);
 
+/// "SITE = Erlbach  (/opt/shop/site/environ.cfg:4)" or "NOBODY is not defined", without hidden
+/// characters.
+QString lookupText(const Lookup& lookup);
+
+/// The keys `name` and `value`, which is null for an undefined one, and those of addOrigin() for a
+/// defined one.
+QJsonObject lookupJson(const Lookup& lookup);
+
 struct Definitions {
     /// Each one replaces the one before; the last one counts.
     History inOrder;

@@ -131,7 +131,7 @@ TEST_F(ContextDefault, IsTheOneOfTheHighestPosition) {
         answerTo(words("context default") + QStringList({two_, other_, seven_, seven_}));
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_7].mctx") + ": position 7\n");
+    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_7].mctx") + "\n");
 }
 
 TEST_F(ContextDefault, IsLookedForInADirectory) {
@@ -140,19 +140,22 @@ TEST_F(ContextDefault, IsLookedForInADirectory) {
     std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_8].mctx");
     const Answer answer = answerTo(words("context default") + QStringList(path(".")));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, text("./[MACHINE_POSITION_07].mctx") + ": position 7\n");
+    EXPECT_EQ(answer.out, text("./[MACHINE_POSITION_07].mctx") + "\n");
 }
 
 TEST_F(ContextDefault, MayBeMissing) {
     Answer answer = answerTo(words("context default") + QStringList(other_));
     EXPECT_EQ(answer.status, 1);
-    EXPECT_EQ(answer.out, "There is no default context\n");
-    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err,
+              "trvfiles: there is no default context: no name has a machine position, such as "
+              "[MACHINE_POSITION_1].mctx\n");
     const TemporaryDirectory empty;
     answer = answerTo(words("context default --json") +
                       QStringList(QString::fromStdString(empty.text())));
     EXPECT_EQ(answer.status, 1);
     EXPECT_EQ(answer.out, "{\"file\":null,\"position\":null}\n");
+    EXPECT_EQ(answer.err, "");
 }
 
 TEST_F(ContextDefault, PrintsJson) {

@@ -118,10 +118,11 @@ TEST_F(EnvExplain, PutsTheProcessEnvironmentBeforeAllFiles) {
 
 TEST_F(EnvExplain, SaysThatANameIsNotDefined) {
     EXPECT_EQ(run({"explain", "NOBODY"}), 1);
-    EXPECT_EQ(out(), "NOBODY is not defined\n");
-    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: NOBODY is not defined\n");
     EXPECT_EQ(run({"explain", "?SITE"}), 1);
-    EXPECT_EQ(out(), "?SITE is not defined\n");
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: ?SITE is not defined\n");
     EXPECT_EQ(run({"explain", "--json", "NOBODY"}), 1);
     EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"NOBODY\"}\n");
 }

@@ -7,6 +7,7 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/installation.h>
+#include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -71,6 +72,13 @@ inline std::string asAtOptShop(std::string text, const std::string& root) {
     if (root != backslashed(root)) return text;
     text = withSlashesInOrigins(text);
     return withSlashesInTrvhome(withSlashesInTrvhome(text, "\\\\"), "\\");
+}
+
+/// A path below "/opt/shop" as out() shows it on this system.
+inline std::string native(const std::string& path) {
+    if (!platform::backslash_separates()) return path;
+    const std::string shown = replaced(backslashed(path), "\\", "\\\\");
+    return withSlashesInTrvhome(withSlashesInOrigins(shown), "\\\\");
 }
 
 /// The process finds the installation by TRVHOME and knows no other variable of the runtime.
