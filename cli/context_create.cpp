@@ -81,59 +81,78 @@ ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
     return fail(exists(axis) ? context : axis, QStringLiteral("cannot be written"), console);
 }
 
+// The files that are created, and how that is printed.
+struct Task {
+    QString directory;
+    ContextPlan plan;
+    /// Files that exist without their other file.
+    QStringList replaced;
+    bool asJson = false;
+};
+
+void printCreated(const QString& context, const QString& reference, const Task& task,
+                  const Console& console) {
+    if (task.asJson) {
+        printJson({{QStringLiteral("context"), context},
+                   {QStringLiteral("reference"), reference},
+                   {QStringLiteral("replaced"), QJsonArray::fromStringList(task.replaced)}},
+                  console.out);
+        return;
+    }
+    for (const QString& file : {context, reference})
+        console.out << qUtf8Printable(shown(file)) << '\n';
+    for (const QString& file : task.replaced) {
+        console.err << qUtf8Printable(
+            QStringLiteral("trvfiles: note: %1 existed without its other file and was replaced\n")
+                .arg(shown(file)));
+    }
+}
+
 using Creation = std::function<bool(std::wstring& context, std::wstring& reference)>;
 
-ExitStatus create(const QString& directory, const ContextPlan& plan, const Console& console,
-                  const Creation& creation) {
+ExitStatus create(const Task& task, const Console& console, const Creation& creation) {
     std::wstring context;
     std::wstring reference;
     RuntimeMessages messages(console.err);
     const bool isCreated = creation(context, reference);
     if (printReports(messages.takeReports(), console)) return failed;
-    if (!isCreated) return explainFailure(directory, plan, console);
-    for (const std::wstring& file : {context, reference})
-        console.out << qUtf8Printable(shown(pathIn(directory, fromWide(file)))) << '\n';
+    if (!isCreated) return explainFailure(task.directory, task.plan, console);
+    printCreated(pathIn(task.directory, fromWide(context)),
+                 pathIn(task.directory, fromWide(reference)), task, console);
     return done;
 }
 
-void noteReplaced(const QString& file, const Console& console) {
-    console.err << qUtf8Printable(
-        QStringLiteral("trvfiles: note: %1 existed without its other file and was replaced\n")
-            .arg(shown(file)));
-}
-
-ExitStatus createForPosition(int position, const QString& directory, const Console& console) {
-    const ContextPlan plan = contextPlan(position);
-    const QString context = pathIn(directory, plan.context);
-    const QString reference = pathIn(directory, plan.reference);
-    const bool contextIsThere = exists(context);
-    const bool referenceIsThere = exists(reference);
-    if (contextIsThere && referenceIsThere) {
-        return fail(context, QStringLiteral("exists already"), console);
+ExitStatus createForPosition(int position, Task task, const Console& console) {
+    task.plan = contextPlan(position);
+    const QString& directory = task.directory;
+    const QStringList files = {pathIn(directory, task.plan.context),
+                               pathIn(directory, task.plan.reference)};
+    for (const QString& file : files) {
+        if (exists(file)) task.replaced += file;
     }
-    for (const QString& file : {context, reference}) {
+    if (task.replaced.size() == files.size()) {
+        return fail(files.first(), QStringLiteral("exists already"), console);
+    }
+    for (const QString& file : files) {
         if (QFileInfo(resolved(file)).isDir()) {
             return fail(file, QStringLiteral("is a directory"), console);
         }
     }
-    const QString axisFile = pathIn(directory, plan.axisFile);
+    const QString axisFile = pathIn(directory, task.plan.axisFile);
     AxisFile axis;
     if (exists(axisFile)) {
         if (const Problem problem = readAxis(axisFile, axis))
             return report(axisFile, problem, console);
     }
-    const auto creation = [&](std::wstring& first, std::wstring& second) {
+    return create(task, console, [&](std::wstring& first, std::wstring& second) {
         return CMachineContextUtils::sCreateDefaultMachineContext(toWide(directory), position,
                                                                   &first, &second);
-    };
-    const ExitStatus status = create(directory, plan, console, creation);
-    if (status == done && contextIsThere) noteReplaced(context, console);
-    if (status == done && referenceIsThere) noteReplaced(reference, console);
-    return status;
+    });
 }
 
-ExitStatus createForMachine(const ContextPlan& plan, const QString& directory,
-                            const Console& console) {
+ExitStatus createForMachine(const Task& task, const Console& console) {
+    const QString& directory = task.directory;
+    const ContextPlan& plan = task.plan;
     const QString axisFile = pathIn(directory, plan.axisFile);
     AxisFile axis;
     if (const Problem problem = readAxis(axisFile, axis)) return report(axisFile, problem, console);
@@ -141,7 +160,7 @@ ExitStatus createForMachine(const ContextPlan& plan, const QString& directory,
         const QString path = pathIn(directory, file);
         if (exists(path)) return fail(path, QStringLiteral("exists already"), console);
     }
-    return create(directory, plan, console, [&](std::wstring& first, std::wstring& second) {
+    return create(task, console, [&](std::wstring& first, std::wstring& second) {
         // The catalogue copies in the current directory.
         const CurrentDirectory there(directory);
         return there.isSet() && CMachineContextUtils::sCreateMachineContext(
@@ -191,8 +210,9 @@ ExitStatus createContext(const QCommandLineParser& call, const Console& console)
     const QString directory = call.positionalArguments().at(0);
     const QString reason = whyNotListed(directory);
     if (!reason.isEmpty()) return fail(directory, reason, console);
-    return position > 0 ? createForPosition(position, directory, console)
-                        : createForMachine(plan, directory, console);
+    const Task task = {directory, plan, {}, call.isSet(QStringLiteral("json"))};
+    return position > 0 ? createForPosition(position, task, console)
+                        : createForMachine(task, console);
 }
 
 }  // namespace
@@ -201,7 +221,8 @@ Command contextCreateCommand() {
     Command command;
     command.name = QStringLiteral("context create");
     command.arguments = QStringLiteral(
-        "--position N DIR\n       trvfiles context create --machine M [--axis F] [--name K] DIR");
+        "[--json] --position N DIR\n"
+        "       trvfiles context create [--json] --machine M [--axis F] [--name K] DIR");
     command.summary = QStringLiteral("Create a machine context and its reference axis file");
     command.details = QStringLiteral(
         "With --position it creates the default context of a machine position, and DIR\n"
@@ -220,7 +241,8 @@ Command contextCreateCommand() {
                            QStringLiteral("F")),
         QCommandLineOption(QStringLiteral("name"),
                            QStringLiteral("The context's name instead of M[AXIS]"),
-                           QStringLiteral("K"))};
+                           QStringLiteral("K")),
+        jsonOption()};
     command.operand = QStringLiteral("directory");
     command.run = createContext;
     return command;

@@ -34,6 +34,7 @@ struct Meaning {
 constexpr int outOfMemory = -41;
 
 constexpr Meaning meanings[] = {
+    {EXP_OK, "EXP_OK", "done"},
     {EXP_NOT_FOUND, "EXP_NOT_FOUND", "there is no such file"},
     {EXP_SYNTAX_ERROR, "EXP_SYNTAX_ERROR", "a bracket after a $ or ? is not closed"},
     {EXP_BUFFER_TOO_SMALL, "EXP_BUFFER_TOO_SMALL", "the list or the path found is too long"},
@@ -43,6 +44,14 @@ constexpr Meaning meanings[] = {
     {EXP_UNDEFINED, "EXP_UNDEFINED", "something that it refers to is not defined"},
     {EXP_INVALID_ARGUMENT, "EXP_INVALID_ARGUMENT", "no file name follows the list of directories"},
 };
+
+// nullptr for an unknown status.
+const Meaning* meaningOf(int code) {
+    for (const Meaning& meaning : meanings) {
+        if (meaning.code == code) return &meaning;
+    }
+    return nullptr;
+}
 
 }  // namespace
 
@@ -58,6 +67,13 @@ void UndefinedReferences::add(const lookup_event& lookup) {
     if (lookup.value != nullptr) return;
     std::string reference = lookup.marker + lookup.name;
     if (known_.insert(reference).second) inOrder_.push_back(std::move(reference));
+}
+
+QJsonArray UndefinedReferences::json() const {
+    QJsonArray array;
+    for (const std::string& reference : inOrder_)
+        array.append(fromNarrow(reference));
+    return array;
 }
 
 void printFailure(const QString& text, const QString& reason, const Console& console) {
@@ -76,14 +92,16 @@ void printUndefined(const QString& text, const UndefinedReferences& references,
     }
 }
 
+QString codeName(int code) {
+    const Meaning* meaning = meaningOf(code);
+    return QString::fromLatin1(meaning == nullptr ? "error" : meaning->name);
+}
+
 QString codeText(int code) {
-    for (const Meaning& meaning : meanings) {
-        if (meaning.code != code) continue;
-        return QStringLiteral("%1 (%2): %3")
-            .arg(QString::fromLatin1(meaning.name), QString::number(code),
-                 QString::fromLatin1(meaning.text));
-    }
-    return QStringLiteral("error %1").arg(code);
+    const Meaning* meaning = meaningOf(code);
+    if (meaning == nullptr) return QStringLiteral("error %1").arg(code);
+    return QStringLiteral("%1 (%2): %3")
+        .arg(codeName(code), QString::number(code), QString::fromLatin1(meaning->text));
 }
 
 }  // namespace trv::cli

@@ -74,31 +74,57 @@ QString notFoundText(const SearchObserver& search, bool hasTrace) {
              hasTrace ? QString() : QStringLiteral("; --trace lists what was tried"));
 }
 
-ExitStatus findFile(const QString& text, bool hasTrace, const Console& console) {
+// The document has the trace too: a script ignores the keys that it does not need.
+QJsonObject json(const QString& text, const std::string& path, const SearchObserver& search,
+                 bool isFound) {
+    QJsonArray lookups;
+    for (const Lookup& lookup : search.lookups())
+        lookups.append(lookupJson(lookup));
+    QJsonArray candidates;
+    for (const Candidate& candidate : search.candidates()) {
+        candidates.append(QJsonObject{{QStringLiteral("path"), nativeSpelling(candidate.path)},
+                                      {QStringLiteral("found"), candidate.isFound}});
+    }
+    return {{QStringLiteral("text"), text},
+            {QStringLiteral("found"), isFound},
+            {QStringLiteral("path"), isFound ? QJsonValue(nativeSpelling(path)) : QJsonValue()},
+            {QStringLiteral("undefined"), search.undefined().json()},
+            {QStringLiteral("lookups"), lookups},
+            {QStringLiteral("candidates"), candidates}};
+}
+
+struct Form {
+    bool hasTrace;
+    bool asJson;
+};
+
+ExitStatus findFile(const QString& text, Form form, const Console& console) {
     std::string path;
     SearchObserver search;
     const int code = expand_and_search(toNarrow(text), &path);
-    if (hasTrace) printTrace(search, code, console);
-    switch (code) {
-        case EXP_OK:
-            console.out << qUtf8Printable(shown(nativeSpelling(path))) << '\n';
-            return done;
-        case EXP_NOT_FOUND:
-            printFailure(text, notFoundText(search, hasTrace), console);
-            return negative;
-        case EXP_UNDEFINED:
-            printUndefined(text, search.undefined(), console);
-            return negative;
-        default:
-            printFailure(text, codeText(code), console);
-            return failed;
+    if (form.hasTrace) printTrace(search, code, console);
+    if (code != EXP_OK && code != EXP_NOT_FOUND && code != EXP_UNDEFINED) {
+        printFailure(text, codeText(code), console);
+        return failed;
     }
+    if (form.asJson) {
+        printJson(json(text, path, search, code == EXP_OK), console.out);
+    } else if (code == EXP_OK) {
+        console.out << qUtf8Printable(shown(nativeSpelling(path))) << '\n';
+    } else if (code == EXP_UNDEFINED) {
+        printUndefined(text, search.undefined(), console);
+    } else {
+        printFailure(text, notFoundText(search, form.hasTrace), console);
+    }
+    return code == EXP_OK ? done : negative;
 }
 
 ExitStatus find(const QCommandLineParser& call, const Console& console) {
     const QString text = call.positionalArguments().at(0);
     return askInstallation(call, console, [&](RuntimeMessages&, const Console& results) {
-        return findFile(text, call.isSet(QStringLiteral("trace")), results);
+        return findFile(text,
+                        {call.isSet(QStringLiteral("trace")), call.isSet(QStringLiteral("json"))},
+                        results);
     });
 }
 
@@ -107,7 +133,7 @@ ExitStatus find(const QCommandLineParser& call, const Console& console) {
 Command envFindCommand() {
     Command command;
     command.name = QStringLiteral("env find");
-    command.arguments = QStringLiteral("[--root DIR] [--trace] '?LIST\\FILE'");
+    command.arguments = QStringLiteral("[--root DIR] [--trace] [--json] '?LIST\\FILE'");
     command.summary = QStringLiteral("Search for a file in the directories of a path list");
     command.details = QStringLiteral(
         "Prints the path that is found. Exit status: 0 found, 1 not found, 2 an error.\n");
@@ -116,7 +142,8 @@ Command envFindCommand() {
         rootOption(),
         QCommandLineOption(
             QStringLiteral("trace"),
-            QStringLiteral("Print each lookup and each path that is tried, as notes"))};
+            QStringLiteral("Print each lookup and each path that is tried, as notes")),
+        jsonOption()};
     command.operand = QStringLiteral("name");
     command.run = find;
     return command;

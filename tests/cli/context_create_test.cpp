@@ -320,10 +320,26 @@ TEST_F(ContextCreate, ReportsThatAnotherProcessWasFirst) {
     EXPECT_EQ(bytes("[MACHINE_POSITION_1].mctx"), "first");
 }
 
+TEST_F(ContextCreate, PrintsJson) {
+    Answer answer = create("--json --position 1");
+    EXPECT_EQ(answer.status, 0);
+    const std::string context = text("[MACHINE_POSITION_1].mctx");
+    const std::string reference = text("[stockposition@[MACHINE_POSITION_1]]MACHINE.ref");
+    EXPECT_EQ(answer.out, "{\"context\":\"" + context + "\",\"reference\":\"" + reference +
+                              "\",\"replaced\":[]}\n");
+    std::filesystem::remove(directory_ / "[MACHINE_POSITION_1].mctx");
+    answer = create("--json --position 1");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, "{\"context\":\"" + context + "\",\"reference\":\"" + reference +
+                              "\",\"replaced\":[\"" + reference + "\"]}\n");
+    EXPECT_EQ(answer.err, "");
+    expectFailure(create("--json --position 1"), "trvfiles: " + context + ": exists already\n");
+}
+
 TEST_F(ContextCreate, ExplainsItself) {
     EXPECT_EQ(create("--help").out,
-              "Usage: trvfiles context create --position N DIR\n"
-              "       trvfiles context create --machine M [--axis F] [--name K] DIR\n"
+              "Usage: trvfiles context create [--json] --position N DIR\n"
+              "       trvfiles context create [--json] --machine M [--axis F] [--name K] DIR\n"
               "\n"
               "Create a machine context and its reference axis file.\n"
               "With --position it creates the default context of a machine position, and DIR\n"
@@ -335,6 +351,7 @@ TEST_F(ContextCreate, ExplainsItself) {
               "  --machine M   The machine\n"
               "  --axis F      The axis file in DIR to copy instead of transfo.dat\n"
               "  --name K      The context's name instead of M[AXIS]\n"
+              "  --json        Print JSON\n"
               "  -h, --help    Show this help\n"
               "\n"
               "Examples:\n"

@@ -43,6 +43,22 @@ TEST_F(EnvCheck, NamesEveryFaultOnceWithItsLine) {
               "shop/cell/environ.cfg: ok (1 section, 4 entries)\n");
 }
 
+TEST_F(EnvCheck, PrintsJson) {
+    write("a.msg", "[one]\nfirst\n/frob \x1b\n");
+    EXPECT_EQ(run({"check", "--json", "a.msg", "none.msg", "shop/cell/environ.cfg"}), 1);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(),
+              "{\"files\":["
+              "{\"entries\":1,\"file\":\"a.msg\",\"findings\":["
+              "{\"line\":3,\"text\":\"Unknown keyword : '/frob'\"},"
+              "{\"line\":null,\"text\":\"Error loading file.\"}],\"ok\":false,\"sections\":1},"
+              "{\"entries\":null,\"file\":\"none.msg\",\"findings\":["
+              "{\"line\":null,\"text\":\"No such file or directory\"}],\"ok\":false,"
+              "\"sections\":null},"
+              "{\"entries\":4,\"file\":\"shop/cell/environ.cfg\",\"findings\":[],\"ok\":true,"
+              "\"sections\":1}]}\n");
+}
+
 TEST_F(EnvCheck, ReportsWhatIsOpenAtTheEnd) {
     write("it's 4, or 5.msg", "[one]\n/if NOBODY\nfirst");
     EXPECT_EQ(run({"check", "it's 4, or 5.msg", "it's 4, or 5.msg"}), 1);

@@ -34,6 +34,28 @@ TEST_F(EnvExpand, NamesWhatIsUndefined) {
               "trvfiles: $NOBODY ?NOLIST $NOBODY: ?NOLIST is not defined\n");
 }
 
+TEST_F(EnvExpand, PrintsJson) {
+    EXPECT_EQ(run({"expand", "--json", "$CELL \x1b", "$NOBODY ?NOLIST $NOBODY"}), 1);
+    EXPECT_EQ(out(),
+              "{\"texts\":["
+              "{\"code\":0,\"expanded\":\"3 \\u001b\",\"status\":\"EXP_OK\","
+              "\"text\":\"$CELL \\u001b\",\"undefined\":[]},"
+              "{\"code\":-43,\"expanded\":\"<NOBODY> <NOLIST> <NOBODY>\","
+              "\"status\":\"EXP_UNDEFINED\",\"text\":\"$NOBODY ?NOLIST $NOBODY\","
+              "\"undefined\":[\"$NOBODY\",\"?NOLIST\"]}]}\n");
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(run({"expand", "--json", "--path", "${CELL", "?TXT"}), 2);
+    EXPECT_EQ(out(),
+              "{\"texts\":["
+              "{\"code\":-31,\"expanded\":null,\"status\":\"EXP_SYNTAX_ERROR\","
+              "\"text\":\"${CELL\",\"undefined\":[]},"
+              "{\"code\":0,\"expanded\":\"" +
+                  native("/opt/shop/site/texts;/opt/shop/texts") +
+                  "\",\"status\":\"EXP_OK\",\"text\":\"?TXT\",\"undefined\":[]}]}\n");
+    EXPECT_EQ(err(),
+              "trvfiles: ${CELL: EXP_SYNTAX_ERROR (-31): a bracket after a $ or ? is not closed\n");
+}
+
 // Every line names the text, so a long one would make the output grow with its square.
 TEST_F(EnvExpand, NamesALongTextByItsBeginning) {
     const std::string text = "$NOBODY ?NOLIST " + std::string(184, 'x');

@@ -40,6 +40,32 @@ TEST_F(EnvFind, ShowsNoTrialsOfASearchThatFailed) {
               "trvfiles: ?CFG/shop.cfg: $NOBODY is not defined\n");
 }
 
+TEST_F(EnvFind, PrintsJson) {
+    process_.setVariable("CFGPATH", "$TRVHOME/cell;$TRVHOME/site");
+    EXPECT_EQ(run({"find", "--json", "?CFG/shop.cfg"}), 0);
+    const std::string lookups =
+        "\"lookups\":["
+        "{\"file\":null,\"line\":null,\"name\":\"?CFG\",\"origin\":\"environment\","
+        "\"value\":\"$TRVHOME/cell;$TRVHOME/site\"},"
+        "{\"file\":null,\"line\":null,\"name\":\"TRVHOME\",\"origin\":\"environment\","
+        "\"value\":\"/opt/shop\"}],";
+    EXPECT_EQ(out(),
+              "{\"candidates\":["
+              "{\"found\":false,\"path\":\"" +
+                  native("/opt/shop/cell/shop.cfg") + "\"},{\"found\":true,\"path\":\"" +
+                  native("/opt/shop/site/shop.cfg") + "\"}],\"found\":true," + lookups +
+                  "\"path\":\"" + native("/opt/shop/site/shop.cfg") +
+                  "\",\"text\":\"?CFG/shop.cfg\",\"undefined\":[]}\n");
+    EXPECT_EQ(run({"find", "--json", "?NOLIST\\a"}), 1);
+    EXPECT_EQ(out(),
+              "{\"candidates\":[],\"found\":false,\"lookups\":[{\"name\":\"?NOLIST\","
+              "\"value\":null}],\"path\":null,\"text\":\"?NOLIST\\\\a\","
+              "\"undefined\":[\"?NOLIST\"]}\n");
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(run({"find", "--json", "?CFG"}), 2);
+    EXPECT_EQ(out(), "");
+}
+
 TEST_F(EnvFind, TakesBothSeparators) {
     EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
     const std::string answer = out();
