@@ -1,7 +1,9 @@
 #include <cli/env_commands.h>
+#include <cli/env_directories.h>
 #include <cli/env_expansion.h>
 #include <cli/env_lookup.h>
 #include <cli/env_runtime.h>
+#include <cli/suggestion.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/text/text_conversion.h>
@@ -19,6 +21,8 @@ struct Explanation {
     /// The expanded value, and each lookup. Only set if the value has references.
     Expansion expansion;
     std::vector<Lookup> lookups;
+    /// Only set for a path list.
+    std::vector<ListedDirectory> directories;
 
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
@@ -33,6 +37,8 @@ Explanation explanationOf(const Subject& subject) {
             explanation.value.text, false,
             [&](const lookup_event& event) { explanation.lookups.push_back(lookupOf(event)); });
     }
+    if (subject.isPath && explanation.value.isDefined)
+        explanation.directories = directoriesOf(subject, explanation.value);
     return explanation;
 }
 
@@ -94,6 +100,18 @@ void printExpansion(const Explanation& explanation, std::ostream& out) {
         out << qUtf8Printable(QStringLiteral("    %1\n").arg(lookupText(lookup)));
 }
 
+void printDirectories(const std::vector<ListedDirectory>& directories, std::ostream& out) {
+    if (directories.empty()) return;
+    out << "\nDirectories, in the order of a search\n";
+    for (const ListedDirectory& directory : directories) {
+        const QString missing = QStringLiteral("; does not exist");
+        out << qUtf8Printable(QStringLiteral("  %1  (%2%3)\n")
+                                  .arg(shown(nativeSpelling(directory.path)),
+                                       originText(directory.origin),
+                                       directory.exists ? QString() : missing));
+    }
+}
+
 void printText(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
     out << qUtf8Printable(QStringLiteral("%1 = %2\n%3: %4\n")
@@ -103,6 +121,7 @@ void printText(const Explanation& explanation, bool all, std::ostream& out) {
     printDefinitions("Definitions, oldest first", explanation.definitions.inOrder, all, out);
     printDefinitions("Never looked at", explanation.definitions.hidden, all, out);
     if (explanation.refersToOthers()) printExpansion(explanation, out);
+    printDirectories(explanation.directories, out);
 }
 
 QJsonObject json(const Definition& definition) {
@@ -114,6 +133,13 @@ QJsonObject json(const Definition& definition) {
          isKnown ? QJsonValue(fromNarrow(definition.extended)) : QJsonValue()},
     };
     addOrigin(definition.origin, object);
+    return object;
+}
+
+QJsonObject json(const ListedDirectory& directory) {
+    QJsonObject object = {{QStringLiteral("path"), nativeSpelling(directory.path)},
+                          {QStringLiteral("exists"), directory.exists}};
+    addOrigin(directory.origin, object);
     return object;
 }
 
@@ -138,29 +164,58 @@ void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     QJsonObject origin;
     addOrigin(value.origin, origin);
     JsonWriter json(out);
-    json.add("defined", value.isDefined);
-    if (value.isDefined) {
-        writeDefinitions("definitions", explanation.definitions.inOrder, all, json);
-        json.add("expanded", expandedJson(explanation));
-        json.add("file", origin.value(QStringLiteral("file")));
-        json.add("fromEnvironment", value.isFromEnvironment());
-        writeDefinitions("hidden", explanation.definitions.hidden, all, json);
-        json.add("line", origin.value(QStringLiteral("line")));
-        json.beginArray("lookups");
-        for (const Lookup& lookup : explanation.lookups)
-            json.addElement(lookupJson(lookup));
+    json.add("defined", true);
+    writeDefinitions("definitions", explanation.definitions.inOrder, all, json);
+    if (explanation.subject.isPath) {
+        json.beginArray("directories");
+        for (const ListedDirectory& directory : explanation.directories)
+            json.addElement(cli::json(directory));
         json.endArray();
     }
+    json.add("expanded", expandedJson(explanation));
+    json.add("file", origin.value(QStringLiteral("file")));
+    json.add("fromEnvironment", value.isFromEnvironment());
+    writeDefinitions("hidden", explanation.definitions.hidden, all, json);
+    json.add("line", origin.value(QStringLiteral("line")));
+    json.beginArray("lookups");
+    for (const Lookup& lookup : explanation.lookups)
+        json.addElement(lookupJson(lookup));
+    json.endArray();
     json.add("name", fromNarrow(explanation.subject.text()));
-    if (value.isDefined) {
-        json.add("origin", origin.value(QStringLiteral("origin")));
-        json.add("reason", QString::fromLatin1(reasonOf(explanation).name));
-        json.add("value", fromNarrow(value.text));
-    }
+    json.add("origin", origin.value(QStringLiteral("origin")));
+    json.add("reason", QString::fromLatin1(reasonOf(explanation).name));
+    json.add("value", fromNarrow(value.text));
     json.end();
 }
 
+// The names of variables and path lists, as Subject::text() gives them.
+QStringList definedNames() {
+    QStringList names;
+    for (const bool isPath : {false, true}) {
+        for (const std::string& name : variableNames(isPath).names)
+            names += fromNarrow(Subject{isPath, name}.text());
+    }
+    return names;
+}
+
 // JSON is printed for an undefined variable too, so that a script can distinguish it from an error.
+ExitStatus reportUndefined(const Subject& subject, bool asJson, const Console& console) {
+    const QString name = fromNarrow(subject.text());
+    const QStringList names = definedNames();
+    if (asJson) {
+        const QString nearest = nearestName(name, names);
+        cli::printJson({{QStringLiteral("defined"), false},
+                        {QStringLiteral("name"), name},
+                        {QStringLiteral("suggestion"),
+                         nearest.isEmpty() ? QJsonValue() : QJsonValue(nearest)}},
+                       console.out);
+    } else {
+        console.err << qUtf8Printable(QStringLiteral("trvfiles: %1 is not defined%2\n")
+                                          .arg(shown(name), shown(suggestionFor(name, names))));
+    }
+    return negative;
+}
+
 ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
@@ -168,16 +223,14 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
         const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
         // Printed directly and not buffered: it may be large, and no further report can follow.
-        const bool isDefined = explanation.value.isDefined;
-        if (call.isSet(QStringLiteral("json"))) {
+        const bool asJson = call.isSet(QStringLiteral("json"));
+        if (!explanation.value.isDefined) return reportUndefined(subject, asJson, console);
+        if (asJson) {
             printJson(explanation, all, console.out);
-        } else if (isDefined) {
-            printText(explanation, all, console.out);
         } else {
-            console.err << qUtf8Printable(
-                QStringLiteral("trvfiles: %1 is not defined\n").arg(shown(subject.text())));
+            printText(explanation, all, console.out);
         }
-        return isDefined ? done : negative;
+        return done;
     });
 }
 
@@ -191,9 +244,11 @@ Command envExplainCommand() {
     command.details = QStringLiteral(
         "Prints the value that a program gets, every definition of it, and the\n"
         "replacement of each reference. If there are many definitions, it prints the\n"
-        "first and the last ones. \"?NAME\" explains a path list; write it in quotes in a\n"
-        "shell. Exit status: 0 the name is defined, 1 it is not, 2 an error.\n");
+        "first and the last ones. \"?NAME\" explains a path list, with its directories;\n"
+        "write it in quotes in a shell. Exit status: 0 the name is defined, 1 it is not,\n"
+        "2 an error.\n");
     command.examples += QStringLiteral("trvfiles env explain POST_OPTIONS");
+    command.examples += QStringLiteral("trvfiles env explain '?CFG'");
     command.options = {
         rootOption(),
         QCommandLineOption(QStringLiteral("all"), QStringLiteral("Print every definition in full")),

@@ -19,14 +19,10 @@ constexpr std::string_view environmentOrigin = "from environment";
 constexpr std::size_t originSize = 2 * path_buffer_size;
 
 // nullptr if the configuration does not have the section.
-const store_section* sectionNamed(const char* name) {
-    const message_store* store = environment_store();
-    const int index = find_section(store, name);
-    return index < 0 ? nullptr : &store->sections[static_cast<std::size_t>(index)];
-}
-
 const store_section* sectionOf(const Subject& subject) {
-    return sectionNamed(subject.isPath ? "path" : "var");
+    const message_store* store = environment_store();
+    const int index = find_section(store, subject.isPath ? "path" : "var");
+    return index < 0 ? nullptr : &store->sections[static_cast<std::size_t>(index)];
 }
 
 // The number of the entry that a lookup finds, or -1.
@@ -55,9 +51,8 @@ Origin originOf(const Subject& subject, std::string_view description) {
         origin.kind = Origin::Kind::workZone;
         return origin;
     }
-    const store_section* section = sectionOf(subject);
-    const int number = numberOf(section, subject);
-    return number < 0 ? origin : cli::originOf(*environment_store(), section->text(number));
+    const std::int32_t text = definitionThatCounts(subject);
+    return text == text_pool::none ? origin : cli::originOf(*environment_store(), text);
 }
 
 std::string descriptionOf(const Subject& subject, const char* value) {
@@ -134,8 +129,14 @@ Definitions definitionsOf(const Subject& subject) {
     return definitions;
 }
 
-VariableNames variableNames() {
-    const store_section* section = sectionNamed("var");
+std::int32_t definitionThatCounts(const Subject& subject) {
+    const store_section* section = sectionOf(subject);
+    const int number = numberOf(section, subject);
+    return number < 0 ? text_pool::none : section->text(number);
+}
+
+VariableNames variableNames(bool ofPaths) {
+    const store_section* section = sectionOf({ofPaths, {}});
     if (section == nullptr) return {};
     const text_pool& texts = environment_store()->texts;
     VariableNames found;

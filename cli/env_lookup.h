@@ -9,6 +9,7 @@
 #include <cli/env_origin.h>
 #include <trvfiles/environment/runtime_observer.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,12 @@ struct Definitions {
 
 Definitions definitionsOf(const Subject& subject);
 
+/// The text in the environment's store whose value a lookup gives, unless the process environment
+/// has one. It is the last definition of its entry.
+///
+/// @return text_pool::none if there is none
+std::int32_t definitionThatCounts(const Subject& subject);
+
 struct VariableNames {
     /// In the order of the entries. Of names that differ in case only, the first one.
     std::vector<std::string> names;
@@ -77,7 +84,7 @@ struct VariableNames {
     std::vector<Origin> otherTexts;
 };
 
-/// The contents of section `var`.
-VariableNames variableNames();
+/// The contents of section `var`, or of section `path`, whose names are here without a "?".
+VariableNames variableNames(bool ofPaths);
 
 }  // namespace trv::cli

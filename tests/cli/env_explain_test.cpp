@@ -92,12 +92,53 @@ TEST_F(EnvExplain, ExplainsPathLists) {
               "Expanded\n"
               "  = /opt/shop/site/texts;/opt/shop/texts\n"
               "    TRVHOME = /opt/shop  (environment variable TRVHOME)\n"
-              "    TRVHOME = /opt/shop  (environment variable TRVHOME)\n");
+              "    TRVHOME = /opt/shop  (environment variable TRVHOME)\n"
+              "\n"
+              "Directories, in the order of a search\n"
+              "  " +
+                  native("/opt/shop/site/texts") + "  (/opt/shop/site/environ.cfg:18)\n" + "  " +
+                  native("/opt/shop/texts") + "  (/opt/shop/config/environ.cfg:43)\n");
     process_.setVariable("TXTPATH", "here");
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
     EXPECT_EQ(out().substr(0, 84),
               "?TXT = here\n"
               "environment variable TXTPATH: the process environment goes before all fi");
+}
+
+TEST_F(EnvExplain, SaysWhichDirectoriesOfAListExist) {
+    write("shop/config/environ.cfg",
+          "[path]\nCFG = $TRVHOME/config;?SUB;$NOBODY/x\nSUB = nowhere\n");
+    EXPECT_EQ(run({"explain", "?CFG"}), 0);
+    const std::string end =
+        "\nDirectories, in the order of a search\n"
+        "  " +
+        native("/opt/shop/config") + "  (/opt/shop/config/environ.cfg:2)\n" +
+        "  nowhere  (/opt/shop/config/environ.cfg:3; does not exist)\n"
+        "  " +
+        native("/x") + "  (/opt/shop/config/environ.cfg:2; does not exist)\n";
+    EXPECT_EQ(out().substr(out().size() - std::min(out().size(), end.size())), end);
+    EXPECT_EQ(run({"explain", "--json", "?SUB"}), 0);
+    EXPECT_NE(out().find("\"definitionsLeftOut\":0,\"directories\":["
+                         "{\"exists\":false,\"file\":\"/opt/shop/config/environ.cfg\",\"line\":3,"
+                         "\"origin\":\"file\",\"path\":\"nowhere\"}],\"expanded\":"),
+              std::string::npos)
+        << out();
+}
+
+// The lists refer to each other in a circle, and to one list very often.
+TEST_F(EnvExplain, EndsForListsThatReferToEachOther) {
+    write("shop/config/environ.cfg", "[path]\nA = ?B\nB = x;?A\n");
+    EXPECT_EQ(run({"explain", "?A"}), 0);
+    EXPECT_NE(out().find("EXP_NAME_TOO_LONG (-42)"), std::string::npos) << out();
+    EXPECT_EQ(out().find("Directories"), std::string::npos) << out();
+    std::string lists = "[path]\nA0 = x\n";
+    for (int i = 1; i < 12; ++i)
+        lists += "A" + std::to_string(i) + " = ?A" + std::to_string(i - 1) + ";?A" +
+                 std::to_string(i - 1) + "\n";
+    write("shop/config/environ.cfg", lists);
+    EXPECT_EQ(run({"explain", "?A11"}), 0);
+    const std::string line = "  x  (/opt/shop/config/environ.cfg:2; does not exist)\n";
+    EXPECT_EQ(replaced(out(), line, "").size() + 2048 * line.size(), out().size());
 }
 
 TEST_F(EnvExplain, PutsTheProcessEnvironmentBeforeAllFiles) {
@@ -120,11 +161,18 @@ TEST_F(EnvExplain, SaysThatANameIsNotDefined) {
     EXPECT_EQ(run({"explain", "NOBODY"}), 1);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(), "trvfiles: NOBODY is not defined\n");
+    EXPECT_EQ(run({"explain", "SPINDEL_LIMIT"}), 1);
+    EXPECT_EQ(err(), "trvfiles: SPINDEL_LIMIT is not defined; did you mean 'SPINDLE_LIMIT'?\n");
+    EXPECT_EQ(run({"explain", "TXT"}), 1);
+    EXPECT_EQ(err(), "trvfiles: TXT is not defined; did you mean '?TXT'?\n");
     EXPECT_EQ(run({"explain", "?SITE"}), 1);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: ?SITE is not defined\n");
+    EXPECT_EQ(err(), "trvfiles: ?SITE is not defined; did you mean 'SITE'?\n");
     EXPECT_EQ(run({"explain", "--json", "NOBODY"}), 1);
-    EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"NOBODY\"}\n");
+    EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"NOBODY\",\"suggestion\":null}\n");
+    EXPECT_EQ(run({"explain", "--json", "CEL"}), 1);
+    EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"CEL\",\"suggestion\":\"CELL\"}\n");
+    EXPECT_EQ(err(), "");
 }
 
 TEST_F(EnvExplain, ShowsDefinitionsThatNoLookupReaches) {

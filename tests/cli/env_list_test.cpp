@@ -63,6 +63,28 @@ TEST_F(EnvList, PrintsJson) {
               "\"name\":\"PC\",\"origin\":\"environment\",\"value\":\"0\"}]}\n");
 }
 
+TEST_F(EnvList, ListsPathListsOnRequest) {
+    process_.setVariable("CFGPATH", "here");
+    EXPECT_EQ(run({"list", "--paths"}), 0);
+    EXPECT_EQ(out(),
+              "?ENV = $TRVHOME/cell;$TRVHOME/site;$TRVHOME/config\n"
+              "?CFG = here  (environment variable CFGPATH)\n"
+              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n");
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(run({"list", "--paths", "--origin"}), 0);
+    EXPECT_EQ(out(),
+              "?ENV = $TRVHOME/cell;$TRVHOME/site;$TRVHOME/config  "
+              "(/opt/shop/config/environ.cfg:37)\n"
+              "?CFG = here  (environment variable CFGPATH)\n"
+              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts  (/opt/shop/site/environ.cfg:18)\n");
+    write("shop/config/environ.cfg", "[path]\nTMP = x\n");
+    EXPECT_EQ(run({"list", "--paths", "--json"}), 0);
+    EXPECT_EQ(out(),
+              "{\"variables\":[{\"file\":\"/opt/shop/config/environ.cfg\","
+              "\"fromEnvironment\":false,\"line\":2,\"name\":\"?TMP\",\"origin\":\"file\","
+              "\"value\":\"x\"}]}\n");
+}
+
 TEST_F(EnvList, PrintsNothingWithoutVariables) {
     write("shop/config/environ.cfg", "[path]\nCFG = x\n");
     EXPECT_EQ(run({"list"}), 0);

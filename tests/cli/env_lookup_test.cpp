@@ -1,6 +1,7 @@
 #include <cli/env_lookup.h>
 #include <tests/common/scoped_variable.h>
 #include <tests/environment/configured_store.h>
+#include <trvfiles/environment/message_store_data.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -132,9 +133,27 @@ TEST(EnvLookup, ListsNamesInOrderAndOnce) {
         store.variable(text);
     append_message(store.get(), store.var(), "no name", -1, 0);
     append_message(store.get(), store.var(), "C = 5", -1, 0);
-    EXPECT_THAT(cli::variableNames().names, ElementsAre("B", "a", "C"));
-    ASSERT_EQ(cli::variableNames().otherTexts.size(), 1U);
-    EXPECT_EQ(textOf(cli::variableNames().otherTexts[0]), "set by program");
+    EXPECT_THAT(cli::variableNames(false).names, ElementsAre("B", "a", "C"));
+    ASSERT_EQ(cli::variableNames(false).otherTexts.size(), 1U);
+    EXPECT_EQ(textOf(cli::variableNames(false).otherTexts[0]), "set by program");
+}
+
+TEST(EnvLookup, ListsThePathListsApart) {
+    ConfiguredStore store;
+    store.variable("A = 1");
+    store.path("CFG = d");
+    store.path("TXT = e");
+    EXPECT_THAT(cli::variableNames(true).names, ElementsAre("CFG", "TXT"));
+    EXPECT_THAT(cli::variableNames(true).otherTexts, IsEmpty());
+}
+
+TEST(EnvLookup, KnowsTheDefinitionThatCounts) {
+    ConfiguredStore store;
+    store.variable("A = 1", "a.cfg", 1);
+    store.variable("A = 2", "a.cfg", 2);
+    const std::int32_t text = cli::definitionThatCounts({false, "a"});
+    EXPECT_STREQ(store.get()->texts.at(text), "A = 2");
+    EXPECT_EQ(cli::definitionThatCounts({true, "A"}), -1);
 }
 
 }  // namespace
