@@ -1,26 +1,51 @@
 #include <cli/context_commands.h>
+#include <cli/context_search.h>
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/catalogue/CMachineContextUtils.h>
 #include <trvfiles/text/text_conversion.h>
 
-#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 
 namespace trv::cli {
 namespace {
 
-ExitStatus listIn(const QString& directory, bool asJson, const Console& console) {
-    const QString reason = whyNotListed(directory);
-    if (!reason.isEmpty()) return fail(directory, reason, console);
+struct Form {
+    bool all;
+    bool asJson;
+};
+
+QStringList favoritesIn(const QString& directory) {
     QStringList paths;
     for (const std::wstring& path :
          CMachineContextUtils::sGetFavoriteMachineContext(toWide(directory))) {
         paths += fromWide(path);
     }
-    if (asJson) {
+    return paths;
+}
+
+// What there is instead of favourites.
+QString nothingFoundText(const QString& directory, bool all) {
+    if (all) return QStringLiteral("there are no contexts");
+    const int others = contextsBelow(directory).size();
+    const QString text = QStringLiteral("no context has the name of its directory");
+    if (others == 0) return text + QStringLiteral(", and there are no other contexts");
+    if (others == 1) return text + QStringLiteral("; 1 other context is there, list it with --all");
+    return text + QStringLiteral("; %1 other contexts are there, list them with --all").arg(others);
+}
+
+ExitStatus listIn(const QString& directory, Form form, const Console& console) {
+    const QString reason = whyNotListed(directory);
+    if (!reason.isEmpty()) return fail(directory, reason, console);
+    const QStringList paths = form.all ? contextsBelow(directory) : favoritesIn(directory);
+    if (paths.isEmpty()) {
+        console.err << qUtf8Printable(
+            QStringLiteral("trvfiles: %1: %2\n")
+                .arg(shown(directory), nothingFoundText(directory, form.all)));
+    }
+    if (form.asJson) {
         printJson({{QStringLiteral("directory"), directory},
                    {QStringLiteral("contexts"), QJsonArray::fromStringList(paths)}},
                   console.out);
@@ -31,10 +56,10 @@ ExitStatus listIn(const QString& directory, bool asJson, const Console& console)
     return done;
 }
 
-ExitStatus listFavorites(RuntimeMessages& messages, bool asJson, const Console& console) {
+ExitStatus listFavorites(RuntimeMessages& messages, Form form, const Console& console) {
     const QString directory =
         fromWide(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW());
-    if (!directory.isEmpty()) return listIn(directory, asJson, console);
+    if (!directory.isEmpty()) return listIn(directory, form, console);
     if (!printReports(messages.takeReports(), console)) {
         console.err << "trvfiles: there is no favourite directory: set TRV_MCTX_DEF or TRVHOME, "
                        "or give DIR\n";
@@ -43,24 +68,13 @@ ExitStatus listFavorites(RuntimeMessages& messages, bool asJson, const Console& 
 }
 
 ExitStatus list(const QCommandLineParser& call, const Console& console) {
-    const bool asJson = call.isSet(QStringLiteral("json"));
+    const Form form = {call.isSet(QStringLiteral("all")), call.isSet(QStringLiteral("json"))};
     const QStringList directories = call.positionalArguments();
-    if (!directories.isEmpty()) return listIn(directories.at(0), asJson, console);
+    if (!directories.isEmpty()) return listIn(directories.at(0), form, console);
     return askInstallationIfAny(call, console,
                                 [&](RuntimeMessages& messages, const Console& results) {
-                                    return listFavorites(messages, asJson, results);
+                                    return listFavorites(messages, form, results);
                                 });
-}
-
-// The context files of a directory, by name.
-QStringList contextsIn(const QString& directory) {
-    QStringList paths;
-    const QStringList names =
-        QDir(nativePath(directory))
-            .entryList({QStringLiteral("*.mctx")}, QDir::Files | QDir::Hidden, QDir::Name);
-    for (const QString& name : names)
-        paths += pathIn(directory, name);
-    return paths;
 }
 
 void printDefault(const QString& file, int position, bool asJson, const Console& console) {
@@ -107,15 +121,20 @@ ExitStatus choose(const QCommandLineParser& call, const Console& console) {
 Command contextListCommand() {
     Command command;
     command.name = QStringLiteral("context list");
-    command.arguments = QStringLiteral("[--root DIR] [--json] [DIR]");
+    command.arguments = QStringLiteral("[--root DIR] [--all] [--json] [DIR]");
     command.summary = QStringLiteral("List the favourite machine contexts");
     command.details = QStringLiteral(
         "Prints the path of each context below DIR that has the name of its directory.\n"
         "Without DIR it searches the favourite directory of the installation:\n"
-        "TRV_MCTX_DEF, or else $TRVHOME\\standard\\machine_context.\n");
-    command.examples += QStringLiteral("trvfiles context list .");
-    command.examples += QStringLiteral("trvfiles context list --json .");
-    command.options = {rootOption(), jsonOption()};
+        "TRV_MCTX_DEF, or else $TRVHOME\\standard\\machine_context. If there is no such\n"
+        "context, a note says how many others there are.\n");
+    command.examples += QStringLiteral("trvfiles context list --json");
+    command.examples += QStringLiteral("trvfiles context list --all .");
+    command.options = {
+        rootOption(),
+        QCommandLineOption(QStringLiteral("all"),
+                           QStringLiteral("List every context below DIR, whatever its name is")),
+        jsonOption()};
     command.operand = QStringLiteral("directory");
     command.minFiles = 0;
     command.run = list;

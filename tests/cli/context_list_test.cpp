@@ -24,10 +24,40 @@ TEST_F(ContextList, PrintsOnePathPerLine) {
                               text("C/[x] %1/[x] %1.mctx") + "\n");
 }
 
-TEST_F(ContextList, PrintsNothingIfThereIsNoContext) {
-    const Answer answer = list(path(""));
+TEST_F(ContextList, SaysWhatThereIsInsteadOfFavourites) {
+    const std::string begin = "trvfiles: " + text("") + ": ";
+    Answer answer = list(path(""));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out + answer.err, "");
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, begin +
+                              "no context has the name of its directory, and there are no other "
+                              "contexts\n");
+    EXPECT_EQ(list(path(""), "context list --all").err, begin + "there are no contexts\n");
+    file("a/x.mctx", "");
+    EXPECT_EQ(list(path("")).err, begin +
+                                      "no context has the name of its directory; 1 other context "
+                                      "is there, list it with --all\n");
+    file("y.mctx", "");
+    answer = list(path(""), "context list --json");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, "{\"contexts\":[],\"directory\":\"" + text("") + "\"}\n");
+    EXPECT_EQ(answer.err, begin +
+                              "no context has the name of its directory; 2 other contexts are "
+                              "there, list them with --all\n");
+}
+
+TEST_F(ContextList, ListsAllContextsOnRequest) {
+    file("a/a.mctx", "");
+    file("a/x.mctx", "");
+    file("y.mctx", "");
+    Answer answer = list(path(""), "context list --all");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out,
+              text("y.mctx") + "\n" + text("a/a.mctx") + "\n" + text("a/x.mctx") + "\n");
+    answer = list(path("a"), "context list --all --json");
+    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + text("a/a.mctx") + "\",\"" + text("a/x.mctx") +
+                              "\"],\"directory\":\"" + text("a") + "\"}\n");
 }
 
 TEST_F(ContextList, PrintsJson) {
