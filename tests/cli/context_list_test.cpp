@@ -129,7 +129,9 @@ TEST_F(FavoriteList, ReportsWhyThereIsNoFavouriteDirectory) {
     process_.setVariable("TRVHOME", nullptr);
     EXPECT_EQ(list(), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: there is no installation: TRVHOME is not set; set it or give --root DIR\n");
 
     // Both are too long after expansion.
     write("shop/config/environ.cfg", "[var]\n");

@@ -96,7 +96,7 @@ TEST_F(EnvCheck, NeedsTheInstallationForAConditionAlone) {
     write("a.msg", "[one]\n/if CELL\n/endif\n/if CELL\n/endif\n");
     EXPECT_EQ(run({"check", "a.msg", "shop/texts/messages.msg"}), 1);
     EXPECT_EQ(out(),
-              "a.msg: The environment variable 'TRVHOME' is not defined\n"
+              "a.msg: there is no installation: TRVHOME is not set; set it or give --root DIR\n"
               "shop/texts/messages.msg: ok (2 sections, 5 entries)\n");
     EXPECT_EQ(run({"check", "--root", "shop", "a.msg"}), 0);
     EXPECT_EQ(out(), "a.msg: ok (1 section, 0 entries)\n");

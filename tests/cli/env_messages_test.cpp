@@ -101,7 +101,9 @@ TEST_F(EnvMessages, NeedsTheInstallationForAConditionAlone) {
     write("a.msg", "[one]\n/if CELL\n/endif\n");
     EXPECT_EQ(run({"messages", "a.msg"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: there is no installation: TRVHOME is not set; set it or give --root DIR\n");
 }
 
 TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
