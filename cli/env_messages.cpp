@@ -81,7 +81,7 @@ ExitStatus print(const QCommandLineParser& call, const Console& console) {
     const MessageFile file = loadMessageFile(name);
     if (file.result == load_result::missing) {
         console.err << qUtf8Printable(
-            QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), file.whyMissing));
+            QStringLiteral("trvfiles: %1: %2\n").arg(shown(name), shown(file.whyMissing)));
         return failed;
     }
     // The reason has been reported, and is printed when this returns.
