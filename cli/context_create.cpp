@@ -7,6 +7,7 @@
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -40,6 +41,11 @@ private:
     std::error_code error_;
 };
 
+// The path of a file as the system spells it.
+QString nativePathIn(const QString& directory, const QString& file) {
+    return QDir::toNativeSeparators(pathIn(directory, file));
+}
+
 bool exists(const QString& path) {
     const QFileInfo info(resolved(path));
     return info.exists() || info.isSymLink();
@@ -66,18 +72,18 @@ QString whyNotCreated(const QString& path) {
 // Reports the first file that cannot be created, after the catalogue has failed.
 ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
                           const Console& console) {
-    const QString context = pathIn(directory, plan.context);
+    const QString context = nativePathIn(directory, plan.context);
     // A failure leaves at most one of the two: another process has created both in the meantime.
-    if (exists(context) && exists(pathIn(directory, plan.reference))) {
+    if (exists(context) && exists(nativePathIn(directory, plan.reference))) {
         return fail(context, QStringLiteral("exists already"), console);
     }
     for (const QString& file : {plan.axisFile, plan.reference, plan.context}) {
-        const QString path = pathIn(directory, file);
+        const QString path = nativePathIn(directory, file);
         const QString reason = whyNotCreated(path);
         if (!reason.isEmpty()) return fail(path, reason, console);
     }
     // The axis file is the first one that is written, and it stays.
-    const QString axis = pathIn(directory, plan.axisFile);
+    const QString axis = nativePathIn(directory, plan.axisFile);
     return fail(exists(axis) ? context : axis, QStringLiteral("cannot be written"), console);
 }
 
@@ -117,16 +123,16 @@ ExitStatus create(const Task& task, const Console& console, const Creation& crea
     const bool isCreated = creation(context, reference);
     if (printReports(messages.takeReports(), console)) return failed;
     if (!isCreated) return explainFailure(task.directory, task.plan, console);
-    printCreated(pathIn(task.directory, fromWide(context)),
-                 pathIn(task.directory, fromWide(reference)), task, console);
+    printCreated(nativePathIn(task.directory, fromWide(context)),
+                 nativePathIn(task.directory, fromWide(reference)), task, console);
     return done;
 }
 
 ExitStatus createForPosition(int position, Task task, const Console& console) {
     task.plan = contextPlan(position);
     const QString& directory = task.directory;
-    const QStringList files = {pathIn(directory, task.plan.context),
-                               pathIn(directory, task.plan.reference)};
+    const QStringList files = {nativePathIn(directory, task.plan.context),
+                               nativePathIn(directory, task.plan.reference)};
     for (const QString& file : files) {
         if (exists(file)) task.replaced += file;
     }
@@ -138,7 +144,7 @@ ExitStatus createForPosition(int position, Task task, const Console& console) {
             return fail(file, QStringLiteral("is a directory"), console);
         }
     }
-    const QString axisFile = pathIn(directory, task.plan.axisFile);
+    const QString axisFile = nativePathIn(directory, task.plan.axisFile);
     AxisFile axis;
     if (exists(axisFile)) {
         if (const Problem problem = readAxis(axisFile, axis))
@@ -153,11 +159,11 @@ ExitStatus createForPosition(int position, Task task, const Console& console) {
 ExitStatus createForMachine(const Task& task, const Console& console) {
     const QString& directory = task.directory;
     const ContextPlan& plan = task.plan;
-    const QString axisFile = pathIn(directory, plan.axisFile);
+    const QString axisFile = nativePathIn(directory, plan.axisFile);
     AxisFile axis;
     if (const Problem problem = readAxis(axisFile, axis)) return report(axisFile, problem, console);
     for (const QString& file : {plan.context, plan.reference}) {
-        const QString path = pathIn(directory, file);
+        const QString path = nativePathIn(directory, file);
         if (exists(path)) return fail(path, QStringLiteral("exists already"), console);
     }
     return create(task, console, [&](std::wstring& first, std::wstring& second) {

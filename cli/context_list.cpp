@@ -6,6 +6,7 @@
 #include <trvfiles/catalogue/CMachineContextUtils.h>
 #include <trvfiles/text/text_conversion.h>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -21,7 +22,7 @@ QStringList favoritesIn(const QString& directory) {
     QStringList paths;
     for (const std::wstring& path :
          CMachineContextUtils::sGetFavoriteMachineContext(toWide(directory))) {
-        paths += fromWide(path);
+        paths += QDir::toNativeSeparators(fromWide(path));
     }
     return paths;
 }
@@ -57,8 +58,8 @@ ExitStatus listIn(const QString& directory, Form form, const Console& console) {
 }
 
 ExitStatus listFavorites(RuntimeMessages& messages, Form form, const Console& console) {
-    const QString directory =
-        fromWide(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW());
+    const QString directory = QDir::toNativeSeparators(
+        fromWide(CMachineContextUtils::sGetFavoriteMachineContextDirectoryW()));
     if (!directory.isEmpty()) return listIn(directory, form, console);
     if (!printReports(messages.takeReports(), console)) {
         console.err << "trvfiles: there is no favourite directory: set TRV_MCTX_DEF or TRVHOME, "

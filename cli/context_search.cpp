@@ -44,7 +44,7 @@ QStringList subdirectoriesOf(const QString& directory) {
 QStringList contextsIn(const QString& directory) {
     QStringList paths;
     for (const QString& name : contextNamesIn(nativePath(directory)))
-        paths += pathIn(directory, name);
+        paths += QDir::toNativeSeparators(pathIn(directory, name));
     return paths;
 }
 
@@ -57,7 +57,7 @@ QStringList contextsBelow(const QString& directory) {
         const QString next = pending.takeLast();
         if (!searched.insert(platform::canonical_path(systemPath(next)).native()).second) continue;
         for (const QString& name : contextNamesIn(next))
-            paths += entryPath(next, name);
+            paths += QDir::toNativeSeparators(entryPath(next, name));
         QStringList below = subdirectoriesOf(next);
         std::reverse(below.begin(), below.end());
         for (const QString& name : below)

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// The machine context files of directories, whatever their names are before ".mctx".
+/// The machine context files of directories, whatever their names are before ".mctx". Their paths
+/// have the separators of the system.
 
 #include <QString>
 #include <QStringList>

@@ -23,7 +23,8 @@ namespace {
 
 // The longest list that a search accepts.
 constexpr std::size_t maxListLength = 8192;
-// Lists that refer to each other many times, such as "A = ?B;?B", give this many elements at most.
+// Lists that refer to each other many times, such as "A = ?B;?B", are divided up to this number of
+// elements, references counted.
 constexpr std::size_t maxElements = 10000;
 
 // The value of a definition, and which part of it each earlier definition gives.

@@ -20,8 +20,8 @@ TEST_F(ContextList, PrintsOnePathPerLine) {
     const Answer answer = list(path(""));
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out, text("a/a.mctx") + "\n" + text("B/B.mctx") + "\n" +
-                              text("C/[x] %1/[x] %1.mctx") + "\n");
+    EXPECT_EQ(answer.out, printed("a/a.mctx") + "\n" + printed("B/B.mctx") + "\n" +
+                              printed("C/[x] %1/[x] %1.mctx") + "\n");
 }
 
 TEST_F(ContextList, SaysWhatThereIsInsteadOfFavourites) {
@@ -54,17 +54,17 @@ TEST_F(ContextList, ListsAllContextsOnRequest) {
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
     EXPECT_EQ(answer.out,
-              text("y.mctx") + "\n" + text("a/a.mctx") + "\n" + text("a/x.mctx") + "\n");
+              printed("y.mctx") + "\n" + printed("a/a.mctx") + "\n" + printed("a/x.mctx") + "\n");
     answer = list(path("a"), "context list --all --json");
-    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + text("a/a.mctx") + "\",\"" + text("a/x.mctx") +
-                              "\"],\"directory\":\"" + text("a") + "\"}\n");
+    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + printed("a/a.mctx") + "\",\"" +
+                              printed("a/x.mctx") + "\"],\"directory\":\"" + text("a") + "\"}\n");
 }
 
 TEST_F(ContextList, PrintsJson) {
     file("a/a.mctx", "");
     const Answer answer = list(path("."), "context list --json");
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + text("./a/a.mctx") + "\"],\"directory\":\"" +
+    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + printed("./a/a.mctx") + "\"],\"directory\":\"" +
                               text(".") + "\"}\n");
 }
 
@@ -92,8 +92,8 @@ TEST_F(FavoriteList, UsesThoseOfTheInstallation) {
     EXPECT_EQ(list(), 0);
     EXPECT_EQ(err(), "");
     EXPECT_EQ(out(),
-              "/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\n"
-              "/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\n");
+              native("/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\n"
+                     "/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\n"));
 }
 
 TEST_F(FavoriteList, UsesTheInstallationOfTheCall) {
@@ -101,21 +101,22 @@ TEST_F(FavoriteList, UsesTheInstallationOfTheCall) {
     EXPECT_EQ(
         list({QStringLiteral("--json"), QStringLiteral("--root"), QString::fromStdString(root())}),
         0);
-    EXPECT_EQ(out(),
-              "{\"contexts\":["
-              "\"/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\","
-              "\"/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\"],"
-              "\"directory\":\"/opt/shop/standard/machine_context\"}\n");
+    EXPECT_EQ(out(), native("{\"contexts\":["
+                            "\"/opt/shop/standard/machine_context/five-axis/tilted-table/"
+                            "tilted-table.mctx\","
+                            "\"/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\"],"
+                            "\"directory\":\"/opt/shop/standard/machine_context\"}\n"));
 }
 
 TEST_F(FavoriteList, UsesADirectoryThatTheProcessNames) {
     write("mine/a/a.mctx", "");
     process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/mine").c_str());
     EXPECT_EQ(list(), 0);
-    EXPECT_EQ(out(), directory_.text() + "/mine/a/a.mctx\n");
+    EXPECT_EQ(out(), native(directory_.text() + "/mine/a/a.mctx") + "\n");
     process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/none").c_str());
     EXPECT_EQ(list(), 2);
-    EXPECT_EQ(err(), "trvfiles: " + directory_.text() + "/none: No such file or directory\n");
+    EXPECT_EQ(err(),
+              "trvfiles: " + native(directory_.text() + "/none") + ": No such file or directory\n");
 }
 
 TEST_F(FavoriteList, ReportsAFaultyInstallation) {
@@ -172,7 +173,7 @@ TEST_F(ContextDefault, IsLookedForInADirectory) {
     std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_8].mctx");
     const Answer answer = answerTo(words("context default") + QStringList(path(".")));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, text("./[MACHINE_POSITION_07].mctx") + "\n");
+    EXPECT_EQ(answer.out, printed("./[MACHINE_POSITION_07].mctx") + "\n");
 }
 
 TEST_F(ContextDefault, MayBeMissing) {

@@ -89,6 +89,20 @@ TEST(EnvDirectories, BelongToTheValueOfALongList) {
     EXPECT_THAT(directories("CFG"), Each(EndsWith(" <- b.cfg:2")));
 }
 
+// 16384 elements, from two references in each of 14 lists.
+TEST(EnvDirectories, BelongToTheValueOfAListWithTooManyReferences) {
+    ConfiguredStore store;
+    store.path("A0 = x", "a.cfg", 1);
+    for (int i = 1; i <= 14; ++i) {
+        const std::string inner = "?A" + std::to_string(i - 1);
+        store.path("A" + std::to_string(i) + " = " + inner + ";" + inner, "b.cfg", i);
+    }
+    const std::vector<std::string> found = directories("A14");
+    EXPECT_EQ(found.size(), 16384U);
+    EXPECT_THAT(found, Each(EndsWith(" <- b.cfg:14")));
+    EXPECT_THAT(directories("A11"), Each(EndsWith(" <- a.cfg:1")));
+}
+
 TEST(EnvDirectories, AreNoneIfTheListCannotBeExpanded) {
     ConfiguredStore store;
     store.path("CFG = a;${X", "a.cfg", 1);
