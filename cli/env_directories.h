@@ -23,9 +23,9 @@ struct ListedDirectory {
 };
 
 /// The elements of a path list, expanded, in the order in which a search tries them. Expanding them
-/// makes lookups. If the elements of one definition cannot be told apart, because the parts of an
-/// element are in several definitions or the list is longer than a search accepts, the origin of
-/// all is that of the list's value.
+/// makes lookups. An element that is made of several definitions belongs to the one in which it
+/// begins. If a reference reaches from one element into the next, or if the list is longer than a
+/// search accepts or refers to others too often, the origin of all is that of the list's value.
 ///
 /// @param value  as lookUp() returned it
 /// @return empty if the list cannot be expanded
