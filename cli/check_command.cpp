@@ -1,7 +1,7 @@
 #include <cli/check_files.h>
 #include <cli/command.h>
-#include <cli/ordered_work.h>
 #include <cli/input_files.h>
+#include <cli/ordered_work.h>
 #include <cli/progress_line.h>
 #include <cli/project_files.h>
 #include <cli/text_output.h>

@@ -7,6 +7,7 @@
 #include <trvfiles/text/open_file.h>
 #include <trvfiles/text/text_conversion.h>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 
@@ -40,6 +41,11 @@ private:
     std::error_code error_;
 };
 
+// The path of a file as the system spells it.
+QString nativePathIn(const QString& directory, const QString& file) {
+    return QDir::toNativeSeparators(pathIn(directory, file));
+}
+
 bool exists(const QString& path) {
     const QFileInfo info(resolved(path));
     return info.exists() || info.isSymLink();
@@ -66,82 +72,101 @@ QString whyNotCreated(const QString& path) {
 // Reports the first file that cannot be created, after the catalogue has failed.
 ExitStatus explainFailure(const QString& directory, const ContextPlan& plan,
                           const Console& console) {
-    const QString context = pathIn(directory, plan.context);
+    const QString context = nativePathIn(directory, plan.context);
     // A failure leaves at most one of the two: another process has created both in the meantime.
-    if (exists(context) && exists(pathIn(directory, plan.reference))) {
+    if (exists(context) && exists(nativePathIn(directory, plan.reference))) {
         return fail(context, QStringLiteral("exists already"), console);
     }
     for (const QString& file : {plan.axisFile, plan.reference, plan.context}) {
-        const QString path = pathIn(directory, file);
+        const QString path = nativePathIn(directory, file);
         const QString reason = whyNotCreated(path);
         if (!reason.isEmpty()) return fail(path, reason, console);
     }
     // The axis file is the first one that is written, and it stays.
-    const QString axis = pathIn(directory, plan.axisFile);
+    const QString axis = nativePathIn(directory, plan.axisFile);
     return fail(exists(axis) ? context : axis, QStringLiteral("cannot be written"), console);
+}
+
+// The files that are created, and how that is printed.
+struct Task {
+    QString directory;
+    ContextPlan plan;
+    /// Files that exist without their other file.
+    QStringList replaced;
+    bool asJson = false;
+};
+
+void printCreated(const QString& context, const QString& reference, const Task& task,
+                  const Console& console) {
+    if (task.asJson) {
+        printJson({{QStringLiteral("context"), context},
+                   {QStringLiteral("reference"), reference},
+                   {QStringLiteral("replaced"), QJsonArray::fromStringList(task.replaced)}},
+                  console.out);
+        return;
+    }
+    for (const QString& file : {context, reference})
+        console.out << qUtf8Printable(shown(file)) << '\n';
+    for (const QString& file : task.replaced) {
+        console.err << qUtf8Printable(
+            QStringLiteral("trvfiles: note: %1 existed without its other file and was replaced\n")
+                .arg(shown(file)));
+    }
 }
 
 using Creation = std::function<bool(std::wstring& context, std::wstring& reference)>;
 
-ExitStatus create(const QString& directory, const ContextPlan& plan, const Console& console,
-                  const Creation& creation) {
+ExitStatus create(const Task& task, const Console& console, const Creation& creation) {
     std::wstring context;
     std::wstring reference;
     RuntimeMessages messages(console.err);
     const bool isCreated = creation(context, reference);
     if (printReports(messages.takeReports(), console)) return failed;
-    if (!isCreated) return explainFailure(directory, plan, console);
-    for (const std::wstring& file : {context, reference})
-        console.out << qUtf8Printable(shown(pathIn(directory, fromWide(file)))) << '\n';
+    if (!isCreated) return explainFailure(task.directory, task.plan, console);
+    printCreated(nativePathIn(task.directory, fromWide(context)),
+                 nativePathIn(task.directory, fromWide(reference)), task, console);
     return done;
 }
 
-void noteReplaced(const QString& file, const Console& console) {
-    console.err << qUtf8Printable(
-        QStringLiteral("trvfiles: note: %1 existed without its other file and was replaced\n")
-            .arg(shown(file)));
-}
-
-ExitStatus createForPosition(int position, const QString& directory, const Console& console) {
-    const ContextPlan plan = contextPlan(position);
-    const QString context = pathIn(directory, plan.context);
-    const QString reference = pathIn(directory, plan.reference);
-    const bool contextIsThere = exists(context);
-    const bool referenceIsThere = exists(reference);
-    if (contextIsThere && referenceIsThere) {
-        return fail(context, QStringLiteral("exists already"), console);
+ExitStatus createForPosition(int position, Task task, const Console& console) {
+    task.plan = contextPlan(position);
+    const QString& directory = task.directory;
+    const QStringList files = {nativePathIn(directory, task.plan.context),
+                               nativePathIn(directory, task.plan.reference)};
+    for (const QString& file : files) {
+        if (exists(file)) task.replaced += file;
     }
-    for (const QString& file : {context, reference}) {
+    if (task.replaced.size() == files.size()) {
+        return fail(files.first(), QStringLiteral("exists already"), console);
+    }
+    for (const QString& file : files) {
         if (QFileInfo(resolved(file)).isDir()) {
             return fail(file, QStringLiteral("is a directory"), console);
         }
     }
-    const QString axisFile = pathIn(directory, plan.axisFile);
+    const QString axisFile = nativePathIn(directory, task.plan.axisFile);
     AxisFile axis;
     if (exists(axisFile)) {
         if (const Problem problem = readAxis(axisFile, axis))
             return report(axisFile, problem, console);
     }
-    const auto creation = [&](std::wstring& first, std::wstring& second) {
+    return create(task, console, [&](std::wstring& first, std::wstring& second) {
         return CMachineContextUtils::sCreateDefaultMachineContext(toWide(directory), position,
                                                                   &first, &second);
-    };
-    const ExitStatus status = create(directory, plan, console, creation);
-    if (status == done && contextIsThere) noteReplaced(context, console);
-    if (status == done && referenceIsThere) noteReplaced(reference, console);
-    return status;
+    });
 }
 
-ExitStatus createForMachine(const ContextPlan& plan, const QString& directory,
-                            const Console& console) {
-    const QString axisFile = pathIn(directory, plan.axisFile);
+ExitStatus createForMachine(const Task& task, const Console& console) {
+    const QString& directory = task.directory;
+    const ContextPlan& plan = task.plan;
+    const QString axisFile = nativePathIn(directory, plan.axisFile);
     AxisFile axis;
     if (const Problem problem = readAxis(axisFile, axis)) return report(axisFile, problem, console);
     for (const QString& file : {plan.context, plan.reference}) {
-        const QString path = pathIn(directory, file);
+        const QString path = nativePathIn(directory, file);
         if (exists(path)) return fail(path, QStringLiteral("exists already"), console);
     }
-    return create(directory, plan, console, [&](std::wstring& first, std::wstring& second) {
+    return create(task, console, [&](std::wstring& first, std::wstring& second) {
         // The catalogue copies in the current directory.
         const CurrentDirectory there(directory);
         return there.isSet() && CMachineContextUtils::sCreateMachineContext(
@@ -191,8 +216,9 @@ ExitStatus createContext(const QCommandLineParser& call, const Console& console)
     const QString directory = call.positionalArguments().at(0);
     const QString reason = whyNotListed(directory);
     if (!reason.isEmpty()) return fail(directory, reason, console);
-    return position > 0 ? createForPosition(position, directory, console)
-                        : createForMachine(plan, directory, console);
+    const Task task = {directory, plan, {}, call.isSet(QStringLiteral("json"))};
+    return position > 0 ? createForPosition(position, task, console)
+                        : createForMachine(task, console);
 }
 
 }  // namespace
@@ -201,7 +227,8 @@ Command contextCreateCommand() {
     Command command;
     command.name = QStringLiteral("context create");
     command.arguments = QStringLiteral(
-        "--position N DIR\n       trvfiles context create --machine M [--axis F] [--name K] DIR");
+        "[--json] --position N DIR\n"
+        "       trvfiles context create [--json] --machine M [--axis F] [--name K] DIR");
     command.summary = QStringLiteral("Create a machine context and its reference axis file");
     command.details = QStringLiteral(
         "With --position it creates the default context of a machine position, and DIR\n"
@@ -220,7 +247,8 @@ Command contextCreateCommand() {
                            QStringLiteral("F")),
         QCommandLineOption(QStringLiteral("name"),
                            QStringLiteral("The context's name instead of M[AXIS]"),
-                           QStringLiteral("K"))};
+                           QStringLiteral("K")),
+        jsonOption()};
     command.operand = QStringLiteral("directory");
     command.run = createContext;
     return command;

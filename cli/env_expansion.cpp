@@ -1,5 +1,7 @@
 #include <cli/env_expansion.h>
+#include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <utility>
 
@@ -32,6 +34,7 @@ struct Meaning {
 constexpr int outOfMemory = -41;
 
 constexpr Meaning meanings[] = {
+    {EXP_OK, "EXP_OK", "done"},
     {EXP_NOT_FOUND, "EXP_NOT_FOUND", "there is no such file"},
     {EXP_SYNTAX_ERROR, "EXP_SYNTAX_ERROR", "a bracket after a $ or ? is not closed"},
     {EXP_BUFFER_TOO_SMALL, "EXP_BUFFER_TOO_SMALL", "the list or the path found is too long"},
@@ -41,6 +44,14 @@ constexpr Meaning meanings[] = {
     {EXP_UNDEFINED, "EXP_UNDEFINED", "something that it refers to is not defined"},
     {EXP_INVALID_ARGUMENT, "EXP_INVALID_ARGUMENT", "no file name follows the list of directories"},
 };
+
+// nullptr for an unknown status.
+const Meaning* meaningOf(int code) {
+    for (const Meaning& meaning : meanings) {
+        if (meaning.code == code) return &meaning;
+    }
+    return nullptr;
+}
 
 }  // namespace
 
@@ -58,14 +69,39 @@ void UndefinedReferences::add(const lookup_event& lookup) {
     if (known_.insert(reference).second) inOrder_.push_back(std::move(reference));
 }
 
-QString codeText(int code) {
-    for (const Meaning& meaning : meanings) {
-        if (meaning.code != code) continue;
-        return QStringLiteral("%1 (%2): %3")
-            .arg(QString::fromLatin1(meaning.name), QString::number(code),
-                 QString::fromLatin1(meaning.text));
+QJsonArray UndefinedReferences::json() const {
+    QJsonArray array;
+    for (const std::string& reference : inOrder_)
+        array.append(fromNarrow(reference));
+    return array;
+}
+
+void printFailure(const QString& text, const QString& reason, const Console& console) {
+    console.err << qUtf8Printable(
+        QStringLiteral("trvfiles: %1: %2\n").arg(shown(text), shown(reason)));
+}
+
+void printUndefined(const QString& text, const UndefinedReferences& references,
+                    const Console& console) {
+    // Every line repeats the text, so a long one is cut.
+    constexpr int maxLength = 200;
+    const QString beginning = beginningOf(text, maxLength);
+    for (const std::string& reference : references.inOrder()) {
+        printFailure(beginning, QStringLiteral("%1 is not defined").arg(fromNarrow(reference)),
+                     console);
     }
-    return QStringLiteral("error %1").arg(code);
+}
+
+QString codeName(int code) {
+    const Meaning* meaning = meaningOf(code);
+    return QString::fromLatin1(meaning == nullptr ? "error" : meaning->name);
+}
+
+QString codeText(int code) {
+    const Meaning* meaning = meaningOf(code);
+    if (meaning == nullptr) return QStringLiteral("error %1").arg(code);
+    return QStringLiteral("%1 (%2): %3")
+        .arg(codeName(code), QString::number(code), QString::fromLatin1(meaning->text));
 }
 
 }  // namespace trv::cli

@@ -1,7 +1,9 @@
 #include <cli/env_commands.h>
+#include <cli/env_directories.h>
 #include <cli/env_expansion.h>
 #include <cli/env_lookup.h>
 #include <cli/env_runtime.h>
+#include <cli/suggestion.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/text/text_conversion.h>
@@ -16,9 +18,11 @@ struct Explanation {
     Subject subject;
     Value value;
     Definitions definitions;
-    /// The expanded value, with a line for each lookup. Only set if the value has references.
+    /// The expanded value, and each lookup. Only set if the value has references.
     Expansion expansion;
-    std::vector<std::string> lookups;
+    std::vector<Lookup> lookups;
+    /// Only set for a path list.
+    std::vector<ListedDirectory> directories;
 
     bool refersToOthers() const { return value.text.find_first_of("$?") != std::string::npos; }
 };
@@ -31,22 +35,30 @@ Explanation explanationOf(const Subject& subject) {
     if (explanation.refersToOthers()) {
         explanation.expansion = expand(
             explanation.value.text, false,
-            [&](const lookup_event& lookup) { explanation.lookups.push_back(event_text(lookup)); });
+            [&](const lookup_event& event) { explanation.lookups.push_back(lookupOf(event)); });
     }
+    if (subject.isPath && explanation.value.isDefined)
+        explanation.directories = directoriesOf(subject, explanation.value);
     return explanation;
 }
 
-// The rule of the runtime by which this value was chosen.
-QString reasonText(const Explanation& explanation) {
+// The rule of the runtime by which a value was chosen.
+struct Reason {
+    const char* name;
+    const char* text;
+};
+
+Reason reasonOf(const Explanation& explanation) {
     const std::size_t definitions = explanation.definitions.inOrder.size();
-    if (explanation.value.origin.empty())
-        return QStringLiteral("the temporary directory of the work zone");
-    if (explanation.value.fromEnvironment) {
-        return definitions == 0 ? QStringLiteral("the installation does not define it")
-                                : QStringLiteral("the process environment goes before all files");
+    if (explanation.value.origin.kind == Origin::Kind::workZone) {
+        return {"workZone", "the temporary directory"};
     }
-    if (definitions > 1) return QStringLiteral("the definition that was read last wins");
-    return QStringLiteral("the only definition that counts");
+    if (explanation.value.isFromEnvironment()) {
+        if (definitions == 0) return {"notInFiles", "the installation does not define it"};
+        return {"environmentFirst", "the process environment goes before all files"};
+    }
+    if (definitions > 1) return {"lastDefinition", "the definition that was read last wins"};
+    return {"onlyDefinition", "the only definition that counts"};
 }
 
 // The value before a definition. It is cut if it is long: each definition of a list shows more of
@@ -66,8 +78,8 @@ void printDefinitions(const char* title, const History& definitions, bool all, s
     if (definitions.size() == 0) return;
     out << '\n' << title << '\n';
     const auto show = [&](const Definition& definition) {
-        QString text =
-            QStringLiteral("  %1\n    %2\n").arg(shown(definition.entry), shown(definition.origin));
+        QString text = QStringLiteral("  %1\n    %2\n")
+                           .arg(shown(definition.entry), originText(definition.origin));
         if (definition.extends) {
             text += QStringLiteral("    %1\n").arg(extendedText(definition, all));
         }
@@ -84,35 +96,51 @@ void printExpansion(const Explanation& explanation, std::ostream& out) {
                                ? codeText(expansion.code)
                                : QLatin1String("= ") + shown(expansion.text);
     out << qUtf8Printable(QStringLiteral("\nExpanded\n  %1\n").arg(result));
-    for (const std::string& lookup : explanation.lookups)
-        out << qUtf8Printable(QStringLiteral("    %1\n").arg(shown(lookup)));
+    for (const Lookup& lookup : explanation.lookups)
+        out << qUtf8Printable(QStringLiteral("    %1\n").arg(lookupText(lookup)));
+}
+
+void printDirectories(const std::vector<ListedDirectory>& directories, std::ostream& out) {
+    if (directories.empty()) return;
+    out << "\nDirectories, in the order of a search\n";
+    for (const ListedDirectory& directory : directories) {
+        const QString missing = QStringLiteral("; does not exist");
+        out << qUtf8Printable(QStringLiteral("  %1  (%2%3)\n")
+                                  .arg(shown(nativeSpelling(directory.path)),
+                                       originText(directory.origin),
+                                       directory.exists ? QString() : missing));
+    }
 }
 
 void printText(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
-    const QString reason = reasonText(explanation);
-    out << qUtf8Printable(
-        QStringLiteral("%1 = %2\n%3\n")
-            .arg(shown(explanation.subject.text()), shown(value.text),
-                 value.origin.empty() ? reason
-                                      : QStringLiteral("%1: %2").arg(shown(value.origin), reason)));
+    out << qUtf8Printable(QStringLiteral("%1 = %2\n%3: %4\n")
+                              .arg(shown(explanation.subject.text()), shown(value.text),
+                                   originText(value.origin),
+                                   QString::fromLatin1(reasonOf(explanation).text)));
     printDefinitions("Definitions, oldest first", explanation.definitions.inOrder, all, out);
     printDefinitions("Never looked at", explanation.definitions.hidden, all, out);
     if (explanation.refersToOthers()) printExpansion(explanation, out);
+    printDirectories(explanation.directories, out);
 }
 
 QJsonObject json(const Definition& definition) {
-    const bool isFromFile = !definition.file.empty();
     const bool isKnown = definition.extends && !definition.isBeyondLimits;
-    return {
+    QJsonObject object = {
         {QStringLiteral("entry"), fromNarrow(definition.entry)},
-        {QStringLiteral("file"),
-         isFromFile ? QJsonValue(fromNarrow(definition.file)) : QJsonValue()},
-        {QStringLiteral("line"), isFromFile ? QJsonValue(definition.line) : QJsonValue()},
         {QStringLiteral("extends"), definition.extends},
         {QStringLiteral("extended"),
          isKnown ? QJsonValue(fromNarrow(definition.extended)) : QJsonValue()},
     };
+    addOrigin(definition.origin, object);
+    return object;
+}
+
+QJsonObject json(const ListedDirectory& directory) {
+    QJsonObject object = {{QStringLiteral("path"), nativeSpelling(directory.path)},
+                          {QStringLiteral("exists"), directory.exists}};
+    addOrigin(directory.origin, object);
+    return object;
 }
 
 // Element by element: the array of a long history is never in memory as a whole.
@@ -133,28 +161,61 @@ QJsonValue expandedJson(const Explanation& explanation) {
 // The keys are in alphabetical order, as QJsonDocument writes those of the other commands.
 void printJson(const Explanation& explanation, bool all, std::ostream& out) {
     const Value& value = explanation.value;
+    QJsonObject origin;
+    addOrigin(value.origin, origin);
     JsonWriter json(out);
-    json.add("defined", value.isDefined);
-    if (value.isDefined) {
-        writeDefinitions("definitions", explanation.definitions.inOrder, all, json);
-        json.add("expanded", expandedJson(explanation));
-        json.add("fromEnvironment", value.fromEnvironment);
-        writeDefinitions("hidden", explanation.definitions.hidden, all, json);
-        json.beginArray("lookups");
-        for (const std::string& lookup : explanation.lookups)
-            json.addElement(fromNarrow(lookup));
+    json.add("defined", true);
+    writeDefinitions("definitions", explanation.definitions.inOrder, all, json);
+    if (explanation.subject.isPath) {
+        json.beginArray("directories");
+        for (const ListedDirectory& directory : explanation.directories)
+            json.addElement(cli::json(directory));
         json.endArray();
     }
+    json.add("expanded", expandedJson(explanation));
+    json.add("file", origin.value(QStringLiteral("file")));
+    json.add("fromEnvironment", value.isFromEnvironment());
+    writeDefinitions("hidden", explanation.definitions.hidden, all, json);
+    json.add("line", origin.value(QStringLiteral("line")));
+    json.beginArray("lookups");
+    for (const Lookup& lookup : explanation.lookups)
+        json.addElement(lookupJson(lookup));
+    json.endArray();
     json.add("name", fromNarrow(explanation.subject.text()));
-    if (value.isDefined) {
-        json.add("origin", fromNarrow(value.origin));
-        json.add("reason", reasonText(explanation));
-        json.add("value", fromNarrow(value.text));
-    }
+    json.add("origin", origin.value(QStringLiteral("origin")));
+    json.add("reason", QString::fromLatin1(reasonOf(explanation).name));
+    json.add("value", fromNarrow(value.text));
     json.end();
 }
 
+// The names of variables and path lists, as Subject::text() gives them.
+QStringList definedNames() {
+    QStringList names;
+    for (const bool isPath : {false, true}) {
+        for (const std::string& name : variableNames(isPath).names)
+            names += fromNarrow(Subject{isPath, name}.text());
+    }
+    return names;
+}
+
 // JSON is printed for an undefined variable too, so that a script can distinguish it from an error.
+ExitStatus reportUndefined(const Subject& subject, bool asJson, const Console& console) {
+    const QString name = fromNarrow(subject.text());
+    const QStringList names = definedNames();
+    if (asJson) {
+        const QString nearest = nearestName(name, names);
+        cli::printJson({{QStringLiteral("defined"), false},
+                        {QStringLiteral("name"), name},
+                        {QStringLiteral("suggestion"),
+                         nearest.isEmpty() ? QJsonValue() : QJsonValue(nearest)}},
+                       console.out);
+    } else {
+        console.err << qUtf8Printable(QStringLiteral("trvfiles: %1 is not defined%2\n")
+                                          .arg(shown(name), shown(suggestionFor(name, names))));
+    }
+    return negative;
+}
+
 ExitStatus explain(const QCommandLineParser& call, const Console& console) {
     const Subject subject = subjectOf(toNarrow(call.positionalArguments().at(0)));
     const bool all = call.isSet(QStringLiteral("all"));
@@ -162,15 +223,14 @@ ExitStatus explain(const QCommandLineParser& call, const Console& console) {
         const Explanation explanation = explanationOf(subject);
         if (messages.hasFatalReport()) return failed;
         // Printed directly and not buffered: it may be large, and no further report can follow.
-        const bool isDefined = explanation.value.isDefined;
-        if (call.isSet(QStringLiteral("json"))) {
+        const bool asJson = call.isSet(QStringLiteral("json"));
+        if (!explanation.value.isDefined) return reportUndefined(subject, asJson, console);
+        if (asJson) {
             printJson(explanation, all, console.out);
-        } else if (isDefined) {
-            printText(explanation, all, console.out);
         } else {
-            console.out << qUtf8Printable(shown(subject.text())) << " is not defined\n";
+            printText(explanation, all, console.out);
         }
-        return isDefined ? done : negative;
+        return done;
     });
 }
 
@@ -184,9 +244,11 @@ Command envExplainCommand() {
     command.details = QStringLiteral(
         "Prints the value that a program gets, every definition of it, and the\n"
         "replacement of each reference. If there are many definitions, it prints the\n"
-        "first and the last ones. \"?NAME\" explains a path list; write it in quotes in a\n"
-        "shell. Exit status: 0 the name is defined, 1 it is not, 2 an error.\n");
+        "first and the last ones. \"?NAME\" explains a path list, with its directories;\n"
+        "write it in quotes in a shell. Exit status: 0 the name is defined, 1 it is not,\n"
+        "2 an error.\n");
     command.examples += QStringLiteral("trvfiles env explain POST_OPTIONS");
+    command.examples += QStringLiteral("trvfiles env explain '?CFG'");
     command.options = {
         rootOption(),
         QCommandLineOption(QStringLiteral("all"), QStringLiteral("Print every definition in full")),

@@ -15,17 +15,15 @@ namespace {
 //               definition as it was given contains references in the form in which the store
 //               writes its own.
 Definition definitionAt(const message_store& store, std::int32_t text, const RunningValue& soFar) {
-    const text_record& record = store.texts.record(text);
+    const std::int32_t replaced = store.texts.record(text).previous;
     Definition definition;
     definition.entry = trim(without_references(store.texts.at(text)));
-    definition.origin = store.texts.origin(text);
-    if (record.file != text_pool::none) definition.file = store.texts.at(record.file);
-    definition.line = record.line;
-    definition.extends = RunningValue::extends(entry_value(store.texts.at(text)), record.previous);
+    definition.origin = originOf(store, text);
+    definition.extends = RunningValue::extends(entry_value(store.texts.at(text)), replaced);
     if (!definition.extends) return definition;
     definition.isBeyondLimits = soFar.state() == RunningValue::State::beyondLimits;
     definition.extended = soFar.state() == RunningValue::State::unknown
-                              ? resolve_references(store, record.previous)
+                              ? resolve_references(store, replaced)
                               : soFar.text();
     return definition;
 }

@@ -6,6 +6,8 @@
 ///
 /// All texts are narrow ones, as the runtime has them.
 
+#include <cli/env_origin.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -18,10 +20,7 @@ namespace trv::cli {
 struct Definition {
     /// "NAME = value" as it is written, without the blanks around it.
     std::string entry;
-    std::string origin;
-    /// Empty and 0 for a definition that is set by program.
-    std::string file;
-    int line = 0;
+    Origin origin;
     /// Whether a "+" in the entry means the value so far.
     bool extends = false;
     /// Whether that value exceeds a limit of resolve_references().

@@ -7,46 +7,52 @@
 namespace trv::cli {
 namespace {
 
+struct Listing {
+    bool ofPaths;
+    VariableNames names;
+};
+
 // Calls `take` with each name and its value, one after the other: all values together may be large.
 // "TMP" is left out, because looking it up may create a directory.
 template <class Take>
-void forEachVariable(const VariableNames& names, Take take) {
-    for (const std::string& name : names.names) {
-        const Subject subject = {false, name};
-        if (!isTemporaryDirectory(subject)) take(name, lookUp(subject));
+void forEachVariable(const Listing& listing, Take take) {
+    for (const std::string& name : listing.names.names) {
+        const Subject subject = {listing.ofPaths, name};
+        if (!isTemporaryDirectory(subject)) take(subject.text(), lookUp(subject));
     }
 }
 
 // A text without "=" ends the walk of for_each_variable() in a program. Such an error is hard to
 // find.
-void warnOf(const std::vector<std::string>& otherTexts, std::ostream& err) {
-    for (const std::string& origin : otherTexts) {
+void warnOf(const std::vector<Origin>& otherTexts, std::ostream& err) {
+    for (const Origin& origin : otherTexts) {
         err << qUtf8Printable(
-            QStringLiteral("trvfiles: warning: there is no \"=\" in the variable %1\n")
-                .arg(shown(origin)));
+            QStringLiteral("trvfiles: warning: %1: there is no \"=\" in the variable\n")
+                .arg(originText(origin)));
     }
 }
 
-void printText(const VariableNames& names, bool withOrigin, std::ostream& out) {
-    forEachVariable(names, [&](const std::string& name, const Value& value) {
+void printText(const Listing& listing, bool withOrigin, std::ostream& out) {
+    forEachVariable(listing, [&](const std::string& name, const Value& value) {
         QString line = QStringLiteral("%1 = %2").arg(shown(name), shown(value.text));
-        if (withOrigin || value.fromEnvironment) {
-            line += QStringLiteral("  (%1)").arg(shown(value.origin));
+        if (withOrigin || value.isFromEnvironment()) {
+            line += QStringLiteral("  (%1)").arg(originText(value.origin));
         }
         out << qUtf8Printable(line) << '\n';
     });
 }
 
-void printJson(const VariableNames& names, std::ostream& out) {
+void printJson(const Listing& listing, std::ostream& out) {
     JsonWriter json(out);
     json.beginArray("variables");
-    forEachVariable(names, [&](const std::string& name, const Value& value) {
-        json.addElement(QJsonObject{
+    forEachVariable(listing, [&](const std::string& name, const Value& value) {
+        QJsonObject object = {
             {QStringLiteral("name"), fromNarrow(name)},
             {QStringLiteral("value"), fromNarrow(value.text)},
-            {QStringLiteral("origin"), fromNarrow(value.origin)},
-            {QStringLiteral("fromEnvironment"), value.fromEnvironment},
-        });
+            {QStringLiteral("fromEnvironment"), value.isFromEnvironment()},
+        };
+        addOrigin(value.origin, object);
+        json.addElement(object);
     });
     json.endArray();
     json.end();
@@ -54,12 +60,13 @@ void printJson(const VariableNames& names, std::ostream& out) {
 
 ExitStatus list(const QCommandLineParser& call, const Console& console) {
     return askInstallation(call, console, [&](RuntimeMessages&, const Console& results) {
-        const VariableNames names = variableNames();
-        warnOf(names.otherTexts, results.err);
+        const bool ofPaths = call.isSet(QStringLiteral("paths"));
+        const Listing listing = {ofPaths, variableNames(ofPaths)};
+        warnOf(listing.names.otherTexts, results.err);
         if (call.isSet(QStringLiteral("json"))) {
-            printJson(names, results.out);
+            printJson(listing, results.out);
         } else {
-            printText(names, call.isSet(QStringLiteral("origin")), results.out);
+            printText(listing, call.isSet(QStringLiteral("origin")), results.out);
         }
         return done;
     });
@@ -70,17 +77,20 @@ ExitStatus list(const QCommandLineParser& call, const Console& console) {
 Command envListCommand() {
     Command command;
     command.name = QStringLiteral("env list");
-    command.arguments = QStringLiteral("[--root DIR] [--origin] [--json]");
+    command.arguments = QStringLiteral("[--root DIR] [--paths] [--origin] [--json]");
     command.summary = QStringLiteral("List the variables of an installation");
     command.details = QStringLiteral(
         "Prints a line for each variable, with the value that a program gets. If this is\n"
         "the value of the process environment, which has precedence over the files, the\n"
         "line says so. TMP is left out, because its lookup would create a directory.\n");
     command.examples += QStringLiteral("trvfiles env list --origin");
-    command.options = {rootOption(),
-                       QCommandLineOption(QStringLiteral("origin"),
-                                          QStringLiteral("Print the origin of each value")),
-                       jsonOption()};
+    command.examples += QStringLiteral("trvfiles env list --paths");
+    command.options = {
+        rootOption(),
+        QCommandLineOption(QStringLiteral("paths"), QStringLiteral("List the path lists instead")),
+        QCommandLineOption(QStringLiteral("origin"),
+                           QStringLiteral("Print the origin of each value")),
+        jsonOption()};
     command.operand = QStringLiteral("argument");
     command.minFiles = 0;
     command.maxFiles = 0;

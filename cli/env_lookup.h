@@ -6,7 +6,10 @@
 /// All texts are narrow ones, as the runtime has them.
 
 #include <cli/env_history.h>
+#include <cli/env_origin.h>
+#include <trvfiles/environment/runtime_observer.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -30,15 +33,32 @@ bool isTemporaryDirectory(const Subject& subject);
 
 struct Value {
     bool isDefined = false;
-    bool fromEnvironment = false;
     std::string text;
-    /// "from 'FILE' line N", "from environment" or "set by program"; empty for a temporary
-    /// directory that was computed.
-    std::string origin;
+    Origin origin;
+
+    bool isFromEnvironment() const { return origin.kind == Origin::Kind::environment; }
 };
 
 /// The value that a program gets.
 Value lookUp(const Subject& subject);
+
+/// A reference that was looked up in an expansion. `value` is as it is stored, before the
+/// references in it are expanded.
+struct Lookup {
+    Subject subject;
+    Value value;
+};
+
+/// A copy of the event, with the origin of the value.
+Lookup lookupOf(const lookup_event& event);
+
+/// "SITE = Erlbach  (/opt/shop/site/environ.cfg:4)" or "NOBODY is not defined", without hidden
+/// characters.
+QString lookupText(const Lookup& lookup);
+
+/// The keys `name` and `value`, which is null for an undefined one, and those of addOrigin() for a
+/// defined one.
+QJsonObject lookupJson(const Lookup& lookup);
 
 struct Definitions {
     /// Each one replaces the one before; the last one counts.
@@ -50,15 +70,21 @@ struct Definitions {
 
 Definitions definitionsOf(const Subject& subject);
 
+/// The text in the environment's store whose value a lookup gives, unless the process environment
+/// has one. It is the last definition of its entry.
+///
+/// @return text_pool::none if there is none
+std::int32_t definitionThatCounts(const Subject& subject);
+
 struct VariableNames {
     /// In the order of the entries. Of names that differ in case only, the first one.
     std::vector<std::string> names;
     /// The origins of texts without "=", which are not variables. A walk by for_each_variable()
     /// ends at the first one.
-    std::vector<std::string> otherTexts;
+    std::vector<Origin> otherTexts;
 };
 
-/// The contents of section `var`.
-VariableNames variableNames();
+/// The contents of section `var`, or of section `path`, whose names are here without a "?".
+VariableNames variableNames(bool ofPaths);
 
 }  // namespace trv::cli

@@ -2,11 +2,13 @@
 #include <cli/env_message_file.h>
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
+#include <cli/suggestion.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/entry_text.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace trv::cli {
 namespace {
@@ -55,37 +57,49 @@ QJsonObject json(const QString& name, const std::vector<Section>& sections) {
     return {{QStringLiteral("file"), name}, {QStringLiteral("sections"), array}};
 }
 
+// A file may have several sections of one name.
+std::vector<Section> sectionsNamed(const QString& name, const std::vector<Section>& sections) {
+    const std::string asked = toNarrow(name);
+    std::vector<Section> found;
+    std::copy_if(sections.begin(), sections.end(), std::back_inserter(found),
+                 [&](const Section& section) { return section.name == asked; });
+    return found;
+}
+
+void reportMissing(const QString& file, const QString& name, const std::vector<Section>& sections,
+                   const Console& console) {
+    QStringList names;
+    for (const Section& section : sections)
+        names += fromNarrow(section.name);
+    console.err << qUtf8Printable(
+        QStringLiteral("trvfiles: %1: there is no section [%2]%3\n")
+            .arg(shown(displayName(file)), shown(name), shown(suggestionFor(name, names))));
+}
+
 ExitStatus print(const QCommandLineParser& call, const Console& console) {
     const QStringList arguments = call.positionalArguments();
     const QString& name = arguments.at(0);
-    MessageFile file = loadMessageFile(name);
+    const MessageFile file = loadMessageFile(name);
     if (file.result == load_result::missing) {
-        console.err << qUtf8Printable(
-            QStringLiteral("trvfiles: %1: %2\n").arg(shown(displayName(name)), file.whyMissing));
+        console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2\n")
+                                          .arg(shown(displayName(name)), shown(file.whyMissing)));
         return failed;
     }
     // The reason has been reported, and is printed when this returns.
     if (file.result == load_result::failed) return failed;
-    if (arguments.size() > 1) {
-        // A file may have several sections of one name: all of them are shown.
-        const std::string asked = toNarrow(arguments.at(1));
-        file.sections.erase(
-            std::remove_if(file.sections.begin(), file.sections.end(),
-                           [&](const Section& section) { return section.name != asked; }),
-            file.sections.end());
-        if (file.sections.empty()) {
-            console.err << qUtf8Printable(
-                QStringLiteral("trvfiles: %1: there is no section [%2]\n")
-                    .arg(shown(displayName(name)), shown(arguments.at(1))));
-            return negative;
-        }
-    }
-    if (call.isSet(QStringLiteral("json"))) {
-        printJson(json(name, file.sections), console.out);
+    const bool asJson = call.isSet(QStringLiteral("json"));
+    const bool asksForOne = arguments.size() > 1;
+    std::vector<Section> named;
+    if (asksForOne) named = sectionsNamed(arguments.at(1), file.sections);
+    const std::vector<Section>& sections = asksForOne ? named : file.sections;
+    const bool isMissing = asksForOne && sections.empty();
+    if (isMissing) reportMissing(name, arguments.at(1), file.sections, console);
+    if (asJson) {
+        printJson(json(name, sections), console.out);
     } else {
-        printSections(file.sections, console.out);
+        printSections(sections, console.out);
     }
-    return done;
+    return isMissing ? negative : done;
 }
 
 ExitStatus messages(const QCommandLineParser& call, const Console& console) {

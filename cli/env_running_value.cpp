@@ -53,6 +53,11 @@ bool RunningValue::extends(std::string_view value, std::int32_t replaced) {
     return replaced >= 0 && piecesOf(value, replaced).literals.size() > 1;
 }
 
+std::vector<std::string_view> RunningValue::literals(std::string_view value,
+                                                     std::int32_t replaced) {
+    return piecesOf(value, replaced).literals;
+}
+
 void RunningValue::take(std::string_view value, std::int32_t replaced) {
     const Pieces pieces = piecesOf(value, replaced);
     const bool extends = pieces.literals.size() > 1;

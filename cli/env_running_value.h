@@ -31,6 +31,10 @@ public:
     /// Whether a definition extends the value so far; arguments as for take().
     static bool extends(std::string_view value, std::int32_t replaced);
 
+    /// What is before the first reference to the replaced text, between two of them, and after the
+    /// last one; arguments as for take().
+    static std::vector<std::string_view> literals(std::string_view value, std::int32_t replaced);
+
     /// Goes on to a definition.
     ///
     /// @param value     as the store holds it: each "+" that extends the value so far is a

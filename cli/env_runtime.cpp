@@ -1,7 +1,9 @@
+#include <cli/env_origin.h>
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/environment/environment_start.h>
+#include <trvfiles/environment/path_text.h>
 #include <trvfiles/support/diagnostics.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/platform.h>
@@ -36,8 +38,19 @@ std::string_view withoutNewlines(std::string_view text) {
     return text;
 }
 
+constexpr const char* homeFile = "config\\environ.cfg";
+constexpr const char* rootIsMissing =
+    "there is no installation: TRVHOME is not set; set it or give --root DIR";
+
+// The runtime has two texts for this, and names no way out.
+bool isAboutMissingRoot(std::string_view report) {
+    return report == "The environment variable 'TRVHOME' is not defined" ||
+           report == "TRVHOME is not defined";
+}
+
 void take(bool fatal, const char* message) {
-    std::string text(withoutNewlines(message));
+    const std::string_view report = withoutNewlines(message);
+    std::string text(isAboutMissingRoot(report) ? rootIsMissing : report);
     if (!inbox.known.insert(text).second) return;
     inbox.reports.push_back({fatal, std::move(text), std::nullopt});
     if (const fault_event* fault = inbox.fault) {
@@ -66,6 +79,15 @@ void printError(const QString& text, const Console& console) {
     console.err << qUtf8Printable(QStringLiteral("trvfiles: %1\n").arg(text));
 }
 
+// A fault in a configuration file begins with its place, any other report is the runtime's text.
+QString textOf(const RuntimeMessages::Report& report) {
+    if (!report.fault) return shown(report.text);
+    const RuntimeMessages::Fault& fault = *report.fault;
+    const QString file = shown(nativeSpelling(fault.file));
+    if (fault.line < 1) return QStringLiteral("%1: %2").arg(file, shown(fault.text));
+    return QStringLiteral("%1:%2: %3").arg(file, QString::number(fault.line), shown(fault.text));
+}
+
 // Sets the root of the process to that of the call, if the call has one.
 //
 // @return false if it is not a directory or cannot be set
@@ -79,6 +101,33 @@ bool takeRoot(const QCommandLineParser& call, const Console& console) {
         return false;
     }
     return platform::set_environment("TRVHOME", toNarrow(root).c_str());
+}
+
+// The option or the variable that names the root, in the order in which install_root() asks them.
+QString rootSource(const QCommandLineParser& call) {
+    if (call.isSet(QStringLiteral("root"))) return QStringLiteral("--root");
+    const char* home = platform::get_environment("TRVHOME");
+    const bool isSet = home != nullptr && *home != '\0';
+    return isSet ? QStringLiteral("TRVHOME") : QStringLiteral("TRVHOME_LS");
+}
+
+// @param root  as install_root() found it, or nullptr
+// @return why it is not an installation, and what to do; empty if it may be one
+QString whyNoInstallation(const char* root, const QString& source) {
+    if (root == nullptr) return QString::fromLatin1(rootIsMissing);
+    QString fault;
+    if (!is_directory(root)) {
+        fault = QStringLiteral("is not a directory");
+    } else if (fileExists(path_in(root, homeFile).c_str()) == 0) {
+        fault = QStringLiteral("has no %1").arg(shown(nativeSpelling(homeFile)));
+    } else {
+        return {};
+    }
+    const QString advice = source.startsWith(QLatin1Char('-'))
+                               ? QString()
+                               : QStringLiteral("; set TRVHOME to another one or give --root DIR");
+    return QStringLiteral("there is no installation: %1 is '%2', which %3%4")
+        .arg(source, shown(nativeSpelling(root)), fault, advice);
 }
 
 // Results are buffered until the work is done: after a fatal report they may be wrong, and are not
@@ -97,14 +146,15 @@ ExitStatus ask(const QCommandLineParser& call, const Console& console, const Run
                bool needsInstallation) {
     if (!takeRoot(call, console)) return failed;
     RuntimeMessages messages(console.err);
-    if (install_root(true) != nullptr) {
-        load_environment();
-        if (printReports(messages.takeReports(), console)) return failed;
-    } else if (needsInstallation) {
-        printError(QStringLiteral("there is no installation: set TRVHOME or give --root DIR"),
-                   console);
+    const QString source = rootSource(call);
+    const char* root = install_root(true);
+    const QString reason = whyNoInstallation(root, source);
+    if (!reason.isEmpty() && (root != nullptr || needsInstallation)) {
+        printError(reason, console);
         return failed;
     }
+    if (root != nullptr) load_environment();
+    if (printReports(messages.takeReports(), console)) return failed;
     return doWork(messages, console, work);
 }
 
@@ -155,7 +205,7 @@ bool printReports(const std::vector<RuntimeMessages::Report>& reports, const Con
     bool fatal = false;
     for (const RuntimeMessages::Report& report : reports) {
         fatal = fatal || report.fatal;
-        const QString text = shown(report.text);
+        const QString text = textOf(report);
         printError(report.fatal ? text : QStringLiteral("warning: %1").arg(text), console);
     }
     return fatal;

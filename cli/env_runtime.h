@@ -28,7 +28,8 @@ public:
 
     struct Report {
         bool fatal;
-        /// Without the newlines at its end.
+        /// Without the newlines at its end. If it says that TRVHOME is missing, the text with which
+        /// every command says so.
         std::string text;
         /// For the report of a fault in a message file.
         std::optional<Fault> fault;

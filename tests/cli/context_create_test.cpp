@@ -53,8 +53,8 @@ TEST_F(ContextCreate, CreatesTheDefaultContextOfAPosition) {
     const Answer answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_3].mctx") + "\n" +
-                              text("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") + "\n");
+    EXPECT_EQ(answer.out, printed("[MACHINE_POSITION_3].mctx") + "\n" +
+                              printed("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") + "\n");
     EXPECT_THAT(names(),
                 ElementsAre("[MACHINE_POSITION_3].mctx",
                             "[stockposition@[MACHINE_POSITION_3]]MACHINE.ref", "transfo.dat"));
@@ -73,7 +73,7 @@ TEST_F(ContextCreate, OverwritesNoPairOfFiles) {
     ASSERT_EQ(create("--position 3").status, 0);
     file("[MACHINE_POSITION_3].mctx", "mine");
     expectFailure(create("--position 3"),
-                  "trvfiles: " + text("[MACHINE_POSITION_3].mctx") + ": exists already\n");
+                  "trvfiles: " + printed("[MACHINE_POSITION_3].mctx") + ": exists already\n");
     EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), "mine");
     EXPECT_EQ(names().size(), 3U);
 }
@@ -82,14 +82,14 @@ TEST_F(ContextCreate, NotesTheSingleFileThatItReplaces) {
     file("[MACHINE_POSITION_3].mctx", "mine");
     Answer answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.err, "trvfiles: note: " + text("[MACHINE_POSITION_3].mctx") +
+    EXPECT_EQ(answer.err, "trvfiles: note: " + printed("[MACHINE_POSITION_3].mctx") +
                               " existed without its other file and was replaced\n");
     EXPECT_EQ(bytes("[MACHINE_POSITION_3].mctx"), positionContext);
     std::filesystem::remove(directory_ / "[MACHINE_POSITION_3].mctx");
     answer = create("--position 3");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err,
-              "trvfiles: note: " + text("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") +
+              "trvfiles: note: " + printed("[stockposition@[MACHINE_POSITION_3]]MACHINE.ref") +
                   " existed without its other file and was replaced\n");
 }
 
@@ -98,8 +98,8 @@ TEST_F(ContextCreate, CreatesAContextForAMachine) {
     const Answer answer = create("--machine mill5.mac");
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out, text("mill5[MACHINE].mctx") + "\n" +
-                              text("[stockposition@mill5[MACHINE]]MACHINE.ref") + "\n");
+    EXPECT_EQ(answer.out, printed("mill5[MACHINE].mctx") + "\n" +
+                              printed("[stockposition@mill5[MACHINE]]MACHINE.ref") + "\n");
     EXPECT_EQ(bytes("[stockposition@mill5[MACHINE]]MACHINE.ref"), turnedAxis);
     EXPECT_EQ(bytes("mill5[MACHINE].mctx").substr(0, 143),
               "[header]\nversion=2\ncomment=\nname=mill5[MACHINE]\n"
@@ -113,16 +113,17 @@ TEST_F(ContextCreate, UsesAnotherAxisFileAndAName) {
     file("head.ref", turnedAxis);
     Answer answer = create("--machine a.mac.b --axis head.ref");
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out,
-              text("a.b[head].mctx") + "\n" + text("[stockposition@a.b[head]]head.ref") + "\n");
+    EXPECT_EQ(answer.out, printed("a.b[head].mctx") + "\n" +
+                              printed("[stockposition@a.b[head]]head.ref") + "\n");
     answer = create("--machine m --axis head.ref --name job");
-    EXPECT_EQ(answer.out, text("job.mctx") + "\n" + text("[stockposition@job]head.ref") + "\n");
+    EXPECT_EQ(answer.out,
+              printed("job.mctx") + "\n" + printed("[stockposition@job]head.ref") + "\n");
     answer = create({QStringLiteral("--machine"), QStringLiteral("%1 m"), QStringLiteral("--axis"),
                      QStringLiteral("head.ref"), QStringLiteral("--name"),
                      QString::fromUtf8("\xC3\xB6 [%s].mctx")},
                     path(""));
-    EXPECT_EQ(answer.out, text("\xC3\xB6 [%s].mctx") + "\n" +
-                              text("[stockposition@\xC3\xB6 [%s]]head.ref") + "\n");
+    EXPECT_EQ(answer.out, printed("\xC3\xB6 [%s].mctx") + "\n" +
+                              printed("[stockposition@\xC3\xB6 [%s]]head.ref") + "\n");
     EXPECT_EQ(bytes("[stockposition@\xC3\xB6 [%s]]head.ref"), turnedAxis);
 }
 
@@ -131,36 +132,37 @@ TEST_F(ContextCreate, WorksInTheDirectoryWhateverTheCurrentOneIs) {
     const CurrentDirectory here(directory_.path());
     const Answer answer = create(words("--machine m"), QStringLiteral("sub"));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, "sub/m[MACHINE].mctx\nsub/[stockposition@m[MACHINE]]MACHINE.ref\n");
+    EXPECT_EQ(answer.out,
+              asPrinted("sub/m[MACHINE].mctx\nsub/[stockposition@m[MACHINE]]MACHINE.ref\n"));
     EXPECT_THAT(names(), ElementsAre("sub"));
     EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::current_path(), directory_.path()));
     EXPECT_EQ(create(words("--position 1"), QStringLiteral("sub/../sub")).out,
-              "sub/../sub/[MACHINE_POSITION_1].mctx\n"
-              "sub/../sub/[stockposition@[MACHINE_POSITION_1]]MACHINE.ref\n");
+              asPrinted("sub/../sub/[MACHINE_POSITION_1].mctx\n"
+                        "sub/../sub/[stockposition@[MACHINE_POSITION_1]]MACHINE.ref\n"));
 }
 
 TEST_F(ContextCreate, OverwritesNeitherFileOfAMachine) {
     file("transfo.dat", identityAxis);
     file("m[MACHINE].mctx", "mine");
     expectFailure(create("--machine m"),
-                  "trvfiles: " + text("m[MACHINE].mctx") + ": exists already\n");
+                  "trvfiles: " + printed("m[MACHINE].mctx") + ": exists already\n");
     file("[stockposition@n[MACHINE]]MACHINE.ref", "mine");
     expectFailure(
         create("--machine n"),
-        "trvfiles: " + text("[stockposition@n[MACHINE]]MACHINE.ref") + ": exists already\n");
+        "trvfiles: " + printed("[stockposition@n[MACHINE]]MACHINE.ref") + ": exists already\n");
     EXPECT_EQ(names().size(), 3U);
 }
 
 TEST_F(ContextCreate, RequiresAValidAxisFile) {
-    expectFailure(create("--machine m"), "trvfiles: " + text("transfo.dat") +
+    expectFailure(create("--machine m"), "trvfiles: " + printed("transfo.dat") +
                                              ": eFileIOOpenError: No such file or directory\n");
     expectFailure(
         create("--machine m --axis head.ref"),
-        "trvfiles: " + text("head.ref") + ": eFileIOOpenError: No such file or directory\n");
+        "trvfiles: " + printed("head.ref") + ": eFileIOOpenError: No such file or directory\n");
     file("transfo.dat", "0\n1 2 3\n");
     for (const char* options : {"--machine m", "--position 1"})
         expectFailure(create(options),
-                      "trvfiles: " + text("transfo.dat") +
+                      "trvfiles: " + printed("transfo.dat") +
                           ": eFileIOContentError: line 2: four numbers are expected\n");
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
 }
@@ -208,7 +210,7 @@ TEST_F(ContextCreate, ReportsWhyTheDirectoryIsInvalid) {
 TEST_F(ContextCreate, ReportsTheFileThatPreventsTheCreation) {
     std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_1].mctx");
     expectFailure(create("--position 1"),
-                  "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": is a directory\n");
+                  "trvfiles: " + printed("[MACHINE_POSITION_1].mctx") + ": is a directory\n");
     EXPECT_EQ(names().size(), 1U);
 }
 
@@ -226,7 +228,7 @@ TEST_F(ContextCreate, ReportsWhichNameIsTooLong) {
     const Answer answer = create(("--machine " + machine).c_str());
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
-    EXPECT_NE(answer.err.find(text("[stockposition@" + machine + "[MACHINE]]MACHINE.ref")),
+    EXPECT_NE(answer.err.find(printed("[stockposition@" + machine + "[MACHINE]]MACHINE.ref")),
               std::string::npos);
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
 }
@@ -238,11 +240,11 @@ TEST_F(ContextCreate, ReportsMissingRights) {
     EXPECT_TRUE(passesInChild([&] {
         ASSERT_TRUE(becomeOrdinaryUser());
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text("[stockposition@[MACHINE_POSITION_1]]MACHINE.ref") +
+                      "trvfiles: " + printed("[stockposition@[MACHINE_POSITION_1]]MACHINE.ref") +
                           ": Permission denied\n");
-        expectFailure(
-            create("--machine m"),
-            "trvfiles: " + text("[stockposition@m[MACHINE]]MACHINE.ref") + ": Permission denied\n");
+        expectFailure(create("--machine m"),
+                      "trvfiles: " + printed("[stockposition@m[MACHINE]]MACHINE.ref") +
+                          ": Permission denied\n");
     }));
     std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
     EXPECT_THAT(names(), ElementsAre("transfo.dat"));
@@ -253,14 +255,14 @@ TEST_F(ContextCreate, ReportsAFileThatCannotBeWrittenCompletely) {
     EXPECT_TRUE(passesInChild([&] {
         ASSERT_TRUE(limitFileSize(100));
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text("transfo.dat") + ": cannot be written\n");
+                      "trvfiles: " + printed("transfo.dat") + ": cannot be written\n");
     }));
     EXPECT_THAT(names(), IsEmpty());
     file("transfo.dat", identityAxis);
     EXPECT_TRUE(passesInChild([&] {
         ASSERT_TRUE(limitFileSize(100));
         for (const char* options : {"--position 1", "--machine m --name [MACHINE_POSITION_1]"}) {
-            expectFailure(create(options), "trvfiles: " + text("[MACHINE_POSITION_1].mctx") +
+            expectFailure(create(options), "trvfiles: " + printed("[MACHINE_POSITION_1].mctx") +
                                                ": cannot be written\n");
         }
     }));
@@ -275,7 +277,7 @@ TEST_F(ContextCreate, ReportsALinkToAMissingFile) {
         std::filesystem::create_symlink("nowhere", directory_ / name, error);
         if (error) GTEST_SKIP() << "links cannot be made here";
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text(name) + ": is a link whose target does not exist\n");
+                      "trvfiles: " + printed(name) + ": is a link whose target does not exist\n");
         EXPECT_THAT(names(), ElementsAre(name, "transfo.dat"));
         std::filesystem::remove(directory_ / name);
     }
@@ -292,7 +294,7 @@ TEST_F(ContextCreate, ReportsWhichFileTheUserMayNotRead) {
         EXPECT_TRUE(passesInChild([&] {
             ASSERT_TRUE(becomeOrdinaryUser());
             expectFailure(create("--position 1"),
-                          "trvfiles: " + text(name) + ": Permission denied\n");
+                          "trvfiles: " + printed(name) + ": Permission denied\n");
         }));
         EXPECT_EQ(bytes(name), "mine");
         std::filesystem::remove(directory_ / name);
@@ -315,15 +317,31 @@ TEST_F(ContextCreate, ReportsThatAnotherProcessWasFirst) {
         while (!std::filesystem::exists(ready))
             std::this_thread::yield();
         expectFailure(create("--position 1"),
-                      "trvfiles: " + text("[MACHINE_POSITION_1].mctx") + ": exists already\n");
+                      "trvfiles: " + printed("[MACHINE_POSITION_1].mctx") + ": exists already\n");
     }));
     EXPECT_EQ(bytes("[MACHINE_POSITION_1].mctx"), "first");
 }
 
+TEST_F(ContextCreate, PrintsJson) {
+    Answer answer = create("--json --position 1");
+    EXPECT_EQ(answer.status, 0);
+    const std::string context = printed("[MACHINE_POSITION_1].mctx");
+    const std::string reference = printed("[stockposition@[MACHINE_POSITION_1]]MACHINE.ref");
+    EXPECT_EQ(answer.out, "{\"context\":\"" + context + "\",\"reference\":\"" + reference +
+                              "\",\"replaced\":[]}\n");
+    std::filesystem::remove(directory_ / "[MACHINE_POSITION_1].mctx");
+    answer = create("--json --position 1");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, "{\"context\":\"" + context + "\",\"reference\":\"" + reference +
+                              "\",\"replaced\":[\"" + reference + "\"]}\n");
+    EXPECT_EQ(answer.err, "");
+    expectFailure(create("--json --position 1"), "trvfiles: " + context + ": exists already\n");
+}
+
 TEST_F(ContextCreate, ExplainsItself) {
     EXPECT_EQ(create("--help").out,
-              "Usage: trvfiles context create --position N DIR\n"
-              "       trvfiles context create --machine M [--axis F] [--name K] DIR\n"
+              "Usage: trvfiles context create [--json] --position N DIR\n"
+              "       trvfiles context create [--json] --machine M [--axis F] [--name K] DIR\n"
               "\n"
               "Create a machine context and its reference axis file.\n"
               "With --position it creates the default context of a machine position, and DIR\n"
@@ -335,6 +353,7 @@ TEST_F(ContextCreate, ExplainsItself) {
               "  --machine M   The machine\n"
               "  --axis F      The axis file in DIR to copy instead of transfo.dat\n"
               "  --name K      The context's name instead of M[AXIS]\n"
+              "  --json        Print JSON\n"
               "  -h, --help    Show this help\n"
               "\n"
               "Examples:\n"

@@ -7,6 +7,7 @@
 #include <tests/cli/samples.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -33,6 +34,17 @@ protected:
 
     std::string text(const std::string& name) const {
         return (directory_ / name).generic_u8string();
+    }
+
+    /// The path of a file as a command prints it: on Windows with "\", which is shown as two.
+    std::string printed(const std::string& name) const { return asPrinted(text(name)); }
+
+    static std::string asPrinted(const std::string& path) {
+        if (!platform::backslash_separates()) return path;
+        std::string shown;
+        for (const char c : path)
+            shown += c == '/' ? "\\\\" : std::string(1, c);
+        return shown;
     }
 
     std::string bytes(const std::string& name) const { return textOf(directory_ / name); }

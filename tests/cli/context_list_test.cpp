@@ -20,21 +20,51 @@ TEST_F(ContextList, PrintsOnePathPerLine) {
     const Answer answer = list(path(""));
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out, text("a/a.mctx") + "\n" + text("B/B.mctx") + "\n" +
-                              text("C/[x] %1/[x] %1.mctx") + "\n");
+    EXPECT_EQ(answer.out, printed("a/a.mctx") + "\n" + printed("B/B.mctx") + "\n" +
+                              printed("C/[x] %1/[x] %1.mctx") + "\n");
 }
 
-TEST_F(ContextList, PrintsNothingIfThereIsNoContext) {
-    const Answer answer = list(path(""));
+TEST_F(ContextList, SaysWhatThereIsInsteadOfFavourites) {
+    const std::string begin = "trvfiles: " + text("") + ": ";
+    Answer answer = list(path(""));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out + answer.err, "");
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err, begin +
+                              "no context has the name of its directory, and there are no other "
+                              "contexts\n");
+    EXPECT_EQ(list(path(""), "context list --all").err, begin + "there are no contexts\n");
+    file("a/x.mctx", "");
+    EXPECT_EQ(list(path("")).err, begin +
+                                      "no context has the name of its directory; 1 other context "
+                                      "is there, list it with --all\n");
+    file("y.mctx", "");
+    answer = list(path(""), "context list --json");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.out, "{\"contexts\":[],\"directory\":\"" + text("") + "\"}\n");
+    EXPECT_EQ(answer.err, begin +
+                              "no context has the name of its directory; 2 other contexts are "
+                              "there, list them with --all\n");
+}
+
+TEST_F(ContextList, ListsAllContextsOnRequest) {
+    file("a/a.mctx", "");
+    file("a/x.mctx", "");
+    file("y.mctx", "");
+    Answer answer = list(path(""), "context list --all");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out,
+              printed("y.mctx") + "\n" + printed("a/a.mctx") + "\n" + printed("a/x.mctx") + "\n");
+    answer = list(path("a"), "context list --all --json");
+    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + printed("a/a.mctx") + "\",\"" +
+                              printed("a/x.mctx") + "\"],\"directory\":\"" + text("a") + "\"}\n");
 }
 
 TEST_F(ContextList, PrintsJson) {
     file("a/a.mctx", "");
     const Answer answer = list(path("."), "context list --json");
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + text("./a/a.mctx") + "\"],\"directory\":\"" +
+    EXPECT_EQ(answer.out, "{\"contexts\":[\"" + printed("./a/a.mctx") + "\"],\"directory\":\"" +
                               text(".") + "\"}\n");
 }
 
@@ -62,8 +92,8 @@ TEST_F(FavoriteList, UsesThoseOfTheInstallation) {
     EXPECT_EQ(list(), 0);
     EXPECT_EQ(err(), "");
     EXPECT_EQ(out(),
-              "/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\n"
-              "/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\n");
+              native("/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\n"
+                     "/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\n"));
 }
 
 TEST_F(FavoriteList, UsesTheInstallationOfTheCall) {
@@ -71,21 +101,22 @@ TEST_F(FavoriteList, UsesTheInstallationOfTheCall) {
     EXPECT_EQ(
         list({QStringLiteral("--json"), QStringLiteral("--root"), QString::fromStdString(root())}),
         0);
-    EXPECT_EQ(out(),
-              "{\"contexts\":["
-              "\"/opt/shop/standard/machine_context/five-axis/tilted-table/tilted-table.mctx\","
-              "\"/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\"],"
-              "\"directory\":\"/opt/shop/standard/machine_context\"}\n");
+    EXPECT_EQ(out(), native("{\"contexts\":["
+                            "\"/opt/shop/standard/machine_context/five-axis/tilted-table/"
+                            "tilted-table.mctx\","
+                            "\"/opt/shop/standard/machine_context/pallet-mill/pallet-mill.mctx\"],"
+                            "\"directory\":\"/opt/shop/standard/machine_context\"}\n"));
 }
 
 TEST_F(FavoriteList, UsesADirectoryThatTheProcessNames) {
     write("mine/a/a.mctx", "");
     process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/mine").c_str());
     EXPECT_EQ(list(), 0);
-    EXPECT_EQ(out(), directory_.text() + "/mine/a/a.mctx\n");
+    EXPECT_EQ(out(), native(directory_.text() + "/mine/a/a.mctx") + "\n");
     process_.setVariable("TRV_MCTX_DEF", (directory_.text() + "/none").c_str());
     EXPECT_EQ(list(), 2);
-    EXPECT_EQ(err(), "trvfiles: " + directory_.text() + "/none: No such file or directory\n");
+    EXPECT_EQ(err(),
+              "trvfiles: " + native(directory_.text() + "/none") + ": No such file or directory\n");
 }
 
 TEST_F(FavoriteList, ReportsAFaultyInstallation) {
@@ -99,7 +130,9 @@ TEST_F(FavoriteList, ReportsWhyThereIsNoFavouriteDirectory) {
     process_.setVariable("TRVHOME", nullptr);
     EXPECT_EQ(list(), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: there is no installation: TRVHOME is not set; set it or give --root DIR\n");
 
     // Both are too long after expansion.
     write("shop/config/environ.cfg", "[var]\n");
@@ -131,7 +164,7 @@ TEST_F(ContextDefault, IsTheOneOfTheHighestPosition) {
         answerTo(words("context default") + QStringList({two_, other_, seven_, seven_}));
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.err, "");
-    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_7].mctx") + ": position 7\n");
+    EXPECT_EQ(answer.out, text("[MACHINE_POSITION_7].mctx") + "\n");
 }
 
 TEST_F(ContextDefault, IsLookedForInADirectory) {
@@ -140,19 +173,22 @@ TEST_F(ContextDefault, IsLookedForInADirectory) {
     std::filesystem::create_directories(directory_ / "[MACHINE_POSITION_8].mctx");
     const Answer answer = answerTo(words("context default") + QStringList(path(".")));
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, text("./[MACHINE_POSITION_07].mctx") + ": position 7\n");
+    EXPECT_EQ(answer.out, printed("./[MACHINE_POSITION_07].mctx") + "\n");
 }
 
 TEST_F(ContextDefault, MayBeMissing) {
     Answer answer = answerTo(words("context default") + QStringList(other_));
     EXPECT_EQ(answer.status, 1);
-    EXPECT_EQ(answer.out, "There is no default context\n");
-    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, "");
+    EXPECT_EQ(answer.err,
+              "trvfiles: there is no default context: no name has a machine position, such as "
+              "[MACHINE_POSITION_1].mctx\n");
     const TemporaryDirectory empty;
     answer = answerTo(words("context default --json") +
                       QStringList(QString::fromStdString(empty.text())));
     EXPECT_EQ(answer.status, 1);
     EXPECT_EQ(answer.out, "{\"file\":null,\"position\":null}\n");
+    EXPECT_EQ(answer.err, "");
 }
 
 TEST_F(ContextDefault, PrintsJson) {

@@ -45,6 +45,22 @@ TEST_F(EnvCheck, NamesEveryFaultOnceWithItsLine) {
               "shop/cell/environ.cfg: ok (1 section, 4 entries)\n");
 }
 
+TEST_F(EnvCheck, PrintsJson) {
+    write("a.msg", "[one]\nfirst\n/frob \x1b\n");
+    EXPECT_EQ(run({"check", "--json", "a.msg", "none.msg", "shop/cell/environ.cfg"}), 1);
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(),
+              "{\"files\":["
+              "{\"entries\":1,\"file\":\"a.msg\",\"findings\":["
+              "{\"line\":3,\"text\":\"Unknown keyword : '/frob'\"},"
+              "{\"line\":null,\"text\":\"Error loading file.\"}],\"ok\":false,\"sections\":1},"
+              "{\"entries\":null,\"file\":\"none.msg\",\"findings\":["
+              "{\"line\":null,\"text\":\"No such file or directory\"}],\"ok\":false,"
+              "\"sections\":null},"
+              "{\"entries\":4,\"file\":\"shop/cell/environ.cfg\",\"findings\":[],\"ok\":true,"
+              "\"sections\":1}]}\n");
+}
+
 TEST_F(EnvCheck, ReportsWhatIsOpenAtTheEnd) {
     write("it's 4, or 5.msg", "[one]\n/if NOBODY\nfirst");
     EXPECT_EQ(run({"check", "it's 4, or 5.msg", "it's 4, or 5.msg"}), 1);
@@ -80,7 +96,7 @@ TEST_F(EnvCheck, NeedsTheInstallationForAConditionAlone) {
     write("a.msg", "[one]\n/if CELL\n/endif\n/if CELL\n/endif\n");
     EXPECT_EQ(run({"check", "a.msg", "shop/texts/messages.msg"}), 1);
     EXPECT_EQ(out(),
-              "a.msg: The environment variable 'TRVHOME' is not defined\n"
+              "a.msg: there is no installation: TRVHOME is not set; set it or give --root DIR\n"
               "shop/texts/messages.msg: ok (2 sections, 5 entries)\n");
     EXPECT_EQ(run({"check", "--root", "shop", "a.msg"}), 0);
     EXPECT_EQ(out(), "a.msg: ok (1 section, 0 entries)\n");

@@ -9,12 +9,6 @@ namespace trv::testing {
 namespace {
 
 using EnvExpand = EnvCommand;
-using EnvFind = EnvCommand;
-
-// A path of the system as it is shown.
-std::string native(const char* path) {
-    return platform::backslash_separates() ? replaced(backslashed(path), "\\", "\\\\") : path;
-}
 
 TEST_F(EnvExpand, PrintsALineForEachText) {
     EXPECT_EQ(run({"expand", "$LABEL", "?TXT", "", "a//./b $$5"}), 0);
@@ -26,9 +20,10 @@ TEST_F(EnvExpand, PrintsALineForEachText) {
     EXPECT_EQ(err(), "");
 }
 
-TEST_F(EnvExpand, NormalisesPathsOnRequest) {
-    EXPECT_EQ(run({"expand", "--path", "a//./b/$CELL", "?TXT"}), 0);
-    EXPECT_EQ(out(), "a\\\\b\\\\3\n\\\\opt\\\\shop\\\\site\\\\texts;\\\\opt\\\\shop\\\\texts\n");
+TEST_F(EnvExpand, PrintsPathsOfTheSystemOnRequest) {
+    EXPECT_EQ(run({"expand", "--path", "a//./b\\$CELL", "?TXT"}), 0);
+    EXPECT_EQ(out(),
+              native("a/b/3") + "\n" + native("/opt/shop/site/texts;/opt/shop/texts") + "\n");
 }
 
 TEST_F(EnvExpand, NamesWhatIsUndefined) {
@@ -37,6 +32,28 @@ TEST_F(EnvExpand, NamesWhatIsUndefined) {
     EXPECT_EQ(err(),
               "trvfiles: $NOBODY ?NOLIST $NOBODY: $NOBODY is not defined\n"
               "trvfiles: $NOBODY ?NOLIST $NOBODY: ?NOLIST is not defined\n");
+}
+
+TEST_F(EnvExpand, PrintsJson) {
+    EXPECT_EQ(run({"expand", "--json", "$CELL \x1b", "$NOBODY ?NOLIST $NOBODY"}), 1);
+    EXPECT_EQ(out(),
+              "{\"texts\":["
+              "{\"code\":0,\"expanded\":\"3 \\u001b\",\"status\":\"EXP_OK\","
+              "\"text\":\"$CELL \\u001b\",\"undefined\":[]},"
+              "{\"code\":-43,\"expanded\":\"<NOBODY> <NOLIST> <NOBODY>\","
+              "\"status\":\"EXP_UNDEFINED\",\"text\":\"$NOBODY ?NOLIST $NOBODY\","
+              "\"undefined\":[\"$NOBODY\",\"?NOLIST\"]}]}\n");
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(run({"expand", "--json", "--path", "${CELL", "?TXT"}), 2);
+    EXPECT_EQ(out(),
+              "{\"texts\":["
+              "{\"code\":-31,\"expanded\":null,\"status\":\"EXP_SYNTAX_ERROR\","
+              "\"text\":\"${CELL\",\"undefined\":[]},"
+              "{\"code\":0,\"expanded\":\"" +
+                  native("/opt/shop/site/texts;/opt/shop/texts") +
+                  "\",\"status\":\"EXP_OK\",\"text\":\"?TXT\",\"undefined\":[]}]}\n");
+    EXPECT_EQ(err(),
+              "trvfiles: ${CELL: EXP_SYNTAX_ERROR (-31): a bracket after a $ or ? is not closed\n");
 }
 
 // Every line names the text, so a long one would make the output grow with its square.
@@ -79,86 +96,6 @@ TEST_F(EnvExpand, NeedsNoMemoryForATraceThatIsNotShown) {
     EXPECT_EQ(runLimited("env expand '$A'"), 0);
     EXPECT_EQ(err(), "");
     EXPECT_EQ(out().size(), 1 + 1000 * 1000 + 1U);
-}
-
-TEST_F(EnvFind, ShowsEachDirectoryThatIsTried) {
-    EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
-    EXPECT_EQ(out(),
-              "  - '\\\\opt\\\\shop\\\\cell\\\\shop.cfg' -> Not found\n"
-              "  - '\\\\opt\\\\shop\\\\site\\\\shop.cfg' -> Found\n" +
-                  native("/opt/shop/site/shop.cfg") + "\n");
-    EXPECT_EQ(err(), "");
-}
-
-TEST_F(EnvFind, TakesBothSeparators) {
-    EXPECT_EQ(run({"find", "?CFG\\shop.cfg"}), 0);
-    const std::string answer = out();
-    EXPECT_EQ(run({"find", "?CFG/shop.cfg"}), 0);
-    EXPECT_EQ(out(), answer);
-}
-
-// The path is too long for the first buffer, so the runtime searches twice.
-TEST_F(EnvFind, ShowsEachDirectoryOnceIfTheFoundPathIsLong) {
-    if (platform::backslash_separates()) GTEST_SKIP() << "Windows opens no path of this length";
-    std::string list = "$TRVHOME/nowhere;$TRVHOME";
-    for (int i = 0; i < 250; ++i)
-        list += "/site/..";
-    process_.setVariable("CFGPATH", (list + "/site").c_str());
-    EXPECT_EQ(run({"find", "?CFG/shop.cfg"}), 0);
-    EXPECT_EQ(replaced(replaced(out(), "\\\\site\\\\..", ""), "/site/..", ""),
-              "  - '\\\\opt\\\\shop\\\\nowhere\\\\shop.cfg' -> Not found\n"
-              "  - '\\\\opt\\\\shop\\\\site\\\\shop.cfg' -> Found\n"
-              "/opt/shop/site/shop.cfg\n");
-    EXPECT_EQ(err(), "");
-}
-
-TEST_F(EnvFind, SaysThatNoDirectoryHasTheFile) {
-    process_.setVariable("CFGPATH", "$TRVHOME/site;$TRVHOME/nowhere");
-    EXPECT_EQ(run({"find", "?CFG/none.cfg"}), 1);
-    EXPECT_EQ(out(),
-              "  - '\\\\opt\\\\shop\\\\site\\\\none.cfg' -> Not found\n"
-              "  - '\\\\opt\\\\shop\\\\nowhere\\\\none.cfg' -> Not found\n"
-              "?CFG/none.cfg is not found\n");
-    EXPECT_EQ(err(), "");
-}
-
-TEST_F(EnvFind, LooksAtANameWithoutAList) {
-    EXPECT_EQ(run({"find", "$TRVHOME/cell/environ.cfg"}), 0);
-    EXPECT_EQ(out(), native("/opt/shop/cell/environ.cfg") + "\n");
-    EXPECT_EQ(run({"find", "$TRVHOME/none.cfg"}), 1);
-    EXPECT_EQ(out(), "$TRVHOME/none.cfg is not found\n");
-}
-
-TEST_F(EnvFind, FindsFilesThatAreNotRegular) {
-    EXPECT_EQ(run({"find", "$TRVHOME/cell"}), 0);
-    EXPECT_EQ(out(), native("/opt/shop/cell") + "\n");
-    if (!makePipe("shop/site/pipe")) GTEST_SKIP() << "there are no named pipes here";
-    EXPECT_EQ(run({"find", "?CFG/pipe"}), 0);
-    EXPECT_EQ(out(),
-              "  - '\\\\opt\\\\shop\\\\cell\\\\pipe' -> Not found\n"
-              "  - '\\\\opt\\\\shop\\\\site\\\\pipe' -> Found\n"
-              "/opt/shop/site/pipe\n");
-    EXPECT_EQ(run({"find", "$TRVHOME/site/pipe"}), 0);
-    EXPECT_EQ(out(), "/opt/shop/site/pipe\n");
-}
-
-TEST_F(EnvFind, NamesAListThatIsUndefined) {
-    EXPECT_EQ(run({"find", "?NOLIST\\shop.cfg"}), 1);
-    EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: ?NOLIST\\\\shop.cfg: ?NOLIST is not defined\n");
-}
-
-TEST_F(EnvFind, SaysWhyItCannotSearch) {
-    EXPECT_EQ(run({"find", "?CFG"}), 2);
-    EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(),
-              "trvfiles: ?CFG: EXP_INVALID_ARGUMENT (-44): no file name follows the list of "
-              "directories\n");
-    const std::string longName(510, 'x');
-    EXPECT_EQ(run({"find", longName.c_str()}), 2);
-    EXPECT_EQ(err(), "trvfiles: " + longName +
-                         ": EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or its "
-                         "expansion is too long\n");
 }
 
 }  // namespace

@@ -77,6 +77,9 @@ TEST_F(EnvExpansion, GivesErrorsAsTheyAre) {
 
 TEST(EnvCodeText, HasWordsForEveryStatus) {
     const auto text = [](int code) { return cli::codeText(code).toStdString(); };
+    EXPECT_EQ(cli::codeName(0).toStdString(), "EXP_OK");
+    EXPECT_EQ(cli::codeName(-43).toStdString(), "EXP_UNDEFINED");
+    EXPECT_EQ(cli::codeName(-99).toStdString(), "error");
     EXPECT_EQ(text(-21), "EXP_NOT_FOUND (-21): there is no such file");
     EXPECT_EQ(text(-31), "EXP_SYNTAX_ERROR (-31): a bracket after a $ or ? is not closed");
     EXPECT_EQ(text(-32), "EXP_BUFFER_TOO_SMALL (-32): the list or the path found is too long");

@@ -24,84 +24,121 @@ protected:
 TEST_F(EnvExplain, ListsTheDefinitionsOfThreeFiles) {
     EXPECT_EQ(run({"explain", "SPINDLE_LIMIT"}), 0);
     EXPECT_EQ(err(), "");
-    EXPECT_EQ(
-        out(),
-        "SPINDLE_LIMIT = 9000\n"
-        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5: the definition that was read last "
-        "wins\n"
-        "\n"
-        "Definitions, oldest first\n"
-        "  SPINDLE_LIMIT = 12000\n"
-        "    from '/opt/shop\\\\config\\\\environ.cfg' line 20\n"
-        "  SPINDLE_LIMIT = 10000\n"
-        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 7\n"
-        "  SPINDLE_LIMIT = 9000\n"
-        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 5\n");
+    EXPECT_EQ(out(),
+              "SPINDLE_LIMIT = 9000\n"
+              "/opt/shop/cell/environ.cfg:5: the definition that was read last "
+              "wins\n"
+              "\n"
+              "Definitions, oldest first\n"
+              "  SPINDLE_LIMIT = 12000\n"
+              "    /opt/shop/config/environ.cfg:20\n"
+              "  SPINDLE_LIMIT = 10000\n"
+              "    /opt/shop/site/environ.cfg:7\n"
+              "  SPINDLE_LIMIT = 9000\n"
+              "    /opt/shop/cell/environ.cfg:5\n");
 }
 
 TEST_F(EnvExplain, ReportsWhatAPlusMeans) {
     EXPECT_EQ(run({"explain", "POST_OPTIONS"}), 0);
-    EXPECT_EQ(
-        out(),
-        "POST_OPTIONS = comments line-numbers pallet-codes\n"
-        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6: the definition that was read last "
-        "wins\n"
-        "\n"
-        "Definitions, oldest first\n"
-        "  POST_OPTIONS = comments\n"
-        "    from '/opt/shop\\\\config\\\\environ.cfg' line 21\n"
-        "  POST_OPTIONS = + line-numbers\n"
-        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 10\n"
-        "    + is 'comments'\n"
-        "  POST_OPTIONS = + pallet-codes\n"
-        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6\n"
-        "    + is 'comments line-numbers'\n");
+    EXPECT_EQ(out(),
+              "POST_OPTIONS = comments line-numbers pallet-codes\n"
+              "/opt/shop/cell/environ.cfg:6: the definition that was read last "
+              "wins\n"
+              "\n"
+              "Definitions, oldest first\n"
+              "  POST_OPTIONS = comments\n"
+              "    /opt/shop/config/environ.cfg:21\n"
+              "  POST_OPTIONS = + line-numbers\n"
+              "    /opt/shop/site/environ.cfg:10\n"
+              "    + is 'comments'\n"
+              "  POST_OPTIONS = + pallet-codes\n"
+              "    /opt/shop/cell/environ.cfg:6\n"
+              "    + is 'comments line-numbers'\n");
 }
 
 TEST_F(EnvExplain, ReportsWhatReferencesAreReplacedBy) {
     process_.setVariable("CELL", "$NOBODY");
     EXPECT_EQ(run({"explain", "LABEL"}), 0);
-    EXPECT_EQ(
-        out(),
-        "LABEL = $SITE ${PALLET_MARK}$CELL\n"
-        "from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 7: the only definition that counts\n"
-        "\n"
-        "Definitions, oldest first\n"
-        "  LABEL = $SITE ${PALLET_MARK}$CELL\n"
-        "    from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 7\n"
-        "\n"
-        "Expanded\n"
-        "  = Erlbach #<NOBODY>\n"
-        "    SITE = 'Erlbach' from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 4\n"
-        "    PALLET_MARK = '#' from '/opt/shop\\\\config\\\\environ.cfg' line 22\n"
-        "    CELL = '$NOBODY' from environment\n"
-        "    NOBODY = <undefined variable>\n");
+    EXPECT_EQ(out(),
+              "LABEL = $SITE ${PALLET_MARK}$CELL\n"
+              "/opt/shop/cell/environ.cfg:7: the only definition that counts\n"
+              "\n"
+              "Definitions, oldest first\n"
+              "  LABEL = $SITE ${PALLET_MARK}$CELL\n"
+              "    /opt/shop/cell/environ.cfg:7\n"
+              "\n"
+              "Expanded\n"
+              "  = Erlbach #<NOBODY>\n"
+              "    SITE = Erlbach  (/opt/shop/site/environ.cfg:4)\n"
+              "    PALLET_MARK = #  (/opt/shop/config/environ.cfg:22)\n"
+              "    CELL = $NOBODY  (environment variable CELL)\n"
+              "    NOBODY is not defined\n");
 }
 
 TEST_F(EnvExplain, ExplainsPathLists) {
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
-    EXPECT_EQ(
-        out(),
-        "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n"
-        "from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 18: the definition that was read last "
-        "wins\n"
-        "\n"
-        "Definitions, oldest first\n"
-        "  TXT = $TRVHOME/texts\n"
-        "    from '/opt/shop\\\\config\\\\environ.cfg' line 43\n"
-        "  TXT = $TRVHOME/site/texts;+\n"
-        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 18\n"
-        "    + is '$TRVHOME/texts'\n"
-        "\n"
-        "Expanded\n"
-        "  = /opt/shop/site/texts;/opt/shop/texts\n"
-        "    TRVHOME = '/opt/shop' from environment\n"
-        "    TRVHOME = '/opt/shop' from environment\n");
+    EXPECT_EQ(out(),
+              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n"
+              "/opt/shop/site/environ.cfg:18: the definition that was read last "
+              "wins\n"
+              "\n"
+              "Definitions, oldest first\n"
+              "  TXT = $TRVHOME/texts\n"
+              "    /opt/shop/config/environ.cfg:43\n"
+              "  TXT = $TRVHOME/site/texts;+\n"
+              "    /opt/shop/site/environ.cfg:18\n"
+              "    + is '$TRVHOME/texts'\n"
+              "\n"
+              "Expanded\n"
+              "  = /opt/shop/site/texts;/opt/shop/texts\n"
+              "    TRVHOME = /opt/shop  (environment variable TRVHOME)\n"
+              "    TRVHOME = /opt/shop  (environment variable TRVHOME)\n"
+              "\n"
+              "Directories, in the order of a search\n"
+              "  " +
+                  native("/opt/shop/site/texts") + "  (/opt/shop/site/environ.cfg:18)\n" + "  " +
+                  native("/opt/shop/texts") + "  (/opt/shop/config/environ.cfg:43)\n");
     process_.setVariable("TXTPATH", "here");
     EXPECT_EQ(run({"explain", "?TXT"}), 0);
-    EXPECT_EQ(out().substr(0, 83),
+    EXPECT_EQ(out().substr(0, 84),
               "?TXT = here\n"
-              "from environment 'TXTPATH': the process environment goes before all fil");
+              "environment variable TXTPATH: the process environment goes before all fi");
+}
+
+TEST_F(EnvExplain, SaysWhichDirectoriesOfAListExist) {
+    write("shop/config/environ.cfg",
+          "[path]\nCFG = $TRVHOME/config;?SUB;$NOBODY/x\nSUB = nowhere\n");
+    EXPECT_EQ(run({"explain", "?CFG"}), 0);
+    const std::string end =
+        "\nDirectories, in the order of a search\n"
+        "  " +
+        native("/opt/shop/config") + "  (/opt/shop/config/environ.cfg:2)\n" +
+        "  nowhere  (/opt/shop/config/environ.cfg:3; does not exist)\n"
+        "  " +
+        native("/x") + "  (/opt/shop/config/environ.cfg:2; does not exist)\n";
+    EXPECT_EQ(out().substr(out().size() - std::min(out().size(), end.size())), end);
+    EXPECT_EQ(run({"explain", "--json", "?SUB"}), 0);
+    EXPECT_NE(out().find("\"definitionsLeftOut\":0,\"directories\":["
+                         "{\"exists\":false,\"file\":\"/opt/shop/config/environ.cfg\",\"line\":3,"
+                         "\"origin\":\"file\",\"path\":\"nowhere\"}],\"expanded\":"),
+              std::string::npos)
+        << out();
+}
+
+// The lists refer to each other in a circle, and to one list very often.
+TEST_F(EnvExplain, EndsForListsThatReferToEachOther) {
+    write("shop/config/environ.cfg", "[path]\nA = ?B\nB = x;?A\n");
+    EXPECT_EQ(run({"explain", "?A"}), 0);
+    EXPECT_NE(out().find("EXP_NAME_TOO_LONG (-42)"), std::string::npos) << out();
+    EXPECT_EQ(out().find("Directories"), std::string::npos) << out();
+    std::string lists = "[path]\nA0 = x\n";
+    for (int i = 1; i < 12; ++i)
+        lists += "A" + std::to_string(i) + " = ?A" + std::to_string(i - 1) + ";?A" +
+                 std::to_string(i - 1) + "\n";
+    write("shop/config/environ.cfg", lists);
+    EXPECT_EQ(run({"explain", "?A11"}), 0);
+    const std::string line = "  x  (/opt/shop/config/environ.cfg:2; does not exist)\n";
+    EXPECT_EQ(replaced(out(), line, "").size() + 2048 * line.size(), out().size());
 }
 
 TEST_F(EnvExplain, PutsTheProcessEnvironmentBeforeAllFiles) {
@@ -109,24 +146,33 @@ TEST_F(EnvExplain, PutsTheProcessEnvironmentBeforeAllFiles) {
     EXPECT_EQ(run({"explain", "COMPANY"}), 0);
     EXPECT_EQ(out(),
               "COMPANY = Mine\n"
-              "from environment: the process environment goes before all files\n"
+              "environment variable COMPANY: the process environment goes before all files\n"
               "\n"
               "Definitions, oldest first\n"
               "  COMPANY = Hollmann Precision Parts\n"
-              "    from '/opt/shop\\\\config\\\\environ.cfg' line 7\n");
+              "    /opt/shop/config/environ.cfg:7\n");
     EXPECT_EQ(run({"explain", "TRVHOME"}), 0);
-    EXPECT_EQ(out(),
-              "TRVHOME = /opt/shop\nfrom environment: the installation does not define it\n");
+    EXPECT_EQ(
+        out(),
+        "TRVHOME = /opt/shop\nenvironment variable TRVHOME: the installation does not define it\n");
 }
 
 TEST_F(EnvExplain, SaysThatANameIsNotDefined) {
     EXPECT_EQ(run({"explain", "NOBODY"}), 1);
-    EXPECT_EQ(out(), "NOBODY is not defined\n");
-    EXPECT_EQ(err(), "");
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: NOBODY is not defined\n");
+    EXPECT_EQ(run({"explain", "SPINDEL_LIMIT"}), 1);
+    EXPECT_EQ(err(), "trvfiles: SPINDEL_LIMIT is not defined; did you mean 'SPINDLE_LIMIT'?\n");
+    EXPECT_EQ(run({"explain", "TXT"}), 1);
+    EXPECT_EQ(err(), "trvfiles: TXT is not defined; did you mean '?TXT'?\n");
     EXPECT_EQ(run({"explain", "?SITE"}), 1);
-    EXPECT_EQ(out(), "?SITE is not defined\n");
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "trvfiles: ?SITE is not defined; did you mean 'SITE'?\n");
     EXPECT_EQ(run({"explain", "--json", "NOBODY"}), 1);
-    EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"NOBODY\"}\n");
+    EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"NOBODY\",\"suggestion\":null}\n");
+    EXPECT_EQ(run({"explain", "--json", "CEL"}), 1);
+    EXPECT_EQ(out(), "{\"defined\":false,\"name\":\"CEL\",\"suggestion\":\"CELL\"}\n");
+    EXPECT_EQ(err(), "");
 }
 
 TEST_F(EnvExplain, ShowsDefinitionsThatNoLookupReaches) {
@@ -134,15 +180,15 @@ TEST_F(EnvExplain, ShowsDefinitionsThatNoLookupReaches) {
     EXPECT_EQ(run({"explain", "cell"}), 0);
     EXPECT_EQ(out(),
               "cell = 1\n"
-              "from '/opt/shop\\\\config\\\\environ.cfg' line 2: the only definition that counts\n"
+              "/opt/shop/config/environ.cfg:2: the only definition that counts\n"
               "\n"
               "Definitions, oldest first\n"
               "  CELL = 1\n"
-              "    from '/opt/shop\\\\config\\\\environ.cfg' line 2\n"
+              "    /opt/shop/config/environ.cfg:2\n"
               "\n"
               "Never looked at\n"
               "  CELL = 2\n"
-              "    from '/opt/shop\\\\config\\\\environ.cfg' line 3\n");
+              "    /opt/shop/config/environ.cfg:3\n");
 }
 
 TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
@@ -151,7 +197,7 @@ TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
     EXPECT_NE(out().find("\nExpanded\n"
                          "  EXP_NAME_TOO_LONG (-42): a value refers to itself, or the text or its "
                          "expansion is too long\n"
-                         "    SITE = '$CELL' from '/opt/shop\\\\config\\\\environ.cfg' line 3\n"),
+                         "    SITE = $CELL  (/opt/shop/config/environ.cfg:3)\n"),
               std::string::npos)
         << out();
     EXPECT_EQ(run({"explain", "--json", "CELL"}), 0);
@@ -160,19 +206,18 @@ TEST_F(EnvExplain, SaysWhyAValueDoesNotExpand) {
 
 TEST_F(EnvExplain, KnowsTheTemporaryDirectory) {
     EXPECT_EQ(run({"explain", "TMP"}), 0);
-    EXPECT_EQ(
-        out(),
-        "TMP = \\\\opt\\\\shop\\\\tmp\\\\00000001\nthe temporary directory of the work zone\n");
+    EXPECT_EQ(out(),
+              "TMP = \\\\opt\\\\shop\\\\tmp\\\\00000001\nwork zone: the temporary directory\n");
     write("shop/config/environ.cfg", "[var]\nTMP = x\n");
     process_.setVariable("TRVTMPDIR", "here");
     EXPECT_EQ(run({"explain", "TMP"}), 0);
     EXPECT_EQ(out(),
               "TMP = here\n"
-              "from environment variable TRVTMPDIR: the installation does not define it\n"
+              "environment variable TRVTMPDIR: the installation does not define it\n"
               "\n"
               "Never looked at\n"
               "  TMP = x\n"
-              "    from '/opt/shop\\\\config\\\\environ.cfg' line 2\n");
+              "    /opt/shop/config/environ.cfg:2\n");
 }
 
 TEST_F(EnvExplain, PrintsJson) {
@@ -181,25 +226,28 @@ TEST_F(EnvExplain, PrintsJson) {
         out(),
         "{\"defined\":true,\"definitions\":["
         "{\"entry\":\"POST_OPTIONS = comments\",\"extended\":null,\"extends\":false,"
-        "\"file\":\"/opt/shop\\\\config\\\\environ.cfg\",\"line\":21},"
+        "\"file\":\"/opt/shop/config/environ.cfg\",\"line\":21,\"origin\":\"file\"},"
         "{\"entry\":\"POST_OPTIONS = + line-numbers\",\"extended\":\"comments\",\"extends\":true,"
-        "\"file\":\"\\\\opt\\\\shop\\\\site\\\\environ.cfg\",\"line\":10},"
+        "\"file\":\"/opt/shop/site/environ.cfg\",\"line\":10,\"origin\":\"file\"},"
         "{\"entry\":\"POST_OPTIONS = + pallet-codes\",\"extended\":\"comments "
-        "line-numbers\",\"extends\":true,\"file\":\"\\\\opt\\\\shop\\\\cell\\\\environ.cfg\","
-        "\"line\":6}],\"definitionsLeftOut\":0,"
-        "\"expanded\":\"comments line-numbers pallet-codes\",\"fromEnvironment\":false,"
-        "\"hidden\":[],\"hiddenLeftOut\":0,\"lookups\":[],\"name\":\"POST_OPTIONS\","
-        "\"origin\":\"from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 6\","
-        "\"reason\":\"the definition that was read last wins\","
+        "line-numbers\",\"extends\":true,\"file\":\"/opt/shop/cell/environ.cfg\","
+        "\"line\":6,\"origin\":\"file\"}],\"definitionsLeftOut\":0,"
+        "\"expanded\":\"comments line-numbers "
+        "pallet-codes\",\"file\":\"/opt/shop/cell/environ.cfg\",\"fromEnvironment\":false,"
+        "\"hidden\":[],\"hiddenLeftOut\":0,\"line\":6,\"lookups\":[],\"name\":\"POST_OPTIONS\","
+        "\"origin\":\"file\","
+        "\"reason\":\"lastDefinition\","
         "\"value\":\"comments line-numbers pallet-codes\"}\n");
     EXPECT_EQ(run({"explain", "--json", "PC"}), 0);
     EXPECT_NE(out().find("[{\"entry\":\"PC = "
-                         "1\",\"extended\":null,\"extends\":false,\"file\":null,\"line\":null}]"),
+                         "1\",\"extended\":null,\"extends\":false,\"file\":null,\"line\":null,"
+                         "\"origin\":\"program\"}]"),
               std::string::npos)
         << out();
     EXPECT_EQ(run({"explain", "--json", "VIEWER"}), 0);
     EXPECT_NE(out().find("\"expanded\":\"/opt/shop/bin/viewer\""), std::string::npos) << out();
-    EXPECT_NE(out().find("\"lookups\":[\"TRVHOME = '/opt/shop' from environment\"]"),
+    EXPECT_NE(out().find("\"lookups\":[{\"file\":null,\"line\":null,\"name\":\"TRVHOME\","
+                         "\"origin\":\"environment\",\"value\":\"/opt/shop\"}]"),
               std::string::npos)
         << out();
 }
@@ -227,23 +275,23 @@ TEST_F(EnvExplain, ShortensALongHistory) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3 + 1 + 10 * 3 - 1 + 1) << text;
     EXPECT_NE(text.find("\nDefinitions, oldest first\n"
                         "  A = + x\n"
-                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 2\n"
+                        "    /opt/shop/site/environ.cfg:2\n"
                         "  A = + x\n"
-                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 3\n"
+                        "    /opt/shop/site/environ.cfg:3\n"
                         "    + is '+ x'\n"
                         "  A = + x\n"
-                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 4\n"
+                        "    /opt/shop/site/environ.cfg:4\n"
                         "    + is '+ x x'\n"),
               std::string::npos)
         << text;
-    EXPECT_NE(text.find("' line 6\n"
+    EXPECT_NE(text.find("environ.cfg:6\n"
                         "    + is '+ x x x x'\n"
                         "  ... 1590 more; --all shows them\n"
                         "  A = + x\n"
-                        "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 1597\n"),
+                        "    /opt/shop/site/environ.cfg:1597\n"),
               std::string::npos)
         << text;
-    EXPECT_NE(text.find("' line 1601\n    + is '+ x x x"), std::string::npos) << text;
+    EXPECT_NE(text.find("environ.cfg:1601\n    + is '+ x x x"), std::string::npos) << text;
 }
 
 TEST_F(EnvExplain, ShortensALongValueSoFar) {
@@ -270,10 +318,10 @@ TEST_F(EnvExplain, ShortensALongValueSoFar) {
 TEST_F(EnvExplain, SaysThatTheLimitsOfTheRuntimeArePassed) {
     writeHistory("A = +", 10003);
     EXPECT_EQ(run({"explain", "A"}), 0);
-    EXPECT_NE(out().find("' line 10003\n"
+    EXPECT_NE(out().find("environ.cfg:10003\n"
                          "    + is '+'\n"
                          "  A = +\n"
-                         "    from '\\\\opt\\\\shop\\\\site\\\\environ.cfg' line 10004\n"
+                         "    /opt/shop/site/environ.cfg:10004\n"
                          "    + is a value beyond the limits of the runtime\n"),
               std::string::npos)
         << out();
@@ -318,7 +366,7 @@ TEST_F(EnvExplain, ShowsALongHistoryOnRequest) {
     EXPECT_EQ(run({"explain", "--all", "A"}), 0);
     const std::string text = out();
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3 + 1 + 6000 * 3 - 1);
-    const std::string end = "' line 6001\n    + is '+'\n";
+    const std::string end = "environ.cfg:6001\n    + is '+'\n";
     EXPECT_EQ(text.substr(text.size() - std::min(text.size(), end.size())), end);
 }
 

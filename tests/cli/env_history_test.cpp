@@ -57,17 +57,17 @@ TEST_F(EnvHistory, ListsDefinitionsFromTheOldest) {
     const std::vector<Definition> list = definitions();
     ASSERT_EQ(list.size(), 3U);
     EXPECT_EQ(list[0].entry, "LIMIT = 1");
-    EXPECT_EQ(list[0].file, "a.cfg");
-    EXPECT_EQ(list[0].line, 1);
+    EXPECT_EQ(list[0].origin.kind, cli::Origin::Kind::file);
+    EXPECT_EQ(list[0].origin.file, "a.cfg");
+    EXPECT_EQ(list[0].origin.line, 1);
     EXPECT_FALSE(list[0].extends);
     EXPECT_EQ(list[1].entry, "LIMIT = 2 + +");
-    EXPECT_EQ(list[1].origin, "from 'b.cfg' line 22");
+    EXPECT_EQ(list[1].origin.file, "b.cfg");
+    EXPECT_EQ(list[1].origin.line, 22);
     EXPECT_TRUE(list[1].extends);
     EXPECT_EQ(list[1].extended, "1  ");
     EXPECT_EQ(list[2].entry, "LIMIT = 3++");
-    EXPECT_EQ(list[2].origin, "set by program");
-    EXPECT_EQ(list[2].file, "");
-    EXPECT_EQ(list[2].line, 0);
+    EXPECT_EQ(list[2].origin.kind, cli::Origin::Kind::program);
     EXPECT_FALSE(list[2].extends);
 }
 

@@ -33,7 +33,7 @@ TEST_F(EnvList, MarksWhatTheProcessOverrides) {
     write("shop/config/environ.cfg", "[var]\nSITE = Erlbach\nCELL = 3\n");
     process_.setVariable("SITE", "Ulm");
     EXPECT_EQ(run({"list"}), 0);
-    EXPECT_EQ(out(), "SITE = Ulm  (from environment)\nCELL = 3\nWINDOWS = 1\nPC = 1\n");
+    EXPECT_EQ(out(), "SITE = Ulm  (environment variable SITE)\nCELL = 3\nWINDOWS = 1\nPC = 1\n");
 }
 
 TEST_F(EnvList, PrintsOriginsOnRequest) {
@@ -43,8 +43,8 @@ TEST_F(EnvList, PrintsOriginsOnRequest) {
     process_.setVariable("SITE", "Ulm");
     EXPECT_EQ(run({"list", "--origin"}), 0);
     EXPECT_EQ(out(),
-              "SITE = Ulm  (from environment)\n"
-              "CELL = 31  (from '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 2)\n"
+              "SITE = Ulm  (environment variable SITE)\n"
+              "CELL = 31  (/opt/shop/cell/environ.cfg:2)\n"
               "WINDOWS = 1  (set by program)\n"
               "PC = 1  (set by program)\n");
 }
@@ -55,12 +55,34 @@ TEST_F(EnvList, PrintsJson) {
     EXPECT_EQ(run({"list", "--json"}), 0);
     EXPECT_EQ(out(),
               "{\"variables\":["
-              "{\"fromEnvironment\":false,\"name\":\"SITE\",\"origin\":\"from "
-              "'/opt/shop\\\\config\\\\environ.cfg' line 2\",\"value\":\"\\\"Erlbach\\\"\"},"
-              "{\"fromEnvironment\":false,\"name\":\"WINDOWS\",\"origin\":\"set by program\","
-              "\"value\":\"1\"},"
-              "{\"fromEnvironment\":true,\"name\":\"PC\",\"origin\":\"from environment\","
-              "\"value\":\"0\"}]}\n");
+              "{\"file\":\"/opt/shop/config/environ.cfg\",\"fromEnvironment\":false,\"line\":2,"
+              "\"name\":\"SITE\",\"origin\":\"file\",\"value\":\"\\\"Erlbach\\\"\"},"
+              "{\"file\":null,\"fromEnvironment\":false,\"line\":null,"
+              "\"name\":\"WINDOWS\",\"origin\":\"program\",\"value\":\"1\"},"
+              "{\"file\":null,\"fromEnvironment\":true,\"line\":null,"
+              "\"name\":\"PC\",\"origin\":\"environment\",\"value\":\"0\"}]}\n");
+}
+
+TEST_F(EnvList, ListsPathListsOnRequest) {
+    process_.setVariable("CFGPATH", "here");
+    EXPECT_EQ(run({"list", "--paths"}), 0);
+    EXPECT_EQ(out(),
+              "?ENV = $TRVHOME/cell;$TRVHOME/site;$TRVHOME/config\n"
+              "?CFG = here  (environment variable CFGPATH)\n"
+              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts\n");
+    EXPECT_EQ(err(), "");
+    EXPECT_EQ(run({"list", "--paths", "--origin"}), 0);
+    EXPECT_EQ(out(),
+              "?ENV = $TRVHOME/cell;$TRVHOME/site;$TRVHOME/config  "
+              "(/opt/shop/config/environ.cfg:37)\n"
+              "?CFG = here  (environment variable CFGPATH)\n"
+              "?TXT = $TRVHOME/site/texts;$TRVHOME/texts  (/opt/shop/site/environ.cfg:18)\n");
+    write("shop/config/environ.cfg", "[path]\nTMP = x\n");
+    EXPECT_EQ(run({"list", "--paths", "--json"}), 0);
+    EXPECT_EQ(out(),
+              "{\"variables\":[{\"file\":\"/opt/shop/config/environ.cfg\","
+              "\"fromEnvironment\":false,\"line\":2,\"name\":\"?TMP\",\"origin\":\"file\","
+              "\"value\":\"x\"}]}\n");
 }
 
 TEST_F(EnvList, PrintsNothingWithoutVariables) {
@@ -88,8 +110,8 @@ TEST_F(EnvList, WarnsOfATextThatIsNoVariable) {
     EXPECT_EQ(run({"list"}), 0);
     EXPECT_EQ(out(), "CELL = 3\nWINDOWS = 1\nPC = 1\n");
     EXPECT_EQ(err(),
-              "trvfiles: warning: there is no \"=\" in the variable from "
-              "'/opt/shop\\\\config\\\\environ.cfg' line 2\n");
+              "trvfiles: warning: /opt/shop/config/environ.cfg:2: there is no \"=\" in the "
+              "variable\n");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <cli/env_lookup.h>
 #include <tests/common/scoped_variable.h>
 #include <tests/environment/configured_store.h>
+#include <trvfiles/environment/message_store_data.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,6 +18,10 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const cli::Subject limit = {false, "LIMIT"};
+
+std::string textOf(const cli::Origin& origin) {
+    return cli::originText(origin).toStdString();
+}
 
 std::vector<std::string> entriesOf(const cli::History& history) {
     std::vector<std::string> entries;
@@ -42,13 +47,13 @@ TEST(EnvLookup, FindsValuesWithTheirOrigins) {
     store.path("CFG = d;e", "b.cfg", 2);
     Value value = cli::lookUp({false, "limit"});
     EXPECT_TRUE(value.isDefined);
-    EXPECT_FALSE(value.fromEnvironment);
+    EXPECT_FALSE(value.isFromEnvironment());
     EXPECT_EQ(value.text, "12000");
-    EXPECT_EQ(value.origin, "from 'a.cfg' line 7");
-    EXPECT_EQ(cli::lookUp({false, "MODE"}).origin, "set by program");
+    EXPECT_EQ(textOf(value.origin), "a.cfg:7");
+    EXPECT_EQ(textOf(cli::lookUp({false, "MODE"}).origin), "set by program");
     value = cli::lookUp({true, "CFG"});
     EXPECT_EQ(value.text, "d;e");
-    EXPECT_EQ(value.origin, "from 'b.cfg' line 2");
+    EXPECT_EQ(textOf(value.origin), "b.cfg:2");
     EXPECT_FALSE(cli::lookUp({false, "CFG"}).isDefined);
 }
 
@@ -57,7 +62,7 @@ TEST(EnvLookup, FindsTheOriginOfAValueThatExtendsAnother) {
     store.variable("LIMIT = a", "a.cfg", 1);
     store.variable("LIMIT = + b", "b.cfg", 2);
     EXPECT_EQ(cli::lookUp(limit).text, "a b");
-    EXPECT_EQ(cli::lookUp(limit).origin, "from 'b.cfg' line 2");
+    EXPECT_EQ(textOf(cli::lookUp(limit).origin), "b.cfg:2");
 }
 
 TEST(EnvLookup, MarksValuesOfTheProcess) {
@@ -65,11 +70,33 @@ TEST(EnvLookup, MarksValuesOfTheProcess) {
     store.variable("LIMIT = 12000");
     const ScopedVariable variable("LIMIT", "5");
     const ScopedVariable list("CFGPATH", "d");
-    EXPECT_TRUE(cli::lookUp(limit).fromEnvironment);
+    EXPECT_TRUE(cli::lookUp(limit).isFromEnvironment());
     EXPECT_EQ(cli::lookUp(limit).text, "5");
-    EXPECT_EQ(cli::lookUp(limit).origin, "from environment");
-    EXPECT_TRUE(cli::lookUp({true, "CFG"}).fromEnvironment);
-    EXPECT_EQ(cli::lookUp({true, "CFG"}).origin, "from environment 'CFGPATH'");
+    EXPECT_EQ(textOf(cli::lookUp(limit).origin), "environment variable LIMIT");
+    EXPECT_TRUE(cli::lookUp({true, "CFG"}).isFromEnvironment());
+    EXPECT_EQ(textOf(cli::lookUp({true, "CFG"}).origin), "environment variable CFGPATH");
+}
+
+TEST(EnvLookup, KnowsTheOriginsOfReplacedReferences) {
+    ConfiguredStore store;
+    store.variable("LIMIT = a", "a.cfg", 1);
+    store.variable("LIMIT = + b", "b.cfg", 2);
+    store.path("CFG = d", "c.cfg", 3);
+    const std::string value = "a b";
+    // The runtime gives no origin for a value that it puts together.
+    cli::Lookup lookup = cli::lookupOf({'$', "limit", &value, ""});
+    EXPECT_EQ(lookup.subject.text(), "limit");
+    EXPECT_EQ(lookup.value.text, "a b");
+    EXPECT_EQ(textOf(lookup.value.origin), "b.cfg:2");
+    EXPECT_EQ(textOf(cli::lookupOf({'?', "CFG", &value, "from 'c.cfg' line 3"}).value.origin),
+              "c.cfg:3");
+    EXPECT_EQ(
+        textOf(cli::lookupOf({'?', "CFG", &value, "from environment 'CFGPATH'"}).value.origin),
+        "environment variable CFGPATH");
+    EXPECT_EQ(textOf(cli::lookupOf({'$', "TMP", &value, ""}).value.origin), "work zone");
+    lookup = cli::lookupOf({'?', "NOBODY", nullptr, ""});
+    EXPECT_FALSE(lookup.value.isDefined);
+    EXPECT_EQ(lookup.subject.text(), "?NOBODY");
 }
 
 TEST(EnvLookup, ListsEntriesThatNoLookupReaches) {
@@ -94,8 +121,8 @@ TEST(EnvLookup, CountsNoDefinitionOfTheTemporaryDirectory) {
     EXPECT_FALSE(cli::isTemporaryDirectory({true, "TMP"}));
     EXPECT_FALSE(cli::isTemporaryDirectory({false, "tmp"}));
     EXPECT_EQ(cli::lookUp(temporary).text, "d");
-    EXPECT_EQ(cli::lookUp(temporary).origin, "from environment variable TRVTMPDIR");
-    EXPECT_TRUE(cli::lookUp(temporary).fromEnvironment);
+    EXPECT_EQ(textOf(cli::lookUp(temporary).origin), "environment variable TRVTMPDIR");
+    EXPECT_TRUE(cli::lookUp(temporary).isFromEnvironment());
     EXPECT_THAT(entriesOf(cli::definitionsOf(temporary).inOrder), IsEmpty());
     EXPECT_THAT(entriesOf(cli::definitionsOf(temporary).hidden), ElementsAre("TMP = x"));
 }
@@ -106,8 +133,27 @@ TEST(EnvLookup, ListsNamesInOrderAndOnce) {
         store.variable(text);
     append_message(store.get(), store.var(), "no name", -1, 0);
     append_message(store.get(), store.var(), "C = 5", -1, 0);
-    EXPECT_THAT(cli::variableNames().names, ElementsAre("B", "a", "C"));
-    EXPECT_THAT(cli::variableNames().otherTexts, ElementsAre("set by program"));
+    EXPECT_THAT(cli::variableNames(false).names, ElementsAre("B", "a", "C"));
+    ASSERT_EQ(cli::variableNames(false).otherTexts.size(), 1U);
+    EXPECT_EQ(textOf(cli::variableNames(false).otherTexts[0]), "set by program");
+}
+
+TEST(EnvLookup, ListsThePathListsApart) {
+    ConfiguredStore store;
+    store.variable("A = 1");
+    store.path("CFG = d");
+    store.path("TXT = e");
+    EXPECT_THAT(cli::variableNames(true).names, ElementsAre("CFG", "TXT"));
+    EXPECT_THAT(cli::variableNames(true).otherTexts, IsEmpty());
+}
+
+TEST(EnvLookup, KnowsTheDefinitionThatCounts) {
+    ConfiguredStore store;
+    store.variable("A = 1", "a.cfg", 1);
+    store.variable("A = 2", "a.cfg", 2);
+    const std::int32_t text = cli::definitionThatCounts({false, "a"});
+    EXPECT_STREQ(store.get()->texts.at(text), "A = 2");
+    EXPECT_EQ(cli::definitionThatCounts({true, "A"}), -1);
 }
 
 }  // namespace

@@ -1,8 +1,13 @@
 #include <tests/cli/env_sample.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <string>
 
 namespace trv::testing {
 namespace {
@@ -30,7 +35,41 @@ TEST_F(EnvMessages, ShowsOneSection) {
     EXPECT_EQ(out(), "[two]\n");
     EXPECT_EQ(run({"messages", "a.msg", "One"}), 1);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: a.msg: there is no section [One]\n");
+    EXPECT_EQ(err(), "trvfiles: a.msg: there is no section [One]; did you mean 'one'?\n");
+    EXPECT_EQ(run({"messages", "a.msg", "limits"}), 1);
+    EXPECT_EQ(err(), "trvfiles: a.msg: there is no section [limits]\n");
+    EXPECT_EQ(run({"messages", "--json", "a.msg", "ones"}), 1);
+    EXPECT_EQ(out(), "{\"file\":\"a.msg\",\"sections\":[]}\n");
+    EXPECT_EQ(err(), "trvfiles: a.msg: there is no section [ones]; did you mean 'one'?\n");
+}
+
+TEST_F(EnvMessages, ShowsEveryByteSafely) {
+    std::string bytes;
+    for (int code = 1; code < 256; ++code) {
+        // These end a line, begin a comment or a keyword, or end the file on Windows.
+        if (std::string("\r\n\x1a#/[]").find(static_cast<char>(code)) == std::string::npos)
+            bytes += static_cast<char>(code);
+    }
+    write("a.msg", "[one\x1b" + bytes.substr(bytes.size() - 80) + "]\nfirst " + bytes +
+                       "A=" + bytes + "|\n");
+    EXPECT_EQ(run({"messages", "a.msg"}), 0);
+    const std::string text = out();
+    EXPECT_NE(text.find("[one\\x1b"), std::string::npos) << text;
+    EXPECT_EQ(std::count_if(text.begin(), text.end(),
+                            [](char c) { return static_cast<unsigned char>(c) < 32; }),
+              2);
+    EXPECT_EQ(text.find('\x7f'), std::string::npos);
+    EXPECT_EQ(run({"messages", "--json", "a.msg"}), 0);
+    QJsonParseError error;
+    const QJsonDocument document =
+        QJsonDocument::fromJson(QByteArray::fromStdString(process_.out()), &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+    const QJsonObject section =
+        document.object().value(QStringLiteral("sections")).toArray().at(0).toObject();
+    EXPECT_TRUE(
+        section.value(QStringLiteral("name")).toString().startsWith(QStringLiteral("one\x1b")));
+    EXPECT_EQ(run({"messages", "a.msg", "o\x1b[1m"}), 1);
+    EXPECT_EQ(err(), "trvfiles: a.msg: there is no section [o\\x1b[1m]\n");
 }
 
 TEST_F(EnvMessages, PrintsJson) {
@@ -63,7 +102,9 @@ TEST_F(EnvMessages, NeedsTheInstallationForAConditionAlone) {
     write("a.msg", "[one]\n/if CELL\n/endif\n");
     EXPECT_EQ(run({"messages", "a.msg"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: The environment variable 'TRVHOME' is not defined\n");
+    EXPECT_EQ(
+        err(),
+        "trvfiles: there is no installation: TRVHOME is not set; set it or give --root DIR\n");
 }
 
 TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
@@ -75,8 +116,8 @@ TEST_F(EnvMessages, SaysWhyAFileCannotBeShown) {
     EXPECT_EQ(run({"messages", "a.msg"}), 2);
     EXPECT_EQ(out(), "");
     EXPECT_EQ(err(),
-              "trvfiles: load_messages: file 'a.msg', line 3 : Unknown keyword : '/frob'\n"
-              "trvfiles: load_messages: file 'a.msg', line 0 : Error loading file.\n");
+              "trvfiles: a.msg:3: Unknown keyword : '/frob'\n"
+              "trvfiles: a.msg: Error loading file.\n");
 }
 
 TEST_F(EnvMessages, RefusesDevices) {
@@ -90,8 +131,7 @@ TEST_F(EnvMessages, ShowsAFileWithWarnings) {
     write("a.msg", "[one]\n" + std::string(1023, 'x') + "\n");
     EXPECT_EQ(run({"messages", "a.msg"}), 0);
     EXPECT_EQ(out(), "[one]\n  line 2  0  " + std::string(1023, 'x') + "\n");
-    EXPECT_EQ(err(),
-              "trvfiles: warning: load_messages: file 'a.msg', line 2 : Input line too long\n");
+    EXPECT_EQ(err(), "trvfiles: warning: a.msg:2: Input line too long\n");
 }
 
 }  // namespace

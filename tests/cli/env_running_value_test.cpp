@@ -4,6 +4,7 @@
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/reference_resolver.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -152,6 +153,14 @@ TEST(RunningValue, CountsReplacementsWithinReplacements) {
     EXPECT_EQ(valueAfter(values).size(), 6560U);
     values.emplace_back("+ +");
     EXPECT_EQ(DefinedVariable(values).afterAll().state(), State::beyondLimits);
+}
+
+TEST(RunningValue, DividesAValueAtWhatItExtends) {
+    using ::testing::ElementsAre;
+    EXPECT_THAT(RunningValue::literals("a+(0000000C);b+(0000000c)", 12),
+                ElementsAre("a", ";b", ""));
+    EXPECT_THAT(RunningValue::literals("a++b", 12), ElementsAre("a++b"));
+    EXPECT_THAT(RunningValue::literals("", -1), ElementsAre(""));
 }
 
 TEST(RunningValue, EndsIfTheRuntimeTakesNoLongerValue) {

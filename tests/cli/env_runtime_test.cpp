@@ -102,8 +102,42 @@ TEST_F(EnvCommand, SaysWhatToSetIfThereIsNoInstallation) {
         process_.setVariable("TRVHOME", home);
         EXPECT_EQ(run({"list"}), 2);
         EXPECT_EQ(out(), "");
-        EXPECT_EQ(err(), "trvfiles: there is no installation: set TRVHOME or give --root DIR\n");
+        EXPECT_EQ(
+            err(),
+            "trvfiles: there is no installation: TRVHOME is not set; set it or give --root DIR\n");
     }
+}
+
+TEST(RuntimeMessages, SaysInOneWayThatTheRootIsMissing) {
+    std::ostringstream err;
+    RuntimeMessages messages(err);
+    report_fatal("The environment variable 'TRVHOME' is not defined\n");
+    report_fatal("TRVHOME is not defined\n");
+    const std::vector<RuntimeMessages::Report> reports = messages.takeReports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_TRUE(reports[0].fatal);
+    EXPECT_EQ(reports[0].text,
+              "there is no installation: TRVHOME is not set; set it or give --root DIR");
+}
+
+TEST_F(EnvCommand, SaysWhichInstallationIsMissing) {
+    process_.setVariable("TRVHOME", "./nowhere");
+    EXPECT_EQ(run({"list"}), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(),
+              "trvfiles: there is no installation: TRVHOME is '" + native("./nowhere") +
+                  "', which is not a directory; set TRVHOME to another one or give --root DIR\n");
+    std::filesystem::create_directories(directory_ / "empty");
+    process_.setVariable("TRVHOME", "empty");
+    EXPECT_EQ(run({"explain", "CELL"}), 2);
+    EXPECT_EQ(err(), "trvfiles: there is no installation: TRVHOME is 'empty', which has no " +
+                         native("config/environ.cfg") +
+                         "; set TRVHOME to another one or give --root DIR\n");
+    process_.setVariable("TRVHOME", nullptr);
+    process_.setVariable("TRVHOME_LS", "nowhere");
+    EXPECT_EQ(run({"list"}), 2);
+    EXPECT_EQ(err().substr(0, 66),
+              "trvfiles: there is no installation: TRVHOME_LS is 'nowhere', which");
 }
 
 TEST_F(EnvCommand, RefusesARootThatIsNoDirectory) {
@@ -121,19 +155,17 @@ TEST_F(EnvCommand, EndsWithWhatIsFatalAtTheStart) {
     write("empty/x", "");
     EXPECT_EQ(run({"list", "--root", "empty"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(err(), "trvfiles: Error loading '" + directory_.text() +
-                         "/empty\\\\config\\\\environ.cfg'\n");
+    EXPECT_EQ(err(), "trvfiles: there is no installation: --root is '" +
+                         native(directory_.text() + "/empty") + "', which has no " +
+                         native("config/environ.cfg") + "\n");
 
     write("shop/config/environ.cfg", "[var]\n/frob\n");
     EXPECT_EQ(run({"explain", "CELL"}), 2);
     EXPECT_EQ(out(), "");
-    EXPECT_EQ(
-        err(),
-        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 2 : Unknown "
-        "keyword : '/frob'\n"
-        "trvfiles: load_messages: file '/opt/shop\\\\config\\\\environ.cfg', line 0 : Error "
-        "loading file.\n"
-        "trvfiles: Error loading '/opt/shop\\\\config\\\\environ.cfg'\n");
+    EXPECT_EQ(err(),
+              "trvfiles: /opt/shop/config/environ.cfg:2: Unknown keyword : '/frob'\n"
+              "trvfiles: /opt/shop/config/environ.cfg: Error loading file.\n"
+              "trvfiles: Error loading '/opt/shop\\\\config\\\\environ.cfg'\n");
 }
 
 TEST_F(EnvCommand, ShowsNoResultsBesideAFatalReport) {
@@ -149,8 +181,8 @@ TEST_F(EnvCommand, WarnsOfWhatIsNotFatalAtTheStart) {
     EXPECT_EQ(out(), "4\n");
     EXPECT_EQ(
         err(),
-        "trvfiles: warning: load_messages: [file '\\\\opt\\\\shop\\\\cell\\\\environ.cfg' line 2] "
-        "Warning - incorrect format (missing '='): [var] no entry\n");
+        "trvfiles: warning: /opt/shop/cell/environ.cfg:2: incorrect format (missing '='): [var] no "
+        "entry\n");
 }
 
 TEST_F(EnvCommand, KeepsTheTraceAwayFromTheResults) {

@@ -7,9 +7,11 @@
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
 #include <tests/environment/installation.h>
+#include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <initializer_list>
 #include <string>
@@ -41,6 +43,25 @@ inline std::string withSlashesInTrvhome(const std::string& text, const std::stri
     return result + text.substr(done);
 }
 
+/// Replaces "\" by "/" in the native paths of configuration files below "\opt\shop". A "'" follows
+/// those that are in the runtime's own form, which do not change.
+inline std::string withSlashesInOrigins(const std::string& text) {
+    const std::string root = "\\\\opt\\\\shop";
+    const std::string file = "environ.cfg";
+    std::string result;
+    std::size_t done = 0;
+    for (std::size_t at = text.find(root); at != std::string::npos; at = text.find(root, done)) {
+        result += text.substr(done, at - done);
+        done = std::min(text.find_first_of(" ':;\"\n", at), text.size());
+        const std::string path = text.substr(at, done - at);
+        const bool isFile =
+            path.size() > file.size() && path.substr(path.size() - file.size()) == file;
+        const bool isNative = isFile && text.compare(done, 1, "'") != 0;
+        result += isNative ? replaced(path, "\\\\", "/") : path;
+    }
+    return result + text.substr(done);
+}
+
 /// The text with the root of the installation replaced by "/opt/shop". A root with "\" becomes
 /// "\opt\shop", in JSON "\\opt\\shop". On Windows TRVHOME has "\" as well.
 inline std::string asAtOptShop(std::string text, const std::string& root) {
@@ -49,7 +70,15 @@ inline std::string asAtOptShop(std::string text, const std::string& root) {
     text = replaced(text, backslashed(root), "\\opt\\shop");
     text = replaced(text, std::filesystem::path(root).generic_string(), "/opt/shop");
     if (root != backslashed(root)) return text;
+    text = withSlashesInOrigins(text);
     return withSlashesInTrvhome(withSlashesInTrvhome(text, "\\\\"), "\\");
+}
+
+/// A path below "/opt/shop" as out() shows it on this system.
+inline std::string native(const std::string& path) {
+    if (!platform::backslash_separates()) return path;
+    const std::string shown = replaced(backslashed(path), "\\", "\\\\");
+    return withSlashesInTrvhome(withSlashesInOrigins(shown), "\\\\");
 }
 
 /// The process finds the installation by TRVHOME and knows no other variable of the runtime.
