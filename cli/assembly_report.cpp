@@ -70,9 +70,10 @@ void printCounts(const CTrvAssemblyData& assembly, std::ostream& out) {
 void printAssemblyHead(const QString& name, const CTrvAssemblyData& assembly, std::ostream& out) {
     double size[3];
     assembly.getDimension(size);
-    out << qUtf8Printable(QStringLiteral("Assembly file %1\n\nDimension         %2 x %3 x %4\n")
-                              .arg(shown(displayName(name)), roundedText(size[0]),
-                                   roundedText(size[1]), roundedText(size[2])));
+    out << qUtf8Printable(
+        headingText(QStringLiteral("Assembly file"), name) +
+        QStringLiteral("Dimension         %1 x %2 x %3\n")
+            .arg(roundedText(size[0]), roundedText(size[1]), roundedText(size[2])));
     printCounts(assembly, out);
 }
 

@@ -27,7 +27,7 @@ AssemblyCounts countsOf(const CTrvAssemblyData& assembly);
 /// The lines of the counts.
 void printCounts(const CTrvAssemblyData& assembly, std::ostream& out);
 
-/// The name of the file, the size and the counts.
+/// The name of the file, unless it is empty, the size and the counts.
 void printAssemblyHead(const QString& name, const CTrvAssemblyData& assembly, std::ostream& out);
 
 /// The members of a JSON object; docs/command.md lists the keys. The tree is a flat list: JSON

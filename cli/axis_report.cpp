@@ -70,7 +70,7 @@ AxisTraits traitsOf(const AxisMatrix& matrix) {
 QString axisText(const QString& name, const AxisFile& axis) {
     const AxisTraits traits = traitsOf(axis.matrix);
     return QStringLiteral(
-               "Axis file %1\n\n"
+               "%1"
                "Matrix\n%2\n"
                "%3\n"
                "Identity     %4\n"
@@ -78,7 +78,7 @@ QString axisText(const QString& name, const AxisFile& axis) {
                "Mirror       %6\n"
                "Singular     %7\n"
                "Tags         %8\n")
-        .arg(shown(displayName(name)), rows(axis.matrix),
+        .arg(headingText(QStringLiteral("Axis file"), name), rows(axis.matrix),
              traits.singular ? QStringLiteral("Inverse: none\n")
                              : QStringLiteral("Inverse\n") + rows(traits.inverse),
              yesNo(traits.identity), yesNo(traits.orthonormal), yesNo(traits.mirror),

@@ -26,7 +26,8 @@ struct AxisTraits {
 
 AxisTraits traitsOf(const AxisMatrix& matrix);
 
-/// The placement, its inverse and its traits: several lines.
+/// The placement, its inverse and its traits: several lines. The first one names the file, unless
+/// the name is empty.
 QString axisText(const QString& name, const AxisFile& axis);
 
 /// The same as JSON; docs/command.md lists the keys.

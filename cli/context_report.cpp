@@ -29,7 +29,7 @@ QString contextText(const QString& name, const ContextFile& context) {
     const CMachineContextData& data = context.data;
     double origin[3] = {};
     data.getOriginProgram(origin[0], origin[1], origin[2]);
-    QString text = QStringLiteral("Machine context file %1\n\n").arg(shown(name));
+    QString text = headingText(QStringLiteral("Machine context file"), name);
     text += line("Name", data.getNameW());
     text += line("Comment", data.getCommentW());
     text += line("Machine", data.getMachineNameW());

@@ -10,7 +10,8 @@
 
 namespace trv::cli {
 
-/// The fields, a line each, and the sections that are missing.
+/// The fields, a line each, and the sections that are missing. The first line names the file,
+/// unless the name is empty.
 QString contextText(const QString& name, const ContextFile& context);
 
 /// The same as JSON; docs/command.md lists the keys.

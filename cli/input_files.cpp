@@ -103,6 +103,11 @@ QString displayName(const QString& name) {
     return isStandardInput(name) ? QStringLiteral("standard input") : name;
 }
 
+QString headingText(const QString& kind, const QString& name) {
+    const QString end = QStringLiteral("\n\n");
+    return name.isEmpty() ? kind + end : kind + QLatin1Char(' ') + shown(displayName(name)) + end;
+}
+
 QString problemText(const Problem& problem) {
     QString place;
     if (problem.line > 0) place = QStringLiteral("line %1").arg(problem.line);

@@ -48,6 +48,10 @@ Problem systemProblem(EFileIOStatus status, int error);
 /// The name of a file in texts: "standard input" for "-".
 QString displayName(const QString& name);
 
+/// The first line of the text about a file and the blank line after it: "Axis file a.ref", or "Axis
+/// file" if the name is empty.
+QString headingText(const QString& kind, const QString& name);
+
 /// "eFileIOContentError"
 QString statusName(EFileIOStatus status);
 

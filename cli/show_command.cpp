@@ -12,8 +12,11 @@ namespace {
 
 class Show {
 public:
-    Show(int fileCount, bool asJson, const TextForm& form, std::ostream& out)
-        : asJson_(asJson), form_{form}, output_(fileCount, Heading::blankLine, out) {}
+    Show(const QCommandLineParser& call, const TextForm& form, std::ostream& out)
+        : asJson_(call.isSet(QStringLiteral("json"))),
+          namesFiles_(!call.isSet(QStringLiteral("no-filename"))),
+          form_{form},
+          output_(call.positionalArguments().size(), Heading::blankLine, out) {}
 
     Problem show(const QString& name) {
         FileKind kind = FileKind::unknown;
@@ -46,7 +49,7 @@ private:
             return {};
         }
         std::ostream& out = output_.beginText(name);
-        printAssemblyHead(name, assembly, out);
+        printAssemblyHead(inHeading(name), assembly, out);
         out << '\n';
         printTree(assembly, everything, form_, out);
         return {};
@@ -55,16 +58,18 @@ private:
     Problem showAxis(const QString& name) {
         AxisFile axis;
         if (Problem problem = readAxis(name, axis)) return problem;
-        print(name, axisJson(name, axis), axisText(name, axis));
+        print(name, axisJson(name, axis), axisText(inHeading(name), axis));
         return {};
     }
 
     Problem showContext(const QString& name) {
         ContextFile context;
         if (Problem problem = readContext(name, context)) return problem;
-        print(name, contextJson(name, context), contextText(displayName(name), context));
+        print(name, contextJson(name, context), contextText(inHeading(name), context));
         return {};
     }
+
+    QString inHeading(const QString& name) const { return namesFiles_ ? name : QString(); }
 
     void print(const QString& name, const QJsonObject& object, const QString& text) {
         if (asJson_) {
@@ -75,6 +80,7 @@ private:
     }
 
     bool asJson_;
+    bool namesFiles_;
     TreeForm form_;
     FileOutput output_;
 };
@@ -84,7 +90,7 @@ ExitStatus show(const QCommandLineParser& call, const Console& console) {
     const QString mistake = readTextForm(call, console, form);
     if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("show"), mistake);
     const QStringList names = call.positionalArguments();
-    Show files(names.size(), call.isSet(QStringLiteral("json")), form, console.out);
+    Show files(call, form, console.out);
     const ExitStatus status =
         printEachFile(names, console, [&](const QString& name) { return files.show(name); });
     files.end();
@@ -96,7 +102,7 @@ ExitStatus show(const QCommandLineParser& call, const Console& console) {
 CommandGroup showCommand() {
     Command command;
     command.name = QStringLiteral("show");
-    command.arguments = QStringLiteral("[--json] [--color=WHEN] FILE...");
+    command.arguments = QStringLiteral("[--json] [--no-filename] [--color=WHEN] FILE...");
     command.summary = QStringLiteral("Show an assembly, an axis file or a machine context");
     command.details = QStringLiteral(
         "The content of the file decides its kind. \"-\" is standard input. A file that\n"
@@ -104,7 +110,9 @@ CommandGroup showCommand() {
     command.examples += QStringLiteral("trvfiles show bracket.xml");
     command.examples += QStringLiteral("trvfiles show --json bracket-left.mctx");
     command.examples += QStringLiteral("trvfiles show bracket.xml table-a30.dat bracket-left.mctx");
-    command.options = {jsonOption(), colorOption()};
+    const QCommandLineOption noFilename(QStringLiteral("no-filename"),
+                                        QStringLiteral("Leave out the file name in the heading"));
+    command.options = {jsonOption(), noFilename, colorOption()};
     command.maxFiles = Command::anyNumber;
     command.run = show;
     return {command};

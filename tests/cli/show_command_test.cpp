@@ -63,6 +63,19 @@ TEST_F(ShowCommand, ShowsAMachineContextWhateverItsName) {
                               "Clamping proximity  2.5\n");
 }
 
+TEST_F(ShowCommand, LeavesOutTheNameOnRequest) {
+    const QStringList option(QStringLiteral("--no-filename"));
+    EXPECT_EQ(show("a", setupXml, option).out.substr(0, 42),
+              "Assembly file\n\nDimension         100 x 50 ");
+    EXPECT_EQ(show("a", turnedAxis, option).out.substr(0, 19), "Axis file\n\nMatrix\n ");
+    EXPECT_EQ(show("a", setupContext, option).out.substr(0, 49),
+              "Machine context file\n\nName                Setup A");
+    EXPECT_EQ(show("b", setupXml, option).out, show("c", setupXml, option).out);
+    EXPECT_NE(show("a", setupContext, words("--no-filename --json"))
+                  .out.find("\"file\":\"" + path("a") + "\""),
+              std::string::npos);
+}
+
 TEST_F(ShowCommand, PrintsJsonOfEveryKind) {
     const QStringList json(QStringLiteral("--json"));
     EXPECT_EQ(show("a", setupXml, json).out.substr(0, 18), "{\"componentCount\":");
