@@ -27,7 +27,7 @@ def sample(command, *arguments, **expectations):
 HIDDEN = 'a\u202e\\"\n\U000e0041\u2028'
 HIDDEN_IN_XML = "a\u202e\\&quot;&#10;\U000e0041\u2028"
 HIDDEN_IN_JSON = r"a\u202e\\\"\n\udb40\udc41\u2028"
-# A "\\" in the name of a file is a separator.
+# A "\" in the name of a file is a separator.
 FILE_NAME = HIDDEN.replace("\\", "") + ".xml"
 # No command opens such a file, but its name is printed.
 NOT_TEXT = "not\udcfftext.xml"
