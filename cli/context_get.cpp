@@ -1,5 +1,6 @@
 #include <cli/context_commands.h>
 #include <cli/context_fields.h>
+#include <cli/file_output.h>
 #include <cli/suggestion.h>
 #include <cli/text_output.h>
 
@@ -64,12 +65,11 @@ QJsonValue jsonValue(const ContextField& field, const CMachineContextData& data)
     return jsonNumbers(origin, 3);
 }
 
-void printAsJson(const QString& name, const Fields& fields, const CMachineContextData& data,
-                 const Console& console) {
+QJsonObject jsonOf(const QString& name, const Fields& fields, const CMachineContextData& data) {
     QJsonObject values;
     for (const ContextField* field : fields)
         values.insert(nameOf(*field), jsonValue(*field, data));
-    printJson({{QStringLiteral("file"), name}, {QStringLiteral("fields"), values}}, console.out);
+    return {{QStringLiteral("file"), name}, {QStringLiteral("fields"), values}};
 }
 
 // Prints a value that another program may use. What shown() would escape is noted, except the
@@ -98,6 +98,8 @@ ExitStatus get(const QCommandLineParser& call, const Console& console) {
         for (const ContextField& field : contextFields())
             fields.push_back(&field);
     }
+    const bool asJson = call.isSet(QStringLiteral("json"));
+    FileOutput output(files.size(), Heading::blankLine, console.out);
     ExitStatus status = done;
     for (const QString& name : files) {
         ContextFile context;
@@ -105,8 +107,9 @@ ExitStatus get(const QCommandLineParser& call, const Console& console) {
             status = report(name, problem, console);
             continue;
         }
-        if (call.isSet(QStringLiteral("json"))) {
-            printAsJson(name, fields, context.data, console);
+        if (asJson) {
+            const QJsonObject object = jsonOf(name, fields, context.data);
+            output.writeJson([&](JsonWriter& json) { json.addAll(object); });
             continue;
         }
         const QString prefix = files.size() == 1 ? QString() : shown(name) + QStringLiteral(": ");
@@ -115,6 +118,7 @@ ExitStatus get(const QCommandLineParser& call, const Console& console) {
             printValue(name, start, *field, context.data, console);
         }
     }
+    if (asJson) output.endJson();
     return status;
 }
 

@@ -68,17 +68,16 @@ TEST_F(ContextGet, KeepsABackslashAndShowsNoHiddenCharacter) {
                   "--json prints the exact value\n");
 }
 
-TEST_F(ContextGet, PrintsJson) {
-    EXPECT_EQ(get({context_, context_},
-                  "--json postpro.origin_program machine.name clamping_system.proximity")
-                  .out,
-              [&] {
-                  const std::string line =
-                      "{\"fields\":{\"clamping_system.proximity\":2.5,\"machine.name\":\"MILL5\","
-                      "\"postpro.origin_program\":[12.5,0,-3]},\"file\":\"" +
-                      text("a.mctx") + "\"}\n";
-                  return line + line;
-              }());
+TEST_F(ContextGet, PrintsOneJsonDocument) {
+    const char* const fields =
+        "--json postpro.origin_program machine.name clamping_system.proximity";
+    const std::string values =
+        "\"fields\":{\"clamping_system.proximity\":2.5,\"machine.name\":\"MILL5\","
+        "\"postpro.origin_program\":[12.5,0,-3]},\"file\":\"" +
+        text("a.mctx") + '"';
+    EXPECT_EQ(get({context_}, fields).out, '{' + values + "}\n");
+    EXPECT_EQ(get({context_, context_}, fields).out,
+              "{\"files\":[{" + values + "},{" + values + "}]}\n");
 }
 
 TEST_F(ContextGet, ReadsTheOtherFilesIfOneFails) {

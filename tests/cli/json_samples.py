@@ -229,7 +229,6 @@ def context_samples():
         sample(
             "context get", "odd.mctx", "missing.mctx", "bracket-left.mctx",
             status=2,
-            documents=2,
         ),
         sample("context get", "numbers.mctx", contains=('["nan","inf","-inf"]',)),
         sample("context get", "odd.mctx", "header.name", "machine.proximity"),
