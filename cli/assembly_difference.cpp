@@ -83,7 +83,7 @@ QStringList fieldTexts(const Difference& difference) {
 }
 
 QString unpairedText(const OutlineNode& node, const QString& side) {
-    const QString text = QStringLiteral("only in the %1 file").arg(side);
+    QString text = QStringLiteral("only in the %1 file").arg(side);
     if (node.size == 1) return text;
     return QStringLiteral("%1, with %2 below")
         .arg(text,

@@ -40,7 +40,7 @@ Problem readForEdit(const QString& name, CTrvAssemblyData& assembly,
 QString whatIsLost(const QString& name, const std::vector<CFileFault::Note>& notes) {
     if (!notes.empty()) {
         const CFileFault::Note& note = notes.front();
-        const QString text = shown(QString::fromStdString(note.text));
+        QString text = shown(QString::fromStdString(note.text));
         if (note.line == 0) return text;
         return QStringLiteral("line %1: %2").arg(QString::number(note.line), text);
     }

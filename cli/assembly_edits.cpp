@@ -99,7 +99,7 @@ QString readAssignment(const QString& text, AssemblyEdits& edits) {
             FieldEdit edit;
             edit.path = text.left(sign - end.size());
             edit.key = key;
-            const QString mistake = readValue(text.mid(sign + 1), edit);
+            QString mistake = readValue(text.mid(sign + 1), edit);
             if (mistake.isEmpty()) edits.fields.push_back(edit);
             return mistake;
         }

@@ -1,7 +1,9 @@
 #include <cli/assembly_identity.h>
 #include <trvfiles/assembly/component_body.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -18,7 +20,13 @@ bool haveIdenticalFields(const ComponentFields& one, const ComponentFields& othe
 }  // namespace
 
 bool areIdentical(const double one[3], const double other[3]) {
-    return std::memcmp(one, other, 3 * sizeof(double)) == 0;
+    const auto bitsOf = [](double number) {
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &number, sizeof bits);
+        return bits;
+    };
+    return std::equal(one, one + 3, other,
+                      [&](double left, double right) { return bitsOf(left) == bitsOf(right); });
 }
 
 // Iterative: the trees may be deeper than the stack.

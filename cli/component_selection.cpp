@@ -15,7 +15,7 @@ using Selected = std::vector<SelectedComponent>;
 constexpr SelectedComponent removed = {nullptr, 0, 0};
 
 bool contains(const std::string& narrow, const QString& text) {
-    return narrow.size() > 0 && fromNarrow(narrow).contains(text, Qt::CaseInsensitive);
+    return !narrow.empty() && fromNarrow(narrow).contains(text, Qt::CaseInsensitive);
 }
 
 bool contains(const ComponentBody& component, const QString& text) {

@@ -100,8 +100,11 @@ QJsonObject siblingChangeJson(const Difference& difference) {
         {QStringLiteral("second"), indexJson(difference.second, difference.secondIndex)},
     };
     if (difference.change == Change::moved) return json;
-    const OutlineNode& node = difference.first == nullptr ? *difference.second : *difference.first;
-    json.insert(QStringLiteral("below"), static_cast<qint64>(node.size - 1));
+    const OutlineNode* const node =
+        difference.change == Change::added ? difference.second : difference.first;
+    if (node != nullptr) {
+        json.insert(QStringLiteral("below"), static_cast<qint64>(node->size - 1));
+    }
     return json;
 }
 

@@ -65,7 +65,7 @@ struct Difference {
 
 class DifferenceWalk {
 public:
-    /// @param first, second  have to live as long as the walk, unchanged
+    /// Both assemblies have to live as long as the walk, unchanged.
     DifferenceWalk(const CTrvAssemblyData& first, const CTrvAssemblyData& second);
 
     /// Calls `receive` for each difference, a component's own before those of its children. There
