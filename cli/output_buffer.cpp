@@ -25,7 +25,7 @@ bool isWhole(double value) {
 }  // namespace
 
 void OutputBuffer::endPiece() {
-    constexpr std::size_t blockLength = 64 * 1024;
+    constexpr std::size_t blockLength = 65536;
     if (text_.size() >= blockLength) flush();
 }
 

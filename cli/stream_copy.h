@@ -30,11 +30,9 @@ struct StreamCopy {
     QString problem;
 };
 
-/// The copy of what a name means.
-///
-/// @param name  "-"
-/// @param path  the resolved path of the pipe
 StreamCopy copyOfStandardInput();
+
+/// @param path  resolved
 StreamCopy copyOfPipe(const QString& path);
 
 /// Copies a stream to its end.
