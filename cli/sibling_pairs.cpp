@@ -55,7 +55,8 @@ Selection unpairedIn(const Siblings& siblings, std::size_t begin, std::size_t en
 
 class Pairing {
 public:
-    Pairing(const Siblings& first, const Siblings& second) : first_(first), second_(second) {}
+    Pairing(Siblings first, Siblings second)
+        : first_(std::move(first)), second_(std::move(second)) {}
 
     /// Whether one of the lists has no child left.
     bool isComplete() const { return first_.unpaired == 0 || second_.unpaired == 0; }

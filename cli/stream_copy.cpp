@@ -36,10 +36,10 @@ struct Copy {
 // The path under which the file can be opened again. On Linux the file has no name in a directory,
 // so nothing is left of it if a signal ends the command.
 QString pathOf(QTemporaryFile& file) {
-    const QString path = QStringLiteral("/proc/self/fd/%1").arg(file.handle());
+    QString path = QStringLiteral("/proc/self/fd/%1").arg(file.handle());
     // Wine has the directory too, but its numbers are others.
     if (!platform::backslash_separates() && QFile::exists(path)) return path;
-    const QString name = file.fileName();
+    QString name = file.fileName();
     file.close();
     return name;
 }
@@ -107,7 +107,7 @@ StreamCopy copyOfPipe(const QString& path) {
 }
 
 QString copyStream(std::FILE* stream, QFile& file, qint64 maxBytes) {
-    constexpr std::size_t blockLength = 64 * 1024;
+    constexpr std::size_t blockLength = 65536;
     std::vector<char> block(blockLength);
     qint64 copied = 0;
     for (;;) {
