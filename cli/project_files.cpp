@@ -17,6 +17,11 @@ QString joined(const QString& directory, const QString& name) {
     return hasSeparator ? directory + name : directory + QLatin1Char('/') + name;
 }
 
+// Such as ".git", on every system.
+bool isHidden(const QString& name) {
+    return name.startsWith(QLatin1Char('.'));
+}
+
 QStringList filesIn(const std::filesystem::path& directory, QString& error) {
     QStringList names;
     std::error_code failure;
@@ -26,7 +31,7 @@ QStringList filesIn(const std::filesystem::path& directory, QString& error) {
         std::error_code unknown;
         if (!entry->is_regular_file(unknown)) continue;
         const QString name = pathFromSystem(entry->path().filename().native()).text;
-        if (!name.startsWith(QLatin1Char('.'))) names += name;
+        if (!isHidden(name)) names += name;
     }
     if (failure) error = QString::fromStdString(failure.default_error_condition().message());
     return names;
@@ -35,7 +40,8 @@ QStringList filesIn(const std::filesystem::path& directory, QString& error) {
 QStringList directoriesIn(const std::filesystem::path& directory) {
     QStringList names;
     for (const platform::subdirectory& below : platform::subdirectories(directory)) {
-        if (!below.is_link) names += pathFromSystem(below.name).text;
+        const QString name = pathFromSystem(below.name).text;
+        if (!below.is_link && !isHidden(name)) names += name;
     }
     return names;
 }
