@@ -3,6 +3,7 @@
 #include <cli/assembly_edits.h>
 #include <cli/assembly_loss.h>
 #include <cli/assembly_save.h>
+#include <cli/difference_json.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/text/open_file.h>
@@ -11,6 +12,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace trv::cli {
@@ -56,8 +58,11 @@ QString whatIsLost(const QString& name, const std::vector<CFileFault::Note>& not
 // The edits of a call, file by file.
 class Edit {
 public:
-    Edit(const QCommandLineParser& call, const AssemblyEdits& edits, const Console& console)
+    // @param json  in the array of files; nullptr if text is printed
+    Edit(const QCommandLineParser& call, const AssemblyEdits& edits, JsonWriter* json,
+         const Console& console)
         : edits_(edits),
+          json_(json),
           console_(console),
           isDryRun_(call.isSet(QStringLiteral("dry-run"))),
           isForced_(call.isSet(QStringLiteral("force"))),
@@ -75,7 +80,10 @@ public:
         std::vector<ComponentPlace> places;
         const QString mistake = findPlaces(edits_, root, places);
         if (!mistake.isEmpty()) return failedWith(name, mistake, console_);
-        if (!wouldChange(edits_, places, root)) return Outcome::unchanged;
+        if (!wouldChange(edits_, places, root)) {
+            printUnchanged(name);
+            return Outcome::unchanged;
+        }
 
         const QString loss = isForced_ ? QString() : whatIsLost(name, notes);
         if (!loss.isEmpty()) {
@@ -87,13 +95,39 @@ public:
         const Problem problem =
             isDryRun_ ? whyNotSaved(assembly) : saveAssembly(name, assembly, held.get());
         if (problem) return failedWith(name, problem, console_);
-        if (!isAlone_) console_.out << qUtf8Printable(shown(name)) << ":\n";
-        printDifferences(before, assembly, console_.out);
+        printChanged(name, before, assembly);
         return Outcome::changed;
     }
 
 private:
+    void printUnchanged(const QString& name) const {
+        if (json_ == nullptr) return;
+        beginJson(name, false);
+        json_->beginArray("differences");
+        json_->endArray();
+        json_->endObject();
+    }
+
+    void printChanged(const QString& name, const CTrvAssemblyData& before,
+                      const CTrvAssemblyData& after) const {
+        if (json_ != nullptr) {
+            beginJson(name, true);
+            addDifferences(before, after, *json_);
+            json_->endObject();
+            return;
+        }
+        if (!isAlone_) console_.out << qUtf8Printable(shown(name)) << ":\n";
+        printDifferences(before, after, console_.out);
+    }
+
+    void beginJson(const QString& name, bool isChanged) const {
+        json_->beginObject();
+        json_->add("file", name);
+        json_->addBoolean("changed", isChanged);
+    }
+
     const AssemblyEdits& edits_;
+    JsonWriter* const json_;
     const Console& console_;
     const bool isDryRun_;
     const bool isForced_;
@@ -116,13 +150,19 @@ ExitStatus edit(const QCommandLineParser& call, const Console& console) {
     if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("assembly edit"), mistake);
 
     const QStringList names = call.positionalArguments();
-    const Edit editing(call, edits, console);
+    std::optional<JsonWriter> json;
+    if (call.isSet(QStringLiteral("json"))) json.emplace(console.out).beginArray("files");
+    const Edit editing(call, edits, json ? &*json : nullptr, console);
     int changed = 0;
     int failures = 0;
     for (const QString& name : names) {
         const Outcome outcome = editing.run(name);
         if (outcome == Outcome::changed) ++changed;
         if (outcome == Outcome::failed) ++failures;
+    }
+    if (json) {
+        json->endArray();
+        json->end();
     }
     if (names.size() > 1 || changed + failures == 0) {
         printSummary(changed, failures, names.size(), call.isSet(QStringLiteral("dry-run")),
@@ -152,7 +192,8 @@ Command assemblyEditCommand() {
     command.options +=
         {QCommandLineOption(QStringLiteral("dry-run"), QStringLiteral("Write no file")),
          QCommandLineOption(QStringLiteral("force"),
-                            QStringLiteral("Write a file of which something is lost"))};
+                            QStringLiteral("Write a file of which something is lost")),
+         jsonOption()};
     command.maxFiles = Command::anyNumber;
     command.run = edit;
     return command;

@@ -1,5 +1,6 @@
 #include <cli/context_fields.h>
 #include <cli/context_values.h>
+#include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <algorithm>
@@ -45,6 +46,14 @@ QString setOrigin(const ContextField& field, const QString& text, CMachineContex
     return {};
 }
 
+QJsonValue jsonValue(const ContextField& field, const CMachineContextData& data) {
+    if (field.isText()) return storedValue(field, data);
+    if (field.isProximity()) return jsonNumber((data.*field.proximity)());
+    double origin[3] = {};
+    data.getOriginProgram(origin[0], origin[1], origin[2]);
+    return jsonNumbers(origin, 3);
+}
+
 }  // namespace
 
 QString nameOf(const ContextField& field) {
@@ -67,6 +76,14 @@ QString setContextField(const ContextField& field, const QString& text, CMachine
     if (field.isText()) return setText(field, text, data);
     if (field.isProximity()) return setProximity(field, text, data);
     return setOrigin(field, text, data);
+}
+
+QJsonObject contextJson(const QString& name, const ContextFieldList& fields,
+                        const CMachineContextData& data) {
+    QJsonObject values;
+    for (const ContextField* field : fields)
+        values.insert(nameOf(*field), jsonValue(*field, data));
+    return {{QStringLiteral("file"), name}, {QStringLiteral("fields"), values}};
 }
 
 }  // namespace trv::cli

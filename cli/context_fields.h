@@ -1,15 +1,20 @@
 #pragma once
 
 /// @file
-/// The fields of a machine context as texts that a command shows and takes.
+/// The fields of a machine context as texts that a command shows and takes, and as JSON.
 ///
 /// Threads: any.
 
 #include <trvfiles/machine_context/context_fields.h>
 
+#include <QJsonObject>
 #include <QString>
 
+#include <vector>
+
 namespace trv::cli {
+
+using ContextFieldList = std::vector<const ContextField*>;
 
 /// "machine.name"
 QString nameOf(const ContextField& field);
@@ -24,5 +29,11 @@ QString storedValue(const ContextField& field, const CMachineContextData& data);
 ///
 /// @return what is wrong with the text, human-readable; empty if nothing is
 QString setContextField(const ContextField& field, const QString& text, CMachineContextData& data);
+
+/// A file with the values of fields: the keys "file" and "fields".
+///
+/// @param name  of the file, as given
+QJsonObject contextJson(const QString& name, const ContextFieldList& fields,
+                        const CMachineContextData& data);
 
 }  // namespace trv::cli

@@ -8,12 +8,9 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <vector>
 
 namespace trv::cli {
 namespace {
-
-using Fields = std::vector<const ContextField*>;
 
 QStringList fieldNames() {
     QStringList names;
@@ -41,7 +38,7 @@ bool isLikeAField(const QString& text) {
 // Divides the arguments into files and fields. The files are first.
 //
 // @return what is wrong with them; empty if nothing is
-QString readArguments(const QStringList& arguments, QStringList& files, Fields& fields) {
+QString readArguments(const QStringList& arguments, QStringList& files, ContextFieldList& fields) {
     for (const QString& argument : arguments) {
         if (const ContextField* field = findContextField(argument)) {
             fields.push_back(field);
@@ -55,21 +52,6 @@ QString readArguments(const QStringList& arguments, QStringList& files, Fields& 
         files += argument;
     }
     return files.isEmpty() ? QStringLiteral("a file name is missing") : QString();
-}
-
-QJsonValue jsonValue(const ContextField& field, const CMachineContextData& data) {
-    if (field.isText()) return storedValue(field, data);
-    if (field.isProximity()) return jsonNumber((data.*field.proximity)());
-    double origin[3] = {};
-    data.getOriginProgram(origin[0], origin[1], origin[2]);
-    return jsonNumbers(origin, 3);
-}
-
-QJsonObject jsonOf(const QString& name, const Fields& fields, const CMachineContextData& data) {
-    QJsonObject values;
-    for (const ContextField* field : fields)
-        values.insert(nameOf(*field), jsonValue(*field, data));
-    return {{QStringLiteral("file"), name}, {QStringLiteral("fields"), values}};
 }
 
 // Prints a value that another program may use. What shown() would escape is noted, except the
@@ -90,7 +72,7 @@ void printValue(const QString& name, const QString& start, const ContextField& f
 
 ExitStatus get(const QCommandLineParser& call, const Console& console) {
     QStringList files;
-    Fields fields;
+    ContextFieldList fields;
     const QString mistake = readArguments(call.positionalArguments(), files, fields);
     if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("context get"), mistake);
     const bool withNames = fields.empty();
@@ -108,7 +90,7 @@ ExitStatus get(const QCommandLineParser& call, const Console& console) {
             continue;
         }
         if (asJson) {
-            const QJsonObject object = jsonOf(name, fields, context.data);
+            const QJsonObject object = contextJson(name, fields, context.data);
             output.writeJson([&](JsonWriter& json) { json.addAll(object); });
             continue;
         }

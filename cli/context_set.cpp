@@ -2,6 +2,7 @@
 #include <cli/context_fields.h>
 #include <cli/context_rewrite.h>
 #include <cli/env_runtime.h>
+#include <cli/file_output.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
 
@@ -77,14 +78,16 @@ ExitStatus save(const QString& name, const CMachineContextData& data, file_repla
 // One call of the command, file by file.
 class Setting {
 public:
-    Setting(const std::vector<Assignment>& assignments, bool mayDropLines, bool isAlone,
-            const Console& console)
+    Setting(const QCommandLineParser& call, const std::vector<Assignment>& assignments,
+            int fileCount, const Console& console)
         : assignments_(assignments),
-          mayDropLines_(mayDropLines),
-          isAlone_(isAlone),
-          console_(console) {}
+          mayDropLines_(call.isSet(QStringLiteral("drop-unknown"))),
+          asJson_(call.isSet(QStringLiteral("json"))),
+          isAlone_(fileCount == 1),
+          console_(console),
+          output_(fileCount, Heading::blankLine, console.out) {}
 
-    ExitStatus run(const QString& name) const {
+    ExitStatus run(const QString& name) {
         // The file is held from reading to writing, so that no change of another process is lost.
         const std::unique_ptr<file_replacement> held = holdFile(name);
         ContextFile context;
@@ -100,11 +103,19 @@ public:
         return status == done ? printValues(name) : status;
     }
 
+    void end() {
+        if (asJson_) output_.endJson();
+    }
+
 private:
-    ExitStatus printValues(const QString& name) const {
+    ExitStatus printValues(const QString& name) {
         ContextFile written;
         if (const Problem problem = readContext(name, written)) {
             return report(name, problem, console_);
+        }
+        if (asJson_) {
+            printAsJson(name, written.data);
+            return done;
         }
         const QString start = isAlone_ ? QString() : shown(name) + QStringLiteral(": ");
         for (const Assignment& assignment : assignments_) {
@@ -116,10 +127,20 @@ private:
         return done;
     }
 
+    void printAsJson(const QString& name, const CMachineContextData& written) {
+        ContextFieldList fields;
+        for (const Assignment& assignment : assignments_)
+            fields.push_back(assignment.field);
+        const QJsonObject object = contextJson(name, fields, written);
+        output_.writeJson([&](JsonWriter& json) { json.addAll(object); });
+    }
+
     const std::vector<Assignment>& assignments_;
     const bool mayDropLines_;
+    const bool asJson_;
     const bool isAlone_;
     const Console& console_;
+    FileOutput output_;
 };
 
 // Whether an argument after the first one is an assignment, or is meant as one. A file whose name
@@ -143,12 +164,12 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
         return refuseCall(console, command,
                           QStringLiteral("an assignment section.key=value is missing"));
     }
-    const Setting setting(assignments, call.isSet(QStringLiteral("drop-unknown")), fileCount == 1,
-                          console);
+    Setting setting(call, assignments, fileCount, console);
     ExitStatus status = done;
     for (const QString& name : arguments.mid(0, fileCount)) {
         if (setting.run(name) != done) status = failed;
     }
+    setting.end();
     return status;
 }
 
@@ -157,7 +178,7 @@ ExitStatus set(const QCommandLineParser& call, const Console& console) {
 Command contextSetCommand() {
     Command command;
     command.name = QStringLiteral("context set");
-    command.arguments = QStringLiteral("[--drop-unknown] FILE... section.key=value...");
+    command.arguments = QStringLiteral("[OPTION...] FILE... section.key=value...");
     command.summary = QStringLiteral("Change fields of machine contexts");
     QString fields;
     for (const ContextField& field : contextFields())
@@ -172,7 +193,8 @@ Command contextSetCommand() {
         QStringLiteral("trvfiles context set bracket-left.mctx machine.proximity=2.5");
     command.options = {
         QCommandLineOption(QStringLiteral("drop-unknown"),
-                           QStringLiteral("Write the file without comments and unknown lines"))};
+                           QStringLiteral("Write the file without comments and unknown lines")),
+        jsonOption()};
     command.operand = QStringLiteral("file name or assignment");
     command.minFiles = 2;
     command.maxFiles = Command::anyNumber;

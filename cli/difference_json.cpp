@@ -1,6 +1,5 @@
 #include <cli/difference_json.h>
 #include <cli/difference_walk.h>
-#include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QJsonArray>
@@ -132,6 +131,26 @@ QJsonObject differenceJson(const Difference& difference) {
     return json;
 }
 
+struct Found {
+    bool differences = false;
+    bool notes = false;
+};
+
+Found addDifferences(const DifferenceWalk& walk, JsonWriter& writer) {
+    Found found;
+    writer.beginArray("differences");
+    walk.run(PathForm::exact, [&](const Difference& difference) {
+        if (difference.change == Change::ignored) {
+            found.notes = true;
+        } else {
+            found.differences = true;
+            writer.addElement(differenceJson(difference));
+        }
+    });
+    writer.endArray();
+    return found;
+}
+
 }  // namespace
 
 bool printDifferencesAsJson(const NamedAssembly& first, const NamedAssembly& second,
@@ -139,30 +158,24 @@ bool printDifferencesAsJson(const NamedAssembly& first, const NamedAssembly& sec
     const DifferenceWalk walk(first.data, second.data);
     JsonWriter writer(out);
     writer.add("files", QJsonArray{first.name, second.name});
-    bool found = false;
-    bool hasNotes = false;
-    writer.beginArray("differences");
-    walk.run(PathForm::exact, [&](const Difference& difference) {
-        if (difference.change == Change::ignored) {
-            hasNotes = true;
-        } else {
-            found = true;
-            writer.addElement(differenceJson(difference));
-        }
-    });
-    writer.endArray();
+    const Found found = addDifferences(walk, writer);
     // A second walk takes less memory than the notes of the first one may.
     writer.beginArray("notes");
-    if (hasNotes) {
+    if (found.notes) {
         walk.run(PathForm::exact, [&](const Difference& difference) {
             if (difference.change == Change::ignored)
                 writer.addElement(fieldChangeJson(difference));
         });
     }
     writer.endArray();
-    writer.add("equal", !found);
+    writer.add("equal", !found.differences);
     writer.end();
-    return found;
+    return found.differences;
+}
+
+void addDifferences(const CTrvAssemblyData& first, const CTrvAssemblyData& second,
+                    JsonWriter& writer) {
+    addDifferences(DifferenceWalk(first, second), writer);
 }
 
 }  // namespace trv::cli

@@ -3,6 +3,7 @@
 /// @file
 /// What differs between two assemblies, as JSON.
 
+#include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 
 #include <QString>
@@ -23,5 +24,9 @@ struct NamedAssembly {
 /// @return whether there is a difference, notes not counted: `first.data != second.data`
 bool printDifferencesAsJson(const NamedAssembly& first, const NamedAssembly& second,
                             std::ostream& out);
+
+/// Adds the member "differences" of printDifferencesAsJson() to the current object.
+void addDifferences(const CTrvAssemblyData& first, const CTrvAssemblyData& second,
+                    JsonWriter& writer);
 
 }  // namespace trv::cli

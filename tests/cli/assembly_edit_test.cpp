@@ -115,6 +115,49 @@ TEST_F(AssemblyEdit, WritesNothingInADryRun) {
     EXPECT_EQ(bytes("a"), before);
 }
 
+TEST_F(AssemblyEdit, PrintsOneJsonDocument) {
+    const QStringList files = {sample("a"), path("missing"), sample("b", "other")};
+    const std::string before = bytes("a");
+    const std::string expected =
+        R"({"files":[{"file":")" + text("a") +
+        R"(","changed":true,"differences":[{"change":"changed","field":"geometryFile",)"
+        R"("first":"f","path":"S/a[0]","second":"h\\"}]},{"file":")" +
+        text("b") + R"(","changed":false,"differences":[]}]})" + "\n";
+    const std::string reason = start("missing") + "eFileIOOpenError: No such file or directory\n";
+
+    Answer answer = edit("--json --dry-run --rename-file f=h\\", files);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, expected);
+    EXPECT_EQ(answer.err, reason + "trvfiles: 1 of 3 files would change, 1 failed\n");
+    EXPECT_EQ(bytes("a"), before);
+
+    answer = edit("--json --rename-file f=h\\", files);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, expected);
+    EXPECT_EQ(answer.err, reason + "trvfiles: 1 of 3 files changed, 1 failed\n");
+    EXPECT_NE(bytes("a").find("name=\"h\\\""), std::string::npos);
+}
+
+TEST_F(AssemblyEdit, PrintsTheJsonOfOneFileInAList) {
+    const Answer answer = edit("--json --disable S/b", {sample("a")});
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out,
+              R"({"files":[{"file":")" + text("a") +
+                  R"(","changed":true,"differences":[{"change":"changed","field":"enabled",)"
+                  R"("first":true,"path":"S/b[1]","second":false}]}]})" +
+                  "\n");
+    EXPECT_EQ(edit("--json --disable S/b", {path("missing")}).out, "{\"files\":[]}\n");
+}
+
+// A change below the tolerances is written.
+TEST_F(AssemblyEdit, HasChangesWithoutADifferenceInJson) {
+    const Answer answer = edit("--json --set S/b.translation=1e-9,0,0", {sample("a")});
+    EXPECT_EQ(answer.out, R"({"files":[{"file":")" + text("a") +
+                              R"(","changed":true,"differences":[]}]})" + "\n");
+    EXPECT_NE(bytes("a").find("1e-09"), std::string::npos);
+}
+
 TEST_F(AssemblyEdit, WritesTheOtherFilesIfOneFails) {
     const QString second = file("b", setupXml);
     const QStringList files = {sample("a"), second, path("missing"), file("c", setupContext)};
@@ -227,6 +270,7 @@ TEST_F(AssemblyEdit, ExplainsItself) {
               "  --disable PATH         Disable a component\n"
               "  --dry-run              Write no file\n"
               "  --force                Write a file of which something is lost\n"
+              "  --json                 Print JSON\n"
               "  -h, --help             Show this help\n"
               "\n"
               "Examples:\n"

@@ -1,5 +1,6 @@
 #include <cli/context_fields.h>
 
+#include <QJsonArray>
 #include <gtest/gtest.h>
 
 namespace trv::cli {
@@ -60,6 +61,21 @@ TEST(ContextFields, SetTheirOwnFieldOfTheRecord) {
     EXPECT_EQ(storedValue(field("clamping_system.proximity"), data).toStdString(), "0.100000");
     EXPECT_EQ(storedValue(field("postpro.origin_program"), data).toStdString(),
               "1.000000 2.500000 -3.000000");
+}
+
+TEST(ContextFields, AreTextsAndNumbersInJson) {
+    CMachineContextData data;
+    set("machine.name", "c", data);
+    set("machine.proximity", "1.5", data);
+    set("postpro.origin_program", "1 2.5 -3", data);
+    const ContextFieldList fields = {&field("postpro.origin_program"), &field("machine.name"),
+                                     &field("machine.proximity")};
+    const QJsonObject values = {{QStringLiteral("machine.name"), QStringLiteral("c")},
+                                {QStringLiteral("machine.proximity"), 1.5},
+                                {QStringLiteral("postpro.origin_program"), QJsonArray{1, 2.5, -3}}};
+    const QJsonObject expected = {{QStringLiteral("file"), QStringLiteral("f")},
+                                  {QStringLiteral("fields"), values}};
+    EXPECT_EQ(contextJson(QStringLiteral("f"), fields, data), expected);
 }
 
 TEST(ContextFields, RejectWhatDoesNotComeBack) {

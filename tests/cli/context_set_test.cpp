@@ -316,6 +316,40 @@ TEST_F(ContextSet, ChangesSeveralFiles) {
     EXPECT_EQ(names().size(), 2U);
 }
 
+TEST_F(ContextSet, PrintsOneJsonDocument) {
+    const QStringList assignments = {QStringLiteral("machine.proximity=1234.5678"),
+                                     QStringLiteral("header.comment=a\tb\\"),
+                                     QStringLiteral("postpro.origin_program=1 .5 -2e2")};
+    const std::string values =
+        "\"fields\":{\"header.comment\":\"a\\tb\\\\\",\"machine.proximity\":1234.567749,"
+        "\"postpro.origin_program\":[1,0.5,-200]},\"file\":\"";
+    Answer answer = set(assignments, "context set --json");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.err, "");
+    EXPECT_EQ(answer.out, '{' + values + text("a.mctx") + "\"}\n");
+    EXPECT_NE(bytes("a.mctx").find("proximity=1234.567749"), std::string::npos);
+
+    const QStringList files = {context_, path("missing"), file("b.mctx", setupContext)};
+    answer = answerTo(words("context set --json") + files + assignments);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.err,
+              "trvfiles: " + text("missing") + ": eFileIOOpenError: No such file or directory\n");
+    EXPECT_EQ(answer.out, "{\"files\":[{" + values + text("a.mctx") + "\"},{" + values +
+                              text("b.mctx") + "\"}]}\n");
+    EXPECT_EQ(bytes("b.mctx"), bytes("a.mctx"));
+}
+
+TEST_F(ContextSet, PrintsNoJsonOfAFileThatIsNotChanged) {
+    const QStringList assignment = words("machine.name=M");
+    const QStringList missing = {path("missing")};
+    Answer answer = answerTo(words("context set --json") + missing + assignment);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "");
+    answer = answerTo(words("context set --json") + missing + missing + assignment);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.out, "{\"files\":[]}\n");
+}
+
 TEST_F(ContextSet, ChangesTheOtherFilesIfOneFails) {
     const std::string commented = std::string("# note\n") + setupContext;
     const QStringList files = {path("missing"), file("b.mctx", commented), context_,
@@ -355,7 +389,7 @@ TEST_F(ContextSet, TellsFilesFromAssignments) {
 
 TEST_F(ContextSet, ExplainsItself) {
     EXPECT_EQ(answerTo(words("context set --help")).out,
-              "Usage: trvfiles context set [--drop-unknown] FILE... section.key=value...\n"
+              "Usage: trvfiles context set [OPTION...] FILE... section.key=value...\n"
               "\n"
               "Change fields of machine contexts.\n"
               "Prints the new values as they are in the file. Rejects a value that the file\n"
@@ -374,6 +408,7 @@ TEST_F(ContextSet, ExplainsItself) {
               "\n"
               "Options:\n"
               "  --drop-unknown  Write the file without comments and unknown lines\n"
+              "  --json          Print JSON\n"
               "  -h, --help      Show this help\n"
               "\n"
               "Examples:\n"

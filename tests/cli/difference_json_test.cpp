@@ -29,6 +29,19 @@ TEST(DifferenceJson, OfEqualAssembliesIsEmpty) {
               "{\"files\":[\"f1\",\"f2\"],\"differences\":[],\"notes\":[],\"equal\":true}\n");
 }
 
+TEST(DifferenceJson, IsAMemberOfAnotherObject) {
+    std::ostringstream out;
+    cli::JsonWriter writer(out);
+    writer.add("a", 1);
+    cli::addDifferences(assembly(leaf("a", "f")), assembly(leaf("a", "g")), writer);
+    writer.add("b", 2);
+    writer.end();
+    EXPECT_EQ(out.str(),
+              R"({"a":1,"differences":[{"change":"changed","field":"geometryFile","first":"f",)"
+              R"("path":"a","second":"g"}],"b":2})"
+              "\n");
+}
+
 TEST(DifferenceJson, HasTheDimension) {
     CTrvAssemblyData data;
     const double size[] = {1, 2, 3.5};

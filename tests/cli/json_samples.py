@@ -86,9 +86,16 @@ def assemblies():
         component("both", geometry("a.stl") + component("hidden")),
         "<Extra/>",
     ]
+    # A component without a geometry file or components cannot be written.
+    edited = [
+        component("a", geometry("a.stl")),
+        component("b", component("c", geometry("c.stl"))),
+        component("d", geometry("d.stl")),
+    ]
     return {
         "first.xml": assembly(component("root", "".join(first)), "-inf 2 3"),
         "second.xml": assembly(component("root", "".join(second)), "1 2 inf"),
+        "edited.xml": assembly(component("root", "".join(edited))),
         "odd.xml": assembly(component("root", "".join(odd))),
         "one.xml": assembly(component("")),
         FILE_NAME: assembly(component("root")),
@@ -191,6 +198,34 @@ def comparison_samples():
     ]
 
 
+def edit_samples():
+    disabled = ["--disable", "root/a", "--set", "root/a.name=A", "--set", "root/a.comment=c"]
+    return [
+        sample(
+            "assembly edit", "--dry-run", *disabled, "--set", "root/b.translation=1,2,3",
+            "edited.xml", "missing.xml", "one.xml",
+            status=2,
+            contains=('"renamed"', '"comment"', '"enabled"', '"translation":[1,2,3]'),
+        ),
+        # A component with another name and another file is not the same one.
+        sample(
+            "assembly edit", "--rename-file", "d.stl=e.stl", "--set", "root/d.name=D", "edited.xml",
+            contains=('"added"', '"removed"'),
+        ),
+        sample(
+            "assembly edit", "--rename-file", "d.stl=x", "edited.xml",
+            contains=('"changed":false',),
+        ),
+        sample(
+            "assembly edit", "--rename-file", "a.stl=" + HIDDEN, "edited.xml", "bracket.xml",
+            contains=(HIDDEN_IN_JSON,),
+        ),
+        sample("assembly edit", "--enable", "root/x", "edited.xml", status=2),
+        sample("assembly edit", "--enable", "root", FILE_NAME, contains=('"changed":false',)),
+        sample("assembly edit", "edited.xml", status=2, documents=0),
+    ]
+
+
 def check_samples():
     codes = (
         "notOpened", "wrongContent", "wrongStructure", "notANumber", "notAFlag", "leftOut",
@@ -232,6 +267,18 @@ def context_samples():
         ),
         sample("context get", "numbers.mctx", contains=('["nan","inf","-inf"]',)),
         sample("context get", "odd.mctx", "header.name", "machine.proximity"),
+        sample("context set", "bracket-left.mctx", "machine.proximity=2.5"),
+        sample(
+            "context set", "bracket-left.mctx", "missing.mctx", "bracket-right.mctx",
+            "header.comment=\u202e\\\"", "header.name=", "machine.name=m", "machine.position=p",
+            "machine.proximity=1", "postpro.origin_program=1 2.5 -3",
+            "postpro.reference_axis=transfo.dat", "part.surface_group=s", "clamping_system.name=c",
+            "clamping_system.proximity=0",
+            status=2,
+            contains=(r'"header.comment":"\u202e\\\""', "[1,2.5,-3]"),
+        ),
+        sample("context set", "missing.mctx", "machine.name=m", status=2, documents=0),
+        sample("context set", "bracket-left.mctx", status=2, documents=0),
     ]
 
 
@@ -290,6 +337,7 @@ def samples():
     return [
         *file_samples(),
         *comparison_samples(),
+        *edit_samples(),
         *check_samples(),
         *context_samples(),
         *environment_samples(),
