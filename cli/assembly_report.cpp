@@ -25,10 +25,7 @@ void writeComponent(const SelectedComponent& entry, long long parent, JsonWriter
     } else {
         json.addInteger("parent", parent);
     }
-    json.addNumbers("translation", component.translation, 3);
-    json.addNumbers("vec1", component.vec1, 3);
-    json.addNumbers("vec2", component.vec2, 3);
-    json.addNumbers("vec3", component.vec3, 3);
+    addFrame(json, component.translation, component.vec1, component.vec2, component.vec3);
     json.endObject();
 }
 

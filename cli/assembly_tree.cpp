@@ -18,20 +18,11 @@ bool isUnit(const double vector[3], int axis) {
     return std::equal(vector, vector + 3, unitVectors[axis]);
 }
 
-void appendAxes(std::string& line, const ComponentBody& component) {
-    line += ", axes ";
-    appendRoundedVector(line, component.vec1);
-    line += " / ";
-    appendRoundedVector(line, component.vec2);
-    line += " / ";
-    appendRoundedVector(line, component.vec3);
-}
-
 void appendOrientation(std::string& line, const ComponentBody& component, bool matrix) {
     if (isUnit(component.vec1, 0) && isUnit(component.vec2, 1) && isUnit(component.vec3, 2)) return;
     std::optional<Rotation> rotation;
     if (!matrix) rotation = rotationOf({component.vec1, component.vec2, component.vec3});
-    if (!rotation) return appendAxes(line, component);
+    if (!rotation) return appendAxes(line, component.vec1, component.vec2, component.vec3);
     const QString text = rotationText(*rotation);
     // The axes differ from those of the parent by less than what is printed.
     if (text.startsWith(QStringLiteral("0°"))) return;

@@ -73,7 +73,7 @@ QString valueBranches(const Command& command) {
     return branches;
 }
 
-// The branches of a "case" over the words before the current one, as bash and zsh take them.
+// The branches of a "case" over the words before the current one.
 QString callBranches(const CommandGroup& commands) {
     QString branches;
     for (const QStringList& words : incompleteCommands(commands)) {
@@ -97,6 +97,21 @@ QString callBranches(const CommandGroup& commands) {
     return branches;
 }
 
+// The part of the scripts for bash and zsh that sets the kind of the candidates. It reads the
+// variables "call", the words before the current one; "word", the current one; and "last".
+QString choiceOfCandidates(const CommandGroup& commands) {
+    return QStringLiteral(
+               "    local kind=nothing options= candidates= explains=\n"
+               "    [[ $call == help || $call == 'help '* ]] && explains=yes call=${call#help}\n"
+               "    call=${call# }\n"
+               "    case $call in\n") %
+           callBranches(commands) %
+           QStringLiteral(
+               "    esac\n"
+               "    [[ -n $explains && $kind != words ]] && return 1\n"
+               "    [[ $word == -* ]] && kind=words candidates=$options\n");
+}
+
 }  // namespace
 
 QString bashCompletion(const CommandGroup& commands) {
@@ -104,16 +119,9 @@ QString bashCompletion(const CommandGroup& commands) {
                "# Completes calls of trvfiles in bash.\n"
                "_trvfiles() {\n"
                "    local call=\"${COMP_WORDS[*]:1:COMP_CWORD-1}\" word=${COMP_WORDS[COMP_CWORD]}\n"
-               "    local last=${COMP_WORDS[COMP_CWORD-1]} kind=nothing options= candidates=\n"
-               "    local explains=\n"
-               "    [[ $call == help || $call == 'help '* ]] && explains=yes call=${call#help}\n"
-               "    call=${call# }\n"
-               "    case $call in\n") %
-           callBranches(commands) %
+               "    local last=${COMP_WORDS[COMP_CWORD-1]}\n") %
+           choiceOfCandidates(commands) %
            QStringLiteral(
-               "    esac\n"
-               "    [[ -n $explains && $kind != words ]] && return\n"
-               "    [[ $word == -* ]] && kind=words candidates=$options\n"
                "    case $kind in\n"
                "        words) mapfile -t COMPREPLY < <(compgen -W \"$candidates\" -- \"$word\") "
                ";;\n"
@@ -132,15 +140,9 @@ QString zshCompletion(const CommandGroup& commands) {
                "# Completes calls of trvfiles in zsh.\n"
                "_trvfiles() {\n"
                "    local call=\"${words[2,CURRENT-1]}\" word=${words[CURRENT]}\n"
-               "    local last=${words[CURRENT-1]} kind=nothing options= candidates= explains=\n"
-               "    [[ $call == help || $call == 'help '* ]] && explains=yes call=${call#help}\n"
-               "    call=${call# }\n"
-               "    case $call in\n") %
-           callBranches(commands) %
+               "    local last=${words[CURRENT-1]}\n") %
+           choiceOfCandidates(commands) %
            QStringLiteral(
-               "    esac\n"
-               "    [[ -n $explains && $kind != words ]] && return 1\n"
-               "    [[ $word == -* ]] && kind=words candidates=$options\n"
                "    case $kind in\n"
                "        words) compadd -- ${=candidates} ;;\n"
                "        files) _files ;;\n"

@@ -69,6 +69,16 @@ void appendRoundedVector(std::string& out, const double vector[3]) {
     }
 }
 
+void appendAxes(std::string& out, const double vec1[3], const double vec2[3],
+                const double vec3[3]) {
+    out += ", axes ";
+    appendRoundedVector(out, vec1);
+    out += " / ";
+    appendRoundedVector(out, vec2);
+    out += " / ";
+    appendRoundedVector(out, vec3);
+}
+
 void appendJsonNumber(std::string& out, double value) {
     if (hasDecimals(value) && isWhole(value)) {
         appendInteger(out, static_cast<long long>(value));

@@ -47,6 +47,9 @@ void appendRounded(std::string& out, double value);
 /// Three rounded numbers with blanks between them.
 void appendRoundedVector(std::string& out, const double vector[3]);
 
+/// ", axes " and three rounded vectors with "/" between them.
+void appendAxes(std::string& out, const double vec1[3], const double vec2[3], const double vec3[3]);
+
 /// The number as QJsonDocument writes it; as a string if JSON cannot hold it.
 void appendJsonNumber(std::string& out, double value);
 

@@ -136,12 +136,7 @@ void printPlacements(const CTrvAssemblyData& assembly, std::ostream& out) {
         appendShown(text, component.geometryFileName);
         text += ", at ";
         appendRoundedVector(text, placement.translation);
-        text += ", axes ";
-        appendRoundedVector(text, placement.vec1);
-        text += " / ";
-        appendRoundedVector(text, placement.vec2);
-        text += " / ";
-        appendRoundedVector(text, placement.vec3);
+        appendAxes(text, placement.vec1, placement.vec2, placement.vec3);
         text += '\n';
         buffer.endPiece();
     });
@@ -182,10 +177,7 @@ void writePlacements(const QString& name, const CTrvAssemblyData& assembly, Json
         json.beginObject();
         json.addText("geometryFile", component.geometryFileName);
         json.addUtf8("path", path);
-        json.addNumbers("translation", placement.translation, 3);
-        json.addNumbers("vec1", placement.vec1, 3);
-        json.addNumbers("vec2", placement.vec2, 3);
-        json.addNumbers("vec3", placement.vec3, 3);
+        addFrame(json, placement.translation, placement.vec1, placement.vec2, placement.vec3);
         json.endObject();
     });
     json.endArray();

@@ -191,4 +191,12 @@ void printJson(const QJsonObject& object, std::ostream& out) {
     out << qUtf8Printable(jsonText(object)) << '\n';
 }
 
+void addFrame(JsonWriter& json, const double translation[3], const double vec1[3],
+              const double vec2[3], const double vec3[3]) {
+    json.addNumbers("translation", translation, 3);
+    json.addNumbers("vec1", vec1, 3);
+    json.addNumbers("vec2", vec2, 3);
+    json.addNumbers("vec3", vec3, 3);
+}
+
 }  // namespace trv::cli

@@ -93,6 +93,10 @@ private:
     bool isFirst_ = true;
 };
 
+/// Adds the members "translation", "vec1", "vec2" and "vec3".
+void addFrame(JsonWriter& json, const double translation[3], const double vec1[3],
+              const double vec2[3], const double vec3[3]);
+
 /// Prints the object on one line. Characters that shown() escapes, except the backslash, become
 /// "\u202e" or two such escapes.
 void printJson(const QJsonObject& object, std::ostream& out);

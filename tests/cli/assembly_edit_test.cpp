@@ -1,5 +1,5 @@
 #include <tests/cli/answer.h>
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <tests/common/child_process.h>
 #include <tests/common/system.h>
 #include <trvfiles/environment/file_replacement.h>
@@ -13,7 +13,7 @@
 namespace trv::testing {
 namespace {
 
-class AssemblyEdit : public ContextDirectory {
+class AssemblyEdit : public ProjectDirectory {
 protected:
     QString sample(const std::string& name, const std::string& geometry = "f") const {
         const CTrvAssemblyData data =

@@ -1,7 +1,4 @@
-#include <tests/cli/answer.h>
-#include <tests/cli/samples.h>
-#include <tests/common/file_bytes.h>
-#include <tests/common/temporary_directory.h>
+#include <tests/cli/project_directory.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
 #include <QJsonArray>
@@ -12,21 +9,7 @@
 namespace trv::testing {
 namespace {
 
-class AssemblyList : public ::testing::Test {
-protected:
-    QString file(const char* name, std::string_view bytes) const {
-        writeBytes(directory_ / name, bytes);
-        return path(name);
-    }
-
-    QString path(const char* name) const {
-        return QString::fromStdString((directory_ / name).generic_string());
-    }
-
-    std::string text(const char* name) const { return path(name).toStdString(); }
-
-    TemporaryDirectory directory_;
-};
+class AssemblyList : public ProjectDirectory {};
 
 constexpr const char* csvHeader =
     "file,x,y,z,vec1x,vec1y,vec1z,vec2x,vec2y,vec2z,vec3x,vec3y,vec3z,assembly,path\r\n";

@@ -1,12 +1,12 @@
 #include <cli/assembly_save.h>
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <tests/common/child_process.h>
 #include <tests/common/system.h>
 
 namespace trv::testing {
 namespace {
 
-class AssemblySave : public ContextDirectory {
+class AssemblySave : public ProjectDirectory {
 protected:
     std::string save(const CTrvAssemblyData& data) const {
         const QString name = path("a.xml");

@@ -1,7 +1,4 @@
-#include <tests/cli/answer.h>
-#include <tests/cli/samples.h>
-#include <tests/common/file_bytes.h>
-#include <tests/common/temporary_directory.h>
+#include <tests/cli/project_directory.h>
 
 #include <gtest/gtest.h>
 
@@ -10,21 +7,7 @@
 namespace trv::testing {
 namespace {
 
-class AssemblyTree : public ::testing::Test {
-protected:
-    QString file(const char* name, std::string_view bytes) const {
-        writeBytes(directory_ / name, bytes);
-        return path(name);
-    }
-
-    QString path(const char* name) const {
-        return QString::fromStdString((directory_ / name).generic_string());
-    }
-
-    std::string text(const char* name) const { return path(name).toStdString(); }
-
-    TemporaryDirectory directory_;
-};
+class AssemblyTree : public ProjectDirectory {};
 
 TEST_F(AssemblyTree, PrintsTheComponents) {
     const Answer answer = answerTo(words("assembly tree") + QStringList(file("a", setupXml)));

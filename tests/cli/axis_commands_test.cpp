@@ -1,8 +1,5 @@
 #include <cli/input_files.h>
-#include <tests/cli/answer.h>
-#include <tests/cli/samples.h>
-#include <tests/common/file_bytes.h>
-#include <tests/common/temporary_directory.h>
+#include <tests/cli/project_directory.h>
 
 #include <gtest/gtest.h>
 
@@ -12,26 +9,11 @@
 namespace trv::testing {
 namespace {
 
-class AxisCommands : public ::testing::Test {
+class AxisCommands : public ProjectDirectory {
 protected:
-    QString file(const char* name, std::string_view bytes) const {
-        writeBytes(directory_ / name, bytes);
-        return path(name);
-    }
-
-    QString path(const char* name) const {
-        return QString::fromStdString((directory_ / name).generic_string());
-    }
-
-    std::string bytes(const char* name) const { return textOf(directory_ / name); }
-
-    bool exists(const char* name) const { return std::filesystem::exists(directory_ / name); }
-
     Answer write(const char* options) const {
         return answerTo(words("axis write") + words(options) + QStringList(path("w.ref")));
     }
-
-    TemporaryDirectory directory_;
 };
 
 TEST_F(AxisCommands, ShowPrintsThePlacement) {

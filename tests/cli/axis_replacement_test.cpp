@@ -1,13 +1,13 @@
 #include <cli/axis_replacement.h>
 #include <tests/cli/answer.h>
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <tests/common/child_process.h>
 #include <tests/common/system.h>
 
 namespace trv::testing {
 namespace {
 
-class AxisReplacement : public ContextDirectory {
+class AxisReplacement : public ProjectDirectory {
 protected:
     std::string reason(std::string_view content) const {
         return cli::whyNotAnAxisFile(file("f", content)).toStdString();

@@ -1,4 +1,4 @@
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <tests/common/child_process.h>
 #include <tests/common/current_directory.h>
 #include <trvfiles/environment/file_replacement.h>
@@ -14,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class ContextCreate : public ContextDirectory {
+class ContextCreate : public ProjectDirectory {
 protected:
     Answer create(const QStringList& options, const QString& directory) const {
         return answerTo(words("context create") + options + QStringList(directory));

@@ -1,11 +1,11 @@
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 
 #include <QStringList>
 
 namespace trv::testing {
 namespace {
 
-class ContextGet : public ContextDirectory {
+class ContextGet : public ProjectDirectory {
 protected:
     static Answer get(const QStringList& files, const char* rest = nullptr) {
         QStringList arguments = words("context get") + files;

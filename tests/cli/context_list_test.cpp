@@ -1,11 +1,11 @@
-#include <tests/cli/context_directory.h>
 #include <tests/cli/env_sample.h>
+#include <tests/cli/project_directory.h>
 #include <trvfiles/support/platform.h>
 
 namespace trv::testing {
 namespace {
 
-class ContextList : public ContextDirectory {
+class ContextList : public ProjectDirectory {
 protected:
     Answer list(const QString& directory, const char* options = "context list") const {
         return answerTo(words(options) + QStringList(directory));
@@ -154,7 +154,7 @@ TEST_F(FavoriteList, ReportsWhyThereIsNoFavouriteDirectory) {
         "trvfiles: there is no favourite directory: set TRV_MCTX_DEF or TRVHOME, or give DIR\n");
 }
 
-class ContextDefault : public ContextDirectory {
+class ContextDefault : public ProjectDirectory {
 protected:
     QString two_ = file("[MACHINE_POSITION_2].mctx", "");
     QString seven_ = file("[MACHINE_POSITION_7].mctx", "");

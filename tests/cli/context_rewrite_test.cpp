@@ -1,5 +1,5 @@
 #include <cli/context_rewrite.h>
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <trvfiles/text/text_conversion.h>
 
 namespace trv::testing {
@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-class ContextRewrite : public ContextDirectory {
+class ContextRewrite : public ProjectDirectory {
 protected:
     // "line N: TEXT", or nothing
     std::string lostLine(std::string_view content) const {

@@ -1,6 +1,6 @@
 #include <cli/context_search.h>
-#include <tests/cli/context_directory.h>
 #include <tests/cli/env_sample.h>
+#include <tests/cli/project_directory.h>
 #include <trvfiles/support/platform.h>
 
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class ContextSearch : public ContextDirectory {
+class ContextSearch : public ProjectDirectory {
 protected:
     // Without the path of the directory, with "/".
     std::vector<std::string> below() const { return names(cli::contextsBelow(path(""))); }

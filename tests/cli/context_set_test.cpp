@@ -1,5 +1,5 @@
 #include <cli/context_fields.h>
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <tests/common/child_process.h>
 #include <tests/common/torture_rounds.h>
 #include <trvfiles/environment/file_replacement.h>
@@ -14,7 +14,7 @@
 namespace trv::testing {
 namespace {
 
-class ContextSet : public ContextDirectory {
+class ContextSet : public ProjectDirectory {
 protected:
     Answer set(const QStringList& assignments, const char* options = "context set") const {
         return answerTo(words(options) + QStringList(path("a.mctx")) + assignments);

@@ -1,13 +1,13 @@
 // The command on machine contexts, with Ctrl-Z and open handles on Windows.
 
 #include <cli/context_rewrite.h>
-#include <tests/cli/context_directory.h>
+#include <tests/cli/project_directory.h>
 #include <tests/common/held_file_windows.h>
 
 namespace trv::testing {
 namespace {
 
-class ContextCommandOnWindows : public ContextDirectory {
+class ContextCommandOnWindows : public ProjectDirectory {
 protected:
     cli::RewriteLoss loss(const std::string& content, const QStringList& newFields = {}) const {
         return cli::rewriteLoss(file("a.mctx", content), newFields);

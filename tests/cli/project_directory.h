@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A directory of machine contexts for the tests of the command.
+/// A directory of project files for the tests of the command.
 
 #include <tests/cli/answer.h>
 #include <tests/cli/samples.h>
@@ -19,7 +19,7 @@
 
 namespace trv::testing {
 
-class ContextDirectory : public ::testing::Test {
+class ProjectDirectory : public ::testing::Test {
 protected:
     /// Writes a file.
     ///
