@@ -148,6 +148,20 @@ TEST_F(SecondReading, ReadsWhatCouldNotBeReadAtFirst) {
     }
 }
 
+// The scanner has seen the end of the root, but not whether a second one follows.
+TEST_F(SecondReading, DecidesIfTheReadFailsAfterTheRoot) {
+    const QByteArray unfinished = other + QByteArray(100000, '\n');
+    for (const int readable : {other.size(), other.size() + 1, unfinished.size() - 1}) {
+        version = -1;
+        data = CTrvAssemblyData();
+        ChangingDevice device(unfinished, readable);
+        device.becomeAtSeek(noted);
+        ASSERT_EQ(read(device), eFileIOSuccess) << readable;
+        EXPECT_EQ(version, 3);
+        EXPECT_EQ(data.getComponentNumber(), 2U);
+    }
+}
+
 TEST_F(SecondReading, RefusesADocumentThatCannotBeReadToItsEnd) {
     for (int readable = 0; readable < noted.size(); ++readable) {
         ChangingDevice device(noted);

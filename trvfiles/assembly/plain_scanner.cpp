@@ -103,7 +103,8 @@ PlainScanner::PlainScanner(QIODevice& device, std::size_t maxOpenElements)
 // of the device is known by its size: QFile seeks and reads once more to find out that there is
 // nothing.
 //
-// @return false at the end of the document, and if the unread bytes fill the largest buffer
+// @return false at the end of the document, if a read fails, and if the unread bytes fill the
+//         largest buffer
 bool PlainScanner::more() {
     if (isAtEnd_) return false;
     const auto unread = static_cast<std::size_t>(end_ - cursor_);
@@ -121,7 +122,7 @@ bool PlainScanner::more() {
     const auto free = static_cast<qint64>(capacity_ - unread);
     const qint64 count = std::max(device_.read(room, std::min(free, unreadInDevice_)), qint64{0});
     unreadInDevice_ -= count;
-    isAtEnd_ = count == 0 || unreadInDevice_ == 0;
+    isAtEnd_ = unreadInDevice_ == 0;
     end_ = room + count;
     std::memset(end_, 0, readAhead);
     return count > 0;
@@ -200,7 +201,9 @@ PlainScanner::Event PlainScanner::nextInContent() {
         openNames_ += name_;
         return Event::elementStart;
     }
-    return hasRoot_ && openStarts_.empty() ? Event::documentEnd : Event::unusual;
+    // Not at the end of the device if a read failed or the file has shrunk.
+    const bool isComplete = isAtEnd_ && hasRoot_ && openStarts_.empty();
+    return isComplete ? Event::documentEnd : Event::unusual;
 }
 
 PlainScanner::Step PlainScanner::comment() {
