@@ -44,9 +44,8 @@ public:
 
 private:
     std::int64_t sufficientRepetitions() const {
-        // The processor's clock has steps of a microsecond. The time of a sync varies by a factor
-        // of two from one to the next.
-        const double minSeconds = clock_ == Clock::wall ? 0.1 : 0.01;
+        // The processor's clock has steps of a microsecond.
+        constexpr double minSeconds = 0.01;
         // The first run may create a sample.
         secondsOf(work_, clock_, 1);
         std::int64_t repetitions = 1;
