@@ -25,6 +25,12 @@
 namespace trv::cli {
 namespace {
 
+// One call of the system, for most files the only one.
+bool isRegular(const QString& path) {
+    std::error_code error;
+    return isOpenable(path) && std::filesystem::is_regular_file(systemPath(path), error);
+}
+
 bool isPipeOrDevice(const QString& path) {
     const QFileInfo info(path);
     return info.exists() && !info.isFile() && !info.isDir();
@@ -159,6 +165,7 @@ QString resolved(const QString& name) {
 Problem readablePath(const QString& name, QString& path) {
     if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
     path = resolved(name);
+    if (isRegular(path)) return {};
     if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
     return isPipeOrDevice(path) ? notRegular() : Problem();
 }
