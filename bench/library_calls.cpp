@@ -3,7 +3,8 @@
 //
 // Usage: library_calls write FILE LEAVES
 //        library_calls read FILE...
-//        library_calls rewrite FILE            reads it and writes it again
+//        library_calls rewrite FILE            reads it, copies the record, writes it over the
+//                                              file, reads that and compares
 //        library_calls project LIST            reads the project files whose names are in LIST
 //        library_calls bytes LIST              only reads their bytes
 
@@ -106,6 +107,16 @@ int write(const std::string& file, const CTrvAssemblyData& assembly) {
     return isWritten ? 0 : fail("the file cannot be written");
 }
 
+// What an edit needs of the library: the record before it, the file, and whether the file holds the
+// record.
+int rewrite(const std::string& file, const CTrvAssemblyData& before) {
+    const CTrvAssemblyData after = before;
+    if (const int status = write(file, after); status != 0) return status;
+    CTrvAssemblyData read;
+    const bool isRead = CQvFilesIO::sReadTrvAssembly(wide(file), read) == eFileIOSuccess;
+    return isRead && read == after ? 0 : fail("the file holds another assembly");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -125,6 +136,6 @@ int main(int argc, char** argv) {
             return fail("the file cannot be read");
         }
     }
-    if (arguments[0] == "rewrite") return write(arguments[1], assemblies[0]);
+    if (arguments[0] == "rewrite") return rewrite(arguments[1], assemblies[0]);
     return arguments[0] == "read" ? 0 : fail("unknown call");
 }
