@@ -3,15 +3,22 @@
 //
 // Usage: library_calls write FILE LEAVES
 //        library_calls read FILE...
-//        library_calls flatten FILE
+//        library_calls rewrite FILE            reads it, copies the record, writes it over the
+//                                              file, reads that and compares
+//        library_calls project LIST            reads the project files whose names are in LIST
+//        library_calls bytes LIST              only reads their bytes
 
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/facade/CQvFilesIO.h>
+#include <trvfiles/machine_context/CMachineContextData.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <string>
 #include <utility>
@@ -51,9 +58,63 @@ CTrvAssemblyData sample(int leaves) {
     return assembly;
 }
 
+std::wstring wide(const std::string& file) {
+    return std::filesystem::path(file).wstring();
+}
+
+std::vector<std::string> linesOf(const std::string& file) {
+    std::vector<std::string> lines;
+    std::ifstream stream(file);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+// The extension says what the file is.
+bool readProjectFile(const std::string& file) {
+    const std::filesystem::path extension = std::filesystem::path(file).extension();
+    if (extension == ".xml") {
+        CTrvAssemblyData data;
+        return CQvFilesIO::sReadTrvAssembly(wide(file), data) == eFileIOSuccess;
+    }
+    if (extension == ".mctx") {
+        CMachineContextData data;
+        return CQvFilesIO::sReadMachineContext(wide(file), data) == eFileIOSuccess;
+    }
+    double matrix[16];
+    int tags[3];
+    CQvFilesIO files(L"");
+    return files.readAxis(wide(file), matrix, tags[0], tags[1], tags[2]) == eFileIOSuccess;
+}
+
+bool readBytes(const std::string& file) {
+    static char block[65536];
+    std::FILE* const stream = std::fopen(file.c_str(), "rb");
+    if (stream == nullptr) return false;
+    while (std::fread(block, 1, sizeof block, stream) == sizeof block) {
+    }
+    const bool isRead = std::ferror(stream) == 0;
+    return std::fclose(stream) == 0 && isRead;
+}
+
 int fail(const char* reason) {
     std::cerr << "library_calls: " << reason << '\n';
     return 2;
+}
+
+int write(const std::string& file, const CTrvAssemblyData& assembly) {
+    const bool isWritten = CQvFilesIO::sWriteTrvAssembly(wide(file), assembly) == eFileIOSuccess;
+    return isWritten ? 0 : fail("the file cannot be written");
+}
+
+// What an edit needs of the library: the record before it, the file, and whether the file holds the
+// record.
+int rewrite(const std::string& file, const CTrvAssemblyData& before) {
+    const CTrvAssemblyData after = before;
+    if (const int status = write(file, after); status != 0) return status;
+    CTrvAssemblyData read;
+    const bool isRead = CQvFilesIO::sReadTrvAssembly(wide(file), read) == eFileIOSuccess;
+    return isRead && read == after ? 0 : fail("the file holds another assembly");
 }
 
 }  // namespace
@@ -61,11 +122,13 @@ int fail(const char* reason) {
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.size() < 2) return fail("an argument is missing");
-    const auto wide = [](const std::string& file) { return std::filesystem::path(file).wstring(); };
     if (arguments[0] == "write" && arguments.size() == 3) {
-        const CTrvAssemblyData assembly = sample(std::stoi(arguments[2]));
-        if (CQvFilesIO::sWriteTrvAssembly(wide(arguments[1]), assembly) == eFileIOSuccess) return 0;
-        return fail("the file cannot be written");
+        return write(arguments[1], sample(std::stoi(arguments[2])));
+    }
+    if (arguments[0] == "project" || arguments[0] == "bytes") {
+        const std::vector<std::string> files = linesOf(arguments[1]);
+        const auto read = arguments[0] == "bytes" ? readBytes : readProjectFile;
+        return std::all_of(files.begin(), files.end(), read) ? 0 : fail("a file cannot be read");
     }
     std::vector<CTrvAssemblyData> assemblies(arguments.size() - 1);
     for (std::size_t i = 0; i < assemblies.size(); ++i) {
@@ -73,6 +136,6 @@ int main(int argc, char** argv) {
             return fail("the file cannot be read");
         }
     }
-    if (arguments[0] == "flatten") return assemblies[0].getComponentFileList().empty() ? 1 : 0;
+    if (arguments[0] == "rewrite") return rewrite(arguments[1], assemblies[0]);
     return arguments[0] == "read" ? 0 : fail("unknown call");
 }

@@ -3,8 +3,10 @@
 
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <string_view>
 #include <vector>
 
 namespace trv::cli {
@@ -38,8 +40,14 @@ constexpr Rule rules[] = {
 };
 constexpr std::size_t ruleCount = std::size(rules);
 
-bool isListed(const QString& attribute, const char* attributes) {
-    return QString::fromLatin1(attributes).split(QLatin1Char(' ')).contains(attribute);
+// Allocates nothing: this is asked of each attribute of a document.
+bool isListed(const QStringRef& attribute, std::string_view attributes) {
+    while (!attributes.empty()) {
+        const std::string_view name = attributes.substr(0, attributes.find(' '));
+        if (attribute == QLatin1String(name.data(), static_cast<int>(name.size()))) return true;
+        attributes.remove_prefix(std::min(name.size() + 1, attributes.size()));
+    }
+    return false;
 }
 
 // Walks over the document. Iterative: a document may be deeper than the stack.
@@ -93,14 +101,14 @@ private:
     }
 
     QString startElement() {
-        const QString tag = reader_.qualifiedName().toString();
+        const QStringRef tag = reader_.qualifiedName();
         Open& parent = open_.back();
         for (std::size_t i = 0; i < ruleCount; ++i) {
             const Rule& rule = rules[i];
             if (rule.parent != parent.context || tag != QLatin1String(rule.tag)) continue;
             const bool isRepeated = rule.isSingle && (parent.used & (1U << i)) != 0;
             parent.used |= 1U << i;
-            if (isRepeated) return QStringLiteral("another <%1>").arg(tag);
+            if (isRepeated) return QStringLiteral("another <%1>").arg(tag.toString());
             if (hasFileAndComponents(parent)) {
                 return QStringLiteral("a <%1> beside a <%2>")
                     .arg(QLatin1String(names::component), QLatin1String(names::file));
@@ -108,7 +116,7 @@ private:
             open_.push_back({rule.context, 0});
             return lostAttribute(rule, tag);
         }
-        return QStringLiteral("the element <%1>").arg(tag);
+        return QStringLiteral("the element <%1>").arg(tag.toString());
     }
 
     static bool hasFileAndComponents(const Open& element) {
@@ -119,11 +127,13 @@ private:
         return element.context == Context::data && (element.used & children) == children;
     }
 
-    QString lostAttribute(const Rule& rule, const QString& tag) const {
-        for (const QXmlStreamAttribute& attribute : reader_.attributes()) {
-            const QString name = attribute.qualifiedName().toString();
+    QString lostAttribute(const Rule& rule, const QStringRef& tag) const {
+        const QXmlStreamAttributes attributes = reader_.attributes();
+        for (const QXmlStreamAttribute& attribute : attributes) {
+            const QStringRef name = attribute.qualifiedName();
             if (!isListed(name, rule.attributes)) {
-                return QStringLiteral("the attribute %1 of <%2>").arg(name, tag);
+                return QStringLiteral("the attribute %1 of <%2>")
+                    .arg(name.toString(), tag.toString());
             }
             const bool isVersion = name == QLatin1String(names::version);
             if (isVersion && attribute.value() != QLatin1String("1")) {

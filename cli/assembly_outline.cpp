@@ -44,9 +44,26 @@ private:
     ContentKey key_ = 0;
 };
 
+std::size_t countOf(const ComponentBody& root) {
+    std::size_t count = 1;
+    std::vector<const ComponentBody*> pending{&root};
+    while (!pending.empty()) {
+        const std::vector<ComponentBody>& children = pending.back()->components;
+        pending.pop_back();
+        count += children.size();
+        for (const ComponentBody& child : children) {
+            if (!child.components.empty()) pending.push_back(&child);
+        }
+    }
+    return count;
+}
+
 }  // namespace
 
 AssemblyOutline::AssemblyOutline(const ComponentBody& root) {
+    // While the list grew, it would be in memory twice: 1.24 times the memory of both assemblies
+    // for a comparison, the bound is 1.2.
+    nodes_.reserve(countOf(root));
     nodes_.push_back({&root, 1, 1, 0, 0});
     for (std::size_t i = 0; i < nodes_.size(); ++i) {
         nodes_[i].children = nodes_.size();

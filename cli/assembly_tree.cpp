@@ -33,7 +33,7 @@ void appendOrientation(std::string& line, const ComponentBody& component, bool m
 class TreePrinter {
 public:
     TreePrinter(const TreeForm& form, std::ostream& out)
-        : matrix_(form.matrix), line_(form.text), out_(out) {}
+        : matrix_(form.matrix), hasGuides_(form.hasGuides), line_(form.text), out_(out) {}
 
     void print(const SelectedComponent& entry) {
         beginLine(entry);
@@ -69,6 +69,10 @@ private:
         const std::size_t level = entry.level;
         if (level <= disabledLevel_) disabledLevel_ = entry.component->enabled ? none : level;
         if (disabledLevel_ != none) line_.setFaint();
+        if (!hasGuides_) {
+            line_.text().append(4 * level, ' ');
+            return;
+        }
         if (level == 0) {
             guideLengths_ = {0};
             return;
@@ -81,6 +85,7 @@ private:
     }
 
     bool matrix_;
+    bool hasGuides_;
     StyledLine line_;
     OutputBuffer out_;
     /// Before the children of the current component.
@@ -93,6 +98,11 @@ private:
 };
 
 }  // namespace
+
+QCommandLineOption noGuidesOption() {
+    return QCommandLineOption(QStringLiteral("no-guides"),
+                              QStringLiteral("Indent the tree instead of drawing its lines"));
+}
 
 bool printTree(const CTrvAssemblyData& assembly, const ComponentSelection& selection,
                const TreeForm& form, std::ostream& out) {

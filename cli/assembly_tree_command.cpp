@@ -22,6 +22,7 @@ QString readOptions(const QCommandLineParser& call, const Console& console, Tree
     options.asJson = call.isSet(QStringLiteral("json"));
     options.isSummary = call.isSet(QStringLiteral("summary"));
     options.form.matrix = call.isSet(QStringLiteral("matrix"));
+    options.form.hasGuides = !call.isSet(QStringLiteral("no-guides"));
     if (call.isSet(QStringLiteral("depth"))) {
         bool isNumber = false;
         const uint level = call.value(QStringLiteral("depth")).toUInt(&isNumber);
@@ -98,6 +99,7 @@ Command assemblyTreeCommand() {
                            QStringLiteral("TEXT")),
         QCommandLineOption(QStringLiteral("matrix"),
                            QStringLiteral("Print axis vectors instead of angles")),
+        noGuidesOption(),
         QCommandLineOption(QStringLiteral("summary"), QStringLiteral("Print only the counts")),
         jsonOption(),
         colorOption()};

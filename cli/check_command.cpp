@@ -7,6 +7,7 @@
 #include <cli/text_output.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -58,14 +59,18 @@ public:
 
 class TextPrinter final : public Printer {
 public:
-    TextPrinter(const Console& console, int columns, bool isQuiet, bool hasTotals)
-        : console_(console), columns_(columns), isQuiet_(isQuiet), hasTotals_(hasTotals) {}
+    TextPrinter(const Console& console, int columns, std::size_t maxWarnings, bool isQuiet,
+                bool hasTotals)
+        : console_(console),
+          columns_(columns),
+          maxWarnings_(maxWarnings),
+          isQuiet_(isQuiet),
+          hasTotals_(hasTotals) {}
 
     // The streams may be one terminal, so what is printed first has to leave its buffer first.
     void print(const FileReport& report) override {
         if (!report.diagnostics.empty()) console_.out.flush();
-        for (const Diagnostic& diagnostic : report.diagnostics)
-            printDiagnostic(displayName(report.name), diagnostic, columns_, console_.err);
+        printDiagnostics(report);
         if (isQuiet_ && report.diagnostics.empty()) return;
         console_.out << qUtf8Printable(verdictText(report)) << '\n';
     }
@@ -75,8 +80,25 @@ public:
     }
 
 private:
+    // The error is printed, however many warnings are before it.
+    void printDiagnostics(const FileReport& report) {
+        const QString name = displayName(report.name);
+        std::size_t warnings = 0;
+        for (const Diagnostic& diagnostic : report.diagnostics) {
+            const bool isWarning = diagnostic.severity == Diagnostic::Severity::warning;
+            if (isWarning && ++warnings > maxWarnings_) continue;
+            printDiagnostic(name, diagnostic, columns_, console_.err);
+        }
+        if (warnings <= maxWarnings_) return;
+        const QString more = counted(warnings - maxWarnings_, QStringLiteral("more warning"),
+                                     QStringLiteral("more warnings"));
+        console_.err << qUtf8Printable(
+            QStringLiteral("%1: %2; --all prints them\n").arg(shown(name), more));
+    }
+
     const Console& console_;
     const int columns_;
+    const std::size_t maxWarnings_;
     const bool isQuiet_;
     const bool hasTotals_;
 };
@@ -168,7 +190,10 @@ ExitStatus check(const QCommandLineParser& call, const Console& console) {
     if (asJson) {
         checkWith(JsonPrinter(console.out, isQuiet));
     } else {
-        checkWith(TextPrinter(console, columns, isQuiet, hasTotals));
+        constexpr std::size_t maxWarnings = 100;
+        const bool printsAll = call.isSet(QStringLiteral("all"));
+        checkWith(
+            TextPrinter(console, columns, printsAll ? SIZE_MAX : maxWarnings, isQuiet, hasTotals));
     }
     return totals.status(call.isSet(QStringLiteral("strict")));
 }
@@ -194,6 +219,7 @@ CommandGroup checkCommand() {
         flag("strict", "Warnings give exit status 1, too"),
         flag("references", "Warn of files that are named but do not exist"),
         flag("recursive", "Check the directories below, too"),
+        flag("all", "Print all warnings, not only the first 100 of a file"),
         flag("quiet", "Print only files with problems"),
         QCommandLineOption(QStringLiteral("jobs"), QStringLiteral("Read N files at once"),
                            QStringLiteral("N")),

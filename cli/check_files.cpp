@@ -3,6 +3,7 @@
 #include <cli/check_files.h>
 #include <cli/check_references.h>
 #include <cli/context_report.h>
+#include <cli/diagnostic_codes.h>
 #include <cli/diagnostic_places.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
@@ -56,23 +57,27 @@ Content readContent(FileReport& report, const CheckOptions& options) {
     return content;
 }
 
-QString errorCode(const Problem& problem) {
-    switch (problem.status) {
-        case eFileIOOpenError:
-            return QStringLiteral("notOpened");
-        case eFileIOStructureError:
-            return QStringLiteral("wrongStructure");
-        default:
-            return QStringLiteral("wrongContent");
-    }
-}
-
 Diagnostic errorOf(const Problem& problem, Place place) {
     return {Diagnostic::Severity::error,
             place,
-            errorCode(problem),
+            problem.code,
             statusName(problem.status) + QStringLiteral(": ") + problem.reason,
-            {}};
+            {},
+            problem.fields};
+}
+
+Diagnostic warningOf(const CFileFault::Note& note, Place place) {
+    return {Diagnostic::Severity::warning,     place, codeOf(note.kind),
+            QString::fromStdString(note.text), {},    fieldsOf(note)};
+}
+
+Diagnostic warningOf(const Reference& reference, Place place) {
+    return {Diagnostic::Severity::warning,
+            place,
+            QStringLiteral("reference-missing"),
+            textOf(reference),
+            {},
+            fieldsOf(reference)};
 }
 
 FileReport unreadable(const QString& name, const Problem& problem) {
@@ -89,20 +94,11 @@ void addDiagnostics(FileReport& report, const Content& content, const CheckOptio
         !content.notes.empty() || !content.references.empty() || content.problem.line > 0;
     if (needsSource) source = sourceOf(report.name, report.kind);
     for (const CFileFault::Note& note : content.notes) {
-        report.diagnostics.push_back({Diagnostic::Severity::warning,
-                                      placeOfNote(source, report.kind, note),
-                                      codeOf(note.kind),
-                                      QString::fromStdString(note.text),
-                                      {}});
+        report.diagnostics.push_back(warningOf(note, placeOfNote(source, report.kind, note)));
     }
     const std::vector<Place> places = placesOf(source, content.references);
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        report.diagnostics.push_back({Diagnostic::Severity::warning,
-                                      places[i],
-                                      QStringLiteral("missingFile"),
-                                      textOf(content.references[i]),
-                                      {}});
-    }
+    for (std::size_t i = 0; i < places.size(); ++i)
+        report.diagnostics.push_back(warningOf(content.references[i], places[i]));
     if (content.problem) {
         const Place place = {content.problem.line, content.problem.column};
         report.diagnostics.push_back(
@@ -152,7 +148,8 @@ FileReport checkFile(const QString& name, const CheckOptions& options) {
 }
 
 FileReport unlistedDirectory(const QString& name, const QString& reason) {
-    return unreadable(name, {eFileIOOpenError, reason});
+    return unreadable(name,
+                      {eFileIOOpenError, reason, 0, 0, QStringLiteral("directory-not-listed")});
 }
 
 bool isNoProjectFile(const FileReport& report) {

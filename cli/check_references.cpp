@@ -2,8 +2,8 @@
 #include <cli/check_references.h>
 #include <cli/diagnostic_places.h>
 #include <cli/input_files.h>
-#include <cli/xml_tags.h>
 #include <trvfiles/assembly/assembly_names.h>
+#include <trvfiles/assembly/xml_tags.h>
 #include <trvfiles/support/platform_directories.h>
 #include <trvfiles/text/path_resolution.h>
 #include <trvfiles/text/text_conversion.h>
@@ -98,6 +98,13 @@ std::vector<Place> placesOf(const SourceText& source, const References& referenc
                              : placeOfValue(source, reference.section, reference.key));
     }
     return places;
+}
+
+QJsonObject fieldsOf(const Reference& reference) {
+    const QString subject = reference.key.isEmpty()
+                                ? QString::fromLatin1(names::file)
+                                : reference.section + QLatin1Char('.') + reference.key;
+    return {{QStringLiteral("subject"), subject}, {QStringLiteral("path"), reference.name}};
 }
 
 QString textOf(const Reference& reference) {

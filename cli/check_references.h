@@ -10,6 +10,7 @@
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 
+#include <QJsonObject>
 #include <QString>
 
 #include <vector>
@@ -35,6 +36,9 @@ References missingReferences(const QString& file, const CMachineContextData& con
 
 /// Where the file first names each of the references; line 0 if it does not.
 std::vector<Place> placesOf(const SourceText& source, const References& references);
+
+/// The members of the JSON of a missing file beside its code and its place.
+QJsonObject fieldsOf(const Reference& reference);
 
 /// "geometry file "a.stl" does not exist"
 QString textOf(const Reference& reference);

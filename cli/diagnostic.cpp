@@ -6,8 +6,6 @@
 namespace trv::cli {
 namespace {
 
-using Kind = CFileFault::Note::Kind;
-
 QString severityText(Diagnostic::Severity severity) {
     return severity == Diagnostic::Severity::error ? QStringLiteral("error")
                                                    : QStringLiteral("warning");
@@ -48,36 +46,6 @@ QString excerpt(const QString& line, int column, int columns) {
 
 }  // namespace
 
-QString codeOf(Kind kind) {
-    switch (kind) {
-        case Kind::leftOut:
-            return QStringLiteral("leftOut");
-        case Kind::notANumber:
-            return QStringLiteral("notANumber");
-        case Kind::notAFlag:
-            return QStringLiteral("notAFlag");
-        case Kind::missingSection:
-            return QStringLiteral("missingSection");
-        case Kind::notText:
-            return QStringLiteral("notText");
-        case Kind::unknownName:
-            return QStringLiteral("unknownName");
-        case Kind::repeated:
-            return QStringLiteral("repeated");
-        case Kind::hiddenByFile:
-            return QStringLiteral("hiddenByFile");
-        case Kind::missingRow:
-            return QStringLiteral("missingRow");
-        case Kind::notAffine:
-            return QStringLiteral("notAffine");
-        case Kind::notOrthonormal:
-            return QStringLiteral("notOrthonormal");
-        case Kind::misplacedTags:
-            return QStringLiteral("misplacedTags");
-    }
-    return {};
-}
-
 void printDiagnostic(const QString& file, const Diagnostic& diagnostic, int columns,
                      std::ostream& stream) {
     const QString text = QStringLiteral("%1%2: %3: %4\n")
@@ -89,13 +57,12 @@ void printDiagnostic(const QString& file, const Diagnostic& diagnostic, int colu
 }
 
 QJsonObject diagnosticJson(const Diagnostic& diagnostic) {
-    return {
-        {QStringLiteral("severity"), severityText(diagnostic.severity)},
-        {QStringLiteral("line"), numberOrNull(diagnostic.place.line)},
-        {QStringLiteral("column"), numberOrNull(diagnostic.place.column)},
-        {QStringLiteral("code"), diagnostic.code},
-        {QStringLiteral("text"), diagnostic.text},
-    };
+    QJsonObject json = diagnostic.fields;
+    json.insert(QStringLiteral("severity"), severityText(diagnostic.severity));
+    json.insert(QStringLiteral("line"), numberOrNull(diagnostic.place.line));
+    json.insert(QStringLiteral("column"), numberOrNull(diagnostic.place.column));
+    json.insert(QStringLiteral("code"), diagnostic.code);
+    return json;
 }
 
 }  // namespace trv::cli

@@ -4,7 +4,6 @@
 /// What is wrong with a file, at a place, as compilers print it.
 
 #include <cli/source_text.h>
-#include <trvfiles/support/CFileFault.h>
 
 #include <QJsonObject>
 #include <QString>
@@ -25,10 +24,9 @@ struct Diagnostic {
     QString text;
     /// The line of the file; empty if it is not to be shown.
     QString sourceLine;
+    /// What the code is about, for programs.
+    QJsonObject fields = {};
 };
-
-/// The code of a note: "notANumber".
-QString codeOf(CFileFault::Note::Kind kind);
 
 /// Prints "FILE:LINE:COLUMN: warning: TEXT". With a source line, that line and a caret under the
 /// column follow.

@@ -1,5 +1,5 @@
 #include <cli/diagnostic_places.h>
-#include <cli/xml_tags.h>
+#include <trvfiles/assembly/xml_tags.h>
 #include <trvfiles/machine_context/sectioned_lines.h>
 #include <trvfiles/support/number_text.h>
 
@@ -60,7 +60,19 @@ Place inTag(const SourceText& source, const XmlTag& tag, const CFileFault::Note&
         std::find_if(tag.attributes.rbegin(), tag.attributes.rend(),
                      [&](const XmlAttribute& attribute) { return attribute.name == wanted; });
     if (found == tag.attributes.rend()) return source.placeOf(tag.begin);
-    return source.placeOf(note.kind == Kind::unknownName ? found->position : found->valuePosition);
+    const bool isAboutName = note.kind == Kind::unknownName || note.kind == Kind::repeatedAttribute;
+    return source.placeOf(isAboutName ? found->position : found->valuePosition);
+}
+
+// The first character of a text, whose end is known, in an element; its end if that is not after
+// text.
+Place beginOfText(const SourceText& source, Place end) {
+    const QString& text = source.text();
+    const int position = source.positionOf(end);
+    int begin = position < 1 ? -1 : text.lastIndexOf(QLatin1Char('>'), position - 1) + 1;
+    while (begin >= 0 && begin < position && text.at(begin).isSpace())
+        ++begin;
+    return begin < 1 || begin >= position ? end : source.placeOf(begin);
 }
 
 }  // namespace
@@ -73,6 +85,7 @@ SourceText sourceOf(const QString& name, FileKind kind) {
 Place placeOfNote(const SourceText& source, FileKind kind, const CFileFault::Note& note) {
     const Place place = {note.line, note.column};
     if (place.line == 0) return place;
+    if (note.kind == Kind::ignoredText) return beginOfText(source, place);
     if (kind == FileKind::assembly) {
         const XmlTag tag = tagEndingAt(source.text(), source.positionOf(place));
         return tag.name.isEmpty() ? place : inTag(source, tag, note);

@@ -1,5 +1,6 @@
 #include <cli/env_commands.h>
 #include <cli/env_message_file.h>
+#include <cli/env_origin.h>
 #include <cli/env_runtime.h>
 #include <cli/input_files.h>
 #include <cli/text_output.h>
@@ -17,6 +18,9 @@ struct Finding {
     /// Below 1 for a finding that belongs to no line.
     int line;
     QString text;
+    QString code;
+    /// What the code is about, for programs.
+    QJsonObject fields;
 };
 
 struct CheckedFile {
@@ -30,8 +34,14 @@ struct CheckedFile {
 // A fault in the file is shown with its line, without the name, which begins every line. Any other
 // report, such as one about the work zone that a condition asks for, is shown as it is.
 Finding findingOf(const RuntimeMessages::Report& report, const std::string& file) {
-    if (!report.fault || report.fault->file != file) return {0, fromNarrow(report.text)};
-    return {report.fault->line, fromNarrow(report.fault->text)};
+    if (!report.fault) return {0, fromNarrow(report.text), report.code, {}};
+    const RuntimeMessages::Fault& fault = *report.fault;
+    QJsonObject fields;
+    if (!fault.subject.empty()) fields.insert(QStringLiteral("subject"), fromNarrow(fault.subject));
+    if (fault.file == file) return {fault.line, fromNarrow(fault.text), report.code, fields};
+    fields.insert(QStringLiteral("path"), nativeSpelling(fault.file));
+    if (fault.line > 0) fields.insert(QStringLiteral("pathLine"), fault.line);
+    return {0, fromNarrow(report.text), report.code, fields};
 }
 
 std::size_t entryCount(const std::vector<Section>& sections) {
@@ -53,7 +63,8 @@ CheckedFile checkedFile(const QString& name, RuntimeMessages& messages) {
     MessageFile file = loadMessageFile(name);
     checked.isRead = file.result != load_result::missing;
     if (!checked.isRead) {
-        checked.findings.push_back({0, file.whyMissing});
+        const Problem& why = file.whyMissing;
+        checked.findings.push_back({0, why.reason, why.code, why.fields});
         return checked;
     }
     for (const RuntimeMessages::Report& report : messages.takeReports())
@@ -84,9 +95,11 @@ QJsonObject json(const CheckedFile& checked) {
     };
     QJsonArray findings;
     for (const Finding& finding : checked.findings) {
-        findings.append(QJsonObject{
-            {QStringLiteral("line"), finding.line > 0 ? QJsonValue(finding.line) : QJsonValue()},
-            {QStringLiteral("text"), finding.text}});
+        QJsonObject json = finding.fields;
+        json.insert(QStringLiteral("line"),
+                    finding.line > 0 ? QJsonValue(finding.line) : QJsonValue());
+        json.insert(QStringLiteral("code"), finding.code);
+        findings.append(json);
     }
     return {{QStringLiteral("file"), checked.name},
             {QStringLiteral("ok"), checked.findings.empty()},

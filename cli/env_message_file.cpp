@@ -8,8 +8,8 @@
 
 #include <QFileInfo>
 
+#include <cerrno>
 #include <new>
-#include <system_error>
 
 namespace trv::cli {
 namespace {
@@ -30,13 +30,15 @@ Section sectionOf(const message_store& store, const store_section& stored) {
 // @return false if there is no content; `file` then has the reason
 bool loadCopy(const QString& name, const std::string& registeredName, message_store& store,
               MessageFile& file) {
-    const StreamCopy copy = isStandardInput(name) ? copyOfStandardInput() : copyOfPipe(name);
-    file.whyMissing = copy.problem;
-    if (!copy.problem.isEmpty()) return false;
+    QString path;
+    file.whyMissing = readablePath(name, path);
+    if (file.whyMissing) return false;
     CFileFault fault;
-    const platform::file_handle handle = openForRead(copy.path, platform::file_mode::text, &fault);
-    file.whyMissing = QString::fromStdString(fault.reason);
-    if (handle == nullptr) return false;
+    const platform::file_handle handle = openForRead(path, platform::file_mode::text, &fault);
+    if (handle == nullptr) {
+        file.whyMissing = problemOf(eFileIOOpenError, fault);
+        return false;
+    }
     CL8BFile source(handle.get());
     // Otherwise a source without memory would look like an empty file.
     if (source.lineNumber() == 0) throw std::bad_alloc();
@@ -53,7 +55,7 @@ MessageFile loadMessageFile(const QString& name) {
     const QFileInfo info(nativePath(name));
     const bool isFromStream = isStandardInput(name) || isPipe(name);
     if (!isFromStream && info.exists() && !info.isFile()) {
-        return {load_result::missing, notRegularText(), {}};
+        return {load_result::missing, notRegular(), {}};
     }
     const store_owner store(create_store());
     if (store == nullptr) throw std::bad_alloc();
@@ -66,8 +68,7 @@ MessageFile loadMessageFile(const QString& name) {
         file.result = load_file(store.get(), registeredName.c_str(), plain_sink);
     }
     if (file.result == load_result::missing) {
-        file.whyMissing = QString::fromStdString(
-            std::make_error_code(std::errc::no_such_file_or_directory).message());
+        file.whyMissing = systemProblem(eFileIOOpenError, ENOENT);
     }
     // Copies, because the store is destroyed here. After a fault they contain the part before it.
     for (const store_section& section : store->sections)

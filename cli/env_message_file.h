@@ -3,6 +3,7 @@
 /// @file
 /// The contents of a message file, as a program gets them by loading it into a new store.
 
+#include <cli/input_files.h>
 #include <trvfiles/environment/message_file_internal.h>
 
 #include <QString>
@@ -28,8 +29,8 @@ struct MessageFile {
     /// A file with the result `failed` has been reported. A device or a directory counts
     /// as missing.
     load_result result = load_result::missing;
-    /// The human-readable reason for which a file is missing; empty for any other file.
-    QString whyMissing;
+    /// Why a file is missing; none for any other file.
+    Problem whyMissing;
     std::vector<Section> sections;
 };
 

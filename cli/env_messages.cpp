@@ -81,8 +81,9 @@ ExitStatus print(const QCommandLineParser& call, const Console& console) {
     const QString& name = arguments.at(0);
     const MessageFile file = loadMessageFile(name);
     if (file.result == load_result::missing) {
-        console.err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2\n")
-                                          .arg(shown(displayName(name)), shown(file.whyMissing)));
+        console.err << qUtf8Printable(
+            QStringLiteral("trvfiles: %1: %2\n")
+                .arg(shown(displayName(name)), shown(file.whyMissing.reason)));
         return failed;
     }
     // The reason has been reported, and is printed when this returns.

@@ -48,14 +48,48 @@ bool isAboutMissingRoot(std::string_view report) {
            report == "TRVHOME is not defined";
 }
 
+const char* wordOf(fault_kind kind) {
+    switch (kind) {
+        case fault_kind::not_opened:
+            return "file-not-opened";
+        case fault_kind::not_loaded:
+            return "file-not-loaded";
+        case fault_kind::unclosed_condition:
+            return "if-without-endif";
+        case fault_kind::too_many_conditions:
+            return "conditions-too-deep";
+        case fault_kind::invalid_condition:
+            return "condition-invalid";
+        case fault_kind::else_without_if:
+            return "else-without-if";
+        case fault_kind::endif_without_if:
+            return "endif-without-if";
+        case fault_kind::unknown_keyword:
+            return "keyword-unknown";
+        case fault_kind::line_too_long:
+            return "line-too-long";
+        case fault_kind::unknown_variable:
+            return "variable-unknown";
+        case fault_kind::missing_equals:
+            return "equals-missing";
+    }
+    return "";
+}
+
+const char* codeOfReport(std::string_view report) {
+    if (inbox.fault != nullptr) return wordOf(inbox.fault->kind);
+    return isAboutMissingRoot(report) ? "installation-missing" : "runtime-message";
+}
+
 void take(bool fatal, const char* message) {
     const std::string_view report = withoutNewlines(message);
     std::string text(isAboutMissingRoot(report) ? rootIsMissing : report);
     if (!inbox.known.insert(text).second) return;
-    inbox.reports.push_back({fatal, std::move(text), std::nullopt});
+    inbox.reports.push_back(
+        {fatal, std::move(text), QString::fromLatin1(codeOfReport(report)), std::nullopt});
     if (const fault_event* fault = inbox.fault) {
         inbox.reports.back().fault = {std::string(fault->file), fault->line,
-                                      std::string(fault->text)};
+                                      std::string(fault->text), std::string(fault->subject)};
     }
 }
 

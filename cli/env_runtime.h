@@ -24,6 +24,8 @@ public:
         /// Below 1 for a fault that belongs to no line.
         int line;
         std::string text;
+        /// What the text quotes.
+        std::string subject;
     };
 
     struct Report {
@@ -31,6 +33,8 @@ public:
         /// Without the newlines at its end. If it says that TRVHOME is missing, the text with which
         /// every command says so.
         std::string text;
+        /// For programs: "unknown-keyword".
+        QString code;
         /// For the report of a fault in a message file.
         std::optional<Fault> fault;
     };

@@ -85,11 +85,9 @@ FileKind kindOf(std::FILE* file) {
     return hasContextSection(file) ? FileKind::machineContext : FileKind::unknown;
 }
 
-QString whyUnknown(std::FILE* file) {
+bool isEmpty(std::FILE* file) {
     std::rewind(file);
-    return std::fgetc(file) == EOF
-               ? QStringLiteral("the file is empty")
-               : QStringLiteral("neither an assembly, nor an axis file, nor a machine context");
+    return std::fgetc(file) == EOF;
 }
 
 }  // namespace trv::cli

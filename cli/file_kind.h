@@ -3,8 +3,6 @@
 /// @file
 /// Determines the kind of a project file from its content.
 
-#include <QString>
-
 #include <cstdio>
 
 namespace trv::cli {
@@ -18,10 +16,7 @@ enum class FileKind { unknown, assembly, axis, machineContext };
 /// @param file  open for reading, at its beginning; its position is undefined afterwards
 FileKind kindOf(std::FILE* file);
 
-/// The human-readable reason for FileKind::unknown: the file is empty, or its content is of another
-/// kind.
-///
 /// @param file  open for reading; its position is undefined afterwards
-QString whyUnknown(std::FILE* file);
+bool isEmpty(std::FILE* file);
 
 }  // namespace trv::cli

@@ -1,10 +1,11 @@
+#include <cli/diagnostic_codes.h>
 #include <cli/input_files.h>
 #include <cli/source_text.h>
 #include <cli/stream_copy.h>
 #include <cli/text_output.h>
-#include <cli/xml_tags.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/dom_tree.h>
+#include <trvfiles/assembly/xml_tags.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/platform.h>
@@ -24,13 +25,15 @@
 namespace trv::cli {
 namespace {
 
+// One call of the system, for most files the only one.
+bool isRegular(const QString& path) {
+    std::error_code error;
+    return isOpenable(path) && std::filesystem::is_regular_file(systemPath(path), error);
+}
+
 bool isPipeOrDevice(const QString& path) {
     const QFileInfo info(path);
     return info.exists() && !info.isFile() && !info.isDir();
-}
-
-Problem notRegular() {
-    return {eFileIOOpenError, notRegularText()};
 }
 
 Problem standardInputIsNotWritten() {
@@ -38,7 +41,9 @@ Problem standardInputIsNotWritten() {
 }
 
 Problem pathOfCopy(const StreamCopy& copy, QString& path) {
-    if (!copy.problem.isEmpty()) return {eFileIOOpenError, copy.problem};
+    if (!copy.problem.isEmpty()) {
+        return {eFileIOOpenError, copy.problem, 0, 0, QStringLiteral("stream-not-read")};
+    }
     path = copy.path;
     return {};
 }
@@ -49,7 +54,7 @@ Problem explained(Problem problem, const QString& name, FileKind expected) {
     FileKind kind = FileKind::unknown;
     findKind(name, kind);
     if (kind == FileKind::unknown || kind == expected) return problem;
-    return {eFileIOContentError, otherKindText(kind)};
+    return {eFileIOContentError, otherKindText(kind), 0, 0, QStringLiteral("other-kind")};
 }
 
 // The parser reports the place at which it misses an end tag.
@@ -61,9 +66,11 @@ void nameUnclosedTag(const QString& name, Problem& problem) {
     const XmlTag tag = unclosedTag(source.text());
     if (tag.name.isEmpty()) return;
     constexpr int maxLength = 40;
-    problem.reason +=
-        QStringLiteral(": <%1> of line %2 is not closed")
-            .arg(beginningOf(tag.name, maxLength), QString::number(source.placeOf(tag.begin).line));
+    const int line = source.placeOf(tag.begin).line;
+    problem.reason += QStringLiteral(": <%1> of line %2 is not closed")
+                          .arg(beginningOf(tag.name, maxLength), QString::number(line));
+    problem.code = QStringLiteral("element-not-closed");
+    problem.fields = {{QStringLiteral("subject"), tag.name}, {QStringLiteral("startLine"), line}};
 }
 
 void moveNotes(CFileFault& fault, Notes* notes) {
@@ -74,7 +81,8 @@ void moveNotes(CFileFault& fault, Notes* notes) {
 
 Problem problemOf(EFileIOStatus status, const CFileFault& fault) {
     if (status == eFileIOSuccess) return {};
-    return {status, QString::fromStdString(fault.reason), fault.line, fault.column};
+    return {status,       QString::fromStdString(fault.reason),   fault.line,
+            fault.column, codeOf(fault.cause, fault.systemError), fieldsOf(fault)};
 }
 
 Problem systemProblem(EFileIOStatus status, int error) {
@@ -145,8 +153,9 @@ ExitStatus fail(const QString& name, const QString& reason, const Console& conso
     return failed;
 }
 
-QString notRegularText() {
-    return QStringLiteral("not a regular file");
+Problem notRegular() {
+    return {eFileIOOpenError, QStringLiteral("not a regular file"), 0, 0,
+            QStringLiteral("not-a-regular-file")};
 }
 
 QString resolved(const QString& name) {
@@ -156,6 +165,7 @@ QString resolved(const QString& name) {
 Problem readablePath(const QString& name, QString& path) {
     if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
     path = resolved(name);
+    if (isRegular(path)) return {};
     if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
     return isPipeOrDevice(path) ? notRegular() : Problem();
 }
@@ -168,7 +178,15 @@ Problem findKind(const QString& name, FileKind& kind) {
     const platform::file_handle file = openForRead(path, platform::file_mode::text, &fault);
     if (file == nullptr) return problemOf(eFileIOOpenError, fault);
     kind = kindOf(file.get());
-    if (kind == FileKind::unknown) return {eFileIOContentError, whyUnknown(file.get())};
+    if (kind == FileKind::unknown) {
+        return isEmpty(file.get())
+                   ? Problem{eFileIOContentError, QStringLiteral("the file is empty"), 0, 0,
+                             QStringLiteral("file-empty")}
+                   : Problem{eFileIOContentError,
+                             QStringLiteral("neither an assembly, nor an axis file, nor a machine "
+                                            "context"),
+                             0, 0, QStringLiteral("kind-unknown")};
+    }
     return {};
 }
 

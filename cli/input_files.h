@@ -16,6 +16,7 @@
 #include <trvfiles/support/CFileFault.h>
 #include <trvfiles/support/EFileIOStatus.h>
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -33,6 +34,9 @@ struct Problem {
     /// The place in the file, as in CFileFault; 0 if it is not known.
     int line = 0;
     int column = 0;
+    /// For programs: a word that stays the same in later versions, and what it is about.
+    QString code = {};
+    QJsonObject fields = {};
 
     explicit operator bool() const { return status != eFileIOSuccess; }
 };
@@ -69,8 +73,8 @@ ExitStatus report(const QString& name, const Problem& problem, const Console& co
 /// @return the exit status of the command
 ExitStatus fail(const QString& name, const QString& reason, const Console& console);
 
-/// The reason for a device, which is not opened.
-QString notRegularText();
+/// The problem of a device, which is not opened.
+Problem notRegular();
 
 /// For a file of a kind that a command does not read: "this is an axis file; try 'trvfiles axis
 /// show'".

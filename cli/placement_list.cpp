@@ -1,6 +1,6 @@
 #include <cli/input_files.h>
 #include <cli/placement_list.h>
-#include <trvfiles/assembly/component_body.h>
+#include <trvfiles/assembly/flattening.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <cstddef>
@@ -11,90 +11,52 @@
 namespace trv::cli {
 namespace {
 
-// The components of the flattened list, in its order: those that are enabled, have a file and are
-// below no disabled component. Iterative: the tree may be deeper than the stack.
-class PlacedComponents {
+// The path of the component that is visited, as `assembly diff` prints it.
+class PlacementPath {
 public:
-    explicit PlacedComponents(const CTrvAssemblyData& assembly)
-        : root_(ComponentBody::of(assembly.getRootComponent())) {}
-
-    /// Moves to the first or the next component.
-    ///
-    /// REQUIRES: there is one.
-    void moveOn() {
-        if (!isEntered_) {
-            isEntered_ = true;
-            path_.clear();
-            if (root_.name.empty()) path_ = "(root)";
-            appendShown(path_, root_.name);
-            if (enter(root_)) return;
+    /// REQUIRES: is called for each component of flatten() in turn.
+    void moveTo(const PlacedComponent& placed) {
+        lengths_.resize(placed.level + 1);
+        if (placed.level == 0) {
+            text_ = placed.component.name.empty() ? "(root)" : "";
+            appendShown(text_, placed.component.name);
+        } else {
+            text_.resize(lengths_[placed.level - 1]);
+            text_ += '/';
+            appendShown(text_, placed.component.name);
+            text_ += '[';
+            appendInteger(text_, static_cast<long long>(placed.index));
+            text_ += ']';
         }
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.next == level.components->size()) {
-                levels_.pop_back();
-                continue;
-            }
-            const std::size_t index = level.next++;
-            const ComponentBody& component = (*level.components)[index];
-            path_.resize(level.pathLength);
-            path_ += '/';
-            appendShown(path_, component.name);
-            path_ += '[';
-            appendInteger(path_, static_cast<long long>(index));
-            path_ += ']';
-            if (enter(component)) return;
-        }
+        lengths_.back() = text_.size();
     }
 
-    const ComponentBody& component() const { return *current_; }
-    /// The path of the current component, as `assembly diff` prints it.
-    const std::string& path() const { return path_; }
+    const std::string& text() const { return text_; }
 
 private:
-    struct Level {
-        const std::vector<ComponentBody>* components;
-        std::size_t next;
-        /// The length of the parent's path.
-        std::size_t pathLength;
-    };
-
-    // Returns whether the component is placed.
-    bool enter(const ComponentBody& component) {
-        if (!component.enabled) return false;
-        current_ = &component;
-        levels_.push_back({&component.components, 0, path_.size()});
-        return !component.geometryFileName.empty();
-    }
-
-    const ComponentBody& root_;
-    const ComponentBody* current_ = nullptr;
-    std::vector<Level> levels_;
-    std::string path_;
-    bool isEntered_ = false;
+    std::string text_;
+    // Of the paths of the component and of those above it.
+    std::vector<std::size_t> lengths_;
 };
 
-struct Placement {
-    explicit Placement(const CComponentInfo& entry) {
-        entry.getTranslation(translation);
-        entry.getOrientation(vec1, vec2, vec3);
-    }
-
-    const double* translation = nullptr;
-    const double* vec1 = nullptr;
-    const double* vec2 = nullptr;
-    const double* vec3 = nullptr;
-};
-
-// Calls `visit(component, path, placement)` for each entry of the flattened list. The placement is
-// that of the library, the component has been found by a walk in the same order.
 template <class Visit>
-void forEachPlacement(const CTrvAssemblyData& assembly, Visit visit) {
-    PlacedComponents components(assembly);
-    for (const CComponentInfo& entry : assembly.getComponentFileList()) {
-        components.moveOn();
-        visit(components.component(), components.path(), Placement(entry));
-    }
+void flattenAssembly(const CTrvAssemblyData& assembly, Visit visit) {
+    flatten(ComponentBody::of(assembly.getRootComponent()), Math::XForm3Gen<double>(), visit);
+}
+
+// Calls `visit(component, path)` for each entry of the flattened list.
+template <class Visit>
+void forEachEntry(const CTrvAssemblyData& assembly, Visit visit) {
+    PlacementPath path;
+    flattenAssembly(assembly, [&](const PlacedComponent& placed) {
+        path.moveTo(placed);
+        if (placed.isEntry()) visit(placed, path.text());
+    });
+}
+
+// The axis vectors and the translation are the rows of the matrix.
+const double* rowOf(const PlacedComponent& placed, int row) {
+    return placed.world.data() + std::ptrdiff_t{4} * row;
 }
 
 // A spreadsheet would take the text for a formula. Tabs and line ends, which have the same effect,
@@ -130,13 +92,13 @@ void appendCsvVector(std::string& line, const double vector[3]) {
 
 void printPlacements(const CTrvAssemblyData& assembly, std::ostream& out) {
     OutputBuffer buffer(out);
-    forEachPlacement(assembly, [&](const ComponentBody& component, const std::string&,
-                                   const Placement& placement) {
+    flattenAssembly(assembly, [&](const PlacedComponent& placed) {
+        if (!placed.isEntry()) return;
         std::string& text = buffer.text();
-        appendShown(text, component.geometryFileName);
+        appendShown(text, placed.component.geometryFileName);
         text += ", at ";
-        appendRoundedVector(text, placement.translation);
-        appendAxes(text, placement.vec1, placement.vec2, placement.vec3);
+        appendRoundedVector(text, rowOf(placed, 3));
+        appendAxes(text, rowOf(placed, 0), rowOf(placed, 1), rowOf(placed, 2));
         text += '\n';
         buffer.endPiece();
     });
@@ -152,16 +114,13 @@ void printPlacementsAsCsv(const QString& name, const CTrvAssemblyData& assembly,
     appendCsvText(nameCell, shown(displayName(name)).toStdString(), isRaw);
     OutputBuffer buffer(out);
     std::string fileName;
-    forEachPlacement(assembly, [&](const ComponentBody& component, const std::string& path,
-                                   const Placement& placement) {
+    forEachEntry(assembly, [&](const PlacedComponent& placed, const std::string& path) {
         std::string& text = buffer.text();
         fileName.clear();
-        appendShown(fileName, component.geometryFileName);
+        appendShown(fileName, placed.component.geometryFileName);
         appendCsvText(text, fileName, isRaw);
-        appendCsvVector(text, placement.translation);
-        appendCsvVector(text, placement.vec1);
-        appendCsvVector(text, placement.vec2);
-        appendCsvVector(text, placement.vec3);
+        for (const int row : {3, 0, 1, 2})
+            appendCsvVector(text, rowOf(placed, row));
         text.append(1, ',').append(nameCell).append(1, ',');
         appendCsvText(text, path, isRaw);
         text += "\r\n";
@@ -172,12 +131,11 @@ void printPlacementsAsCsv(const QString& name, const CTrvAssemblyData& assembly,
 void writePlacements(const QString& name, const CTrvAssemblyData& assembly, JsonWriter& json) {
     json.add("file", name);
     json.beginArray("placements");
-    forEachPlacement(assembly, [&](const ComponentBody& component, const std::string& path,
-                                   const Placement& placement) {
+    forEachEntry(assembly, [&](const PlacedComponent& placed, const std::string& path) {
         json.beginObject();
-        json.addText("geometryFile", component.geometryFileName);
+        json.addText("geometryFile", placed.component.geometryFileName);
         json.addUtf8("path", path);
-        addFrame(json, placement.translation, placement.vec1, placement.vec2, placement.vec3);
+        addFrame(json, rowOf(placed, 3), rowOf(placed, 0), rowOf(placed, 1), rowOf(placed, 2));
         json.endObject();
     });
     json.endArray();

@@ -15,7 +15,7 @@ public:
     Show(const QCommandLineParser& call, const TextForm& form, std::ostream& out)
         : asJson_(call.isSet(QStringLiteral("json"))),
           namesFiles_(!call.isSet(QStringLiteral("no-filename"))),
-          form_{form},
+          form_{form, false, !call.isSet(QStringLiteral("no-guides"))},
           output_(call.positionalArguments().size(), Heading::blankLine, out) {}
 
     Problem show(const QString& name) {
@@ -102,7 +102,7 @@ ExitStatus show(const QCommandLineParser& call, const Console& console) {
 CommandGroup showCommand() {
     Command command;
     command.name = QStringLiteral("show");
-    command.arguments = QStringLiteral("[--json] [--no-filename] [--color=WHEN] FILE...");
+    command.arguments = QStringLiteral("[OPTION...] FILE...");
     command.summary = QStringLiteral("Show an assembly, an axis file or a machine context");
     command.details = QStringLiteral(
         "The content of the file decides its kind. \"-\" is standard input. A file that\n"
@@ -112,7 +112,7 @@ CommandGroup showCommand() {
     command.examples += QStringLiteral("trvfiles show bracket.xml table-a30.dat bracket-left.mctx");
     const QCommandLineOption noFilename(QStringLiteral("no-filename"),
                                         QStringLiteral("Leave out the file name in the heading"));
-    command.options = {jsonOption(), noFilename, colorOption()};
+    command.options = {jsonOption(), noFilename, noGuidesOption(), colorOption()};
     command.maxFiles = Command::anyNumber;
     command.run = show;
     return {command};

@@ -155,12 +155,17 @@ ContentKey nameKey(const AssemblyOutline&, const OutlineNode& node) {
     return keyOf(node.component->name);
 }
 
-// The names that only one child has, in ascending order.
-Keys uniqueNames(const Siblings& siblings) {
+Keys sortedNames(const Siblings& siblings) {
     Keys names;
     for (std::size_t i = 0; i < siblings.size(); ++i)
         names.push_back(nameKey(siblings.outline, siblings.nodes[i]));
     std::sort(names.begin(), names.end());
+    return names;
+}
+
+// The names that only one child has, in ascending order.
+Keys uniqueNames(const Siblings& siblings) {
+    const Keys names = sortedNames(siblings);
     Keys unique;
     for (std::size_t i = 0; i < names.size(); ++i) {
         const bool equalsPrevious = i > 0 && names[i] == names[i - 1];
@@ -168,6 +173,10 @@ Keys uniqueNames(const Siblings& siblings) {
         if (!equalsPrevious && !equalsNext) unique.push_back(names[i]);
     }
     return unique;
+}
+
+ContentKey contentWithoutNameKey(const AssemblyOutline& outline, const OutlineNode& node) {
+    return outline.contentWithoutName(node);
 }
 
 // The geometry file, or the names of the children in any order.
@@ -192,6 +201,21 @@ void pairUniqueNames(Pairing& pairing, const Siblings& first, const Siblings& se
     });
 }
 
+// Pairs children in any order whose names are in one of the lists only.
+template <class Criterion>
+void pairRenamed(Pairing& pairing, const Siblings& first, const Siblings& second,
+                 Criterion criterion) {
+    if (pairing.isComplete()) return;
+    const Keys ones = sortedNames(first);
+    const Keys others = sortedNames(second);
+    pairing.pairInAnyOrder([&](const AssemblyOutline& outline, const OutlineNode& node) {
+        const ContentKey name = nameKey(outline, node);
+        const bool isInBoth = std::binary_search(ones.begin(), ones.end(), name) &&
+                              std::binary_search(others.begin(), others.end(), name);
+        return isInBoth ? 0 : criterion(outline, node);
+    });
+}
+
 void pairByCriteria(Pairing& pairing, const Siblings& first, const Siblings& second) {
     const auto content = [](const AssemblyOutline&, const OutlineNode& node) {
         return node.content;
@@ -204,10 +228,14 @@ void pairByCriteria(Pairing& pairing, const Siblings& first, const Siblings& sec
     });
     pairing.pairInOrder(nameKey);
     pairUniqueNames(pairing, first, second);
-    pairing.pairInOrder([](const AssemblyOutline& outline, const OutlineNode& node) {
-        return outline.contentWithoutName(node);
-    });
+    pairing.pairInOrder(contentWithoutNameKey);
+    // Empty groups have the same content without anything in common.
+    pairRenamed(
+        pairing, first, second, [](const AssemblyOutline& outline, const OutlineNode& node) {
+            return remainsKey(outline, node) == 0 ? 0 : contentWithoutNameKey(outline, node);
+        });
     pairing.pairInOrder(remainsKey);
+    pairRenamed(pairing, first, second, remainsKey);
 }
 
 }  // namespace

@@ -35,9 +35,12 @@ struct SiblingPair {
 /// 2. the same content except the placements, in the same order
 /// 3. the same name and geometry file, then the same name, in the same order
 /// 4. the same name, in any order, if it is unique among the siblings in both
-/// 5. the same content except the name, in the same order
+/// 5. the same content except the name, in the same order; in any order if the component is renamed
+///    and has a geometry file or a child
 /// 6. the same geometry file, or for a component without one the same names of its children in any
-///    order; the components themselves in the same order
+///    order; the components themselves in the same order, then the renamed ones in any order
+///
+/// A component is renamed if only one of the lists has its name.
 ///
 /// "In the same order" means a common subsequence of the children between two pairs that exist
 /// already. Takes O(n log n) time: see commonSubsequence().

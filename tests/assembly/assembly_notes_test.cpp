@@ -155,4 +155,25 @@ TEST_F(AssemblyNotes, NameTheAttributeOfAValue) {
               "1:65  enabled: component \"\" is disabled: enabled is \"true\"\n");
 }
 
+TEST_F(AssemblyNotes, HaveWhatTheyAreAboutForPrograms) {
+    notesOn(documentOf("<translation/><Data Number='1'/><Data/>"));
+    ASSERT_EQ(fault_.notes.size(), 3U);
+    EXPECT_EQ(fault_.notes[0].parent, "Component");
+    EXPECT_EQ(fault_.notes[0].expected, "Translation");
+    EXPECT_EQ(fault_.notes[1].attribute, "Number");
+    EXPECT_EQ(fault_.notes[1].parent, "Data");
+    EXPECT_EQ(fault_.notes[1].expected, "number");
+    EXPECT_EQ(fault_.notes[2].parent, "Component");
+    EXPECT_EQ(fault_.notes[2].expected, "");
+    notesOn(
+        documentOf("<Translation x='1' y='2,5'/><Data><Component enabled='yes'/><Component/>"
+                   "</Data>"));
+    ASSERT_EQ(fault_.notes.size(), 2U);
+    EXPECT_EQ(fault_.notes[0].value, "2,5");
+    EXPECT_EQ(fault_.notes[1].value, "yes");
+    notesOn(documentOf("<Data><Component/><Component/><File name='f'/></Data>"));
+    ASSERT_EQ(fault_.notes.size(), 1U);
+    EXPECT_EQ(fault_.notes[0].count, 2);
+}
+
 }  // namespace

@@ -101,6 +101,8 @@ TEST_F(AssemblyReader, RefusesAnotherRoot) {
             << name;
     }
     EXPECT_EQ(fault.reason, "the root element is <ComponentInfos>, not <ComponentInfo>");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::wrongRoot);
+    EXPECT_EQ(fault.subject, "ComponentInfos");
 }
 
 TEST_F(AssemblyReader, AcceptsEveryIntegerAsAVersion) {
@@ -131,6 +133,7 @@ TEST_F(AssemblyReader, RefusesAVersionThatIsNotAnInteger) {
                   eFileIOContentError)
             << text;
         EXPECT_EQ(fault.reason, "the version of <ComponentInfo> is no integer");
+        EXPECT_EQ(fault.cause, CFileFault::Cause::wrongVersion);
     }
 }
 
@@ -138,6 +141,8 @@ TEST_F(AssemblyReader, NeedsAttributsInItsOwnSpelling) {
     EXPECT_EQ(read("<ComponentInfo version='1'><Attributes/><Component/></ComponentInfo>"),
               eFileIOContentError);
     EXPECT_EQ(fault.reason, "<ComponentInfo> has no <Attributs>");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::missingElement);
+    EXPECT_EQ(fault.subject, "Attributs");
     EXPECT_EQ(fault.line, 1);
 }
 
@@ -146,6 +151,8 @@ TEST_F(AssemblyReader, NeedsARootComponent) {
                    "</ComponentInfo>"),
               eFileIOContentError);
     EXPECT_EQ(fault.reason, "<ComponentInfo> has no <Component>");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::missingElement);
+    EXPECT_EQ(fault.subject, "Component");
     // The reader sets the dimension before it searches the root component.
     EXPECT_THAT(dimension(), ElementsAre(7, 0, 0));
 }
@@ -263,6 +270,7 @@ TEST_F(AssemblyReader, RefusesARootWhoseOrientationIsIncomplete) {
                   eFileIOStructureError)
             << vectors;
         EXPECT_EQ(fault.reason, "the root component's <Orientation> is not complete");
+        EXPECT_EQ(fault.cause, CFileFault::Cause::incompleteOrientation);
     }
 }
 

@@ -210,6 +210,7 @@ TEST_F(DocumentParser, ReportsThePlaceOfAnError) {
     ASSERT_FALSE(parse("<a>\n  <b>\n  </c>\n</a>"));
     EXPECT_EQ(fault.line, 3);
     EXPECT_EQ(fault.reason, "tag mismatch");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::notWellFormed);
 }
 
 TEST_F(DocumentParser, ReadsAsManyOpenElementsAsAreAllowed) {
@@ -217,6 +218,7 @@ TEST_F(DocumentParser, ReadsAsManyOpenElementsAsAreAllowed) {
     EXPECT_EQ(depthOf(tree->document), 2000);
     EXPECT_FALSE(parse(nested(2001)));
     EXPECT_EQ(fault.reason, "more than 2000 elements are open");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::tooDeep);
 }
 
 TEST_F(DocumentParser, ReadsEveryDepthAroundTheLimitOfTheCallersStack) {
@@ -267,6 +269,7 @@ TEST_F(DocumentParser, RefusesADeepDocumentThatCannotBeReadAgain) {
     device.open(QIODevice::ReadOnly);
     EXPECT_FALSE(parse(device));
     EXPECT_EQ(fault.reason, "Input/output error");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::system);
     EXPECT_EQ(fault.systemError, EIO);
     EXPECT_EQ(fault.line, 0);
     // What follows the first block would be a document.
@@ -287,6 +290,7 @@ TEST_F(DocumentParser, RefusesEntityDeclarations) {
     bomb += QByteArray("&e;").repeated(20000) + "\"/>";
     EXPECT_FALSE(parse(bomb));
     EXPECT_EQ(fault.reason, "an entity is declared");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::entityDeclared);
     EXPECT_EQ(fault.line, 1);
     EXPECT_FALSE(parse("<!DOCTYPE a [\n<!ENTITY % p SYSTEM \"/dev/zero\"> %p;]><a/>"));
     EXPECT_EQ(fault.line, 2);
@@ -367,7 +371,8 @@ TEST_F(DocumentParser, NotesBytesThatAreNotText) {
     EXPECT_EQ(fault.notes[0].line, 2);
     EXPECT_EQ(fault.notes[0].column, 9);
     EXPECT_EQ(fault.notes[0].subject, "");
-    EXPECT_EQ(fault.notes[0].text, "bytes that are not text are read as U+FFFD");
+    EXPECT_EQ(fault.notes[0].count, 2);
+    EXPECT_EQ(fault.notes[0].text, "bytes that are not text are read as U+FFFD, 2 times");
     ASSERT_TRUE(parse("<a b='\xEF\xBF\xBD \u20ac'/>"));
     EXPECT_TRUE(fault.notes.empty());
 }

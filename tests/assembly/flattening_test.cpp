@@ -1,12 +1,16 @@
 #include <tests/assembly/sample_components.h>
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
+#include <trvfiles/assembly/flattening.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
 #include <limits>
+#include <ostream>
+#include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace trv::testing;
@@ -165,4 +169,63 @@ TEST(Flattening, MultipliesNanAndInfinityByZeroToo) {
     const Rows infinite = rowsOf(flattened(moved(0, infinity, 0, leaf("f")))[0]);
     EXPECT_TRUE(std::isnan(infinite[9]));
     EXPECT_EQ(infinite[10], infinity);
+}
+
+namespace {
+
+struct Visited {
+    std::string name;
+    std::size_t level;
+    std::size_t index;
+    double x;
+    bool isEntry;
+
+    bool operator==(const Visited& other) const {
+        return std::tie(name, level, index, x, isEntry) ==
+               std::tie(other.name, other.level, other.index, other.x, other.isEntry);
+    }
+};
+
+std::ostream& operator<<(std::ostream& out, const Visited& visited) {
+    return out << visited.name << ' ' << visited.level << ' ' << visited.index << ' ' << visited.x
+               << ' ' << visited.isEntry;
+}
+
+std::vector<Visited> visitsOf(const Component& root) {
+    std::vector<Visited> visits;
+    trv::flatten(trv::ComponentBody::of(root), Placement(), [&](const trv::PlacedComponent& one) {
+        visits.push_back(
+            {one.component.name, one.level, one.index, one.world(3, 0), one.isEntry()});
+    });
+    return visits;
+}
+
+}  // namespace
+
+TEST(FlatteningVisitor, VisitsGroupsAndEntriesWithTheirLevelAndIndex) {
+    const Component inner = moved(0.5, 0, 0, group("inner", {leaf("deep", "d.stl")}));
+    const Component root =
+        moved(10, 0, 0,
+              group("top", {disabled(leaf("off", "x.stl")), moved(2, 0, 0, group("outer", {inner})),
+                            moved(1, 0, 0, leaf("last", "l.stl"))}));
+    EXPECT_EQ(visitsOf(root), (std::vector<Visited>{{"top", 0, 0, 10, false},
+                                                    {"outer", 1, 1, 12, false},
+                                                    {"inner", 2, 0, 12.5, false},
+                                                    {"deep", 3, 0, 12.5, true},
+                                                    {"last", 1, 2, 11, true}}));
+}
+
+TEST(FlatteningVisitor, VisitsNothingBelowADisabledRoot) {
+    EXPECT_TRUE(visitsOf(disabled(group("top", {leaf("a", "a.stl")}))).empty());
+}
+
+TEST(FlatteningVisitor, PassesOnAnExceptionOfTheVisit) {
+    int visits = 0;
+    const auto visit = [&visits](const trv::PlacedComponent&) {
+        if (++visits == 2) throw std::runtime_error("enough");
+    };
+    const Component root = group("top", {leaf("a", "a.stl"), leaf("b", "b.stl")});
+    EXPECT_THROW(trv::flatten(trv::ComponentBody::of(root), Placement(), visit),
+                 std::runtime_error);
+    EXPECT_EQ(visits, 2);
 }

@@ -10,7 +10,7 @@ namespace {
 
 using trv::ReplacedBytes;
 
-// "line:column" of what is found in a document that comes in pieces of so many bytes.
+// "line:column x count" of what is found in a document that comes in pieces of so many bytes.
 std::string found(const QByteArray& document, int pieceLength = 1000,
                   const char* encoding = "UTF-8") {
     const std::unique_ptr<QTextDecoder> decoder(
@@ -21,7 +21,8 @@ std::string found(const QByteArray& document, int pieceLength = 1000,
         replaced.look(piece, decoder->toUnicode(piece));
     }
     if (!replaced.isFound()) return "none";
-    return std::to_string(replaced.line()) + ":" + std::to_string(replaced.column());
+    return std::to_string(replaced.line()) + ":" + std::to_string(replaced.column()) +
+           (replaced.count() == 1 ? "" : " x " + std::to_string(replaced.count()));
 }
 
 TEST(ReplacedBytes, AreNotInText) {
@@ -35,15 +36,23 @@ TEST(ReplacedBytes, AreNotInText) {
 TEST(ReplacedBytes, AreFoundAtTheFirstOfThem) {
     for (const int length : {1, 2, 3, 1000}) {
         EXPECT_EQ(found("a\xFF", length), "1:2") << length;
-        EXPECT_EQ(found("\xC3\xBC\n\xF0\x9F\x98\x80 \xC3(\xFF", length), "2:4") << length;
+        EXPECT_EQ(found("\xC3\xBC\n\xF0\x9F\x98\x80 \xC3(\xFF", length), "2:4 x 2") << length;
         EXPECT_EQ(found("\r\n\r\n\n\r\xFFx", length), "5:1") << length;
-        EXPECT_EQ(found("\xEF\xBF\xBD\n\xEF\xBFx", length == 1000 ? 4 : length), "2:1") << length;
     }
+    for (const int length : {1, 2, 3})
+        EXPECT_EQ(found("\xEF\xBF\xBD\n\xEF\xBFx", length), "2:1") << length;
+    // The decoder replaces both bytes if they are in one piece.
+    EXPECT_EQ(found("\xEF\xBF\xBD\n\xEF\xBFx", 4), "2:1 x 2");
 }
 
 TEST(ReplacedBytes, AreFoundBesideAReplacementCharacterOfTheDocument) {
     EXPECT_EQ(found("x\xEF\xBF\xBDy\xFF"), "1:2");
     EXPECT_EQ(found("x\xFFy\xEF\xBF\xBD"), "1:2");
+}
+
+TEST(ReplacedBytes, AreCountedInAllPieces) {
+    for (const int length : {1, 2, 3, 1000})
+        EXPECT_EQ(found("a\xFF\xFE\n\xEF\xBF\xBD b\xFF", length), "1:2 x 3") << length;
 }
 
 TEST(ReplacedBytes, AreFoundInOtherEncodingsToo) {

@@ -399,4 +399,25 @@ TEST(XmlScreen, PassesNothingAfterARefusal) {
               QStringLiteral("<!DOCTYPE a [<!ENTIT"));
 }
 
+// The start tags of a document that comes in pieces of so many characters, with their ends.
+std::string tagsOf(const QString& document, int pieceLength) {
+    std::string tags;
+    XmlScreen screen(100, [&](const QString& tag, XmlScreen::Position end) {
+        tags += tag.toStdString() + '@' + std::to_string(end.line) + ':' +
+                std::to_string(end.column) + ' ';
+    });
+    for (int start = 0; start < document.size(); start += pieceLength)
+        screen.pass(document.mid(start, pieceLength));
+    return tags;
+}
+
+TEST(XmlScreen, ShowsEachStartTagWithItsEnd) {
+    const QString document = QStringLiteral(
+        "<?x <p>?><!DOCTYPE a [<!ELEMENT a ANY>]><a>\n<!-- <c> --><b x='>'\ny=\"/>\"/>"
+        "<![CDATA[<d>]]></b></a>");
+    for (const int length : {1, 2, 7, 1000}) {
+        EXPECT_EQ(tagsOf(document, length), "<a>@1:43 <b x='>'\ny=\"/>\"/>@3:7 ") << length;
+    }
+}
+
 }  // namespace

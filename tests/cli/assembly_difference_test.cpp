@@ -150,6 +150,15 @@ TEST(PrintDifferences, PrintsALineForAMovedComponent) {
               "a/x[0]: only in the second file\n");
 }
 
+TEST(AssemblyDifference, ReportsAComponentThatIsRenamedAndMoved) {
+    EXPECT_EQ(
+        difference(
+            assembly(component("a", {leaf("jaw", "j"), component("b"), component("c")})),
+            assembly(component("a", {component("b"), component("c"), leaf("soft jaw", "j")}))),
+        "a/jaw[0]: moved among its siblings to [2]\n"
+        "a/jaw[0]: name \"jaw\" -> \"soft jaw\"\n");
+}
+
 TEST(PrintDifferences, PrintsPlacementsInWords) {
     CTrvAssemblyComponentData other = movedTo(4, -1.0 / 3, 0);
     const double vec1[] = {0.8660254037844387, 0.49999999999999994, 0};

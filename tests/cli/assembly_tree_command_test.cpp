@@ -28,6 +28,14 @@ TEST_F(AssemblyTree, PrintsAxisVectors) {
               u8"└── Part (disabled): part.stl, at 0 0 0, axes 0 1 0 / -1 0 0 / 0 0 1\n");
 }
 
+TEST_F(AssemblyTree, IndentsComponentsOnRequest) {
+    const Answer answer = answerTo(words("assembly tree --no-guides --match part") +
+                                   QStringList(file("a", setupXml)));
+    EXPECT_EQ(answer.out,
+              u8"Setup, at 10 0 0\n"
+              u8"    Part (disabled): part.stl, at 0 0 0, turned 90° about z\n");
+}
+
 TEST_F(AssemblyTree, PrintsAFileOfMaxDepth) {
     const Answer answer =
         answerTo(words("assembly tree") + QStringList(file("a", chainXml(999, "f"))));

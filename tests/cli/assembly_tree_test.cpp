@@ -44,6 +44,17 @@ TEST(PrintTree, ConnectsComponentsWithTheirParents) {
               u8"        └── i, at 0 0 0\n");
 }
 
+TEST(PrintTree, IndentsComponentsWithoutGuides) {
+    cli::TreeForm form;
+    form.hasGuides = false;
+    EXPECT_EQ(
+        tree(assembly(component("a", {component("b", {component("c")}), component("d")})), form),
+        "a, at 0 0 0\n"
+        "    b, at 0 0 0\n"
+        "        c, at 0 0 0\n"
+        "    d, at 0 0 0\n");
+}
+
 TEST(PrintTree, KeepsEveryComponentOnItsLine) {
     CTrvAssemblyComponentData root = leaf("a\nb", "c\td");
     root.setComment("e\x1b[0mf %1 %2");

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -77,8 +79,8 @@ TEST_F(CheckCommand, PrintsOneJsonDocument) {
     const QStringList names = {file("b", identityAxis), warned("a")};
     const Answer answer = answerTo(words("check --json") + names);
     const std::string rest =
-        "{\"diagnostics\":[{\"code\":\"notAffine\",\"column\":1,\"line\":5,"
-        "\"severity\":\"warning\",\"text\":\"the fourth row of the matrix is not 0 0 0 1\"}],"
+        "{\"diagnostics\":[{\"code\":\"not-affine\",\"column\":1,\"line\":5,"
+        "\"severity\":\"warning\"}],"
         "\"file\":\"" +
         a + "\",\"kind\":\"axis\",\"status\":\"eFileIOSuccess\"}]}\n";
     EXPECT_EQ(answer.status, 0);
@@ -86,6 +88,50 @@ TEST_F(CheckCommand, PrintsOneJsonDocument) {
     EXPECT_EQ(answer.out, "{\"files\":[{\"diagnostics\":[],\"file\":\"" + path("b") +
                               "\",\"kind\":\"axis\",\"status\":\"eFileIOSuccess\"}," + rest);
     EXPECT_EQ(answerTo(words("check --json --quiet") + names).out, "{\"files\":[" + rest);
+}
+
+// An assembly with lines about each of which there are two warnings.
+std::string warnings(int lines) {
+    std::string text = "<ComponentInfo version=\"1\"><Attributs/><Component/>\n";
+    for (int i = 0; i < lines; ++i)
+        text += "x<Attributs/>\n";
+    return text + "</ComponentInfo>";
+}
+
+std::size_t linesOf(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST_F(CheckCommand, PrintsTheFirstHundredWarningsOfAFile) {
+    const QStringList names = {file("a", warnings(50)), file("b", warnings(51))};
+    const Answer answer = answerTo(words("check") + names);
+    EXPECT_EQ(linesOf(answer.err), 201U);
+    const std::string more = path("b") + ": 2 more warnings; --all prints them\n";
+    EXPECT_EQ(answer.err.substr(answer.err.size() - more.size()), more);
+    EXPECT_EQ(answer.out, path("a") + ": 100 warnings (assembly, 1 component, 0 placed files)\n" +
+                              path("b") +
+                              ": 102 warnings (assembly, 1 component, 0 placed files)\n"
+                              "2 files: 0 ok, 2 with warnings\n");
+}
+
+TEST_F(CheckCommand, PrintsAllWarningsIfAsked) {
+    const QStringList names(file("a", warnings(60)));
+    EXPECT_EQ(linesOf(answerTo(words("check --all") + names).err), 120U);
+    const std::string json = answerTo(words("check --json") + names).out;
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = json.find("\"code\":", at)) != std::string::npos; ++at)
+        ++count;
+    EXPECT_EQ(count, 120U);
+}
+
+TEST_F(CheckCommand, PrintsTheErrorAfterManyWarnings) {
+    std::string text = "<ComponentInfo version=\"1\">\n";
+    for (int i = 0; i < 101; ++i)
+        text += "<a b='1' b='2'/>\n";
+    const QStringList names(file("a", text));
+    const Answer answer = answerTo(words("check") + names);
+    EXPECT_EQ(linesOf(answer.err), 102U);
+    EXPECT_NE(answer.err.find(": error: eFileIOContentError: "), std::string::npos);
 }
 
 TEST_F(CheckCommand, FindsReferencesToMissingFilesIfAsked) {

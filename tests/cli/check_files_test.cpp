@@ -81,6 +81,53 @@ TEST_F(CheckFiles, FindsBytesThatAreNotText) {
               "a:4:19: warning: bytes that are not text are read as U+FFFD\n");
 }
 
+TEST_F(CheckFiles, CountsBytesThatAreNotText) {
+    EXPECT_EQ(problems(assembly("<Data><File name=\"\xFF\"/></Data>\n<!-- \xFE\xFE -->")),
+              "a:4:19: warning: bytes that are not text are read as U+FFFD, 3 times\n");
+}
+
+TEST_F(CheckFiles, FindsTextBetweenElements) {
+    EXPECT_EQ(problems(assembly("  one &amp; two\n <Data>\n<![CDATA[ in ]]>\n<File name=\"f\">x"
+                                "</File></Data> &y;")),
+              "a:4:3: warning: text in <Component> is ignored: \"one & two\"\n"
+              "a:6:1: warning: text in <Data> is ignored: \"in\"\n"
+              "a:7:16: warning: text in <File> is ignored: \"x\"\n"
+              "a:7:32: warning: text in <Component> is ignored: \"&y;\"\n");
+    EXPECT_EQ(problems(assembly("<Extra>text</Extra>")),
+              "a:4:1: warning: <Extra> in <Component> is ignored: the format has no such element "
+              "there\n");
+}
+
+TEST_F(CheckFiles, FindsAttributesThatOccurTwice) {
+    EXPECT_EQ(problems(assembly("<Translation x=\"1\" y=\"2\" x=\"3\" z=\"4\"\n x=\"5\"/>")),
+              "a:5:2: warning: attribute \"x\" of <Translation> occurs 3 times: the last one "
+              "counts\n");
+    EXPECT_EQ(check(assembly("<Data><File name=\"f\" name=\"\"/></Data>")).summary.toStdString(),
+              "assembly, 1 component, 0 placed files");
+}
+
+TEST_F(CheckFiles, FindsReferencesThatAreCut) {
+    EXPECT_EQ(problems(assembly("<Data><File name=\"&#65;&#xE0042;\"/></Data>")),
+              "a:4:19: warning: \"&#xE0042;\" in attribute \"name\" of <File> is read as U+0042\n");
+    EXPECT_EQ(problems(assembly("<Data><File name=\"&#xFFFD;&#65;\"/></Data>")), "");
+}
+
+TEST_F(CheckFiles, FindsUnknownSectionsAndKeys) {
+    EXPECT_EQ(problems("[machine]\nname=M\nposition=\nodd=1\nName=x\n[postpro]\n"
+                       "origin_program=1 2 3\n[header]\nversion=2\n[clamping_system]\nx\n"
+                       "[Part]\nsurface_group=s\n[extra]\nname=1\n[Machine]\nname=2\n"),
+              "a:4:1: warning: machine.odd is ignored: machine contexts do not have it\n"
+              "a:5:1: warning: machine.Name is ignored: the name is spelled \"name\"\n"
+              "a:12:1: warning: section [Part] is ignored: the name is spelled \"part\"\n"
+              "a:14:1: warning: section [extra] is ignored: machine contexts do not have it\n"
+              "a:16:1: warning: section [Machine] is ignored: the name is spelled \"machine\"\n");
+}
+
+TEST_F(CheckFiles, FindsAxesThatDoNotSpanSpace) {
+    EXPECT_EQ(problems("0\n1 0 0 0\n0 0 0 0\n0 0 1 0\n0 0 0 1\n"),
+              "a:2:1: warning: the axes do not span space: they are read as zeros\n");
+}
+
 TEST_F(CheckFiles, FindsWhatIsWrongWithAnAxisFile) {
     EXPECT_EQ(problems("0\n2 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n"),
               "a:2:1: warning: the axes are not orthonormal: their inverse is read, which differs "
@@ -140,7 +187,7 @@ TEST_F(CheckFiles, FindsReferencesToMissingFilesIfAsked) {
     EXPECT_TRUE(check(bytes).diagnostics.empty());
     const FileReport report = check(bytes, options);
     ASSERT_EQ(report.diagnostics.size(), 1U);
-    EXPECT_EQ(report.diagnostics[0].code.toStdString(), "missingFile");
+    EXPECT_EQ(report.diagnostics[0].code.toStdString(), "reference-missing");
     EXPECT_EQ(report.diagnostics[0].text.toStdString(), "geometry file \"no.stl\" does not exist");
     EXPECT_EQ(report.diagnostics[0].place.line, 4);
     EXPECT_EQ(report.diagnostics[0].place.column, 19);
@@ -188,9 +235,9 @@ TEST_F(CheckFiles, HaveJson) {
     FileReport report = check("<a/>");
     report.name = QStringLiteral("a");
     EXPECT_EQ(QJsonDocument(reportJson(report)).toJson(QJsonDocument::Compact).toStdString(),
-              "{\"diagnostics\":[{\"code\":\"wrongStructure\",\"column\":1,\"line\":1,"
-              "\"severity\":\"error\",\"text\":\"eFileIOStructureError: the root element is <a>, "
-              "not <ComponentInfo>\"}],\"file\":\"a\",\"kind\":\"assembly\","
+              "{\"diagnostics\":[{\"code\":\"root-element-wrong\",\"column\":1,\"line\":1,"
+              "\"severity\":\"error\",\"subject\":\"a\"}],\"file\":\"a\","
+              "\"kind\":\"assembly\","
               "\"status\":\"eFileIOStructureError\"}");
 }
 

@@ -57,16 +57,18 @@ TEST(Diagnostic, CutsItsLineAroundTheCaret) {
                   std::string(22, ' ') + "^\n");
 }
 
-TEST(Diagnostic, HasJson) {
+TEST(Diagnostic, HasJsonWithoutItsSentence) {
+    const QJsonObject fields = {{QStringLiteral("subject"), QStringLiteral("vec1")}};
     EXPECT_EQ(QJsonDocument(diagnosticJson({Severity::warning,
                                             {2, 0},
-                                            codeOf(CFileFault::Note::Kind::notText),
+                                            QStringLiteral("not-a-number"),
                                             QStringLiteral("why"),
-                                            {}}))
+                                            {},
+                                            fields}))
                   .toJson(QJsonDocument::Compact)
                   .toStdString(),
-              "{\"code\":\"notText\",\"column\":null,\"line\":2,\"severity\":\"warning\","
-              "\"text\":\"why\"}");
+              "{\"code\":\"not-a-number\",\"column\":null,\"line\":2,"
+              "\"severity\":\"warning\",\"subject\":\"vec1\"}");
 }
 
 }  // namespace

@@ -52,13 +52,38 @@ TEST_F(EnvCheck, PrintsJson) {
     EXPECT_EQ(out(),
               "{\"files\":["
               "{\"entries\":1,\"file\":\"a.msg\",\"findings\":["
-              "{\"line\":3,\"text\":\"Unknown keyword : '/frob'\"},"
-              "{\"line\":null,\"text\":\"Error loading file.\"}],\"ok\":false,\"sections\":1},"
+              "{\"code\":\"keyword-unknown\",\"line\":3,\"subject\":\"frob\"},"
+              "{\"code\":\"file-not-loaded\",\"line\":null}],\"ok\":false,\"sections\":1},"
               "{\"entries\":null,\"file\":\"none.msg\",\"findings\":["
-              "{\"line\":null,\"text\":\"No such file or directory\"}],\"ok\":false,"
+              "{\"code\":\"file-missing\",\"line\":null,\"systemError\":2}],\"ok\":false,"
               "\"sections\":null},"
               "{\"entries\":4,\"file\":\"shop/cell/environ.cfg\",\"findings\":[],\"ok\":true,"
               "\"sections\":1}]}\n");
+}
+
+TEST_F(EnvCheck, HasACodeForEachFaultInItsJson) {
+    write("a.msg", "[one]\n/if NOBODY == 1\n/endif\n/if CELL = 3\n/endif\n/endif\n/else\n" +
+                       std::string(1023, 'x') + "\n/if NOBODY\nlast");
+    EXPECT_EQ(run({"check", "--json", "a.msg", "shop"}), 1);
+    EXPECT_EQ(out(),
+              "{\"files\":[{\"entries\":1,\"file\":\"a.msg\",\"findings\":["
+              "{\"code\":\"variable-unknown\",\"line\":2,\"subject\":\"/if NOBODY == 1\"},"
+              "{\"code\":\"condition-invalid\",\"line\":4,\"subject\":\"/if CELL = 3\"},"
+              "{\"code\":\"endif-without-if\",\"line\":6},"
+              "{\"code\":\"else-without-if\",\"line\":7},"
+              "{\"code\":\"line-too-long\",\"line\":8},"
+              "{\"code\":\"if-without-endif\",\"line\":10},"
+              "{\"code\":\"if-without-endif\",\"line\":null}],\"ok\":false,\"sections\":1},"
+              "{\"entries\":null,\"file\":\"shop\",\"findings\":["
+              "{\"code\":\"not-a-regular-file\",\"line\":null}],\"ok\":false,"
+              "\"sections\":null}]}\n");
+}
+
+TEST_F(EnvCheck, HasACodeForAMissingInstallationInItsJson) {
+    process_.setVariable("TRVHOME", nullptr);
+    write("a.msg", "/if CELL\n/endif\n");
+    EXPECT_EQ(run({"check", "--json", "a.msg"}), 1);
+    EXPECT_NE(out().find("[{\"code\":\"installation-missing\",\"line\":null}]"), std::string::npos);
 }
 
 TEST_F(EnvCheck, ReportsWhatIsOpenAtTheEnd) {

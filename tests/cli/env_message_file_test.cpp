@@ -46,13 +46,13 @@ TEST_F(EnvMessageFile, HoldsWhatAProgramGets) {
 TEST_F(EnvMessageFile, DistinguishesAMissingFileFromABrokenOne) {
     const MessageFile missing = cli::loadMessageFile(QStringLiteral("no such file"));
     EXPECT_EQ(missing.result, load_result::missing);
-    EXPECT_EQ(missing.whyMissing.toStdString(), "No such file or directory");
+    EXPECT_EQ(missing.whyMissing.reason.toStdString(), "No such file or directory");
     EXPECT_THAT(log_.fatals(), IsEmpty());
     const MessageFile file = load("[one]\nfirst\n/frob\nsecond\n");
     EXPECT_EQ(file.result, load_result::failed);
     ASSERT_EQ(file.sections.size(), 1U);
     EXPECT_EQ(file.sections[0].messages.size(), 1U);
-    EXPECT_EQ(file.whyMissing.toStdString(), "");
+    EXPECT_EQ(file.whyMissing.reason.toStdString(), "");
 }
 
 TEST_F(EnvMessageFile, LoadsRegularFilesOnly) {
@@ -60,7 +60,7 @@ TEST_F(EnvMessageFile, LoadsRegularFilesOnly) {
         if (!std::filesystem::exists(name)) continue;
         const MessageFile file = cli::loadMessageFile(QString::fromStdString(name));
         EXPECT_EQ(file.result, load_result::missing);
-        EXPECT_EQ(file.whyMissing.toStdString(), "not a regular file");
+        EXPECT_EQ(file.whyMissing.reason.toStdString(), "not a regular file");
         EXPECT_THAT(file.sections, IsEmpty());
     }
     EXPECT_THAT(log_.errors(), IsEmpty());

@@ -36,7 +36,7 @@ TEST(ChainedObserver, PassesEachEventOn) {
     current_observer().reference_replaced({text, nullptr, Value()});
     current_observer().search_began({name, "p;q"});
     current_observer().candidate_tried({name, true});
-    current_observer().fault_found({fault_kind::fatal, "f", 7, "wrong"});
+    current_observer().fault_found({fault_kind::invalid_condition, "f", 7, "wrong"});
     EXPECT_EQ(observer.lookups, 1);
     EXPECT_THAT(earlier.events,
                 ElementsAre("$n undefined []", "4 [t] [set by program] -> undefined: [a][b]",

@@ -34,7 +34,7 @@ TEST(RuntimeMessages, HoldsTheFaultThatAReportIsAbout) {
     RuntimeMessages messages(err);
     report_error("odd");
     const std::string file = "a.msg";
-    current_observer().fault_found({fault_kind::fatal, file, 7, "wrong"});
+    current_observer().fault_found({fault_kind::invalid_condition, file, 7, "wrong", "x"});
     report_fatal("broken");
     const std::vector<RuntimeMessages::Report> reports = messages.takeReports();
     ASSERT_EQ(reports.size(), 3U);
@@ -45,6 +45,9 @@ TEST(RuntimeMessages, HoldsTheFaultThatAReportIsAbout) {
     EXPECT_EQ(reports[1].fault->file, "a.msg");
     EXPECT_EQ(reports[1].fault->line, 7);
     EXPECT_EQ(reports[1].fault->text, "wrong");
+    EXPECT_EQ(reports[1].fault->subject, "x");
+    EXPECT_EQ(reports[0].code.toStdString(), "runtime-message");
+    EXPECT_EQ(reports[1].code.toStdString(), "condition-invalid");
     EXPECT_FALSE(reports[2].fault);
 }
 

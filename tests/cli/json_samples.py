@@ -102,6 +102,9 @@ def assemblies():
         NOT_TEXT: assembly(component("root")),
         "broken.xml": '<?xml version="1.0"?>\n<ComponentInfo><Component>\n',
         "wrong.xml": "<Wrong/>\n",
+        "altered.xml": assembly(
+            "text" + component("a", '<file name="a"/>', comment='" comment="&#xE0041;')
+        ),
     }
 
 
@@ -228,20 +231,27 @@ def edit_samples():
 
 def check_samples():
     codes = (
-        "notOpened", "wrongContent", "wrongStructure", "notANumber", "notAFlag", "leftOut",
-        "unknownName", "repeated", "hiddenByFile", "notText", "missingRow", "notAffine",
-        "notOrthonormal", "misplacedTags", "missingSection", "missingFile",
+        "file-missing", "element-not-closed", "root-element-wrong", "numbers-missing",
+        "not-a-number", "not-a-flag", "left-out", "unknown-name", "element-repeated",
+        "hidden-by-file", "text-ignored", "attribute-repeated", "reference-cut", "not-text",
+        "row-missing", "not-affine", "not-orthonormal", "singular", "tags-misplaced",
+        "section-missing", "reference-missing",
+    )
+    keys = (
+        "subject", "attribute", "parent", "value", "expected", "count", "path", "startLine",
+        "systemError",
     )
     files = [
-        "odd.xml", "broken.xml", "wrong.xml", "short.dat", "odd.dat", "stretched.dat", "odd.mctx",
-        "text.mctx", "missing.xml",
+        "odd.xml", "altered.xml", "broken.xml", "wrong.xml", "short.dat", "odd.dat",
+        "stretched.dat", "singular.dat", "odd.mctx", "text.mctx", "missing.xml",
     ]
     return [
         sample("check", "bracket.xml", "table-a30.dat", "bracket-left.mctx"),
         sample(
             "check", "--references", *files,
             status=1,
-            contains=tuple(f'"code":"{code}"' for code in codes),
+            contains=tuple(f'"code":"{code}"' for code in codes)
+            + tuple(f'"{key}":' for key in keys),
         ),
         sample("check", NOT_TEXT, status=1),
         sample("check", "--quiet", "bracket.xml"),
@@ -328,7 +338,7 @@ def environment_samples():
         sample(
             "env check", "odd.msg", "odd.cfg", "empty", "missing",
             status=1,
-            contains=('"sections":null',),
+            contains=('"sections":null', '"code":"keyword-unknown"', '"subject":"els"'),
         ),
     ]
 

@@ -76,6 +76,15 @@ TEST_F(ShowCommand, LeavesOutTheNameOnRequest) {
               std::string::npos);
 }
 
+TEST_F(ShowCommand, IndentsComponentsOnRequest) {
+    const std::string guided = show("a", setupXml).out;
+    const std::string indented =
+        show("a", setupXml, QStringList(QStringLiteral("--no-guides"))).out;
+    EXPECT_NE(guided.find(u8"\n└── Part"), std::string::npos);
+    EXPECT_NE(indented.find("\n    Part"), std::string::npos);
+    EXPECT_EQ(indented.find(u8"──"), std::string::npos);
+}
+
 TEST_F(ShowCommand, PrintsJsonOfEveryKind) {
     const QStringList json(QStringLiteral("--json"));
     EXPECT_EQ(show("a", setupXml, json).out.substr(0, 18), "{\"componentCount\":");

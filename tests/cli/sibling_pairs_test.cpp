@@ -142,6 +142,39 @@ TEST(SiblingPairs, PairARenamedPart) {
     EXPECT_EQ(pairs({component("a")}, {at(1, component("b"))}), "0- -0");
 }
 
+TEST(SiblingPairs, PairARenamedAndMovedPart) {
+    const Parts others = {component("x"), component("y")};
+    const auto first = [&](const CTrvAssemblyComponentData& part) {
+        return Parts{part, others[0], others[1]};
+    };
+    const auto last = [&](const CTrvAssemblyComponentData& part) {
+        return Parts{others[0], others[1], part};
+    };
+    // The same content.
+    EXPECT_EQ(pairs(first(leaf("a", "f")), last(leaf("b", "f"))), "0-2! 1-0 2-1");
+    // The same file.
+    EXPECT_EQ(pairs(first(leaf("a", "f")), last(at(1, leaf("b", "f")))), "0-2! 1-0 2-1");
+    EXPECT_EQ(pairs(first(leaf("a", "f")), last(at(1, leaf("b", "g")))), "0- 1-0 2-1 -2");
+    // The same names of the children.
+    EXPECT_EQ(pairs(first(component("a", {component("k")})),
+                    last(at(1, component("b", {component("k")})))),
+              "0-2! 1-0 2-1");
+    // Empty groups have nothing in common.
+    EXPECT_EQ(pairs(first(component("a")), last(component("b"))), "0- 1-0 2-1 -2");
+}
+
+TEST(SiblingPairs, PairRenamedAndMovedPartsOfOneFileByTheirOrder) {
+    EXPECT_EQ(
+        pairs({leaf("a", "f"), leaf("b", "f"), component("x"), component("y"), component("z")},
+              {component("x"), component("y"), component("z"), at(1, leaf("c", "f")),
+               at(2, leaf("d", "f"))}),
+        "0-3! 1-4! 2-0 3-1 4-2");
+    // The same content is preferred to the same order.
+    EXPECT_EQ(pairs({leaf("a", "f"), component("x"), component("y")},
+                    {component("x"), component("y"), at(1, leaf("c", "f")), leaf("d", "f")}),
+              "0-3! 1-0 2-1 -2");
+}
+
 TEST(SiblingPairs, OfListsThatAreEqualWithinTheTolerancesAreInOrder) {
     // Each value rounds to another multiple of 1e-5, so the keys of the contents are swapped.
     const double low = 4.9999e-6;

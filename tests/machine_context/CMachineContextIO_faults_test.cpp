@@ -23,6 +23,7 @@ using namespace std::string_literals;
 using namespace trv::testing;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 using Kind = CFileFault::Note::Kind;
 
 namespace {
@@ -85,6 +86,7 @@ TEST_F(ContextFault, NamesTheSectionsThatAreMissingOrHaveNoLines) {
 
 TEST_F(ContextFault, NamesASectionInAnotherCase) {
     EXPECT_EQ(read(with("[postpro]\n", "[PostPro]\n")), eFileIOSuccess);
+    EXPECT_EQ(fault_.notes.at(0).value, "PostPro");
     EXPECT_THAT(fault_.notes,
                 ElementsAre(IsNote(Kind::missingSection, 7, "postpro",
                                    "section [postpro] is missing: the name is in another case "
@@ -96,8 +98,26 @@ TEST_F(ContextFault, NamesAKeyInAnotherCase) {
     EXPECT_THAT(fault_.notes, ElementsAre(IsNote(Kind::unknownName, 6, "machine.proximity",
                                                  "machine.proximity is not read: its key is in "
                                                  "another case here")));
+    EXPECT_EQ(fault_.notes.at(0).expected, "proximity");
     EXPECT_EQ(read(with("proximity= 1.5", "proximity=1.5\nProximity=2")), eFileIOSuccess);
-    EXPECT_THAT(fault_.notes, IsEmpty());
+    EXPECT_THAT(fault_.notes, ElementsAre(IsNote(Kind::unknownName, 7, "machine.Proximity",
+                                                 "machine.Proximity is ignored: the name is "
+                                                 "spelled \"proximity\"")));
+}
+
+TEST_F(ContextFault, NamesSectionsAndKeysThatAreNotKnown) {
+    EXPECT_EQ(read(with("[postpro]\n", "speed = 5\n[Part]\n[tool]\nname=t\n[postpro]\n")),
+              eFileIOSuccess);
+    EXPECT_THAT(
+        fault_.notes,
+        UnorderedElementsAre(IsNote(Kind::unknownName, 7, "machine.speed",
+                                    "machine.speed is ignored: machine contexts do not have it"),
+                             IsNote(Kind::unknownName, 8, "Part",
+                                    "section [Part] is ignored: the name is spelled \"part\""),
+                             IsNote(Kind::unknownName, 9, "tool",
+                                    "section [tool] is ignored: machine contexts do not have it")));
+    for (const CFileFault::Note& note : fault_.notes)
+        EXPECT_EQ(note.parent, note.line == 7 ? "machine" : "");
 }
 
 TEST_F(ContextFault, NamesAProximityThatIsNotANumber) {
@@ -111,6 +131,7 @@ TEST_F(ContextFault, NamesAProximityThatIsNotANumber) {
                                    "clamping_system.proximity is not a number: \"2,5\" has a "
                                    "decimal comma, not a point; the number at its beginning is "
                                    "read")));
+    EXPECT_EQ(fault_.notes.at(0).value, "2,5");
     EXPECT_EQ(data_.getClampingProximity(), 2);
 }
 
@@ -145,6 +166,8 @@ TEST_F(ContextFault, NamesATextThatHasOtherBytes) {
 TEST_F(ContextFault, KeepsTheNotesOfWhatComesBeforeAMissingKey) {
     EXPECT_EQ(read("[machine]\nname=m\nproximity=x\n"), eFileIOContentError);
     EXPECT_EQ(fault_.reason, "section [machine] has no \"position\"");
+    EXPECT_EQ(fault_.cause, CFileFault::Cause::missingKey);
+    EXPECT_EQ(fault_.subject, "machine.position");
     EXPECT_EQ(fault_.line, 1);
     ASSERT_EQ(fault_.notes.size(), 1U);
     EXPECT_EQ(fault_.notes[0].subject, "header");

@@ -353,3 +353,20 @@ TEST(SectionedFile, ReadsAnOpenFileFromItsPosition) {
     EXPECT_EQ(dumpOf(file), "");
     EXPECT_EQ(std::fclose(stream), 0);
 }
+
+TEST(SectionedFile, ListsItsSectionsAndTheirKeysWithTheirLines) {
+    std::istringstream stream("above=1\n[t]\n# x=1\nb=1\na=2\nb=3\n[s]\n");
+    CSectionedFile file;
+    ASSERT_EQ(file.parse(stream), 0);
+    const auto text = [](const std::vector<CSectionedFile::Name>& names) {
+        std::string list;
+        for (const CSectionedFile::Name& name : names)
+            list += std::string(name.text) + '@' + std::to_string(name.line) + ' ';
+        return list;
+    };
+    EXPECT_EQ(text(file.sectionNames()), "@-1 s@6 t@1 ");
+    EXPECT_EQ(text(file.keyNames(file.section("t", true))), "a@4 b@5 ");
+    EXPECT_EQ(text(file.keyNames(file.section("", true))), "above@0 ");
+    EXPECT_EQ(text(file.keyNames(file.section("s", true))), "");
+    EXPECT_EQ(file.nameOf(file.section("T", false)), "t");
+}

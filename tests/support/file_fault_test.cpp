@@ -38,7 +38,9 @@ TEST(FileFault, LosesEverythingWhenItIsCleared) {
 
 TEST(FileFault, TakesAReasonWithItsPlaceAndKeepsItsNotes) {
     CFileFault fault = usedFault();
-    trv::set_fault(&fault, "why", 2, 3);
+    trv::set_fault(&fault, CFileFault::Cause::wrongRoot, "why", 2, 3, "a");
+    EXPECT_EQ(fault.cause, CFileFault::Cause::wrongRoot);
+    EXPECT_EQ(fault.subject, "a");
     EXPECT_EQ(fault.reason, "why");
     EXPECT_EQ(fault.line, 2);
     EXPECT_EQ(fault.column, 3);
@@ -53,11 +55,12 @@ TEST(FileFault, TakesANumberOfTheSystemWithItsWords) {
     EXPECT_EQ(fault.line, 0);
     EXPECT_EQ(fault.column, 0);
     EXPECT_EQ(fault.systemError, ENOENT);
+    EXPECT_EQ(fault.cause, CFileFault::Cause::system);
 }
 
 TEST(FileFault, MayBeAbsent) {
     trv::clear_fault(nullptr);
-    trv::set_fault(nullptr, "why", 2, 3);
+    trv::set_fault(nullptr, CFileFault::Cause::wrongRoot, "why", 2, 3);
     trv::set_system_fault(nullptr, ENOENT);
 }
 

@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/assembly_comparison.h>
 #include <trvfiles/assembly/component_body.h>
+#include <trvfiles/assembly/flattening.h>
 #include <trvfiles/assembly/record_support.h>
 
 #include <cstddef>
@@ -12,21 +13,6 @@
 namespace {
 
 using trv::ComponentBody;
-
-void setRow(Math::XForm3Gen<double>& form, int row, const double values[3], double last) {
-    for (int column = 0; column < 3; ++column)
-        form(row, column) = values[column];
-    form(row, 3) = last;
-}
-
-Math::XForm3Gen<double> placementOf(const ComponentBody& component) {
-    Math::XForm3Gen<double> form;
-    setRow(form, 0, component.vec1, 0);
-    setRow(form, 1, component.vec2, 0);
-    setRow(form, 2, component.vec3, 0);
-    setRow(form, 3, component.translation, 1);
-    return form;
-}
 
 ComponentBody& own(std::unique_ptr<ComponentBody>& body) {
     if (body == nullptr) body = std::make_unique<ComponentBody>();
@@ -156,8 +142,7 @@ void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentD
     body.components = std::move(children);
 }
 
-// A component with a file is counted once, and what is below it is not. Flattening, below, does go
-// there.
+// A component with a file is counted once, and what is below it is not. Flattening does go there.
 unsigned long long CTrvAssemblyComponentData::getComponentNumber() const {
     unsigned long long count = 0;
     std::vector<const ComponentBody*> pending{&ComponentBody::of(*this)};
@@ -177,32 +162,9 @@ unsigned long long CTrvAssemblyComponentData::getComponentNumber() const {
 
 void CTrvAssemblyComponentData::getComponentFileList(Math::XForm3Gen<double> parent,
                                                      std::vector<CComponentInfo>& list) const {
-    struct Level {
-        const std::vector<ComponentBody>* children;
-        std::size_t next;
-        Math::XForm3Gen<double> world;
-    };
-    std::vector<Level> levels;
-    const auto enter = [&](const ComponentBody& component, const Math::XForm3Gen<double>& outer) {
-        if (!component.enabled) return;
-        const Math::XForm3Gen<double> world = placementOf(component) * outer;
-        if (!component.geometryFileName.empty()) {
-            const double* rows = world.data();
-            list.emplace_back(component.geometryFileName, rows, rows + 4, rows + 8, rows + 12);
-        }
-        if (!component.components.empty()) levels.push_back({&component.components, 0, world});
-    };
-
-    enter(ComponentBody::of(*this), parent);
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        if (level.next == level.children->size()) {
-            levels.pop_back();
-            continue;
-        }
-        const ComponentBody& child = (*level.children)[level.next++];
-        // enter() may grow the list of levels, and `level` would refer to freed memory.
-        const Math::XForm3Gen<double> outer = level.world;
-        enter(child, outer);
-    }
+    trv::flatten(ComponentBody::of(*this), parent, [&list](const trv::PlacedComponent& placed) {
+        if (!placed.isEntry()) return;
+        const double* rows = placed.world.data();
+        list.emplace_back(placed.component.geometryFileName, rows, rows + 4, rows + 8, rows + 12);
+    });
 }

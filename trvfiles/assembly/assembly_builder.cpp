@@ -14,11 +14,8 @@ namespace trv {
 namespace {
 
 using Kind = CFileFault::Note::Kind;
+using Cause = CFileFault::Cause;
 using names::isName;
-
-std::string missing(const char* child) {
-    return std::string("<") + names::root + "> has no <" + child + ">";
-}
 
 // Which of the vectors of an "Orientation" an element is; -1 if it is none.
 int vectorIndex(std::string_view tag) {
@@ -59,6 +56,16 @@ void AssemblyBuilder::end() {
     open_.pop_back();
 }
 
+void AssemblyBuilder::ignoreText(ElementPlace place, std::string_view parentTag,
+                                 std::string_view text) {
+    if (ignored_ > 0 || !notes_.count()) return;
+    CFileFault::Note& note = notes_.add(
+        Kind::ignoredText, place, {},
+        "text in <" + std::string(parentTag) + "> is ignored: " + quoted_beginning(text));
+    note.parent = parentTag;
+    note.value = beginning_of(text);
+}
+
 AssemblyBuilder::Context AssemblyBuilder::contextOf(const ElementStart& element) {
     switch (open_.back()) {
         case Context::document:
@@ -95,7 +102,7 @@ AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element)
         rootFailure_ = {
             eFileIOStructureError,
             "the root element is <" + std::string(element.tag()) + ">, not <" + names::root + ">",
-            root_};
+            root_, Cause::wrongRoot, std::string(element.tag())};
         return Context::ignored;
     }
     notes_.addUnknownAttributes(element, known::root);
@@ -106,7 +113,8 @@ AssemblyBuilder::Context AssemblyBuilder::startRoot(const ElementStart& element)
     hasVersion_ = true;
     if (isInteger) return Context::root;
     rootFailure_ = {eFileIOContentError,
-                    std::string("the version of <") + names::root + "> is no integer", root_};
+                    std::string("the version of <") + names::root + "> is no integer", root_,
+                    Cause::wrongVersion, std::string(version)};
     return Context::ignored;
 }
 
@@ -245,11 +253,12 @@ void AssemblyBuilder::endComponent() {
 void AssemblyBuilder::noteHidden(const Level& level) {
     if (!notes_.count()) return;
     const bool isOne = level.besideFile == 1;
-    notes_.add(Kind::hiddenByFile, level.file, level.name,
-               "the <File> of component " + quoted_beginning(level.name) + " hides " +
-                   std::to_string(level.besideFile) +
-                   (isOne ? " component beside it, which is ignored"
-                          : " components beside it, which are ignored"));
+    CFileFault::Note& note = notes_.add(Kind::hiddenByFile, level.file, level.name,
+                                        "the <File> of component " + quoted_beginning(level.name) +
+                                            " hides " + std::to_string(level.besideFile) +
+                                            (isOne ? " component beside it, which is ignored"
+                                                   : " components beside it, which are ignored"));
+    note.count = static_cast<int>(level.besideFile);
 }
 
 // The note about a component that is left out replaces those about what is in it.
@@ -284,10 +293,12 @@ bool AssemblyBuilder::readVector(const ElementStart& element, double vector[3],
             continue;
         }
         if (!notes_.count()) return false;
-        notes_.add(Kind::notANumber, element.place(), element.tag(),
-                   std::string(coordinates[i]) + " of <" + std::string(element.tag()) +
-                       "> is not a number: " + quoted_number(text) + "; " + consequence,
-                   coordinates[i]);
+        CFileFault::Note& note =
+            notes_.add(Kind::notANumber, element.place(), element.tag(),
+                       std::string(coordinates[i]) + " of <" + std::string(element.tag()) +
+                           "> is not a number: " + quoted_number(text) + "; " + consequence,
+                       coordinates[i]);
+        note.value = text;
         return false;
     }
     return true;
@@ -299,21 +310,31 @@ bool AssemblyBuilder::readEnabled(const ElementStart& element) {
     if (text == "0" || !notes_.count()) return false;
     const std::string value(text);
     const std::string_view name = valueOf(element, names::name);
-    notes_.add(Kind::notAFlag, element.place(), name,
-               "component " + quoted_beginning(name) + " is disabled: enabled is " +
-                   quoted_beginning(value),
-               names::enabled);
+    notes_
+        .add(Kind::notAFlag, element.place(), name,
+             "component " + quoted_beginning(name) + " is disabled: enabled is " +
+                 quoted_beginning(value),
+             names::enabled)
+        .value = value;
     return false;
+}
+
+AssemblyBuilder::Failure AssemblyBuilder::missing(const char* child) const {
+    return {eFileIOContentError, std::string("<") + names::root + "> has no <" + child + '>', root_,
+            Cause::missingElement, child};
 }
 
 // Of several failures the first one in this order counts, wherever it is in the document.
 AssemblyBuilder::Failure AssemblyBuilder::outcome() const {
     if (rootFailure_.status != eFileIOSuccess) return rootFailure_;
-    if (!hasAttributes_) return {eFileIOContentError, missing(names::attributes), root_};
-    if (!hasComponent_) return {eFileIOContentError, missing(names::component), root_};
+    if (!hasAttributes_) return missing(names::attributes);
+    if (!hasComponent_) return missing(names::component);
     if (!isComponentBroken_) return {};
-    return {eFileIOStructureError, "the root component's <Orientation> is not complete",
-            component_};
+    return {eFileIOStructureError,
+            "the root component's <Orientation> is not complete",
+            component_,
+            Cause::incompleteOrientation,
+            {}};
 }
 
 EFileIOStatus AssemblyBuilder::finish(int& version, CTrvAssemblyData& data, CFileFault* fault) {
@@ -322,7 +343,8 @@ EFileIOStatus AssemblyBuilder::finish(int& version, CTrvAssemblyData& data, CFil
     if (fault != nullptr) notes_.moveTo(fault->notes);
     if (hasAttributes_ && hasDimension_) data.setDimension(dimension_);
     if (failure.status != eFileIOSuccess) {
-        set_fault(fault, failure.reason, failure.place.line, failure.place.column);
+        set_fault(fault, failure.cause, failure.reason, failure.place.line, failure.place.column,
+                  failure.subject);
         return failure.status;
     }
     data.getRootComponent() = ComponentBody::toComponent(std::move(*rootComponent_));

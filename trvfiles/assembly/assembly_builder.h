@@ -36,6 +36,12 @@ public:
     void start(const ElementStart& element);
     void end();
 
+    /// Notes a text in the element that is open, as far as that one is not ignored.
+    ///
+    /// @param place  where the text ends
+    /// @param text   in UTF-8; without the blanks at its ends
+    void ignoreText(ElementPlace place, std::string_view parentTag, std::string_view text);
+
     /// Whether a component has been left out.
     bool hasLeftOut() const { return hasLeftOut_; }
 
@@ -99,6 +105,8 @@ private:
         EFileIOStatus status = eFileIOSuccess;
         std::string reason;
         Place place;
+        CFileFault::Cause cause = CFileFault::Cause::none;
+        std::string subject;
     };
 
     Context contextOf(const ElementStart& element);
@@ -118,6 +126,7 @@ private:
     void noteHidden(const Level& level);
     bool readVector(const ElementStart& element, double vector[3], const char* consequence);
     bool readEnabled(const ElementStart& element);
+    Failure missing(const char* child) const;
     Failure outcome() const;
 
     AssemblyNotes notes_;

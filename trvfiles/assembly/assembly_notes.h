@@ -43,13 +43,14 @@ public:
     /// Whether there was a reason for a note, also if the note has been dropped since.
     bool hasAny() const { return hasAny_; }
 
-    /// Adds a note if they are collected.
+    /// Adds a note. REQUIRES: count() has returned true for it.
     ///
     /// @param attribute  the one that the note is about, if it is about one
-    void add(CFileFault::Note::Kind kind, ElementPlace place, std::string_view subject,
-             std::string text, std::string_view attribute = {});
+    /// @return the note, for its other members; valid until the next one is added
+    CFileFault::Note& add(CFileFault::Note::Kind kind, ElementPlace place, std::string_view subject,
+                          std::string text, std::string_view attribute = {});
 
-    /// For a note whose text is costly: counts it, and returns whether add() has to follow.
+    /// Counts a note, and returns whether add() has to follow. The text of a note is costly.
     bool count() {
         hasAny_ = true;
         return areCollected();

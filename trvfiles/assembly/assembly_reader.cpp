@@ -100,6 +100,16 @@ private:
     mutable const PlainScanner::Attribute* next_;
 };
 
+// The parser has dropped texts of blanks only. A reference to an unknown entity is a node without
+// text.
+void noteText(const QDomNode& node, AssemblyBuilder& builder) {
+    const QString text = node.isText() ? node.nodeValue().trimmed()
+                                       : QLatin1Char('&') + node.nodeName() + QLatin1Char(';');
+    if (text.isEmpty()) return;
+    builder.ignoreText({node.lineNumber(), node.columnNumber()},
+                       node.parentNode().nodeName().toStdString(), text.toStdString());
+}
+
 }  // namespace
 
 EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssemblyData& data,
@@ -108,6 +118,7 @@ EFileIOStatus readDocument(const QDomDocument& document, int& version, CTrvAssem
     AssemblyBuilder builder(isAsked ? AssemblyNotes::Mode::collected
                                     : AssemblyNotes::Mode::omitted);
     const auto enter = [&](const QDomNode& node, int) {
+        if (isAsked && (node.isText() || node.isEntityReference())) noteText(node, builder);
         if (!node.isElement()) return;
         const QDomElement element = node.toElement();
         const QByteArray tag = element.tagName().toUtf8();

@@ -55,7 +55,8 @@ bool isEmptyText(const std::string& narrow) {
 bool refuse(const ComponentBody& component, const char* reason, CFileFault* fault) {
     if (fault == nullptr) return false;
     const std::string name = fromNarrow(component.name).toStdString();
-    set_fault(fault, "component " + quoted_beginning(name) + reason);
+    set_fault(fault, CFileFault::Cause::notWritable, "component " + quoted_beginning(name) + reason,
+              0, 0, name);
     return false;
 }
 

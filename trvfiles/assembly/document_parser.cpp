@@ -1,6 +1,7 @@
 #include <trvfiles/assembly/document_parser.h>
 #include <trvfiles/assembly/plain_decoder.h>
 #include <trvfiles/assembly/replaced_bytes.h>
+#include <trvfiles/assembly/tag_notes.h>
 #include <trvfiles/assembly/xml_screen.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/platform.h>
@@ -13,7 +14,9 @@
 #include <cerrno>
 #include <cstddef>
 #include <new>
+#include <string>
 #include <system_error>
+#include <utility>
 
 // Qt 5.15 marks its SAX classes as deprecated, but QDomDocument still parses with them. An input
 // source is the only place at which a document can be checked as the parser sees it, whatever its
@@ -39,8 +42,9 @@ bool hasTextCodecs() {
 class ScreenedSource : public QXmlInputSource {
 public:
     // @param replaced  looks at each block; may be nullptr
-    ScreenedSource(QIODevice& device, int maxDepth, ReplacedBytes* replaced)
-        : device_(device), replaced_(replaced), screen_(maxDepth) {}
+    ScreenedSource(QIODevice& device, int maxDepth, ReplacedBytes* replaced,
+                   XmlScreen::TagVisitor visitTag)
+        : device_(device), replaced_(replaced), screen_(maxDepth, std::move(visitTag)) {}
 
     const XmlScreen& screen() const { return screen_; }
     bool isUnknownEncoding() const { return decoder_.isUnknownEncoding(); }
@@ -84,23 +88,34 @@ private:
     bool atEnd_ = false;
 };
 
-QString reasonOf(const XmlScreen& screen) {
+// "U+0001"
+QString refusedCharacter(const XmlScreen& screen) {
     constexpr int hexadecimal = 16;
     constexpr int digits = 4;
+    const QString number =
+        QStringLiteral("%1").arg(screen.refusedCharacter(), digits, hexadecimal, QLatin1Char('0'));
+    return QStringLiteral("U+") + number.toUpper();
+}
+
+QString reasonOf(const XmlScreen& screen) {
     switch (screen.refusal()) {
         case XmlScreen::Refusal::tooDeep:
             return QStringLiteral("more than %1 elements are open").arg(maxNesting);
         case XmlScreen::Refusal::entityDeclaration:
             return QStringLiteral("an entity is declared");
         case XmlScreen::Refusal::character:
-            return QStringLiteral("XML does not allow the character U+") +
-                   QStringLiteral("%1")
-                       .arg(screen.refusedCharacter(), digits, hexadecimal, QLatin1Char('0'))
-                       .toUpper();
+            return QStringLiteral("XML does not allow the character ") + refusedCharacter(screen);
         case XmlScreen::Refusal::none:
             break;
     }
     return {};
+}
+
+CFileFault::Cause causeOf(XmlScreen::Refusal refusal) {
+    using Cause = CFileFault::Cause;
+    if (refusal == XmlScreen::Refusal::tooDeep) return Cause::tooDeep;
+    return refusal == XmlScreen::Refusal::character ? Cause::invalidCharacter
+                                                    : Cause::entityDeclared;
 }
 
 struct Outcome {
@@ -113,30 +128,43 @@ void setReason(CFileFault& fault, const ScreenedSource& source, const QString& r
     const XmlScreen& screen = source.screen();
     if (screen.refusal() != XmlScreen::Refusal::none) {
         const XmlScreen::Position place = screen.refusedAt();
-        set_fault(&fault, reasonOf(screen).toStdString(), static_cast<int>(place.line),
-                  static_cast<int>(place.column));
+        const bool isCharacter = screen.refusal() == XmlScreen::Refusal::character;
+        set_fault(&fault, causeOf(screen.refusal()), reasonOf(screen).toStdString(),
+                  static_cast<int>(place.line), static_cast<int>(place.column),
+                  isCharacter ? refusedCharacter(screen).toStdString() : std::string());
     } else if (source.isUnknownEncoding()) {
-        set_fault(&fault, "during exit the encoding of the document is unknown", 1, 1);
+        set_fault(&fault, CFileFault::Cause::unknownEncoding,
+                  "during exit the encoding of the document is unknown", 1, 1);
     } else if (source.readError() != 0) {
         set_system_fault(&fault, source.readError());
     } else {
-        set_fault(&fault, reason.toStdString(), line, column);
+        set_fault(&fault, CFileFault::Cause::notWellFormed, reason.toStdString(), line, column);
     }
 }
 
 void addNote(CFileFault& fault, const ReplacedBytes& replaced) {
     if (!replaced.isFound()) return;
-    fault.notes.push_back({CFileFault::Note::Kind::notText,
-                           replaced.line(),
-                           replaced.column(),
-                           {},
-                           "bytes that are not text are read as U+FFFD"});
+    CFileFault::Note note;
+    note.kind = CFileFault::Note::Kind::notText;
+    note.line = replaced.line();
+    note.column = replaced.column();
+    note.count = replaced.count();
+    note.text = "bytes that are not text are read as U+FFFD";
+    if (note.count > 1) note.text += ", " + std::to_string(note.count) + " times";
+    fault.notes.push_back(std::move(note));
 }
 
 Outcome parse(QIODevice& device, int maxDepth, QDomDocument& document, CFileFault* fault) {
     clear_fault(fault);
     ReplacedBytes replaced;
-    ScreenedSource source(device, maxDepth, fault == nullptr ? nullptr : &replaced);
+    XmlScreen::TagVisitor visitTag;
+    if (fault != nullptr) {
+        visitTag = [fault](const QString& tag, XmlScreen::Position end) {
+            addTagNotes(tag, {static_cast<int>(end.line), static_cast<int>(end.column)},
+                        fault->notes);
+        };
+    }
+    ScreenedSource source(device, maxDepth, fault == nullptr ? nullptr : &replaced, visitTag);
     QString reason;
     int line = 0;
     int column = 0;

@@ -8,14 +8,6 @@
 namespace trv {
 namespace {
 
-// The known name that differs from another one in case only; empty if there is none.
-std::string_view meantBy(std::string_view name, const KnownNames& names) {
-    const auto found = std::find_if(names.begin(), names.end(), [&](std::string_view known) {
-        return !known.empty() && equal_ignoring_case(known, name);
-    });
-    return found == names.end() ? std::string_view() : *found;
-}
-
 std::string inBrackets(std::string_view tag) {
     return '<' + beginning_of(tag) + '>';
 }
@@ -39,6 +31,13 @@ bool isKnown(const KnownNames& names, std::string_view name) {
     return !name.empty() && std::find(names.begin(), names.end(), name) != names.end();
 }
 
+std::string_view nameMeantBy(std::string_view name, const KnownNames& names) {
+    const auto found = std::find_if(names.begin(), names.end(), [&](std::string_view known) {
+        return !known.empty() && equal_ignoring_case(known, name);
+    });
+    return found == names.end() ? std::string_view() : *found;
+}
+
 bool isForeignAttribute(std::string_view name) {
     return name == "xmlns" || name.find(':') != std::string_view::npos;
 }
@@ -46,7 +45,7 @@ bool isForeignAttribute(std::string_view name) {
 std::string unknownElementText(const KnownContent& parent, std::string_view parentTag,
                                std::string_view tag) {
     const std::string text = inBrackets(tag) + " in " + inBrackets(parentTag) + " is ignored: ";
-    const std::string_view meant = meantBy(tag, parent.children);
+    const std::string_view meant = nameMeantBy(tag, parent.children);
     return meant.empty() ? text + "the format has no such element there"
                          : text + "the name is spelled " + inBrackets(meant);
 }
@@ -55,7 +54,7 @@ std::string unknownAttributeText(const KnownContent& element, std::string_view t
                                  std::string_view attribute) {
     const std::string text =
         "attribute " + quoted_beginning(attribute) + " of " + inBrackets(tag) + " is ignored: ";
-    const std::string_view meant = meantBy(attribute, element.attributes);
+    const std::string_view meant = nameMeantBy(attribute, element.attributes);
     return meant.empty() ? text + "the format has no such attribute there"
                          : text + "the name is spelled " + quoted_beginning(meant);
 }

@@ -40,6 +40,9 @@ bool isKnown(const KnownNames& names, std::string_view name);
 /// have to define it: "xmlns", "xsi:schemaLocation".
 bool isForeignAttribute(std::string_view name);
 
+/// The known name that differs from another one in case only; empty if there is none.
+std::string_view nameMeantBy(std::string_view name, const KnownNames& names);
+
 /// The text of a note on an element that is ignored. If its name differs from a known one in case
 /// only, the text says so.
 std::string unknownElementText(const KnownContent& parent, std::string_view parentTag,

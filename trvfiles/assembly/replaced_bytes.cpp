@@ -5,15 +5,19 @@
 namespace trv {
 
 void ReplacedBytes::look(const QByteArray& bytes, const QString& text) {
-    if (isFound_) return;
     // In UTF-8 a zero is refused wherever it is; in UTF-16 the first "<" has one.
     if (!isStarted_) isUtf16_ = bytes.contains('\0');
     isStarted_ = true;
     const int own = ownReplacementCharacters(bytes);
-    isFound_ = !isUtf16_ && text.count(QChar(QChar::ReplacementCharacter)) > own;
-    const QChar* const end = text.constData() + text.size();
-    advance(text.constData(),
-            isFound_ ? std::find(text.constData(), end, QChar(QChar::ReplacementCharacter)) : end);
+    if (isUtf16_) return;
+    const int replaced = std::max(text.count(QChar(QChar::ReplacementCharacter)) - own, 0);
+    if (!isFound()) {
+        const QChar* const end = text.constData() + text.size();
+        advance(text.constData(), replaced == 0 ? end
+                                                : std::find(text.constData(), end,
+                                                            QChar(QChar::ReplacementCharacter)));
+    }
+    count_ += replaced;
 }
 
 // The first byte begins a character wherever it is, so the three bytes in a row are never part of

@@ -208,16 +208,22 @@ void XmlScreen::seeMarkup(ushort character) {
         open();
         previous_ = character;
         place_ = Place::startTag;
+        if (visitTag_) tag_ = QLatin1Char('<') + QString(QChar(character));
     }
 }
 
 void XmlScreen::seeStartTag(ushort character) {
+    if (visitTag_) tag_ += QChar(character);
     if (consumeQuoted(character)) return;
-    if (character == '>') {
-        if (previous_ == '/') close();
-        place_ = Place::content;
-    }
+    if (character == '>') endStartTag();
     previous_ = character;
+}
+
+void XmlScreen::endStartTag() {
+    const bool isEmpty = previous_ == '/';
+    if (isEmpty) close();
+    place_ = Place::content;
+    if (visitTag_) visitTag_(tag_, positionOf(isEmpty ? index_ - 1 : index_));
 }
 
 void XmlScreen::seeUntilClosed(ushort character, ushort closing, int repetitions) {

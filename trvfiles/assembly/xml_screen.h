@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <utility>
 
 namespace trv {
@@ -36,8 +37,13 @@ public:
         qint64 column = 1;
     };
 
+    /// Takes a start tag, from "<" to ">", and the place of its ">" or "/>".
+    using TagVisitor = std::function<void(const QString& tag, Position end)>;
+
     /// @param maxDepth  how many elements, or groups in a document type, may be open at once
-    explicit XmlScreen(int maxDepth) : maxDepth_(maxDepth) {}
+    /// @param visitTag  is called for each start tag; may be empty
+    explicit XmlScreen(int maxDepth, TagVisitor visitTag = {})
+        : maxDepth_(maxDepth), visitTag_(std::move(visitTag)) {}
 
     /// Takes the next piece of the document and returns what the parser may get of it, after what
     /// was held back before. The result may be empty. After a refusal it ends before the offending
@@ -82,6 +88,7 @@ private:
     void seeLowSurrogate(ushort& character);
     void seeMarkup(ushort character);
     void seeStartTag(ushort character);
+    void endStartTag();
     void seeDeclaration(ushort character);
     void seeDocumentType(ushort character);
     bool consumeOpening(ushort character);
@@ -97,6 +104,9 @@ private:
     QString release(int length);
 
     const int maxDepth_;
+    const TagVisitor visitTag_;
+    // The start tag up to the current character, if it is to be visited.
+    QString tag_;
     int depth_ = 0;
     Refusal refusal_ = Refusal::none;
     Position refusedAt_;

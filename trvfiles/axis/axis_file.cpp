@@ -130,10 +130,14 @@ void addNotes(CFileFault& fault, const AxisMatrix& lines, const AxisMatrix& matr
         fault.notes.push_back({kind, line, 0, {}, text});
     };
     if (!isOrthonormal(matrix)) {
-        add(Kind::notOrthonormal, firstMatrixLine,
-            matrix[15] == 0 ? "the axes do not span space: they are read as zeros"
-                            : "the axes are not orthonormal: their inverse is read, which differs "
-                              "from what was written");
+        if (matrix[15] == 0) {
+            add(Kind::singular, firstMatrixLine,
+                "the axes do not span space: they are read as zeros");
+        } else {
+            add(Kind::notOrthonormal, firstMatrixLine,
+                "the axes are not orthonormal: their inverse is read, which differs from what was "
+                "written");
+        }
     }
     // The rows of the block after a missing row are one line earlier.
     if (!isLastRow(&lines[12])) {
@@ -248,7 +252,8 @@ bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault) {
     for (int row = 0; row < 4; ++row) {
         if (readFourNumbers(lines, read, static_cast<std::size_t>(row))) continue;
         const int error = std::ferror(file) != 0 ? errno : 0;
-        set_fault(fault, "four numbers are expected", firstMatrixLine + row);
+        set_fault(fault, CFileFault::Cause::missingNumbers, "four numbers are expected",
+                  firstMatrixLine + row);
         if (fault != nullptr && error != 0) {
             set_system_fault(fault, error);
             fault->line = firstMatrixLine + row;

@@ -33,7 +33,7 @@ load_result load_file(message_store* store, const char* path, const message_sink
         const int reason = errno;
         if (!platform::path_exists(path)) return load_result::missing;
         const std::string text = "Error opening file - " + std::generic_category().message(reason);
-        current_observer().fault_found({fault_kind::fatal, path, 0, text});
+        current_observer().fault_found({fault_kind::not_opened, path, 0, text});
         return load_result::failed;
     }
     // Without this check a source that got no memory for its reader would look like an empty file.
@@ -45,7 +45,7 @@ load_result load_file(message_store* store, const char* path, const message_sink
     // A line that cannot be read looks like the end of the file. The loaded part must not be taken
     // for the whole file: saving it would truncate the file.
     if (std::ferror(file.get()) == 0) return load_result::loaded;
-    current_observer().fault_found({fault_kind::fatal, path, 0, "Error loading file."});
+    current_observer().fault_found({fault_kind::not_loaded, path, 0, "Error loading file."});
     return load_result::failed;
 }
 

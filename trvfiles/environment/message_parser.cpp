@@ -63,9 +63,13 @@ public:
                 skip_line();
             }
         }
-        if (!condition_[level_]) report_fatal_at(line_number_, "'/if' without '/endif'");
-        if (level_ > 0) report_fatal_at(-1, "'/if' without '/endif' at end of file.");
-        if (aborted_) report_fatal_at(0, "Error loading file.");
+        if (!condition_[level_]) {
+            report(fault_kind::unclosed_condition, line_number_, "'/if' without '/endif'");
+        }
+        if (level_ > 0) {
+            report(fault_kind::unclosed_condition, -1, "'/if' without '/endif' at end of file.");
+        }
+        if (aborted_) report(fault_kind::not_loaded, 0, "Error loading file.");
         return !aborted_;
     }
 
@@ -126,7 +130,7 @@ private:
     void open_condition(const std::string& line) {
         if (level_ == max_open_conditions) {
             // The "%s" is part of the text, which hosts compare.
-            report_fatal_at(line_number_, "too many nested conditions: %s");
+            report(fault_kind::too_many_conditions, line_number_, "too many nested conditions: %s");
             aborted_ = true;
             return;
         }
@@ -143,10 +147,11 @@ private:
                 break;
             case condition_result::undefined:
                 report(fault_kind::unknown_variable, line_number_,
-                       "unknown variable : '" + line + "'");
+                       "unknown variable : '" + line + "'", line);
                 break;
             case condition_result::invalid:
-                report_fatal_at(line_number_, "invalid condition: " + line);
+                report(fault_kind::invalid_condition, line_number_, "invalid condition: " + line,
+                       line);
                 break;
         }
         return false;
@@ -154,7 +159,7 @@ private:
 
     void turn_condition() {
         if (level_ == 0) {
-            report_fatal_at(line_number_, "'/else' without '/if'");
+            report(fault_kind::else_without_if, line_number_, "'/else' without '/if'");
             return;
         }
         condition_[level_] = false;
@@ -162,7 +167,7 @@ private:
 
     void close_condition() {
         if (level_ == 0) {
-            report_fatal_at(line_number_, "'/endif' without '/if'");
+            report(fault_kind::endif_without_if, line_number_, "'/endif' without '/if'");
             return;
         }
         --level_;
@@ -170,8 +175,8 @@ private:
 
     void refuse_keyword(std::string_view keyword) {
         const std::string text = "Unknown keyword : '/" + std::string(keyword) + "'";
-        for (int report = 0; report < max_keyword_reports; ++report)
-            report_fatal_at(line_number_, text);
+        for (int i = 0; i < max_keyword_reports; ++i)
+            report(fault_kind::unknown_keyword, line_number_, text, keyword);
         aborted_ = true;
     }
 
@@ -192,10 +197,8 @@ private:
         }
     }
 
-    void report_fatal_at(int line, std::string_view text) { report(fault_kind::fatal, line, text); }
-
-    void report(fault_kind kind, int line, std::string_view text) {
-        current_observer().fault_found({kind, file_name_, line, text});
+    void report(fault_kind kind, int line, std::string_view text, std::string_view subject = {}) {
+        current_observer().fault_found({kind, file_name_, line, text, subject});
     }
 
     message_store* store_;

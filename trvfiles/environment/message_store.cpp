@@ -144,7 +144,7 @@ int refuse_parameter(const message_store& store, const store_section& section,
     // The observer may add to the store, which moves the name.
     const std::string file = store.texts.at(origin.file);
     current_observer().fault_found({fault_kind::missing_equals, file, origin.line,
-                                    "incorrect format (missing '='): " + place});
+                                    "incorrect format (missing '='): " + place, text});
     return 0;
 }
 

@@ -103,8 +103,7 @@ std::string event_text(const fault_event& event) {
         case fault_kind::missing_equals:
             return "load_messages: [file '" + file + "' line " + line + "] Warning - " + text +
                    '\n';
-        case fault_kind::fatal:
-        case fault_kind::line_too_long:
+        default:
             break;
     }
     return "load_messages: file '" + file + "', line " + line + " : " + text;

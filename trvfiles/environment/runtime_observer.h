@@ -81,9 +81,21 @@ struct candidate_event {
     bool is_found;
 };
 
-/// What is wrong with a message file. `fatal` covers all faults that abort the parse or break the
+/// What is wrong with a message file. Those before `line_too_long` abort the parse or break the
 /// rules of the file; the others are warnings.
-enum class fault_kind { fatal, line_too_long, unknown_variable, missing_equals };
+enum class fault_kind {
+    not_opened,
+    not_loaded,
+    unclosed_condition,
+    too_many_conditions,
+    invalid_condition,
+    else_without_if,
+    endif_without_if,
+    unknown_keyword,
+    line_too_long,
+    unknown_variable,
+    missing_equals
+};
 
 /// A fault in a message file.
 struct fault_event {
@@ -93,8 +105,10 @@ struct fault_event {
     int line;
     /// Without a newline at its end.
     std::string_view text;
+    /// What the text quotes: a condition, a keyword, or an entry; empty for the others.
+    std::string_view subject = {};
 
-    bool is_fatal() const { return kind == fault_kind::fatal; }
+    bool is_fatal() const { return kind < fault_kind::line_too_long; }
 };
 
 /// Receives the events. Each function does nothing unless it is overridden. The runtime never

@@ -4,6 +4,7 @@
 #include <trvfiles/machine_context/CMachineContextIO.h>
 #include <trvfiles/machine_context/CSectionedFile.h>
 #include <trvfiles/machine_context/context_fields.h>
+#include <trvfiles/machine_context/unknown_names.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/number_text.h>
 #include <trvfiles/text/open_file.h>
@@ -44,6 +45,7 @@ public:
                 noteOtherCase(field);
             }
         }
+        if (fault_ != nullptr) trv::addUnknownNames(file_, fault_->notes);
         return eFileIOSuccess;
     }
 
@@ -53,13 +55,15 @@ private:
         if (fault_ == nullptr || section_->lineCount() != 0 || !trv::isAlwaysWritten(name)) return;
         const bool hasHeader = section_->headerLine() >= 0;
         // Without a header of the name, one that differs in case may be meant.
-        const int line =
-            hasHeader ? section_->headerLine() : file_.section(name, false).headerLine();
+        const CSectionedFile::Section& found = hasHeader ? *section_ : file_.section(name, false);
+        const int line = found.headerLine();
         const char* const what = hasHeader   ? "] has no lines"
                                  : line >= 0 ? "] is missing: the name is in another case here"
                                              : "] is missing";
-        fault_->notes.push_back(
-            {Kind::missingSection, line + 1, 0, name, std::string("section [") + name + what});
+        CFileFault::Note note{Kind::missingSection, line + 1, 0, name,
+                              std::string("section [") + name + what};
+        if (line >= 0) note.value = trv::fromNarrow(file_.nameOf(found)).toStdString();
+        fault_->notes.push_back(std::move(note));
     }
 
     void noteOtherCase(const ContextField& field) {
@@ -67,8 +71,11 @@ private:
             return;
         }
         const std::string name = field.name();
-        fault_->notes.push_back({Kind::unknownName, section_->headerLine() + 1 + line_ + 1, 0, name,
-                                 name + " is not read: its key is in another case here"});
+        CFileFault::Note note{Kind::unknownName, section_->headerLine() + 1 + line_ + 1, 0, name,
+                              name + " is not read: its key is in another case here"};
+        note.parent = field.section;
+        note.expected = field.key;
+        fault_->notes.push_back(std::move(note));
     }
 
     void take(const ContextField& field) {
@@ -99,17 +106,20 @@ private:
         // headerLine() counts from 0, and line_ counts from the line after the header.
         const std::string value = trv::fromNarrow(value_).toStdString();
         const bool isNumber = kind == Kind::notANumber;
-        fault_->notes.push_back(
-            {kind, section_->headerLine() + 1 + line_ + 1, 0, name,
-             name + what + (isNumber ? trv::quoted_number(value) : trv::quoted_beginning(value)) +
-                 consequence});
+        CFileFault::Note note{
+            kind, section_->headerLine() + 1 + line_ + 1, 0, name,
+            name + what + (isNumber ? trv::quoted_number(value) : trv::quoted_beginning(value)) +
+                consequence};
+        note.value = value;
+        fault_->notes.push_back(std::move(note));
     }
 
     EFileIOStatus miss(const ContextField& field) {
         if (fault_ != nullptr) {
             trv::set_fault(
-                fault_, std::string("section [") + field.section + "] has no \"" + field.key + '"',
-                section_->headerLine() + 1);
+                fault_, CFileFault::Cause::missingKey,
+                std::string("section [") + field.section + "] has no \"" + field.key + '"',
+                section_->headerLine() + 1, 0, field.name());
         }
         return eFileIOContentError;
     }
@@ -162,7 +172,8 @@ EFileIOStatus CMachineContextIO::writeFields(const CMachineContextData& data, CF
         if (!writeSection(first, last, data)) status = withoutStorage(section);
         first = last;
     }
-    if (status != eFileIOSuccess) trv::set_fault(fault, "no storage is left for the record");
+    if (status != eFileIOSuccess)
+        trv::set_fault(fault, CFileFault::Cause::noStorage, "no storage is left for the record");
     return status;
 }
 
@@ -197,14 +208,15 @@ bool CMachineContextIO::writeText(int section, const char* key, std::string valu
 
 EFileIOStatus CMachineContextIO::saveFile(trv::file_replacement* held, CFileFault* fault) {
     if (!trv::isOpenable(path_)) {
-        trv::set_fault(fault, "not a valid file name");
+        trv::set_fault(fault, CFileFault::Cause::fileName, "not a valid file name");
         return eFileIOOpenError;
     }
     std::string path;
     if (!trv::runtimePath(path_, path)) {
         // Saving uses narrow names. The nearest name in the code page would name another file.
         trv::report_not_opened(trv::own_temporary_name(trv::toNarrow(path_)));
-        trv::set_fault(fault, "the local code page lacks a character of the file name");
+        trv::set_fault(fault, CFileFault::Cause::fileName,
+                       "the local code page lacks a character of the file name");
         return eFileIOOpenError;
     }
     std::optional<trv::file_replacement> own;

@@ -37,7 +37,7 @@ Iterator find(Iterator first, Iterator last, std::string_view name, bool caseSen
 }
 
 int failTooLong(CFileFault* fault) {
-    trv::set_fault(fault, "the file is longer than 256 MiB");
+    trv::set_fault(fault, CFileFault::Cause::tooLong, "the file is longer than 256 MiB");
     return -1;
 }
 
@@ -47,7 +47,7 @@ int CSectionedFile::parse(std::istream& stream, CFileFault* fault) {
     clear();
     trv::clear_fault(fault);
     if (!stream.good()) {
-        trv::set_fault(fault, "the stream cannot be read");
+        trv::set_fault(fault, CFileFault::Cause::noStorage, "the stream cannot be read");
         return -1;
     }
     std::string text;
@@ -261,6 +261,26 @@ std::string_view CSectionedFile::textFrom(const Section& section) const {
     if (section.headerLine_ < 0) return text.substr(hasUtf8Signature_ ? utf8Signature.size() : 0);
     const std::size_t headerEnd = text.find('\n', section.name_.start + section.name_.length);
     return headerEnd == std::string_view::npos ? std::string_view() : text.substr(headerEnd + 1);
+}
+
+std::vector<CSectionedFile::Name> CSectionedFile::sectionNames() const {
+    std::vector<Name> names;
+    for (const Section& section : sections_)
+        names.push_back({section.name_.in(content_->text.data()), section.headerLine_});
+    return names;
+}
+
+std::string CSectionedFile::nameOf(const Section& section) const {
+    return std::string(section.name_.in(content_->text.data()));
+}
+
+std::vector<CSectionedFile::Name> CSectionedFile::keyNames(const Section& section) const {
+    std::vector<Name> names;
+    for (std::uint32_t i = 0; i < section.keyCount_; ++i) {
+        const KeyLine& line = content_->keys[section.firstKey_ + i];
+        names.push_back({line.key.in(content_->text.data()), section.headerLine_ + 1 + line.index});
+    }
+    return names;
 }
 
 void CSectionedFile::dump(std::ostream& stream) const {

@@ -101,6 +101,21 @@ public:
     bool value(const std::string& sectionName, bool sectionCaseSensitive, const std::string& key,
                bool keyCaseSensitive, std::string& value, int* lineNumber = nullptr) const;
 
+    /// A name and its line in the file, counted from 0; valid until the next parse.
+    struct Name {
+        std::string_view text;
+        int line;
+    };
+
+    /// The names of the sections in byte order; of the lines above the first header the line is -1.
+    std::vector<Name> sectionNames() const;
+
+    /// The name of a section of this object.
+    std::string nameOf(const Section& section) const;
+
+    /// The names of the keys of a section of this object in byte order.
+    std::vector<Name> keyNames(const Section& section) const;
+
     /// Writes every section with its lines and its keys, in byte order of their names.
     void dump(std::ostream& stream) const;
 

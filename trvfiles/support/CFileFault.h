@@ -34,20 +34,23 @@ struct CFileFault {
             notAFlag,
             /// A section that each written machine context has is missing, or has no lines.
             /// `subject` is its name. The line is that of its header, or of a header whose name
-            /// differs in case only.
+            /// differs in case only; `value` is the name in that header.
             missingSection,
             /// Bytes that are not text are replaced or dropped. `subject` is the section and the
             /// key; it is empty in an assembly, which has one note for the first of these bytes.
+            /// Its `count` is how many replacements there are.
             notText,
             /// An element or an attribute of an assembly that the format does not define is
-            /// ignored. `subject` is its name. In a machine context, a key that differs from a
-            /// known one in case only; `subject` is the section and the known key.
+            /// ignored. `subject` is its name, `parent` the element that has it. In a machine
+            /// context, a section or a key; `subject` is the section, or the section and the key
+            /// with the section as `parent`.
+            /// `expected` is the known name if it differs in case only.
             unknownName,
             /// An element of an assembly that counts once only occurs again and is ignored.
-            /// `subject` is its name.
+            /// `subject` is its name, `parent` the element that has it.
             repeated,
             /// Components of an assembly beside a "File" are ignored. `subject` is the name of the
-            /// component that has the file; the place is that of the "File".
+            /// component that has the file, `count` their number; the place is that of the "File".
             hiddenByFile,
             /// The matrix of an axis file has three rows before the next block, whose first row is
             /// read as the fourth. `subject` is empty, as for all notes on an axis file.
@@ -59,6 +62,17 @@ struct CFileFault {
             notOrthonormal,
             /// A line of tags in an axis file is not line 10 and is ignored.
             misplacedTags,
+            /// The axes of an axis file do not span space. They are read as zeros.
+            singular,
+            /// An attribute occurs several times in one element of an assembly; the last one
+            /// counts. `subject` is the element, `count` how often.
+            repeatedAttribute,
+            /// A text between the elements of an assembly is ignored. `parent` is the element that
+            /// has it, `value` its beginning. The place is that of its end.
+            ignoredText,
+            /// A reference to a character beyond U+FFFF in an attribute of an assembly is read as
+            /// the character of its lower 16 bits. `subject` is the element, `value` the reference.
+            cutReference,
         };
 
         Kind kind = Kind::notText;
@@ -73,8 +87,55 @@ struct CFileFault {
         /// The attribute of the element of an assembly to which the note refers; empty if it refers
         /// to the whole element, and in other files.
         std::string attribute = {};
+        /// What the file has, if the note is about a value.
+        std::string value = {};
+        // Empty or 0 unless the kind says what they are.
+        std::string parent = {};
+        std::string expected = {};
+        int count = 0;
     };
 
+    /// Why a call has failed, for programs. Later versions may add values.
+    enum class Cause {
+        /// The call has not failed.
+        none,
+        /// The system has failed; `systemError` says how.
+        system,
+        /// The name is not one of a file, or the local code page lacks one of its characters.
+        fileName,
+        /// The file is longer than the format allows.
+        tooLong,
+        /// There is no storage for what is to be written, or a stream is bad from the start.
+        noStorage,
+        /// An assembly is not well-formed XML.
+        notWellFormed,
+        /// An assembly nests too many elements.
+        tooDeep,
+        /// An assembly declares an entity.
+        entityDeclared,
+        /// An assembly has a character that XML does not allow. `subject` is its number: "U+0001".
+        invalidCharacter,
+        /// The encoding of an assembly is unknown.
+        unknownEncoding,
+        /// The root element of an assembly is another one. `subject` is its name.
+        wrongRoot,
+        /// The version of an assembly is not an integer. `subject` is what it is.
+        wrongVersion,
+        /// The root element of an assembly lacks an element. `subject` is the name of that.
+        missingElement,
+        /// The "Orientation" of the root component is not complete.
+        incompleteOrientation,
+        /// A component cannot be written. `subject` is its name.
+        notWritable,
+        /// A line of an axis file does not have four numbers.
+        missingNumbers,
+        /// A section of a machine context lacks a key. `subject` is the section and the key.
+        missingKey,
+    };
+
+    Cause cause = Cause::none;
+    /// What the cause is about, in UTF-8; empty unless the cause says what it is.
+    std::string subject;
     /// Why the call has failed; empty if it has not.
     std::string reason;
     /// The line of the file to which the reason refers, counted from 1; 0 if it is not known.

@@ -31,8 +31,11 @@ void clear_fault(CFileFault* fault) {
     if (fault != nullptr) *fault = {};
 }
 
-void set_fault(CFileFault* fault, std::string_view reason, int line, int column) {
+void set_fault(CFileFault* fault, CFileFault::Cause cause, std::string_view reason, int line,
+               int column, std::string_view subject) {
     if (fault == nullptr) return;
+    fault->cause = cause;
+    fault->subject = subject;
     fault->reason = reason;
     fault->line = line;
     fault->column = column;
@@ -41,7 +44,7 @@ void set_fault(CFileFault* fault, std::string_view reason, int line, int column)
 
 void set_system_fault(CFileFault* fault, int error) {
     if (fault == nullptr) return;
-    set_fault(fault, std::generic_category().message(error));
+    set_fault(fault, CFileFault::Cause::system, std::generic_category().message(error));
     fault->systemError = error;
 }
 

@@ -18,8 +18,10 @@ void clear_fault(CFileFault* fault);
 
 /// Stores the reason of a failure and its place. The notes stay.
 ///
-/// @param reason  a constant text if possible: without a `fault` it then costs nothing
-void set_fault(CFileFault* fault, std::string_view reason, int line = 0, int column = 0);
+/// @param reason   a constant text if possible: without a `fault` it then costs nothing
+/// @param subject  what the cause is about
+void set_fault(CFileFault* fault, CFileFault::Cause cause, std::string_view reason, int line = 0,
+               int column = 0, std::string_view subject = {});
 
 /// Stores a failure of the system and the system's words for it.
 ///

@@ -31,7 +31,9 @@ void setOpenFault(CFileFault* fault, const QString& path) {
     if (fault == nullptr) return;
     const int error = errno;
     set_system_fault(fault, error);
-    if (!isOpenable(path)) fault->reason = "not a valid file name";
+    if (isOpenable(path)) return;
+    fault->cause = CFileFault::Cause::fileName;
+    fault->reason = "not a valid file name";
 }
 
 // On Windows, and for a resource, Qt opens a file by its name. On POSIX it would apply the codec
@@ -84,7 +86,7 @@ bool openForRead(const QString& path, platform::file_handle& handle, QFile& file
     const QString reason = file.errorString();
     const bool isAnswered = !isResource(nativePath(path)) &&
                             openForRead(path, platform::file_mode::binary, fault) == nullptr;
-    if (!isAnswered) set_fault(fault, reason.toStdString());
+    if (!isAnswered) set_fault(fault, CFileFault::Cause::system, reason.toStdString());
     return false;
 }
 
@@ -102,7 +104,7 @@ bool openForWrite(const QString& path, platform::file_handle& handle, QFile& fil
     file.setFileName(nativePath(path));
     if (file.open(mode) || fault == nullptr) return file.isOpen();
     // The system is not asked again for its number: that would truncate a file that it opens.
-    set_fault(fault, file.errorString().toStdString());
+    set_fault(fault, CFileFault::Cause::system, file.errorString().toStdString());
     return false;
 }
 

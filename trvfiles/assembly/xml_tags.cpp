@@ -1,11 +1,11 @@
-#include <cli/xml_tags.h>
 #include <trvfiles/assembly/plain_syntax.h>
+#include <trvfiles/assembly/xml_tags.h>
 
 #include <string>
 #include <string_view>
 #include <utility>
 
-namespace trv::cli {
+namespace trv {
 namespace {
 
 bool isWhite(QChar c) {
@@ -53,8 +53,29 @@ bool parseAttribute(const QString& text, int& at, XmlAttribute& attribute) {
     return true;
 }
 
-// @param begin  where "<" is
-// @return false if the tag is not complete
+// The end of a document type, whose declarations are in brackets.
+int afterDocumentType(const QString& text, int from) {
+    int depth = 0;
+    for (int i = from; i < text.size(); ++i) {
+        if (isAt(text, i, '"') || isAt(text, i, '\'')) {
+            i = text.indexOf(text.at(i), i + 1);
+            if (i < 0) return -1;
+        }
+        if (isAt(text, i, '[')) ++depth;
+        if (isAt(text, i, ']')) --depth;
+        if (isAt(text, i, '>') && depth <= 0) return i + 1;
+    }
+    return -1;
+}
+
+int after(const QString& text, const char* end, int from) {
+    const QLatin1String part(end);
+    const int found = text.indexOf(part, from);
+    return found < 0 ? -1 : found + part.size();
+}
+
+}  // namespace
+
 bool parseTag(const QString& text, int begin, XmlTag& tag) {
     tag = {};
     tag.begin = begin;
@@ -78,29 +99,6 @@ bool parseTag(const QString& text, int begin, XmlTag& tag) {
     tag.after = at + 1;
     return isAt(text, at, '>') && !tag.name.isEmpty();
 }
-
-// The end of a document type, whose declarations are in brackets.
-int afterDocumentType(const QString& text, int from) {
-    int depth = 0;
-    for (int i = from; i < text.size(); ++i) {
-        if (isAt(text, i, '"') || isAt(text, i, '\'')) {
-            i = text.indexOf(text.at(i), i + 1);
-            if (i < 0) return -1;
-        }
-        if (isAt(text, i, '[')) ++depth;
-        if (isAt(text, i, ']')) --depth;
-        if (isAt(text, i, '>') && depth <= 0) return i + 1;
-    }
-    return -1;
-}
-
-int after(const QString& text, const char* end, int from) {
-    const QLatin1String part(end);
-    const int found = text.indexOf(part, from);
-    return found < 0 ? -1 : found + part.size();
-}
-
-}  // namespace
 
 // Skips what begins with "<!" or "<?" at the position.
 //
@@ -164,4 +162,4 @@ QString valueOf(const XmlAttribute& attribute) {
     return QString::fromUtf8(value.data(), static_cast<int>(value.size()));
 }
 
-}  // namespace trv::cli
+}  // namespace trv

@@ -1,10 +1,10 @@
-#include <cli/xml_tags.h>
+#include <trvfiles/assembly/xml_tags.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-namespace trv::cli {
+namespace trv {
 namespace {
 
 // The tags as "NAME@BEGIN", an end tag with "/" before its name, an empty one with "/" after it.
@@ -85,4 +85,4 @@ TEST(XmlTags, ResolveTheReferencesOfAValue) {
 }
 
 }  // namespace
-}  // namespace trv::cli
+}  // namespace trv

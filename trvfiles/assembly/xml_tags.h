@@ -8,7 +8,7 @@
 
 #include <vector>
 
-namespace trv::cli {
+namespace trv {
 
 struct XmlAttribute {
     QString name;
@@ -30,6 +30,12 @@ struct XmlTag {
     int after = 0;
     std::vector<XmlAttribute> attributes;
 };
+
+/// Reads the tag whose "<" is at `begin`.
+///
+/// @param tag  incomplete after a failure
+/// @return false if the tag is not complete
+bool parseTag(const QString& text, int begin, XmlTag& tag);
 
 /// Walks from tag to tag. Comments, CDATA sections, instructions and a document type are skipped.
 class XmlTags {
@@ -58,4 +64,4 @@ XmlTag unclosedTag(const QString& text);
 /// document.
 QString valueOf(const XmlAttribute& attribute);
 
-}  // namespace trv::cli
+}  // namespace trv
