@@ -110,6 +110,8 @@ TEST(PublicRuntime, HasTheExpansion) {
 TEST(PublicRuntime, HasTheLoader) {
     exists<int(message_store*, VCL8BLineSource&, const char*, section_callback, entry_callback)>(
         load_messages);
+    exists<int(message_store*, VCL8BLineSource&, const char*, context_section_callback,
+               context_entry_callback, void*)>(load_messages);
     exists<message_store*(message_store*, const char*)>(load_message_file);
     exists<message_store*(message_store*, const char*, const char*)>(overload_files);
     exists<int(message_store*, const char*, const char*)>(load_config_list);

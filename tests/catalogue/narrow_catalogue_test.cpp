@@ -60,7 +60,7 @@ TEST(NarrowCatalogue, CreatesAContextOfAMachine) {
     std::string reference;
     EXPECT_TRUE(Utils::sCreateMachineContextNarrow(directory.text(), "\xC3\xA4.mac", "\xC3\xB6.dat",
                                                    "", &context, &reference));
-    EXPECT_EQ(context, "\xC3\xA4[\xC3\xB6].mctx");
+    EXPECT_EQ(context, "\xC3\xA4[\xC3\xB6.dat].mctx");
     EXPECT_TRUE(fs::exists(directory / context));
     EXPECT_EQ(bytesOf(directory / reference), "axis");
     reference = "old";

@@ -161,6 +161,6 @@ public:
 
 protected:
     CTrvAssemblyNode() = default;
-    CTrvAssemblyNode(CTrvAssemblyNode&&) noexcept {}
+    CTrvAssemblyNode(CTrvAssemblyNode&&) noexcept = default;
     ~CTrvAssemblyNode() = default;
 };
