@@ -128,10 +128,8 @@ public:
         Node& parent_;
     };
 
-    Children<const CTrvAssemblyNode> children() const {
-        return Children<const CTrvAssemblyNode>(*this);
-    }
-    Children<CTrvAssemblyNode> children() { return Children<CTrvAssemblyNode>(*this); }
+    Children<const CTrvAssemblyNode> children() const;
+    Children<CTrvAssemblyNode> children();
 
     /// How a walk continues after a component.
     enum class Visit {
