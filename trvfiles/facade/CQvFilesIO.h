@@ -52,10 +52,10 @@ class CTrvAssemblyData;
 ///
 /// Threads: instances may be used on several threads at once, each with its own records. The
 /// exception is writing machine contexts, also to memory, which runs on one thread at a time with
-/// the whole runtime.
-/// Each call of an assembly member makes QDomImplementation::ReturnNullNode Qt's process-wide
-/// policy for invalid XML data and leaves it so. It writes the policy only when it is another one:
-/// calls at the same time do not race, but a host that sets another policy at the same time does.
+/// the whole runtime. Each call of an assembly member makes QDomImplementation::ReturnNullNode Qt's
+/// process-wide policy for invalid XML data and leaves it so. It writes the policy only when it is
+/// another one: calls at the same time do not race, but a host that sets another policy at the same
+/// time does.
 ///
 /// Lifetime: assemblies can be read and written until the process ends, also in handlers of
 /// atexit() and in destructors of static objects. From the moment at which Qt destroys its text
