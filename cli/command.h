@@ -64,6 +64,7 @@ using CommandGroup = std::vector<Command>;
 // One function for each file of subcommands; command_table.cpp lists them.
 CommandGroup showCommand();
 CommandGroup checkCommand();
+CommandGroup viewCommand();
 CommandGroup assemblyCommands();
 CommandGroup axisCommands();
 CommandGroup contextCommands();

@@ -7,6 +7,7 @@ CommandGroup allCommands() {
     for (const CommandGroup& group : {
              showCommand(),
              checkCommand(),
+             viewCommand(),
              assemblyCommands(),
              axisCommands(),
              contextCommands(),

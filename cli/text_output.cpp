@@ -1,8 +1,10 @@
+#include <cli/base64.h>
 #include <cli/text_escapes.h>
 #include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
 
 #include <QJsonDocument>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -109,8 +111,7 @@ void JsonWriter::addAll(const QJsonObject& object) {
 
 void JsonWriter::addText(const char* key, const std::string& narrow) {
     beginMember(key);
-    if (!isPlain(narrow, '"')) return appendJsonString(out_.text(), fromNarrow(narrow));
-    out_.text().append(1, '"').append(narrow).append(1, '"');
+    appendText(narrow);
 }
 
 void JsonWriter::addUtf8(const char* key, const std::string& text) {
@@ -144,6 +145,32 @@ void JsonWriter::addNumbers(const char* key, const double* values, int count) {
     out_.text() += ']';
 }
 
+void JsonWriter::beginBase64(const char* key) {
+    beginMember(key);
+    out_.text() += '"';
+}
+
+void JsonWriter::addBase64(const double* numbers, std::size_t count) {
+    constexpr std::size_t blockLength = 12;
+    char bytes[blockLength * sizeof(double)];
+    for (std::size_t first = 0; first < count; first += blockLength) {
+        const std::size_t length = std::min(blockLength, count - first);
+        qToLittleEndian<double>(numbers + first, static_cast<qsizetype>(length), bytes);
+        appendBase64(out_.text(), {bytes, length * sizeof(double)});
+    }
+    out_.endPiece();
+}
+
+void JsonWriter::endBase64() {
+    out_.text() += '"';
+}
+
+void JsonWriter::beginObject(const char* key) {
+    beginMember(key);
+    out_.text() += '{';
+    isFirst_ = true;
+}
+
 void JsonWriter::beginArray(const char* key) {
     beginMember(key);
     out_.text() += '[';
@@ -153,6 +180,16 @@ void JsonWriter::beginArray(const char* key) {
 void JsonWriter::addElement(const QJsonValue& value) {
     separate();
     appendUtf8(out_.text(), jsonText(value));
+}
+
+void JsonWriter::addTextElement(const std::string& narrow) {
+    separate();
+    appendText(narrow);
+}
+
+void JsonWriter::addIntegerElement(long long value) {
+    separate();
+    appendInteger(out_.text(), value);
 }
 
 void JsonWriter::beginObject() {
@@ -174,6 +211,11 @@ void JsonWriter::endArray() {
 void JsonWriter::end() {
     out_.text() += "}\n";
     out_.flush();
+}
+
+void JsonWriter::appendText(const std::string& narrow) {
+    if (!isPlain(narrow, '"')) return appendJsonString(out_.text(), fromNarrow(narrow));
+    out_.text().append(1, '"').append(narrow).append(1, '"');
 }
 
 void JsonWriter::separate() {

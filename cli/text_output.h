@@ -12,6 +12,7 @@
 #include <QJsonValue>
 #include <QString>
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 
@@ -74,10 +75,22 @@ public:
     /// An array of numbers in the form of jsonNumber().
     void addNumbers(const char* key, const double* values, int count);
 
+    /// Starts a text as the next member: the bytes of numbers in base64, each a double with its
+    /// lowest byte first. Calls of addBase64() and then endBase64() follow.
+    void beginBase64(const char* key);
+    /// @param count  of the numbers; a multiple of three
+    void addBase64(const double* numbers, std::size_t count);
+    void endBase64();
+
+    /// Starts an object as the next member. Its members and then endObject() follow.
+    void beginObject(const char* key);
+
     /// Starts an array as the next member. Calls of addElement() or beginObject() and then
     /// endArray() follow.
     void beginArray(const char* key);
     void addElement(const QJsonValue& value);
+    void addTextElement(const std::string& narrow);
+    void addIntegerElement(long long value);
     /// Starts an object as the next element. Its members and then endObject() follow.
     void beginObject();
     void endObject();
@@ -86,6 +99,7 @@ public:
     void end();
 
 private:
+    void appendText(const std::string& narrow);
     void separate();
     void beginMember(const char* key);
 

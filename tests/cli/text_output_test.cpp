@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <vector>
 
 namespace trv::cli {
 namespace {
@@ -274,6 +275,47 @@ TEST(AppendShown, AppendsTheTextOfShown) {
         appendShown(appended, text);
         EXPECT_EQ(appended, "x" + shown(std::string(text)).toStdString());
     }
+}
+
+TEST(JsonWriter, WritesColumns) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.beginObject("columns");
+    json.beginArray("texts");
+    json.addTextElement("a");
+    json.addTextElement("\"\n");
+    json.endArray();
+    json.beginArray("numbers");
+    json.addIntegerElement(-1);
+    json.addIntegerElement(20);
+    json.endArray();
+    json.beginObject("empty");
+    json.endObject();
+    json.beginBase64("none");
+    json.endBase64();
+    json.beginBase64("three");
+    const double numbers[] = {1, -2, 0.1};
+    json.addBase64(numbers, 3);
+    json.endBase64();
+    json.endObject();
+    json.addInteger("last", 3);
+    json.end();
+    EXPECT_EQ(out.str(),
+              "{\"columns\":{\"texts\":[\"a\",\"\\\"\\n\"],\"numbers\":[-1,20],"
+              "\"empty\":{},\"none\":\"\","
+              "\"three\":\"AAAAAAAA8D8AAAAAAAAAwJqZmZmZmbk/\"},\"last\":3}\n");
+}
+
+TEST(JsonWriter, WritesManyNumbersInBase64) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.beginBase64("n");
+    const std::vector<double> zeros(30, 0);
+    for (int i = 0; i < 100; ++i)
+        json.addBase64(zeros.data(), zeros.size());
+    json.endBase64();
+    json.end();
+    EXPECT_EQ(out.str(), "{\"n\":\"" + std::string(32000, 'A') + "\"}\n");
 }
 
 TEST(JsonWriter, WritesAnObjectWithoutMembers) {
