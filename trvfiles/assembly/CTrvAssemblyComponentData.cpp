@@ -13,21 +13,6 @@ namespace {
 
 using trv::ComponentBody;
 
-void setRow(Math::XForm3Gen<double>& form, int row, const double values[3], double last) {
-    for (int column = 0; column < 3; ++column)
-        form(row, column) = values[column];
-    form(row, 3) = last;
-}
-
-Math::XForm3Gen<double> placementOf(const ComponentBody& component) {
-    Math::XForm3Gen<double> form;
-    setRow(form, 0, component.vec1, 0);
-    setRow(form, 1, component.vec2, 0);
-    setRow(form, 2, component.vec3, 0);
-    setRow(form, 3, component.translation, 1);
-    return form;
-}
-
 ComponentBody& own(std::unique_ptr<ComponentBody>& body) {
     if (body == nullptr) body = std::make_unique<ComponentBody>();
     return *body;
