@@ -49,33 +49,7 @@ QString excerpt(const QString& line, int column, int columns) {
 }  // namespace
 
 QString codeOf(Kind kind) {
-    switch (kind) {
-        case Kind::leftOut:
-            return QStringLiteral("leftOut");
-        case Kind::notANumber:
-            return QStringLiteral("notANumber");
-        case Kind::notAFlag:
-            return QStringLiteral("notAFlag");
-        case Kind::missingSection:
-            return QStringLiteral("missingSection");
-        case Kind::notText:
-            return QStringLiteral("notText");
-        case Kind::unknownName:
-            return QStringLiteral("unknownName");
-        case Kind::repeated:
-            return QStringLiteral("repeated");
-        case Kind::hiddenByFile:
-            return QStringLiteral("hiddenByFile");
-        case Kind::missingRow:
-            return QStringLiteral("missingRow");
-        case Kind::notAffine:
-            return QStringLiteral("notAffine");
-        case Kind::notOrthonormal:
-            return QStringLiteral("notOrthonormal");
-        case Kind::misplacedTags:
-            return QStringLiteral("misplacedTags");
-    }
-    return {};
+    return QLatin1String(fileNoteKindName(kind));
 }
 
 void printDiagnostic(const QString& file, const Diagnostic& diagnostic, int columns,

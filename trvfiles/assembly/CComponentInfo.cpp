@@ -1,5 +1,6 @@
 #include <trvfiles/assembly/CComponentInfo.h>
 #include <trvfiles/assembly/record_support.h>
+#include <trvfiles/text/text_conversion.h>
 
 #include <utility>
 
@@ -31,6 +32,18 @@ void CComponentInfo::getOrientation(const double*& vec1, const double*& vec2,
     vec3 = vec3_;
 }
 
+std::array<double, 3> CComponentInfo::getTranslation() const {
+    return trv::arrayOf(translation_);
+}
+
+std::array<std::array<double, 3>, 3> CComponentInfo::getOrientation() const {
+    return {trv::arrayOf(vec1_), trv::arrayOf(vec2_), trv::arrayOf(vec3_)};
+}
+
 std::string CComponentInfo::getFileName() const {
     return fileName_;
+}
+
+std::wstring CComponentInfo::getFileNameW() const {
+    return trv::wideText(fileName_);
 }

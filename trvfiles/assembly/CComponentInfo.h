@@ -5,6 +5,7 @@
 
 #include <trvfiles/export.h>
 
+#include <array>
 #include <string>
 
 /// A geometry file with its final placement: one entry of the list that flattening an assembly
@@ -36,8 +37,13 @@ public:
     /// while the entry lives.
     void getOrientation(const double*& vec1, const double*& vec2, const double*& vec3) const;
 
-    /// A copy of the geometry file's name.
+    /// Copies of the same numbers: the origin, and the images of the x, y and z axes.
+    std::array<double, 3> getTranslation() const;
+    std::array<std::array<double, 3>, 3> getOrientation() const;
+
+    /// A copy of the geometry file's name, narrow as the component stores it, or wide.
     std::string getFileName() const;
+    std::wstring getFileNameW() const;
 
 private:
     double translation_[3] = {0, 0, 0};

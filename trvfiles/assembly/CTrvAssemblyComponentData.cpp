@@ -78,6 +78,12 @@ std::string CTrvAssemblyComponentData::getName() const {
 void CTrvAssemblyComponentData::setName(std::string name) {
     own(body_).name = std::move(name);
 }
+std::wstring CTrvAssemblyComponentData::getNameW() const {
+    return node().getNameW();
+}
+void CTrvAssemblyComponentData::setNameW(const std::wstring& name) {
+    node().setNameW(name);
+}
 
 std::string CTrvAssemblyComponentData::getComment() const {
     return ComponentBody::of(*this).comment;
@@ -85,12 +91,24 @@ std::string CTrvAssemblyComponentData::getComment() const {
 void CTrvAssemblyComponentData::setComment(std::string comment) {
     own(body_).comment = std::move(comment);
 }
+std::wstring CTrvAssemblyComponentData::getCommentW() const {
+    return node().getCommentW();
+}
+void CTrvAssemblyComponentData::setCommentW(const std::wstring& comment) {
+    node().setCommentW(comment);
+}
 
 std::string CTrvAssemblyComponentData::getGeometryFileName() const {
     return ComponentBody::of(*this).geometryFileName;
 }
 void CTrvAssemblyComponentData::setGeometryFileName(std::string fileName) {
     own(body_).geometryFileName = std::move(fileName);
+}
+std::wstring CTrvAssemblyComponentData::getGeometryFileNameW() const {
+    return node().getGeometryFileNameW();
+}
+void CTrvAssemblyComponentData::setGeometryFileNameW(const std::wstring& fileName) {
+    node().setGeometryFileNameW(fileName);
 }
 
 bool CTrvAssemblyComponentData::isEnabled() const {
@@ -106,6 +124,12 @@ void CTrvAssemblyComponentData::getTranslation(double translation[3]) const {
 void CTrvAssemblyComponentData::setTranslation(const double translation[3]) {
     trv::copyVector(translation, own(body_).translation);
 }
+std::array<double, 3> CTrvAssemblyComponentData::getTranslation() const {
+    return node().getTranslation();
+}
+void CTrvAssemblyComponentData::setTranslation(const std::array<double, 3>& translation) {
+    node().setTranslation(translation);
+}
 
 void CTrvAssemblyComponentData::getOrientation(double vec1[3], double vec2[3],
                                                double vec3[3]) const {
@@ -119,6 +143,13 @@ void CTrvAssemblyComponentData::setOrientation(const double vec1[3], const doubl
     trv::copyVector(vec1, body.vec1);
     trv::copyVector(vec2, body.vec2);
     trv::copyVector(vec3, body.vec3);
+}
+std::array<std::array<double, 3>, 3> CTrvAssemblyComponentData::getOrientation() const {
+    return node().getOrientation();
+}
+void CTrvAssemblyComponentData::setOrientation(
+    const std::array<std::array<double, 3>, 3>& vectors) {
+    node().setOrientation(vectors);
 }
 
 std::vector<CTrvAssemblyComponentData> CTrvAssemblyComponentData::getComponents() const {
@@ -139,6 +170,13 @@ void CTrvAssemblyComponentData::setComponents(std::vector<CTrvAssemblyComponentD
         children.push_back(taken == nullptr ? ComponentBody() : std::move(*taken));
     }
     body.components = std::move(children);
+}
+
+const CTrvAssemblyNode& CTrvAssemblyComponentData::node() const {
+    return ComponentBody::of(*this);
+}
+CTrvAssemblyNode& CTrvAssemblyComponentData::node() {
+    return own(body_);
 }
 
 // A component with a file is counted once, and what is below it is not. Flattening, below, does go

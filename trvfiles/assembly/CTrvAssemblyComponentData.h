@@ -4,9 +4,11 @@
 /// One component of an assembly and, with it, the tree below it.
 
 #include <trvfiles/assembly/CComponentInfo.h>
+#include <trvfiles/assembly/CTrvAssemblyNode.h>
 #include <trvfiles/assembly/XForm3Gen.h>
 #include <trvfiles/export.h>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,8 +23,10 @@ struct ComponentBody;
 /// A plain value that owns its children: copying a node copies the whole subtree, destroying it
 /// destroys the subtree. A default-constructed component is enabled, has empty texts, the identity
 /// placement and no children, and so has a moved-from one. Texts are narrow, in the local 8-bit
-/// code page (UTF-8 on Linux). Nothing is normalised or checked: the vectors may have any length
-/// and any angle to each other. nullptr in place of three numbers leaves both sides as they are.
+/// code page (UTF-8 on Linux), and end at their first zero byte in a file and in their wide form.
+/// The wide setters replace characters that the code page lacks. Nothing is normalised or checked:
+/// the vectors may have any length and any angle to each other. nullptr in place of three numbers
+/// leaves both sides as they are.
 ///
 /// No operation recurses: the depth of a tree is limited by memory alone. Running out of it throws
 /// std::bad_alloc; an assignment or a setter that throws leaves the component as it was.
@@ -48,15 +52,21 @@ public:
     /// The display name; the getter returns a copy.
     std::string getName() const;
     void setName(std::string name);
+    std::wstring getNameW() const;
+    void setNameW(const std::wstring& name);
 
     /// Free text; the getter returns a copy.
     std::string getComment() const;
     void setComment(std::string comment);
+    std::wstring getCommentW() const;
+    void setCommentW(const std::wstring& comment);
 
     /// The geometry file of this component as it was set, no directory joined; empty if the
     /// component only groups children.
     std::string getGeometryFileName() const;
     void setGeometryFileName(std::string fileName);
+    std::wstring getGeometryFileNameW() const;
+    void setGeometryFileNameW(const std::wstring& fileName);
 
     /// A component that is not enabled is left out of the flattened list with all that is below it.
     bool isEnabled() const;
@@ -65,15 +75,26 @@ public:
     /// The origin in the parent's frame: three numbers, in the project's length unit, copied.
     void getTranslation(double translation[3]) const;
     void setTranslation(const double translation[3]);
+    std::array<double, 3> getTranslation() const;
+    void setTranslation(const std::array<double, 3>& translation);
 
     /// The images of the x, y and z axes in the parent's frame: three numbers each, copied.
     void getOrientation(double vec1[3], double vec2[3], double vec3[3]) const;
     void setOrientation(const double vec1[3], const double vec2[3], const double vec3[3]);
+    std::array<std::array<double, 3>, 3> getOrientation() const;
+    void setOrientation(const std::array<std::array<double, 3>, 3>& vectors);
 
-    /// The children in order. The getter copies every subtree; the setter takes its argument, so a
-    /// list that is moved in is not copied.
+    /// The children in order. The getter copies every subtree: a loop over its result that sets
+    /// something changes copies, and the component stays as it was. Use node() to edit in place.
+    /// The setter takes its argument, so a list that is moved in is not copied.
     std::vector<CTrvAssemblyComponentData> getComponents() const;
     void setComponents(std::vector<CTrvAssemblyComponentData> components);
+
+    /// This component as the node from which all below it can be read and edited in place. Of a
+    /// component that has only defaults the constant form refers to a node that no later change
+    /// reaches.
+    const CTrvAssemblyNode& node() const;
+    CTrvAssemblyNode& node();
 
     /// How many geometry files are placed below this component: a child with a file counts one and
     /// hides what is below it, a child without one counts what is below it. The component itself

@@ -56,6 +56,14 @@ void CTrvAssemblyData::setDimension(const double dimension[3]) {
     trv::copyVector(dimension, Body::own(*this).dimension);
 }
 
+std::array<double, 3> CTrvAssemblyData::getDimension() const {
+    return trv::arrayOf(Body::of(*this).dimension);
+}
+
+void CTrvAssemblyData::setDimension(const std::array<double, 3>& dimension) {
+    setDimension(dimension.data());
+}
+
 const CTrvAssemblyComponentData& CTrvAssemblyData::getRootComponent() const {
     return Body::of(*this).rootComponent;
 }

@@ -7,6 +7,7 @@
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/export.h>
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -33,11 +34,14 @@ public:
     /// The overall size along x, y and z: three numbers, in the project's length unit, copied.
     void getDimension(double dimension[3]) const;
     void setDimension(const double dimension[3]);
+    std::array<double, 3> getDimension() const;
+    void setDimension(const std::array<double, 3>& dimension);
 
-    /// The root of the tree, to be read or edited in place. The reference is valid while the
-    /// assembly lives and is not moved from; assigning to the assembly, setRootComponent() and
-    /// reading a file into it keep it valid. For a moved-from assembly the constant form refers to
-    /// a default-constructed component, which no later change reaches.
+    /// The root of the tree, to be read or edited in place; its node() gives the components below
+    /// it in their places. The reference is valid while the assembly lives and is not moved from;
+    /// assigning to the assembly, setRootComponent() and reading a file into it keep it valid. For
+    /// a moved-from assembly the constant form refers to a default-constructed component, which no
+    /// later change reaches.
     const CTrvAssemblyComponentData& getRootComponent() const;
     CTrvAssemblyComponentData& getRootComponent();
 

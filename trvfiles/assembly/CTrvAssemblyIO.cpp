@@ -2,13 +2,13 @@
 #include <trvfiles/assembly/assembly_reader.h>
 #include <trvfiles/assembly/assembly_writer.h>
 #include <trvfiles/assembly/block_writer.h>
+#include <trvfiles/assembly/memory_device.h>
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/text/open_file.h>
 
 #include <QFile>
 
 #include <cerrno>
-#include <string_view>
 #include <utility>
 
 CTrvAssemblyIO::CTrvAssemblyIO(QString fileName) : fileName_(std::move(fileName)) {}
@@ -40,4 +40,26 @@ EFileIOStatus CTrvAssemblyIO::write(const CTrvAssemblyData& data, CFileFault* fa
     if (trv::writeAssembly(data, out) && file.flush()) return eFileIOSuccess;
     trv::set_system_fault(fault, errno);
     return eFileIOShortWrite;
+}
+
+EFileIOStatus CTrvAssemblyIO::readBytes(std::string_view bytes, CTrvAssemblyData& data,
+                                        CFileFault* fault) {
+    trv::clear_fault(fault);
+    trv::MemoryDevice device(bytes);
+    int version = 0;
+    return trv::readAnyDocument(device, version, data, fault);
+}
+
+EFileIOStatus CTrvAssemblyIO::writeBytes(std::string& bytes, const CTrvAssemblyData& data,
+                                         CFileFault* fault) {
+    trv::clear_fault(fault);
+    if (!trv::isWritable(data, fault)) return eFileIOContentError;
+    std::string written;
+    trv::BlockWriter out([&written](std::string_view block) {
+        written += block;
+        return true;
+    });
+    static_cast<void>(trv::writeAssembly(data, out));
+    bytes = std::move(written);
+    return eFileIOSuccess;
 }

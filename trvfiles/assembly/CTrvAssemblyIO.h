@@ -7,6 +7,9 @@
 
 #include <QString>
 
+#include <string>
+#include <string_view>
+
 class CTrvAssemblyData;
 struct CFileFault;
 
@@ -33,6 +36,20 @@ public:
     ///
     /// @param fault  takes the reason of a failure
     EFileIOStatus write(const CTrvAssemblyData& data, CFileFault* fault = nullptr);
+
+    /// read() of a file that has these bytes.
+    ///
+    /// @param fault  as for read()
+    static EFileIOStatus readBytes(std::string_view bytes, CTrvAssemblyData& data,
+                                   CFileFault* fault = nullptr);
+
+    /// The bytes that write() gives the file.
+    ///
+    /// @param bytes  written on success only
+    /// @param fault  as for write()
+    /// @return eFileIOSuccess; eFileIOContentError as write()
+    static EFileIOStatus writeBytes(std::string& bytes, const CTrvAssemblyData& data,
+                                    CFileFault* fault = nullptr);
 
 private:
     QString fileName_;

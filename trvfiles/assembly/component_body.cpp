@@ -44,6 +44,12 @@ ComponentBody::~ComponentBody() {
     }
 }
 
+ComponentBody& ComponentBody::operator=(ComponentBody&& other) noexcept {
+    static_cast<ComponentFields&>(*this) = std::move(static_cast<ComponentFields&>(other));
+    components = std::move(other.components);
+    return *this;
+}
+
 const ComponentBody& ComponentBody::of(const CTrvAssemblyComponentData& component) {
     static const NeverDestroyed<ComponentBody> defaults;
     return component.body_ == nullptr ? defaults.get() : *component.body_;

@@ -3,6 +3,7 @@
 /// @file
 /// The fields of a component of an assembly, and how a tree of any depth is copied and freed.
 
+#include <trvfiles/assembly/CTrvAssemblyNode.h>
 #include <trvfiles/assembly/XForm3Gen.h>
 
 #include <string>
@@ -31,11 +32,14 @@ Math::XForm3Gen<double> placementOf(const ComponentFields& component);
 /// it, because the getters of a component copy.
 ///
 /// A tree may be deeper than the stack, so no operation recurses.
-struct ComponentBody : ComponentFields {
+///
+/// Hosts refer to it by its base CTrvAssemblyNode, which has no fields.
+struct ComponentBody : CTrvAssemblyNode, ComponentFields {
     ComponentBody() = default;
     /// A component without children.
     explicit ComponentBody(const ComponentFields& fields) : ComponentFields(fields) {}
     ComponentBody(ComponentBody&&) noexcept = default;
+    ComponentBody& operator=(ComponentBody&& other) noexcept;
     /// Allocates nothing.
     ~ComponentBody();
 

@@ -5,6 +5,7 @@
 /// read until the process ends.
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 namespace trv {
@@ -12,6 +13,11 @@ namespace trv {
 /// Copies three numbers; nullptr on either side leaves everything as it is.
 inline void copyVector(const double* from, double* to) {
     if (from != nullptr && to != nullptr) std::copy_n(from, 3, to);
+}
+
+/// Three numbers as a value.
+inline std::array<double, 3> arrayOf(const double (&vector)[3]) {
+    return {vector[0], vector[1], vector[2]};
 }
 
 /// Holds a default-constructed object as long as the process lives, without allocating memory for

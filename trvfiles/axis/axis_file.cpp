@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstddef>
-#include <string_view>
+#include <type_traits>
 
 namespace trv {
 namespace {
@@ -40,9 +40,20 @@ void appendTransposed(std::string& text, const AxisMatrix& matrix) {
 
 // Holds one line at a time, and only the part of it that counts: memory does not grow with the
 // file.
+//
+// @param Source  what read_line() reads from: a standard stream or a text in memory
+template <class Source>
 class LineReader {
 public:
-    explicit LineReader(std::FILE* file) : file_(file) {}
+    explicit LineReader(Source source) : source_(source) {}
+
+    // The `errno` of the read that has just failed; 0 if none has.
+    int readError() const {
+        if constexpr (std::is_same_v<Source, std::FILE*>) {
+            if (std::ferror(source_) != 0) return errno;
+        }
+        return 0;
+    }
 
     // Sets `line` to the beginning of the next line, without its end; valid until the next call.
     // False at the end of the file, when not even a line end is left.
@@ -68,7 +79,7 @@ private:
     using Buffer = char[examinedLineLength + 1];
 
     std::size_t read(Buffer& buffer) {
-        const std::size_t length = read_line(file_, buffer, examinedLineLength);
+        const std::size_t length = read_line(source_, buffer, examinedLineLength);
         read_ += length;
         return length;
     }
@@ -82,7 +93,7 @@ private:
         }
     }
 
-    std::FILE* file_;
+    Source source_;
     Buffer line_ = "";
     std::size_t read_ = 0;
 };
@@ -94,7 +105,8 @@ bool scanFourNumbers(std::string_view line, double* numbers) {
     return true;
 }
 
-bool readFourNumbers(LineReader& lines, AxisMatrix& matrix, std::size_t row) {
+template <class Source>
+bool readFourNumbers(LineReader<Source>& lines, AxisMatrix& matrix, std::size_t row) {
     std::string_view line;
     return lines.next(line) && scanFourNumbers(line, &matrix[4 * row]);
 }
@@ -173,6 +185,37 @@ AxisMatrix matrixFromLines(const AxisMatrix& lines) {
     return matrix;
 }
 
+void setLineFault(CFileFault* fault, int line, int readError) {
+    if (fault == nullptr) return;
+    if (readError != 0) {
+        set_system_fault(fault, readError);
+        fault->line = line;
+    } else {
+        set_fault(fault, "four numbers are expected", line);
+    }
+}
+
+template <class Source>
+bool readLines(LineReader<Source> lines, AxisContent& content, CFileFault* fault) {
+    // The numbers say whether the placement moves anything; the flag on line 1 does not count.
+    lines.skip();
+    AxisMatrix read = {};
+    for (int row = 0; row < 4; ++row) {
+        if (readFourNumbers(lines, read, static_cast<std::size_t>(row))) continue;
+        setLineFault(fault, firstMatrixLine + row, lines.readError());
+        return false;
+    }
+    content.matrix = matrixFromLines(read);
+    SkippedLines skipped;
+    std::string_view line;
+    for (int number = lastMatrixLine + 1; number <= lastInverseLine && lines.next(line); ++number) {
+        if (fault != nullptr) skipped.take(line, number);
+    }
+    content.tagCount = lines.next(line) ? readTags(line, content.tags) : 0;
+    if (fault != nullptr) addNotes(*fault, read, content.matrix, skipped);
+    return true;
+}
+
 }  // namespace
 
 AxisMatrix affineInverse(const AxisMatrix& x) {
@@ -241,29 +284,7 @@ bool isOrthonormal(const AxisMatrix& m) {
 }
 
 bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault) {
-    LineReader lines(file);
-    // The numbers say whether the placement moves anything; the flag on line 1 does not count.
-    lines.skip();
-    AxisMatrix read = {};
-    for (int row = 0; row < 4; ++row) {
-        if (readFourNumbers(lines, read, static_cast<std::size_t>(row))) continue;
-        const int error = std::ferror(file) != 0 ? errno : 0;
-        set_fault(fault, "four numbers are expected", firstMatrixLine + row);
-        if (fault != nullptr && error != 0) {
-            set_system_fault(fault, error);
-            fault->line = firstMatrixLine + row;
-        }
-        return false;
-    }
-    content.matrix = matrixFromLines(read);
-    SkippedLines skipped;
-    std::string_view line;
-    for (int number = lastMatrixLine + 1; number <= lastInverseLine && lines.next(line); ++number) {
-        if (fault != nullptr) skipped.take(line, number);
-    }
-    content.tagCount = lines.next(line) ? readTags(line, content.tags) : 0;
-    if (fault != nullptr) addNotes(*fault, read, content.matrix, skipped);
-    return true;
+    return readLines(LineReader<std::FILE*>(file), content, fault);
 }
 
 EFileIOStatus readAxisFile(const QString& path, AxisContent& content, CFileFault* fault) {
@@ -274,6 +295,12 @@ EFileIOStatus readAxisFile(const QString& path, AxisContent& content, CFileFault
     if (file == nullptr) return eFileIOOpenError;
     static_cast<void>(std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer));
     return readAxisText(file.get(), content, fault) ? eFileIOSuccess : eFileIOContentError;
+}
+
+EFileIOStatus readAxisBytes(std::string_view bytes, AxisContent& content, CFileFault* fault) {
+    clear_fault(fault);
+    const LineReader<std::string_view> lines(bytes);
+    return readLines(lines, content, fault) ? eFileIOSuccess : eFileIOContentError;
 }
 
 EFileIOStatus writeAxisFile(const QString& path, const std::string& text, CFileFault* fault) {

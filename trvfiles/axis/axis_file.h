@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 struct CFileFault;
 
@@ -66,6 +67,12 @@ bool readAxisText(std::FILE* file, AxisContent& content, CFileFault* fault = nul
 /// @return eFileIOSuccess; eFileIOOpenError if the file cannot be opened; eFileIOContentError as
 ///         readAxisText() says
 EFileIOStatus readAxisFile(const QString& path, AxisContent& content, CFileFault* fault = nullptr);
+
+/// Reads an axis file that has these bytes.
+///
+/// @return eFileIOSuccess; eFileIOContentError as readAxisText() says
+EFileIOStatus readAxisBytes(std::string_view bytes, AxisContent& content,
+                            CFileFault* fault = nullptr);
 
 /// Writes a text over an axis file.
 ///

@@ -27,10 +27,10 @@ public:
     const std::string& message() const { return message_; }
 
 private:
-    static void take(const char* message);
+    static void pass(const char* message, void* watch);
+    void take(const char* message);
 
-    message_handler earlierHandler_;
-    FatalWatch* earlierWatch_;
+    channel_handler earlier_;
     bool hasReport_ = false;
     std::string message_;
 };

@@ -85,17 +85,9 @@ void IndexedAssembly::append(std::size_t parent, ComponentBody added) {
         ++nodes_[above].subtreeSize;
 }
 
-// A component can be moved to a new place, but not assigned.
 void IndexedAssembly::insert(std::size_t parent, std::size_t position, ComponentBody added) {
     std::vector<ComponentBody>& children = nodes_[parent].body->components;
-    std::vector<ComponentBody> longer;
-    longer.reserve(children.size() + 1);
-    for (std::size_t i = 0; i < position; ++i)
-        longer.push_back(std::move(children[i]));
-    longer.push_back(std::move(added));
-    for (std::size_t i = position; i < children.size(); ++i)
-        longer.push_back(std::move(children[i]));
-    children = std::move(longer);
+    children.insert(children.begin() + static_cast<std::ptrdiff_t>(position), std::move(added));
     dropNodes();
 }
 
@@ -109,13 +101,7 @@ std::size_t IndexedAssembly::indexOfChild(std::size_t parent, std::size_t positi
 void IndexedAssembly::remove(std::size_t index) {
     const std::vector<Node>& known = nodes();
     std::vector<ComponentBody>& children = known[known[index].parent].body->components;
-    const ComponentBody* removed = known[index].body;
-    std::vector<ComponentBody> shorter;
-    shorter.reserve(children.size() - 1);
-    for (ComponentBody& child : children) {
-        if (&child != removed) shorter.push_back(std::move(child));
-    }
-    children = std::move(shorter);
+    children.erase(children.begin() + (known[index].body - children.data()));
     dropNodes();
 }
 

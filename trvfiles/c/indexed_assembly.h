@@ -59,8 +59,6 @@ public:
     std::size_t add(std::size_t parent, std::size_t position, ComponentBody added);
 
     /// Removes a component with all that is below it. REQUIRES: an index above 0.
-    ///
-    /// @throws std::bad_alloc; the assembly is then as it was
     void remove(std::size_t index);
 
 private:

@@ -129,6 +129,10 @@ int save(message_store& store, const std::string& target, file_replacement& held
 
 }  // namespace
 
+std::string parameters_text(const message_store& store, std::string_view file_name) {
+    return parameters_of(store, file_name).text();
+}
+
 void report_not_opened(const std::string& temporary_path) {
     report_fatal(("Store messages : error opening file '" + temporary_path + "'").c_str());
 }

@@ -25,7 +25,7 @@ namespace {
 // Atomic, because lookups that only read may run on several threads once the first one is done.
 std::atomic<std::uint32_t> hook_call_count{0};
 
-zone_hook_function zone_hook = nullptr;
+zone_hook_function zone_hook;
 bool zone_hook_is_running = false;
 
 constexpr std::string_view temporary_directory_name = "TMP";
@@ -43,10 +43,12 @@ void count_hook_call() {
 }
 
 void run_zone_hook() {
-    if (zone_hook == nullptr || zone_hook_is_running) return;
+    if (!zone_hook.is_set() || zone_hook_is_running) return;
     count_hook_call();
     const running_guard guard(zone_hook_is_running);
-    zone_hook();
+    // A copy: the hook may replace itself.
+    const zone_hook_function hook = zone_hook;
+    hook();
 }
 
 bool counts_as_unset(std::string_view name, const char* value) {

@@ -29,12 +29,19 @@ const char* find_variable(std::string_view name);
 /// hook, modulo 2^32. A lookup that is not observed runs no other code of the host.
 std::uint32_t hook_calls();
 
-using zone_hook_function = void (*)();
+/// The host's zone hook, of one kind or of none.
+struct zone_hook_function {
+    void (*plain)() = nullptr;
+    void (*with_context)(void* context) = nullptr;
+    void* context = nullptr;
 
-/// Registers the function that runs before each lookup of TRVZONE, but not while it runs; nullptr
-/// removes it.
+    bool is_set() const { return plain != nullptr || with_context != nullptr; }
+    void operator()() const { plain != nullptr ? plain() : with_context(context); }
+};
+
+/// Registers the function that runs before each lookup of TRVZONE, but not while it runs.
 ///
-/// @return the function registered before, or nullptr
+/// @return the function registered before
 zone_hook_function exchange_zone_hook(zone_hook_function hook);
 
 }  // namespace trv

@@ -111,7 +111,11 @@ void set_temporary_directory(const char* directory) {
 }
 
 zone_hook set_zone_hook(zone_hook hook) {
-    return exchange_zone_hook(hook);
+    return exchange_zone_hook({hook, nullptr, nullptr}).plain;
+}
+
+void set_context_zone_hook(context_zone_hook hook, void* context) {
+    exchange_zone_hook({nullptr, hook, context});
 }
 
 }  // namespace trv

@@ -43,10 +43,21 @@ TRV_EXPORT void set_temporary_directory(const char* directory);
 /// A function of the host that may set TRVZONE just before it is looked up.
 using zone_hook = void (*)();
 
-/// Registers the function that is called before every lookup of TRVZONE, but not while it runs.
+/// The same with a pointer of the host's.
+using context_zone_hook = void (*)(void* context);
+
+/// Registers the function that is called before every lookup of TRVZONE, but not while it runs. It
+/// replaces a function of either kind.
 ///
 /// @param hook  nullptr removes the function
-/// @return the function registered before, or nullptr
+/// @return the function registered before; nullptr if there was none, or one with a context
 TRV_EXPORT zone_hook set_zone_hook(zone_hook hook);
+
+/// set_zone_hook() for a function with a context.
+///
+/// @param hook     nullptr removes the function
+/// @param context  passed to the function; has to live until the function is replaced. May be
+///                 nullptr
+TRV_EXPORT void set_context_zone_hook(context_zone_hook hook, void* context);
 
 }  // namespace trv

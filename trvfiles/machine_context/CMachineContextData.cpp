@@ -162,6 +162,15 @@ void CMachineContextData::getOriginProgram(double& x, double& y, double& z) cons
     z = Body::of(*this).originZ;
 }
 
+void CMachineContextData::setOriginProgram(const std::array<double, 3>& origin) {
+    setOriginProgram(origin[0], origin[1], origin[2]);
+}
+
+std::array<double, 3> CMachineContextData::getOriginProgram() const {
+    const Body& own = Body::of(*this);
+    return {own.originX, own.originY, own.originZ};
+}
+
 void CMachineContextData::setMachineProximity(double proximity) {
     Body::own(*this).machineProximity = proximity;
 }

@@ -5,6 +5,7 @@
 
 #include <trvfiles/export.h>
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -72,6 +73,8 @@ public:
     /// The program origin, in the project's length unit.
     void setOriginProgram(double x, double y, double z);
     void getOriginProgram(double& x, double& y, double& z) const;
+    void setOriginProgram(const std::array<double, 3>& origin);
+    std::array<double, 3> getOriginProgram() const;
 
     /// The distance to keep from the machine, in the project's length unit.
     void setMachineProximity(double proximity);

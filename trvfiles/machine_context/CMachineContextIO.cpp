@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 using trv::ContextField;
@@ -142,12 +141,31 @@ EFileIOStatus CMachineContextIO::read(CMachineContextData& data, CFileFault* fau
     return Reader(sections, data, fault).read();
 }
 
+EFileIOStatus CMachineContextIO::readText(std::string_view text, CMachineContextData& data,
+                                          CFileFault* fault) {
+    CSectionedFile sections;
+    if (sections.parse(text, fault) != 0) return eFileIOOpenError;
+    return Reader(sections, data, fault).read();
+}
+
 EFileIOStatus CMachineContextIO::write(const CMachineContextData& data, trv::file_replacement* held,
                                        CFileFault* fault) {
+    const EFileIOStatus status = fill(data, fault);
+    return status == eFileIOSuccess ? saveFile(held, fault) : status;
+}
+
+EFileIOStatus CMachineContextIO::writeText(std::string& text, const CMachineContextData& data,
+                                           CFileFault* fault) {
+    CMachineContextIO io{QString()};
+    const EFileIOStatus status = io.fill(data, fault);
+    if (status == eFileIOSuccess) text = io.text();
+    return status;
+}
+
+EFileIOStatus CMachineContextIO::fill(const CMachineContextData& data, CFileFault* fault) {
     trv::clear_fault(fault);
     setVersion(trv::contextFormatVersion);
-    const EFileIOStatus status = writeFields(data, fault);
-    return status == eFileIOSuccess ? saveFile(held, fault) : status;
+    return writeFields(data, fault);
 }
 
 // The status is that of the last section that fails.
@@ -177,19 +195,19 @@ bool CMachineContextIO::writeSection(const ContextField* first, const ContextFie
         if (section < 0) section = addSection(headerSection);
         std::string version;
         trv::append_decimal(version, getVersion());
-        if (!writeText(section, "version", std::move(version))) return false;
+        if (!setText(section, "version", std::move(version))) return false;
     }
     for (const ContextField* field = first; field != last; ++field) {
         std::string value = trv::storedText(*field, data);
         if (value.empty() && !field->isWrittenEmpty) continue;
         if (section < 0) section = addSection(field->section);
-        if (!writeText(section, field->key, std::move(value))) return false;
+        if (!setText(section, field->key, std::move(value))) return false;
     }
     return true;
 }
 
 // A line end would begin a line of its own, and that could set any key or open any section.
-bool CMachineContextIO::writeText(int section, const char* key, std::string value) {
+bool CMachineContextIO::setText(int section, const char* key, std::string value) {
     std::replace_if(
         value.begin(), value.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     return section >= 0 && setValue(static_cast<std::int16_t>(section), key, value.c_str()) == 0;

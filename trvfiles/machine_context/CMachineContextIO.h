@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <string>
+#include <string_view>
 
 class CMachineContextData;
 struct CFileFault;
@@ -43,11 +44,26 @@ public:
     EFileIOStatus write(const CMachineContextData& data, trv::file_replacement* held = nullptr,
                         CFileFault* fault = nullptr);
 
+    /// read() of a file that has these bytes.
+    ///
+    /// @param fault  as for read()
+    static EFileIOStatus readText(std::string_view text, CMachineContextData& data,
+                                  CFileFault* fault = nullptr);
+
+    /// The text that write() gives the file, with LF as line end.
+    ///
+    /// @param text   written on success only
+    /// @param fault  takes the reason of a failure
+    /// @return eFileIOSuccess; eFileIOContentError or eFileIOStructureError as write()
+    static EFileIOStatus writeText(std::string& text, const CMachineContextData& data,
+                                   CFileFault* fault = nullptr);
+
 private:
+    EFileIOStatus fill(const CMachineContextData& data, CFileFault* fault);
     EFileIOStatus writeFields(const CMachineContextData& data, CFileFault* fault);
     bool writeSection(const trv::ContextField* first, const trv::ContextField* last,
                       const CMachineContextData& data);
-    bool writeText(int section, const char* key, std::string value);
+    bool setText(int section, const char* key, std::string value);
     EFileIOStatus saveFile(trv::file_replacement* held, CFileFault* fault);
 
     QString path_;

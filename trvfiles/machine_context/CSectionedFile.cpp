@@ -81,6 +81,13 @@ int CSectionedFile::parse(std::FILE* file, CFileFault* fault) {
     return parseText(std::move(text));
 }
 
+int CSectionedFile::parse(std::string_view text, CFileFault* fault) {
+    clear();
+    trv::clear_fault(fault);
+    if (text.size() > maxBytes) return failTooLong(fault);
+    return parseText(std::string(text));
+}
+
 int CSectionedFile::parseFile(const std::wstring& fileName, CFileFault* fault) {
     return parseFile(trv::pathFromWide(fileName).openable(), fault);
 }

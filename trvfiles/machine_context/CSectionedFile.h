@@ -76,6 +76,12 @@ public:
     /// @return 0; -1 if a read fails, and for more than 256 MiB
     int parse(std::FILE* file, CFileFault* fault = nullptr);
 
+    /// Parses a text in memory, of which the object keeps a copy.
+    ///
+    /// @param fault  takes the reason of a failure
+    /// @return 0; -1 for more than 256 MiB
+    int parse(std::string_view text, CFileFault* fault = nullptr);
+
     /// Opens a file and parses it.
     ///
     /// @param fault  takes the reason of a failure

@@ -49,6 +49,10 @@ int TrvIniFile::save(const char* fileName, trv::file_replacement& held) {
     return trv::store_parameters(document_, fileName, held);
 }
 
+std::string TrvIniFile::text() const {
+    return document_ == nullptr ? std::string() : trv::parameters_text(*document_, "");
+}
+
 void TrvIniFile::close() {
     trv::destroy_store(document_);
     document_ = nullptr;

@@ -45,6 +45,9 @@ public:
     /// The same for a caller that has read or checked something since it holds the file.
     virtual int save(const char* fileName, trv::file_replacement& held);
 
+    /// What save() writes to a file from which nothing was loaded: the entries that were set.
+    std::string text() const;
+
     /// Removes everything but the version.
     virtual void close();
 

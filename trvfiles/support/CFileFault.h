@@ -3,25 +3,34 @@
 /// @file
 /// Why a file was not read or written, and what reading it has altered.
 
+#include <trvfiles/export.h>
+
+#include <cstdint>
 #include <string>
 #include <vector>
 
 /// What a call that reads or writes a file reports beyond its status.
 ///
-/// A caller that wants to know passes a pointer to one. Without it nothing is collected. The call
-/// empties the structure first. `reason` is empty after a success and a text after a failure;
-/// `notes` may hold entries after both.
+/// A caller that wants to know passes a pointer to one, which the call does not keep. Without it
+/// nothing is collected. The call empties the structure first. `reason` is empty after a success
+/// and a text after a failure; `notes` may hold entries after both. Writing an axis file is the
+/// exception: it succeeds also if the file is not written to its end, and `reason` then has the
+/// failure. After a call that throws, the structure may hold a part of its content.
 ///
 /// Texts are in UTF-8, in English, and human-readable: one line without a full stop, which does not
 /// name the file. What they quote from the file is in quotes, or in "<" and ">" if it is an
 /// element, is cut off after 40 bytes, and may hold any character.
 ///
+/// The structure is part of a host's own code: its fields, their order and the numbers of the kinds
+/// change only together with the version of the library that a host needs at run time.
+///
 /// Threads: a plain value; const operations may run at once.
 struct CFileFault {
     /// Something that was accepted, but is not in the record as it is in the file.
     struct Note {
-        /// What was altered. Later versions may add values.
-        enum class Kind {
+        /// What was altered. The values are numbered from 0 in this order, and keep their numbers:
+        /// later versions add values at the end.
+        enum class Kind : std::int32_t {
             /// A component of an assembly is left out with all that is below it, because its
             /// "Orientation" is not complete. `subject` is the name of the component.
             leftOut,
@@ -87,3 +96,11 @@ struct CFileFault {
     /// file alone.
     std::vector<Note> notes;
 };
+
+/// The name of a kind of note, as in "leftOut": for a program that reads it, it is the same in all
+/// languages and versions.
+///
+/// Threads: any.
+///
+/// @return a constant text; "" for a number that is no kind
+TRV_EXPORT const char* fileNoteKindName(CFileFault::Note::Kind kind);

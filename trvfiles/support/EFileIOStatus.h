@@ -3,6 +3,8 @@
 /// @file
 /// The result of every read and write of a project file.
 
+#include <trvfiles/export.h>
+
 #include <cstdint>
 
 /// What became of a read or a write. No operation returns 0: test for eFileIOSuccess, every other
@@ -19,3 +21,12 @@ enum EFileIOStatus : std::int32_t {
     /// The file holds something else: a wrong root element, or a root component that is broken.
     eFileIOStructureError = 5
 };
+
+/// What a status means, human-readable: one line of English without a full stop. A CFileFault has
+/// the reason of one failure, with its place.
+///
+/// Threads: any.
+///
+/// @param status  any number; one that is no status has a text of its own
+/// @return a constant text, never nullptr
+TRV_EXPORT const char* fileIOStatusText(EFileIOStatus status);

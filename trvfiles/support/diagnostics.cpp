@@ -18,9 +18,9 @@ void print_error(const char* message);
 void print_trace(const char* message);
 
 // Initialised without code at run time: static objects of a host may report before main().
-message_handler error_handler = print_error;
-message_handler fatal_handler = print_fatal;
-message_handler trace_handler = print_trace;
+channel_handler error_handler = {nullptr, nullptr, print_error};
+channel_handler fatal_handler = {nullptr, nullptr, print_fatal};
+channel_handler trace_handler = {nullptr, nullptr, print_trace};
 bool errors_are_quiet = false;
 bool output_is_echoed = false;
 
@@ -52,12 +52,25 @@ void print_trace(const char* message) {
     if (goes_to_output()) print_line(stdout, message);
 }
 
+bool is_of_host(const channel_handler& handler, message_handler standard) {
+    return handler.with_context != nullptr || handler.plain != standard;
+}
+
+// Takes the handler by value: a handler may replace itself while it runs.
+void call(channel_handler handler, const char* message) {
+    if (handler.with_context != nullptr) {
+        handler.with_context(message, handler.context);
+    } else {
+        handler.plain(message);
+    }
+}
+
 // The message may be a looked-up text, which the lookups of a host's handler overwrite. So such a
 // handler gets a copy, if there is memory for one. The default handlers look nothing up.
-void send(message_handler handler, message_handler standard, const char* message) {
+void send(const channel_handler& handler, message_handler standard, const char* message) {
     if (message == nullptr) message = "";
     std::string copy;
-    if (handler != standard) {
+    if (is_of_host(handler, standard)) {
         try {
             copy = message;
             message = copy.c_str();
@@ -65,12 +78,17 @@ void send(message_handler handler, message_handler standard, const char* message
             // A report that memory is exhausted must not need memory.
         }
     }
-    handler(message);
+    call(handler, message);
 }
 
-message_handler exchange_handler(message_handler& slot, message_handler handler,
+channel_handler exchange_handler(channel_handler& slot, channel_handler handler,
                                  message_handler standard) {
-    return std::exchange(slot, handler == nullptr ? standard : handler);
+    if (handler.with_context != nullptr) {
+        handler.plain = nullptr;
+    } else if (handler.plain == nullptr) {
+        handler.plain = standard;
+    }
+    return std::exchange(slot, handler);
 }
 
 }  // namespace
@@ -88,18 +106,30 @@ void report_trace(const char* message) {
 }
 
 bool trace_is_seen() {
-    return trace_handler != print_trace || goes_to_output();
+    return is_of_host(trace_handler, print_trace) || goes_to_output();
 }
 
 message_handler set_error_handler(message_handler handler) {
+    return exchange_handler(error_handler, {nullptr, nullptr, handler}, print_error).plain;
+}
+
+channel_handler set_error_channel(const channel_handler& handler) {
     return exchange_handler(error_handler, handler, print_error);
 }
 
 message_handler set_fatal_handler(message_handler handler) {
+    return exchange_handler(fatal_handler, {nullptr, nullptr, handler}, print_fatal).plain;
+}
+
+channel_handler set_fatal_channel(const channel_handler& handler) {
     return exchange_handler(fatal_handler, handler, print_fatal);
 }
 
 message_handler set_trace_handler(message_handler handler) {
+    return exchange_handler(trace_handler, {nullptr, nullptr, handler}, print_trace).plain;
+}
+
+channel_handler set_trace_channel(const channel_handler& handler) {
     return exchange_handler(trace_handler, handler, print_trace);
 }
 

@@ -25,6 +25,18 @@ namespace trv {
 /// handler looks up variables.
 using message_handler = void (*)(const char* message);
 
+/// A handler with a pointer of the host's, which it gets with each message.
+using context_message_handler = void (*)(const char* message, void* context);
+
+/// The handler of a channel: one with a context, one without, or, if both are nullptr, the default
+/// one. If both are set, the one with a context counts.
+struct channel_handler {
+    context_message_handler with_context = nullptr;
+    /// Passed to `with_context`; has to live until the handler is replaced. May be nullptr.
+    void* context = nullptr;
+    message_handler plain = nullptr;
+};
+
 /// Passes a message to the channel's handler. A message that is nullptr acts as an empty one.
 TRV_EXPORT void report_error(const char* message);
 TRV_EXPORT void report_fatal(const char* message);
@@ -34,12 +46,21 @@ TRV_EXPORT void report_trace(const char* message);
 /// it. Callers ask this before they format a trace line.
 TRV_EXPORT bool trace_is_seen();
 
-/// Replaces a channel's handler for every later message. nullptr restores the default.
+/// Replaces a channel's handler for every later message, also one with a context. nullptr restores
+/// the default.
 ///
-/// @return the handler that was replaced
+/// @return the handler that was replaced, which may be the default one; nullptr for a handler with
+///         a context, which only the functions below return
 TRV_EXPORT message_handler set_error_handler(message_handler handler);
 TRV_EXPORT message_handler set_fatal_handler(message_handler handler);
 TRV_EXPORT message_handler set_trace_handler(message_handler handler);
+
+/// Replaces a channel's handler, of either kind, as in `set_error_channel({handler, &host})`.
+///
+/// @return the handler that was replaced; given to the function again, it is put back
+TRV_EXPORT channel_handler set_error_channel(const channel_handler& handler);
+TRV_EXPORT channel_handler set_fatal_channel(const channel_handler& handler);
+TRV_EXPORT channel_handler set_trace_channel(const channel_handler& handler);
 
 /// Switches the default error output off (any flag but 0) or on (0).
 ///

@@ -38,4 +38,14 @@ std::size_t read_line(std::FILE* stream, char* buffer, std::size_t max) {
     return count;
 }
 
+std::size_t read_line(std::string_view& text, char* buffer, std::size_t max) {
+    std::string_view line = text.substr(0, max);
+    const std::size_t newline = line.find('\n');
+    if (newline != std::string_view::npos) line = line.substr(0, newline + 1);
+    std::copy(line.begin(), line.end(), buffer);
+    buffer[line.size()] = '\0';
+    text.remove_prefix(line.size());
+    return line.size();
+}
+
 }  // namespace trv

@@ -1,12 +1,13 @@
 #pragma once
 
 /// @file
-/// Lines of a standard stream, which may contain zero bytes.
+/// Lines of a standard stream or of a text in memory, which may contain zero bytes.
 ///
 /// Threads: any, if the stream is not shared.
 
 #include <cstddef>
 #include <cstdio>
+#include <string_view>
 
 namespace trv {
 
@@ -16,5 +17,8 @@ namespace trv {
 /// @return the number of bytes read. If they are fewer than `max` and do not end with a newline,
 ///         the file ends there or a read failed.
 std::size_t read_line(std::FILE* stream, char* buffer, std::size_t max);
+
+/// The same from a text, of which it removes what it has read.
+std::size_t read_line(std::string_view& text, char* buffer, std::size_t max);
 
 }  // namespace trv

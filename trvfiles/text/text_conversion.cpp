@@ -105,6 +105,14 @@ std::string toNarrow(const QString& text) {
                            bytes.constData(), static_cast<std::size_t>(bytes.size()))));
 }
 
+std::wstring wideText(const std::string& narrow) {
+    return toWide(fromNarrow(narrow));
+}
+
+std::string narrowText(const std::wstring& wide) {
+    return toNarrow(fromWide(wide));
+}
+
 std::string narrowFromUtf8(std::string_view text) {
     if (platform::narrow_text_is_utf8()) return std::string(text);
     return toNarrow(fromUtf8(text));

@@ -33,6 +33,10 @@ QString fromUtf8(std::string_view text);
 std::string toNarrow(const QString& text);
 std::wstring toWide(const QString& text);
 
+/// Narrow text as wide text and back.
+std::wstring wideText(const std::string& narrow);
+std::string narrowText(const std::wstring& wide);
+
 /// toNarrow() of a text in UTF-8. On POSIX nothing is converted.
 ///
 /// REQUIRES: valid UTF-8 without zeros.
