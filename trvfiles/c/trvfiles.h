@@ -269,6 +269,18 @@ TRVFILES_API int32_t trvfiles_texts_count(trvfiles_texts texts, size_t* count,
 TRVFILES_API int32_t trvfiles_texts_get(trvfiles_texts texts, size_t index, const char** text,
                                         size_t* length, trvfiles_fault fault);
 
+/**
+ * The absolute path of a name in a directory, with "/" between its parts; not cleaned.
+ *
+ * @param directory  a relative or an empty one is in the current directory
+ * @param name       of the file; an absolute name ignores the directory
+ * @param path       takes one text
+ * @param fault      0, or a fault
+ * @return TRVFILES_SUCCESS; TRVFILES_BAD_TEXT
+ */
+TRVFILES_API int32_t trvfiles_absolute_path(const char* directory, const char* name,
+                                            trvfiles_texts path, trvfiles_fault fault);
+
 /* -- Axis files ------------------------------------------------------------------------------- */
 
 /** What an axis file holds. */

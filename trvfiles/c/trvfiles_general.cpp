@@ -3,7 +3,9 @@
 #include <trvfiles/c/guarded_call.h>
 #include <trvfiles/c/handle_objects.h>
 #include <trvfiles/c/sized_struct.h>
+#include <trvfiles/c/text_arguments.h>
 #include <trvfiles/c/trvfiles.h>
+#include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/version.h>
 
 namespace c = trv::c;
@@ -145,6 +147,16 @@ int32_t trvfiles_texts_get(trvfiles_texts texts, size_t index, const char** text
         const std::string& found = object->texts[index];
         *text = found.c_str();
         if (length != nullptr) *length = found.size();
+        return TRVFILES_SUCCESS;
+    });
+}
+
+int32_t trvfiles_absolute_path(const char* directory, const char* name, trvfiles_texts path,
+                               trvfiles_fault fault) {
+    return c::guarded(fault, [=](CFileFault*) {
+        const auto result = c::objectOf<c::TextsObject>(path);
+        const CQvFilesIO files(c::wideArgument(directory));
+        result->texts = {c::utf8FromWide(files.absoluteFileName(c::wideArgument(name)))};
         return TRVFILES_SUCCESS;
     });
 }
