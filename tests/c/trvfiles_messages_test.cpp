@@ -85,7 +85,9 @@ TEST_F(CMessages, HaveLimits) {
     EXPECT_EQ(trvfiles_messages_set(messages_, (name + 'n').c_str(), 0, "", fault_),
               TRVFILES_FAILED);
     EXPECT_EQ(fault_.reason(), "the section cannot be added");
+    trvfiles_channel_set_output(1, 0, 0);
     EXPECT_EQ(trvfiles_messages_set_entry(messages_, "var", "no entry", fault_), TRVFILES_FAILED);
+    trvfiles_channel_set_output(0, 0, 0);
 }
 
 TEST_F(CMessages, AreSaved) {

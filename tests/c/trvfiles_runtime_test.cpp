@@ -62,7 +62,7 @@ TEST_F(CRuntime, ListsVariablesAndTheirDefinitions) {
     const auto list = [] {
         const Configured host;
         const std::string file = "from '" + host.installation.homeFile() + "' line ";
-        const std::string site = "from '" + host.installation.root() + "\\site\\environ.cfg' line ";
+        const std::string site = "from '" + host.installation.path("site/environ.cfg") + "' line ";
         ASSERT_EQ(trvfiles_variable_definitions(0, "LIST", host.texts, 0), TRVFILES_SUCCESS);
         EXPECT_THAT(host.texts.all(),
                     ElementsAre("LIST = a", file + "4", "LIST = +;b", site + "2"));
