@@ -36,9 +36,9 @@ private:
     trvfiles_handle handle_ = 0;
 };
 
-class Fault : public Handle {
+class FaultHandle : public Handle {
 public:
-    Fault()
+    FaultHandle()
         : Handle([](trvfiles_handle* created, trvfiles_fault) {
               return trvfiles_fault_create(created);
           }) {}

@@ -25,7 +25,7 @@ std::string textAt(const trvfiles_component_table& table, const std::size_t* off
 
 class ComponentTables : public ::testing::Test {
 protected:
-    Fault fault_;
+    FaultHandle fault_;
     Assembly assembly_;
     Handle components_;
 };

@@ -19,7 +19,7 @@ struct LiveObjects {
 
     trvfiles_handle of(HandleKind kind) const;
 
-    Fault fault;
+    FaultHandle fault;
     Texts texts;
     Context context;
     Assembly assembly;

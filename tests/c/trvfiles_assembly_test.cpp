@@ -27,7 +27,7 @@ protected:
 
     TemporaryDirectory directory_;
     std::string path_ = (directory_ / "\xC3\xA9-\xE4\xB8\xAD.xml").u8string();
-    Fault fault_;
+    FaultHandle fault_;
     Assembly assembly_;
     Texts bytes_;
 };

@@ -21,7 +21,7 @@ protected:
     TemporaryDirectory directory_;
     // A name with characters of several scripts.
     std::string path_ = (directory_ / "\xC3\xA9-\xE4\xB8\xAD.dat").u8string();
-    Fault fault_;
+    FaultHandle fault_;
     Texts bytes_;
     trvfiles_axis axis_;
 };

@@ -37,7 +37,7 @@ TEST_F(CCatalogue, HasNoDirectoryWithoutAnInstallation) {
         const Installation installation;
         platform::set_environment("TRVHOME", nullptr);
         const Texts texts;
-        const Fault fault;
+        const FaultHandle fault;
         EXPECT_EQ(trvfiles_catalogue_directory(texts, fault), TRVFILES_FATAL_REPORT);
         EXPECT_NE(fault.reason(), "");
         EXPECT_THAT(texts.all(), ElementsAre());
@@ -68,7 +68,7 @@ protected:
     TemporaryDirectory directory_;
     CurrentDirectory here_{directory_.path()};
     Texts created_;
-    Fault fault_;
+    FaultHandle fault_;
 };
 
 TEST_F(CCatalogueCreation, MakesADefaultContext) {

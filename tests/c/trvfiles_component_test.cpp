@@ -19,7 +19,7 @@ protected:
         assembly_.add(0, 1, "b");
     }
 
-    Fault fault_;
+    FaultHandle fault_;
     Assembly assembly_;
 };
 

@@ -40,7 +40,7 @@ protected:
 
     TemporaryDirectory directory_;
     std::string path_ = (directory_ / "\xE4\xB8\xAD.mctx").u8string();
-    Fault fault_;
+    FaultHandle fault_;
     Context context_;
     trvfiles_context_numbers numbers_;
 };

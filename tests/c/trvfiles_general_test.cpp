@@ -34,7 +34,7 @@ TEST(CInterface, NamesTheKindsOfNotes) {
 }
 
 TEST(CFault, IsEmptyAfterASuccess) {
-    const Fault fault;
+    const FaultHandle fault;
     const Texts texts;
     EXPECT_EQ(fault.reason(), "");
     EXPECT_EQ(trvfiles_axis_write_memory(nullptr, texts, fault), TRVFILES_BAD_ARGUMENT);
@@ -47,7 +47,7 @@ TEST(CFault, IsEmptyAfterASuccess) {
 }
 
 TEST(CFault, HasTheSystemsErrorAndItsNumber) {
-    const Fault fault;
+    const FaultHandle fault;
     auto axis = sized<trvfiles_axis>();
     EXPECT_EQ(trvfiles_axis_read("no such/file", &axis, fault), TRVFILES_OPEN_ERROR);
     EXPECT_EQ(fault.values().system_error, 2);
@@ -57,7 +57,7 @@ TEST(CFault, HasTheSystemsErrorAndItsNumber) {
 
 TEST(CFault, HasTheNotesOfASuccess) {
     constexpr std::string_view context = "[machine]\nname = m\nposition = p\nproximity = near\n";
-    const Fault fault;
+    const FaultHandle fault;
     const Context data;
     ASSERT_EQ(trvfiles_context_read_memory(data, context.data(), context.size(), fault),
               TRVFILES_SUCCESS);

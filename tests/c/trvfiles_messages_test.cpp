@@ -25,7 +25,7 @@ protected:
     TemporaryDirectory directory_;
     Messages messages_;
     Texts texts_;
-    Fault fault_;
+    FaultHandle fault_;
 };
 
 TEST_F(CMessages, AreLoadedFromAFile) {
@@ -115,7 +115,7 @@ TEST_F(CProcessMessages, AreThoseThatTheProcessLoads) {
         installation.write("app.cfg", "[app]\nB = 2\n");
         installation.write("texts.msg", "[text]\nfirst\n");
         const Texts texts;
-        const Fault fault;
+        const FaultHandle fault;
         Handle stores[3];
         for (std::int32_t store = 0; store < 3; ++store) {
             ASSERT_EQ(trvfiles_messages_open(store, stores[store].place(), 0), TRVFILES_SUCCESS);

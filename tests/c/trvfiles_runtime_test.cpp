@@ -36,7 +36,7 @@ public:
 
     Installation installation;
     Texts texts;
-    Fault fault;
+    FaultHandle fault;
 };
 
 TEST_F(CRuntime, FindsVariablesWithTheirOrigins) {
