@@ -44,7 +44,7 @@ std::string originOf(bool isPath, const std::string& name, const char* value) {
 
 int addDefinition(const trv::definition& definition, void* context) {
     auto& texts = *static_cast<std::vector<std::string>*>(context);
-    texts.push_back(c::utf8FromNarrow(trv::trim(definition.text)));
+    texts.push_back(c::utf8FromNarrow(std::string(trv::trim(definition.text))));
     texts.push_back(definition.file == nullptr ? "" : c::utf8FromNarrow(definition.file));
     texts.push_back(std::to_string(definition.line));
     return 0;
