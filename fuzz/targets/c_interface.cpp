@@ -71,6 +71,8 @@ private:
     void playOne() {
         isWrong_ = false;
         fault_ = input_.number(2) == 0 ? 0 : pick(fault);
+        // No fault at all is not a wrong one.
+        if (fault_ == 0) isWrong_ = false;
         checkStatus(call(input_.number(40)));
     }
 
@@ -127,12 +129,12 @@ private:
 
     trvfiles_handle pickWrong(Kind kind) {
         const auto choice = static_cast<std::size_t>(input_.byte());
-        isWrong_ = true;
         if (choice < known_.size()) {
             const Known& known = known_[choice];
-            isWrong_ = known.kind != kind || !known.isLive;
+            isWrong_ = isWrong_ || known.kind != kind || !known.isLive;
             return known.handle;
         }
+        isWrong_ = true;
         return choice % 3 == 0 ? 0 : choice << (choice % 64);
     }
 
@@ -282,7 +284,7 @@ private:
         const std::size_t at = index();
         const std::size_t position = number == 4 ? index() : 0;
         const trvfiles_handle result = number == 1 ? pick(texts) : 0;
-        const trvfiles_handle other = number >= 6 ? pick(assembly) : 0;
+        const trvfiles_handle other = number == 6 || number > 7 ? pick(assembly) : 0;
         const std::string value = number == 2 ? text() : std::string();
         const auto field = static_cast<std::int32_t>(input_.number(4));
         auto component = structOf<trvfiles_component>(input_);
@@ -313,6 +315,8 @@ private:
     // Not to a large assembly: a copy of the whole may double it.
     std::int32_t addCopy(trvfiles_assembly target, std::size_t at, trvfiles_assembly source) {
         constexpr std::size_t large = 1000;
+        // 0 would be a default component.
+        if (source == 0) source = 1;
         if (componentCount(target) + componentCount(source) > large) source = target;
         const bool isLarge = componentCount(target) > large / 2;
         return trvfiles_component_add(target, at, 0, isLarge ? target : source,
