@@ -20,6 +20,8 @@ namespace trv::testing {
 
 std::vector<Operation> facadeOperations();
 std::vector<Operation> runtimeOperations();
+std::vector<Operation> cFileOperations();
+std::vector<Operation> cMemoryOperations();
 
 namespace {
 
@@ -327,13 +329,13 @@ Outcome nameFiles(Workshop& at) {
 
 std::vector<Operation> fileOperations() {
     std::vector<Operation> operations = facadeOperations();
-    std::vector<Operation> more = runtimeOperations();
-    std::move(more.begin(), more.end(), std::back_inserter(operations));
+    for (std::vector<Operation> more : {runtimeOperations(), cFileOperations()})
+        std::move(more.begin(), more.end(), std::back_inserter(operations));
     return operations;
 }
 
 std::vector<Operation> memoryOperations() {
-    return {
+    std::vector<Operation> operations = {
         {"MakeAStore", 1, {0}, makeAStore},
         {"AddASection", 1, {-1}, addSections},
         {"RegisterAName", 0, {-1}, registerName},
@@ -367,6 +369,9 @@ std::vector<Operation> memoryOperations() {
         {"CopyAnAxisInMemory", 1, {}, copyAnAxisInMemory},
         {"NameFiles", 1, {}, nameFiles},
     };
+    std::vector<Operation> more = cMemoryOperations();
+    std::move(more.begin(), more.end(), std::back_inserter(operations));
+    return operations;
 }
 
 }  // namespace trv::testing

@@ -19,20 +19,9 @@ int lengthToZero(const char* text, std::size_t maxLength) {
                                 : static_cast<std::size_t>(static_cast<const char*>(zero) - text));
 }
 
-// QString::fromUtf8() drops a byte order mark at the beginning. It is an ordinary character here,
-// so the marks at the beginning are removed before and added after the conversion.
-QString decodeUtf8(std::string_view text) {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    int marks = 0;
-    for (; text.substr(0, mark.size()) == mark; ++marks)
-        text.remove_prefix(mark.size());
-    QString decoded = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-    return marks == 0 ? decoded : QString(marks, QChar::ByteOrderMark) + decoded;
-}
-
 QString decode(const char* text, int length) {
     return platform::narrow_text_is_utf8()
-               ? decodeUtf8(std::string_view(text, static_cast<std::size_t>(length)))
+               ? fromUtf8(std::string_view(text, static_cast<std::size_t>(length)))
                : QString::fromLocal8Bit(text, length);
 }
 
@@ -67,6 +56,17 @@ HostPath pathIn(const Text& path) {
 }
 
 }  // namespace
+
+// QString::fromUtf8() drops a byte order mark at the beginning. So the marks at the beginning are
+// removed before and added after the conversion.
+QString fromUtf8(std::string_view text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    int marks = 0;
+    for (; text.substr(0, mark.size()) == mark; ++marks)
+        text.remove_prefix(mark.size());
+    QString decoded = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return marks == 0 ? decoded : QString(marks, QChar::ByteOrderMark) + decoded;
+}
 
 QString fromNarrow(const char* text) {
     return text == nullptr ? QString() : decode(text, static_cast<int>(std::strlen(text)));
@@ -115,7 +115,7 @@ std::string narrowText(const std::wstring& wide) {
 
 std::string narrowFromUtf8(std::string_view text) {
     if (platform::narrow_text_is_utf8()) return std::string(text);
-    return toNarrow(decodeUtf8(text));
+    return toNarrow(fromUtf8(text));
 }
 
 // Unlike fromStdWString(), Qt's conversion in this direction drops nothing.

@@ -24,6 +24,11 @@ QString fromNarrow(const char* text);
 QString fromNarrow(const std::string& text);
 QString fromWide(const std::wstring& text);
 
+/// Text in UTF-8 on every system, with its zeros. Bytes that are not UTF-8 become U+FFFD.
+///
+/// REQUIRES: at most 2^31 - 1 bytes.
+QString fromUtf8(std::string_view text);
+
 /// Characters that the code page lacks are replaced by Qt's conversion.
 std::string toNarrow(const QString& text);
 std::wstring toWide(const QString& text);
