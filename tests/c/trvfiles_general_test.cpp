@@ -28,8 +28,8 @@ TEST(CInterface, HasATextForEachStatus) {
 }
 
 TEST(CInterface, NamesTheKindsOfNotes) {
-    EXPECT_STREQ(trvfiles_note_kind_name(0), "leftOut");
-    EXPECT_STREQ(trvfiles_note_kind_name(11), "misplacedTags");
+    EXPECT_STREQ(trvfiles_note_kind_name(0), "left-out");
+    EXPECT_STREQ(trvfiles_note_kind_name(11), "tags-misplaced");
     EXPECT_STREQ(trvfiles_note_kind_name(-1), "");
     EXPECT_STREQ(trvfiles_note_kind_name(1000), "");
 }
@@ -68,13 +68,50 @@ TEST(CFault, HasTheNotesOfASuccess) {
     std::size_t index = 0;
     do {
         ASSERT_EQ(trvfiles_fault_get_note(fault, index++, &note), TRVFILES_SUCCESS);
-    } while (std::string(trvfiles_note_kind_name(note.kind)) != "notANumber");
+    } while (std::string(trvfiles_note_kind_name(note.kind)) != "not-a-number");
     EXPECT_EQ(note.line, 4);
     EXPECT_STREQ(note.subject, "machine.proximity");
     EXPECT_EQ(note.subject_length, 17U);
     EXPECT_GT(note.text_length, 0U);
     EXPECT_STREQ(note.attribute, "");
+    EXPECT_STREQ(note.value, "near");
+    EXPECT_EQ(note.value_length, 4U);
+    EXPECT_STREQ(note.parent, "");
+    EXPECT_EQ(note.parent_length, 0U);
+    EXPECT_STREQ(note.expected, "");
+    EXPECT_EQ(note.count, 0);
     EXPECT_EQ(trvfiles_fault_get_note(fault, count, &note), TRVFILES_BAD_ARGUMENT);
+}
+
+TEST(CFault, HasTheNamesOfANote) {
+    constexpr std::string_view assembly =
+        "<ComponentInfo version='1'><Attributs/><Component><translation/><Data number='1'>"
+        "<File name='a.stl'/></Data></Component></ComponentInfo>";
+    const FaultHandle fault;
+    const Handle read(trvfiles_assembly_create);
+    ASSERT_EQ(trvfiles_assembly_read_memory(read, assembly.data(), assembly.size(), fault),
+              TRVFILES_SUCCESS);
+    ASSERT_EQ(fault.values().note_count, 1U);
+    EXPECT_EQ(fault.values().cause, 0);
+    auto note = sized<trvfiles_note>();
+    ASSERT_EQ(trvfiles_fault_get_note(fault, 0, &note), TRVFILES_SUCCESS);
+    EXPECT_STREQ(trvfiles_note_kind_name(note.kind), "unknown-name");
+    EXPECT_STREQ(note.subject, "translation");
+    EXPECT_STREQ(note.parent, "Component");
+    EXPECT_EQ(note.parent_length, 9U);
+    EXPECT_STREQ(note.expected, "Translation");
+    EXPECT_EQ(note.expected_length, 11U);
+}
+
+TEST(CFault, HasTheCauseOfAFailure) {
+    const FaultHandle fault;
+    const Handle read(trvfiles_assembly_create);
+    EXPECT_EQ(trvfiles_assembly_read_memory(read, "<Part/>", 7, fault), TRVFILES_STRUCTURE_ERROR);
+    EXPECT_STREQ(trvfiles_fault_cause_name(fault.values().cause), "root-element-wrong");
+    EXPECT_STREQ(fault.values().subject, "Part");
+    EXPECT_EQ(fault.values().subject_length, 4U);
+    EXPECT_STREQ(trvfiles_fault_cause_name(0), "");
+    EXPECT_STREQ(trvfiles_fault_cause_name(1000), "");
 }
 
 TEST(CTexts, AreReadByTheirIndex) {

@@ -178,9 +178,14 @@ typedef struct trvfiles_fault_values {
     int32_t column;
     /** The system's number of the failure, an errno value; 0 if the system has not failed. */
     int32_t system_error;
-    int32_t reserved;
+    /** A number that trvfiles_fault_cause_name() knows; 0 after a success, and if the status alone
+        says why: those of the interface and of the expansion. */
+    int32_t cause;
     /** How many notes there are, also after a success. */
     size_t note_count;
+    /** What the cause is about, as in "ComponentInfo"; may be empty. Valid as the reason. */
+    const char* subject;
+    size_t subject_length;
 } trvfiles_fault_values;
 
 /** Something that was read otherwise than the file says. The pointers are valid as the reason. */
@@ -193,7 +198,8 @@ typedef struct trvfiles_note {
     int32_t line;
     /** The column in the line, from 1 in UTF-16 units; 0 if it is not known. */
     int32_t column;
-    int32_t reserved;
+    /** How often; 0 for a kind that counts nothing. */
+    int32_t count;
     /** The component, element or key; may be empty. */
     const char* subject;
     size_t subject_length;
@@ -203,6 +209,15 @@ typedef struct trvfiles_note {
     /** The attribute of the element; empty if the note is about the whole element. */
     const char* attribute;
     size_t attribute_length;
+    /** What the file has, if the note is about a value. */
+    const char* value;
+    size_t value_length;
+    /** The element or the section that has the subject; may be empty. */
+    const char* parent;
+    size_t parent_length;
+    /** The name that the format defines, if the subject differs from it in case only. */
+    const char* expected;
+    size_t expected_length;
 } trvfiles_note;
 
 /**
@@ -231,11 +246,18 @@ TRVFILES_API int32_t trvfiles_fault_get_note(trvfiles_fault fault, size_t index,
                                              trvfiles_note* note);
 
 /**
- * The name of a kind of note, as in "leftOut": the same in all versions. Threads: any.
+ * The name of a kind of note, as in "not-a-number": the same in all versions. Threads: any.
  *
  * @param kind  any number; one that is no kind gives an empty text
  */
 TRVFILES_API const char* trvfiles_note_kind_name(int32_t kind);
+
+/**
+ * The name of a cause, as in "not-well-formed": the same in all versions. Threads: any.
+ *
+ * @param cause  any number; 0, and one that is no cause, give an empty text
+ */
+TRVFILES_API const char* trvfiles_fault_cause_name(int32_t cause);
 
 /* -- Texts ------------------------------------------------------------------------------------ */
 

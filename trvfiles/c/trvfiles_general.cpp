@@ -38,24 +38,31 @@ constexpr StatusText statusTexts[] = {
     {TRVFILES_NO_FILE_NAME, "a search reference has no name of a file"},
 };
 
+void refer(const char*& text, std::size_t& length, const std::string& to) {
+    text = to.c_str();
+    length = to.size();
+}
+
 trvfiles_note noteOf(const CFileFault::Note& note) {
     trvfiles_note values = {};
     values.kind = static_cast<std::int32_t>(note.kind);
     values.line = note.line;
     values.column = note.column;
-    values.subject = note.subject.c_str();
-    values.subject_length = note.subject.size();
-    values.text = note.text.c_str();
-    values.text_length = note.text.size();
-    values.attribute = note.attribute.c_str();
-    values.attribute_length = note.attribute.size();
+    values.count = note.count;
+    refer(values.subject, values.subject_length, note.subject);
+    refer(values.text, values.text_length, note.text);
+    refer(values.attribute, values.attribute_length, note.attribute);
+    refer(values.value, values.value_length, note.value);
+    refer(values.parent, values.parent_length, note.parent);
+    refer(values.expected, values.expected_length, note.expected);
     return values;
 }
 
 trvfiles_fault_values valuesOf(const CFileFault& fault) {
     trvfiles_fault_values values = {};
-    values.reason = fault.reason.c_str();
-    values.reason_length = fault.reason.size();
+    refer(values.reason, values.reason_length, fault.reason);
+    refer(values.subject, values.subject_length, fault.subject);
+    values.cause = static_cast<std::int32_t>(fault.cause);
     values.line = fault.line;
     values.column = fault.column;
     values.system_error = fault.systemError;
@@ -120,6 +127,10 @@ int32_t trvfiles_fault_get_note(trvfiles_fault fault, size_t index, trvfiles_not
 
 const char* trvfiles_note_kind_name(int32_t kind) {
     return fileNoteKindName(static_cast<CFileFault::Note::Kind>(kind));
+}
+
+const char* trvfiles_fault_cause_name(int32_t cause) {
+    return fileFaultCauseName(static_cast<CFileFault::Cause>(cause));
 }
 
 int32_t trvfiles_texts_create(trvfiles_texts* created, trvfiles_fault fault) {
