@@ -1,0 +1,217 @@
+// The tree of components. Only the rows in sight are elements of the page.
+(function (viewer) {
+    'use strict';
+
+    const maxIndent = 24;
+    const extraRows = 6;
+
+    function span(className, text) {
+        const element = document.createElement('span');
+        element.className = className;
+        if (text !== undefined) element.textContent = text;
+        return element;
+    }
+
+    function makeRow() {
+        const row = document.createElement('div');
+        row.className = 'row';
+        row.setAttribute('role', 'treeitem');
+        const eye = document.createElement('button');
+        eye.type = 'button';
+        eye.className = 'eye';
+        eye.tabIndex = -1;
+        row.append(span('twisty'), span('swatch'), span('name'), span('file'), eye);
+        return row;
+    }
+
+    function fillHeading(row, assembly, index) {
+        row.className = 'row heading';
+        row.removeAttribute('aria-expanded');
+        row.setAttribute('aria-level', '1');
+        row.setAttribute('aria-selected', 'false');
+        row.querySelector('.twisty').textContent = '';
+        row.querySelector('.name').textContent = `${['Before', 'After'][index]}: ${assembly.path}`;
+        row.querySelector('.file').textContent = '';
+        row.querySelector('.swatch').className = 'swatch';
+        row.querySelector('.eye').hidden = true;
+    }
+
+    /** Fills a row with a component. Texts from files are text content, never markup. */
+    function fillRow(row, i, context) {
+        const { model, states, rows, roles } = context;
+        const { name, file, enabled, depth } = model.components;
+        const isFolder = rows.hasChildren(i);
+        const isOff = !enabled[i];
+        row.className = 'row';
+        row.classList.toggle('off', isOff);
+        row.classList.toggle('unseen', !states.isVisible(i));
+        row.classList.toggle('hovered', i === states.hovered);
+        row.classList.toggle('selected', i === states.selected);
+        row.setAttribute('aria-level', String(depth[i] + 1));
+        row.setAttribute('aria-selected', String(i === states.selected));
+        if (isFolder) row.setAttribute('aria-expanded', String(rows.isUnfolded(i)));
+        else row.removeAttribute('aria-expanded');
+        row.querySelector('.twisty').textContent = isFolder ? (rows.isUnfolded(i) ? '▾' : '▸') : '';
+        row.querySelector('.twisty').style.marginLeft = `${Math.min(depth[i], maxIndent) * 14}px`;
+        row.querySelector('.swatch').className = `swatch role-${roles[i]}`;
+        row.querySelector('.name').textContent = name[i] === '' ? '(no name)' : name[i];
+        row.querySelector('.file').textContent = isOff ? 'disabled'
+            : file[i] < 0 ? '' : model.files[file[i]].path.replace(/^.*[\\/]/, '');
+        fillEye(row.querySelector('.eye'), states.isHidden(i), name[i]);
+    }
+
+    function fillEye(eye, isHidden, name) {
+        eye.hidden = false;
+        eye.classList.toggle('closed', isHidden);
+        eye.setAttribute('aria-label', `${isHidden ? 'Show' : 'Hide'} ${name.slice(0, 80)}`);
+        eye.setAttribute('aria-pressed', String(!isHidden));
+    }
+
+    /** What the arrow keys do: the row to select, after folding or unfolding. */
+    function moveBy(key, i, list, context) {
+        const { rows, model } = context;
+        const at = list.indexOf(i);
+        const last = list.length - 1;
+        if (key === 'Home') return list.find((row) => row >= 0);
+        if (key === 'End') return list[last];
+        if (key === 'ArrowDown') return list.slice(at + 1).find((row) => row >= 0);
+        if (key === 'ArrowUp') return list.slice(0, Math.max(at, 0)).reverse().find((row) => row >= 0);
+        const isOpen = at >= 0 && rows.hasChildren(i) && rows.isUnfolded(i);
+        if (key === 'ArrowRight' && isOpen) return list[at + 1];
+        if (key === 'ArrowLeft' && !isOpen && i >= 0) return model.components.parent[i];
+        if (at >= 0) rows.setUnfolded(i, key === 'ArrowRight');
+        return i;
+    }
+
+    const moveKeys = ['Home', 'End', 'ArrowDown', 'ArrowUp', 'ArrowRight', 'ArrowLeft'];
+
+    /**
+     * The tree.
+     *
+     * @param context  model, states, rows, roles
+     * @param actions  open(component): shows it in the view
+     */
+    viewer.makeTree = function (context, actions) {
+        const { model, states, rows } = context;
+        const tree = document.getElementById('tree');
+        const space = document.getElementById('tree-space');
+        const search = document.getElementById('search');
+        const pool = [];
+        let list = rows.rows();
+        let height = 26;
+
+        function rowElement(index) {
+            if (index >= pool.length) {
+                pool.push(makeRow());
+                space.append(pool[index]);
+            }
+            return pool[index];
+        }
+
+        function placeRow(row, index) {
+            const i = list[index];
+            row.hidden = false;
+            row.dataset.index = String(index);
+            row.id = `row-${i < 0 ? `heading${-1 - i}` : i}`;
+            row.style.transform = `translateY(${index * height}px)`;
+            if (i < 0) fillHeading(row, model.assemblies[-1 - i], -1 - i);
+            else fillRow(row, i, context);
+        }
+
+        /** Fills the rows in sight and hides the other elements. */
+        function show() {
+            const first = Math.max(0, Math.floor(tree.scrollTop / height) - extraRows);
+            const count = Math.ceil(tree.clientHeight / height) + 2 * extraRows;
+            const last = Math.min(list.length, first + count);
+            for (let index = first; index < last; ++index) {
+                placeRow(rowElement(index - first), index);
+            }
+            pool.slice(last - first).forEach((row) => { row.hidden = true; row.id = ''; });
+            const active = states.selected >= 0 ? `row-${states.selected}` : '';
+            tree.setAttribute('aria-activedescendant', active);
+        }
+
+        function rebuild() {
+            list = rows.rows();
+            height = matchMedia('(pointer: coarse)').matches ? 40 : 26;
+            space.style.height = `${list.length * height}px`;
+            document.getElementById('tree-empty').hidden = list.length > 0;
+            show();
+        }
+
+        function scrollTo(component) {
+            const top = list.indexOf(component) * height;
+            if (top < 0) return;
+            if (top < tree.scrollTop) tree.scrollTop = top;
+            const bottom = top + height - tree.clientHeight;
+            if (bottom > tree.scrollTop) tree.scrollTop = bottom;
+        }
+
+        function select(component) {
+            if (component >= 0) rows.reveal(component);
+            rebuild();
+            if (component >= 0) scrollTo(component);
+            show();
+        }
+
+        function componentAt(event) {
+            const row = event.target.closest('.row');
+            return row ? list[Number(row.dataset.index)] : -1;
+        }
+
+        function clicked(event) {
+            const i = componentAt(event);
+            if (i === undefined || i < 0) return;
+            if (event.target.closest('.eye')) {
+                states.setHidden(i, !states.isHidden(i));
+            } else if (event.target.closest('.twisty') && rows.hasChildren(i)) {
+                rows.setUnfolded(i, !rows.isUnfolded(i));
+                rebuild();
+            } else {
+                states.select(i);
+            }
+        }
+
+        function pressed(event) {
+            if (event.key === 'Enter' && states.selected >= 0) actions.open(states.selected);
+            if (!moveKeys.includes(event.key)) return;
+            event.preventDefault();
+            event.stopPropagation();
+            const next = moveBy(event.key, states.selected, list, context);
+            if (next !== undefined && next >= 0) states.select(next);
+        }
+
+        /** Selects the next component that the search finds. */
+        function nextMatch() {
+            const found = rows.matching();
+            if (found.length === 0) return;
+            const next = found.find((i) => i > states.selected);
+            states.select(next === undefined ? found[0] : next);
+        }
+
+        tree.addEventListener('scroll', show, { passive: true });
+        tree.addEventListener('click', clicked);
+        tree.addEventListener('dblclick', (event) => {
+            const i = componentAt(event);
+            if (i >= 0 && !event.target.closest('.eye, .twisty')) actions.open(i);
+        });
+        tree.addEventListener('keydown', pressed);
+        tree.addEventListener('pointermove', (event) => {
+            if (event.pointerType === 'mouse') states.hover(Math.max(-1, componentAt(event)));
+        });
+        tree.addEventListener('pointerleave', () => states.hover(-1));
+        search.addEventListener('input', () => {
+            rows.search(search.value);
+            tree.scrollTop = 0;
+            rebuild();
+            document.getElementById('search-count').textContent =
+                search.value.trim() === '' ? '' : `${rows.matching().length} found`;
+        });
+        search.addEventListener('keydown', (event) => { if (event.key === 'Enter') nextMatch(); });
+        states.selectionChanged.connect(select);
+        states.hoverChanged.connect(show);
+        states.visibilityChanged.connect(show);
+        new ResizeObserver(rebuild).observe(tree);
+        return { rebuild: rebuild };
+    };
+})(window.viewer);
