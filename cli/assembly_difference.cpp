@@ -1,5 +1,4 @@
 #include <cli/assembly_difference.h>
-#include <cli/difference_walk.h>
 #include <cli/text_output.h>
 #include <trvfiles/assembly/assembly_comparison.h>
 
@@ -90,7 +89,9 @@ QString unpairedText(const OutlineNode& node, const QString& side) {
              counted(node.size - 1, QStringLiteral("component"), QStringLiteral("components")));
 }
 
-QStringList differenceTexts(const Difference& difference) {
+}  // namespace
+
+QStringList textsOf(const Difference& difference) {
     switch (difference.change) {
         case Change::added:
             return {unpairedText(*difference.second, QStringLiteral("second"))};
@@ -107,7 +108,9 @@ QStringList differenceTexts(const Difference& difference) {
     return {};
 }
 
-}  // namespace
+std::string placeOf(const Difference& difference) {
+    return difference.field == Field::dimension ? "dimension" : difference.path;
+}
 
 bool printDifferences(const CTrvAssemblyData& first, const CTrvAssemblyData& second,
                       std::ostream& out) {
@@ -115,10 +118,9 @@ bool printDifferences(const CTrvAssemblyData& first, const CTrvAssemblyData& sec
     DifferenceWalk(first, second).run(PathForm::visible, [&](const Difference& difference) {
         const bool isNote = difference.change == Change::ignored;
         found = found || !isNote;
-        for (const QString& text : differenceTexts(difference)) {
-            out << (isNote ? "note: " : "")
-                << (difference.field == Field::dimension ? "dimension" : difference.path) << ": "
-                << qUtf8Printable(text) << '\n';
+        for (const QString& text : textsOf(difference)) {
+            out << (isNote ? "note: " : "") << placeOf(difference) << ": " << qUtf8Printable(text)
+                << '\n';
         }
     });
     return found;

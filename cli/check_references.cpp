@@ -1,14 +1,11 @@
 #include <cli/assembly_walk.h>
 #include <cli/check_references.h>
 #include <cli/diagnostic_places.h>
-#include <cli/input_files.h>
+#include <cli/reference_directory.h>
 #include <cli/xml_tags.h>
 #include <trvfiles/assembly/assembly_names.h>
-#include <trvfiles/support/platform_directories.h>
-#include <trvfiles/text/path_resolution.h>
 #include <trvfiles/text/text_conversion.h>
 
-#include <QFileInfo>
 #include <QHash>
 #include <QSet>
 
@@ -16,21 +13,6 @@
 
 namespace trv::cli {
 namespace {
-
-class Directory {
-public:
-    // @param file  the name of a file in the directory
-    explicit Directory(const QString& file) : path_({QFileInfo(resolved(file)).path(), true}) {}
-
-    bool hasFile(const HostPath& name) const {
-        const QString path = resolvedPath(path_, name);
-        return isOpenable(path) &&
-               platform::kind_of(systemPath(path)) == platform::file_kind::other;
-    }
-
-private:
-    const HostPath path_;
-};
 
 // The places at which the "File" elements first have these names. One walk, whatever their number.
 QHash<QString, Place> placesOfFiles(const SourceText& source, const QSet<QString>& wanted) {
@@ -53,7 +35,7 @@ QHash<QString, Place> placesOfFiles(const SourceText& source, const QSet<QString
 }  // namespace
 
 References missingReferences(const QString& file, const CTrvAssemblyData& assembly) {
-    const Directory directory(file);
+    const ReferenceDirectory directory(file);
     QSet<QString> known;
     References missing;
     forEachComponent(assembly, [&](const ComponentBody& component, std::size_t) {
@@ -68,7 +50,7 @@ References missingReferences(const QString& file, const CTrvAssemblyData& assemb
 }
 
 References missingReferences(const QString& file, const CMachineContextData& context) {
-    const Directory directory(file);
+    const ReferenceDirectory directory(file);
     References missing;
     const auto check = [&](const char* what, const std::wstring& name, const char* section,
                            const char* key) {

@@ -68,6 +68,7 @@ CommandGroup assemblyCommands();
 CommandGroup axisCommands();
 CommandGroup contextCommands();
 CommandGroup envCommands();
+CommandGroup viewCommand();
 CommandGroup helpCommand();
 CommandGroup completionCommand();
 

@@ -11,6 +11,7 @@ CommandGroup allCommands() {
              axisCommands(),
              contextCommands(),
              envCommands(),
+             viewCommand(),
              helpCommand(),
              completionCommand(),
          }) {

@@ -3,6 +3,7 @@
 #include <trvfiles/text/text_conversion.h>
 
 #include <QJsonDocument>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -109,8 +110,7 @@ void JsonWriter::addAll(const QJsonObject& object) {
 
 void JsonWriter::addText(const char* key, const std::string& narrow) {
     beginMember(key);
-    if (!isPlain(narrow, '"')) return appendJsonString(out_.text(), fromNarrow(narrow));
-    out_.text().append(1, '"').append(narrow).append(1, '"');
+    appendText(narrow);
 }
 
 void JsonWriter::addUtf8(const char* key, const std::string& text) {
@@ -144,6 +144,29 @@ void JsonWriter::addNumbers(const char* key, const double* values, int count) {
     out_.text() += ']';
 }
 
+void JsonWriter::addBase64(const char* key, const std::vector<double>& numbers) {
+    // Three numbers have a whole number of digits.
+    constexpr std::size_t blockLength = 3 * 1024;
+    beginMember(key);
+    out_.text() += '"';
+    for (std::size_t first = 0; first < numbers.size(); first += blockLength) {
+        const std::size_t count = std::min(blockLength, numbers.size() - first);
+        QByteArray bytes(static_cast<int>(count * sizeof(double)), Qt::Uninitialized);
+        qToLittleEndian<double>(numbers.data() + first, static_cast<qsizetype>(count),
+                                bytes.data());
+        const QByteArray digits = bytes.toBase64();
+        out_.text().append(digits.constData(), static_cast<std::size_t>(digits.size()));
+        out_.endPiece();
+    }
+    out_.text() += '"';
+}
+
+void JsonWriter::beginObject(const char* key) {
+    beginMember(key);
+    out_.text() += '{';
+    isFirst_ = true;
+}
+
 void JsonWriter::beginArray(const char* key) {
     beginMember(key);
     out_.text() += '[';
@@ -153,6 +176,16 @@ void JsonWriter::beginArray(const char* key) {
 void JsonWriter::addElement(const QJsonValue& value) {
     separate();
     appendUtf8(out_.text(), jsonText(value));
+}
+
+void JsonWriter::addTextElement(const std::string& narrow) {
+    separate();
+    appendText(narrow);
+}
+
+void JsonWriter::addIntegerElement(long long value) {
+    separate();
+    appendInteger(out_.text(), value);
 }
 
 void JsonWriter::beginObject() {
@@ -174,6 +207,11 @@ void JsonWriter::endArray() {
 void JsonWriter::end() {
     out_.text() += "}\n";
     out_.flush();
+}
+
+void JsonWriter::appendText(const std::string& narrow) {
+    if (!isPlain(narrow, '"')) return appendJsonString(out_.text(), fromNarrow(narrow));
+    out_.text().append(1, '"').append(narrow).append(1, '"');
 }
 
 void JsonWriter::separate() {

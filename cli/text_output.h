@@ -14,6 +14,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace trv::cli {
 
@@ -74,10 +75,18 @@ public:
     /// An array of numbers in the form of jsonNumber().
     void addNumbers(const char* key, const double* values, int count);
 
+    /// The bytes of the numbers, each a double with its lowest byte first, in base64.
+    void addBase64(const char* key, const std::vector<double>& numbers);
+
+    /// Starts an object as the next member. Its members and then endObject() follow.
+    void beginObject(const char* key);
+
     /// Starts an array as the next member. Calls of addElement() or beginObject() and then
     /// endArray() follow.
     void beginArray(const char* key);
     void addElement(const QJsonValue& value);
+    void addTextElement(const std::string& narrow);
+    void addIntegerElement(long long value);
     /// Starts an object as the next element. Its members and then endObject() follow.
     void beginObject();
     void endObject();
@@ -86,6 +95,7 @@ public:
     void end();
 
 private:
+    void appendText(const std::string& narrow);
     void separate();
     void beginMember(const char* key);
 
