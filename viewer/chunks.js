@@ -2,7 +2,9 @@
 (function (viewer) {
     'use strict';
 
-    const maxInstances = 256;
+    viewer.maxInstances = 256;
+    // A frame draws whole chunks, so a chunk has to be quick to draw.
+    const maxTriangles = 200000;
     const floatsPerInstance = 15;  // three axes, translation as high and low part
 
     /** Spreads the lower ten bits of a number: every third bit of the result. */
@@ -98,7 +100,7 @@
         const places = new Float32Array(floatsPerInstance * count);
         const chunk = {
             shape: shape, items: items, isGhost: isGhost, shown: [], size: size,
-            bounds: bounds, sphere: viewer.sphereOf(bounds),
+            bounds: bounds, sphere: viewer.sphereOf(bounds), box: null,
             places: new THREE.InstancedInterleavedBuffer(places, floatsPerInstance, false, 1),
             tints: new THREE.InstancedBufferAttribute(new Uint8Array(4 * count), 4, true),
         };
@@ -108,9 +110,8 @@
 
     function addMeshes(chunk, scene, materials) {
         const kind = chunk.isGhost ? 1 : 0;
-        const { faces, box, edges } = chunk.shape.attributes;
+        const { faces, edges } = chunk.shape.attributes;
         chunk.faces = addMesh(chunk, scene, THREE.Mesh, faces, materials.faces[kind]);
-        chunk.box = addMesh(chunk, scene, THREE.Mesh, box, materials.faces[kind]);
         chunk.edges = addMesh(chunk, scene, THREE.LineSegments, edges, materials.edges[kind]);
         return chunk;
     }
@@ -120,17 +121,29 @@
         const attribute = (positions) => new THREE.BufferAttribute(positions, 3);
         shape.attributes = {
             faces: attribute(shape.positions),
-            box: attribute(viewer.boxTriangles(shape.bounds.min, shape.bounds.max)),
             edges: attribute(viewer.edgesOf(shape.positions)),
         };
     };
+
+    /** Orders items so that each beginning of the list is spread over all of them. */
+    function scatter(items) {
+        const stride = 16;
+        const phases = Array.from({ length: stride }, (value, phase) => phase);
+        return phases.flatMap((phase) => items.filter((item, i) => i % stride === phase));
+    }
+
+    function chunkSizeOf(shape) {
+        const fitting = Math.floor(maxTriangles / (shape.positions.length / 9));
+        return Math.max(1, Math.min(viewer.maxInstances, fitting));
+    }
 
     /** Chunks for the items of one shape; their meshes are added to the scene. */
     viewer.makeChunks = function (shape, items, isGhost, scene, materials) {
         const sorted = sortByPlace(items);
         const chunks = [];
-        for (let i = 0; i < sorted.length; i += maxInstances) {
-            const chunk = makeChunk(shape, sorted.slice(i, i + maxInstances), isGhost);
+        const size = chunkSizeOf(shape);
+        for (let i = 0; i < sorted.length; i += size) {
+            const chunk = makeChunk(shape, scatter(sorted.slice(i, i + size)), isGhost);
             chunks.push(addMeshes(chunk, scene, materials));
         }
         return chunks;
@@ -151,12 +164,14 @@
             writePlace(item.matrix, chunk.places.array, floatsPerInstance * slot);
         });
         chunk.places.needsUpdate = true;
+        chunk.arePlacesNew = true;
     };
 
     /** Writes the colours of the items that are shown: four bytes each. */
     viewer.tintChunk = function (chunk, colourOf) {
         chunk.shown.forEach((item, slot) => chunk.tints.array.set(colourOf(item), 4 * slot));
         chunk.tints.needsUpdate = true;
+        chunk.areTintsNew = true;
     };
 
     /** The placement of an item as the attributes hold it: 12 numbers. */

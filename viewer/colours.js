@@ -52,7 +52,8 @@
                 let colour = baseOf(item);
                 let alpha = alphaOf(item);
                 if (states.isIn(item.component, states.selected)) {
-                    colour = mix(colour, theme.select, 0.75);
+                    // In a difference the colour still has to show what kind it is.
+                    colour = mix(colour, theme.select, item.role === 'part' ? 0.75 : 0.35);
                     alpha = Math.min(255, alpha * 1.6);
                 }
                 if (states.isIn(item.component, states.hovered)) {

@@ -14,8 +14,13 @@
         return icon;
     }
 
+    const keyNames = [
+        [' ', 'Space'], ['ArrowLeft', '←'], ['ArrowRight', '→'], ['ArrowUp', '↑'],
+        ['ArrowDown', '↓'],
+    ];
+
     function keyText(key) {
-        return key === ' ' ? 'Space' : key;
+        return keyNames.reduce((text, [name, sign]) => text.replace(name, sign), key);
     }
 
     function labelOf(command) {

@@ -101,7 +101,7 @@
 
     function statusText(model, drawing, choice, step) {
         const count = drawing.chunks.reduce((sum, chunk) => sum + chunk.shown.length, 0);
-        const boxes = choice.boxes > 0 ? `, ${choice.boxes} as boxes` : '';
+        const boxes = choice.boxes > 0 ? `, ${choice.boxes} simplified` : '';
         return `${count} placements${boxes} · grid ${viewer.numberText(step)} mm`;
     }
 

@@ -39,7 +39,7 @@
             section: () => Object.assign({}, section.state),
             /** Milliseconds of frames, the graphics hardware included. */
             timing: () => ({ frames: view.frames, last: view.lastTime, worst: view.worstTime,
-                boxes: view.boxes }),
+                isStill: view.isStill }),
             resetTiming: () => { view.worstTime = 0; view.frames = 0; },
         };
     };

@@ -2,21 +2,20 @@
 (function (viewer) {
     'use strict';
 
-    // Corners of the unit cube in [-1, 1], as two triangles for each face.
+    // The corners of each face of a box, in order around it.
     const cubeFaces = [
         [0, 2, 3, 1], [4, 5, 7, 6], [0, 1, 5, 4], [2, 6, 7, 3], [0, 4, 6, 2], [1, 3, 7, 5],
     ];
 
+    /** The corners of the triangles of a box. Bits 0, 1 and 2 choose the side in x, y and z. */
+    viewer.cubeCorners = cubeFaces.flatMap(([a, b, c, d]) => [a, b, c, a, c, d]);
+
     /** The triangles of the box between two corners. */
-    viewer.boxTriangles = function (min, max) {
-        const positions = [];
-        for (const [a, b, c, d] of cubeFaces) {
-            for (const corner of [a, b, c, a, c, d]) {
-                for (let k = 0; k < 3; ++k) positions.push(corner >> k & 1 ? max[k] : min[k]);
-            }
-        }
+    function boxTriangles(min, max) {
+        const positions = viewer.cubeCorners.flatMap(
+            (corner) => [0, 1, 2].map((k) => (corner >> k & 1 ? max : min)[k]));
         return new Float32Array(positions);
-    };
+    }
 
     /** The corners of the box around coordinates. NaN and infinity remain in them. */
     viewer.boundsOf = function (positions) {
@@ -72,7 +71,7 @@
             return makeShape(readPositions(file, takeBlock(index)), null);
         } catch (error) {
             const half = boxSize / 2;
-            const box = viewer.boxTriangles([-half, -half, -half], [half, half, half]);
+            const box = boxTriangles([-half, -half, -half], [half, half, half]);
             return makeShape(box, error.message);
         }
     };

@@ -1,20 +1,22 @@
 // Draws the scene, only when something has changed.
 //
-// While the camera moves, a frame has the triangles that were drawn in 30 ms before. A second later
-// the still picture follows, with those of 500 ms.
+// While the camera moves, a frame has as many triangles as were drawn in 30 ms before. When it rests,
+// the still picture is drawn in full, in slices of 200 ms: each adds to the picture, and the next
+// motion ends it. So no renderer, however slow, keeps its user waiting.
 (function (viewer) {
     'use strict';
 
     const movingTime = 30;
-    const stillTime = 500;
-    const settleTime = 250;
-    const minBudget = 100000;
-    // Smaller frames say little about the speed.
-    const minMeasured = 50000;
+    const sliceTime = 200;
+    const settleTime = 200;
+    const minBudget = 50000;
 
     function makeRenderer(canvas) {
-        const renderer = new THREE.WebGLRenderer({ canvas: canvas, antialias: true });
+        const renderer = new THREE.WebGLRenderer({
+            canvas: canvas, antialias: true, preserveDrawingBuffer: true,
+        });
         renderer.setPixelRatio(Math.min(window.devicePixelRatio || 1, 2));
+        renderer.autoClear = false;
         return renderer;
     }
 
@@ -34,12 +36,14 @@
 
     /** The number of triangles that fit in a time, from the frames measured before. */
     function makeSpeed() {
-        let perMillisecond = 5000;
+        let perMillisecond = 1000;
+        let isMeasured = false;
         return {
             budget: (time) => Math.max(minBudget, perMillisecond * time),
             note: (cost, time) => {
-                if (cost < minMeasured) return;
-                perMillisecond += (cost / Math.max(time, 0.5) - perMillisecond) / 2;
+                const last = cost / Math.max(time, 0.5);
+                perMillisecond = isMeasured ? (perMillisecond + last) / 2 : last;
+                isMeasured = true;
             },
         };
     }
@@ -53,50 +57,93 @@
     viewer.makeView = function (canvas, drawing, camera, materials, section, labels, sphere) {
         const renderer = makeRenderer(canvas);
         const speed = makeSpeed();
-        const view = { frames: 0, lastTime: 0, worstTime: 0, boxes: 0,
+        const view = { frames: 0, lastTime: 0, worstTime: 0, isStill: false,
             drawn: viewer.makeSignal() };
         let requested = 0;
         let settle = 0;
+        let current = null;
+        let rest = [];
 
-        function draw(time) {
-            const current = camera.update(sphere);
+        function setUp() {
+            current = camera.update(sphere);
             setEye(materials.uniforms, current.position);
             section.setUniforms(materials.uniforms, current.position);
-            const choice = viewer.chooseDetail(drawing.chunks, camera, speed.budget(time));
-            renderer.render(drawing.scene, current);
+            renderer.clear();
             labels.update();
-            return choice;
         }
 
-        function measure(time) {
+        /** Draws what is chosen, and measures it. */
+        function draw(choose) {
             const start = performance.now();
-            const choice = draw(time);
-            finish(renderer);
+            const choice = choose();
+            renderer.render(drawing.scene, current);
+            // A browser reports each wait in its console, so small frames are not measured.
+            const isMeasured = choice.cost >= minBudget;
+            if (isMeasured) finish(renderer);
             view.lastTime = performance.now() - start;
             view.worstTime = Math.max(view.worstTime, view.lastTime);
             ++view.frames;
-            view.boxes = choice.boxes;
-            speed.note(choice.cost, view.lastTime);
+            if (isMeasured) speed.note(choice.cost, view.lastTime);
             view.drawn.emit(choice);
+            return choice;
         }
 
-        function requestStill() {
+        function drawDraft() {
+            setUp();
+            const boxesOf = (chunk) => viewer.boxesOf(chunk, drawing.scene, materials);
+            return draw(() => viewer.chooseDraft(drawing.chunks, camera, speed.budget(movingTime),
+                boxesOf));
+        }
+
+        function drawSlice() {
+            draw(() => viewer.chooseSlice(drawing.chunks, rest, speed.budget(sliceTime)));
+            view.isStill = rest.length === 0;
+        }
+
+        function beginStill() {
+            setUp();
+            rest = viewer.listStill(drawing.chunks, camera);
+            drawSlice();
+        }
+
+        function nextFrame(action) {
+            requested = requestAnimationFrame(() => { requested = 0; action(); });
+        }
+
+        function continueStill() {
+            if (view.isStill) return;
+            drawSlice();
+            nextFrame(continueStill);
+        }
+
+        /** Ends a still picture that is being drawn. */
+        function interrupt() {
             clearTimeout(settle);
-            settle = setTimeout(() => {
-                cancelAnimationFrame(requested);
-                requested = requestAnimationFrame(() => { requested = 0; measure(stillTime); });
-            }, settleTime);
+            cancelAnimationFrame(requested);
+            view.isStill = false;
         }
 
-        /** Asks for a frame that has to be quick, and for the still picture after it. */
+        function drawMoving() {
+            const choice = drawDraft();
+            view.isStill = choice.boxes === 0;
+            if (view.isStill) return;
+            settle = setTimeout(() => nextFrame(() => {
+                beginStill();
+                nextFrame(continueStill);
+            }), settleTime);
+        }
+
+        /** Asks for a frame that is quick, and for the still picture after it. */
         function request() {
-            if (requested === 0) {
-                requested = requestAnimationFrame(() => {
-                    requested = 0;
-                    measure(movingTime);
-                    if (view.boxes > 0) requestStill();
-                });
-            }
+            interrupt();
+            nextFrame(drawMoving);
+        }
+
+        /** Draws the still picture as a whole. */
+        function drawAll() {
+            interrupt();
+            beginStill();
+            while (!view.isStill) drawSlice();
         }
 
         function resize() {
@@ -110,16 +157,16 @@
         return Object.assign(view, {
             request: request,
             resize: resize,
-            drawNow: () => measure(stillTime),
+            drawNow: () => { interrupt(); drawMoving(); },
             setBackground: (colour) => { renderer.setClearColor(colour, 1); request(); },
-            /** The picture as a PNG, passed to a function. The canvas is only filled while drawing. */
+            /** The picture as a PNG, passed to a function. */
             takePicture: (receive) => {
-                measure(stillTime);
+                drawAll();
                 canvas.toBlob(receive, 'image/png');
             },
             /** Bytes of a pixel, counted from the upper left corner in CSS pixels. */
             pixel: (x, y) => {
-                draw(stillTime);
+                drawAll();
                 const gl = renderer.getContext();
                 const ratio = renderer.getPixelRatio();
                 const bytes = new Uint8Array(4);
