@@ -126,10 +126,10 @@
     };
 
     /** Orders items so that each beginning of the list is spread over all of them. */
-    function scatter(items) {
-        const stride = 16;
-        const phases = Array.from({ length: stride }, (value, phase) => phase);
-        return phases.flatMap((phase) => items.filter((item, i) => i % stride === phase));
+    function scatter(items, seed) {
+        const count = items.length;
+        const step = count % 97 === 0 ? 89 : 97;  // without a common factor with the count
+        return items.map((item, i) => items[(step * (i + seed)) % count]);
     }
 
     function chunkSizeOf(shape) {
@@ -143,7 +143,7 @@
         const chunks = [];
         const size = chunkSizeOf(shape);
         for (let i = 0; i < sorted.length; i += size) {
-            const chunk = makeChunk(shape, scatter(sorted.slice(i, i + size)), isGhost);
+            const chunk = makeChunk(shape, scatter(sorted.slice(i, i + size), i), isGhost);
             chunks.push(addMeshes(chunk, scene, materials));
         }
         return chunks;

@@ -170,7 +170,7 @@
         const roles = viewer.rolesOf(model);
         const drawing = viewer.makeDrawing(model, shapes, roles, states, materials, colours);
         const room = roomOf(drawing, model);
-        const camera = viewer.makeCamera();
+        const camera = viewer.makeCamera(canvas, () => view.request());
         const labels = viewer.makeLabels(byId('labels'), camera);
         const references = connectReferences(model, room, drawing.scene, labels, colours);
         const section = viewer.makeSection(room);
@@ -181,7 +181,7 @@
     }
 
     function connectParts(parts, canvas) {
-        const { model, states, view, camera, shapes } = parts;
+        const { model, states, view, shapes } = parts;
         parts.refresh = () => parts.commands && parts.commands.refresh();
         const changed = () => { view.request(); parts.refresh(); };
         parts.measure = viewer.makeMeasure(parts.drawing.scene, parts.labels, parts.colours, changed);
@@ -196,7 +196,7 @@
         parts.fitComponent = page.fitComponent;
         parts.commands = viewer.connectCommands(viewer.commandsOf(page));
         const pickAt = makePicker(parts, canvas);
-        viewer.connectPointer(canvas, camera, viewer.pointerActions(parts, pickAt));
+        viewer.connectPointer(canvas, viewer.pointerActions(parts, pickAt));
         connectButtons(page);
         return pickAt;
     }
@@ -228,13 +228,13 @@
         setState('reading');
         const model = viewer.readDocument();
         const shapes = await readShapes(model);
-        const canvas = byId('canvas');
         if (!document.createElement('canvas').getContext('webgl')) {
             fail('This browser has no WebGL, which the drawing needs.');
             return;
         }
         if (matchMedia('(max-width: 700px)').matches) document.body.classList.add('closed');
         connectTabs();
+        const canvas = byId('canvas');
         const parts = makeParts(model, shapes, canvas);
         const pickAt = connectParts(parts, canvas);
         addMissingLabels(model, parts.drawing, parts.labels);

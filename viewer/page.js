@@ -13,27 +13,22 @@
     }
 
     function cameraActions(parts) {
-        const { camera, view, drawing, states, refresh } = parts;
+        const { camera, drawing, states, refresh } = parts;
         const boundsToFit = (component) => {
             const branch = drawing.bounds(component);
             if (!viewer.isEmptyBounds(branch)) return branch;
             return viewer.isEmptyBounds(drawing.all) ? parts.room : drawing.all;
         };
-        const fit = (component) => { camera.fit(boundsToFit(component)); view.request(); };
-        const move = (action) => (...values) => { action(...values); view.request(); };
+        const fit = (component) => camera.fit(boundsToFit(component));
         return {
             fit: () => fit(states.selected),
             fitComponent: fit,
             look: (name) => { camera.look(name); fit(-1); },
-            orbit: move(camera.orbit),
-            pan: move(camera.panPixels),
-            zoom: move((factor) => camera.zoom(factor, 0, 0)),
-            isParallel: () => camera.state.isParallel,
-            toggleProjection: () => {
-                camera.state.isParallel = !camera.state.isParallel;
-                view.request();
-                refresh();
-            },
+            orbit: camera.orbit,
+            pan: camera.panPixels,
+            zoom: camera.zoom,
+            isParallel: camera.isParallel,
+            toggleProjection: () => { camera.toggleProjection(); refresh(); },
         };
     }
 
@@ -125,14 +120,13 @@
 
     /** What a pointer in the drawing does, for connectPointer(). */
     viewer.pointerActions = function (parts, pickAt) {
-        const { states, measure, view, fitComponent } = parts;
+        const { states, measure, fitComponent } = parts;
         let waiting = null;
         const componentAt = (x, y) => {
             const hit = pickAt(x, y);
             return hit ? hit.item.component : -1;
         };
         return {
-            changed: view.request,
             click: (x, y) => {
                 const hit = pickAt(x, y);
                 if (!measure.isOn) states.select(hit ? hit.item.component : -1);

@@ -32,7 +32,7 @@
                 const hit = pickAt(x, y);
                 return hit && { component: hit.item.component, point: hit.point };
             },
-            camera: () => Object.assign({}, camera.state, { target: camera.state.target.toArray() }),
+            camera: camera.state,
             pixelOf: (point) => camera.pixelOf(new THREE.Vector3(...point)),
             pixel: view.pixel,
             measured: () => measure.points,

@@ -34,6 +34,7 @@
         if (!Object.hasOwn(viewer.readers, file.format)) throw new Error('unknown format');
         const positions = viewer.readers[file.format](bytes);
         if (positions.length === 0) throw new Error('the file has no triangles');
+        if (positions.length % 9 !== 0) throw new Error('the file ends in a triangle');
         if (!positions.every(Number.isFinite)) {
             throw new Error('a coordinate is not a finite number');
         }

@@ -1,12 +1,14 @@
 // Draws the scene, only when something has changed.
 //
-// While the camera moves, a frame has as many triangles as were drawn in 30 ms before. When it rests,
-// the still picture is drawn in full, in slices of 200 ms: each adds to the picture, and the next
-// motion ends it. So no renderer, however slow, keeps its user waiting.
+// While the camera moves, a frame has as many triangles as were drawn in 30 ms before, or in 80 ms by
+// a software renderer. When it rests, the still picture is drawn in full, in slices of 200 ms: each
+// adds to the picture, and the next motion ends it. So no renderer, however slow, blocks the page.
 (function (viewer) {
     'use strict';
 
     const movingTime = 30;
+    const slowMovingTime = 80;
+    const slowSpeed = 10000;  // triangles in a millisecond
     const sliceTime = 200;
     const settleTime = 200;
     const minBudget = 50000;
@@ -40,6 +42,7 @@
         let isMeasured = false;
         return {
             budget: (time) => Math.max(minBudget, perMillisecond * time),
+            movingTime: () => (perMillisecond < slowSpeed ? slowMovingTime : movingTime),
             note: (cost, time) => {
                 const last = cost / Math.max(time, 0.5);
                 perMillisecond = isMeasured ? (perMillisecond + last) / 2 : last;
@@ -91,8 +94,8 @@
         function drawDraft() {
             setUp();
             const boxesOf = (chunk) => viewer.boxesOf(chunk, drawing.scene, materials);
-            return draw(() => viewer.chooseDraft(drawing.chunks, camera, speed.budget(movingTime),
-                boxesOf));
+            const budget = speed.budget(speed.movingTime());
+            return draw(() => viewer.chooseDraft(drawing.chunks, camera, budget, boxesOf));
         }
 
         function drawSlice() {
