@@ -64,11 +64,11 @@ using CommandGroup = std::vector<Command>;
 // One function for each file of subcommands; command_table.cpp lists them.
 CommandGroup showCommand();
 CommandGroup checkCommand();
+CommandGroup viewCommand();
 CommandGroup assemblyCommands();
 CommandGroup axisCommands();
 CommandGroup contextCommands();
 CommandGroup envCommands();
-CommandGroup viewCommand();
 CommandGroup helpCommand();
 CommandGroup completionCommand();
 

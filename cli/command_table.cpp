@@ -7,11 +7,11 @@ CommandGroup allCommands() {
     for (const CommandGroup& group : {
              showCommand(),
              checkCommand(),
+             viewCommand(),
              assemblyCommands(),
              axisCommands(),
              contextCommands(),
              envCommands(),
-             viewCommand(),
              helpCommand(),
              completionCommand(),
          }) {

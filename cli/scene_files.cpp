@@ -37,7 +37,7 @@ int SceneFiles::add(const ReferenceDirectory& directory, const std::string& name
 void SceneFiles::reportHidden(std::ostream& err) const {
     for (const File& file : files_) {
         if (file.geometry.format != nullptr) continue;
-        err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2; the page shows a box\n")
+        err << qUtf8Printable(QStringLiteral("trvfiles: %1: %2; shown as a box\n")
                                   .arg(shown(file.name), shown(file.geometry.reason)));
     }
 }

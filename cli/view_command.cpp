@@ -6,69 +6,15 @@
 #include <trvfiles/support/platform_programs.h>
 #include <trvfiles/text/text_conversion.h>
 
-#include <utility>
+#include <functional>
+#include <ostream>
+#include <string>
 
 namespace trv::cli {
 namespace {
 
-const QString commandName = QStringLiteral("view");
-const QString standardOutput = QStringLiteral("-");
-
-struct Files {
-    QStringList assemblies;
-    /// Axis files and machine contexts, with their kinds.
-    std::vector<std::pair<QString, FileKind>> frames;
-};
-
-// Reports each file whose kind is not found.
-ExitStatus sortFiles(const QStringList& names, const Console& console, Files& files) {
-    ExitStatus status = done;
-    for (const QString& name : names) {
-        FileKind kind = FileKind::unknown;
-        if (const Problem problem = findKind(name, kind)) {
-            status = report(name, problem, console);
-        } else if (kind == FileKind::assembly) {
-            files.assemblies += name;
-        } else {
-            files.frames.emplace_back(name, kind);
-        }
-    }
-    return status;
-}
-
-// What is wrong with the number of assemblies; empty if nothing is.
-QString mistakeIn(const QStringList& assemblies, bool isComparison) {
-    const auto count = [&] {
-        return counted(static_cast<unsigned long long>(assemblies.size()),
-                       QStringLiteral("assembly"), QStringLiteral("assemblies"));
-    };
-    if (isComparison && assemblies.size() != 2) {
-        return QStringLiteral("--diff takes two assemblies, not %1")
-            .arg(assemblies.isEmpty() ? QStringLiteral("none") : count());
-    }
-    if (!isComparison && assemblies.size() > 1) {
-        return QStringLiteral("'%1' is one assembly too many; --diff compares two")
-            .arg(assemblies.at(1));
-    }
-    return {};
-}
-
-ExitStatus readScene(const Files& files, const Console& console, Scene& scene) {
-    ExitStatus status = done;
-    for (const QString& name : files.assemblies) {
-        scene.assemblies.push_back({name, {}});
-        const Problem problem = readAssembly(name, scene.assemblies.back().data);
-        if (problem) status = report(name, problem, console);
-    }
-    for (const auto& [name, kind] : files.frames) {
-        SceneFrame frame;
-        if (const Problem problem = readFrame(name, kind, frame)) {
-            status = report(name, problem, console);
-        } else {
-            scene.frames.push_back(frame);
-        }
-    }
-    return status;
+bool isStandardOutput(const QString& name) {
+    return name == QLatin1String("-");
 }
 
 ExitStatus openPage(const QString& name, const Console& console) {
@@ -83,7 +29,7 @@ ExitStatus openPage(const QString& name, const Console& console) {
 // Writes to a file, or to standard output.
 ExitStatus writeTo(const PageTarget& target, const std::function<void(std::ostream&)>& write,
                    const Console& console) {
-    if (target.name == standardOutput) {
+    if (isStandardOutput(target.name)) {
         write(console.out);
         return done;
     }
@@ -100,10 +46,38 @@ QString mistakeIn(const QCommandLineParser& call) {
     if (call.isSet(QStringLiteral("output")) && output.isEmpty()) {
         return QStringLiteral("--output takes the name of a file");
     }
-    if (call.isSet(QStringLiteral("open")) && output == standardOutput) {
+    if (call.isSet(QStringLiteral("open")) && isStandardOutput(output)) {
         return QStringLiteral("--open is not valid with standard output");
     }
+    if (!call.isSet(QStringLiteral("json"))) return {};
+    for (const char* const option : {"output", "force", "open"}) {
+        if (!call.isSet(QLatin1String(option))) continue;
+        return QStringLiteral("--json and --%1 exclude each other").arg(QLatin1String(option));
+    }
     return {};
+}
+
+PageTarget targetOf(const QCommandLineParser& call) {
+    const QStringList names = call.positionalArguments();
+    const QString output = call.value(QStringLiteral("output"));
+    return {output.isEmpty() ? pageNameOf(names.constFirst()) : output, names,
+            call.isSet(QStringLiteral("force"))};
+}
+
+ExitStatus printData(const Scene& scene, const Console& console) {
+    SceneFiles geometry;
+    writeSceneData(scene, geometry, console.out);
+    geometry.reportHidden(console.err);
+    return done;
+}
+
+ExitStatus write(const Scene& scene, const PageParts& parts, const PageTarget& target,
+                 const Console& console) {
+    SceneFiles geometry;
+    const ExitStatus status = writeTo(
+        target, [&](std::ostream& out) { writePage(scene, parts, geometry, out); }, console);
+    if (status == done) geometry.reportHidden(console.err);
+    return status;
 }
 
 ExitStatus view(const QCommandLineParser& call, const Console& console) {
@@ -114,40 +88,30 @@ ExitStatus view(const QCommandLineParser& call, const Console& console) {
 
 ExitStatus viewFiles(const QCommandLineParser& call, const Console& console,
                      const PageParts& parts) {
-    const QStringList names = call.positionalArguments();
-    if (const QString mistake = mistakeIn(call); !mistake.isEmpty()) {
-        return refuseCall(console, commandName, mistake);
-    }
-    if (parts.scripts.empty()) {
-        console.err << "trvfiles: this command was built without libjs-three, which the page "
-                       "needs\n";
+    const QString mistake = mistakeIn(call);
+    if (!mistake.isEmpty()) return refuseCall(console, QStringLiteral("view"), mistake);
+    const bool isJson = call.isSet(QStringLiteral("json"));
+    if (parts.scripts.empty() && !isJson) {
+        console.err << "trvfiles: this command was built without libjs-three, which a page needs\n";
         return failed;
     }
-    Files files;
-    if (const ExitStatus status = sortFiles(names, console, files); status != done) return status;
-    const QString mistake = mistakeIn(files.assemblies, call.isSet(QStringLiteral("diff")));
-    if (!mistake.isEmpty()) return refuseCall(console, commandName, mistake);
-    Scene scene = {displayName(names.constFirst()), {}, {}};
-    if (const ExitStatus status = readScene(files, console, scene); status != done) return status;
-
-    const PageTarget target = {call.isSet(QStringLiteral("output"))
-                                   ? call.value(QStringLiteral("output"))
-                                   : pageNameOf(names.constFirst()),
-                               names, call.isSet(QStringLiteral("force"))};
-    SceneFiles geometry;
-    const ExitStatus status = writeTo(
-        target, [&](std::ostream& out) { writePage(scene, parts, geometry, out); }, console);
+    Scene scene;
+    ExitStatus status =
+        readScene(call.positionalArguments(), call.isSet(QStringLiteral("diff")), console, scene);
     if (status != done) return status;
-    geometry.reportHidden(console.err);
-    return call.isSet(QStringLiteral("open")) ? openPage(target.name, console) : done;
+    if (isJson) return printData(scene, console);
+    const PageTarget target = targetOf(call);
+    status = write(scene, parts, target, console);
+    if (status != done || !call.isSet(QStringLiteral("open"))) return status;
+    return openPage(target.name, console);
 }
 
 CommandGroup viewCommand() {
     Command command;
-    command.name = commandName;
+    command.name = QStringLiteral("view");
     command.arguments = QStringLiteral(
-        "[-o OUT] [--force] [--open] FILE...\n"
-        "       trvfiles view --diff [-o OUT] [--force] [--open] FILE FILE...");
+        "[--diff] [-o OUT] [--force] [--open] FILE...\n"
+        "       trvfiles view --json [--diff] FILE...");
     command.summary = QStringLiteral("Write a page that shows an assembly in a browser");
     command.details = QStringLiteral(
         "The page is one file that needs no network: the geometry files in STL, OBJ and\n"
@@ -168,7 +132,9 @@ CommandGroup viewCommand() {
                            QStringLiteral("FILE")),
         QCommandLineOption(QStringLiteral("force"),
                            QStringLiteral("Replace a file that is not such a page")),
-        QCommandLineOption(QStringLiteral("open"), QStringLiteral("Open the page in the browser"))};
+        QCommandLineOption(QStringLiteral("open"), QStringLiteral("Open the page in the browser")),
+        QCommandLineOption(QStringLiteral("json"),
+                           QStringLiteral("Print the data of the page instead"))};
     command.maxFiles = Command::anyNumber;
     command.run = view;
     return {command};

@@ -23,8 +23,8 @@ class FileBuffer : public std::streambuf {
 public:
     explicit FileBuffer(std::FILE* file) : file_(file) {}
 
-    /// The `errno` of the first write that failed.
-    int failure() const { return failure_; }
+    /// The `errno` of the first write that failed; EIO for any other failure.
+    int failure() const { return failure_ == 0 ? EIO : failure_; }
 
 protected:
     std::streamsize xsputn(const char* text, std::streamsize length) override {
@@ -95,8 +95,9 @@ Problem savePage(const PageTarget& target, const std::function<void(std::ostream
         FileBuffer buffer(file);
         std::ostream out(&buffer);
         write(out);
+        if (out.good()) return true;
         errno = buffer.failure();
-        return out.good();
+        return false;
     });
     if (failure == 0) failure = held->replace();
     return failure == 0 ? Problem() : systemProblem(eFileIOShortWrite, failure);

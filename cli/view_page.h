@@ -4,32 +4,13 @@
 /// The page of `trvfiles view`: one document with everything in it.
 
 #include <cli/page_parts.h>
+#include <cli/scene.h>
 #include <cli/scene_files.h>
-#include <cli/scene_frames.h>
-#include <trvfiles/assembly/CTrvAssemblyData.h>
-
-#include <QString>
 
 #include <ostream>
 #include <string_view>
-#include <vector>
 
 namespace trv::cli {
-
-struct SceneAssembly {
-    /// Of the file, as it was given.
-    QString name;
-    CTrvAssemblyData data;
-};
-
-/// What a page shows.
-struct Scene {
-    /// The name of the first file.
-    QString title;
-    /// None, one, or two that are compared: the old one and the new one.
-    std::vector<SceneAssembly> assemblies;
-    std::vector<SceneFrame> frames;
-};
 
 /// Whether a file that begins with this text is a page of this command, of any version.
 ///

@@ -1,6 +1,7 @@
 // Runs the examples of the pages about the command.
 
 #include <cli/command_table.h>
+#include <cli/page_parts.h>
 #include <tests/cli/env_sample.h>
 #include <tests/cli/process.h>
 #include <tests/common/file_bytes.h>
@@ -73,6 +74,11 @@ std::string comparable(const std::string& text) {
     return replaced(replaced(text, "\\\\", "/"), "\\", "/");
 }
 
+// Whether the command was built with libjs-three.
+bool hasPages() {
+    return !cli::embeddedPageParts().scripts.empty();
+}
+
 // The command in a copy of the sample project, with the installation of the sample.
 class CommandPage : public ::testing::Test {
 protected:
@@ -103,6 +109,7 @@ protected:
         const std::vector<Example> examples = examplesOf(page);
         EXPECT_GT(examples.size(), minCount);
         for (const Example& example : examples) {
+            if (example.command.find("trvfiles view ") == 0 && !hasPages()) continue;
             EXPECT_EQ(comparable(outputOf(example.command)), comparable(example.output))
                 << example.command;
         }
@@ -144,6 +151,7 @@ TEST_F(CommandPage, TheCallsOfADayWorkForTwoHundredAssembliesToo) {
 TEST_F(CommandPage, TheExamplesOfTheHelpSucceed) {
     const std::string program = "trvfiles ";
     for (const cli::Command& command : cli::allCommands()) {
+        if (command.name == QLatin1String("view") && !hasPages()) continue;
         for (const QString& example : command.examples) {
             const std::string call = example.toStdString();
             ASSERT_EQ(call.substr(0, program.size()), program);

@@ -17,6 +17,7 @@ constexpr const char* overview =
     "Commands:\n"
     "  show             Show an assembly, an axis file or a machine context\n"
     "  check            Report what is wrong with files\n"
+    "  view             Write a page that shows an assembly in a browser\n"
     "  assembly tree    Show the components of an assembly\n"
     "  assembly list    List the placed geometry files of an assembly\n"
     "  assembly diff    Show the differences between two assemblies\n"
