@@ -1,9 +1,6 @@
-// STL and OBJ files by the loaders of three.js, with the checks that those do not make.
+// STL and OBJ files by the loaders of three.js.
 (function (viewer) {
     'use strict';
-
-    const headerSize = 84;
-    const facetSize = 50;
 
     /** Runs a loader. What it would print in the console is an error, apart from its timing. */
     function runQuietly(load) {
@@ -26,20 +23,7 @@
         return bytes.buffer.slice(bytes.byteOffset, bytes.byteOffset + bytes.length);
     }
 
-    /** The loader trusts the number of triangles in a binary file and allocates memory for it. */
-    function checkSize(bytes) {
-        if (bytes.length < headerSize || /^\s*solid/.test(viewer.latin1(bytes.subarray(0, 80)))) {
-            return;
-        }
-        const count = new DataView(exactBuffer(bytes)).getUint32(80, true);
-        const present = Math.floor((bytes.length - headerSize) / facetSize);
-        if (present < count) {
-            throw new Error(`the header says ${count} triangles, the file has ${present}`);
-        }
-    }
-
     viewer.readers.stl = function (bytes) {
-        checkSize(bytes);
         const geometry = runQuietly(() => new THREE.STLLoader().parse(exactBuffer(bytes)));
         return geometry.attributes.position.array;
     };

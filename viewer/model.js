@@ -14,6 +14,10 @@
         return new Float64Array(viewer.bytesOf(base64).buffer);
     }
 
+    function matrixAt(column, i) {
+        return column.subarray(12 * i, 12 * i + 12);
+    }
+
     /** The columns of one assembly, with its component indices shifted to those of the model. */
     function addComponents(columns, first, assembly, into) {
         const count = columns.parent.length;
@@ -50,10 +54,6 @@
                 components.end[parent] = Math.max(components.end[parent], components.end[i]);
             }
         }
-    }
-
-    function matrixAt(column, i) {
-        return column.subarray(12 * i, 12 * i + 12);
     }
 
     function addItems(columns, first, assembly, isGhost, items) {

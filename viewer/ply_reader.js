@@ -49,7 +49,7 @@
         const fields = viewer.latin1(bytes).trim().split(/\s+/);
         let next = 0;
         return () => {
-            if (next >= fields.length) throw new RangeError();
+            if (next >= fields.length) throw new RangeError('no number left');
             return viewer.numberOf(fields[next++]);
         };
     }
@@ -106,12 +106,7 @@
     viewer.readers.ply = function (bytes) {
         const header = readHeader(bytes);
         const triangles = viewer.makeTriangles();
-        try {
-            readElements(header, sourceOf(header, bytes), triangles);
-        } catch (error) {
-            if (error instanceof RangeError) throw new Error('the file ends too early');
-            throw error;
-        }
+        readElements(header, sourceOf(header, bytes), triangles);
         return triangles.positions();
     };
 })(window.viewer);

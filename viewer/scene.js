@@ -25,9 +25,13 @@
             bounds: (component) => drawing.bounds(component === undefined ? -1 : component),
             visible: (component) => viewer.itemsBelow(model, component)
                 .some((item) => drawing.isDrawn(item)),
+            name: (component) => model.components.name[component],
+            /** The placement of a component in the assembly. */
+            matrix: (component) => Array.from(viewer.placementOf(model, component, 'world')),
             component: (name) => model.components.name.indexOf(name),
             reasons: () => shapes.map((shape) => shape.reason),
             selected: () => states.selected,
+            select: states.select,
             pick: (x, y) => {
                 const hit = pickAt(x, y);
                 return hit && { component: hit.item.component, point: hit.point };

@@ -59,6 +59,11 @@
         return bytes;
     }
 
+    /** The readers of bytes throw a RangeError at the end of a file. */
+    function reasonOf(error) {
+        return error instanceof RangeError ? 'the file ends too early' : error.message;
+    }
+
     /**
      * The shape of a file.
      *
@@ -73,7 +78,7 @@
         } catch (error) {
             const half = boxSize / 2;
             const box = boxTriangles([-half, -half, -half], [half, half, half]);
-            return makeShape(box, error.message);
+            return makeShape(box, reasonOf(error));
         }
     };
 })(window.viewer);

@@ -48,7 +48,8 @@ def start_browser(directory):
 def run_command(*arguments, cwd=None):
     """The standard output of the command, which has to succeed."""
     return subprocess.run([COMMAND, *map(str, arguments)], cwd=cwd, check=True,
-                          stdout=subprocess.PIPE, encoding="utf-8").stdout
+                          stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                          encoding="utf-8").stdout
 
 
 def wait_for(condition, what):
@@ -144,28 +145,39 @@ class PageTest(unittest.TestCase):
     def text(self, identifier):
         return self.js("return document.getElementById(arguments[0]).textContent", identifier)
 
+    def actions(self):
+        """A chain of actions whose movements take no time."""
+        return ActionChains(self.browser, duration=0)
+
     def press(self, *keys):
         """Presses keys, one after the other, while no field has the focus."""
         self.js("document.activeElement.blur()")
         for key in keys:
-            ActionChains(self.browser).send_keys(key).perform()
+            self.actions().send_keys(key).perform()
         self.settle()
 
     def click(self, selector):
         self.find(selector).click()
 
+    def row_texts(self):
+        """The rows of the tree in sight: what the columns "name" and "file" show."""
+        return self.js("""return [...document.querySelectorAll('#tree .row:not([hidden])')]
+            .sort((a, b) => a.dataset.index - b.dataset.index)
+            .map((row) => ['.name', '.file'].map((part) => row.querySelector(part).textContent))""")
+
     def row(self, name):
         """The row of the tree that shows a name."""
-        rows = [row for row in self.find_all("#tree .row")
-                if row.is_displayed() and row.find_element(By.CLASS_NAME, "name").text == name]
-        self.assertTrue(rows, f"no row shows {name!r}")
-        return rows[0]
+        row = self.js("""return [...document.querySelectorAll('#tree .row:not([hidden])')]
+            .sort((a, b) => a.dataset.index - b.dataset.index)
+            .find((row) => row.querySelector('.name').textContent === arguments[0])""", name)
+        self.assertIsNotNone(row, f"no row shows {name!r}")
+        return row
 
     def point_at(self, pixel):
         """A chain of actions that begins at a pixel of the canvas."""
         canvas = self.find("#canvas")
         size = canvas.size
-        return ActionChains(self.browser).move_to_element_with_offset(
+        return self.actions().move_to_element_with_offset(
             canvas, round(pixel[0] - size["width"] / 2), round(pixel[1] - size["height"] / 2))
 
     def settle(self):
