@@ -15,7 +15,7 @@ void append(std::vector<double>& numbers, const double vector[3]) {
     numbers.insert(numbers.end(), vector, vector + 3);
 }
 
-void appendPlacement(std::vector<double>& numbers, const CComponentInfo& entry) {
+void append(std::vector<double>& numbers, const CComponentInfo& entry) {
     const double* translation = nullptr;
     const double* axes[3] = {};
     entry.getTranslation(translation);
@@ -25,16 +25,19 @@ void appendPlacement(std::vector<double>& numbers, const CComponentInfo& entry) 
     append(numbers, translation);
 }
 
-// Iterative: the tree may be deeper than the stack.
-void enableAll(CTrvAssemblyData& assembly) {
+// The list that the library gives if each component is enabled and has a file: its entries are the
+// components, in their order. Iterative: the tree may be deeper than the stack.
+std::vector<CComponentInfo> placementsOfAll(CTrvAssemblyData assembly) {
     std::vector<ComponentBody*> pending = {&ComponentBody::editable(assembly.getRootComponent())};
     while (!pending.empty()) {
         ComponentBody& component = *pending.back();
         pending.pop_back();
         component.enabled = true;
+        component.geometryFileName = "any";
         for (ComponentBody& child : component.components)
             pending.push_back(&child);
     }
+    return assembly.getComponentFileList();
 }
 
 // A file without an overall size has zeros.
@@ -45,6 +48,11 @@ bool isSize(const double dimension[3]) {
 }
 
 }  // namespace
+
+void SceneComponents::Placements::add(std::size_t component, const CComponentInfo& entry) {
+    components.push_back(component);
+    append(matrices, entry);
+}
 
 SceneComponents::SceneComponents(const QString& name, const CTrvAssemblyData& assembly,
                                  SceneFiles& files)
@@ -81,30 +89,16 @@ SceneComponents::Placements SceneComponents::shownPlacements() const {
     placements.matrices.reserve(numbersOfPlacement * list.size());
     auto entry = list.begin();
     for (std::size_t i = 0; i < components_.size(); ++i) {
-        if (!components_[i].isShown || components_[i].file < 0) continue;
-        placements.components.push_back(i);
-        appendPlacement(placements.matrices, *entry++);
+        if (components_[i].isShown && components_[i].file >= 0) placements.add(i, *entry++);
     }
     return placements;
 }
 
-SceneComponents::Placements SceneComponents::ghostPlacements() const {
-    const auto isGhost = [](const Component& component) {
-        return !component.isShown && component.file >= 0;
-    };
-    if (std::none_of(components_.begin(), components_.end(), isGhost)) return {};
-    CTrvAssemblyData enabled(assembly_);
-    enableAll(enabled);
-    const std::vector<CComponentInfo> list = enabled.getComponentFileList();
+SceneComponents::Placements SceneComponents::ghostPlacements(
+    const std::vector<CComponentInfo>& all) const {
     Placements placements;
-    auto entry = list.begin();
     for (std::size_t i = 0; i < components_.size(); ++i) {
-        if (components_[i].file < 0) continue;
-        if (isGhost(components_[i])) {
-            placements.components.push_back(i);
-            appendPlacement(placements.matrices, *entry);
-        }
-        ++entry;
+        if (!components_[i].isShown && components_[i].file >= 0) placements.add(i, all[i]);
     }
     return placements;
 }
@@ -119,12 +113,14 @@ void SceneComponents::write(JsonWriter& json) const {
     } else {
         json.addNull("dimension");
     }
-    writeComponents(json);
+    const std::vector<CComponentInfo> all = placementsOfAll(assembly_);
+    writeComponents(all, json);
     writePlacements("placements", shownPlacements(), json);
-    writePlacements("ghosts", ghostPlacements(), json);
+    writePlacements("ghosts", ghostPlacements(all), json);
 }
 
-void SceneComponents::writeComponents(JsonWriter& json) const {
+void SceneComponents::writeComponents(const std::vector<CComponentInfo>& all,
+                                      JsonWriter& json) const {
     const auto writeIntegers = [&](const char* key, int (*valueOf)(const Component&)) {
         json.beginArray(key);
         for (const Component& component : components_)
@@ -144,6 +140,16 @@ void SceneComponents::writeComponents(JsonWriter& json) const {
     writeIntegers("file", [](const Component& component) { return component.file; });
     writeIntegers("enabled",
                   [](const Component& component) { return component.body->enabled ? 1 : 0; });
+    json.addBase64("local", localNumbers());
+    std::vector<double> world;
+    world.reserve(numbersOfPlacement * all.size());
+    for (const CComponentInfo& entry : all)
+        append(world, entry);
+    json.addBase64("world", world);
+    json.endObject();
+}
+
+std::vector<double> SceneComponents::localNumbers() const {
     std::vector<double> numbers;
     numbers.reserve(numbersOfPlacement * components_.size());
     for (const Component& component : components_) {
@@ -151,8 +157,7 @@ void SceneComponents::writeComponents(JsonWriter& json) const {
         for (const double* const vector : {body.vec1, body.vec2, body.vec3, body.translation})
             append(numbers, vector);
     }
-    json.addBase64("local", numbers);
-    json.endObject();
+    return numbers;
 }
 
 void SceneComponents::writePlacements(const char* key, const Placements& placements,

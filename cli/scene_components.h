@@ -43,16 +43,22 @@ private:
         bool isShown;
     };
     struct Placements {
+        void add(std::size_t component, const CComponentInfo& entry);
+
         std::vector<std::size_t> components;
         /// Twelve numbers for each: three axes and the translation.
         std::vector<double> matrices;
     };
 
     void addComponents(const ReferenceDirectory& directory, SceneFiles& files);
+    /// Those of the flattened list.
     Placements shownPlacements() const;
     /// Those that the list would also have if all components were enabled.
-    Placements ghostPlacements() const;
-    void writeComponents(JsonWriter& json) const;
+    ///
+    /// @param all  the placements of all components
+    Placements ghostPlacements(const std::vector<CComponentInfo>& all) const;
+    void writeComponents(const std::vector<CComponentInfo>& all, JsonWriter& json) const;
+    std::vector<double> localNumbers() const;
     void writePlacements(const char* key, const Placements& placements, JsonWriter& json) const;
 
     QString name_;

@@ -1,21 +1,19 @@
+#include <cli/base64.h>
 #include <cli/scene_files.h>
 #include <trvfiles/support/platform.h>
 #include <trvfiles/text/open_file.h>
 
-#include <QByteArray>
-
+#include <cstdio>
 #include <stdexcept>
 
 namespace trv::cli {
 namespace {
 
 void writeBase64(std::FILE* file, OutputBuffer& out) {
-    // Three bytes are four digits, so only the last block is padded.
+    // Of whole groups of three bytes, so only the last block is padded.
     std::string block(std::size_t{48} << 10, '\0');
     while (const std::size_t length = std::fread(block.data(), 1, block.size(), file)) {
-        const QByteArray digits =
-            QByteArray::fromRawData(block.data(), static_cast<int>(length)).toBase64();
-        out.text().append(digits.constData(), static_cast<std::size_t>(digits.size()));
+        appendBase64(out.text(), {block.data(), length});
         out.endPiece();
     }
 }

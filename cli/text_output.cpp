@@ -1,3 +1,4 @@
+#include <cli/base64.h>
 #include <cli/text_escapes.h>
 #include <cli/text_output.h>
 #include <trvfiles/text/text_conversion.h>
@@ -6,6 +7,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string_view>
 
@@ -145,17 +147,15 @@ void JsonWriter::addNumbers(const char* key, const double* values, int count) {
 }
 
 void JsonWriter::addBase64(const char* key, const std::vector<double>& numbers) {
-    // Three numbers have a whole number of digits.
-    constexpr std::size_t blockLength = 3 * 1024;
+    // Of whole groups of three bytes, so only the last block is padded.
+    std::array<double, 3 * 256> block;
     beginMember(key);
     out_.text() += '"';
-    for (std::size_t first = 0; first < numbers.size(); first += blockLength) {
-        const std::size_t count = std::min(blockLength, numbers.size() - first);
-        QByteArray bytes(static_cast<int>(count * sizeof(double)), Qt::Uninitialized);
+    for (std::size_t first = 0; first < numbers.size(); first += block.size()) {
+        const std::size_t count = std::min(block.size(), numbers.size() - first);
         qToLittleEndian<double>(numbers.data() + first, static_cast<qsizetype>(count),
-                                bytes.data());
-        const QByteArray digits = bytes.toBase64();
-        out_.text().append(digits.constData(), static_cast<std::size_t>(digits.size()));
+                                block.data());
+        appendBase64(out_.text(), {reinterpret_cast<const char*>(block.data()), 8 * count});
         out_.endPiece();
     }
     out_.text() += '"';

@@ -198,6 +198,25 @@ def comparison_samples():
     ]
 
 
+def view_samples():
+    files = ('"format":"stl"', '"format":null', '"reason":"file not found"')
+    kinds = (
+        '"added"', '"removed"', '"moved"', '"changed"', '"note"', '"dimension"',
+    )
+    return [
+        sample("view", "bracket.xml", contains=('"format":"stl"', '"diff":null')),
+        sample("view", "odd.xml", contains=(HIDDEN_IN_JSON, '"reason":"file not found"')),
+        sample("view", "one.xml", contains=('"files":[]', '"matrix":""')),
+        sample("view", "table-a30.dat", "bracket-left.mctx", contains=('"context"', '"axis"')),
+        sample("view", "-", standard_input=assembly(component("r", geometry("empty"))).encode()),
+        sample("view", "--diff", "bracket.xml", "bracket-rev-b.xml", "left-vise.ref"),
+        sample("view", "--diff", "first.xml", "second.xml", contains=kinds),
+        sample("view", "--diff", "bracket.xml", "first.xml", contains=files),
+        sample("view", "--diff", "one.xml", "one.xml", contains=('"diff":[]',)),
+        sample("view", "bracket.xml", "missing.xml", status=2, documents=0),
+    ]
+
+
 def edit_samples():
     disabled = ["--disable", "root/a", "--set", "root/a.name=A", "--set", "root/a.comment=c"]
     return [
@@ -337,6 +356,7 @@ def samples():
     return [
         *file_samples(),
         *comparison_samples(),
+        *view_samples(),
         *edit_samples(),
         *check_samples(),
         *context_samples(),

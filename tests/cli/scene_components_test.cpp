@@ -68,7 +68,9 @@ TEST_F(SceneComponentsTest, HaveTheColumnsOfTheTreeAndThePlacements) {
               "[{\"components\":{\"comment\":[\"\",\"left, \\\"old\\\"\",\"\"],"
               "\"enabled\":[1,1,0],\"file\":[-1,0,1],\"local\":\"" +
                   (std::string(atTen) + atFive + turned) +
-                  "\",\"name\":[\"Setup\",\"Vise\",\"Part\"],\"parent\":[-1,0,0]},"
+                  "\",\"name\":[\"Setup\",\"Vise\",\"Part\"],\"parent\":[-1,0,0],\"world\":\"" +
+                  atTen + atTenAndFive + turnedAtTen +
+                  "\"},"
                   "\"dimension\":[[0,0,0],[100,50,20.5]],"
                   "\"ghosts\":{\"component\":[2],\"file\":[1],\"matrix\":\"" +
                   turnedAtTen + "\"},\"path\":\"" + text("a.xml") +
@@ -105,6 +107,21 @@ TEST_F(SceneComponentsTest, HaveAsGhostsWhatWouldBePlacedIfItWereEnabled) {
               std::vector<double>(all.begin() + 12, all.end()));
     EXPECT_EQ(integersOf(column(written, "components", "enabled")),
               (std::vector<int>{1, 1, 0, 1, 0}));
+}
+
+TEST_F(SceneComponentsTest, HaveThePlacementOfEachComponentInTheAssembly) {
+    const auto tree = [](const char* file, bool isEnabled) {
+        CTrvAssemblyComponentData group = at(3, leaf("b", file));
+        group.setEnabled(isEnabled);
+        group.setComponents({at(4, leaf("c", "c.stl"))});
+        return assembly(at(1, component("root", {at(2, leaf("a", "a.stl")), group})));
+    };
+    const QJsonObject written = writtenAs(tree("", false));
+    const std::vector<double> world = numbersOf(column(written, "components", "world"));
+    const std::vector<double> root = {0.5, 0.25, 0, 0, 1, 0.125, 3, 0, 1, 1, 2, -1};
+    ASSERT_EQ(world.size(), 48U);
+    EXPECT_EQ(std::vector<double>(world.begin(), world.begin() + 12), root);
+    EXPECT_EQ(std::vector<double>(world.begin() + 12, world.end()), flattened(tree("b.stl", true)));
 }
 
 TEST_F(SceneComponentsTest, KeepADisabledRootAsAGhost) {

@@ -276,6 +276,39 @@ TEST(AppendShown, AppendsTheTextOfShown) {
     }
 }
 
+TEST(JsonWriter, WritesColumns) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.beginObject("columns");
+    json.beginArray("texts");
+    json.addTextElement("a");
+    json.addTextElement("\"\n");
+    json.endArray();
+    json.beginArray("numbers");
+    json.addIntegerElement(-1);
+    json.addIntegerElement(20);
+    json.endArray();
+    json.beginObject("empty");
+    json.endObject();
+    json.addBase64("none", {});
+    json.addBase64("three", {1, -2, 0.1});
+    json.endObject();
+    json.addInteger("last", 3);
+    json.end();
+    EXPECT_EQ(out.str(),
+              "{\"columns\":{\"texts\":[\"a\",\"\\\"\\n\"],\"numbers\":[-1,20],"
+              "\"empty\":{},\"none\":\"\","
+              "\"three\":\"AAAAAAAA8D8AAAAAAAAAwJqZmZmZmbk/\"},\"last\":3}\n");
+}
+
+TEST(JsonWriter, WritesManyNumbersInBase64) {
+    std::ostringstream out;
+    JsonWriter json(out);
+    json.addBase64("n", std::vector<double>(3000, 0));
+    json.end();
+    EXPECT_EQ(out.str(), "{\"n\":\"" + std::string(32000, 'A') + "\"}\n");
+}
+
 TEST(JsonWriter, WritesAnObjectWithoutMembers) {
     std::ostringstream out;
     JsonWriter(out).end();
