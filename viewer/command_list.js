@@ -66,6 +66,8 @@
         return [
             { id: 'measure', title: 'Measure a distance', group: 'Tools', keys: ['m'],
                 icon: 'measure', run: page.toggleMeasure, isOn: page.isMeasuring },
+            { id: 'pick', title: 'Pick what is in the middle of the view', group: 'Tools',
+                keys: ['Enter'], run: page.pickMiddle },
             { id: 'section', title: 'Section plane', group: 'Tools', keys: ['s'],
                 icon: 'section', run: page.toggleSection, isOn: page.isCut },
             across(0, 'Section across x', 'x'), across(1, 'Section across y', 'y'),

@@ -82,6 +82,10 @@
         return target instanceof HTMLInputElement || target instanceof HTMLTextAreaElement;
     }
 
+    function isForButton(event) {
+        return event.target instanceof HTMLButtonElement && [' ', 'Enter'].includes(event.key);
+    }
+
     /**
      * Connects commands with buttons, keys and help.
      *
@@ -104,8 +108,7 @@
             }
             const isPan = event.shiftKey && event.key.startsWith('Arrow');
             const command = byKey.get(isPan ? `Shift+${event.key}` : event.key);
-            // A button takes its own space bar.
-            if (!command || (event.key === ' ' && event.target instanceof HTMLButtonElement)) return;
+            if (!command || isForButton(event)) return;
             event.preventDefault();
             command.run();
         });

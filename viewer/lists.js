@@ -14,11 +14,6 @@
         return item;
     }
 
-    /** The file name of a path that may be one of Windows. */
-    viewer.fileName = function (path) {
-        return path.replace(/^.*[\\/]/, '');
-    };
-
     /** What is wrong with placements: their number, and why nothing is drawn. */
     function undrawable(model) {
         const count = model.items.filter((item) => !viewer.isDrawable(item.matrix)).length;
@@ -69,7 +64,11 @@
             const item = addItem(list, `difference kind-${entry.kind}`, [entry.path, entry.text]);
             item.tabIndex = 0;
             item.addEventListener('click', () => show(index));
-            item.addEventListener('keydown', (event) => { if (event.key === 'Enter') show(index); });
+            item.addEventListener('keydown', (event) => {
+                if (event.key !== 'Enter') return;
+                event.stopPropagation();
+                show(index);
+            });
         });
         document.getElementById('differences-tab').hidden = model.differences === null;
         position.textContent = stepText(at, entries.length);

@@ -196,7 +196,9 @@
         parts.fitComponent = page.fitComponent;
         parts.commands = viewer.connectCommands(viewer.commandsOf(page));
         const pickAt = makePicker(parts, canvas);
-        viewer.connectPointer(canvas, viewer.pointerActions(parts, pickAt));
+        const actions = viewer.pointerActions(parts, pickAt);
+        viewer.connectPointer(canvas, actions);
+        parts.clickMiddle = () => actions.click(canvas.clientWidth / 2, canvas.clientHeight / 2);
         connectButtons(page);
         return pickAt;
     }

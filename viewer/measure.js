@@ -41,6 +41,7 @@
 
         function show() {
             panel.hidden = !measure.isOn;
+            document.getElementById('crosshair').hidden = !measure.isOn;
             output.textContent = textOf(measure.points);
             line.visible = measure.isOn && measure.points.length === 2;
             if (line.visible) setLine(line, ...measure.points);

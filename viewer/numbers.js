@@ -1,6 +1,11 @@
-// Numbers as texts for a person. Lengths are in mm, angles in degrees.
+// Numbers and file names as texts for a person. Lengths are in mm, angles in degrees.
 (function (viewer) {
     'use strict';
+
+    /** The file name of a path that may be one of Windows. */
+    viewer.fileName = function (path) {
+        return path.replace(/^.*[\\/]/, '');
+    };
 
     /** Six decimals at most; "-0" is 0. */
     viewer.numberText = function (value) {

@@ -51,6 +51,7 @@
         return {
             isMeasuring: () => measure.isOn,
             toggleMeasure: () => { measure.toggle(); refresh(); },
+            pickMiddle: () => parts.clickMiddle(),
             isCut: () => section.state.axis >= 0,
             toggleSection: () => sectionPanel.setAxis(section.state.axis < 0 ? 0
                 : section.state.axis),

@@ -42,8 +42,10 @@
             measured: () => measure.points,
             section: () => Object.assign({}, section.state),
             /** Milliseconds of frames, the graphics hardware included. */
-            timing: () => ({ frames: view.frames, last: view.lastTime, worst: view.worstTime,
-                isStill: view.isStill }),
+            timing: () => ({
+                frames: view.frames, first: view.firstTime, worst: view.worstTime,
+                isStill: view.isStill,
+            }),
             resetTiming: () => { view.worstTime = 0; view.frames = 0; },
         };
     };

@@ -20,7 +20,7 @@
         eye.type = 'button';
         eye.className = 'eye';
         eye.tabIndex = -1;
-        row.append(span('twisty'), span('swatch'), span('name'), span('file'), eye);
+        row.append(span('twisty'), span('swatch'), span('name'), span('comment'), span('file'), eye);
         return row;
     }
 
@@ -31,6 +31,7 @@
         row.setAttribute('aria-selected', 'false');
         row.querySelector('.twisty').textContent = '';
         row.querySelector('.name').textContent = `${['Before', 'After'][index]}: ${assembly.path}`;
+        row.querySelector('.comment').textContent = '';
         row.querySelector('.file').textContent = '';
         row.querySelector('.swatch').className = 'swatch';
         row.querySelector('.eye').hidden = true;
@@ -39,7 +40,7 @@
     /** Fills a row with a component. Texts from files are text content, never markup. */
     function fillRow(row, i, context) {
         const { model, states, rows, roles } = context;
-        const { name, file, enabled, depth } = model.components;
+        const { name, comment, file, enabled, depth } = model.components;
         const isFolder = rows.hasChildren(i);
         const isOff = !enabled[i];
         row.className = 'row';
@@ -55,8 +56,10 @@
         row.querySelector('.twisty').style.marginLeft = `${Math.min(depth[i], maxIndent) * 14}px`;
         row.querySelector('.swatch').className = `swatch role-${roles[i]}`;
         row.querySelector('.name').textContent = name[i] === '' ? '(no name)' : name[i];
+        row.querySelector('.comment').textContent = comment[i];
+        row.title = comment[i];
         row.querySelector('.file').textContent = isOff ? 'disabled'
-            : file[i] < 0 ? '' : model.files[file[i]].path.replace(/^.*[\\/]/, '');
+            : file[i] < 0 ? '' : viewer.fileName(model.files[file[i]].path);
         fillEye(row.querySelector('.eye'), states.isHidden(i), name[i]);
     }
 
@@ -173,7 +176,10 @@
         }
 
         function pressed(event) {
-            if (event.key === 'Enter' && states.selected >= 0) actions.open(states.selected);
+            if (event.key === 'Enter' && states.selected >= 0) {
+                event.stopPropagation();
+                actions.open(states.selected);
+            }
             if (!moveKeys.includes(event.key)) return;
             event.preventDefault();
             event.stopPropagation();

@@ -132,6 +132,17 @@ class Camera(PageTest):
         self.press(Keys.ESCAPE)
         self.assertFalse(self.find("#measure-panel").is_displayed())
 
+    def test_distance_by_keys(self):
+        self.press("2", "p", "m", Keys.ENTER, Keys.ARROW_RIGHT, "2")
+        self.actions().key_down(Keys.SHIFT).send_keys(Keys.ARROW_LEFT).key_up(Keys.SHIFT).perform()
+        self.settle()
+        self.press(Keys.ENTER)
+        points = self.scene("measured")
+        self.assert_close(points[0], [0, 0, 30])
+        # A key pans by 40 pixels.
+        self.assertAlmostEqual(points[1][1], 0, places=6)
+        self.assertLess(points[1][0], -10)
+
     def test_section_cuts_away_one_side(self):
         self.press("2", "p", "x")
         self.assertEqual(self.scene("section")["position"], 0)
