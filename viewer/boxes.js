@@ -21,8 +21,10 @@
         const geometry = new THREE.BufferGeometry();
         index = index || makeIndex();
         geometry.setIndex(index);
-        geometry.setAttribute('position', new THREE.BufferAttribute(new Float32Array(24 * count), 3));
-        geometry.setAttribute('tint', new THREE.BufferAttribute(new Uint8Array(32 * count), 4, true));
+        geometry.setAttribute('position',
+            new THREE.BufferAttribute(new Float32Array(24 * count), 3));
+        geometry.setAttribute('tint',
+            new THREE.BufferAttribute(new Uint8Array(32 * count), 4, true));
         const mesh = new THREE.Mesh(geometry, materials.boxes[chunk.isGhost ? 1 : 0]);
         mesh.position.copy(chunk.sphere.center);
         mesh.frustumCulled = false;

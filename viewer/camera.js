@@ -163,8 +163,8 @@
                 controls.target.copy(corners[0]).lerp(corners[7], 0.5);
                 current().zoom = 1;
                 place(...direction, 1);
-                const fitting = fittingDistance(corners, current(), controls.target, width / height);
-                place(...direction, fitting > 0 ? fitting : 100);
+                const away = fittingDistance(corners, current(), controls.target, width / height);
+                place(...direction, away > 0 ? away : 100);
             },
             frustum: () => new THREE.Frustum().setFromMatrix(new THREE.Matrix4().multiplyMatrices(
                 current().projectionMatrix, current().matrixWorldInverse)),

@@ -54,8 +54,8 @@
     }
 
     /**
-     * Chooses what a frame of a moving camera draws: the largest in full, the others as boxes, and if
-     * the time is too short for them, only a share of the boxes.
+     * Chooses what a frame of a moving camera draws: the largest in full, the others as boxes, and
+     * if the time is too short for them, only a share of the boxes.
      *
      * @param budget   triangles that the frame may have
      * @param boxesOf  the mesh of a chunk's boxes

@@ -12,8 +12,9 @@
 
     function rotationRows(matrix) {
         const rotation = viewer.rotationOf(matrix);
-        if (rotation.angles) return [['Angles x, y, z (°)', rotation.angles.map(viewer.numberText)]];
-        return [['Angles x, y, z (°)', [rotation.note, '', '']]];
+        const texts = rotation.angles ? rotation.angles.map(viewer.numberText)
+            : [rotation.note, '', ''];
+        return [['Angles x, y, z (°)', texts]];
     }
 
     /** A placement as rows: a heading and three texts each. */

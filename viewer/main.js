@@ -47,9 +47,9 @@
 
     /** The box that the camera, the grid and the section are made for. */
     function roomOf(drawing, model) {
+        const drawn = drawing.everything;
+        if (!viewer.isEmptyBounds(drawn)) return viewer.lengthOfBox(drawn) > 0 ? drawn : emptyRoom;
         const room = viewer.emptyBounds();
-        for (const bounds of [drawing.everything]) viewer.growBounds(room, bounds);
-        if (!viewer.isEmptyBounds(room)) return viewer.lengthOfBox(room) > 0 ? room : emptyRoom;
         for (const frame of model.frames) {
             const place = frame.matrix.slice(9, 12);
             viewer.growBounds(room, {
@@ -184,7 +184,8 @@
         const { model, states, view, shapes } = parts;
         parts.refresh = () => parts.commands && parts.commands.refresh();
         const changed = () => { view.request(); parts.refresh(); };
-        parts.measure = viewer.makeMeasure(parts.drawing.scene, parts.labels, parts.colours, changed);
+        parts.measure = viewer.makeMeasure(parts.drawing.scene, parts.labels, parts.colours,
+            changed);
         parts.sectionPanel = viewer.connectSection(parts.section, changed);
         parts.details = viewer.makeDetails(model, states, (file) => shapes[file].reason);
         connectStates(parts);

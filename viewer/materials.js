@@ -1,8 +1,8 @@
 // The materials of instanced shapes.
 //
 // A placement's translation is stored as the sum of two single-precision numbers. The shader
-// subtracts the eye, stored in the same way, before it adds the shape. So a placement that is 1e5 mm
-// from the origin is drawn as exactly as one at the origin, and does not jitter.
+// subtracts the eye, stored in the same way, before it adds the shape. So a placement that is 1e5
+// mm from the origin is drawn as exactly as one at the origin, and does not jitter.
 (function (viewer) {
     'use strict';
 

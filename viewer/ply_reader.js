@@ -1,5 +1,5 @@
-// PLY files: text, little and big endian. The loader of three.js leaves out faces with more than four
-// corners, and does not return from a header with a large count of an element without properties.
+// PLY files: text, little and big endian. The loader of three.js leaves out faces with more than
+// four corners, and does not return from a header that counts many elements without properties.
 (function (viewer) {
     'use strict';
 

@@ -5,10 +5,9 @@
     const maxIndent = 24;
     const extraRows = 6;
 
-    function span(className, text) {
+    function span(className) {
         const element = document.createElement('span');
         element.className = className;
-        if (text !== undefined) element.textContent = text;
         return element;
     }
 
@@ -20,7 +19,7 @@
         eye.type = 'button';
         eye.className = 'eye';
         eye.tabIndex = -1;
-        row.append(span('twisty'), span('swatch'), span('name'), span('comment'), span('file'), eye);
+        row.append(...['twisty', 'swatch', 'name', 'comment', 'file'].map(span), eye);
         return row;
     }
 
@@ -52,7 +51,8 @@
         row.setAttribute('aria-selected', String(i === states.selected));
         if (isFolder) row.setAttribute('aria-expanded', String(rows.isUnfolded(i)));
         else row.removeAttribute('aria-expanded');
-        row.querySelector('.twisty').textContent = isFolder ? (rows.isUnfolded(i) ? '▾' : '▸') : '';
+        const arrow = rows.isUnfolded(i) ? '▾' : '▸';
+        row.querySelector('.twisty').textContent = isFolder ? arrow : '';
         row.querySelector('.twisty').style.marginLeft = `${Math.min(depth[i], maxIndent) * 14}px`;
         row.querySelector('.swatch').className = `swatch role-${roles[i]}`;
         row.querySelector('.name').textContent = name[i] === '' ? '(no name)' : name[i];
@@ -77,8 +77,9 @@
         const last = list.length - 1;
         if (key === 'Home') return list.find((row) => row >= 0);
         if (key === 'End') return list[last];
-        if (key === 'ArrowDown') return list.slice(at + 1).find((row) => row >= 0);
-        if (key === 'ArrowUp') return list.slice(0, Math.max(at, 0)).reverse().find((row) => row >= 0);
+        const isComponent = (row) => row >= 0;
+        if (key === 'ArrowDown') return list.slice(at + 1).find(isComponent);
+        if (key === 'ArrowUp') return list.slice(0, Math.max(at, 0)).reverse().find(isComponent);
         const isOpen = at >= 0 && rows.hasChildren(i) && rows.isUnfolded(i);
         if (key === 'ArrowRight' && isOpen) return list[at + 1];
         if (key === 'ArrowLeft' && !isOpen && i >= 0) return model.components.parent[i];

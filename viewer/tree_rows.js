@@ -74,7 +74,8 @@
             setUnfolded: (i, value) => { unfolded[i] = value ? 1 : 0; },
             /** Unfolds what is above a component. */
             reveal: (i) => {
-                for (let p = components.parent[i]; p >= 0; p = components.parent[p]) unfolded[p] = 1;
+                const { parent } = components;
+                for (let above = parent[i]; above >= 0; above = parent[above]) unfolded[above] = 1;
             },
         };
     };

@@ -1,8 +1,8 @@
 // Draws the scene, only when something has changed.
 //
-// While the camera moves, a frame has as many triangles as were drawn in 30 ms before, or in 80 ms by
-// a software renderer. When it rests, the still picture is drawn in full, in slices of 200 ms: each
-// adds to the picture, and the next motion ends it. So no renderer, however slow, blocks the page.
+// While the camera moves, a frame has as many triangles as were drawn in 30 ms before, or in 80 ms
+// by a software renderer. When it rests, the still picture is drawn in full, in slices of 200 ms:
+// each adds to the picture, and the next motion ends it. So no slow renderer blocks the page.
 (function (viewer) {
     'use strict';
 
