@@ -105,8 +105,8 @@ TEST_F(ViewPage, HasNoTextOfAFileAsMarkup) {
     data.getRootComponent().setComment(hostile);
     Scene scene = titled(hostile);
     scene.assemblies.push_back({path("a.xml"), data});
-    scene.frames.push_back(
-        {QString::fromStdString(hostile), QString::fromStdString(hostile), "axis", trv::identityAxis});
+    scene.frames.push_back({QString::fromStdString(hostile), QString::fromStdString(hostile),
+                            "axis", trv::identityAxis});
     const std::string page = pageOf(scene, parts());
     EXPECT_EQ(page.find("<img"), std::string::npos);
     EXPECT_EQ(between(page, "<title>", "</title>"),

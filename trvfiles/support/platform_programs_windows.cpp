@@ -1,6 +1,5 @@
 #include <trvfiles/support/platform_programs.h>
 
-#include <shellapi.h>
 #include <windows.h>
 
 #include <cstdint>
