@@ -220,8 +220,10 @@
     }
 
     function showHead(model) {
-        byId('title').textContent = model.title;
-        byId('title').title = model.title;
+        const title = model.differences === null ? model.title
+            : model.assemblies.map((assembly) => assembly.path).join(' → ');
+        byId('title').textContent = title;
+        byId('title').title = title;
         const isEmpty = model.items.length === 0;
         byId('message').hidden = !isEmpty || model.frames.length > 0;
         byId('message').textContent = 'This assembly has no placed geometry.';

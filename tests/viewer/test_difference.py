@@ -45,6 +45,9 @@ class Difference(PageTest):
         self.assert_close(moved[0][9:], [104, 0, 30])
         self.assert_close(moved[0][:3], [0.7071067811865476, 0.7071067811865475, 0])
 
+    def test_title_names_both(self):
+        self.assertEqual(self.text("title"), "bracket.xml → bracket-rev-b.xml")
+
     def test_steps_go_through_the_list_and_around(self):
         count = len(self.find_all("#differences li"))
         self.assertEqual(self.text("difference-position"), f"{count} differences")
@@ -83,6 +86,15 @@ class Difference(PageTest):
         self.assertEqual(names, ["Before: bracket.xml", "Bracket OP10", "Left vise", "Stop rod",
                                  "After: bracket-rev-b.xml", "Bracket OP10", "Right vise",
                                  "Stop rod"])
+
+
+class Removed(PageTest):
+    def test_what_is_only_in_the_first_assembly_is_red(self):
+        self.open("bracket-rev-b.xml", "bracket.xml", options=["--diff"])
+        removed = [one for one in self.scene("placements") if one["role"] == "removed"]
+        self.assertEqual(sorted(self.scene("name", one["component"]) for one in removed),
+                         ["Front parallel", "Raw part", "Rear parallel", "Stop rod"])
+        self.assertEqual({tuple(one["tint"]) for one in removed}, {(0xd6, 0x46, 0x4f, 255)})
 
 
 class Equal(PageTest):
