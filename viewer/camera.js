@@ -83,113 +83,129 @@
     }
 
     /** The camera of a canvas; it calls `changed` when it has moved. */
-    viewer.makeCamera = function (canvas, changed) {
-        const { perspective, parallel } = makeCameras();
-        const controls = makeControls(perspective, canvas);
-        let width = 1;
-        let height = 1;
-        controls.addEventListener('change', changed);
-
-        const current = () => controls.object;
-        const isParallel = () => current() === parallel;
-        const distance = () => current().position.distanceTo(controls.target);
-        // The height at the target is that of the picture. A parallel camera has a zoom instead.
-        const halfHeight = () => distance() * tangent / current().zoom;
-        const azimuth = () => controls.getAzimuthalAngle();
-        const elevation = () => quarter - controls.getPolarAngle();
-
-        function place(newAzimuth, newElevation, newDistance) {
-            const up = Math.min(quarter, Math.max(-quarter, newElevation));
-            current().position.copy(controls.target)
-                .addScaledVector(directionOf(newAzimuth, up), newDistance);
-            controls.update();
-            changed();
+    viewer.Camera = class {
+        constructor(canvas, changed) {
+            Object.assign(this, makeCameras(), { width: 1, height: 1, changed: changed });
+            this.controls = makeControls(this.perspective, canvas);
+            this.controls.addEventListener('change', changed);
         }
 
-        function setFrame() {
-            perspective.aspect = width / height;
-            parallel.top = distance() * tangent;
-            parallel.bottom = -parallel.top;
-            parallel.right = parallel.top * perspective.aspect;
-            parallel.left = -parallel.right;
+        /** The camera of three.js that is in use. */
+        get current() { return this.controls.object; }
+        get target() { return this.controls.target; }
+        get isParallel() { return this.current === this.parallel; }
+        get distance() { return this.current.position.distanceTo(this.target); }
+        get azimuth() { return this.controls.getAzimuthalAngle(); }
+        get elevation() { return quarter - this.controls.getPolarAngle(); }
+        get aspect() { return this.width / this.height; }
+
+        /** Half of the height that the picture has at the target. */
+        get halfHeight() { return this.distance * tangent / this.current.zoom; }
+
+        get state() {
+            return {
+                target: this.target.toArray(), distance: this.distance / this.current.zoom,
+                azimuth: this.azimuth, elevation: this.elevation, isParallel: this.isParallel,
+            };
+        }
+
+        resize(width, height) {
+            Object.assign(this, { width: width, height: height });
+        }
+
+        /** Puts the eye at two angles and a distance from the target. */
+        place(azimuth, elevation, distance) {
+            const up = Math.min(quarter, Math.max(-quarter, elevation));
+            this.current.position.copy(this.target)
+                .addScaledVector(directionOf(azimuth, up), distance);
+            this.controls.update();
+            this.changed();
         }
 
         /** The camera of three.js for the next frame; the sphere encloses what is drawn. */
-        function update(sphere) {
-            setFrame();
-            setDepth(current(), distance(), sphere);
-            current().updateProjectionMatrix();
-            current().updateMatrixWorld(true);
-            return current();
+        update(sphere) {
+            const { perspective, parallel } = this;
+            perspective.aspect = this.aspect;
+            parallel.top = this.distance * tangent;
+            parallel.bottom = -parallel.top;
+            parallel.right = parallel.top * this.aspect;
+            parallel.left = -parallel.right;
+            setDepth(this.current, this.distance, sphere);
+            this.current.updateProjectionMatrix();
+            this.current.updateMatrixWorld(true);
+            return this.current;
         }
 
-        function pan(right, up) {
-            const basis = basisOf(current());
-            for (const point of [controls.target, current().position]) {
-                point.addScaledVector(basis.right, right).addScaledVector(basis.up, up);
+        orbit(x, y) {
+            this.place(this.azimuth + x, this.elevation + y, this.distance);
+        }
+
+        /** Moves the picture by pixels. */
+        pan(x, y) {
+            const scale = 2 * this.halfHeight / this.height;
+            const { right, up } = basisOf(this.current);
+            for (const point of [this.target, this.current.position]) {
+                point.addScaledVector(right, -x * scale).addScaledVector(up, y * scale);
             }
-            controls.update();
-            changed();
+            this.controls.update();
+            this.changed();
         }
 
-        return {
-            current: current,
-            update: update,
-            isParallel: isParallel,
-            state: () => ({
-                target: controls.target.toArray(), distance: distance() / current().zoom,
-                azimuth: azimuth(), elevation: elevation(), isParallel: isParallel(),
-            }),
-            resize: (newWidth, newHeight) => { width = newWidth; height = newHeight; },
-            orbit: (x, y) => place(azimuth() + x, elevation() + y, distance()),
-            /** Moves the picture by pixels. */
-            panPixels: (x, y) => {
-                const scale = 2 * halfHeight() / height;
-                pan(-x * scale, y * scale);
-            },
-            zoom: (factor) => place(azimuth(), elevation(), distance() * factor),
-            look: (name) => place(...viewer.standardViews[name], distance()),
-            /** Looks from the same side with the other projection, at the same size. */
-            toggleProjection: () => {
-                const before = controls.object;
-                const size = distance() / before.zoom;
-                controls.object = isParallel() ? perspective : parallel;
-                before.zoom = 1;
-                place(azimuth(), elevation(), size);
-            },
-            fit: (bounds) => {
-                const corners = cornersOf(bounds);
-                const direction = [azimuth(), elevation()];
-                controls.target.copy(corners[0]).lerp(corners[7], 0.5);
-                current().zoom = 1;
-                place(...direction, 1);
-                const away = fittingDistance(corners, current(), controls.target, width / height);
-                place(...direction, away > 0 ? away : 100);
-            },
-            frustum: () => new THREE.Frustum().setFromMatrix(new THREE.Matrix4().multiplyMatrices(
-                current().projectionMatrix, current().matrixWorldInverse)),
-            /** The length that a pixel shows at the near side of a sphere. */
-            mmPerPixelAt: (sphere) => {
-                if (isParallel()) return 2 * halfHeight() / height;
-                const away = current().position.distanceTo(sphere.center) - sphere.radius;
-                return 2 * Math.max(away, 1e-3) * tangent / height;
-            },
-            /** The ray through a point of the view (x and y from -1 to 1). */
-            ray: (x, y) => {
-                const { right, up, back } = basisOf(current());
-                const sideways = right.multiplyScalar(x * halfHeight() * width / height)
-                    .addScaledVector(up, y * halfHeight());
-                const origin = current().position.clone();
-                if (isParallel()) return { origin: origin.add(sideways), direction: back.negate() };
-                const direction = sideways.addScaledVector(back, -distance());
-                return { origin: origin, direction: direction.normalize() };
-            },
-            /** Pixels of a point, or null if it is not in front of the camera. */
-            pixelOf: (point) => {
-                const at = point.clone().project(current());
-                if (!(Math.abs(at.z) <= 1)) return null;
-                return [(at.x + 1) / 2 * width, (1 - at.y) / 2 * height];
-            },
-        };
+        zoom(factor) {
+            this.place(this.azimuth, this.elevation, this.distance * factor);
+        }
+
+        look(name) {
+            this.place(...viewer.standardViews[name], this.distance);
+        }
+
+        /** Looks from the same side with the other projection, at the same size. */
+        toggleProjection() {
+            const { state } = this;
+            this.current.zoom = 1;
+            this.controls.object = state.isParallel ? this.perspective : this.parallel;
+            this.place(state.azimuth, state.elevation, state.distance);
+        }
+
+        fit(bounds) {
+            const { azimuth, elevation } = this;
+            const corners = cornersOf(bounds);
+            this.target.copy(corners[0]).lerp(corners[7], 0.5);
+            this.current.zoom = 1;
+            this.place(azimuth, elevation, 1);
+            const distance = fittingDistance(corners, this.current, this.target, this.aspect);
+            this.place(azimuth, elevation, distance > 0 ? distance : 100);
+        }
+
+        frustum() {
+            const { projectionMatrix, matrixWorldInverse } = this.current;
+            return new THREE.Frustum().setFromMatrix(
+                new THREE.Matrix4().multiplyMatrices(projectionMatrix, matrixWorldInverse));
+        }
+
+        /** The length that a pixel shows at the near side of a sphere. */
+        mmPerPixelAt(sphere) {
+            if (this.isParallel) return 2 * this.halfHeight / this.height;
+            const away = this.current.position.distanceTo(sphere.center) - sphere.radius;
+            return 2 * Math.max(away, 1e-3) * tangent / this.height;
+        }
+
+        /** The ray through a point of the view (x and y from -1 to 1). */
+        ray(x, y) {
+            const { right, up, back } = basisOf(this.current);
+            const sideways = right.multiplyScalar(x * this.halfHeight * this.aspect)
+                .addScaledVector(up, y * this.halfHeight);
+            const origin = this.current.position.clone();
+            if (this.isParallel) return { origin: origin.add(sideways), direction: back.negate() };
+            const direction = sideways.addScaledVector(back, -this.distance);
+            return { origin: origin, direction: direction.normalize() };
+        }
+
+        /** Pixels of a point, or null if it is not in front of the camera. */
+        pixelOf(point) {
+            const at = point.clone().project(this.current);
+            if (!(Math.abs(at.z) <= 1)) return null;
+            return [(at.x + 1) / 2 * this.width, (1 - at.y) / 2 * this.height];
+        }
     };
 })(window.viewer);

@@ -44,7 +44,7 @@
         }
 
         function update() {
-            const chosen = new Set(choose(labels, camera.current().position));
+            const chosen = new Set(choose(labels, camera.current.position));
             for (const [label, element] of elements) {
                 if (chosen.has(label)) continue;
                 element.remove();

@@ -99,7 +99,7 @@
         }
     }
 
-    function statusText(model, drawing, choice, step) {
+    function statusText(drawing, choice, step) {
         const count = drawing.chunks.reduce((sum, chunk) => sum + chunk.shown.length, 0);
         const boxes = choice.boxes > 0 ? `, ${choice.boxes} simplified` : '';
         return `${count} placements${boxes} · grid ${viewer.numberText(step)} mm`;
@@ -170,12 +170,13 @@
         const roles = viewer.rolesOf(model);
         const drawing = viewer.makeDrawing(model, shapes, roles, states, materials, colours);
         const room = roomOf(drawing, model);
-        const camera = viewer.makeCamera(canvas, () => view.request());
+        const camera = new viewer.Camera(canvas, () => view.request());
         const labels = viewer.makeLabels(byId('labels'), camera);
         const references = connectReferences(model, room, drawing.scene, labels, colours);
         const section = viewer.makeSection(room);
         const sphere = sphereAround(room, references);
-        const view = viewer.makeView(canvas, drawing, camera, materials, section, labels, sphere);
+        const view = new viewer.View(canvas, { drawing, camera, materials, section, labels },
+            sphere);
         return { model, shapes, states, colours, materials, roles, drawing, room, camera, labels,
             references, section, view };
     }
@@ -208,14 +209,14 @@
         const { model, drawing, view, camera, references } = parts;
         view.drawn.connect((choice) => {
             const grid = references.parts[0].object;
-            byId('status').textContent = statusText(model, drawing, choice, grid.userData.step);
+            byId('status').textContent = statusText(drawing, choice, grid.userData.step);
         });
         applyTheme(parts);
         matchMedia('(prefers-color-scheme: dark)').addEventListener('change',
             () => applyTheme(parts));
         view.resize();
         camera.fit(viewer.isEmptyBounds(drawing.all) ? parts.room : drawing.all);
-        new ResizeObserver(view.resize).observe(byId('stage'));
+        new ResizeObserver(() => view.resize()).observe(byId('stage'));
         view.drawNow();
     }
 

@@ -24,10 +24,10 @@
             fit: () => fit(states.selected),
             fitComponent: fit,
             look: (name) => { camera.look(name); fit(-1); },
-            orbit: camera.orbit,
-            pan: camera.panPixels,
-            zoom: camera.zoom,
-            isParallel: camera.isParallel,
+            orbit: (x, y) => camera.orbit(x, y),
+            pan: (x, y) => camera.pan(x, y),
+            zoom: (factor) => camera.zoom(factor),
+            isParallel: () => camera.isParallel,
             toggleProjection: () => { camera.toggleProjection(); refresh(); },
         };
     }

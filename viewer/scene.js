@@ -36,9 +36,9 @@
                 const hit = pickAt(x, y);
                 return hit && { component: hit.item.component, point: hit.point };
             },
-            camera: camera.state,
+            camera: () => camera.state,
             pixelOf: (point) => camera.pixelOf(new THREE.Vector3(...point)),
-            pixel: view.pixel,
+            pixel: (x, y) => view.pixel(x, y),
             measured: () => measure.points,
             section: () => Object.assign({}, section.state),
             /** Milliseconds of frames, the graphics hardware included. */

@@ -53,134 +53,142 @@
         };
     }
 
-    /**
-     * The view of a drawing.
-     *
-     * @param section  of makeSection()
-     * @param sphere   encloses everything that can be drawn
-     */
-    viewer.makeView = function (canvas, drawing, camera, materials, section, labels, sphere) {
-        const renderer = makeRenderer(canvas);
-        const speed = makeSpeed();
-        const view = { frames: 0, firstTime: 0, worstTime: 0, isStill: false,
-            drawn: viewer.makeSignal() };
-        let requested = 0;
-        let settle = 0;
-        let current = null;
-        let rest = [];
+    /** The view of a drawing. */
+    viewer.View = class {
+        /**
+         * @param parts   drawing, camera, materials, section, labels
+         * @param sphere  encloses everything that can be drawn
+         */
+        constructor(canvas, parts, sphere) {
+            Object.assign(this, parts, {
+                canvas: canvas, sphere: sphere, renderer: makeRenderer(canvas), speed: makeSpeed(),
+                frames: 0, firstTime: 0, worstTime: 0, isStill: false, drawn: viewer.makeSignal(),
+                current: null,  // the camera of the last frame
+                rest: [],       // the chunks that the still picture lacks
+                requested: 0, settle: 0,
+            });
+            canvas.addEventListener('webglcontextrestored', () => this.request());
+        }
 
-        function setUp() {
-            current = camera.update(sphere);
-            setEye(materials.uniforms, current.position);
-            section.setUniforms(materials.uniforms, current.position);
-            renderer.clear();
-            labels.update();
+        setUp() {
+            this.current = this.camera.update(this.sphere);
+            setEye(this.materials.uniforms, this.current.position);
+            this.section.setUniforms(this.materials.uniforms, this.current.position);
+            this.renderer.clear();
+            this.labels.update();
         }
 
         /** Draws what is chosen, and measures it. */
-        function draw(choose) {
+        draw(choose) {
             const start = performance.now();
             const choice = choose();
-            renderer.render(drawing.scene, current);
+            this.renderer.render(this.drawing.scene, this.current);
             const isMeasured = choice.cost >= minMeasured;
-            if (isMeasured) finish(renderer);
+            if (isMeasured) finish(this.renderer);
             const time = performance.now() - start;
-            view.worstTime = Math.max(view.worstTime, time);
+            this.worstTime = Math.max(this.worstTime, time);
             // Since the browser began to load the page.
-            view.firstTime = view.firstTime || performance.now();
-            ++view.frames;
-            if (isMeasured) speed.note(choice.cost, time);
-            view.drawn.emit(choice);
+            this.firstTime = this.firstTime || performance.now();
+            ++this.frames;
+            if (isMeasured) this.speed.note(choice.cost, time);
+            this.drawn.emit(choice);
             return choice;
         }
 
-        function drawDraft() {
-            setUp();
+        drawDraft() {
+            this.setUp();
+            const { drawing, materials, camera, speed } = this;
             const boxesOf = (chunk) => viewer.boxesOf(chunk, drawing.scene, materials);
             const budget = speed.budget(speed.movingTime());
-            return draw(() => viewer.chooseDraft(drawing.chunks, camera, budget, boxesOf));
+            return this.draw(() => viewer.chooseDraft(drawing.chunks, camera, budget, boxesOf));
         }
 
-        function drawSlice() {
-            draw(() => viewer.chooseSlice(drawing.chunks, rest, speed.budget(sliceTime)));
-            view.isStill = rest.length === 0;
+        drawSlice() {
+            this.draw(() => viewer.chooseSlice(this.drawing.chunks, this.rest,
+                this.speed.budget(sliceTime)));
+            this.isStill = this.rest.length === 0;
         }
 
-        function beginStill() {
-            setUp();
-            rest = viewer.listStill(drawing.chunks, camera);
-            drawSlice();
+        beginStill() {
+            this.setUp();
+            this.rest = viewer.listStill(this.drawing.chunks, this.camera);
+            this.drawSlice();
         }
 
-        function nextFrame(action) {
-            requested = requestAnimationFrame(() => { requested = 0; action(); });
+        nextFrame(action) {
+            this.requested = requestAnimationFrame(action);
         }
 
-        function continueStill() {
-            if (view.isStill) return;
-            drawSlice();
-            nextFrame(continueStill);
+        continueStill() {
+            if (this.isStill) return;
+            this.drawSlice();
+            this.nextFrame(() => this.continueStill());
         }
 
         /** Ends a still picture that is being drawn. */
-        function interrupt() {
-            clearTimeout(settle);
-            cancelAnimationFrame(requested);
-            view.isStill = false;
+        interrupt() {
+            clearTimeout(this.settle);
+            cancelAnimationFrame(this.requested);
+            this.isStill = false;
         }
 
-        function drawMoving() {
-            const choice = drawDraft();
-            view.isStill = choice.boxes === 0;
-            if (view.isStill) return;
-            settle = setTimeout(() => nextFrame(() => {
-                beginStill();
-                nextFrame(continueStill);
+        drawMoving() {
+            const choice = this.drawDraft();
+            this.isStill = choice.boxes === 0;
+            if (this.isStill) return;
+            this.settle = setTimeout(() => this.nextFrame(() => {
+                this.beginStill();
+                this.nextFrame(() => this.continueStill());
             }), settleTime);
         }
 
+        /** Draws a frame that is quick, and asks for the still picture after it. */
+        drawNow() {
+            this.interrupt();
+            this.drawMoving();
+        }
+
         /** Asks for a frame that is quick, and for the still picture after it. */
-        function request() {
-            interrupt();
-            nextFrame(drawMoving);
+        request() {
+            this.interrupt();
+            this.nextFrame(() => this.drawMoving());
         }
 
         /** Draws the still picture as a whole. */
-        function drawAll() {
-            interrupt();
-            beginStill();
-            while (!view.isStill) drawSlice();
+        drawAll() {
+            this.interrupt();
+            this.beginStill();
+            while (!this.isStill) this.drawSlice();
         }
 
-        function resize() {
-            const { clientWidth, clientHeight } = canvas.parentElement;
+        resize() {
+            const { clientWidth, clientHeight } = this.canvas.parentElement;
             const width = Math.max(1, clientWidth), height = Math.max(1, clientHeight);
-            renderer.setSize(width, height, false);
-            camera.resize(width, height);
-            request();
+            this.renderer.setSize(width, height, false);
+            this.camera.resize(width, height);
+            this.request();
         }
 
-        return Object.assign(view, {
-            request: request,
-            resize: resize,
-            drawNow: () => { interrupt(); drawMoving(); },
-            setBackground: (colour) => { renderer.setClearColor(colour, 1); request(); },
-            /** The picture as a PNG, passed to a function. */
-            takePicture: (receive) => {
-                drawAll();
-                canvas.toBlob(receive, 'image/png');
-            },
-            /** Bytes of a pixel, counted from the upper left corner in CSS pixels. */
-            pixel: (x, y) => {
-                drawAll();
-                const gl = renderer.getContext();
-                const ratio = renderer.getPixelRatio();
-                const bytes = new Uint8Array(4);
-                gl.readPixels(Math.floor(x * ratio),
-                    gl.drawingBufferHeight - 1 - Math.floor(y * ratio), 1, 1, gl.RGBA,
-                    gl.UNSIGNED_BYTE, bytes);
-                return Array.from(bytes);
-            },
-        });
+        setBackground(colour) {
+            this.renderer.setClearColor(colour, 1);
+            this.request();
+        }
+
+        /** The picture as a PNG, passed to a function. */
+        takePicture(receive) {
+            this.drawAll();
+            this.canvas.toBlob(receive, 'image/png');
+        }
+
+        /** Bytes of a pixel, counted from the upper left corner in CSS pixels. */
+        pixel(x, y) {
+            this.drawAll();
+            const gl = this.renderer.getContext();
+            const ratio = this.renderer.getPixelRatio();
+            const bytes = new Uint8Array(4);
+            gl.readPixels(Math.floor(x * ratio), gl.drawingBufferHeight - 1 - Math.floor(y * ratio),
+                1, 1, gl.RGBA, gl.UNSIGNED_BYTE, bytes);
+            return Array.from(bytes);
+        }
     };
 })(window.viewer);

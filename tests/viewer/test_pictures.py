@@ -53,6 +53,16 @@ class Pictures(PageTest):
         self.press("r")
         self.assertGreater(distance(inside, self.colour_at([0, 0, 15])), 15)
 
+    def test_picture_returns_after_the_hardware_was_lost(self):
+        point = [-140, 20, 145]
+        before = self.colour_at(point)
+        self.js("""const gl = document.getElementById('canvas').getContext('webgl');
+            window.hardware = gl.getExtension('WEBGL_lose_context');
+            window.hardware.loseContext();""")
+        self.js("setTimeout(() => window.hardware.restoreContext(), 0)")
+        wait_for(lambda: self.colour_at(point) == before, "the picture does not return")
+        self.browser.get_log("browser")  # remarks about the loss
+
     def test_hidden_parts_leave_the_picture(self):
         point = [-140, 20, 145]
         before = self.colour_at(point)
