@@ -192,7 +192,7 @@
         connectStates(parts);
         const rows = viewer.makeTreeRows(model);
         const open = (component) => parts.fitComponent(component);
-        parts.tree = viewer.makeTree({ model, states, rows, roles: parts.roles }, { open: open });
+        parts.tree = new viewer.Tree({ model, states, rows, roles: parts.roles }, open);
         parts.differences = viewer.makeDifferences(model, states, open);
         const page = viewer.makePage(parts);
         parts.fitComponent = page.fitComponent;

@@ -89,136 +89,162 @@
 
     const moveKeys = ['Home', 'End', 'ArrowDown', 'ArrowUp', 'ArrowRight', 'ArrowLeft'];
 
-    /**
-     * The tree.
-     *
-     * @param context  model, states, rows, roles
-     * @param actions  open(component): shows it in the view
-     */
-    viewer.makeTree = function (context, actions) {
-        const { model, states, rows } = context;
-        const tree = document.getElementById('tree');
-        const space = document.getElementById('tree-space');
-        const search = document.getElementById('search');
-        const pool = [];
-        let list = rows.rows();
-        let height = 26;
-
-        function rowElement(index) {
-            if (index >= pool.length) {
-                pool.push(makeRow());
-                space.append(pool[index]);
-            }
-            return pool[index];
+    /** The tree. */
+    viewer.Tree = class {
+        /**
+         * @param context  model, states, rows, roles
+         * @param open     shows a component in the view
+         */
+        constructor(context, open) {
+            Object.assign(this, { context: context, open: open, pool: [], list: [], height: 26 });
+            this.tree = document.getElementById('tree');
+            this.space = document.getElementById('tree-space');
+            this.search = document.getElementById('search');
+            this.connectTree();
+            this.connectSearch();
+            this.connectStates(context.states);
+            new ResizeObserver(() => this.rebuild()).observe(this.tree);
+            this.rebuild();
         }
 
-        function placeRow(row, index) {
-            const i = list[index];
+        connectTree() {
+            const { tree } = this;
+            const { states } = this.context;
+            tree.addEventListener('scroll', () => this.show(), { passive: true });
+            tree.addEventListener('click', (event) => this.clicked(event));
+            tree.addEventListener('dblclick', (event) => {
+                const i = this.componentAt(event);
+                if (i >= 0 && !event.target.closest('.eye, .twisty')) this.open(i);
+            });
+            tree.addEventListener('keydown', (event) => this.pressed(event));
+            tree.addEventListener('pointermove', (event) => {
+                if (event.pointerType === 'mouse') states.hover(this.componentAt(event));
+            });
+            tree.addEventListener('pointerleave', () => states.hover(-1));
+        }
+
+        connectSearch() {
+            this.search.addEventListener('input', () => this.searched());
+            this.search.addEventListener('keydown', (event) => {
+                if (event.key === 'Enter') this.nextMatch();
+            });
+        }
+
+        connectStates(states) {
+            states.selectionChanged.connect((component) => this.select(component));
+            states.hoverChanged.connect(() => this.show());
+            states.visibilityChanged.connect(() => this.show());
+        }
+
+        /** The element of a row in sight; they are made when they are needed first. */
+        element(index) {
+            if (index >= this.pool.length) {
+                this.pool.push(makeRow());
+                this.space.append(this.pool[index]);
+            }
+            return this.pool[index];
+        }
+
+        placeRow(row, index) {
+            const i = this.list[index];
+            const { assemblies } = this.context.model;
             row.hidden = false;
             row.dataset.index = String(index);
             row.id = `row-${i < 0 ? `heading${-1 - i}` : i}`;
-            row.style.transform = `translateY(${index * height}px)`;
-            if (i < 0) fillHeading(row, model.assemblies[-1 - i], -1 - i);
-            else fillRow(row, i, context);
+            row.style.transform = `translateY(${index * this.height}px)`;
+            if (i < 0) fillHeading(row, assemblies[-1 - i], -1 - i);
+            else fillRow(row, i, this.context);
         }
 
         /** Fills the rows in sight and hides the other elements. */
-        function show() {
+        show() {
+            const { tree, list, height, pool } = this;
+            const { selected } = this.context.states;
             const first = Math.max(0, Math.floor(tree.scrollTop / height) - extraRows);
             const count = Math.ceil(tree.clientHeight / height) + 2 * extraRows;
             const last = Math.min(list.length, first + count);
             for (let index = first; index < last; ++index) {
-                placeRow(rowElement(index - first), index);
+                this.placeRow(this.element(index - first), index);
             }
             pool.slice(last - first).forEach((row) => { row.hidden = true; row.id = ''; });
-            const active = states.selected >= 0 ? `row-${states.selected}` : '';
-            tree.setAttribute('aria-activedescendant', active);
+            tree.setAttribute('aria-activedescendant', selected >= 0 ? `row-${selected}` : '');
         }
 
-        function rebuild() {
-            list = rows.rows();
-            height = matchMedia('(pointer: coarse)').matches ? 40 : 26;
-            space.style.height = `${list.length * height}px`;
-            document.getElementById('tree-empty').hidden = list.length > 0;
-            show();
+        /** Lists the rows again, after folding or searching. */
+        rebuild() {
+            this.list = this.context.rows.rows();
+            this.height = matchMedia('(pointer: coarse)').matches ? 40 : 26;
+            this.space.style.height = `${this.list.length * this.height}px`;
+            document.getElementById('tree-empty').hidden = this.list.length > 0;
+            this.show();
         }
 
-        function scrollTo(component) {
-            const top = list.indexOf(component) * height;
+        scrollTo(component) {
+            const { tree, height } = this;
+            const top = this.list.indexOf(component) * height;
             if (top < 0) return;
             if (top < tree.scrollTop) tree.scrollTop = top;
             const bottom = top + height - tree.clientHeight;
             if (bottom > tree.scrollTop) tree.scrollTop = bottom;
         }
 
-        function select(component) {
-            if (component >= 0) rows.reveal(component);
-            rebuild();
-            if (component >= 0) scrollTo(component);
-            show();
+        select(component) {
+            if (component >= 0) this.context.rows.reveal(component);
+            this.rebuild();
+            if (component >= 0) this.scrollTo(component);
+            this.show();
         }
 
-        function componentAt(event) {
+        /** The component of an event, or -1. */
+        componentAt(event) {
             const row = event.target.closest('.row');
-            return row ? list[Number(row.dataset.index)] : -1;
+            return row ? Math.max(-1, this.list[Number(row.dataset.index)]) : -1;
         }
 
-        function clicked(event) {
-            const i = componentAt(event);
-            if (i === undefined || i < 0) return;
+        clicked(event) {
+            const i = this.componentAt(event);
+            const { states, rows } = this.context;
+            if (i < 0) return;
             if (event.target.closest('.eye')) {
                 states.setHidden(i, !states.isHidden(i));
             } else if (event.target.closest('.twisty') && rows.hasChildren(i)) {
                 rows.setUnfolded(i, !rows.isUnfolded(i));
-                rebuild();
+                this.rebuild();
             } else {
                 states.select(i);
             }
         }
 
-        function pressed(event) {
+        pressed(event) {
+            const { states } = this.context;
             if (event.key === 'Enter' && states.selected >= 0) {
                 event.stopPropagation();
-                actions.open(states.selected);
+                this.open(states.selected);
             }
             if (!moveKeys.includes(event.key)) return;
             event.preventDefault();
             event.stopPropagation();
-            const next = moveBy(event.key, states.selected, list, context);
+            const next = moveBy(event.key, states.selected, this.list, this.context);
             if (next !== undefined && next >= 0) states.select(next);
         }
 
+        searched() {
+            const { rows } = this.context;
+            const text = this.search.value;
+            rows.search(text);
+            this.tree.scrollTop = 0;
+            this.rebuild();
+            document.getElementById('search-count').textContent =
+                text.trim() === '' ? '' : `${rows.matching().length} found`;
+        }
+
         /** Selects the next component that the search finds. */
-        function nextMatch() {
+        nextMatch() {
+            const { states, rows } = this.context;
             const found = rows.matching();
             if (found.length === 0) return;
             const next = found.find((i) => i > states.selected);
             states.select(next === undefined ? found[0] : next);
         }
-
-        tree.addEventListener('scroll', show, { passive: true });
-        tree.addEventListener('click', clicked);
-        tree.addEventListener('dblclick', (event) => {
-            const i = componentAt(event);
-            if (i >= 0 && !event.target.closest('.eye, .twisty')) actions.open(i);
-        });
-        tree.addEventListener('keydown', pressed);
-        tree.addEventListener('pointermove', (event) => {
-            if (event.pointerType === 'mouse') states.hover(Math.max(-1, componentAt(event)));
-        });
-        tree.addEventListener('pointerleave', () => states.hover(-1));
-        search.addEventListener('input', () => {
-            rows.search(search.value);
-            tree.scrollTop = 0;
-            rebuild();
-            document.getElementById('search-count').textContent =
-                search.value.trim() === '' ? '' : `${rows.matching().length} found`;
-        });
-        search.addEventListener('keydown', (event) => { if (event.key === 'Enter') nextMatch(); });
-        states.selectionChanged.connect(select);
-        states.hoverChanged.connect(show);
-        states.visibilityChanged.connect(show);
-        new ResizeObserver(rebuild).observe(tree);
-        return { rebuild: rebuild };
     };
 })(window.viewer);
