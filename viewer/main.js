@@ -202,6 +202,7 @@
         viewer.connectPointer(canvas, actions);
         parts.clickMiddle = () => actions.click(canvas.clientWidth / 2, canvas.clientHeight / 2);
         connectButtons(page);
+        if (matchMedia('(max-width: 700px)').matches) page.togglePanel();
         return pickAt;
     }
 
@@ -238,7 +239,6 @@
             fail('This browser has no WebGL, which the drawing needs.');
             return;
         }
-        if (matchMedia('(max-width: 700px)').matches) document.body.classList.add('closed');
         connectTabs();
         const canvas = byId('canvas');
         const parts = makeParts(model, shapes, canvas);

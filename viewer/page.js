@@ -23,7 +23,7 @@
         return {
             fit: () => fit(states.selected),
             fitComponent: fit,
-            look: (name) => { camera.look(name); fit(-1); },
+            look: (name) => { camera.look(name); fit(states.selected); },
             orbit: (x, y) => camera.orbit(x, y),
             pan: (x, y) => camera.pan(x, y),
             zoom: (factor) => camera.zoom(factor),

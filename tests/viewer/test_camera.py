@@ -114,6 +114,27 @@ class Camera(PageTest):
         self.assertAlmostEqual(self.camera()["distance"] / before, 0.5, delta=0.02)
         self.assertEqual(self.scene("selected"), -1)
 
+    def test_tap_selects(self):
+        self.set_view(820, 1180, touch=True)
+        self.addCleanup(self.set_view, 1280, 800)
+        self.open_sample()
+        self.press("2")
+        x, y = self.scene("pixelOf", [-140, 20, 145])
+        left, top = self.js("const b = document.getElementById('canvas').getBoundingClientRect();"
+                            "return [b.left, b.top]")
+        for kind, points in (("touchStart", [{"x": left + x, "y": top + y}]), ("touchEnd", [])):
+            self.browser.execute_cdp_cmd("Input.dispatchTouchEvent",
+                                         {"type": kind, "touchPoints": points})
+        wait_for(lambda: self.scene("selected") >= 0, "nothing is selected")
+        self.assertEqual(self.text("details-name"), "Raw part")
+
+    def test_double_click_fits_the_component(self):
+        self.press("2")
+        pixel = self.scene("pixelOf", [-140, 20, 145])
+        self.point_at(pixel).click().click().perform()
+        self.settle()
+        self.assert_close(self.camera()["target"], [-140, 20, 125])
+
     def test_fit_shows_the_selected_branch(self):
         self.row("Raw part").click()
         self.press("f")
@@ -201,12 +222,25 @@ class Camera(PageTest):
         self.assertEqual(unnamed, 0)
 
 
+class FramesAlone(PageTest):
+    def test_axis_files_are_shown_without_an_assembly(self):
+        self.open("table-a30.dat", "left-vise.ref", "bracket-right.mctx")
+        self.assertEqual(sorted(label.text for label in self.find_all(".label")),
+                         ["Origin", "bracket-right", "left-vise", "table-a30"])
+        self.assertFalse(self.find("#message").is_displayed())
+        size = self.find("#canvas").size
+        for place in ([12.5, -40, 215.75], [-140, 0, 30], [100, 0, 30]):
+            pixel = self.scene("pixelOf", place)
+            self.assertTrue(0 < pixel[0] < size["width"] and 0 < pixel[1] < size["height"])
+
+
 class SmallScreen(PageTest):
     def test_tree_opens_over_the_width(self):
         self.set_view(400, 800, touch=True)
         self.addCleanup(self.set_view, 1280, 800)
         self.open_sample()
         self.assertFalse(self.find("#side").is_displayed())
+        self.assertEqual(self.find("#panel-button").get_attribute("aria-expanded"), "false")
         self.click("#panel-button")
         self.assertEqual(self.find("#side").size["width"], 400)
         sizes = self.js("""return [...document.querySelectorAll('button')]
