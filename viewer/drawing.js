@@ -5,9 +5,8 @@
     /** The role that draws an item, or null if it is not drawn. */
     function roleOf(item, roles) {
         const role = roles[item.component];
-        // Disabled components are ghosts of the assembly that is current.
-        if (item.isGhost && (role === null || role === 'old' || role === 'removed')) return null;
-        return role;
+        // What was disabled before and moved is a ghost at its new place only.
+        return item.isGhost && role === 'old' ? null : role;
     }
 
     /** Items by shape and by whether they are transparent. */

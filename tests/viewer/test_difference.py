@@ -26,8 +26,10 @@ class Difference(PageTest):
         self.assertEqual(self.names("old"), ["Body", "Fixed jaw", "Moving jaw"])
         self.assertEqual(self.names("added"), ["Front parallel", "Raw part", "Rear parallel",
                                                "Stop rod"])
-        # The stop rod of the first assembly was disabled, so nothing of it was drawn.
+        # The stop rod of the first assembly was disabled, so it is a ghost on demand.
         self.assertEqual(self.names("removed"), [])
+        self.press("d")
+        self.assertEqual(self.names("removed"), ["Stop rod"])
 
     def test_roles_have_the_colours_of_the_legend(self):
         wanted = {role: [int(colour[i:i + 2], 16) for i in (1, 3, 5)] for role, colour in

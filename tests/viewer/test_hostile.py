@@ -121,18 +121,25 @@ class BrokenGeometry(PageTest):
 
 
 class Polygons(PageTest):
-    def test_ply_faces_with_five_corners_are_drawn(self):
-        points = ["0 0 0", "10 0 0", "14 8 0", "5 12 0", "-4 8 0"]
-        self.write("five.ply", "ply\nformat ascii 1.0\nelement vertex 5\nproperty float x\n"
-                   "property float y\nproperty float z\nelement face 1\n"
-                   "property list uchar int vertex_index\nend_header\n"
-                   + "\n".join(points) + "\n5 0 1 2 3 4\n")
+    FIVE = ("ply\nformat ascii 1.0\nelement vertex 5\nproperty float x\nproperty float y\n"
+            "property float z\nelement face 1\nproperty list uchar int vertex_index\nend_header\n"
+            "0 0 0\n10 0 0\n14 8 0\n5 12 0\n-4 8 0\n5 0 1 2 3 4\n")
+
+    def setUp(self):
+        self.write("five.ply", self.FIVE)
         self.write("five.xml", assembly(component("five", "five.ply")))
         self.open("five.xml", cwd=self.work)
+
+    def test_ply_faces_with_five_corners_are_drawn(self):
         self.assertEqual(self.scene("reasons"), [None])
         bounds = self.scene("bounds")
         self.assert_close(bounds["min"], [-4, 0, 0])
         self.assert_close(bounds["max"], [14, 12, 0])
+
+    def test_loader_of_three_js_leaves_them_out(self):
+        """This is why the page reads PLY files itself."""
+        index = self.js("return new THREE.PLYLoader().parse(arguments[0]).index", self.FIVE)
+        self.assertIsNone(index)
 
 
 class OddPlacements(PageTest):
