@@ -50,6 +50,9 @@ class Camera(PageTest):
         self.click("#command-projection")
         self.settle()
         self.assert_close(self.scene("pixelOf", near), self.scene("pixelOf", far), 1e-3)
+        self.click("#command-projection")
+        self.settle()
+        self.assertGreater(abs(self.scene("pixelOf", near)[0] - self.scene("pixelOf", far)[0]), 5)
 
     def test_drag_orbits_and_keeps_the_target(self):
         before = self.camera()
