@@ -4,40 +4,59 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <string>
+#include <utility>
 
 namespace trv::cli {
 namespace {
 
-constexpr std::size_t numbersOfPlacement = 12;
-
-void append(std::vector<double>& numbers, const double vector[3]) {
-    numbers.insert(numbers.end(), vector, vector + 3);
+// Adds the images of the axes, and the translation.
+void addPlacement(JsonWriter& json, const double vec1[3], const double vec2[3],
+                  const double vec3[3], const double translation[3]) {
+    double numbers[12];
+    double* to = numbers;
+    for (const double* const vector : {vec1, vec2, vec3, translation})
+        to = std::copy_n(vector, 3, to);
+    json.addBase64(numbers, 12);
 }
 
-void append(std::vector<double>& numbers, const CComponentInfo& entry) {
+void addPlacement(JsonWriter& json, const CComponentInfo& entry) {
     const double* translation = nullptr;
     const double* axes[3] = {};
     entry.getTranslation(translation);
     entry.getOrientation(axes[0], axes[1], axes[2]);
-    for (const double* const axis : axes)
-        append(numbers, axis);
-    append(numbers, translation);
+    addPlacement(json, axes[0], axes[1], axes[2], translation);
 }
 
-// The list that the library gives if each component is enabled and has a file: its entries are the
-// components, in their order. Iterative: the tree may be deeper than the stack.
-std::vector<CComponentInfo> placementsOfAll(CTrvAssemblyData assembly) {
-    std::vector<ComponentBody*> pending = {&ComponentBody::editable(assembly.getRootComponent())};
+void copyPlacement(const ComponentFields& from, ComponentFields& to) {
+    std::copy_n(from.translation, 3, to.translation);
+    std::copy_n(from.vec1, 3, to.vec1);
+    std::copy_n(from.vec2, 3, to.vec2);
+    std::copy_n(from.vec3, 3, to.vec3);
+}
+
+// A tree with the same placements in which each component is enabled and has a file: its flattened
+// list has an entry for each component. Iterative: the tree may be deeper than the stack.
+CTrvAssemblyData placementsAlone(const CTrvAssemblyData& assembly) {
+    struct Pair {
+        const ComponentBody* from;
+        ComponentBody* to;
+    };
+    CTrvAssemblyData result;
+    std::vector<Pair> pending = {{&ComponentBody::of(assembly.getRootComponent()),
+                                  &ComponentBody::editable(result.getRootComponent())}};
     while (!pending.empty()) {
-        ComponentBody& component = *pending.back();
+        const Pair pair = pending.back();
         pending.pop_back();
-        component.enabled = true;
-        component.geometryFileName = "any";
-        for (ComponentBody& child : component.components)
-            pending.push_back(&child);
+        copyPlacement(*pair.from, *pair.to);
+        pair.to->geometryFileName = "any";
+        const std::size_t count = pair.from->components.size();
+        pair.to->components = std::vector<ComponentBody>(count);
+        for (std::size_t i = 0; i < count; ++i)
+            pending.push_back({&pair.from->components[i], &pair.to->components[i]});
     }
-    return assembly.getComponentFileList();
+    return result;
 }
 
 // A file without an overall size has zeros.
@@ -49,15 +68,9 @@ bool isSize(const double dimension[3]) {
 
 }  // namespace
 
-void SceneComponents::Placements::add(std::size_t component, const CComponentInfo& entry) {
-    components.push_back(component);
-    append(matrices, entry);
-}
-
-SceneComponents::SceneComponents(const QString& name, const CTrvAssemblyData& assembly,
-                                 SceneFiles& files)
-    : name_(name), assembly_(assembly) {
-    addComponents(ReferenceDirectory(name), files);
+SceneComponents::SceneComponents(QString name, const CTrvAssemblyData& assembly, SceneFiles& files)
+    : name_(std::move(name)), assembly_(assembly) {
+    addComponents(ReferenceDirectory(name_), files);
 }
 
 // A walk in the order of the flattened list: each component before its children.
@@ -82,27 +95,6 @@ void SceneComponents::addComponents(const ReferenceDirectory& directory, SceneFi
     });
 }
 
-SceneComponents::Placements SceneComponents::shownPlacements() const {
-    const std::vector<CComponentInfo> list = assembly_.getComponentFileList();
-    Placements placements;
-    placements.components.reserve(list.size());
-    placements.matrices.reserve(numbersOfPlacement * list.size());
-    auto entry = list.begin();
-    for (std::size_t i = 0; i < components_.size(); ++i) {
-        if (components_[i].isShown && components_[i].file >= 0) placements.add(i, *entry++);
-    }
-    return placements;
-}
-
-SceneComponents::Placements SceneComponents::ghostPlacements(
-    const std::vector<CComponentInfo>& all) const {
-    Placements placements;
-    for (std::size_t i = 0; i < components_.size(); ++i) {
-        if (!components_[i].isShown && components_[i].file >= 0) placements.add(i, all[i]);
-    }
-    return placements;
-}
-
 void SceneComponents::write(JsonWriter& json) const {
     json.add("path", displayName(name_));
     double dimension[3];
@@ -113,10 +105,12 @@ void SceneComponents::write(JsonWriter& json) const {
     } else {
         json.addNull("dimension");
     }
-    const std::vector<CComponentInfo> all = placementsOfAll(assembly_);
+    const std::vector<CComponentInfo> all = placementsAlone(assembly_).getComponentFileList();
     writeComponents(all, json);
-    writePlacements("placements", shownPlacements(), json);
-    writePlacements("ghosts", ghostPlacements(all), json);
+    writePlacements(
+        "placements", all, [](const Component& component) { return component.isShown; }, json);
+    writePlacements(
+        "ghosts", all, [](const Component& component) { return !component.isShown; }, json);
 }
 
 void SceneComponents::writeComponents(const std::vector<CComponentInfo>& all,
@@ -140,38 +134,38 @@ void SceneComponents::writeComponents(const std::vector<CComponentInfo>& all,
     writeIntegers("file", [](const Component& component) { return component.file; });
     writeIntegers("enabled",
                   [](const Component& component) { return component.body->enabled ? 1 : 0; });
-    json.addBase64("local", localNumbers());
-    std::vector<double> world;
-    world.reserve(numbersOfPlacement * all.size());
+    json.beginBase64("local");
+    for (const Component& component : components_) {
+        const ComponentBody& body = *component.body;
+        addPlacement(json, body.vec1, body.vec2, body.vec3, body.translation);
+    }
+    json.endBase64();
+    json.beginBase64("world");
     for (const CComponentInfo& entry : all)
-        append(world, entry);
-    json.addBase64("world", world);
+        addPlacement(json, entry);
+    json.endBase64();
     json.endObject();
 }
 
-std::vector<double> SceneComponents::localNumbers() const {
-    std::vector<double> numbers;
-    numbers.reserve(numbersOfPlacement * components_.size());
-    for (const Component& component : components_) {
-        const ComponentBody& body = *component.body;
-        for (const double* const vector : {body.vec1, body.vec2, body.vec3, body.translation})
-            append(numbers, vector);
+void SceneComponents::writePlacements(const char* key, const std::vector<CComponentInfo>& all,
+                                      Selection isSelected, JsonWriter& json) const {
+    std::vector<std::size_t> selected;
+    for (std::size_t i = 0; i < components_.size(); ++i) {
+        if (components_[i].file >= 0 && isSelected(components_[i])) selected.push_back(i);
     }
-    return numbers;
-}
-
-void SceneComponents::writePlacements(const char* key, const Placements& placements,
-                                      JsonWriter& json) const {
     json.beginObject(key);
     json.beginArray("component");
-    for (const std::size_t component : placements.components)
-        json.addIntegerElement(static_cast<long long>(component));
+    for (const std::size_t i : selected)
+        json.addIntegerElement(static_cast<long long>(i));
     json.endArray();
     json.beginArray("file");
-    for (const std::size_t component : placements.components)
-        json.addIntegerElement(components_[component].file);
+    for (const std::size_t i : selected)
+        json.addIntegerElement(components_[i].file);
     json.endArray();
-    json.addBase64("matrix", placements.matrices);
+    json.beginBase64("matrix");
+    for (const std::size_t i : selected)
+        addPlacement(json, all[i]);
+    json.endBase64();
     json.endObject();
 }
 

@@ -13,7 +13,6 @@
 
 #include <QString>
 
-#include <cstddef>
 #include <unordered_map>
 #include <vector>
 
@@ -24,7 +23,7 @@ public:
     /// @param name      of the assembly file
     /// @param assembly  has to live as long as the object, unchanged
     /// @param files     gets the geometry files, also those of disabled components
-    SceneComponents(const QString& name, const CTrvAssemblyData& assembly, SceneFiles& files);
+    SceneComponents(QString name, const CTrvAssemblyData& assembly, SceneFiles& files);
 
     /// Adds the members of an element of "assemblies" to the current object.
     void write(JsonWriter& json) const;
@@ -42,24 +41,15 @@ private:
         /// Neither the component nor one above it is disabled.
         bool isShown;
     };
-    struct Placements {
-        void add(std::size_t component, const CComponentInfo& entry);
-
-        std::vector<std::size_t> components;
-        /// Twelve numbers for each: three axes and the translation.
-        std::vector<double> matrices;
-    };
+    using Selection = bool (*)(const Component& component);
 
     void addComponents(const ReferenceDirectory& directory, SceneFiles& files);
-    /// Those of the flattened list.
-    Placements shownPlacements() const;
-    /// Those that the list would also have if all components were enabled.
+    void writeComponents(const std::vector<CComponentInfo>& all, JsonWriter& json) const;
+    /// Writes the columns of the components with a file that are selected.
     ///
     /// @param all  the placements of all components
-    Placements ghostPlacements(const std::vector<CComponentInfo>& all) const;
-    void writeComponents(const std::vector<CComponentInfo>& all, JsonWriter& json) const;
-    std::vector<double> localNumbers() const;
-    void writePlacements(const char* key, const Placements& placements, JsonWriter& json) const;
+    void writePlacements(const char* key, const std::vector<CComponentInfo>& all,
+                         Selection isSelected, JsonWriter& json) const;
 
     QString name_;
     const CTrvAssemblyData& assembly_;

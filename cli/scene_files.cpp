@@ -60,7 +60,7 @@ void SceneFiles::writeContents(OutputBuffer& out) const {
         if (files_[i].geometry.format == nullptr) continue;
         const platform::file_handle file = openForRead(files_[i].path, platform::file_mode::binary);
         if (file != nullptr) {
-            out.text() += "<script type=\"text/plain\" id=\"geometry-";
+            out.text() += R"(<script type="text/plain" id="geometry-)";
             appendInteger(out.text(), static_cast<long long>(i));
             out.text() += "\">";
             writeBase64(file.get(), out);

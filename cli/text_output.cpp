@@ -7,7 +7,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string_view>
 
@@ -146,18 +145,23 @@ void JsonWriter::addNumbers(const char* key, const double* values, int count) {
     out_.text() += ']';
 }
 
-void JsonWriter::addBase64(const char* key, const std::vector<double>& numbers) {
-    // Of whole groups of three bytes, so only the last block is padded.
-    std::array<double, 3 * 256> block;
+void JsonWriter::beginBase64(const char* key) {
     beginMember(key);
     out_.text() += '"';
-    for (std::size_t first = 0; first < numbers.size(); first += block.size()) {
-        const std::size_t count = std::min(block.size(), numbers.size() - first);
-        qToLittleEndian<double>(numbers.data() + first, static_cast<qsizetype>(count),
-                                block.data());
-        appendBase64(out_.text(), {reinterpret_cast<const char*>(block.data()), 8 * count});
-        out_.endPiece();
+}
+
+void JsonWriter::addBase64(const double* numbers, std::size_t count) {
+    constexpr std::size_t blockLength = 12;
+    char bytes[blockLength * sizeof(double)];
+    for (std::size_t first = 0; first < count; first += blockLength) {
+        const std::size_t length = std::min(blockLength, count - first);
+        qToLittleEndian<double>(numbers + first, static_cast<qsizetype>(length), bytes);
+        appendBase64(out_.text(), {bytes, length * sizeof(double)});
     }
+    out_.endPiece();
+}
+
+void JsonWriter::endBase64() {
     out_.text() += '"';
 }
 

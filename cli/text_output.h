@@ -12,9 +12,9 @@
 #include <QJsonValue>
 #include <QString>
 
+#include <cstddef>
 #include <ostream>
 #include <string>
-#include <vector>
 
 namespace trv::cli {
 
@@ -75,8 +75,12 @@ public:
     /// An array of numbers in the form of jsonNumber().
     void addNumbers(const char* key, const double* values, int count);
 
-    /// The bytes of the numbers, each a double with its lowest byte first, in base64.
-    void addBase64(const char* key, const std::vector<double>& numbers);
+    /// Starts a text as the next member: the bytes of numbers in base64, each a double with its
+    /// lowest byte first. Calls of addBase64() and then endBase64() follow.
+    void beginBase64(const char* key);
+    /// @param count  of the numbers; a multiple of three
+    void addBase64(const double* numbers, std::size_t count);
+    void endBase64();
 
     /// Starts an object as the next member. Its members and then endObject() follow.
     void beginObject(const char* key);

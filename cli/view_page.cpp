@@ -41,7 +41,7 @@ std::string policyOf(const PageParts& parts) {
 
 void writeHead(const Scene& scene, const PageParts& parts, std::ostream& out) {
     out << pageBeginning << version_text() << "\">\n"
-        << "<meta http-equiv=\"Content-Security-Policy\" content=\"" << policyOf(parts) << "\">\n"
+        << R"(<meta http-equiv="Content-Security-Policy" content=")" << policyOf(parts) << "\">\n"
         << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
         << "<title>" << qUtf8Printable(shownUnquoted(scene.title).toHtmlEscaped()) << "</title>\n";
     for (const std::string_view style : parts.styles)

@@ -134,10 +134,9 @@ TEST_F(SceneComponentsTest, KeepADisabledRootAsAGhost) {
 }
 
 TEST_F(SceneComponentsTest, AreOneForAnEmptyAssembly) {
-    const QJsonObject written =
-        assemblyIn(dataOf({file("a.xml",
-                                "<ComponentInfo version=\"1\"><Attributs/><Component name=\"\">"
-                                "</Component></ComponentInfo>")}));
+    const QJsonObject written = assemblyIn(dataOf({file(
+        "a.xml",
+        R"(<ComponentInfo version="1"><Attributs/><Component name=""></Component></ComponentInfo>)")}));
     EXPECT_EQ(integersOf(column(written, "components", "parent")), std::vector<int>{-1});
     EXPECT_EQ(integersOf(column(written, "placements", "component")), std::vector<int>());
     EXPECT_TRUE(written.value(QLatin1String("dimension")).isNull());

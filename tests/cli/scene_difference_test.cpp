@@ -26,8 +26,8 @@ protected:
     }
 
     static std::string document(const std::string& components) {
-        return "<ComponentInfo version=\"1\"><Attributs><Dimension x=\"1\" y=\"1\" z=\"1\"/>"
-               "</Attributs><Component name=\"r\"><Data>" +
+        return R"(<ComponentInfo version="1"><Attributs><Dimension x="1" y="1" z="1"/></Attributs>)"
+               R"(<Component name="r"><Data>)" +
                components + "</Data></Component></ComponentInfo>";
     }
 

@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <vector>
 
 namespace trv::cli {
 namespace {
@@ -290,8 +291,12 @@ TEST(JsonWriter, WritesColumns) {
     json.endArray();
     json.beginObject("empty");
     json.endObject();
-    json.addBase64("none", {});
-    json.addBase64("three", {1, -2, 0.1});
+    json.beginBase64("none");
+    json.endBase64();
+    json.beginBase64("three");
+    const double numbers[] = {1, -2, 0.1};
+    json.addBase64(numbers, 3);
+    json.endBase64();
     json.endObject();
     json.addInteger("last", 3);
     json.end();
@@ -304,7 +309,11 @@ TEST(JsonWriter, WritesColumns) {
 TEST(JsonWriter, WritesManyNumbersInBase64) {
     std::ostringstream out;
     JsonWriter json(out);
-    json.addBase64("n", std::vector<double>(3000, 0));
+    json.beginBase64("n");
+    const std::vector<double> zeros(30, 0);
+    for (int i = 0; i < 100; ++i)
+        json.addBase64(zeros.data(), zeros.size());
+    json.endBase64();
     json.end();
     EXPECT_EQ(out.str(), "{\"n\":\"" + std::string(32000, 'A') + "\"}\n");
 }

@@ -41,7 +41,7 @@ protected:
     }
 
     static std::string policyOf(const std::string& page) {
-        return between(page, "\"Content-Security-Policy\" content=\"", "\"").at(0);
+        return between(page, R"("Content-Security-Policy" content=")", "\"").at(0);
     }
 
     static std::string hashSource(const std::string& text) {
