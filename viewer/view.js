@@ -1,7 +1,7 @@
 // Draws the scene, only when something has changed.
 //
 // While the camera moves, a frame has as many triangles as were drawn in 30 ms before, or in 80 ms
-// by a software renderer. When it rests, the still picture is drawn in full, in slices of 200 ms:
+// by a software renderer. When it rests, the still picture is drawn in full, in slices of 120 ms:
 // each adds to the picture, and the next motion ends it. So no slow renderer blocks the page.
 (function (viewer) {
     'use strict';
@@ -9,7 +9,7 @@
     const movingTime = 30;
     const slowMovingTime = 80;
     const slowSpeed = 10000;  // triangles in a millisecond
-    const sliceTime = 200;
+    const sliceTime = 120;
     const settleTime = 200;
     const minBudget = 50000;
     // A browser reports each wait in its console, so small frames are not measured.

@@ -177,6 +177,15 @@ class Camera(PageTest):
         self.assertIsNotNone(self.scene("pick", *self.scene("pixelOf", right)))
         self.assertIsNone(self.scene("pick", *self.scene("pixelOf", left)))
 
+    def test_clicks_hit_nothing_that_is_cut_away(self):
+        self.press("x")
+        for side in (1, -1):
+            hits = [self.scene("pick", x, y) for x in range(50, 900, 75) for y in range(50, 750, 70)]
+            places = [side * hit["point"][0] for hit in hits if hit]
+            self.assertGreater(len(places), 10)
+            self.assertLessEqual(max(places), 1e-9)
+            self.press("r")
+
     def test_section_takes_a_position(self):
         self.press("s", "z")
         field = self.find("#section-position")

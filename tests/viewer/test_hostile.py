@@ -67,6 +67,10 @@ class BrokenGeometry(PageTest):
         "huge-count.stl": (b"x" * 80 + b"\xff\xff\xff\xff" + b"\0" * 100, None),
         "no-facets.stl": ("solid nothing\nendsolid nothing\n", None),
         "facet-of-two.stl": (geometry.stl_text().replace("vertex 0 0 0\n", "", 1), None),
+        "facets-of-two-and-four.stl": (
+            geometry.stl_text().replace("vertex 0 0 0\n", "", 1)
+            .replace("endloop\nendfacet\nendsolid", "vertex 0 0 0\nendloop\nendfacet\nendsolid"),
+            None),
         "nan.stl": (geometry.stl_text().replace("vertex 0 0 0", "vertex nan 0 0", 1), None),
         "index.obj": (geometry.obj().replace("f 1//1", "f 99//1", 1), None),
         "words.obj": ("v 1 2 three\nv 0 0 0\nv 1 1 1\nf 1 2 3\n", None),
@@ -111,6 +115,8 @@ class BrokenGeometry(PageTest):
         self.assertIn("no-facets.stl\nthe file ends too early", texts)
         self.assertIn("no-faces.obj\nthe file has no triangles", texts)
         self.assertIn("nan.ply\na coordinate is not a finite number", texts)
+        self.assertIn("facets-of-two-and-four.stl\nTHREE.STLLoader: Something isn't right with the "
+                      "vertices of face number 0", texts)
         self.assertIn("cut.ply\nthe file ends too early", texts)
         self.assertIn("index.ply\na face has point 100 of 8", texts)
 
