@@ -131,6 +131,11 @@ class Camera(PageTest):
         wait_for(lambda: self.scene("selected") >= 0, "nothing is selected")
         self.assertEqual(self.text("details-name"), "Raw part")
 
+    def test_right_button_selects_nothing(self):
+        self.press("2")
+        self.point_at(self.scene("pixelOf", [-140, 20, 145])).context_click().perform()
+        self.assertEqual(self.scene("selected"), -1)
+
     def test_double_click_fits_the_component(self):
         self.press("2")
         pixel = self.scene("pixelOf", [-140, 20, 145])

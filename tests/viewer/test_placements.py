@@ -82,6 +82,20 @@ class Placements(PageTest):
         self.assertEqual(hit["component"], self.component("Raw part"))
         self.assert_close(hit["point"], [-140, 20, 145], 1e-9)
 
+    def test_pick_takes_the_nearer_surface_of_boxes_in_each_other(self):
+        # The box around the floor and a chip above it begins before that of the part on the floor.
+        floor = ["v -50 -50 0", "v 50 -50 0", "v 50 50 0", "v -50 50 0", "f 1 2 3 4",
+                 "v 49 49 90", "v 50 49 90", "v 50 50 90", "f 5 6 7"]
+        self.write("floor.obj", "\n".join(floor) + "\n")
+        self.write("box.stl", geometry.stl_binary())
+        self.write("nested.xml", assembly(component("root", [
+            component("floor", "floor.obj"), component("part", "box.stl")])))
+        self.open("nested.xml", cwd=self.work)
+        self.press("2", "p")
+        hit = self.scene("pick", *self.scene("pixelOf", [5, 10, 30]))
+        self.assertEqual(hit["component"], self.component("part"))
+        self.assert_close(hit["point"], [5, 10, 30], 1e-4)
+
 
 if __name__ == "__main__":
     unittest.main()
