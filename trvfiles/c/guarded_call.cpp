@@ -27,18 +27,23 @@ std::int32_t runWatched(CallBody run, void* body, CFileFault* fault) {
     throw Refusal{TRVFILES_FATAL_REPORT, watch.message()};
 }
 
+// The status says the cause.
+void setReason(CFileFault* fault, std::string_view reason) {
+    set_fault(fault, CFileFault::Cause::none, reason);
+}
+
 std::int32_t runCaught(bool watches, CallBody run, void* body, CFileFault* fault) {
     try {
         return watches ? runWatched(run, body, fault) : run(body, fault);
     } catch (const Refusal& refusal) {
-        set_fault(fault, refusal.reason);
+        setReason(fault, refusal.reason);
         return refusal.status;
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& problem) {
-        set_fault(fault, problem.what());
+        setReason(fault, problem.what());
     } catch (...) {
-        set_fault(fault, "an unknown exception");
+        setReason(fault, "an unknown exception");
     }
     return TRVFILES_INTERNAL_ERROR;
 }
@@ -62,7 +67,7 @@ std::int32_t runGuarded(trvfiles_fault fault, bool watches, CallBody run, void* 
     } catch (const Refusal& refusal) {
         return refusal.status;
     } catch (const std::bad_alloc&) {
-        if (object != nullptr) set_fault(&object->values, outOfMemory);
+        if (object != nullptr) setReason(&object->values, outOfMemory);
         return TRVFILES_OUT_OF_MEMORY;
     } catch (...) {
         return TRVFILES_INTERNAL_ERROR;

@@ -106,7 +106,7 @@ struct CFileFault {
 
     /// Why a call has failed, for programs. Numbered as the kinds of notes are.
     enum class Cause : std::int32_t {
-        /// The call has not failed.
+        /// The call has not failed, or its status alone says why.
         none,
         /// The system has failed; `systemError` says how.
         system,
