@@ -18,6 +18,7 @@ struct Target {
 void checkAssemblyWriting(std::string_view input);
 void checkAssemblyXml(std::string_view input);
 void checkAxisText(std::string_view input);
+void checkCInterface(std::string_view input);
 void checkExpansion(std::string_view input);
 void checkMachineContextRead(std::string_view input);
 void checkMachineContextRoundTrip(std::string_view input);
@@ -30,6 +31,7 @@ inline constexpr Target targets[] = {
     {"assembly_writing", checkAssemblyWriting},
     {"assembly_xml", checkAssemblyXml},
     {"axis_text", checkAxisText},
+    {"c_interface", checkCInterface},
     {"expansion", checkExpansion},
     {"machine_context_read", checkMachineContextRead},
     {"machine_context_round_trip", checkMachineContextRoundTrip},

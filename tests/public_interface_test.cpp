@@ -6,14 +6,17 @@
 #include <trvfiles/assembly/CComponentInfo.h>
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/CTrvAssemblyNode.h>
 #include <trvfiles/assembly/XForm3Gen.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/facade/EFileIOStatus.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 #include <trvfiles/machine_context/CMachineContextUtils.h>
+#include <trvfiles/support/CFileFault.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <string>
 #include <type_traits>
@@ -33,6 +36,58 @@ TEST(PublicInterface, HasStatusesWithFixedNumbers) {
     EXPECT_EQ(eFileIOShortWrite, 3);
     EXPECT_EQ(eFileIOContentError, 4);
     EXPECT_EQ(eFileIOStructureError, 5);
+}
+
+TEST(PublicInterface, NamesStatusesAndKindsOfNotes) {
+    EXPECT_STREQ(fileIOStatusText(eFileIOSuccess), "success");
+    EXPECT_STREQ(fileNoteKindName(CFileFault::Note::Kind::leftOut), "leftOut");
+}
+
+TEST(PublicInterface, SaysWhyAFileIsNotRead) {
+    const trv::testing::TemporaryDirectory directory;
+    CQvFilesIO files(directory.text());
+    CTrvAssemblyData assembly;
+    CFileFault fault;
+    EXPECT_EQ(files.readTrvAssembly("missing", assembly, &fault), eFileIOOpenError);
+    EXPECT_EQ(fault.reason, "No such file or directory");
+}
+
+TEST(PublicInterface, ReadsAndWritesInMemory) {
+    std::string bytes;
+    CTrvAssemblyData assembly;
+    assembly.getRootComponent().setGeometryFileName("f.stl");
+    EXPECT_EQ(CQvFilesIO::sWriteTrvAssemblyToMemory(bytes, assembly), eFileIOSuccess);
+    CTrvAssemblyData read;
+    EXPECT_EQ(CQvFilesIO::sReadTrvAssemblyFromMemory(bytes, read), eFileIOSuccess);
+    EXPECT_TRUE(read == assembly);
+
+    CMachineContextData context;
+    context.setMachineName("mill");
+    EXPECT_EQ(CQvFilesIO::sWriteMachineContextToMemory(bytes, context), eFileIOSuccess);
+    CMachineContextData other;
+    EXPECT_EQ(CQvFilesIO::sReadMachineContextFromMemory(bytes, other), eFileIOSuccess);
+    EXPECT_EQ(other.getMachineName(), "mill");
+
+    Math::XForm3Gen<double> placement;
+    placement(3, 0) = 7;
+    EXPECT_EQ(CQvFilesIO::sWriteAxisToMemory(bytes, placement.data(), 1, 2, 3), eFileIOSuccess);
+    Math::XForm3Gen<double> back;
+    int tags[3] = {};
+    EXPECT_EQ(CQvFilesIO::sReadAxisFromMemory(bytes, back.data(), tags[0], tags[1], tags[2]),
+              eFileIOSuccess);
+    EXPECT_EQ(back(3, 0), 7);
+    EXPECT_EQ(tags[2], 3);
+}
+
+TEST(PublicInterface, EditsAnAssemblyInPlace) {
+    CTrvAssemblyData assembly;
+    CTrvAssemblyNode& root = assembly.getRootComponent().node();
+    root.addChild(CTrvAssemblyComponentData()).setGeometryFileName("a.stl");
+    for (CTrvAssemblyNode& child : root.children())
+        child.setTranslation({1, 2, 3});
+    ASSERT_EQ(assembly.getComponentFileList().size(), 1U);
+    EXPECT_EQ(assembly.getComponentFileList()[0].getTranslation(),
+              (std::array<double, 3>{1, 2, 3}));
 }
 
 TEST(PublicInterface, BuildsWritesAndReadsAnAssembly) {

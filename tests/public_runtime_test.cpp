@@ -3,6 +3,7 @@
 
 #include <tests/common/temporary_directory.h>
 #include <trvfiles/environment/configuration_loader.h>
+#include <trvfiles/environment/definitions.h>
 #include <trvfiles/environment/message_file.h>
 #include <trvfiles/environment/message_store.h>
 #include <trvfiles/environment/store_writer.h>
@@ -109,6 +110,8 @@ TEST(PublicRuntime, HasTheExpansion) {
 TEST(PublicRuntime, HasTheLoader) {
     exists<int(message_store*, VCL8BLineSource&, const char*, section_callback, entry_callback)>(
         load_messages);
+    exists<int(message_store*, VCL8BLineSource&, const char*, context_section_callback,
+               context_entry_callback, void*)>(load_messages);
     exists<message_store*(message_store*, const char*)>(load_message_file);
     exists<message_store*(message_store*, const char*, const char*)>(overload_files);
     exists<int(message_store*, const char*, const char*)>(load_config_list);
@@ -118,6 +121,9 @@ TEST(PublicRuntime, HasTheLoader) {
     exists<const char*()>(get_temporary_directory);
     exists<void(const char*)>(set_temporary_directory);
     exists<zone_hook(zone_hook)>(set_zone_hook);
+    exists<void(context_zone_hook, void*)>(set_context_zone_hook);
+    exists<int(const message_store*, int, const char*, bool, int (*)(const definition&, void*),
+               void*)>(for_each_definition);
     static_assert(std::is_same_v<zone_hook, void (*)()>);
 }
 
@@ -127,6 +133,8 @@ TEST(PublicRuntime, HasTheChannelsAndTheHeap) {
         exists<void(const char*)>(report);
     for (const auto set : {set_error_handler, set_fatal_handler, set_trace_handler})
         exists<message_handler(message_handler)>(set);
+    for (const auto set : {set_error_channel, set_fatal_channel, set_trace_channel})
+        exists<channel_handler(const channel_handler&)>(set);
     for (const auto set : {set_quiet_errors, set_echo_output})
         exists<int(int)>(set);
     for (const auto get : {quiet_errors, echo_output, is_verbose})

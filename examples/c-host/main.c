@@ -1,4 +1,5 @@
-/* The host of examples/host in C11. On Windows any compiler builds it: see windows/. */
+/* A host in C11: the placed geometry files of an assembly, and an axis file. On Windows any
+   compiler builds it: see windows/. */
 
 #include <trvfiles/c/trvfiles.h>
 

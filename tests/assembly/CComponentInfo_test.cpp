@@ -146,3 +146,20 @@ TEST(ComponentInfo, LivesInVectorsThatGrow) {
     EXPECT_EQ(list.back().getFileName(), longName + "999");
     EXPECT_EQ(numbersOf(list[500]), sampleNumbers);
 }
+
+TEST(ComponentInfo, HasItsPlacementAsValues) {
+    const double vec1[3] = {1, 2, 3};
+    const double vec2[3] = {4, 5, 6};
+    const double vec3[3] = {7, 8, 9};
+    const double translation[3] = {10, 11, 12};
+    const CComponentInfo info("f", vec1, vec2, vec3, translation);
+    using Vector = std::array<double, 3>;
+    EXPECT_EQ(info.getTranslation(), (Vector{10, 11, 12}));
+    EXPECT_EQ(info.getOrientation(),
+              (std::array<Vector, 3>{Vector{1, 2, 3}, Vector{4, 5, 6}, Vector{7, 8, 9}}));
+}
+
+TEST(ComponentInfo, HasItsFileAsWideText) {
+    const CComponentInfo info("\xC3\xA4.stl", nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(info.getFileNameW(), L"\u00E4.stl");
+}

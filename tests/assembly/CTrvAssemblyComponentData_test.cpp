@@ -385,3 +385,51 @@ TEST(AssemblyComponent, CountsWhatIsDisabledToo) {
     EXPECT_EQ(disabled.getComponentNumber(), 2U);
     EXPECT_EQ(over(disabled).getComponentNumber(), 2U);
 }
+
+TEST(AssemblyComponent, HasItsPlacementAsValues) {
+    using Vector = std::array<double, 3>;
+    CTrvAssemblyComponentData component;
+    EXPECT_EQ(component.getTranslation(), (Vector{0, 0, 0}));
+    EXPECT_EQ(component.getOrientation(),
+              (std::array<Vector, 3>{Vector{1, 0, 0}, Vector{0, 1, 0}, Vector{0, 0, 1}}));
+    component.setTranslation({1, 2, 3});
+    component.setOrientation({{{4, 5, 6}, {7, 8, 9}, {10, 11, 12}}});
+    double vectors[4][3] = {};
+    component.getTranslation(vectors[0]);
+    component.getOrientation(vectors[1], vectors[2], vectors[3]);
+    EXPECT_EQ(vectors[0][0], 1);
+    EXPECT_EQ(vectors[1][2], 6);
+    EXPECT_EQ(vectors[2][0], 7);
+    EXPECT_EQ(vectors[3][1], 11);
+    EXPECT_EQ(component.getTranslation(), (Vector{1, 2, 3}));
+    EXPECT_EQ(component.getOrientation(),
+              (std::array<Vector, 3>{Vector{4, 5, 6}, Vector{7, 8, 9}, Vector{10, 11, 12}}));
+}
+
+TEST(AssemblyComponent, HasWideTexts) {
+    CTrvAssemblyComponentData component;
+    component.setName("\xC3\xA4");
+    component.setComment("\xC3\xB6");
+    component.setGeometryFileName("\xC3\xBC.stl");
+    EXPECT_EQ(component.getNameW(), L"\u00E4");
+    EXPECT_EQ(component.getCommentW(), L"\u00F6");
+    EXPECT_EQ(component.getGeometryFileNameW(), L"\u00FC.stl");
+    component.setNameW(L"\u00FC");
+    component.setCommentW(L"\u00E4");
+    component.setGeometryFileNameW(L"\u00F6.stl");
+    EXPECT_EQ(component.getName(), "\xC3\xBC");
+    EXPECT_EQ(component.getComment(), "\xC3\xA4");
+    EXPECT_EQ(component.getGeometryFileName(), "\xC3\xB6.stl");
+}
+
+// The reason for node().
+TEST(AssemblyComponent, DoesNotChangeWithTheCopiesOfItsChildren) {
+    CTrvAssemblyComponentData component;
+    component.setComponents({CTrvAssemblyComponentData()});
+    for (CTrvAssemblyComponentData& child : component.getComponents())
+        child.setName("lost");
+    EXPECT_EQ(component.getComponents()[0].getName(), "");
+    for (CTrvAssemblyNode& child : component.node().children())
+        child.setName("kept");
+    EXPECT_EQ(component.getComponents()[0].getName(), "kept");
+}

@@ -288,3 +288,13 @@ TEST(Assembly, AppliesThePlacementOfItsRootToEveryEntry) {
     list[1].getTranslation(translation);
     EXPECT_EQ((Vector{translation[0], translation[1], translation[2]}), (Vector{10, 0, 0}));
 }
+
+TEST(AssemblyData, HasItsDimensionAsAValue) {
+    CTrvAssemblyData data;
+    EXPECT_EQ(data.getDimension(), (std::array<double, 3>{0, 0, 0}));
+    data.setDimension({1, 2, 3});
+    EXPECT_EQ(data.getDimension(), (std::array<double, 3>{1, 2, 3}));
+    double dimension[3] = {};
+    data.getDimension(dimension);
+    EXPECT_EQ(dimension[1], 2);
+}

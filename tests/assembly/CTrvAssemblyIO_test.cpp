@@ -2,6 +2,7 @@
 #include <tests/assembly/sample_components.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <tests/facade/memory_equality.h>
 #include <trvfiles/assembly/CTrvAssemblyIO.h>
 #include <trvfiles/assembly/component_body.h>
 #include <trvfiles/facade/CQvFilesIO.h>
@@ -40,12 +41,16 @@ class AssemblyFile : public ::testing::Test {
 protected:
     EFileIOStatus readBytes(const std::string& bytes) {
         writeBytes(directory / "read.xml", bytes);
+        trv::testing::expectAssemblyAsInMemory(directory / "read.xml");
         return facade.readTrvAssembly("read.xml", data);
     }
 
     std::string writtenBytes(const CTrvAssemblyData& assembly) {
         EXPECT_EQ(facade.writeTrvAssembly("written.xml", assembly), eFileIOSuccess);
-        return bytesOf(directory / "written.xml");
+        std::string inMemory;
+        EXPECT_EQ(CQvFilesIO::sWriteTrvAssemblyToMemory(inMemory, assembly), eFileIOSuccess);
+        EXPECT_EQ(inMemory, bytesOf(directory / "written.xml"));
+        return inMemory;
     }
 
     trv::testing::TemporaryDirectory directory;
@@ -319,6 +324,7 @@ TEST_F(AssemblyFile, ReportsWhyItWasNotRead) {
     CFileFault fault;
     const auto reasonFor = [&](const char* bytes) {
         writeBytes(directory / "a.xml", bytes);
+        trv::testing::expectAssemblyAsInMemory(directory / "a.xml");
         CTrvAssemblyIO file(QString::fromStdString(directory.text() + "/a.xml"));
         EXPECT_NE(file.read(data, &fault), eFileIOSuccess);
         EXPECT_EQ(fault.systemError, 0);

@@ -165,6 +165,32 @@ TEST_P(DeepTree, IsMoved) {
     });
 }
 
+TEST_P(DeepTree, IsVisitedAndEdited) {
+    run([] {
+        Component component = deep();
+        std::size_t deepest = 0;
+        component.node().visit([&](CTrvAssemblyNode& node, std::size_t level) {
+            node.setEnabled(false);
+            deepest = level;
+            return CTrvAssemblyNode::Visit::proceed;
+        });
+        EXPECT_EQ(deepest, levels);
+        bool isEnabled = false;
+        const Component& constant = component;
+        constant.node().visit([&](const CTrvAssemblyNode& node, std::size_t) {
+            isEnabled = isEnabled || node.isEnabled();
+            return CTrvAssemblyNode::Visit::proceed;
+        });
+        EXPECT_FALSE(isEnabled);
+        component.node().assign(component.node().getChild(0).toComponent());
+        EXPECT_EQ(depthOf(component), levels - 1);
+        component.node().insertChild(0, deep());
+        EXPECT_TRUE(component.node().removeChild(1));
+        EXPECT_EQ(depthOf(component), levels + 1);
+        EXPECT_TRUE(component.node().removeChild(0));
+    });
+}
+
 TEST_P(DeepTree, MayBeInAnAssembly) {
     run([] {
         CTrvAssemblyData assembly;

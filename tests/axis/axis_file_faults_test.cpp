@@ -30,6 +30,7 @@ TEST(AxisText, NamesTheFaultyLine) {
         std::rewind(file);
         EXPECT_EQ(trv::readAxisText(file, content), isRead);
         std::fclose(file);
+        expectAxisAsInMemory(directory / "f");
         return fault.line;
     };
     EXPECT_EQ(faultyLineOf("0\n" + identityLines), 0);
@@ -63,6 +64,7 @@ protected:
     std::string readNotes(const std::string& text) {
         writeBytes(directory_ / "f", text);
         EXPECT_EQ(trv::readAxisFile(path("f"), content_, &fault_), eFileIOSuccess);
+        expectAxisAsInMemory(directory_ / "f");
         std::string notes;
         for (const CFileFault::Note& note : fault_.notes)
             notes += std::to_string(note.line) + ": " + note.text + '\n';

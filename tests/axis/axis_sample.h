@@ -5,6 +5,7 @@
 
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <tests/facade/memory_equality.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 
 #include <gtest/gtest.h>
@@ -48,7 +49,11 @@ protected:
     /// The bytes that are written, without CRs.
     std::string written(const Matrix& matrix, int tag1 = -1, int tag2 = -1, int tag3 = -1) {
         EXPECT_EQ(files_.writeAxis(L"written", matrix.data(), tag1, tag2, tag3), eFileIOSuccess);
-        return textOf(directory_ / "written");
+        std::string inMemory;
+        EXPECT_EQ(CQvFilesIO::sWriteAxisToMemory(inMemory, matrix.data(), tag1, tag2, tag3),
+                  eFileIOSuccess);
+        EXPECT_EQ(inMemory, textOf(directory_ / "written"));
+        return inMemory;
     }
 
     /// The lines of written(), counted from 1.
@@ -72,6 +77,7 @@ protected:
         Reading reading = {EFileIOStatus(), untouched, {-7, -8, -9}};
         reading.status = files_.readAxis(L"read", reading.matrix.data(), reading.tags[0],
                                          reading.tags[1], reading.tags[2]);
+        expectAxisAsInMemory(directory_ / "read");
         return reading;
     }
 

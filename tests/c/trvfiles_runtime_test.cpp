@@ -61,14 +61,15 @@ TEST_F(CRuntime, FindsVariablesWithTheirOrigins) {
 TEST_F(CRuntime, ListsVariablesAndTheirDefinitions) {
     const auto list = [] {
         const Configured host;
-        const std::string file = "from '" + host.installation.homeFile() + "' line ";
-        const std::string site = "from '" + host.installation.path("site/environ.cfg") + "' line ";
-        ASSERT_EQ(trvfiles_variable_definitions(0, "LIST", host.texts, 0), TRVFILES_SUCCESS);
-        EXPECT_THAT(host.texts.all(),
-                    ElementsAre("LIST = a", file + "4", "LIST = +;b", site + "2"));
+        const std::string home = host.installation.homeFile();
+        const std::string site = host.installation.path("site/environ.cfg");
+        ASSERT_EQ(trvfiles_variable_definitions(0, "list", host.texts, 0), TRVFILES_SUCCESS);
+        EXPECT_THAT(host.texts.all(), ElementsAre("LIST = +;b", site, "2", "LIST = a", home, "4"));
         EXPECT_THAT(host.variable(0, "LIST"), ElementsAre("a;b", ::testing::_));
         ASSERT_EQ(trvfiles_variable_definitions(1, "CFG", host.texts, 0), TRVFILES_SUCCESS);
-        EXPECT_THAT(host.texts.all(), ElementsAre("CFG = $TRVHOME\\config", file + "7"));
+        EXPECT_THAT(host.texts.all(), ElementsAre("CFG = $TRVHOME\\config", home, "7"));
+        ASSERT_EQ(trvfiles_variable_definitions(0, "PC", host.texts, 0), TRVFILES_SUCCESS);
+        EXPECT_THAT(host.texts.all(), ElementsAre("PC = 1", "", "0"));
         EXPECT_EQ(trvfiles_variable_definitions(0, "NOBODY", host.texts, 0), TRVFILES_UNDEFINED);
         ASSERT_EQ(trvfiles_variable_list(host.texts, 0), TRVFILES_SUCCESS);
         const std::vector<std::string> all = host.texts.all();

@@ -76,6 +76,16 @@ using FavoriteDirectory = trv::testing::ChildProcessTest;
 
 }  // namespace
 
+TEST_F(FavoriteDirectory, IsGivenAsNarrowTextToo) {
+    const auto ask = [] {
+        const Installation installation;
+        setVariable("TRV_MCTX_DEF", installation.root() + "/fav\xC3\xA4");
+        EXPECT_EQ(CMachineContextUtils::sGetFavoriteMachineContextDirectory(),
+                  installation.root() + "/fav\xC3\xA4");
+    };
+    TRV_EXPECT_IN_CHILD(ask);
+}
+
 TEST_F(FavoriteDirectory, IsTheUnchangedValueOfTheVariable) {
     const auto ask = [] {
         const Installation installation;

@@ -377,6 +377,34 @@ TEST_F(MessageParser, LetsCallbacksThrow) {
     EXPECT_THAT(log_.fatals(), IsEmpty());
 }
 
+int appendHeader(message_store*, const char* name, void* context) {
+    static_cast<std::vector<std::string>*>(context)->push_back(name);
+    return 3;
+}
+
+int appendEntry(message_store*, int section, const char* line, std::int32_t, int number,
+                void* context) {
+    static_cast<std::vector<std::string>*>(context)->push_back(std::to_string(section) + ':' +
+                                                               std::to_string(number) + ':' + line);
+    return 0;
+}
+
+TEST_F(MessageParser, PassesTheContextToBothCallbacks) {
+    std::vector<std::string> seen;
+    TextLines lines("[a]\nb = c\n");
+    EXPECT_EQ(load_messages(store_, lines, "a.cfg", appendHeader, appendEntry, &seen), 0);
+    EXPECT_THAT(seen, ElementsAre("a", "3:2:b = c"));
+}
+
+TEST_F(MessageParser, NeedsBothCallbacksWithAContext) {
+    std::vector<std::string> seen;
+    TextLines lines("[a]\nb = c\n");
+    EXPECT_EQ(load_messages(store_, lines, "a.cfg", nullptr, appendEntry, &seen), -1);
+    EXPECT_EQ(load_messages(store_, lines, "a.cfg", appendHeader, nullptr, &seen), -1);
+    EXPECT_TRUE(lines.untouched());
+    EXPECT_THAT(seen, IsEmpty());
+}
+
 TEST_F(MessageParser, ReadsNothingWithoutAStoreOrACallback) {
     TextLines lines("[s]\nA\n");
     EXPECT_EQ(load_messages(nullptr, lines, "a.cfg", takeHeader, takeEntry), -1);

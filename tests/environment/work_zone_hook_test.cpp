@@ -42,6 +42,46 @@ TEST_F(ZoneHook, IsReturnedByTheNextRegistration) {
     EXPECT_EQ(set_zone_hook(count), nullptr);
 }
 
+void add(void* context) {
+    ++*static_cast<int*>(context);
+}
+
+TEST_F(ZoneHook, GetsItsContext) {
+    int one = 0;
+    int other = 0;
+    set_context_zone_hook(add, &one);
+    look_up_zone();
+    set_context_zone_hook(add, &other);
+    look_up_zone();
+    look_up_zone();
+    EXPECT_EQ(one, 1);
+    EXPECT_EQ(other, 2);
+    set_context_zone_hook(nullptr, &other);
+    look_up_zone();
+    EXPECT_EQ(other, 2);
+}
+
+TEST_F(ZoneHook, OfEitherKindReplacesTheOther) {
+    int own = 0;
+    set_zone_hook(count);
+    set_context_zone_hook(add, &own);
+    look_up_zone();
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(own, 1);
+    EXPECT_EQ(set_zone_hook(count), nullptr);
+    look_up_zone();
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(own, 1);
+}
+
+TEST_F(ZoneHook, WithAContextMayReplaceItself) {
+    set_context_zone_hook([](void*) { set_zone_hook(count); }, nullptr);
+    look_up_zone();
+    EXPECT_EQ(calls, 0);
+    look_up_zone();
+    EXPECT_EQ(calls, 1);
+}
+
 TEST_F(ZoneHook, RunsAtEachCall) {
     look_up_zone();
     EXPECT_EQ(calls, 0);

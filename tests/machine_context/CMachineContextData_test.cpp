@@ -326,3 +326,17 @@ TEST(MachineContextData, ReadsLikeANewOneAfterItWasMovedFrom) {
     target = source;
     expectSample(target);
 }
+
+TEST(MachineContextData, HasItsOriginAsAValue) {
+    CMachineContextData data;
+    EXPECT_EQ(data.getOriginProgram(), (std::array<double, 3>{0, 0, 0}));
+    data.setOriginProgram({1, 2, 3});
+    double x = 0;
+    double y = 0;
+    double z = 0;
+    data.getOriginProgram(x, y, z);
+    EXPECT_EQ(x, 1);
+    EXPECT_EQ(y, 2);
+    EXPECT_EQ(z, 3);
+    EXPECT_EQ(data.getOriginProgram(), (std::array<double, 3>{1, 2, 3}));
+}

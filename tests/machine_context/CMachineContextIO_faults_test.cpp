@@ -3,6 +3,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <tests/facade/memory_equality.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
@@ -40,6 +41,7 @@ protected:
 
     EFileIOStatus read(const std::string& text) {
         writeBytes(path_, text);
+        expectContextAsInMemory(path_);
         return CMachineContextIO(QString::fromStdWString(path_.wstring())).read(data_, &fault_);
     }
 

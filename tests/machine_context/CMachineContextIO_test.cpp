@@ -1,6 +1,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <tests/facade/memory_equality.h>
 #include <tests/machine_context/context_samples.h>
 #include <trvfiles/environment/file_replacement.h>
 #include <trvfiles/machine_context/CMachineContextIO.h>
@@ -33,6 +34,7 @@ protected:
     EFileIOStatus readText(const std::string& text, CMachineContextData& data,
                            CFileFault* fault = nullptr) const {
         writeBytes(path, text);
+        expectContextAsInMemory(path);
         return CMachineContextIO(QString::fromStdWString(path.wstring())).read(data, fault);
     }
 

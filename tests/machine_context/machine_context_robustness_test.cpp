@@ -3,6 +3,7 @@
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <tests/facade/memory_equality.h>
 #include <tests/machine_context/context_samples.h>
 
 #include <gtest/gtest.h>
@@ -130,6 +131,7 @@ protected:
         CMachineContextData expected = prefilled();
         EXPECT_EQ(status, Model(text).read(expected)) << text;
         EXPECT_EQ(ContextFields(data), ContextFields(expected)) << text;
+        expectContextAsInMemory(path);
         return status;
     }
 

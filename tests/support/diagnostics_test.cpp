@@ -233,6 +233,121 @@ TEST_F(Diagnostics, EachHandlerSetterReturnsTheHandlerThatItReplaced) {
     }
 }
 
+using set_channel = channel_handler (*)(const channel_handler&);
+using report_channel = void (*)(const char*);
+using set_plain = message_handler (*)(message_handler);
+
+constexpr struct {
+    set_channel set;
+    set_plain set_without_context;
+    report_channel report;
+} channels[] = {{set_error_channel, set_error_handler, report_error},
+                {set_fatal_channel, set_fatal_handler, report_fatal},
+                {set_trace_channel, set_trace_handler, report_trace}};
+
+void append(const char* message, void* context) {
+    static_cast<std::vector<std::string>*>(context)->emplace_back(message);
+}
+
+TEST_F(Diagnostics, AHandlerGetsItsContext) {
+    for (const auto& channel : channels) {
+        std::vector<std::string> one;
+        std::vector<std::string> other;
+        channel.set({append, &one});
+        channel.report("a");
+        channel.set({append, &other});
+        channel.report("b");
+        channel.report(nullptr);
+        EXPECT_EQ(one, std::vector<std::string>{"a"});
+        EXPECT_EQ(other, (std::vector<std::string>{"b", ""}));
+        channel.set({});
+    }
+}
+
+TEST_F(Diagnostics, AContextMayBeNull) {
+    static int calls;
+    calls = 0;
+    set_error_channel({[](const char*, void* context) { calls += context == nullptr ? 1 : 100; }});
+    report_error("x");
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(Diagnostics, AHandlerOfEitherKindReplacesTheOther) {
+    static int plain_calls;
+    const auto count = [](const char*) { ++plain_calls; };
+    for (const auto& channel : channels) {
+        plain_calls = 0;
+        std::vector<std::string> seen;
+        channel.set_without_context(count);
+        EXPECT_EQ(channel.set({append, &seen}).plain, static_cast<message_handler>(count));
+        channel.report("a");
+        EXPECT_EQ(plain_calls, 0);
+        EXPECT_EQ(channel.set_without_context(count), nullptr);
+        channel.report("b");
+        EXPECT_EQ(plain_calls, 1);
+        EXPECT_EQ(seen, std::vector<std::string>{"a"});
+        channel.set({});
+    }
+}
+
+TEST_F(Diagnostics, AReplacedHandlerCanBePutBack) {
+    for (const auto& channel : channels) {
+        std::vector<std::string> seen;
+        const channel_handler standard = channel.set({append, &seen});
+        EXPECT_EQ(standard.with_context, nullptr);
+        const channel_handler kept = channel.set({nullptr, nullptr, ignore});
+        EXPECT_EQ(kept.with_context, append);
+        EXPECT_EQ(kept.context, &seen);
+        EXPECT_EQ(kept.plain, nullptr);
+        EXPECT_EQ(channel.set(kept).plain, ignore);
+        channel.report("x");
+        EXPECT_EQ(seen.size(), 1U);
+        channel.set(standard);
+        EXPECT_EQ(channel.set({}).plain, standard.plain);
+    }
+}
+
+TEST_F(Diagnostics, TheHandlerWithAContextCountsIfThereAreBoth) {
+    std::vector<std::string> seen;
+    set_error_channel({append, &seen, ignore});
+    report_error("x");
+    EXPECT_EQ(seen, std::vector<std::string>{"x"});
+}
+
+TEST_F(Diagnostics, ATraceIsSeenByAHandlerWithAContext) {
+    EXPECT_FALSE(trace_is_seen());
+    std::vector<std::string> seen;
+    set_trace_channel({append, &seen});
+    EXPECT_TRUE(trace_is_seen());
+    set_trace_channel({});
+    EXPECT_FALSE(trace_is_seen());
+}
+
+TEST_F(Diagnostics, AFatalHandlerWithAContextLetsTheCallerContinue) {
+    std::vector<std::string> seen;
+    set_fatal_channel({append, &seen});
+    EXPECT_EQ(streamsOf([] { report_fatal("over"); }), (Streams{"", ""}));
+    EXPECT_EQ(seen, std::vector<std::string>{"over"});
+}
+
+TEST_F(Diagnostics, AHandlerWithAContextMayThrowAndReplaceItself) {
+    static int calls;
+    calls = 0;
+    set_error_channel({[](const char*, void* context) {
+                           ++calls;
+                           set_error_handler(nullptr);
+                           throw std::runtime_error(*static_cast<std::string*>(context));
+                       },
+                       nullptr});
+    std::string text = "thrown";
+    channel_handler handler = set_error_channel({});
+    handler.context = &text;
+    set_error_channel(handler);
+    EXPECT_THROW(report_error("lost"), std::runtime_error);
+    EXPECT_EQ(streamsOf([] { report_error("lost"); }), (Streams{"", "lost\n"}));
+    EXPECT_EQ(calls, 1);
+}
+
 TEST_F(Diagnostics, ANullHandlerRestoresTheDefault) {
     set_error_handler(ignore);
     set_error_handler(nullptr);

@@ -36,6 +36,31 @@ Outcome readContextByPath(Workshop& at) {
     return {status, ::testing::PrintToString(ContextFields(data))};
 }
 
+// A failure has a reason, a success has none.
+void expectReason(int status, const CFileFault& fault) {
+    if (status != threwBadAlloc && status != handlerThrew) {
+        EXPECT_EQ(fault.reason.empty(), status == eFileIOSuccess) << fault.reason;
+    }
+}
+
+Outcome readContextWithAFault(Workshop& at) {
+    CQvFilesIO files(at.wide(""));
+    CMachineContextData data;
+    CFileFault fault;
+    const int status = at.under([&] { return files.readMachineContext("f.mctx", data, &fault); });
+    expectReason(status, fault);
+    return {status, ::testing::PrintToString(ContextFields(data))};
+}
+
+Outcome writeContextWithAFault(Workshop& at) {
+    CQvFilesIO files(at.wide(""));
+    const CMachineContextData data = allFields();
+    CFileFault fault;
+    const int status = at.under([&] { return files.writeMachineContext("f.mctx", data, &fault); });
+    expectReason(status, fault);
+    return {status, ""};
+}
+
 Outcome writeContextTo(Workshop& at, const char* name) {
     CQvFilesIO files(at.wide(""));
     const CMachineContextData data = allFields();
@@ -70,9 +95,27 @@ Outcome readAssemblyOf(Workshop& at, const char* name) {
     return {status, std::to_string(data.getComponentNumber()) + data.getRootComponent().getName()};
 }
 
+Outcome readAssemblyWithAFault(Workshop& at) {
+    CQvFilesIO files(at.wide(""));
+    CTrvAssemblyData data;
+    CFileFault fault;
+    const int status = at.under([&] { return files.readTrvAssembly("f.assembly", data, &fault); });
+    expectReason(status, fault);
+    return {status, std::to_string(data.getComponentNumber()) + data.getRootComponent().getName()};
+}
+
 Outcome writeAssemblyTo(Workshop& at, const CTrvAssemblyData& data) {
     const std::wstring path = at.wide("old");
     return {at.under([&] { return CQvFilesIO::sWriteTrvAssembly(path, data); }), ""};
+}
+
+Outcome writeAssemblyWithAFault(Workshop& at, const CTrvAssemblyData& data) {
+    const std::string path = at.text("old");
+    CFileFault fault;
+    const int status =
+        at.under([&] { return CQvFilesIO::sWriteTrvAssembly(path.c_str(), data, &fault); });
+    expectReason(status, fault);
+    return {status, ""};
 }
 
 CTrvAssemblyData flatAssembly() {
@@ -102,6 +145,30 @@ Outcome readAxisOf(Workshop& at) {
         EXPECT_EQ(tags, (std::array<int, 3>{}));
     }
     return {status, ::testing::PrintToString(matrix) + ::testing::PrintToString(tags)};
+}
+
+Outcome readAxisWithAFault(Workshop& at) {
+    CQvFilesIO files(at.wide(""));
+    std::array<double, 16> matrix = {};
+    std::array<int, 3> tags = {};
+    CFileFault fault;
+    const int status = at.under(
+        [&] { return files.readAxis("f.axis", matrix.data(), tags[0], tags[1], tags[2], &fault); });
+    expectReason(status, fault);
+    return {status, ::testing::PrintToString(matrix) + ::testing::PrintToString(tags)};
+}
+
+// The reason of an incomplete write is stored beside a success.
+Outcome writeAxisWithAFault(Workshop& at) {
+    const std::string path = at.text("old");
+    const double matrix[16] = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 7, 8, 9, 1};
+    CFileFault fault;
+    const int status =
+        at.under([&] { return CQvFilesIO::sWriteAxis(path.c_str(), matrix, 4, 5, 6, &fault); });
+    if (status == eFileIOOpenError) {
+        EXPECT_NE(fault.reason, "");
+    }
+    return {status, ""};
 }
 
 Outcome writeAxisTo(Workshop& at) {
@@ -187,11 +254,6 @@ auto bound(Outcome (*run)(Workshop&, Arguments...), Arguments... arguments) {
     return [=](Workshop& at) { return run(at, arguments...); };
 }
 
-Operation inQt(Operation operation) {
-    operation.losesMemoryInQt = true;
-    return operation;
-}
-
 }  // namespace
 
 std::vector<Operation> facadeOperations() {
@@ -200,11 +262,14 @@ std::vector<Operation> facadeOperations() {
     return {
         {"ReadAMachineContext", 1, {2}, readContextOf},
         {"ReadAMachineContextByItsPath", 1, {2}, readContextByPath},
+        {"ReadAMachineContextWithAFault", 1, {2}, readContextWithAFault},
+        {"ReplaceAMachineContextWithAFault", 1, {2, 4, 5}, writeContextWithAFault},
         {"ReplaceAMachineContext", 1, {2, 4, 5}, bound(writeContextTo, "f.mctx")},
         {"ReplaceAPrivateMachineContext", 1, {2, 4, 5}, replacePrivateContext},
         {"ReplaceAMachineContextThroughALink", 1, {2, 4, 5}, replaceLinkedContext},
         {"WriteANewMachineContext", 1, {2, 4, 5}, bound(writeContextTo, "new.mctx")},
         inQt({"ReadAnAssembly", 1, {2, 4}, bound(readAssemblyOf, "f.assembly")}),
+        inQt({"ReadAnAssemblyWithAFault", 1, {2, 4}, readAssemblyWithAFault}),
         inQt({"ReadADeepAssembly", 1, {2, 4}, bound(readAssemblyOf, "deep.assembly")}),
         inQt({"ReadALargeAssembly", 1, {2, 4}, bound(readAssemblyOf, "large.assembly")}),
         inQt({"ReadALargeUnusualAssembly",
@@ -220,6 +285,11 @@ std::vector<Operation> facadeOperations() {
          {2, 3},
          [](Workshop& at) { return writeAssemblyTo(at, flatAssembly()); },
          {"old"}},
+        {"WriteAnAssemblyWithAFault",
+         1,
+         {2, 3},
+         [](Workshop& at) { return writeAssemblyWithAFault(at, flatAssembly()); },
+         {"old"}},
         {"WriteALargeAssembly",
          1,
          {2, 3},
@@ -232,6 +302,8 @@ std::vector<Operation> facadeOperations() {
          {"old"}},
         {"ReadAnAxis", 1, {2, 4}, readAxisOf},
         {"WriteAnAxis", 1, {2}, writeAxisTo, {"old"}, false, true},
+        {"ReadAnAxisWithAFault", 1, {2, 4}, readAxisWithAFault},
+        {"WriteAnAxisWithAFault", 1, {2}, writeAxisWithAFault, {"old"}, false, true},
         {"CopyAFile", 1, {0}, copy, {"old"}, false, true},
         {"AskWhetherAFileExists", 1, {0}, testExistence},
         {"AskForTheFavouriteDirectory", 1, {0}, askForFavouriteDirectory},

@@ -229,6 +229,91 @@ Outcome workOnAssemblies(Workshop& at) {
     return {status, std::to_string(placed)};
 }
 
+// If an edit fails, the tree is as it was before it.
+Outcome editAnAssembly(Workshop& at) {
+    CTrvAssemblyData data =
+        assemblyOf(group("root", {leaf("a", "a.stl"), group("b", {leaf("c", "c.stl")})}));
+    const CTrvAssemblyComponentData added = group("d", {leaf("e", "e.stl")});
+    CTrvAssemblyNode& root = data.getRootComponent().node();
+    const int status = at.under([&] {
+        root.insertChild(0, added);
+        root.getChild(1).assign(root.getChild(0).toComponent());
+        root.removeChild(2);
+        int count = 0;
+        root.visit([&count](CTrvAssemblyNode& node, std::size_t level) {
+            if (level == 2) node.setNameW(L"a name that is too long for a string without a block");
+            ++count;
+            return CTrvAssemblyNode::Visit::proceed;
+        });
+        return count;
+    });
+    EXPECT_TRUE(root.getChildCount() == 2 || root.getChildCount() == 3);
+    return {status, std::to_string(data.getComponentNumber())};
+}
+
+Outcome writeContextToMemory(Workshop& at) {
+    const CMachineContextData data = allFields();
+    std::string text = "old";
+    CFileFault fault;
+    const int status =
+        at.under([&] { return CQvFilesIO::sWriteMachineContextToMemory(text, data, &fault); });
+    if (status != eFileIOSuccess) {
+        EXPECT_EQ(text, "old");
+    }
+    return {status, text};
+}
+
+Outcome readContextFromMemory(Workshop& at) {
+    const std::string text = bytesOf(at.path("f.mctx"));
+    CMachineContextData data;
+    CFileFault fault;
+    const int status =
+        at.under([&] { return CQvFilesIO::sReadMachineContextFromMemory(text, data, &fault); });
+    return {status, ::testing::PrintToString(ContextFields(data))};
+}
+
+Outcome writeAssemblyToMemory(Workshop& at) {
+    const CTrvAssemblyData data = assemblyOf(group("root", {leaf("a", "a.stl")}));
+    std::string bytes = "old";
+    CFileFault fault;
+    const int status =
+        at.under([&] { return CQvFilesIO::sWriteTrvAssemblyToMemory(bytes, data, &fault); });
+    if (status != eFileIOSuccess) {
+        EXPECT_EQ(bytes, "old");
+    }
+    return {status, bytes};
+}
+
+Outcome readAssemblyFromMemory(Workshop& at, const char* name) {
+    const std::string bytes = bytesOf(at.path(name));
+    CTrvAssemblyData data;
+    CFileFault fault;
+    const int status =
+        at.under([&] { return CQvFilesIO::sReadTrvAssemblyFromMemory(bytes, data, &fault); });
+    if (status != eFileIOSuccess) {
+        EXPECT_TRUE(data.getRootComponent() == CTrvAssemblyComponentData());
+    }
+    return {status, std::to_string(data.getComponentNumber())};
+}
+
+Outcome copyAnAxisInMemory(Workshop& at) {
+    const std::string bytes = bytesOf(at.path("f.axis"));
+    std::string text = "old";
+    double matrix[16] = {};
+    int tags[3] = {1, 2, 3};
+    const int status = at.under([&] {
+        CFileFault fault;
+        const EFileIOStatus read =
+            CQvFilesIO::sReadAxisFromMemory(bytes, matrix, tags[0], tags[1], tags[2], &fault);
+        if (read != eFileIOSuccess) return read;
+        return CQvFilesIO::sWriteAxisToMemory(text, matrix, tags[0], tags[1], tags[2], &fault);
+    });
+    if (status != eFileIOSuccess) {
+        EXPECT_EQ(text, "old");
+    }
+    return {status, text};
+}
+
 Outcome nameFiles(Workshop& at) {
     const CQvFilesIO files(at.wide(""));
     std::wstring name;
@@ -269,6 +354,19 @@ std::vector<Operation> memoryOperations() {
         {"ReadALine", 7, {0}, readALine},
         {"CopyARecord", 0, {}, copyARecord},
         {"WorkOnAssemblies", 1, {}, workOnAssemblies},
+        {"EditAnAssembly", 5, {}, editAnAssembly},
+        {"WriteAMachineContextToMemory", 1, {4, 5}, writeContextToMemory},
+        {"ReadAMachineContextFromMemory", 1, {}, readContextFromMemory},
+        {"WriteAnAssemblyToMemory", 1, {}, writeAssemblyToMemory},
+        inQt({"ReadAnAssemblyFromMemory",
+              1,
+              {4},
+              [](Workshop& at) { return readAssemblyFromMemory(at, "f.assembly"); }}),
+        inQt({"ReadADeepUnusualAssemblyFromMemory",
+              1,
+              {4},
+              [](Workshop& at) { return readAssemblyFromMemory(at, "deep-unusual.assembly"); }}),
+        {"CopyAnAxisInMemory", 1, {}, copyAnAxisInMemory},
         {"NameFiles", 1, {}, nameFiles},
     };
     std::vector<Operation> more = cMemoryOperations();

@@ -40,6 +40,12 @@ struct Operation {
     bool isOncePerProcess = false;
 };
 
+/// The operation with `losesMemoryInQt`.
+inline Operation inQt(Operation operation) {
+    operation.losesMemoryInQt = true;
+    return operation;
+}
+
 void PrintTo(const Operation& operation, std::ostream* stream);
 
 /// The operations that read or write files.

@@ -146,6 +146,14 @@ void CTrvAssemblyNode::assign(CTrvAssemblyComponentData component) {
     bodyOf(*this) = std::move(ComponentBody::editable(component));
 }
 
+// Not in the header: on Windows an inline function of an exported class is exported as well.
+CTrvAssemblyNode::Children<const CTrvAssemblyNode> CTrvAssemblyNode::children() const {
+    return Children<const CTrvAssemblyNode>(*this);
+}
+CTrvAssemblyNode::Children<CTrvAssemblyNode> CTrvAssemblyNode::children() {
+    return Children<CTrvAssemblyNode>(*this);
+}
+
 bool CTrvAssemblyNode::visit(const ConstVisitor& visitor) const {
     return walk(*this, visitor);
 }

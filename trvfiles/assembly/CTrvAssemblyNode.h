@@ -128,10 +128,8 @@ public:
         Node& parent_;
     };
 
-    Children<const CTrvAssemblyNode> children() const {
-        return Children<const CTrvAssemblyNode>(*this);
-    }
-    Children<CTrvAssemblyNode> children() { return Children<CTrvAssemblyNode>(*this); }
+    Children<const CTrvAssemblyNode> children() const;
+    Children<CTrvAssemblyNode> children();
 
     /// How a walk continues after a component.
     enum class Visit {
@@ -161,6 +159,6 @@ public:
 
 protected:
     CTrvAssemblyNode() = default;
-    CTrvAssemblyNode(CTrvAssemblyNode&&) noexcept {}
+    CTrvAssemblyNode(CTrvAssemblyNode&&) noexcept = default;
     ~CTrvAssemblyNode() = default;
 };

@@ -39,7 +39,7 @@ std::vector<Node> nodesOf(ComponentBody& root) {
 
 IndexedAssembly::IndexedAssembly() : IndexedAssembly(CTrvAssemblyData()) {}
 
-IndexedAssembly::IndexedAssembly(const CTrvAssemblyData& data) : data_(data) {}
+IndexedAssembly::IndexedAssembly(CTrvAssemblyData data) : data_(std::move(data)) {}
 
 void IndexedAssembly::dropNodes() {
     nodes_.clear();

@@ -30,7 +30,7 @@ public:
     };
 
     IndexedAssembly();
-    explicit IndexedAssembly(const CTrvAssemblyData& data);
+    explicit IndexedAssembly(CTrvAssemblyData data);
 
     const CTrvAssemblyData& data() const { return data_; }
 

@@ -1,3 +1,4 @@
+/* NOLINTBEGIN(modernize-deprecated-headers,modernize-use-using): the header is C too. */
 #ifndef TRVFILES_C_TRVFILES_H
 #define TRVFILES_C_TRVFILES_H
 
@@ -989,12 +990,12 @@ TRVFILES_API int32_t trvfiles_variable_get(int32_t kind, const char* name, trvfi
                                            trvfiles_fault fault);
 
 /**
- * The definitions of a variable in the configuration, the one that counts last.
+ * The definitions of a variable in the configuration, from the one that counts to the first.
  *
  * @param kind    TRVFILES_VARIABLE or TRVFILES_PATH_VARIABLE
  * @param name    of the variable
- * @param result  takes two texts for each definition: "NAME = value" as it was written, and where
- *                it came from
+ * @param result  takes three texts for each definition: "NAME = value" as it was written, its file,
+ *                which is empty if the program has set it, and its line as a decimal number
  * @param fault   0, or a fault
  * @return as trvfiles_variable_get(); TRVFILES_UNDEFINED also for a variable that only the process
  *         environment defines
@@ -1225,3 +1226,4 @@ TRVFILES_API int32_t trvfiles_channel_set_output(int32_t quiet, int32_t echo, tr
 #endif
 
 #endif
+/* NOLINTEND(modernize-deprecated-headers,modernize-use-using) */

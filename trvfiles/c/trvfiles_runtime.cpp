@@ -6,16 +6,15 @@
 #include <trvfiles/c/text_arguments.h>
 #include <trvfiles/c/trvfiles.h>
 #include <trvfiles/environment/configuration_loader.h>
-#include <trvfiles/environment/entry_text.h>
+#include <trvfiles/environment/definitions.h>
 #include <trvfiles/environment/environment_start.h>
-#include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/variable_expansion.h>
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/file_system.h>
 #include <trvfiles/support/platform.h>
 
-#include <algorithm>
+#include <utility>
 
 namespace c = trv::c;
 
@@ -44,25 +43,12 @@ std::string originOf(bool isPath, const std::string& name, const char* value) {
     return origin;
 }
 
-// The text of the configuration that defines a variable; text_pool::none if there is none.
-std::int32_t definitionOf(const trv::message_store* store, bool isPath, const std::string& name) {
-    const int index = find_section(store, isPath ? "path" : "var");
-    if (index < 0) return trv::text_pool::none;
-    const trv::store_section& section = store->sections[static_cast<std::size_t>(index)];
-    const int number = section.find_live_entry(store->texts, name, false);
-    return number < 0 ? trv::text_pool::none : section.text(number);
-}
-
-// The definitions of a text and of those that it replaced, the oldest first, each with its origin.
-std::vector<std::string> historyOf(const trv::text_pool& texts, std::int32_t text) {
-    std::vector<std::string> pairs;
-    for (; text != trv::text_pool::none; text = texts.record(text).previous) {
-        pairs.push_back(c::utf8FromNarrow(texts.origin(text)));
-        pairs.push_back(
-            c::utf8FromNarrow(std::string(trv::trim(trv::without_references(texts.at(text))))));
-    }
-    std::reverse(pairs.begin(), pairs.end());
-    return pairs;
+int addDefinition(const trv::definition& definition, void* context) {
+    auto& texts = *static_cast<std::vector<std::string>*>(context);
+    texts.push_back(c::utf8FromNarrow(std::string(trv::trim(definition.text))));
+    texts.push_back(definition.file == nullptr ? "" : c::utf8FromNarrow(definition.file));
+    texts.push_back(std::to_string(definition.line));
+    return 0;
 }
 
 int addVariable(const char* name, const char* value, void* context) {
@@ -115,9 +101,13 @@ int32_t trvfiles_variable_definitions(int32_t kind, const char* name, trvfiles_t
         const std::string narrow = c::narrowArgument(name);
         trv::load_environment();
         const trv::message_store* store = trv::environment_store();
-        const std::int32_t text = definitionOf(store, isPath, narrow);
-        if (text == trv::text_pool::none) return TRVFILES_UNDEFINED;
-        texts->texts = historyOf(store->texts, text);
+        const int section = trv::find_section(store, isPath ? "path" : "var");
+        std::vector<std::string> found;
+        if (trv::for_each_definition(store, section, narrow.c_str(), false, addDefinition,
+                                     &found) != 0) {
+            return TRVFILES_UNDEFINED;
+        }
+        texts->texts = std::move(found);
         return TRVFILES_SUCCESS;
     });
 }

@@ -104,6 +104,21 @@ void setIfRequested(std::wstring* destination, std::wstring&& text) {
     if (destination != nullptr) *destination = std::move(text);
 }
 
+// Where a wide form stores a name that a narrow form has been asked for.
+class RequestedName {
+public:
+    explicit RequestedName(std::string* destination) : destination_(destination) {}
+
+    std::wstring* wide() { return destination_ == nullptr ? nullptr : &wide_; }
+    void store() const {
+        if (destination_ != nullptr) *destination_ = trv::narrowText(wide_);
+    }
+
+private:
+    std::string* destination_;
+    std::wstring wide_;
+};
+
 }  // namespace
 
 CMachineContextUtils& CMachineContextUtils::operator=(const CMachineContextUtils&) = default;
@@ -200,5 +215,59 @@ bool CMachineContextUtils::sCreateMachineContext(const std::wstring& directory,
     if (!creation.write(record)) return false;
     setIfRequested(createdContextFile, std::move(names.contextFile));
     setIfRequested(createdReferenceFile, std::move(names.referenceFile));
+    return true;
+}
+
+std::string CMachineContextUtils::sGetFavoriteMachineContextDirectory() {
+    return trv::narrowText(sGetFavoriteMachineContextDirectoryW());
+}
+
+std::vector<std::string> CMachineContextUtils::sGetFavoriteMachineContextNarrow(
+    const std::string& directory) {
+    std::vector<std::string> contexts;
+    for (const std::wstring& context : sGetFavoriteMachineContext(trv::widePath(directory)))
+        contexts.push_back(trv::narrowText(context));
+    return contexts;
+}
+
+bool CMachineContextUtils::sGetDefaultMachineContextNarrow(const std::vector<std::string>& files,
+                                                           int& index, int& position) {
+    std::vector<std::wstring> wide;
+    wide.reserve(files.size());
+    for (const std::string& file : files)
+        wide.push_back(trv::widePath(file));
+    return sGetDefaultMachineContext(std::move(wide), index, position);
+}
+
+bool CMachineContextUtils::sCreateDefaultMachineContextNarrow(const std::string& directory,
+                                                              int position,
+                                                              std::string* contextFile,
+                                                              std::string* referenceFile) {
+    RequestedName context(contextFile);
+    RequestedName reference(referenceFile);
+    if (!sCreateDefaultMachineContext(trv::widePath(directory), position, context.wide(),
+                                      reference.wide())) {
+        return false;
+    }
+    context.store();
+    reference.store();
+    return true;
+}
+
+bool CMachineContextUtils::sCreateMachineContextNarrow(const std::string& directory,
+                                                       const std::string& machine,
+                                                       const std::string& referenceAxisFile,
+                                                       const std::string& contextFile,
+                                                       std::string* createdContextFile,
+                                                       std::string* createdReferenceFile) {
+    RequestedName context(createdContextFile);
+    RequestedName reference(createdReferenceFile);
+    if (!sCreateMachineContext(trv::widePath(directory), trv::widePath(machine),
+                               trv::widePath(referenceAxisFile), trv::widePath(contextFile),
+                               context.wide(), reference.wide())) {
+        return false;
+    }
+    context.store();
+    reference.store();
     return true;
 }

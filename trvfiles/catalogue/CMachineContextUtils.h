@@ -108,4 +108,21 @@ public:
                                       const std::wstring& contextFile,
                                       std::wstring* createdContextFile,
                                       std::wstring* createdReferenceFile);
+
+    /// The same operations in narrow text: the local 8-bit code page, UTF-8 on Linux. In a result,
+    /// characters that the code page of Windows lacks are replaced: then it is the name of another
+    /// file.
+    static std::string sGetFavoriteMachineContextDirectory();
+    static std::vector<std::string> sGetFavoriteMachineContextNarrow(const std::string& directory);
+    static bool sGetDefaultMachineContextNarrow(const std::vector<std::string>& files, int& index,
+                                                int& position);
+    static bool sCreateDefaultMachineContextNarrow(const std::string& directory, int position,
+                                                   std::string* contextFile,
+                                                   std::string* referenceFile);
+    static bool sCreateMachineContextNarrow(const std::string& directory,
+                                            const std::string& machine,
+                                            const std::string& referenceAxisFile,
+                                            const std::string& contextFile,
+                                            std::string* createdContextFile,
+                                            std::string* createdReferenceFile);
 };

@@ -15,15 +15,45 @@ namespace {
 
 [[gnu::used]] const char source_id[] = "$Id$ TRAVIK";
 
-int add_new_section(message_store* store, const char* name) {
+int add_new_section(message_store* store, const char* name, void*) {
     const std::uint16_t section = add_section(store, name);
     return section == no_section ? -1 : section;
 }
 
+int add_new_message(message_store* store, int section, const char* line, std::int32_t file,
+                    int line_number, void*) {
+    return append_message(store, section, line, file, line_number);
+}
+
+int merge_section(message_store* store, const char* name, void*) {
+    return find_or_add_section(store, name);
+}
+
+int merge_parameter(message_store* store, int section, const char* line, std::int32_t file,
+                    int line_number, void*) {
+    return set_parameter(store, section, line, file, line_number);
+}
+
+// The context of a host's callbacks that take none.
+struct plain_callbacks {
+    section_callback section;
+    entry_callback entry;
+};
+
+int call_section(message_store* store, const char* name, void* context) {
+    return static_cast<const plain_callbacks*>(context)->section(store, name);
+}
+
+int call_entry(message_store* store, int section, const char* line, std::int32_t file,
+               int line_number, void* context) {
+    return static_cast<const plain_callbacks*>(context)->entry(store, section, line, file,
+                                                               line_number);
+}
+
 }  // namespace
 
-const message_sink plain_sink = {add_new_section, append_message};
-const message_sink merging_sink = {find_or_add_section, set_parameter};
+const message_sink plain_sink = {add_new_section, add_new_message};
+const message_sink merging_sink = {merge_section, merge_parameter};
 
 load_result load_file(message_store* store, const char* path, const message_sink& sink) {
     const platform::file_handle file = platform::open_for_read(path, platform::file_mode::text);
@@ -51,7 +81,14 @@ load_result load_file(message_store* store, const char* path, const message_sink
 
 int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                   section_callback section, entry_callback entry) {
-    const parse_result result = parse_messages(store, source, file_name, {section, entry});
+    if (section == nullptr || entry == nullptr) return -1;
+    plain_callbacks callbacks = {section, entry};
+    return load_messages(store, source, file_name, call_section, call_entry, &callbacks);
+}
+
+int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
+                  context_section_callback section, context_entry_callback entry, void* context) {
+    const parse_result result = parse_messages(store, source, file_name, {section, entry, context});
     return result == parse_result::not_registered ? -1 : 0;
 }
 

@@ -46,6 +46,18 @@ using entry_callback = int (*)(message_store* store, int section, const char* li
 TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
                              section_callback section, entry_callback entry);
 
+/// The callbacks with a pointer of the host's, which they get with each call.
+using context_section_callback = int (*)(message_store* store, const char* name, void* context);
+using context_entry_callback = int (*)(message_store* store, int section, const char* line,
+                                       std::int32_t file, int line_number, void* context);
+
+/// load_messages() for callbacks with a context.
+///
+/// @param context  passed to both callbacks; may be nullptr
+TRV_EXPORT int load_messages(message_store* store, VCL8BLineSource& source, const char* file_name,
+                             context_section_callback section, context_entry_callback entry,
+                             void* context);
+
 /// Loads a file.
 ///
 /// Without a store a new one is made: each header adds a section, each entry the next message of

@@ -99,14 +99,16 @@ private:
     // A header without "]" ends at the end of its line.
     void take_header(std::string_view text) {
         const std::string name(text.substr(0, text.find(']')));
-        section_ = sink_.section(store_, name.c_str());
+        section_ = sink_.section(store_, name.c_str(), sink_.context);
         if (section_ < 0) aborted_ = true;
     }
 
     void take_entry() {
         // Entries above the first header belong to no section.
         if (section_ < 0) return;
-        if (sink_.entry(store_, section_, line_, file_, line_number_) != 0) aborted_ = true;
+        if (sink_.entry(store_, section_, line_, file_, line_number_, sink_.context) != 0) {
+            aborted_ = true;
+        }
     }
 
     // A keyword is recognised by its first letters: "/ifdef" is an "/if".

@@ -14,8 +14,10 @@ namespace trv {
 
 /// The callbacks that take a file's headers and entries.
 struct message_sink {
-    section_callback section;
-    entry_callback entry;
+    context_section_callback section;
+    context_entry_callback entry;
+    /// Passed to both.
+    void* context = nullptr;
 };
 
 /// `aborted`: a callback or a fault in the file has ended the parse early, which has been reported.

@@ -52,10 +52,10 @@ class CTrvAssemblyData;
 ///
 /// Threads: instances may be used on several threads at once, each with its own records. The
 /// exception is writing machine contexts, also to memory, which runs on one thread at a time with
-/// the whole runtime.
-/// Each call of an assembly member makes QDomImplementation::ReturnNullNode Qt's process-wide
-/// policy for invalid XML data and leaves it so. It writes the policy only when it is another one:
-/// calls at the same time do not race, but a host that sets another policy at the same time does.
+/// the whole runtime. Each call of an assembly member makes QDomImplementation::ReturnNullNode Qt's
+/// process-wide policy for invalid XML data and leaves it so. It writes the policy only when it is
+/// another one: calls at the same time do not race, but a host that sets another policy at the same
+/// time does.
 ///
 /// Lifetime: assemblies can be read and written until the process ends, also in handlers of
 /// atexit() and in destructors of static objects. From the moment at which Qt destroys its text
@@ -89,12 +89,12 @@ public:
     /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened or read, or is
     ///         longer than 256 MiB; eFileIOContentError when there is a section "machine" without
     ///         "name" or "position", or "postpro" without "origin_program"
-    EFileIOStatus readMachineContext(const char* name, CMachineContextData& data);
-    EFileIOStatus readMachineContext(std::wstring name, CMachineContextData& data);
     EFileIOStatus readMachineContext(const char* name, CMachineContextData& data,
                                      CFileFault* fault);
     EFileIOStatus readMachineContext(std::wstring name, CMachineContextData& data,
                                      CFileFault* fault);
+    EFileIOStatus readMachineContext(const char* name, CMachineContextData& data);
+    EFileIOStatus readMachineContext(std::wstring name, CMachineContextData& data);
 
     /// Writes a machine context file. The text goes to a temporary file beside the target, which
     /// replaces the target in one step when it is complete and on the disk. If anything fails, the
@@ -117,12 +117,12 @@ public:
     ///         through the fatal channel first, whose default handler ends the process.
     ///         eFileIOContentError or eFileIOStructureError when storage for a section runs out: no
     ///         file is touched then.
-    EFileIOStatus writeMachineContext(const char* name, const CMachineContextData& data);
-    EFileIOStatus writeMachineContext(std::wstring name, const CMachineContextData& data);
     EFileIOStatus writeMachineContext(const char* name, const CMachineContextData& data,
                                       CFileFault* fault);
     EFileIOStatus writeMachineContext(std::wstring name, const CMachineContextData& data,
                                       CFileFault* fault);
+    EFileIOStatus writeMachineContext(const char* name, const CMachineContextData& data);
+    EFileIOStatus writeMachineContext(std::wstring name, const CMachineContextData& data);
 
     /// Reads an assembly file.
     ///
@@ -143,10 +143,10 @@ public:
     ///           component has an incomplete "Orientation".
     /// @throws std::bad_alloc when memory runs out. Also when the file nests more than 200 elements
     ///         and the system has no second stack for it. The root component is then as it was.
-    EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data);
-    EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data);
     EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data, CFileFault* fault);
     EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data, CFileFault* fault);
+    EFileIOStatus readTrvAssembly(const char* name, CTrvAssemblyData& data);
+    EFileIOStatus readTrvAssembly(std::wstring name, CTrvAssemblyData& data);
 
     /// Writes an assembly file over an existing one. The same record always gives the same bytes. A
     /// component with a geometry file is written without its children.
@@ -158,12 +158,12 @@ public:
     ///         children, when the tree is deeper than 999 components, or when a text holds U+FFFE
     ///         or U+FFFF: no file is touched then; eFileIOOpenError when the file cannot be opened;
     ///         eFileIOShortWrite when it was not written to its end
-    EFileIOStatus writeTrvAssembly(const char* name, const CTrvAssemblyData& data);
-    EFileIOStatus writeTrvAssembly(std::wstring name, const CTrvAssemblyData& data);
     EFileIOStatus writeTrvAssembly(const char* name, const CTrvAssemblyData& data,
                                    CFileFault* fault);
     EFileIOStatus writeTrvAssembly(std::wstring name, const CTrvAssemblyData& data,
                                    CFileFault* fault);
+    EFileIOStatus writeTrvAssembly(const char* name, const CTrvAssemblyData& data);
+    EFileIOStatus writeTrvAssembly(std::wstring name, const CTrvAssemblyData& data);
 
     /// Reads an axis file: one placement and up to three tags.
     ///
@@ -179,11 +179,11 @@ public:
     /// @param fault takes the reason of a failure, and notes; may be nullptr
     /// @return eFileIOSuccess; eFileIOOpenError when the file cannot be opened; eFileIOContentError
     ///         when one of the four matrix lines is missing or does not hold four numbers
-    EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3);
-    EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3,
-                           CFileFault* fault);
     EFileIOStatus readAxis(const char* fileName, double* matrix, int& tag1, int& tag2, int& tag3,
                            CFileFault* fault = nullptr);
+    EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3,
+                           CFileFault* fault);
+    EFileIOStatus readAxis(std::wstring fileName, double* matrix, int& tag1, int& tag2, int& tag3);
 
     /// Writes an axis file over an existing one: the placement and its inverse with six decimals
     /// and, if none of the tags is negative, the tag line.
@@ -197,53 +197,53 @@ public:
     ///              the status is eFileIOSuccess; may be nullptr
     /// @return eFileIOSuccess, also when the disk is full; eFileIOOpenError when the file cannot be
     ///         created or opened
-    EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
-                            int tag3);
-    EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
-                            int tag3, CFileFault* fault);
     EFileIOStatus writeAxis(const char* fileName, const double* matrix, int tag1, int tag2,
                             int tag3, CFileFault* fault = nullptr);
+    EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
+                            int tag3, CFileFault* fault);
+    EFileIOStatus writeAxis(std::wstring fileName, const double* matrix, int tag1, int tag2,
+                            int tag3);
 
     /// readMachineContext() for a path that is used as it is; nullptr acts as the empty path.
-    static EFileIOStatus sReadMachineContext(const std::wstring& path, CMachineContextData& data);
-    static EFileIOStatus sReadMachineContext(const std::wstring& path, CMachineContextData& data,
-                                             CFileFault* fault);
     static EFileIOStatus sReadMachineContext(const char* path, CMachineContextData& data,
                                              CFileFault* fault = nullptr);
+    static EFileIOStatus sReadMachineContext(const std::wstring& path, CMachineContextData& data,
+                                             CFileFault* fault);
+    static EFileIOStatus sReadMachineContext(const std::wstring& path, CMachineContextData& data);
 
     /// writeMachineContext() for a path that is used as it is; nullptr acts as the empty path.
-    static EFileIOStatus sWriteMachineContext(const std::wstring& path,
-                                              const CMachineContextData& data);
-    static EFileIOStatus sWriteMachineContext(const std::wstring& path,
-                                              const CMachineContextData& data, CFileFault* fault);
     static EFileIOStatus sWriteMachineContext(const char* path, const CMachineContextData& data,
                                               CFileFault* fault = nullptr);
+    static EFileIOStatus sWriteMachineContext(const std::wstring& path,
+                                              const CMachineContextData& data, CFileFault* fault);
+    static EFileIOStatus sWriteMachineContext(const std::wstring& path,
+                                              const CMachineContextData& data);
 
     /// readTrvAssembly() for a path that is used as it is; nullptr acts as the empty path.
-    static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data);
-    static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data,
-                                          CFileFault* fault);
     static EFileIOStatus sReadTrvAssembly(const char* path, CTrvAssemblyData& data,
                                           CFileFault* fault = nullptr);
+    static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data,
+                                          CFileFault* fault);
+    static EFileIOStatus sReadTrvAssembly(const std::wstring& path, CTrvAssemblyData& data);
 
     /// writeTrvAssembly() for a path that is used as it is; nullptr acts as the empty path.
-    static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data);
-    static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data,
-                                           CFileFault* fault);
     static EFileIOStatus sWriteTrvAssembly(const char* path, const CTrvAssemblyData& data,
                                            CFileFault* fault = nullptr);
+    static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data,
+                                           CFileFault* fault);
+    static EFileIOStatus sWriteTrvAssembly(const std::wstring& path, const CTrvAssemblyData& data);
 
     /// readAxis() for a path that is used as it is; nullptr acts as the empty path.
-    static EFileIOStatus sReadAxis(const std::wstring& path, double* matrix, int& tag1, int& tag2,
-                                   int& tag3, CFileFault* fault = nullptr);
     static EFileIOStatus sReadAxis(const char* path, double* matrix, int& tag1, int& tag2,
+                                   int& tag3, CFileFault* fault = nullptr);
+    static EFileIOStatus sReadAxis(const std::wstring& path, double* matrix, int& tag1, int& tag2,
                                    int& tag3, CFileFault* fault = nullptr);
 
     /// writeAxis() for a path that is used as it is; nullptr acts as the empty path.
-    static EFileIOStatus sWriteAxis(const std::wstring& path, const double* matrix, int tag1,
-                                    int tag2, int tag3, CFileFault* fault = nullptr);
     static EFileIOStatus sWriteAxis(const char* path, const double* matrix, int tag1, int tag2,
                                     int tag3, CFileFault* fault = nullptr);
+    static EFileIOStatus sWriteAxis(const std::wstring& path, const double* matrix, int tag1,
+                                    int tag2, int tag3, CFileFault* fault = nullptr);
 
     /// readMachineContext() of a file with these bytes.
     ///
