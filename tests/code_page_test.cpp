@@ -1,6 +1,7 @@
 // Names and values through narrow and wide calls in a process of a given code page: Western
 // European (1252), Japanese (932) or UTF-8.
 
+#include <tests/c/c_objects.h>
 #include <tests/common/channel_log.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/scoped_variable.h>
@@ -90,6 +91,31 @@ protected:
     TemporaryDirectory directory_;
     CQvFilesIO files_{directory_.wide()};
 };
+
+TEST_F(CodePage, HoldsTextsOfTheCInterfaceOrTheyAreRefused) {
+    const Assembly held;
+    held.setText(0, TRVFILES_COMPONENT_NAME, sample().utf8.c_str());
+    EXPECT_EQ(held.text(0, TRVFILES_COMPONENT_NAME), sample().utf8);
+
+    const std::string foreign = std::filesystem::path(sample().foreign).u8string();
+    const bool isHeld = ::GetACP() == CP_UTF8;
+    EXPECT_EQ(trvfiles_component_set_text(held, 0, TRVFILES_COMPONENT_NAME, foreign.c_str(), 0),
+              isHeld ? TRVFILES_SUCCESS : TRVFILES_BAD_TEXT);
+    EXPECT_EQ(held.text(0, TRVFILES_COMPONENT_NAME), isHeld ? foreign : sample().utf8);
+}
+
+TEST_F(CodePage, DoesNotLimitTheNamesOfFilesInTheCInterface) {
+    const std::string name = std::filesystem::path(sample().foreign).u8string();
+    const std::string path = (directory_ / name).u8string();
+    const Context context;
+    ASSERT_EQ(trvfiles_context_set_text(context, 0, name.c_str(), 0), TRVFILES_SUCCESS);
+    auto axis = sized<trvfiles_axis>();
+    ASSERT_EQ(trvfiles_axis_write(path.c_str(), &axis, 0), TRVFILES_SUCCESS);
+    EXPECT_TRUE(std::filesystem::exists(directory_.path() / sample().foreign));
+    const Texts text;
+    ASSERT_EQ(trvfiles_context_get_text(context, 0, text, 0), TRVFILES_SUCCESS);
+    EXPECT_EQ(text.one(), name);
+}
 
 }  // namespace
 

@@ -38,8 +38,10 @@ TEST_F(CMessages, AreLoadedFromAFile) {
     ASSERT_EQ(trvfiles_messages_sections(messages_, texts_, 0), TRVFILES_SUCCESS);
     EXPECT_THAT(texts_.all(), ElementsAre("text", "more"));
     EXPECT_THAT(list("text"), ElementsAre("KEY = caf\xC3\xA9", "from '" + path + "' line 3"));
-    EXPECT_EQ(trvfiles_messages_load(messages_, file("missing").c_str(), fault_),
-              TRVFILES_NOT_FOUND);
+    for (const char* name : {"missing", "*.msg"}) {
+        EXPECT_EQ(trvfiles_messages_load(messages_, file(name).c_str(), fault_),
+                  TRVFILES_NOT_FOUND);
+    }
 }
 
 TEST_F(CMessages, KeepWhatAFaultyFileGave) {

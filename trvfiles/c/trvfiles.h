@@ -145,7 +145,8 @@ TRVFILES_API const char* trvfiles_status_text(int32_t status);
 
 /**
  * Releases an object of any type. Its handle, and the pointers that were got from the object, are
- * not valid after that.
+ * not valid after that. Threads: a store of messages with the runtime, any other object on any
+ * thread.
  *
  * @param handle  the object
  * @param fault   0, or a fault

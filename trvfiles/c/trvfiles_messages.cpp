@@ -10,7 +10,7 @@
 #include <trvfiles/environment/message_store_data.h>
 #include <trvfiles/environment/store_writer.h>
 #include <trvfiles/support/file_fault.h>
-#include <trvfiles/support/file_system.h>
+#include <trvfiles/support/platform.h>
 
 namespace c = trv::c;
 
@@ -74,7 +74,7 @@ int32_t trvfiles_messages_load(trvfiles_messages messages, const char* path, trv
         const auto object = c::objectOf<MessagesObject>(messages);
         const std::string file = c::narrowArgument(path);
         c::require(!object->isOfProcess(), "the store belongs to the process");
-        if (trv::fileExists(file.c_str()) == 0) return TRVFILES_NOT_FOUND;
+        if (!trv::platform::path_exists(file.c_str())) return TRVFILES_NOT_FOUND;
         return statusOf(trv::load_message_file(object->store(), file.c_str()) != nullptr);
     });
 }
