@@ -136,8 +136,7 @@ TEST_F(CRuntime, SetsVariablesOfTheProcess) {
         const Configured host;
         ASSERT_EQ(trvfiles_process_variable_set("OWN", "value 1", 0), TRVFILES_SUCCESS);
         EXPECT_STREQ(platform::get_environment("OWN"), "value 1");
-        ASSERT_EQ(trvfiles_variable_get(0, "OWN", host.texts, 0), TRVFILES_SUCCESS);
-        EXPECT_EQ(host.texts.one(), "value 1");
+        EXPECT_EQ(host.variable(TRVFILES_VARIABLE, "OWN").at(0), "value 1");
         ASSERT_EQ(trvfiles_process_variable_set("OWN", "", 0), TRVFILES_SUCCESS);
         EXPECT_EQ(platform::get_environment("OWN"), nullptr);
         EXPECT_EQ(trvfiles_process_variable_set("A=B", "x", 0), TRVFILES_FAILED);

@@ -1,0 +1,126 @@
+"""The transfer of whole trees of components, as the arrays of trvfiles_component_table.
+
+A call for each component would take most of the time of reading.
+"""
+
+import ctypes
+import gc
+import struct
+from array import array
+from contextlib import contextmanager
+from itertools import accumulate
+from typing import Any, Dict, Iterator, List, Tuple
+
+from trvfiles._interface import NO_INDEX, ComponentTable, text_argument
+from trvfiles.component import Component, Numbers
+
+
+def _memory(address: int, size: int) -> Any:
+    """The bytes at an address, which are not copied."""
+    return (ctypes.c_char * size).from_address(address) if size else b""
+
+
+def unpacked(address: int, count: int, code: str) -> Tuple[Any, ...]:
+    """So many values of a format of the module struct at an address."""
+    return struct.unpack(f"{count}{code}", _memory(address, count * struct.calcsize(code)))
+
+
+def tuples(address: int, count: int, code: str) -> Iterator[Tuple[Any, ...]]:
+    """So many tuples of a format of the module struct at an address."""
+    return struct.iter_unpack(code, _memory(address, count * struct.calcsize(code)))
+
+
+def texts(address: int, length: int, offsets: Tuple[int, ...]) -> List[str]:
+    """The texts between offsets in UTF-8."""
+    data = ctypes.string_at(address, length) if length else b""
+    pairs = zip(offsets, offsets[1:])
+    if data.isascii():
+        text = data.decode()
+        return [text[begin:end] for begin, end in pairs]
+    return [data[begin:end].decode() for begin, end in pairs]
+
+
+@contextmanager
+def no_collection() -> Iterator[None]:
+    """Without collections of garbage, which take three times as long as 100,000 new components."""
+    was_enabled = gc.isenabled()
+    gc.disable()
+    try:
+        yield
+    finally:
+        if was_enabled:
+            gc.enable()
+
+
+def components_of(table: ComponentTable) -> List[Component]:
+    """The components of a table in document order."""
+    count = table.count
+    columns: Iterator[Any] = zip(
+        unpacked(table.parent, count, "N"),
+        *(texts(table.text, table.text_length, unpacked(offsets, count + 1, "N"))
+          for offsets in (table.name, table.comment, table.geometry)),
+        unpacked(table.enabled, count, "?"), range(count))
+    numbers = Numbers(bytes(_memory(table.translation, 24 * count)),
+                      bytes(_memory(table.orientation, 72 * count)))
+    components: List[Component] = []
+    new = Component.__new__
+    # Calls of Component._begin() and _attach() would take half of the time.
+    for parent, name, comment, geometry, enabled, row in columns:
+        component = new(Component)
+        component._name = name
+        component._comment = comment
+        component._geometry_file = geometry
+        component._enabled = enabled
+        component._numbers = numbers
+        component._row = row
+        component._children = None
+        component._index = 0
+        if components:
+            above = components[parent]
+            component._parent = above
+            if above._children is None:
+                above._children = [component]
+            else:
+                above._children.append(component)
+        else:
+            component._parent = None
+        components.append(component)
+    return components
+
+
+class Columns:
+    """A tree of components as a table for the library, which points to the arrays in it."""
+
+    def __init__(self, root: Component) -> None:
+        self.components = list(root.walk())
+        names, comments, geometries, enabled, translations, orientations = zip(
+            *(component._values() for component in self.components))
+        self._text = bytearray()
+        self._columns: List[Any] = []
+        self.table = ComponentTable(
+            count=len(self.components),
+            parent=self._keep(array("Q", self._parents(root))),
+            enabled=self._keep(array("B", enabled)),
+            translation=self._keep(array("d", b"".join(translations))),
+            orientation=self._keep(array("d", b"".join(orientations))),
+            name=self._keep_texts(names, "name"),
+            comment=self._keep_texts(comments, "comment"),
+            geometry=self._keep_texts(geometries, "geometry_file"))
+        self.table.text_length = len(self._text)
+        self.table.text = self._keep(array("B", self._text or b"\0"))
+
+    def _parents(self, root: Component) -> Iterator[int]:
+        numbers: Dict[int, int] = {}
+        for number, component in enumerate(self.components):
+            numbers[id(component)] = number
+            yield NO_INDEX if component is root else numbers[id(component._parent)]
+
+    def _keep(self, column: Any) -> int:
+        self._columns.append(column)
+        return int(column.buffer_info()[0])
+
+    def _keep_texts(self, values: Tuple[str, ...], what: str) -> int:
+        encoded = [text_argument(value, what) for value in values]
+        offsets = array("Q", accumulate(map(len, encoded), initial=len(self._text)))
+        self._text += b"".join(encoded)
+        return self._keep(offsets)
