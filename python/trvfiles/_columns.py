@@ -8,7 +8,7 @@ import gc
 import struct
 from array import array
 from contextlib import contextmanager
-from itertools import accumulate
+from itertools import accumulate, islice
 from typing import Any, Dict, Iterator, List, Tuple
 
 from trvfiles._interface import NO_INDEX, ComponentTable, text_argument
@@ -20,9 +20,9 @@ def _memory(address: int, size: int) -> Any:
     return (ctypes.c_char * size).from_address(address) if size else b""
 
 
-def unpacked(address: int, count: int, code: str) -> Tuple[Any, ...]:
-    """So many values of a format of the module struct at an address."""
-    return struct.unpack(f"{count}{code}", _memory(address, count * struct.calcsize(code)))
+def sizes(address: int, count: int) -> "array[int]":
+    """So many numbers of the type size_t at an address."""
+    return array("Q", bytes(_memory(address, 8 * count)))
 
 
 def tuples(address: int, count: int, code: str) -> Iterator[Tuple[Any, ...]]:
@@ -30,14 +30,17 @@ def tuples(address: int, count: int, code: str) -> Iterator[Tuple[Any, ...]]:
     return struct.iter_unpack(code, _memory(address, count * struct.calcsize(code)))
 
 
-def texts(address: int, length: int, offsets: Tuple[int, ...]) -> List[str]:
-    """The texts between offsets in UTF-8."""
+def text_columns(address: int, length: int, count: int, *columns: int) -> Iterator[List[str]]:
+    """The texts of columns, each of which has `count` + 1 offsets in UTF-8 at an address."""
     data = ctypes.string_at(address, length) if length else b""
-    pairs = zip(offsets, offsets[1:])
-    if data.isascii():
-        text = data.decode()
-        return [text[begin:end] for begin, end in pairs]
-    return [data[begin:end].decode() for begin, end in pairs]
+    ascii_text = data.decode() if data.isascii() else None
+    for column in columns:
+        offsets = sizes(column, count + 1)
+        pairs = zip(offsets, islice(offsets, 1, None))
+        if ascii_text is not None:
+            yield [ascii_text[begin:end] for begin, end in pairs]
+        else:
+            yield [data[begin:end].decode() for begin, end in pairs]
 
 
 @contextmanager
@@ -56,10 +59,10 @@ def components_of(table: ComponentTable) -> List[Component]:
     """The components of a table in document order."""
     count = table.count
     columns: Iterator[Any] = zip(
-        unpacked(table.parent, count, "N"),
-        *(texts(table.text, table.text_length, unpacked(offsets, count + 1, "N"))
-          for offsets in (table.name, table.comment, table.geometry)),
-        unpacked(table.enabled, count, "?"), range(count))
+        sizes(table.parent, count),
+        *text_columns(table.text, table.text_length, count, table.name, table.comment,
+                      table.geometry),
+        map(bool, bytes(_memory(table.enabled, count))), range(count))
     numbers = Numbers(bytes(_memory(table.translation, 24 * count)),
                       bytes(_memory(table.orientation, 72 * count)))
     components: List[Component] = []

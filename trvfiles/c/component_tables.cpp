@@ -68,6 +68,7 @@ void TextColumn::add(std::string& text, const std::string& added) {
 
 ComponentTable::ComponentTable(const std::vector<Node>& nodes) {
     reserve(nodes.size());
+    reserveText(nodes);
     for (const Node& node : nodes)
         addNumbers(node);
     name_.begin(text_);
@@ -90,6 +91,16 @@ void ComponentTable::reserve(std::size_t count) {
     world_.reserve(count);
     for (TextColumn* column : {&name_, &comment_, &geometry_})
         column->reserve(count);
+}
+
+// As narrow text; UTF-8 may be longer.
+void ComponentTable::reserveText(const std::vector<Node>& nodes) {
+    std::size_t length = 0;
+    for (const Node& node : nodes) {
+        const ComponentBody& body = *node.body;
+        length += body.name.size() + body.comment.size() + body.geometryFileName.size();
+    }
+    text_.reserve(length);
 }
 
 void ComponentTable::addNumbers(const Node& node) {

@@ -43,6 +43,7 @@ public:
 
 private:
     void reserve(std::size_t count);
+    void reserveText(const std::vector<IndexedAssembly::Node>& nodes);
     void addNumbers(const IndexedAssembly::Node& node);
 
     std::vector<std::size_t> parent_;
