@@ -2,7 +2,7 @@
 // and wrong handles. The handles are compared with a plain list of what is live.
 
 #include <fuzz/harness/configured_variables.h>
-#include <fuzz/harness/input_reader.h>
+#include <fuzz/harness/known_handles.h>
 #include <fuzz/harness/own_directory.h>
 #include <fuzz/harness/require.h>
 #include <fuzz/harness/storage_balance.h>
@@ -14,20 +14,11 @@
 #include <cstring>
 #include <iterator>
 #include <string>
-#include <vector>
 
 namespace trv::fuzz {
 namespace {
 
-enum Kind { texts, context, assembly, components, placements, messages, fault };
-
 constexpr const char* fileNames[] = {"c.xml", "c.mctx", "c.dat", "c.msg", "missing"};
-
-struct Known {
-    trvfiles_handle handle;
-    Kind kind;
-    bool isLive;
-};
 
 // A size that a host may have forgotten to set.
 template <class Struct>
@@ -38,9 +29,9 @@ Struct structOf(InputReader& input) {
     return values;
 }
 
-class Caller {
+class Caller : private KnownHandles {
 public:
-    explicit Caller(std::string_view input) : input_(input), before_(liveHandles()) {
+    explicit Caller(std::string_view input) : KnownHandles(input), before_(liveHandles()) {
         require(trvfiles_channel_set_output(1, 0, 0) == TRVFILES_SUCCESS, "output can be set");
         for (const Kind kind : createdKinds)
             createOne(kind);
@@ -109,35 +100,6 @@ private:
         }
     }
 
-    bool isLive(trvfiles_handle handle) const {
-        return std::any_of(known_.begin(), known_.end(), [&](const Known& known) {
-            return known.handle == handle && known.isLive;
-        });
-    }
-
-    // A live handle of the kind, or any other number.
-    trvfiles_handle pick(Kind kind) {
-        if (input_.number(16) == 0) return pickWrong(kind);
-        const auto start = static_cast<std::size_t>(input_.byte());
-        for (std::size_t i = 0; i < known_.size(); ++i) {
-            const Known& known = known_[(start + i) % known_.size()];
-            if (known.kind == kind && known.isLive) return known.handle;
-        }
-        isWrong_ = true;
-        return 0;
-    }
-
-    trvfiles_handle pickWrong(Kind kind) {
-        const auto choice = static_cast<std::size_t>(input_.byte());
-        if (choice < known_.size()) {
-            const Known& known = known_[choice];
-            isWrong_ = isWrong_ || known.kind != kind || !known.isLive;
-            return known.handle;
-        }
-        isWrong_ = true;
-        return choice % 3 == 0 ? 0 : choice << (choice % 64);
-    }
-
     std::string text() {
         std::string text(input_.piece().substr(0, 300));
         text.resize(std::strlen(text.c_str()));
@@ -149,16 +111,6 @@ private:
     std::size_t index() {
         const unsigned value = input_.byte();
         return value == 255 ? SIZE_MAX : value;
-    }
-
-    // Adds what a call has created.
-    template <class Create>
-    std::int32_t create(Kind kind, Create call) {
-        trvfiles_handle created = 0;
-        const std::int32_t status = call(&created);
-        require((created != 0) == (status == TRVFILES_SUCCESS), "a success has an object");
-        if (created != 0) known_.push_back({created, kind, true});
-        return status;
     }
 
     std::int32_t createOne(Kind kind) {
@@ -404,11 +356,8 @@ private:
 
     static constexpr Kind createdKinds[] = {texts, context, assembly, messages, fault};
 
-    InputReader input_;
     std::size_t before_;
-    std::vector<Known> known_;
     trvfiles_fault fault_ = 0;
-    bool isWrong_ = false;
 };
 
 }  // namespace

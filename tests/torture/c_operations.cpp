@@ -240,11 +240,6 @@ Outcome listFavourites(Workshop& at) {
     return {status, ::testing::PrintToString(texts.all())};
 }
 
-Operation inQt(Operation operation) {
-    operation.losesMemoryInQt = true;
-    return operation;
-}
-
 }  // namespace
 
 // The throwing handlers of a test throw through a call of C++, and end as an internal error here.
