@@ -15,6 +15,7 @@ _INDEX = re.compile(r"(.*)\[(\d+)\]", re.DOTALL)
 
 
 _VECTOR = struct.Struct("3d")
+_unpack_vector = _VECTOR.unpack_from
 _ORIENTATION = struct.Struct("9d")
 
 
@@ -129,8 +130,8 @@ class Component:
     @property
     def translation(self) -> Vector:
         """The origin in the parent's frame: x, y and z in the project's length unit."""
-        x, y, z = _VECTOR.unpack_from(self._numbers.translations, 24 * self._row)
-        return (x, y, z)
+        translations = self._numbers.translations
+        return _unpack_vector(translations, 24 * self._row)  # type: ignore[return-value]
 
     @translation.setter
     def translation(self, translation: Iterable[float]) -> None:
