@@ -9,7 +9,7 @@ import struct
 from array import array
 from contextlib import contextmanager
 from itertools import accumulate, islice
-from typing import Any, Dict, Iterator, List, Tuple
+from typing import Any, Callable, Dict, Iterator, List, Tuple
 
 from trvfiles._interface import NO_INDEX, ComponentTable, text_argument
 from trvfiles.component import Component, Numbers
@@ -30,17 +30,27 @@ def tuples(address: int, count: int, code: str) -> Iterator[Tuple[Any, ...]]:
     return struct.iter_unpack(code, _memory(address, count * struct.calcsize(code)))
 
 
-def text_columns(address: int, length: int, count: int, *columns: int) -> Iterator[List[str]]:
-    """The texts of columns, each of which has `count` + 1 offsets in UTF-8 at an address."""
-    data = ctypes.string_at(address, length) if length else b""
-    ascii_text = data.decode() if data.isascii() else None
-    for column in columns:
-        offsets = sizes(column, count + 1)
+class Texts:
+    """Texts in UTF-8 one after the other; a column of them has `count` + 1 offsets."""
+
+    def __init__(self, address: int, length: int, count: int) -> None:
+        self._data = ctypes.string_at(address, length) if length else b""
+        self._ascii = self._data.decode() if self._data.isascii() else None
+        self._count = count
+
+    def column(self, address: int) -> List[str]:
+        """All texts of a column."""
+        offsets = sizes(address, self._count + 1)
         pairs = zip(offsets, islice(offsets, 1, None))
-        if ascii_text is not None:
-            yield [ascii_text[begin:end] for begin, end in pairs]
-        else:
-            yield [data[begin:end].decode() for begin, end in pairs]
+        if self._ascii is not None:
+            text = self._ascii
+            return [text[begin:end] for begin, end in pairs]
+        return [self._data[begin:end].decode() for begin, end in pairs]
+
+    def lazy_column(self, address: int) -> Callable[[int], str]:
+        """A function that gives one text of a column."""
+        offsets = sizes(address, self._count + 1)
+        return lambda row: self._data[offsets[row]:offsets[row + 1]].decode()
 
 
 @contextmanager
@@ -58,20 +68,21 @@ def no_collection() -> Iterator[None]:
 def components_of(table: ComponentTable) -> List[Component]:
     """The components of a table in document order."""
     count = table.count
+    texts = Texts(table.text, table.text_length, count)
     columns: Iterator[Any] = zip(
         sizes(table.parent, count),
-        *text_columns(table.text, table.text_length, count, table.name, table.comment,
-                      table.geometry),
+        texts.column(table.name), texts.column(table.geometry),
         map(bool, bytes(_memory(table.enabled, count))), range(count))
     numbers = Numbers(bytes(_memory(table.translation, 24 * count)),
-                      bytes(_memory(table.orientation, 72 * count)))
+                      bytes(_memory(table.orientation, 72 * count)),
+                      texts.lazy_column(table.comment))
     components: List[Component] = []
     new = Component.__new__
     # Calls of Component._begin() and _attach() would take half of the time.
-    for parent, name, comment, geometry, enabled, row in columns:
+    for parent, name, geometry, enabled, row in columns:
         component = new(Component)
         component._name = name
-        component._comment = comment
+        component._comment = None
         component._geometry_file = geometry
         component._enabled = enabled
         component._numbers = numbers

@@ -3,7 +3,7 @@
 from ctypes import byref, c_double, c_int32, c_size_t, c_uint32
 from typing import Any, FrozenSet, Iterable, Iterator, List, NamedTuple, Optional, Tuple, Union
 
-from trvfiles._columns import Columns, components_of, no_collection, sizes, text_columns, tuples
+from trvfiles._columns import Columns, Texts, components_of, no_collection, sizes, tuples
 from trvfiles._interface import (ComponentTable, Handle, PathLike, PlacementTable, bytes_argument,
                                  call, call_for_bytes, created, path_argument, path_text)
 from trvfiles.component import ROOT_INDEX, Component, PathError, is_root_name
@@ -226,7 +226,7 @@ def _assembly_of(handle: int, notes: Tuple[Note, ...]) -> Assembly:
 
 def _placements_of(table: PlacementTable, components: List[Component]) -> List[Placement]:
     count = table.count
-    files, = text_columns(table.text, table.text_length, count, table.geometry)
+    files = Texts(table.text, table.text_length, count).column(table.geometry)
     return [Placement(components[index], file, matrix_of(world))
             for index, file, world in zip(sizes(table.component, count), files,
                                           tuples(table.world, count, "16d"))]

@@ -48,6 +48,17 @@ def test_reading_gives_every_field():
     assert list(root.children) == [grip, blade]
 
 
+@pytest.mark.parametrize("data", [
+    SMALL, SMALL.decode().replace("ä", "a").replace("€", "Euro").encode()])
+def test_a_comment_survives_other_changes(data):
+    grip = Assembly.from_bytes(data).root.children[0]
+    grip.translation = (7, 8, 9)
+    grip.orientation = ((1, 0, 0), (0, 1, 0), (0, 0, 1))
+    assert grip.copy().comment == grip.comment == ("€" if data is SMALL else "Euro")
+    grip.comment = "neu"
+    assert grip.copy().comment == grip.comment == "neu"
+
+
 def test_placements_are_those_of_enabled_components_in_the_world():
     assembly = Assembly.from_bytes(SMALL)
     placed, = assembly.placements()

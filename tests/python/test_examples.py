@@ -1,7 +1,6 @@
 """The programs of examples/python and the samples of docs/python.md do what they say."""
 
 import ast
-import contextlib
 import csv
 import io
 import os
@@ -78,14 +77,11 @@ def samples():
 
 
 @pytest.mark.parametrize("sample, expected", samples(), ids=range(len(samples())))
-def test_a_sample_of_the_page_prints_what_the_page_shows(project, monkeypatch, sample, expected):
-    installation = REPOSITORY / "examples/sample-project/installation"
-    monkeypatch.chdir(project)
-    monkeypatch.setenv("TRVHOME", str(installation))
-    printed = io.StringIO()
-    with contextlib.redirect_stdout(printed):
-        exec(sample.replace("/opt/shop", str(installation)), {})
-    assert printed.getvalue().replace(str(installation), "/opt/shop") == expected
+def test_a_sample_of_the_page_prints_what_the_page_shows(project, run_python, sample, expected):
+    installation = str(REPOSITORY / "examples/sample-project/installation")
+    printed = run_python(f"import os; os.chdir({project.name!r})\n"
+                         + sample.replace("/opt/shop", installation))
+    assert printed.replace(installation, "/opt/shop") == expected
 
 
 def test_the_page_names_only_what_the_package_has():
