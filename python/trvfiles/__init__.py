@@ -11,11 +11,12 @@ and passed to other threads; one object must not be changed by several threads a
 """
 
 from trvfiles._interface import version as library_version
+from trvfiles._paths import PathError
 from trvfiles.assembly import Assembly, Placement, differences, read_assembly
 from trvfiles.axis import Axis, read_axis
 from trvfiles.catalogue import (CreatedContext, DefaultContext, context_directory, create_context,
                                 create_default_context, default_context, favorite_contexts)
-from trvfiles.component import Children, Component, PathError
+from trvfiles.component import Children, Component
 from trvfiles.environment import (Definition, Environment, Explanation, set_message_handler,
                                   set_message_output)
 from trvfiles.errors import (ConfigurationError, ContentError, Error, ExpansionError, FileError,

@@ -12,7 +12,8 @@ from itertools import accumulate, islice
 from typing import Any, Callable, Dict, Iterator, List, Tuple
 
 from trvfiles._interface import NO_INDEX, ComponentTable, text_argument
-from trvfiles.component import Component, Numbers
+from trvfiles._numbers import Numbers
+from trvfiles.component import Component
 
 
 def _memory(address: int, size: int) -> Any:

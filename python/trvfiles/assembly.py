@@ -6,7 +6,8 @@ from typing import Any, FrozenSet, Iterable, Iterator, List, NamedTuple, Optiona
 from trvfiles._columns import Columns, Texts, components_of, no_collection, sizes, tuples
 from trvfiles._interface import (ComponentTable, Handle, PathLike, PlacementTable, bytes_argument,
                                  call, call_for_bytes, created, path_argument, path_text)
-from trvfiles.component import ROOT_INDEX, Component, PathError, is_root_name
+from trvfiles._paths import PathError
+from trvfiles.component import ROOT_INDEX, Component, is_root_name
 from trvfiles.errors import Note
 from trvfiles.geometry import Matrix, Vector, matrix_of, vector
 

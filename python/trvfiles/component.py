@@ -1,58 +1,16 @@
 """The components of an assembly."""
 
-import re
-import struct
 from collections.abc import MutableSequence
 from typing import (Any, Callable, Dict, Iterable, Iterator, List, Optional, Tuple, Union, cast,
                     overload)
 
-from trvfiles.geometry import (IDENTITY_ORIENTATION, Matrix, Orientation, Vector, orientation,
-                               vector)
-
-_ESCAPED = re.compile(r"[\\/\[\x00-\x1f\x7f]")
-_ESCAPE = re.compile(r"\\(\\|x[0-9a-fA-F]{2}|u[0-9a-fA-F]{4}|U[0-9a-fA-F]{8})")
-_INDEX = re.compile(r"(.*)\[(\d+)\]", re.DOTALL)
-
-
-_VECTOR = struct.Struct("3d")
-_unpack_vector = _VECTOR.unpack_from
-_ORIENTATION = struct.Struct("9d")
-
-
-class Numbers:
-    """The translations and orientations of components, as doubles one after the other.
-
-    It also has the comments that no one has asked for yet. Not changed: the components of a file
-    share one, because objects of their own would take a third of the time of reading.
-    """
-
-    __slots__ = ("translations", "orientations", "comments")
-
-    def __init__(self, translations: bytes, orientations: bytes,
-                 comments: Optional[Callable[[int], str]] = None) -> None:
-        self.translations = translations
-        self.orientations = orientations
-        self.comments = comments
-
-    def translation(self, row: int) -> bytes:
-        """Three doubles."""
-        return self.translations[24 * row:24 * row + 24]
-
-    def orientation(self, row: int) -> bytes:
-        """Nine doubles."""
-        return self.orientations[72 * row:72 * row + 72]
-
+from trvfiles._numbers import ORIENTATION, VECTOR, Numbers, packed_orientation, packed_vector
+from trvfiles._paths import PathError, escaped, name_and_index, nearest, unescaped
+from trvfiles.geometry import IDENTITY_ORIENTATION, Matrix, Orientation, Vector
 
 # The fields of a component: texts, whether it is enabled, and the numbers as bytes.
 Values = Tuple[str, str, str, bool, bytes, bytes]
 ROOT_INDEX = -1
-
-
-class PathError(KeyError):
-    """A path names no component, or several ones."""
-
-    def __str__(self) -> str:
-        return str(self.args[0])
 
 
 class Component:
@@ -87,7 +45,7 @@ class Component:
         """
         self._begin(_checked_text(name, "name"), _checked_text(comment, "comment"),
                     _checked_text(geometry_file, "geometry_file"), bool(enabled),
-                    _packed_vector(translation), _packed_orientation(orientation))
+                    packed_vector(translation), packed_orientation(orientation))
         self.children.extend(children)
 
     @property
@@ -136,21 +94,21 @@ class Component:
     def translation(self) -> Vector:
         """The origin in the parent's frame: x, y and z in the project's length unit."""
         translations = self._numbers.translations
-        return _unpack_vector(translations, 24 * self._row)  # type: ignore[return-value]
+        return VECTOR.unpack_from(translations, 24 * self._row)  # type: ignore[return-value]
 
     @translation.setter
     def translation(self, translation: Iterable[float]) -> None:
-        self._set_numbers(_packed_vector(translation), self._numbers.orientation(self._row))
+        self._set_numbers(packed_vector(translation), self._numbers.orientation(self._row))
 
     @property
     def orientation(self) -> Orientation:
         """The images of the x, y and z axes in the parent's frame; not always unit vectors."""
-        o = _ORIENTATION.unpack_from(self._numbers.orientations, 72 * self._row)
+        o = ORIENTATION.unpack_from(self._numbers.orientations, 72 * self._row)
         return (o[0:3], o[3:6], o[6:9])  # type: ignore[return-value]
 
     @orientation.setter
     def orientation(self, vectors: Iterable[Iterable[float]]) -> None:
-        self._set_numbers(self._numbers.translation(self._row), _packed_orientation(vectors))
+        self._set_numbers(self._numbers.translation(self._row), packed_orientation(vectors))
 
     @property
     def matrix(self) -> Matrix:
@@ -204,8 +162,8 @@ class Component:
         without a name. In names "/", "[" and "\\" are "\\x2f", "\\x5b" and "\\\\".
         """
         parts = [self, *self.ancestors()]
-        root = _escaped(parts.pop().name) or "(root)"
-        return "/".join([root, *(f"{_escaped(part.name)}[{part.index}]"
+        root = escaped(parts.pop().name) or "(root)"
+        return "/".join([root, *(f"{escaped(part.name)}[{part.index}]"
                                  for part in reversed(parts))])
 
     def ancestors(self) -> Iterator["Component"]:
@@ -411,15 +369,6 @@ class Children(MutableSequence["Component"]):
         return repr(self._parent._list())
 
 
-def _packed_vector(values: Iterable[float]) -> bytes:
-    return _VECTOR.pack(*vector(values, "translation"))
-
-
-def _packed_orientation(vectors: Iterable[Iterable[float]]) -> bytes:
-    x, y, z = orientation(vectors, "orientation")
-    return _ORIENTATION.pack(*x, *y, *z)
-
-
 def _checked_text(text: str, what: str) -> str:
     if not isinstance(text, str):
         raise TypeError(f"{what} has to be a str, not {type(text).__name__}")
@@ -437,45 +386,28 @@ def _tree_of(rows: List[Tuple[int, Values]]) -> Component:
     return components[0]
 
 
-def _escaped(name: str) -> str:
-    return _ESCAPED.sub(lambda match: "\\\\" if match[0] == "\\" else f"\\x{ord(match[0]):02x}",
-                        name)
-
-
-def _unescaped(part: str) -> str:
-    return _ESCAPE.sub(lambda match: "\\" if match[1] == "\\" else chr(int(match[1][1:], 16)), part)
-
-
 def is_root_name(root: Component, part: str) -> bool:
     """Whether the first part of a path is that of this root."""
-    return _unescaped(part) == (root.name or "(root)")
+    return unescaped(part) == (root.name or "(root)")
 
 
 def _child(parent: Component, part: str) -> Component:
     """The child that a part of a path means; raises PathError."""
     children = parent._list()
-    indexed = _INDEX.fullmatch(part)
-    if indexed:
-        index = int(indexed[2])
-        if index < len(children) and children[index].name == _unescaped(indexed[1]):
+    indexed = name_and_index(part)
+    if indexed is not None:
+        name, index = indexed
+        if index < len(children) and children[index].name == name:
             return children[index]
-    named = [child for child in children if child.name == _unescaped(part)]
+    named = [child for child in children if child.name == unescaped(part)]
     if len(named) == 1:
         return named[0]
     if named:
         raise PathError(f"{len(named)} components below {parent.path!r} are named {part!r}; the "
                         f"first is {_part(named[0])!r}")
-    raise PathError(f"there is no {part!r} below {parent.path!r}{_hint(children, part)}")
+    raise PathError(f"there is no {part!r} below {parent.path!r}"
+                    f"{nearest(part, [_part(child) for child in children])}")
 
 
 def _part(component: Component) -> str:
-    return f"{_escaped(component.name)}[{component.index}]"
-
-
-def _hint(children: List[Component], part: str) -> str:
-    import difflib
-    if not children:
-        return ", which has no children"
-    parts = [_part(child) for child in children]
-    near = difflib.get_close_matches(part, parts, 1, 0.5)
-    return f"; the nearest is {near[0]!r}" if near else f"; the first is {parts[0]!r}"
+    return f"{escaped(component.name)}[{component.index}]"

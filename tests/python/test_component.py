@@ -213,6 +213,13 @@ def test_escapes_in_a_path():
     assert root.children[0].path == "R/a\\x2fb\\x5b2]\\\\[0]"
 
 
+def test_a_number_beyond_unicode_is_no_escape():
+    root = Component("R", children=[Component("\U0001f527")])
+    assert root.find("\\U0001f527") is root.children[0]
+    with pytest.raises(PathError):
+        root.find("\\UFFFFFFFF")
+
+
 def test_an_index_may_be_left_out_if_the_name_is_unique():
     root = tree()
     assert root.find("Vise/Jaw[1]") is root.children[0].children[1]
