@@ -1,5 +1,5 @@
 // The library's part of the work of the command: a program that only calls the library. It also
-// writes the sample assembly. For scripts/command-performance.
+// writes the sample assembly. For scripts/command-performance and scripts/python-performance.
 //
 // Usage: library_calls write FILE LEAVES
 //        library_calls read FILE...
@@ -7,9 +7,12 @@
 //                                              file, reads that and compares
 //        library_calls project LIST            reads the project files whose names are in LIST
 //        library_calls bytes LIST              only reads their bytes
+//        library_calls walk FILE...            prints the processor time of reading and walking
+//                                              through each in seconds
 
 #include <trvfiles/assembly/CTrvAssemblyComponentData.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/CTrvAssemblyNode.h>
 #include <trvfiles/facade/CQvFilesIO.h>
 #include <trvfiles/machine_context/CMachineContextData.h>
 
@@ -17,6 +20,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -97,6 +101,26 @@ bool readBytes(const std::string& file) {
     return std::fclose(stream) == 0 && isRead;
 }
 
+// The fields of a component and of all below it, added up so that the compiler keeps the walk.
+double walkThrough(const CTrvAssemblyNode& node) {
+    double sum = static_cast<double>(node.getName().size() + node.getGeometryFileName().size());
+    for (const double number : node.getTranslation())
+        sum += number;
+    for (const CTrvAssemblyNode& child : node.children())
+        sum += walkThrough(child);
+    return sum;
+}
+
+int walk(const std::wstring& path) {
+    const std::clock_t start = std::clock();
+    CTrvAssemblyData assembly;
+    if (CQvFilesIO::sReadTrvAssembly(path, assembly) != eFileIOSuccess) return 1;
+    const double sum = walkThrough(std::as_const(assembly).getRootComponent().node());
+    const std::clock_t taken = std::clock() - start;
+    std::cout << static_cast<double>(taken) / CLOCKS_PER_SEC << ' ' << sum << '\n';
+    return 0;
+}
+
 int fail(const char* reason) {
     std::cerr << "library_calls: " << reason << '\n';
     return 2;
@@ -129,6 +153,12 @@ int main(int argc, char** argv) {
         const std::vector<std::string> files = linesOf(arguments[1]);
         const auto read = arguments[0] == "bytes" ? readBytes : readProjectFile;
         return std::all_of(files.begin(), files.end(), read) ? 0 : fail("a file cannot be read");
+    }
+    if (arguments[0] == "walk") {
+        for (std::size_t i = 1; i < arguments.size(); ++i) {
+            if (walk(wide(arguments[i])) != 0) return fail("the file cannot be read");
+        }
+        return 0;
     }
     std::vector<CTrvAssemblyData> assemblies(arguments.size() - 1);
     for (std::size_t i = 0; i < assemblies.size(); ++i) {

@@ -271,6 +271,10 @@ std::vector<HandleUse> handleUses() {
          [](LiveObjects&, trvfiles_handle h, trvfiles_fault f) {
              return trvfiles_install_root(0, h, f);
          }},
+        {"trvfiles_process_variable_set", HandleKind::none,
+         [](LiveObjects&, trvfiles_handle, trvfiles_fault f) {
+             return trvfiles_process_variable_set("TRV_TEST_OWN", "", f);
+         }},
         {"trvfiles_variable_get", HandleKind::texts,
          [](LiveObjects&, trvfiles_handle h, trvfiles_fault f) {
              return trvfiles_variable_get(0, "NAME", h, f);

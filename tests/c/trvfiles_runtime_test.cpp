@@ -131,6 +131,21 @@ TEST_F(CRuntime, FindsTheRoot) {
     TRV_EXPECT_IN_CHILD(find);
 }
 
+TEST_F(CRuntime, SetsVariablesOfTheProcess) {
+    const auto set = [] {
+        const Configured host;
+        ASSERT_EQ(trvfiles_process_variable_set("OWN", "value 1", 0), TRVFILES_SUCCESS);
+        EXPECT_STREQ(platform::get_environment("OWN"), "value 1");
+        EXPECT_EQ(host.variable(TRVFILES_VARIABLE, "OWN").at(0), "value 1");
+        ASSERT_EQ(trvfiles_process_variable_set("OWN", "", 0), TRVFILES_SUCCESS);
+        EXPECT_EQ(platform::get_environment("OWN"), nullptr);
+        EXPECT_EQ(trvfiles_process_variable_set("A=B", "x", 0), TRVFILES_FAILED);
+        EXPECT_EQ(trvfiles_process_variable_set("", "x", 0), TRVFILES_FAILED);
+        EXPECT_EQ(trvfiles_process_variable_set("OWN", "\xFF", 0), TRVFILES_BAD_TEXT);
+    };
+    TRV_EXPECT_IN_CHILD(set);
+}
+
 // By default such a report ends the process.
 TEST_F(CRuntime, TurnsAFatalReportIntoAStatus) {
     const auto load = [] {

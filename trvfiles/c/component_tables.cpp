@@ -62,11 +62,13 @@ const double* numbersOf(const std::vector<Element>& elements) {
 }  // namespace
 
 void TextColumn::add(std::string& text, const std::string& added) {
-    text += utf8FromNarrow(added);
+    appendUtf8(text, added);
     offsets_.push_back(text.size());
 }
 
 ComponentTable::ComponentTable(const std::vector<Node>& nodes) {
+    reserve(nodes.size());
+    reserveText(nodes);
     for (const Node& node : nodes)
         addNumbers(node);
     name_.begin(text_);
@@ -78,6 +80,27 @@ ComponentTable::ComponentTable(const std::vector<Node>& nodes) {
     geometry_.begin(text_);
     for (const Node& node : nodes)
         geometry_.add(text_, node.body->geometryFileName);
+}
+
+void ComponentTable::reserve(std::size_t count) {
+    parent_.reserve(count);
+    subtreeSize_.reserve(count);
+    enabled_.reserve(count);
+    translation_.reserve(count);
+    orientation_.reserve(count);
+    world_.reserve(count);
+    for (TextColumn* column : {&name_, &comment_, &geometry_})
+        column->reserve(count);
+}
+
+// As narrow text; UTF-8 may be longer.
+void ComponentTable::reserveText(const std::vector<Node>& nodes) {
+    std::size_t length = 0;
+    for (const Node& node : nodes) {
+        const ComponentBody& body = *node.body;
+        length += body.name.size() + body.comment.size() + body.geometryFileName.size();
+    }
+    text_.reserve(length);
 }
 
 void ComponentTable::addNumbers(const Node& node) {

@@ -25,6 +25,7 @@ public:
     const std::size_t* offsets() const { return offsets_.data(); }
     /// The offset at which the first text begins.
     void begin(const std::string& text) { offsets_.push_back(text.size()); }
+    void reserve(std::size_t count) { offsets_.reserve(count + 1); }
 
 private:
     std::vector<std::size_t> offsets_;
@@ -41,6 +42,8 @@ public:
     trvfiles_component_table table() const;
 
 private:
+    void reserve(std::size_t count);
+    void reserveText(const std::vector<IndexedAssembly::Node>& nodes);
     void addNumbers(const IndexedAssembly::Node& node);
 
     std::vector<std::size_t> parent_;

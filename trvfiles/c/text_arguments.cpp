@@ -84,6 +84,14 @@ std::string utf8FromNarrow(const std::string& text) {
     return isAscii(text) ? text : toUtf8(fromNarrow(text));
 }
 
+void appendUtf8(std::string& text, const std::string& added) {
+    if (isAscii(added)) {
+        text += added;
+    } else {
+        text += toUtf8(fromNarrow(added));
+    }
+}
+
 std::string utf8FromWide(const std::wstring& text) {
     return toUtf8(fromWide(text));
 }

@@ -38,6 +38,7 @@ std::string_view bytesArgument(const void* bytes, std::size_t length);
 
 /// Complete UTF-8: what is no text becomes U+FFFD.
 std::string utf8FromNarrow(const std::string& text);
+void appendUtf8(std::string& text, const std::string& added);
 std::string utf8FromWide(const std::wstring& text);
 
 }  // namespace trv::c

@@ -979,6 +979,20 @@ TRVFILES_API int32_t trvfiles_assembly_set_components(trvfiles_assembly assembly
 TRVFILES_API int32_t trvfiles_install_root(int32_t publish, trvfiles_texts root,
                                            trvfiles_fault fault);
 
+/**
+ * Sets a variable of the process environment for this library. On Windows each C runtime library
+ * has a copy of the environment: one that the host sets later may be missing in that of this
+ * library.
+ *
+ * @param name   of the variable, without "="
+ * @param value  empty to remove the variable
+ * @param fault  0, or a fault
+ * @return TRVFILES_SUCCESS; TRVFILES_FAILED for a name that no variable can have, or if the system
+ *         refuses; TRVFILES_BAD_TEXT
+ */
+TRVFILES_API int32_t trvfiles_process_variable_set(const char* name, const char* value,
+                                                   trvfiles_fault fault);
+
 /** Variables, "$NAME", and path variables, "?NAME". */
 #define TRVFILES_VARIABLE INT32_C(0)
 #define TRVFILES_PATH_VARIABLE INT32_C(1)

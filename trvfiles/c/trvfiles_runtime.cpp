@@ -12,6 +12,7 @@
 #include <trvfiles/environment/variables.h>
 #include <trvfiles/support/blanks.h>
 #include <trvfiles/support/file_system.h>
+#include <trvfiles/support/platform.h>
 
 #include <utility>
 
@@ -66,6 +67,15 @@ int32_t trvfiles_install_root(int32_t publish, trvfiles_texts root, trvfiles_fau
         if (found == nullptr) return TRVFILES_NOT_FOUND;
         result->texts = {c::utf8FromNarrow(found)};
         return TRVFILES_SUCCESS;
+    });
+}
+
+int32_t trvfiles_process_variable_set(const char* name, const char* value, trvfiles_fault fault) {
+    return c::guardedRuntime(fault, [=](CFileFault*) {
+        const std::string narrow = c::narrowArgument(name);
+        const bool isSet =
+            trv::platform::set_environment(narrow.c_str(), c::narrowArgument(value).c_str());
+        return isSet ? TRVFILES_SUCCESS : TRVFILES_FAILED;
     });
 }
 
