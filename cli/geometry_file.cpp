@@ -155,7 +155,7 @@ QString whyNoFile(const QString& path) {
         case platform::file_kind::other:
             break;
     }
-    return QFileInfo(path).isFile() ? QString() : notRegularText();
+    return QFileInfo(path).isFile() ? QString() : notRegular().reason;
 }
 
 }  // namespace
