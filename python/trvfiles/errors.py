@@ -48,7 +48,7 @@ class Note(NamedTuple):
     """The element or the section that has the subject; may be empty."""
     expected: str
     """The name that the format defines, if the subject differs from it in case only."""
-    count: int
+    occurrences: int
     """How often; 0 for a kind that counts nothing."""
 
 

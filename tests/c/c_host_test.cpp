@@ -15,9 +15,10 @@ TEST(CHost, ReadsAnAssembly) {
 TEST(CHost, StructuresKeepTheirLayout) {
     std::size_t sizes[8] = {};
     ASSERT_EQ(c_host_struct_sizes(sizes, 8), 7U);
-    EXPECT_THAT(sizes, ::testing::ElementsAre(48, 72, 152, 48, 56, 144, 104, 0));
+    EXPECT_THAT(sizes, ::testing::ElementsAre(64, 120, 152, 48, 56, 144, 104, 0));
     EXPECT_EQ(offsetof(trvfiles_fault_values, note_count), 40U);
     EXPECT_EQ(offsetof(trvfiles_note, subject), 24U);
+    EXPECT_EQ(offsetof(trvfiles_note, expected_length), 112U);
     EXPECT_EQ(offsetof(trvfiles_axis, tags), 140U);
     EXPECT_EQ(offsetof(trvfiles_context_numbers, clamping_proximity), 40U);
     EXPECT_EQ(offsetof(trvfiles_placement_table, text_length), 48U);

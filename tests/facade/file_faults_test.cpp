@@ -238,7 +238,7 @@ TEST_F(FileFaults, HaveNotesAfterASuccess) {
           "[header]\nname=n\n");
     expectReports(contextReads(), "f.mctx",
                   success +
-                      "notANumber 4:0 machine.proximity : machine.proximity is not a number: "
+                      "not-a-number 4:0 machine.proximity : machine.proximity is not a number: "
                       "\"1,5\" has a decimal comma, not a point; the number at its beginning "
                       "is read\n");
     write("f.xml",
@@ -246,12 +246,12 @@ TEST_F(FileFaults, HaveNotesAfterASuccess) {
           "</ComponentInfo>");
     expectReports(assemblyReads(), "f.xml",
                   success +
-                      "notAFlag 2:34 a enabled: component \"a\" is disabled: enabled is "
+                      "not-a-flag 2:34 a enabled: component \"a\" is disabled: enabled is "
                       "\"yes\"\n");
     write("f.dat", "0\n2 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n");
     expectReports(axisReads(), "f.dat",
                   success +
-                      "notOrthonormal 2:0  : the axes are not orthonormal: their inverse is "
+                      "not-orthonormal 2:0  : the axes are not orthonormal: their inverse is "
                       "read, which differs from what was written\n");
 }
 

@@ -213,7 +213,7 @@ def test_notes_say_what_was_read_otherwise():
     changed = SMALL.replace(b'<Dimension x="1"', b'<Dimension x="one"')
     note, = Assembly.from_bytes(changed).notes
     assert (note.line, note.attribute) == (2, "x")
-    assert (note.kind, note.value, note.count) == ("not-a-number", "one", 0)
+    assert (note.kind, note.value, note.occurrences) == ("not-a-number", "one", 0)
     assert note.text
 
 
