@@ -5,24 +5,6 @@
 #include <utility>
 
 namespace trv {
-namespace {
-
-void setRow(Math::XForm3Gen<double>& form, int row, const double values[3], double last) {
-    for (int column = 0; column < 3; ++column)
-        form(row, column) = values[column];
-    form(row, 3) = last;
-}
-
-}  // namespace
-
-Math::XForm3Gen<double> placementOf(const ComponentFields& component) {
-    Math::XForm3Gen<double> form;
-    setRow(form, 0, component.vec1, 0);
-    setRow(form, 1, component.vec2, 0);
-    setRow(form, 2, component.vec3, 0);
-    setRow(form, 3, component.translation, 1);
-    return form;
-}
 
 // Iterative and allocation-free: a list of open levels would need memory. Components of a level are
 // freed from the last to the first. Before descending into a component's children, attach the

@@ -4,7 +4,6 @@
 /// The fields of a component of an assembly, and how a tree of any depth is copied and freed.
 
 #include <trvfiles/assembly/CTrvAssemblyNode.h>
-#include <trvfiles/assembly/XForm3Gen.h>
 
 #include <string>
 #include <vector>
@@ -24,9 +23,6 @@ struct ComponentFields {
     double vec3[3] = {0, 0, 1};
     std::string geometryFileName;
 };
-
-/// The placement of a component in the frame of its parent.
-Math::XForm3Gen<double> placementOf(const ComponentFields& component);
 
 /// A component with its children, which are in one block of memory. The library's own walks read
 /// it, because the getters of a component copy.

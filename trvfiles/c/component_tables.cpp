@@ -1,5 +1,6 @@
 #include <trvfiles/assembly/CComponentInfo.h>
 #include <trvfiles/assembly/XForm3Gen.h>
+#include <trvfiles/assembly/flattening.h>
 #include <trvfiles/c/component_tables.h>
 #include <trvfiles/c/refusal.h>
 #include <trvfiles/c/text_arguments.h>

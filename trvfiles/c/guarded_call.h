@@ -22,8 +22,9 @@ using CallBody = std::int32_t (*)(void* body, CFileFault* fault);
 std::int32_t runGuarded(trvfiles_fault fault, bool watches, CallBody run, void* body) noexcept;
 
 /// Runs a callable `std::int32_t body(CFileFault*)`, which gets nullptr if no fault is asked for.
+/// Nothing is thrown, as by runGuarded().
 template <class Body>
-std::int32_t guarded(trvfiles_fault fault, Body body) noexcept {
+std::int32_t guarded(trvfiles_fault fault, Body body) {
     const auto run = [](void* callable, CFileFault* values) {
         return (*static_cast<Body*>(callable))(values);
     };
@@ -32,7 +33,7 @@ std::int32_t guarded(trvfiles_fault fault, Body body) noexcept {
 
 /// The same for a body that uses the runtime.
 template <class Body>
-std::int32_t guardedRuntime(trvfiles_fault fault, Body body) noexcept {
+std::int32_t guardedRuntime(trvfiles_fault fault, Body body) {
     const auto run = [](void* callable, CFileFault* values) {
         return (*static_cast<Body*>(callable))(values);
     };

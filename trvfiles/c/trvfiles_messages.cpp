@@ -98,8 +98,9 @@ int32_t trvfiles_messages_sections(trvfiles_messages messages, trvfiles_texts na
     return c::guardedRuntime(fault, [=](CFileFault*) {
         const auto object = c::objectOf<MessagesObject>(messages);
         const auto result = c::objectOf<c::TextsObject>(names);
-        std::vector<std::string> found;
         const int count = trv::section_count(object->store());
+        std::vector<std::string> found;
+        found.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i)
             found.push_back(c::utf8FromNarrow(trv::section_name(object->store(), i)));
         result->texts = std::move(found);

@@ -10,8 +10,6 @@
 #include <system_error>
 #include <thread>
 
-extern char** environ;
-
 namespace trv::platform {
 namespace {
 
