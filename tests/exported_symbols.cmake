@@ -29,6 +29,7 @@ execute_process(COMMAND ${CXXFILT} INPUT_FILE "${input}"
 
 # The same on every system: how the 64-bit types and FILE are called differs.
 string(REGEX REPLACE "long long" "long" exported "${exported}")
+string(REGEX REPLACE "([0-9])ull" "\\1ul" exported "${exported}")
 string(REGEX REPLACE "_iobuf|_IO_FILE" "FILE" exported "${exported}")
 string(REGEX MATCHALL "[^\n]+" exported "${exported}")
 list(REMOVE_DUPLICATES exported)
