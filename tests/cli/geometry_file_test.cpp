@@ -34,7 +34,7 @@ protected:
 
 TEST_F(Geometry, ABinaryStlFileHasTheSizeThatItsHeaderCounts) {
     EXPECT_EQ(resultOf("a.stl", binaryStl(2, 2)), "stl");
-    EXPECT_EQ(resultOf("a.STL", binaryStl(0, 0)), "stl");
+    EXPECT_EQ(resultOf("b.STL", binaryStl(0, 0)), "stl");
     EXPECT_EQ(resultOf("without-ending", binaryStl(1, 1)), "stl");
     EXPECT_EQ(examineGeometry(path("a.stl")).size, 184U);
 }

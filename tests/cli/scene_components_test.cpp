@@ -167,8 +167,9 @@ TEST_F(SceneComponentsTest, HaveTextsThatCannotEndTheirElement) {
     const std::string out = textOf(data);
     EXPECT_NE(out.find("\"name\":[\"</script>\xF0\x9F\x94\xA9 \\u202e\\u0001xxx"),
               std::string::npos);
-    // On Windows the byte is a character of the code page or U+FFFD, as in every other text.
-    EXPECT_NE(out.find("\"comment\":[\"<!-- \\\"'\\\\ \\n\xEF\xBF\xBD\"]"), std::string::npos);
+    // On Windows the code page says what the last byte is, as in every other text.
+    const std::string last = platform::backslash_separates() ? "" : "\xEF\xBF\xBD\"]";
+    EXPECT_NE(out.find("\"comment\":[\"<!-- \\\"'\\\\ \\n" + last), std::string::npos);
     const QJsonObject written = writtenAs(data);
     EXPECT_EQ(column(written, "components", "name").toArray().at(0).toString().size(),
               9 + 2 + 1 + 1 + 1 + 10000);

@@ -46,7 +46,7 @@ TEST_F(ViewCommand, WritesAPageThatIsNamed) {
     const QString setup = file("setup.xml", setupXml);
     const Answer answer = view({setup, QStringLiteral("-o"), path("a.html")});
     EXPECT_EQ(answer.status, 0);
-    EXPECT_EQ(answer.out, printed("a.html") + "\n");
+    EXPECT_EQ(answer.out, text("a.html") + "\n");
     EXPECT_EQ(view({QStringLiteral("--output"), path("a.html"), setup}).status, 0);
     EXPECT_EQ(names(), (std::vector<std::string>{"a.html", "setup.xml"}));
 }
@@ -75,7 +75,7 @@ TEST_F(ViewCommand, KeepsAFileThatIsNoPage) {
     const Answer answer = view({setup, QStringLiteral("-o"), mine});
     EXPECT_EQ(answer.status, 2);
     EXPECT_EQ(answer.out, "");
-    EXPECT_EQ(answer.err, "trvfiles: " + printed("a.html") +
+    EXPECT_EQ(answer.err, "trvfiles: " + text("a.html") +
                               ": eFileIOOpenError: the file exists and is not a page of this "
                               "command; --force replaces it\n");
     EXPECT_EQ(bytes("a.html"), "mine");
@@ -90,7 +90,7 @@ TEST_F(ViewCommand, RejectsWrongCalls) {
     EXPECT_EQ(refused({}), "trvfiles view: a file name is missing");
     EXPECT_EQ(
         refused({setup, file("b.xml", setupXml)}),
-        "trvfiles view: '" + printed("b.xml") + "' is one assembly too many; --diff compares two");
+        "trvfiles view: '" + text("b.xml") + "' is one assembly too many; --diff compares two");
     EXPECT_EQ(refused({diff, setup}), "trvfiles view: --diff takes two assemblies, not 1");
     EXPECT_EQ(refused({diff, axis}), "trvfiles view: --diff takes two assemblies, not 0");
     EXPECT_EQ(refused({diff, setup, setup, axis, setup}),
