@@ -4,7 +4,6 @@
 #include <fuzz/harness/require.h>
 #include <trvfiles/c/trvfiles.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -27,12 +26,6 @@ protected:
     ~KnownHandles() = default;
     KnownHandles(const KnownHandles&) = delete;
     KnownHandles& operator=(const KnownHandles&) = delete;
-
-    bool isLive(trvfiles_handle handle) const {
-        return std::any_of(known_.begin(), known_.end(), [&](const Known& known) {
-            return known.handle == handle && known.isLive;
-        });
-    }
 
     // A live handle of the kind, or any other number.
     trvfiles_handle pick(Kind kind) {

@@ -64,6 +64,7 @@ private:
         fault_ = input_.number(2) == 0 ? 0 : pick(fault);
         // No fault at all is not a wrong one.
         if (fault_ == 0) isWrong_ = false;
+        isFaultWrong_ = isWrong_;
         checkStatus(call(input_.number(40)));
     }
 
@@ -216,7 +217,8 @@ private:
 
     // Every number of a table can be read.
     std::int32_t checkTables() {
-        isWrong_ = fault_ != 0 && !isLive(fault_);
+        // No assembly is used.
+        isWrong_ = isFaultWrong_;
         const trvfiles_components all = pick(components);
         auto table = structOf<trvfiles_component_table>(input_);
         const std::int32_t status = trvfiles_components_get(all, &table, fault_);
@@ -358,6 +360,7 @@ private:
 
     std::size_t before_;
     trvfiles_fault fault_ = 0;
+    bool isFaultWrong_ = false;
 };
 
 }  // namespace
