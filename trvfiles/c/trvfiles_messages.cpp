@@ -12,6 +12,8 @@
 #include <trvfiles/support/file_fault.h>
 #include <trvfiles/support/platform.h>
 
+#include <algorithm>
+
 namespace c = trv::c;
 
 using c::MessagesObject;
@@ -98,7 +100,8 @@ int32_t trvfiles_messages_sections(trvfiles_messages messages, trvfiles_texts na
     return c::guardedRuntime(fault, [=](CFileFault*) {
         const auto object = c::objectOf<MessagesObject>(messages);
         const auto result = c::objectOf<c::TextsObject>(names);
-        const int count = trv::section_count(object->store());
+        // Below 0 without a store.
+        const int count = std::max(trv::section_count(object->store()), 0);
         std::vector<std::string> found;
         found.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i)
