@@ -59,10 +59,14 @@ ComponentBody ComponentBody::copy() const {
     while (!pending.empty()) {
         const Pending next = pending.back();
         pending.pop_back();
-        next.to->components.reserve(next.from->components.size());
-        for (const ComponentBody& child : next.from->components) {
-            ComponentBody& copied = next.to->components.emplace_back(fieldsOf(child));
-            if (!child.components.empty()) pending.push_back({&child, &copied});
+        const std::vector<ComponentBody>& children = next.from->components;
+        std::vector<ComponentBody>& copies = next.to->components;
+        copies.reserve(children.size());
+        for (const ComponentBody& child : children)
+            copies.emplace_back(fieldsOf(child));
+        // The last one first, so that the copies are in the order in which a walk reads them.
+        for (std::size_t i = children.size(); i-- > 0;) {
+            if (!children[i].components.empty()) pending.push_back({&children[i], &copies[i]});
         }
     }
     return whole;
