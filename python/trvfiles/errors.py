@@ -142,7 +142,7 @@ class UndefinedError(Error, KeyError):
 
 
 class NotFoundError(Error, LookupError):
-    """There is no such file or entry."""
+    """The file or entry does not exist."""
 
 
 class ExpansionError(Error, ValueError):

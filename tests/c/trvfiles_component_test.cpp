@@ -86,7 +86,7 @@ TEST_F(CComponent, IsRefusedIfItsIndexIsTooHigh) {
     for (const std::size_t index : {std::size_t{5}, SIZE_MAX}) {
         EXPECT_EQ(trvfiles_component_get(assembly_, index, &component, fault_),
                   TRVFILES_BAD_ARGUMENT);
-        EXPECT_EQ(fault_.reason(), "there is no such component");
+        EXPECT_EQ(fault_.reason(), "the component does not exist");
         EXPECT_EQ(trvfiles_component_get_text(assembly_, index, 0, text, 0), TRVFILES_BAD_ARGUMENT);
         EXPECT_EQ(trvfiles_component_set_text(assembly_, index, 0, "", 0), TRVFILES_BAD_ARGUMENT);
         EXPECT_EQ(trvfiles_component_set_enabled(assembly_, index, 0, 0), TRVFILES_BAD_ARGUMENT);

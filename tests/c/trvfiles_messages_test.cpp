@@ -61,7 +61,7 @@ TEST_F(CMessages, AreFoundByTheirNames) {
               TRVFILES_NOT_FOUND);
     EXPECT_EQ(trvfiles_messages_find(messages_, "none", "KEY", 0, texts_, fault_),
               TRVFILES_NOT_FOUND);
-    EXPECT_EQ(fault_.reason(), "there is no such section");
+    EXPECT_EQ(fault_.reason(), "the section does not exist");
     EXPECT_EQ(trvfiles_messages_list(messages_, "none", texts_, 0), TRVFILES_NOT_FOUND);
 }
 

@@ -101,7 +101,7 @@ def test_a_file_is_found_in_the_first_directory_that_has_it(env, installation, n
 def test_a_file_that_is_not_found_is_an_error(env):
     with pytest.raises(trvfiles.NotFoundError) as caught:
         env.find("?CFG/none.cfg")
-    assert str(caught.value) == "?CFG/none.cfg: there is no such file, section or entry"
+    assert str(caught.value) == "?CFG/none.cfg: the file, section or entry does not exist"
     with pytest.raises(trvfiles.UndefinedError):
         env.find("?NOBODY/shop.cfg")
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The small objects behind handles, and how a function gets the object of a handle.
+/// The small objects to which handles refer, and how a function gets the object of a handle.
 
 #include <trvfiles/c/handle_table.h>
 #include <trvfiles/c/refusal.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// An assembly behind a handle, with its components by index.
+/// The assembly to which a handle refers, with its components by index.
 
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/assembly/component_body.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// A store of messages behind a handle.
+/// The store of messages to which a handle refers.
 
 #include <trvfiles/c/handle_table.h>
 #include <trvfiles/environment/message_store.h>

@@ -33,10 +33,10 @@ std::wstring wideArgument(const char* text);
 /// The argument as a path that can be opened.
 QString pathArgument(const char* text);
 
-/// Bytes in memory. NULL stands for none, and is refused with another length than 0.
+/// Bytes in memory. NULL means an empty text; its length has to be 0.
 std::string_view bytesArgument(const void* bytes, std::size_t length);
 
-/// Complete UTF-8: what is no text becomes U+FFFD.
+/// Complete UTF-8: what is not text becomes U+FFFD.
 std::string utf8FromNarrow(const std::string& text);
 void appendUtf8(std::string& text, const std::string& added);
 std::string utf8FromWide(const std::wstring& text);

@@ -6,11 +6,11 @@
  * @file
  * The C interface of trvfiles: for hosts in C, and for every language and compiler that calls C.
  *
- * Handles. An object of the library is a number, its handle. 0 is no object. A number is never used
- * again: a function recognises a handle that was released, that belongs to another type of object
- * or that never existed, and returns TRVFILES_BAD_HANDLE. It reads no freed memory for that. Each
- * call takes one lock and one lookup in a table for each handle. What a function creates belongs to
- * the caller until trvfiles_release().
+ * Handles. An object of the library is a number, its handle. 0 is not an object. A number is never
+ * used again: a function recognises a handle that was released, that belongs to another type of
+ * object or that never existed, and returns TRVFILES_BAD_HANDLE. It reads no freed memory for that.
+ * Each call takes one lock and one lookup in a table for each handle. What a function creates
+ * belongs to the caller until trvfiles_release().
  *
  * Statuses. Each function that can fail returns a status, TRVFILES_SUCCESS or another constant
  * below. Unless a function says otherwise, a call that does not succeed leaves its results as they
@@ -27,7 +27,7 @@
  * before the call ends, is at most TRVFILES_MAX_TEXT_LENGTH bytes long, and may be NULL only if its
  * comment says so. Bytes that are not UTF-8 are TRVFILES_BAD_TEXT. So is a character which the code
  * page of a Windows program lacks, in a text of a component or of the runtime; with UTF-8 in its
- * manifest a program has all characters. Results are complete UTF-8: bytes of a file that are no
+ * manifest a program has all characters. Results are complete UTF-8: bytes of a file that are not
  * text are U+FFFD.
  *
  * Paths are used as they are given, relative ones in the current directory. On Linux each "\" acts
@@ -93,7 +93,7 @@ extern "C" {
 #define TRVFILES_FAILED INT32_C(105)
 /** An exception that the library does not expect, such as one of a C++ host's handler. */
 #define TRVFILES_INTERNAL_ERROR INT32_C(106)
-/** There is no such file, section or entry. */
+/** The file, section or entry does not exist. */
 #define TRVFILES_NOT_FOUND INT32_C(-21)
 /** A name in brackets has no closing bracket. */
 #define TRVFILES_SYNTAX_ERROR INT32_C(-31)
@@ -139,7 +139,7 @@ TRVFILES_API const char* trvfiles_version_text(void);
 /**
  * What a status means: one line of English, valid as long as the library is loaded. Threads: any.
  *
- * @param status  any number; one that is no status has a text of its own
+ * @param status  any number; another one has a text of its own
  */
 TRVFILES_API const char* trvfiles_status_text(int32_t status);
 
@@ -248,14 +248,14 @@ TRVFILES_API int32_t trvfiles_fault_get_note(trvfiles_fault fault, size_t index,
 /**
  * The name of a kind of note, as in "not-a-number": the same in all versions. Threads: any.
  *
- * @param kind  any number; one that is no kind gives an empty text
+ * @param kind  any number; another one gives an empty text
  */
 TRVFILES_API const char* trvfiles_note_kind_name(int32_t kind);
 
 /**
  * The name of a cause, as in "not-well-formed": the same in all versions. Threads: any.
  *
- * @param cause  any number; 0, and one that is no cause, give an empty text
+ * @param cause  any number; 0 and a number without a cause give an empty text
  */
 TRVFILES_API const char* trvfiles_fault_cause_name(int32_t cause);
 

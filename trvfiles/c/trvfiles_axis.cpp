@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::int32_t maxTags = 3;
 
-// A resource of Qt is no axis file. The system would take ":/x" for a path in the current
+// A resource of Qt is not an axis file. The system would take ":/x" for a path in the current
 // directory.
 QString axisPath(const char* path) {
     const QString text = c::pathArgument(path);

@@ -38,13 +38,13 @@ constexpr bool trv::ComponentDifference::*differenceBits[] = {
 
 std::string& textField(ComponentFields& fields, std::int32_t number) {
     c::require(number >= 0 && static_cast<std::size_t>(number) < std::size(textFields),
-               "there is no such text of a component");
+               "the number is not that of a text of a component");
     return fields.*textFields[number];
 }
 
 const IndexedAssembly::Node& nodeAt(IndexedAssembly& assembly, std::size_t index) {
     const std::vector<IndexedAssembly::Node>& nodes = assembly.nodes();
-    c::require(index < nodes.size(), "there is no such component");
+    c::require(index < nodes.size(), "the component does not exist");
     return nodes[index];
 }
 

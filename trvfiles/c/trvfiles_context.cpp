@@ -33,7 +33,7 @@ constexpr TextField fields[] = {
 
 const TextField& fieldOf(std::int32_t number) {
     c::require(number >= 0 && static_cast<std::size_t>(number) < std::size(fields),
-               "there is no such text of a machine context");
+               "the number is not that of a text of a machine context");
     return fields[number];
 }
 

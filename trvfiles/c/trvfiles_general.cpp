@@ -30,7 +30,7 @@ constexpr StatusText statusTexts[] = {
     {TRVFILES_FATAL_REPORT, "the runtime reported a fatal error"},
     {TRVFILES_FAILED, "the operation failed"},
     {TRVFILES_INTERNAL_ERROR, "an unexpected exception"},
-    {TRVFILES_NOT_FOUND, "there is no such file, section or entry"},
+    {TRVFILES_NOT_FOUND, "the file, section or entry does not exist"},
     {TRVFILES_SYNTAX_ERROR, "a name in brackets has no closing bracket"},
     {TRVFILES_BUFFER_TOO_SMALL, "a path is too long for a search"},
     {TRVFILES_NAME_TOO_LONG, "the expansion has no end, or a text is too long for a search"},
@@ -119,7 +119,7 @@ int32_t trvfiles_fault_get(trvfiles_fault fault, trvfiles_fault_values* values) 
 int32_t trvfiles_fault_get_note(trvfiles_fault fault, size_t index, trvfiles_note* note) {
     return c::guarded(0, [=](CFileFault*) {
         const auto object = c::objectOf<c::FaultObject>(fault);
-        c::require(index < object->values.notes.size(), "there is no such note");
+        c::require(index < object->values.notes.size(), "the note does not exist");
         c::fill(note, noteOf(object->values.notes[index]));
         return TRVFILES_SUCCESS;
     });
@@ -154,7 +154,7 @@ int32_t trvfiles_texts_get(trvfiles_texts texts, size_t index, const char** text
     return c::guarded(fault, [=](CFileFault*) {
         const auto object = c::objectOf<c::TextsObject>(texts);
         c::require(text);
-        c::require(index < object->texts.size(), "there is no such text");
+        c::require(index < object->texts.size(), "the text does not exist");
         const std::string& found = object->texts[index];
         *text = found.c_str();
         if (length != nullptr) *length = found.size();

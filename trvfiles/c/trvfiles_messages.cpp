@@ -23,7 +23,7 @@ namespace {
 // A section of a store, or a Refusal.
 const trv::store_section& sectionOf(const trv::message_store* store, const char* name) {
     const int index = trv::find_section(store, c::narrowArgument(name).c_str());
-    if (index < 0) throw c::Refusal{TRVFILES_NOT_FOUND, "there is no such section"};
+    if (index < 0) throw c::Refusal{TRVFILES_NOT_FOUND, "the section does not exist"};
     return store->sections[static_cast<std::size_t>(index)];
 }
 
@@ -51,7 +51,7 @@ std::int32_t statusOfSave(int code, CFileFault* fault) {
 }
 
 void requireStore(std::int32_t store, std::int32_t first) {
-    c::require(store >= first && store <= TRVFILES_STORE_CATALOGUE, "there is no such store");
+    c::require(store >= first && store <= TRVFILES_STORE_CATALOGUE, "the store does not exist");
 }
 
 }  // namespace

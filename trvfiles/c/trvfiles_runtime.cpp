@@ -32,7 +32,7 @@ std::int32_t statusOfExpansion(int code) {
 
 bool isPathKind(std::int32_t kind) {
     c::require(kind == TRVFILES_VARIABLE || kind == TRVFILES_PATH_VARIABLE,
-               "there is no such kind of variables");
+               "the kind of variables does not exist");
     return kind == TRVFILES_PATH_VARIABLE;
 }
 
@@ -154,7 +154,7 @@ int32_t trvfiles_channel_set(int32_t channel, trvfiles_message_handler handler, 
                              trvfiles_fault fault) {
     return c::guarded(fault, [=](CFileFault*) {
         c::require(channel >= TRVFILES_CHANNEL_ERROR && channel <= TRVFILES_CHANNEL_TRACE,
-                   "there is no such channel");
+                   "the channel does not exist");
         c::setChannelHandler(channel, {handler, context});
         return TRVFILES_SUCCESS;
     });

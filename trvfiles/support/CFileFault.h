@@ -163,12 +163,12 @@ struct CFileFault {
 ///
 /// Threads: any.
 ///
-/// @return a constant text; "" for a number that is no kind
+/// @return a constant text; "" for a number without a kind
 TRV_EXPORT const char* fileNoteKindName(CFileFault::Note::Kind kind);
 
 /// The name of a cause, as in "not-well-formed", which stays the same like that of a kind of note.
 ///
 /// Threads: any.
 ///
-/// @return a constant text; "" for `none` and for a number that is no cause
+/// @return a constant text; "" for `none` and for a number without a cause
 TRV_EXPORT const char* fileFaultCauseName(CFileFault::Cause cause);

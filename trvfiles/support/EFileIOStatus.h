@@ -27,6 +27,6 @@ enum EFileIOStatus : std::int32_t {
 ///
 /// Threads: any.
 ///
-/// @param status  any number; one that is no status has a text of its own
+/// @param status  any number; another one has a text of its own
 /// @return a constant text, never nullptr
 TRV_EXPORT const char* fileIOStatusText(EFileIOStatus status);
