@@ -1,6 +1,6 @@
-#include <cli/assembly_walk.h>
 #include <cli/input_files.h>
 #include <cli/scene_components.h>
+#include <trvfiles/assembly/flattening.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,51 +12,12 @@ namespace trv::cli {
 namespace {
 
 // Adds the images of the axes, and the translation.
-void addPlacement(JsonWriter& json, const double vec1[3], const double vec2[3],
-                  const double vec3[3], const double translation[3]) {
+void addPlacement(JsonWriter& json, const Math::XForm3Gen<double>& placement) {
     double numbers[12];
     double* to = numbers;
-    for (const double* const vector : {vec1, vec2, vec3, translation})
-        to = std::copy_n(vector, 3, to);
+    for (int row = 0; row < 4; ++row)
+        to = std::copy_n(placement.data() + std::ptrdiff_t{4} * row, 3, to);
     json.addBase64(numbers, 12);
-}
-
-void addPlacement(JsonWriter& json, const CComponentInfo& entry) {
-    const double* translation = nullptr;
-    const double* axes[3] = {};
-    entry.getTranslation(translation);
-    entry.getOrientation(axes[0], axes[1], axes[2]);
-    addPlacement(json, axes[0], axes[1], axes[2], translation);
-}
-
-void copyPlacement(const ComponentFields& from, ComponentFields& to) {
-    std::copy_n(from.translation, 3, to.translation);
-    std::copy_n(from.vec1, 3, to.vec1);
-    std::copy_n(from.vec2, 3, to.vec2);
-    std::copy_n(from.vec3, 3, to.vec3);
-}
-
-// A tree with the same placements in which each component is enabled and has a file: its flattened
-// list has an entry for each component. Iterative: the tree may be deeper than the stack.
-CTrvAssemblyData placementsAlone(const CTrvAssemblyData& assembly) {
-    struct Pair {
-        const ComponentBody* from;
-        ComponentBody* to;
-    };
-    CTrvAssemblyData result;
-    std::vector<Pair> pending = {{&ComponentBody::of(assembly.getRootComponent()),
-                                  &ComponentBody::editable(result.getRootComponent())}};
-    while (!pending.empty()) {
-        const Pair pair = pending.back();
-        pending.pop_back();
-        copyPlacement(*pair.from, *pair.to);
-        pair.to->geometryFileName = "any";
-        const std::size_t count = pair.from->components.size();
-        pair.to->components = std::vector<ComponentBody>(count);
-        for (std::size_t i = 0; i < count; ++i)
-            pending.push_back({&pair.from->components[i], &pair.to->components[i]});
-    }
-    return result;
 }
 
 // A file without an overall size has zeros.
@@ -84,15 +45,19 @@ void SceneComponents::addComponents(const ReferenceDirectory& directory, SceneFi
     };
     // The indices of the current component and of those above it.
     std::vector<int> ancestors;
-    forEachComponent(assembly_, [&](const ComponentBody& body, std::size_t level) {
-        ancestors.resize(level);
+    const auto visit = [&](const PlacedComponent& placed) {
+        const ComponentBody& body = placed.component;
+        ancestors.resize(placed.level);
         const int parent = ancestors.empty() ? -1 : ancestors.back();
         const bool isParentShown =
             parent < 0 || components_[static_cast<std::size_t>(parent)].isShown;
         ancestors.push_back(static_cast<int>(components_.size()));
-        components_.push_back(
-            {&body, parent, fileOf(body.geometryFileName), isParentShown && body.enabled});
-    });
+        components_.push_back({&body, placed.world, parent, fileOf(body.geometryFileName),
+                               isParentShown && body.enabled});
+        return true;
+    };
+    visitPlacements(ComponentBody::of(assembly_.getRootComponent()), Math::XForm3Gen<double>(),
+                    visit);
 }
 
 void SceneComponents::write(JsonWriter& json) const {
@@ -105,16 +70,14 @@ void SceneComponents::write(JsonWriter& json) const {
     } else {
         json.addNull("dimension");
     }
-    const std::vector<CComponentInfo> all = placementsAlone(assembly_).getComponentFileList();
-    writeComponents(all, json);
+    writeComponents(json);
     writePlacements(
-        "placements", all, [](const Component& component) { return component.isShown; }, json);
+        "placements", [](const Component& component) { return component.isShown; }, json);
     writePlacements(
-        "ghosts", all, [](const Component& component) { return !component.isShown; }, json);
+        "ghosts", [](const Component& component) { return !component.isShown; }, json);
 }
 
-void SceneComponents::writeComponents(const std::vector<CComponentInfo>& all,
-                                      JsonWriter& json) const {
+void SceneComponents::writeComponents(JsonWriter& json) const {
     const auto writeIntegers = [&](const char* key, int (*valueOf)(const Component&)) {
         json.beginArray(key);
         for (const Component& component : components_)
@@ -135,20 +98,18 @@ void SceneComponents::writeComponents(const std::vector<CComponentInfo>& all,
     writeIntegers("enabled",
                   [](const Component& component) { return component.body->enabled ? 1 : 0; });
     json.beginBase64("local");
-    for (const Component& component : components_) {
-        const ComponentBody& body = *component.body;
-        addPlacement(json, body.vec1, body.vec2, body.vec3, body.translation);
-    }
+    for (const Component& component : components_)
+        addPlacement(json, placementOf(*component.body));
     json.endBase64();
     json.beginBase64("world");
-    for (const CComponentInfo& entry : all)
-        addPlacement(json, entry);
+    for (const Component& component : components_)
+        addPlacement(json, component.world);
     json.endBase64();
     json.endObject();
 }
 
-void SceneComponents::writePlacements(const char* key, const std::vector<CComponentInfo>& all,
-                                      Selection isSelected, JsonWriter& json) const {
+void SceneComponents::writePlacements(const char* key, Selection isSelected,
+                                      JsonWriter& json) const {
     std::vector<std::size_t> selected;
     for (std::size_t i = 0; i < components_.size(); ++i) {
         if (components_[i].file >= 0 && isSelected(components_[i])) selected.push_back(i);
@@ -164,7 +125,7 @@ void SceneComponents::writePlacements(const char* key, const std::vector<CCompon
     json.endArray();
     json.beginBase64("matrix");
     for (const std::size_t i : selected)
-        addPlacement(json, all[i]);
+        addPlacement(json, components_[i].world);
     json.endBase64();
     json.endObject();
 }

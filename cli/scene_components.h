@@ -9,6 +9,7 @@
 #include <cli/scene_files.h>
 #include <cli/text_output.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
+#include <trvfiles/assembly/XForm3Gen.h>
 #include <trvfiles/assembly/component_body.h>
 
 #include <QString>
@@ -34,6 +35,7 @@ public:
 private:
     struct Component {
         const ComponentBody* body;
+        Math::XForm3Gen<double> world;
         /// -1 for the root.
         int parent;
         /// -1 if it has no geometry file.
@@ -44,12 +46,9 @@ private:
     using Selection = bool (*)(const Component& component);
 
     void addComponents(const ReferenceDirectory& directory, SceneFiles& files);
-    void writeComponents(const std::vector<CComponentInfo>& all, JsonWriter& json) const;
+    void writeComponents(JsonWriter& json) const;
     /// Writes the columns of the components with a file that are selected.
-    ///
-    /// @param all  the placements of all components
-    void writePlacements(const char* key, const std::vector<CComponentInfo>& all,
-                         Selection isSelected, JsonWriter& json) const;
+    void writePlacements(const char* key, Selection isSelected, JsonWriter& json) const;
 
     QString name_;
     const CTrvAssemblyData& assembly_;

@@ -229,3 +229,17 @@ TEST(FlatteningVisitor, PassesOnAnExceptionOfTheVisit) {
                  std::runtime_error);
     EXPECT_EQ(visits, 2);
 }
+
+TEST(PlacementVisitor, VisitsDisabledComponentsAndEntersWhereItIsTold) {
+    const Component open = disabled(moved(2, 0, 0, group("open", {leaf("a", "a.stl")})));
+    const Component closed = group("closed", {leaf("b", "b.stl")});
+    const Component root = moved(10, 0, 0, group("top", {open, closed}));
+    std::vector<std::string> names;
+    const auto visit = [&names](const trv::PlacedComponent& placed) {
+        names.push_back(placed.component.name + ' ' + std::to_string(placed.world(3, 0)));
+        return placed.component.name != "closed";
+    };
+    trv::visitPlacements(trv::ComponentBody::of(root), Placement(), visit);
+    EXPECT_EQ(names, (std::vector<std::string>{"top 10.000000", "open 12.000000", "a 12.000000",
+                                               "closed 10.000000"}));
+}

@@ -39,17 +39,17 @@ struct PlacedComponent {
     std::size_t index;
 };
 
-/// Calls `visit(PlacedComponent)` for each component that is enabled and below no disabled one,
-/// before its children: the entries of the flattened list in their order, and the components
-/// between them. Keeps one placement for each level, so that a list needs no memory of its own.
+/// Calls `visit(PlacedComponent)` for each component before its children, disabled ones included.
+/// It returns whether the children are visited. Keeps one placement for each level.
 ///
 /// Iterative: the tree may be deeper than the stack.
 ///
-/// @param root    the component where flattening begins
+/// @param root    the component where the walk begins
 /// @param parent  the placement of its parent in the world
 /// @param visit   may throw
 template <class Visit>
-void flatten(const ComponentBody& root, const Math::XForm3Gen<double>& parent, Visit visit) {
+void visitPlacements(const ComponentBody& root, const Math::XForm3Gen<double>& parent,
+                     Visit visit) {
     struct Level {
         const std::vector<ComponentBody>* children;
         std::size_t next;
@@ -59,10 +59,11 @@ void flatten(const ComponentBody& root, const Math::XForm3Gen<double>& parent, V
     // `outer` is a copy: adding a level may move the others.
     const auto enter = [&](const ComponentBody& component, Math::XForm3Gen<double> outer,
                            std::size_t index) {
-        if (!component.enabled) return;
         const Math::XForm3Gen<double> world = placementOf(component) * outer;
-        visit(PlacedComponent{component, world, levels.size(), index});
-        if (!component.components.empty()) levels.push_back({&component.components, 0, world});
+        const bool isEntered = visit(PlacedComponent{component, world, levels.size(), index});
+        if (isEntered && !component.components.empty()) {
+            levels.push_back({&component.components, 0, world});
+        }
     };
     enter(root, parent, 0);
     while (!levels.empty()) {
@@ -74,6 +75,21 @@ void flatten(const ComponentBody& root, const Math::XForm3Gen<double>& parent, V
         const std::size_t index = level.next++;
         enter((*level.children)[index], level.world, index);
     }
+}
+
+/// Calls `visit(PlacedComponent)` for each component that is enabled and below no disabled one,
+/// before its children: the entries of the flattened list in their order, and the components
+/// between them. The list needs no memory of its own.
+///
+/// @param root    the component where flattening begins
+/// @param parent  the placement of its parent in the world
+/// @param visit   may throw
+template <class Visit>
+void flatten(const ComponentBody& root, const Math::XForm3Gen<double>& parent, Visit visit) {
+    visitPlacements(root, parent, [&visit](const PlacedComponent& placed) {
+        if (placed.component.enabled) visit(placed);
+        return placed.component.enabled;
+    });
 }
 
 }  // namespace trv

@@ -72,6 +72,10 @@ ComponentTable::ComponentTable(const std::vector<Node>& nodes) {
     reserveText(nodes);
     for (const Node& node : nodes)
         addNumbers(node);
+    visitPlacements(*nodes.front().body, Transform(), [this](const PlacedComponent& placed) {
+        world_.push_back(placementFrom(placed.world));
+        return true;
+    });
     name_.begin(text_);
     for (const Node& node : nodes)
         name_.add(text_, node.body->name);
@@ -106,14 +110,11 @@ void ComponentTable::reserveText(const std::vector<Node>& nodes) {
 
 void ComponentTable::addNumbers(const Node& node) {
     const ComponentBody& body = *node.body;
-    const bool isRoot = node.parent == TRVFILES_NO_INDEX;
-    const Transform outer = isRoot ? Transform() : transformOf(world_[node.parent]);
     parent_.push_back(node.parent);
     subtreeSize_.push_back(node.subtreeSize);
     enabled_.push_back(body.enabled ? 1 : 0);
     translation_.push_back({body.translation[0], body.translation[1], body.translation[2]});
     orientation_.push_back(orientationOf(body));
-    world_.push_back(placementFrom(placementOf(body) * outer));
 }
 
 trvfiles_component_table ComponentTable::table() const {

@@ -36,7 +36,7 @@ class ComponentTable {
 public:
     static constexpr HandleType type = HandleType::components;
 
-    /// REQUIRES: the components of one assembly in document order.
+    /// REQUIRES: all components of one assembly in document order.
     explicit ComponentTable(const std::vector<IndexedAssembly::Node>& nodes);
 
     trvfiles_component_table table() const;
