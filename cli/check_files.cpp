@@ -24,12 +24,12 @@ struct Content {
     References references;
 };
 
-Content readContent(FileReport& report, const CheckOptions& options) {
+Content readContent(const LoadedFile& file, FileReport& report, const CheckOptions& options) {
     Content content;
     switch (report.kind) {
         case FileKind::assembly: {
             CTrvAssemblyData assembly;
-            content.problem = readAssembly(report.name, assembly, &content.notes);
+            content.problem = readAssembly(file, assembly, &content.notes);
             if (content.problem) break;
             report.summary = assemblySummary(assembly);
             if (options.checksReferences)
@@ -38,13 +38,13 @@ Content readContent(FileReport& report, const CheckOptions& options) {
         }
         case FileKind::axis: {
             AxisFile axis;
-            content.problem = readAxis(report.name, axis, &content.notes);
+            content.problem = readAxis(file, axis, &content.notes);
             if (!content.problem) report.summary = axisSummary(axis);
             break;
         }
         case FileKind::machineContext: {
             ContextFile context;
-            content.problem = readContext(report.name, context, &content.notes);
+            content.problem = readContext(file, context, &content.notes);
             if (content.problem) break;
             report.summary = contextSummary(context);
             if (options.checksReferences)
@@ -52,6 +52,7 @@ Content readContent(FileReport& report, const CheckOptions& options) {
             break;
         }
         case FileKind::unknown:
+            content.problem = noKind(file);
             break;
     }
     return content;
@@ -139,8 +140,10 @@ QJsonValue kindJson(FileKind kind) {
 FileReport checkFile(const QString& name, const CheckOptions& options) {
     FileReport report;
     report.name = name;
-    if (const Problem noKind = findKind(name, report.kind)) return unreadable(name, noKind);
-    const Content content = readContent(report, options);
+    LoadedFile file;
+    if (const Problem problem = load(name, file)) return unreadable(name, problem);
+    report.kind = file.kind();
+    const Content content = readContent(file, report, options);
     report.status = content.problem.status;
     addDiagnostics(report, content, options);
     sortByPlace(report.diagnostics);

@@ -25,12 +25,6 @@
 namespace trv::cli {
 namespace {
 
-// One call of the system, for most files the only one.
-bool isRegular(const QString& path) {
-    std::error_code error;
-    return isOpenable(path) && std::filesystem::is_regular_file(systemPath(path), error);
-}
-
 bool isPipeOrDevice(const QString& path) {
     const QFileInfo info(path);
     return info.exists() && !info.isFile() && !info.isDir();
@@ -49,10 +43,9 @@ Problem pathOfCopy(const StreamCopy& copy, QString& path) {
 }
 
 // A reader of one kind says of another kind only what it misses.
-Problem explained(Problem problem, const QString& name, FileKind expected) {
+Problem explained(Problem problem, const LoadedFile& file, FileKind expected) {
     if (problem.status == eFileIOOpenError) return problem;
-    FileKind kind = FileKind::unknown;
-    findKind(name, kind);
+    const FileKind kind = file.kind();
     if (kind == FileKind::unknown || kind == expected) return problem;
     return {eFileIOContentError, otherKindText(kind), 0, 0, QStringLiteral("other-kind")};
 }
@@ -165,52 +158,62 @@ QString resolved(const QString& name) {
 Problem readablePath(const QString& name, QString& path) {
     if (isStandardInput(name)) return pathOfCopy(copyOfStandardInput(), path);
     path = resolved(name);
-    if (isRegular(path)) return {};
+    if (isRegularFile(path)) return {};
     if (isPipe(path)) return pathOfCopy(copyOfPipe(path), path);
     return isPipeOrDevice(path) ? notRegular() : Problem();
 }
 
+Problem noKind(const LoadedFile& file) {
+    if (file.readError != 0) return systemProblem(eFileIOContentError, file.readError);
+    if (file.beginning.empty()) {
+        return {eFileIOContentError, QStringLiteral("the file is empty"), 0, 0,
+                QStringLiteral("file-empty")};
+    }
+    return {eFileIOContentError,
+            QStringLiteral("neither an assembly, nor an axis file, nor a machine context"), 0, 0,
+            QStringLiteral("kind-unknown")};
+}
+
 Problem findKind(const QString& name, FileKind& kind) {
     kind = FileKind::unknown;
-    QString path;
-    if (Problem problem = readablePath(name, path)) return problem;
-    CFileFault fault;
-    const platform::file_handle file = openForRead(path, platform::file_mode::text, &fault);
-    if (file == nullptr) return problemOf(eFileIOOpenError, fault);
-    kind = kindOf(file.get());
-    if (kind == FileKind::unknown) {
-        return isEmpty(file.get())
-                   ? Problem{eFileIOContentError, QStringLiteral("the file is empty"), 0, 0,
-                             QStringLiteral("file-empty")}
-                   : Problem{eFileIOContentError,
-                             QStringLiteral("neither an assembly, nor an axis file, nor a machine "
-                                            "context"),
-                             0, 0, QStringLiteral("kind-unknown")};
-    }
-    return {};
+    LoadedFile file;
+    if (Problem problem = load(name, file)) return problem;
+    kind = file.kind();
+    return kind == FileKind::unknown ? noKind(file) : Problem();
 }
 
 Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes) {
-    QString path;
-    if (Problem problem = readablePath(name, path)) return problem;
+    LoadedFile file;
+    if (Problem problem = load(name, file)) return problem;
+    return readAssembly(file, data, notes);
+}
+
+Problem readAssembly(const LoadedFile& file, CTrvAssemblyData& data, Notes* notes) {
     setInvalidDataPolicy();
     CFileFault fault;
-    const EFileIOStatus status = CTrvAssemblyIO(path).read(data, &fault);
+    const EFileIOStatus status = file.isWhole
+                                     ? CTrvAssemblyIO::readBytes(file.beginning, data, &fault)
+                                     : CTrvAssemblyIO(file.path).read(data, &fault);
     moveNotes(fault, notes);
     if (status == eFileIOSuccess) return {};
-    Problem problem = explained(problemOf(status, fault), name, FileKind::assembly);
-    nameUnclosedTag(name, problem);
+    Problem problem = explained(problemOf(status, fault), file, FileKind::assembly);
+    nameUnclosedTag(file.name, problem);
     return problem;
 }
 
 Problem readAxis(const QString& name, AxisFile& axis, Notes* notes) {
-    QString path;
-    if (Problem problem = readablePath(name, path)) return problem;
+    LoadedFile file;
+    if (Problem problem = load(name, file)) return problem;
+    return readAxis(file, axis, notes);
+}
+
+Problem readAxis(const LoadedFile& file, AxisFile& axis, Notes* notes) {
     AxisContent content;
     CFileFault fault;
-    const EFileIOStatus status = readAxisFile(path, content, &fault);
+    const EFileIOStatus status = file.isWholeText() ? readAxisBytes(file.beginning, content, &fault)
+                                                    : readAxisFile(file.path, content, &fault);
     moveNotes(fault, notes);
-    if (status != eFileIOSuccess) return explained(problemOf(status, fault), name, FileKind::axis);
+    if (status != eFileIOSuccess) return explained(problemOf(status, fault), file, FileKind::axis);
     axis.matrix = content.matrix;
     std::copy_n(content.tags.begin(), content.tagCount, axis.tags.begin());
     return {};
@@ -224,10 +227,16 @@ Problem writeAxis(const QString& name, const AxisFile& axis, file_replacement* h
 }
 
 Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
-    QString path;
-    if (Problem problem = readablePath(name, path)) return problem;
+    LoadedFile file;
+    if (Problem problem = load(name, file)) return problem;
+    return readContext(file, context, notes);
+}
+
+Problem readContext(const LoadedFile& file, ContextFile& context, Notes* notes) {
     CFileFault fault;
-    const EFileIOStatus status = CMachineContextIO(path).read(context.data, &fault);
+    const EFileIOStatus status =
+        file.isWholeText() ? CMachineContextIO::readText(file.beginning, context.data, &fault)
+                           : CMachineContextIO(file.path).read(context.data, &fault);
     int withoutHeader = 0;
     for (const CFileFault::Note& note : fault.notes) {
         if (note.kind != CFileFault::Note::Kind::missingSection) continue;
@@ -237,7 +246,7 @@ Problem readContext(const QString& name, ContextFile& context, Notes* notes) {
     // A text without any section is read as a context that has its defaults.
     constexpr int alwaysWritten = 4;
     if (withoutHeader == alwaysWritten) {
-        if (Problem problem = explained({}, name, FileKind::machineContext)) return problem;
+        if (Problem problem = explained({}, file, FileKind::machineContext)) return problem;
     }
     moveNotes(fault, notes);
     return problemOf(status, fault);

@@ -9,6 +9,7 @@
 
 #include <cli/command.h>
 #include <cli/file_kind.h>
+#include <cli/loaded_file.h>
 #include <trvfiles/assembly/CTrvAssemblyData.h>
 #include <trvfiles/axis/axis_file.h>
 #include <trvfiles/environment/file_replacement.h>
@@ -93,6 +94,9 @@ Problem readablePath(const QString& name, QString& path);
 /// @param kind  FileKind::unknown if there is a problem
 Problem findKind(const QString& name, FileKind& kind);
 
+/// The problem of a file that is no project file.
+Problem noKind(const LoadedFile& file);
+
 using Notes = std::vector<CFileFault::Note>;
 
 // If the content is that of another kind, the reason names the kind and a command for it. `notes`
@@ -100,6 +104,7 @@ using Notes = std::vector<CFileFault::Note>;
 
 /// Reads an assembly.
 Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes = nullptr);
+Problem readAssembly(const LoadedFile& file, CTrvAssemblyData& data, Notes* notes = nullptr);
 
 struct AxisFile {
     AxisMatrix matrix = {};
@@ -108,6 +113,7 @@ struct AxisFile {
 };
 
 Problem readAxis(const QString& name, AxisFile& axis, Notes* notes = nullptr);
+Problem readAxis(const LoadedFile& file, AxisFile& axis, Notes* notes = nullptr);
 
 /// Writes an axis file. The old file is whole until the new one takes its place.
 ///
@@ -122,6 +128,7 @@ struct ContextFile {
 
 /// Reads a machine context. A field that the file does not have keeps its default.
 Problem readContext(const QString& name, ContextFile& context, Notes* notes = nullptr);
+Problem readContext(const LoadedFile& file, ContextFile& context, Notes* notes = nullptr);
 
 /// Writes a machine context. The old file is whole until the new one takes its place. A temporary
 /// file that cannot be opened is also reported through the fatal channel.

@@ -36,9 +36,10 @@ public:
     }
 
     void takeAll() {
-        for (std::size_t item = 0; item < work_.count; ++item) {
-            waitFor(item);
-            work_.take(item);
+        for (std::size_t taken = 0; taken < work_.count;) {
+            const std::size_t ready = waitForMore(taken);
+            for (; taken < ready; ++taken)
+                work_.take(taken);
         }
     }
 
@@ -51,29 +52,44 @@ private:
             } catch (...) {
                 thrown = std::current_exception();
             }
-            const std::lock_guard<std::mutex> lock(mutex_);
-            if (thrown != nullptr && thrown_ == nullptr) thrown_ = thrown;
-            isDone_[item] = true;
-            ++done_;
-            changed_.notify_one();
-            if (thrown != nullptr) return;
+            if (!finish(item, thrown)) return;
         }
     }
 
-    void waitFor(std::size_t item) {
-        constexpr std::chrono::milliseconds interval{100};
+    // Takes the result of an item. The caller's thread is woken at the end only: waking it for each
+    // item would cost more than a small file takes.
+    //
+    // @return whether the thread works on
+    bool finish(std::size_t item, const std::exception_ptr& thrown) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (thrown != nullptr && thrown_ == nullptr) thrown_ = thrown;
+        isDone_[item] = true;
+        ++done_;
+        if (isOver()) changed_.notify_one();
+        return thrown == nullptr;
+    }
+
+    // The mutex is held.
+    bool isOver() const { return done_ == work_.count || thrown_ != nullptr; }
+
+    // Waits until the first item that is not taken is done.
+    //
+    // @return the number of items from the first one that are done
+    std::size_t waitForMore(std::size_t taken) {
+        constexpr std::chrono::milliseconds interval{5};
         for (;;) {
+            std::size_t ready = taken;
             std::size_t done = 0;
-            bool isReady = false;
             {
                 std::unique_lock<std::mutex> lock(mutex_);
-                const auto hasNews = [&] { return isDone_[item] || thrown_ != nullptr; };
-                isReady = changed_.wait_for(lock, interval, hasNews);
+                if (!isDone_[taken]) changed_.wait_for(lock, interval, [&] { return isOver(); });
                 if (thrown_ != nullptr) std::rethrow_exception(thrown_);
+                while (ready < work_.count && isDone_[ready])
+                    ++ready;
                 done = done_;
             }
             work_.wait(done);
-            if (isReady) return;
+            if (ready > taken) return ready;
         }
     }
 

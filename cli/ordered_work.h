@@ -15,7 +15,8 @@ struct OrderedWork {
     std::function<void(std::size_t item)> work;
     /// Called for each item after its work, in the thread of the caller, in the order of the items.
     std::function<void(std::size_t item)> take;
-    /// Called in the thread of the caller while it waits and between items.
+    /// Called in the thread of the caller while it waits, and before it takes the items that are
+    /// done.
     std::function<void(std::size_t done)> wait;
 };
 

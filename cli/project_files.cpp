@@ -22,19 +22,30 @@ bool isHidden(const QString& name) {
     return name.startsWith(QLatin1Char('.'));
 }
 
-QStringList filesIn(const std::filesystem::path& directory, QString& error) {
-    QStringList names;
+struct Listing {
+    QStringList files;
+    bool hasDirectories = false;
+    /// Why the directory is not listed to its end; empty if it is.
+    QString error;
+};
+
+Listing listingOf(const std::filesystem::path& directory) {
+    Listing listing;
     std::error_code failure;
     const std::filesystem::directory_iterator end;
     for (std::filesystem::directory_iterator entry(directory, failure); !failure && entry != end;
          entry.increment(failure)) {
         std::error_code unknown;
-        if (!entry->is_regular_file(unknown)) continue;
+        if (!entry->is_regular_file(unknown)) {
+            listing.hasDirectories |= entry->is_directory(unknown);
+            continue;
+        }
         const QString name = pathFromSystem(entry->path().filename().native()).text;
-        if (!isHidden(name)) names += name;
+        if (!isHidden(name)) listing.files += name;
     }
-    if (failure) error = QString::fromStdString(failure.default_error_condition().message());
-    return names;
+    if (failure)
+        listing.error = QString::fromStdString(failure.default_error_condition().message());
+    return listing;
 }
 
 QStringList directoriesIn(const std::filesystem::path& directory) {
@@ -53,12 +64,11 @@ void addFilesOf(const QString& argument, bool isRecursive, std::vector<FoundFile
     while (!pending.isEmpty()) {
         const QString name = pending.takeLast();
         const std::filesystem::path path = systemPath(resolved(name));
-        FoundFile directory = {name, true};
-        const QStringList files = filesIn(path, directory.listingError);
-        if (!directory.listingError.isEmpty()) found.push_back(directory);
-        for (const QString& file : files)
+        const Listing listing = listingOf(path);
+        if (!listing.error.isEmpty()) found.push_back({name, true, listing.error});
+        for (const QString& file : listing.files)
             found.push_back({joined(name, file), true});
-        if (!isRecursive) continue;
+        if (!isRecursive || !listing.hasDirectories) continue;
         for (const QString& below : directoriesIn(path))
             pending += joined(name, below);
     }

@@ -1,13 +1,16 @@
+#include <tests/common/temporary_directory.h>
 #include <trvfiles/support/platform.h>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 namespace trv::platform {
 namespace {
@@ -43,6 +46,15 @@ TEST(PlatformOnPosix, TellsTheColumnsOfATerminal) {
     EXPECT_EQ(terminal_columns(Pseudoterminal(132).stream()), 132);
     EXPECT_EQ(terminal_columns(Pseudoterminal(1).stream()), 1);
     EXPECT_EQ(terminal_columns(Pseudoterminal(0).stream()), 80);
+}
+
+TEST(PlatformOnPosix, TakesNoPipeOrDeviceForARegularFile) {
+    const testing::TemporaryDirectory directory;
+    const std::filesystem::path pipe = directory / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(regular_file_exists(pipe));
+    EXPECT_FALSE(regular_file_exists(pipe.c_str()));
+    EXPECT_FALSE(regular_file_exists("/dev/null"));
 }
 
 }  // namespace

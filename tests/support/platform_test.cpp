@@ -19,6 +19,7 @@ using trv::platform::file_mode;
 using trv::platform::open_for_read;
 using trv::platform::open_for_write;
 using trv::platform::open_new;
+using trv::platform::regular_file_exists;
 using namespace std::string_literals;
 using namespace trv::testing;
 
@@ -162,6 +163,18 @@ TEST_F(Platform, DoesNotOpenADirectory) {
         EXPECT_EQ(open_for_read(directory_.path() / "", mode), nullptr);
         EXPECT_EQ(open_for_write(directory_.path(), mode), nullptr);
     }
+}
+
+TEST_F(Platform, DistinguishesRegularFiles) {
+    writeBytes(directory_ / "f", "x");
+    const std::string directory = directory_.path().string();
+    EXPECT_TRUE(regular_file_exists(directory_ / "f"));
+    EXPECT_TRUE(regular_file_exists(directory + "/f"));
+    EXPECT_FALSE(regular_file_exists(directory_.path()));
+    EXPECT_FALSE(regular_file_exists(directory));
+    EXPECT_FALSE(regular_file_exists(directory_ / "missing"));
+    EXPECT_FALSE(regular_file_exists(std::string()));
+    EXPECT_FALSE(regular_file_exists(static_cast<const char*>(nullptr)));
 }
 
 TEST_F(Platform, DoesNotOpenAPathBelowAFile) {

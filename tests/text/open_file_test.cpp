@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 using namespace std::string_literals;
 using namespace trv::testing;
 using trv::isReadable;
+using trv::isRegularFile;
 using trv::openForRead;
 using trv::openForWrite;
 using trv::platform::file_handle;
@@ -186,6 +187,21 @@ TEST_F(OpenFile, ReportsWhichFilesAreReadable) {
     EXPECT_FALSE(isReadable(QStringLiteral("")));
     EXPECT_FALSE(isReadable(path(L"f\0"s)));
     EXPECT_EQ(bytesOf(directory_ / "d/f"), "x");
+}
+
+TEST_F(OpenFile, ReportsWhichFilesAreRegular) {
+    const CurrentDirectory here(directory_.path());
+    writeBytes(directory_ / "f", "");
+    writeBytes(directory_ / "\xC3\xA4", "x");
+    fs::create_directory(directory_ / "d");
+    writeBytes(directory_ / "d/f", "x");
+    EXPECT_TRUE(isRegularFile(QStringLiteral("f")));
+    EXPECT_TRUE(isRegularFile(path(L"\u00E4")));
+    EXPECT_TRUE(isRegularFile(path(L"d\\f")));
+    EXPECT_FALSE(isRegularFile(path(L"d")));
+    EXPECT_FALSE(isRegularFile(path(L"missing")));
+    EXPECT_FALSE(isRegularFile(QString()));
+    EXPECT_FALSE(isRegularFile(path(L"f\0"s)));
 }
 
 TEST_F(OpenFile, ReadsForQtFromTheBeginningAndAgain) {

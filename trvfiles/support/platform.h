@@ -60,6 +60,13 @@ inline bool can_open_for_read(const std::string& runtime_path) {
     return can_open_for_read(runtime_path.c_str());
 }
 
+/// Whether the path leads to a regular file: to no directory, pipe or device. Opens nothing.
+bool regular_file_exists(const std::filesystem::path& path);
+bool regular_file_exists(const char* runtime_path);
+inline bool regular_file_exists(const std::string& runtime_path) {
+    return regular_file_exists(runtime_path.c_str());
+}
+
 /// Creates a file for writing, or empties an existing one; other processes may have it open too.
 ///
 /// @return the file, or nullptr with the reason in `errno`

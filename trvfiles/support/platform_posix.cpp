@@ -84,6 +84,11 @@ bool can_open(const char* path) {
     return true;
 }
 
+bool is_regular(const char* path) {
+    struct stat status = {};
+    return ::stat(path, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 int code_of(int result) {
     return result == 0 ? 0 : errno;
 }
@@ -163,6 +168,14 @@ bool can_open_for_read(const std::filesystem::path& path) {
 
 bool can_open_for_read(const char* runtime_path) {
     return can_open(system_path(runtime_path).c_str());
+}
+
+bool regular_file_exists(const std::filesystem::path& path) {
+    return is_regular(path.c_str());
+}
+
+bool regular_file_exists(const char* runtime_path) {
+    return is_regular(system_path(runtime_path).c_str());
 }
 
 file_handle open_for_write(const std::filesystem::path& path, file_mode) {

@@ -165,6 +165,16 @@ bool can_open_for_read(const char* runtime_path) {
     return open_for_read(runtime_path, file_mode::binary) != nullptr;
 }
 
+bool regular_file_exists(const std::filesystem::path& path) {
+    struct _stat64 status = {};
+    return ::_wstat64(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool regular_file_exists(const char* runtime_path) {
+    struct _stat64 status = {};
+    return ::_stat64(native_path(runtime_path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 file_handle open_for_write(const std::filesystem::path& path, file_mode mode) {
     return open_shared(path, L"w", L"wb", mode);
 }

@@ -13,14 +13,16 @@
 namespace trv {
 namespace {
 
+// Calls a function of the system with a path, with none for a path that names no file.
+//
 // A narrow name is used if it can hold every path: it takes fewer allocations than a
 // std::filesystem::path, which also splits the name into its parts.
-template <class Open>
-auto open(const QString& path, Open openPath) -> decltype(openPath(std::string())) {
+template <class Call>
+auto callWithName(const QString& path, Call call) -> decltype(call(std::string())) {
     if (!platform::narrow_text_is_utf8()) {
-        if (isOpenable(path)) return openPath(systemPath(path));
+        if (isOpenable(path)) return call(systemPath(path));
     } else if (std::string narrow; runtimePath(path, narrow)) {
-        return openPath(narrow);
+        return call(narrow);
     }
     errno = ENOENT;
     return {};
@@ -53,22 +55,26 @@ bool passToQt(const platform::file_handle& handle, QFile& file, QIODevice::OpenM
 
 platform::file_handle openForRead(const QString& path, platform::file_mode mode,
                                   CFileFault* fault) {
-    platform::file_handle handle =
-        open(path, [mode](const auto& name) { return platform::open_for_read(name, mode); });
+    platform::file_handle handle = callWithName(
+        path, [mode](const auto& name) { return platform::open_for_read(name, mode); });
     if (handle == nullptr) setOpenFault(fault, path);
     return handle;
 }
 
 platform::file_handle openForWrite(const QString& path, platform::file_mode mode,
                                    CFileFault* fault) {
-    platform::file_handle handle =
-        open(path, [mode](const auto& name) { return platform::open_for_write(name, mode); });
+    platform::file_handle handle = callWithName(
+        path, [mode](const auto& name) { return platform::open_for_write(name, mode); });
     if (handle == nullptr) setOpenFault(fault, path);
     return handle;
 }
 
 bool isReadable(const QString& path) {
-    return open(path, [](const auto& name) { return platform::can_open_for_read(name); });
+    return callWithName(path, [](const auto& name) { return platform::can_open_for_read(name); });
+}
+
+bool isRegularFile(const QString& path) {
+    return callWithName(path, [](const auto& name) { return platform::regular_file_exists(name); });
 }
 
 bool openForRead(const QString& path, platform::file_handle& handle, QFile& file,

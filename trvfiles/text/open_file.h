@@ -35,6 +35,9 @@ platform::file_handle openForWrite(const QString& path, platform::file_mode mode
 /// of a pipe.
 bool isReadable(const QString& path);
 
+/// Whether a path leads to a regular file. Nothing is opened.
+bool isRegularFile(const QString& path);
+
 /// Opens a file, or a resource of the host (":/x"), for Qt's readers.
 ///
 /// @param handle  takes the open file, which `file` reads without owning it: has to outlive `file`
