@@ -5,7 +5,7 @@ set(ENV{TRVHOME} "${INSTALLATION}")
 foreach(variable IN ITEMS TRV_TRVFILES_VERBOSE ENVPATH CFGPATH SPINDLE_LIMIT)
   unset(ENV{${variable}})
 endforeach()
-execute_process(COMMAND ${PROGRAM} "${PROJECT}"
+execute_process(COMMAND ${PROGRAM} "${PROJECT}" WORKING_DIRECTORY "${PROJECT}"
   OUTPUT_VARIABLE printed ERROR_VARIABLE complaint RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
   message(FATAL_ERROR "The sample ends with ${status}:\n${complaint}")

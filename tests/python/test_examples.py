@@ -1,4 +1,4 @@
-"""The programs of examples/python and the samples of docs/python.md do what they say."""
+"""The programs of examples/python and the samples of the pages do what they say."""
 
 import ast
 import csv
@@ -82,6 +82,13 @@ def test_a_sample_of_the_page_prints_what_the_page_shows(project, run_python, sa
     printed = run_python(f"import os; os.chdir({project.name!r})\n"
                          + sample.replace("/opt/shop", installation))
     assert printed.replace(installation, "/opt/shop") == expected
+
+
+def test_the_sample_of_the_first_page_prints_what_the_page_shows(project, run_python):
+    page = (REPOSITORY / "README.md").read_text(encoding="utf-8")
+    sample, expected = re.search(r"```python\n(.*?)```\n.*?\n```\n(.*?)```", page, re.DOTALL).groups()
+    assert expected.startswith("geometry/base-plate.stl  0 0 0\n")
+    assert run_python(f"import os; os.chdir({project.name!r})\n" + sample) == expected
 
 
 def test_the_page_names_only_what_the_package_has():
