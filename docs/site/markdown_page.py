@@ -1,4 +1,5 @@
-"""Headings, links and code spans of a page of the repository."""
+"""Headings, links and code spans of a page of the repository, and its place on the site."""
+import os.path
 import re
 
 _FENCED = re.compile(r"^(```+)[^\n]*\n.*?^\1[ \t]*$", re.MULTILINE | re.DOTALL)
@@ -39,11 +40,28 @@ def replace_headings(part, replace):
     return _HEADING.sub(lambda match: replace(match[1], match[2]), part)
 
 
-def anchors(text):
-    """The anchors of the headings of a page."""
+def headings(text):
+    """The headings of a page, each with its anchor."""
     known = Anchors()
-    return {known.add(heading[2]) for is_fenced, part in split_fences(text) if not is_fenced
-            for heading in _HEADING.finditer(part)}
+    for is_fenced, part in split_fences(text):
+        if not is_fenced:
+            for heading in _HEADING.finditer(part):
+                yield heading[2], known.add(heading[2])
+
+
+def site_name(page):
+    """The name of the page of the site that shows a page of the repository."""
+    return os.path.splitext(os.path.basename(page))[0].lower()
+
+
+def site_anchor(page, anchor):
+    """An anchor on the site. Doxygen has one name space for the anchors of all pages."""
+    return f"{site_name(page)}-{anchor}"
+
+
+def site_page(page, anchor):
+    """Where the site has an anchor of a page; an empty one is the page."""
+    return f"{site_name(page)}.html" + (f"#{site_anchor(page, anchor)}" if anchor else "")
 
 
 def links(text):
