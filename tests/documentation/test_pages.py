@@ -117,6 +117,9 @@ class PageFilter(Files):
                    "`plain_name` <code>a\\\\b</code> <code>'\\%f'</code> <code>&amp;lt;</code> "
                    "<code>x`\\\\</code>\n")
 
+    def test_keeps_the_escape_of_a_bar_in_a_table(self):
+        self.check("| `a\\|b` | `a\\\\b` |\n", "| <code>a\\|b</code> | <code>a\\\\\\\\b</code> |\n")
+
     def test_leaves_fenced_blocks_and_images_alone(self):
         text = "```\n# a [b](c.md) `\\`\n```\n![x](viewer.png)\n"
         self.check(text, text)
