@@ -1,4 +1,4 @@
-"""Reads and writes the project files of a machining workstation, and uses its installation.
+"""Reads and writes the project files of a machining workstation, and uses its installation::
 
     assembly = trvfiles.read_assembly("bracket.xml")
     for component in assembly:
@@ -26,6 +26,7 @@ from trvfiles.geometry import Matrix, Orientation, Vector
 from trvfiles.machine_context import MachineContext, read_machine_context
 
 __version__ = library_version()
+"""The version of the loaded library."""
 
 __all__ = [
     "Assembly", "Axis", "Children", "Component", "ConfigurationError", "ContentError",

@@ -32,7 +32,7 @@ def tuples(address: int, count: int, code: str) -> Iterator[Tuple[Any, ...]]:
 
 
 class Texts:
-    """Texts in UTF-8 one after the other; a column of them has `count` + 1 offsets."""
+    """Texts in UTF-8 one after the other; a column of them has ``count`` + 1 offsets."""
 
     def __init__(self, address: int, length: int, count: int) -> None:
         self._data = ctypes.string_at(address, length) if length else b""

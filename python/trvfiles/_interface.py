@@ -159,7 +159,7 @@ def version() -> str:
 
 
 class Handle:
-    """An object of the library, released at the end of a `with`."""
+    """An object of the library, released at the end of a ``with``."""
 
     def __init__(self, value: int) -> None:
         self.value = value

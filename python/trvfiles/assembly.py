@@ -35,7 +35,7 @@ class Placement(NamedTuple):
 class Assembly:
     """An assembly: its overall size and a tree of components.
 
-    Iterating over it gives all components in document order; len() is their number. `==` compares
+    Iterating over it gives all components in document order; len() is their number. ``==`` compares
     as the library does: numbers with a tolerance of 1e-6, and vec3 not at all.
     """
 

@@ -12,6 +12,7 @@ class DefaultContext(NamedTuple):
     """The default one among names of contexts."""
 
     name: str
+    """One of the names, as it was given."""
     position: int
     """Its machine position, from 1."""
 
@@ -20,7 +21,9 @@ class CreatedContext(NamedTuple):
     """The names of the files that were created."""
 
     context_file: str
+    """The machine context file."""
     reference_file: str
+    """The reference file: a copy of the axis file, to which the context refers."""
 
 
 def context_directory() -> str:
@@ -35,7 +38,7 @@ def context_directory() -> str:
 def favorite_contexts(directory: PathLike = "") -> List[str]:
     """The favourite contexts below a directory, by default that of the installation.
 
-    None if the directory cannot be listed. Raises ConfigurationError.
+    The list is empty if the directory cannot be listed. Raises ConfigurationError.
     """
     with runtime_lock:
         return call_for_texts("catalogue_list", path_argument(directory))
@@ -69,7 +72,7 @@ def create_context(directory: PathLike, machine: str, *, axis_file: str = "",
                    context_file: str = "") -> CreatedContext:
     """Creates a context for a machine, with its reference file.
 
-    The axis file is copied in the current directory, which has to be the same as `directory`.
+    The axis file is copied in the current directory, which has to be the same as ``directory``.
     Raises Error if the axis file does not exist, if one of the files to create exists, or if one
     cannot be written.
 

@@ -16,8 +16,9 @@ ROOT_INDEX = -1
 class Component:
     """A component: its fields, and its children in their order.
 
-    A component has one parent at most. copy(), the module copy and pickle make copies without a
-    parent. Two components are equal if they are the same object; see differences().
+    All properties can be set, except world, parent, index and path. A component has one parent at
+    most. copy(), the module copy and pickle make copies without a parent. Two components are
+    equal if they are the same object; see differences().
     """
 
     # _index is the last known index among the siblings, or ROOT_INDEX for the root of an assembly.
@@ -121,7 +122,7 @@ class Component:
 
     @property
     def world(self) -> Matrix:
-        """The placement in the world: `matrix @ parent.world`."""
+        """The placement in the world: ``matrix @ parent.world``."""
         world = self.matrix
         for parent in self.ancestors():
             world = world @ parent.matrix
@@ -189,8 +190,8 @@ class Component:
     def find(self, path: str) -> "Component":
         """The component of a path that begins with a child of this one.
 
-        See the property `path`. An index may be left out after a name that no sibling has.
-        Raises PathError.
+        See the property `path`. An index may be left out after a name that no sibling has. Raises
+        PathError.
         """
         component = self
         for part in path.split("/"):

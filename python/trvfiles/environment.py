@@ -34,6 +34,7 @@ class Explanation(NamedTuple):
     """Why a variable has its value."""
 
     name: str
+    """The name, as it was given."""
     value: str
     """The value, in which references are not expanded."""
     origin: str

@@ -9,22 +9,39 @@ class Status(enum.IntEnum):
     """Why a call failed: the statuses of the C interface."""
 
     OPEN_ERROR = 2
+    """A file could not be opened, or a machine context could not be parsed at all or saved."""
     SHORT_WRITE = 3
+    """A file was opened, but not all of its text could be written."""
     CONTENT_ERROR = 4
+    """Something that a file needs is missing or malformed, or an object cannot be written."""
     STRUCTURE_ERROR = 5
+    """A file holds something else: a wrong root element, or a root component that is broken."""
     BAD_HANDLE = 100
+    """A handle of the C interface is not valid."""
     BAD_ARGUMENT = 101
+    """An argument is outside of its range."""
     BAD_TEXT = 102
+    """A text is not UTF-8, too long, or not in the code page of a Windows program."""
     OUT_OF_MEMORY = 103
+    """Memory ran out."""
     FATAL_REPORT = 104
+    """The runtime has sent a message to its fatal channel."""
     FAILED = 105
+    """The operation failed, and the library knows no more than the reason says."""
     INTERNAL_ERROR = 106
+    """An exception that the library does not expect."""
     NOT_FOUND = -21
+    """The file, section or entry does not exist."""
     SYNTAX_ERROR = -31
+    """A name in brackets has no closing bracket."""
     BUFFER_TOO_SMALL = -32
+    """A path does not fit the buffers of a search."""
     NAME_TOO_LONG = -42
+    """An expansion has no end, or a search got a text that is too long."""
     UNDEFINED = -43
+    """A variable is not defined."""
     NO_FILE_NAME = -44
+    """A search reference has no name of a file."""
 
 
 class Note(NamedTuple):
@@ -55,7 +72,7 @@ class Note(NamedTuple):
 class Error(Exception):
     """A call of the library failed.
 
-    str() of it is "FILE:LINE:COLUMN: REASON", without what is not known. FILE is "<bytes>" if the
+    str() of it is ``FILE:LINE:COLUMN: REASON``, without what is not known. FILE is "<bytes>" if the
     reason refers to a line of bytes.
     """
 
@@ -106,15 +123,18 @@ class Error(Exception):
 
 
 class FileError(Error, OSError):
-    """A file could not be opened or written. `errno` and `filename` are those of OSError."""
+    """A file could not be opened or written. It has the attributes of OSError, too."""
 
     def __init__(self, status: Status, reason: str, file: Optional[str] = None, line: int = 0,
                  column: int = 0, system_error: int = 0, notes: Tuple[Note, ...] = (),
                  cause: str = "", subject: str = "") -> None:
         super().__init__(status, reason, file, line, column, system_error, notes, cause, subject)
         self.errno = system_error
+        """The same as ``system_error``."""
         self.filename = file
+        """The same as ``file``."""
         self.strerror = reason
+        """The same as ``reason``."""
 
 
 class MissingFileError(FileError, FileNotFoundError):

@@ -80,7 +80,7 @@ class Matrix(Tuple[Row, Row, Row, Row]):
         return self[0] + self[1] + self[2] + self[3]
 
     def __matmul__(self, parent: "Matrix") -> "Matrix":
-        """`local @ parent`: the placement in the frame to which the parent refers."""
+        """``local @ parent``: the placement in the frame to which the parent refers."""
         if not isinstance(parent, Matrix):
             return NotImplemented
         columns = tuple(zip(*parent))

@@ -24,6 +24,7 @@ public:
     CComponentInfo(std::string fileName, const double vec1[3], const double vec2[3],
                    const double vec3[3], const double translation[3]);
 
+    /// Copies and moves all fields.
     CComponentInfo(const CComponentInfo& other);
     CComponentInfo(CComponentInfo&& other) noexcept;
     CComponentInfo& operator=(const CComponentInfo& other);

@@ -34,6 +34,7 @@ struct ComponentBody;
 /// Threads: const operations may run at once on one object; anything else needs it alone.
 class TRV_EXPORT CTrvAssemblyComponentData {
 public:
+    /// Constructs a component with the defaults, or copies or moves a whole subtree.
     CTrvAssemblyComponentData();
     CTrvAssemblyComponentData(const CTrvAssemblyComponentData& other);
     CTrvAssemblyComponentData(CTrvAssemblyComponentData&& other) noexcept;

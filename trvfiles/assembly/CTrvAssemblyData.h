@@ -24,6 +24,7 @@
 /// Threads: const operations may run at once on one object; anything else needs it alone.
 class TRV_EXPORT CTrvAssemblyData {
 public:
+    /// Constructs an assembly with the defaults, or copies or moves all components.
     CTrvAssemblyData();
     CTrvAssemblyData(const CTrvAssemblyData& other);
     CTrvAssemblyData(CTrvAssemblyData&& other) noexcept;

@@ -106,13 +106,18 @@ public:
         /// Compared by the place in the list, which is not to change during a loop.
         class Iterator {
         public:
+            /// Refers to the child of this index.
             Iterator(Node& parent, std::size_t index) : parent_(&parent), index_(index) {}
+            /// The child.
             Node& operator*() const { return parent_->getChild(index_); }
+            /// Goes on to the next child.
             Iterator& operator++() {
                 ++index_;
                 return *this;
             }
+            /// Whether both refer to the same index.
             bool operator==(const Iterator& other) const { return index_ == other.index_; }
+            /// Whether they refer to different indices.
             bool operator!=(const Iterator& other) const { return index_ != other.index_; }
 
         private:
@@ -120,7 +125,9 @@ public:
             std::size_t index_;
         };
 
+        /// Refers to a node, which has to live longer.
         explicit Children(Node& parent) : parent_(parent) {}
+        /// The first child, and the end of the children.
         Iterator begin() const { return {parent_, 0}; }
         Iterator end() const { return {parent_, parent_.getChildCount()}; }
 
@@ -128,6 +135,7 @@ public:
         Node& parent_;
     };
 
+    /// The children, in their order.
     Children<const CTrvAssemblyNode> children() const;
     Children<CTrvAssemblyNode> children();
 
@@ -158,6 +166,7 @@ public:
     bool visit(const Visitor& visitor);
 
 protected:
+    /// Only components construct, move and destroy their base.
     CTrvAssemblyNode() = default;
     CTrvAssemblyNode(CTrvAssemblyNode&&) noexcept = default;
     ~CTrvAssemblyNode() = default;

@@ -32,11 +32,12 @@
 /// Threads: one at a time, with the whole runtime.
 class TRV_EXPORT CMachineContextUtils {
 public:
+    /// The class has no members, so copying and assigning do nothing.
     CMachineContextUtils() = default;
     CMachineContextUtils(const CMachineContextUtils& other) = default;
     ~CMachineContextUtils() = default;
 
-    // The class has no members, so assigning does nothing.
+    /// Does nothing.
     CMachineContextUtils& operator=(const CMachineContextUtils& other);
     CMachineContextUtils& operator=(CMachineContextUtils&& other) noexcept;
 

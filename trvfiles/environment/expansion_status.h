@@ -5,6 +5,7 @@
 
 namespace trv {
 
+/// What an expansion or a search returns.
 enum expansion_status : int {
     EXP_OK = 0,
     EXP_NOT_FOUND = -21,         ///< from a search: no such file

@@ -12,6 +12,7 @@
 
 namespace trv {
 
+/// How a text ends in a buffer.
 enum string_format : std::uint32_t {
     STRING_FORMAT_F = 0,  ///< a field of fixed length, padded with blanks and not terminated
     STRING_FORMAT_C = 1,  ///< a NUL-terminated text

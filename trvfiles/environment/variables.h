@@ -18,6 +18,8 @@
 #include <cstddef>
 #include <string>
 
+/// The runtime: variables, expansion, search, message files, channels and memory. The functions are
+/// described with their headers, which say from which threads they may be called.
 namespace trv {
 
 /// The value of a variable, searched in this order:

@@ -68,6 +68,7 @@ public:
     explicit CQvFilesIO(const std::string& directory);
     explicit CQvFilesIO(const std::wstring& directory);
 
+    /// Copies the directory.
     CQvFilesIO(const CQvFilesIO& other);
     CQvFilesIO& operator=(const CQvFilesIO& other);
     ~CQvFilesIO();

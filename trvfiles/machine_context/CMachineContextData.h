@@ -21,6 +21,7 @@
 /// Threads: const operations may run at once on one object; anything else needs it alone.
 class TRV_EXPORT CMachineContextData {
 public:
+    /// Constructs an empty record, or copies or moves all fields.
     CMachineContextData();
     CMachineContextData(const CMachineContextData& other);
     CMachineContextData(CMachineContextData&& other) noexcept;

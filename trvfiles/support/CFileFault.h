@@ -84,6 +84,7 @@ struct CFileFault {
             cutReference,
         };
 
+        /// What was altered, for programs.
         Kind kind = Kind::notText;
         /// The line of the file, counted from 1; 0 if the note is about no line.
         int line = 0;
@@ -142,6 +143,7 @@ struct CFileFault {
         missingKey,
     };
 
+    /// Why the call has failed, for programs.
     Cause cause = Cause::none;
     /// What the cause is about, in UTF-8; empty unless the cause says what it is.
     std::string subject;

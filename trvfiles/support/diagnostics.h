@@ -31,9 +31,11 @@ using context_message_handler = void (*)(const char* message, void* context);
 /// The handler of a channel: one with a context, one without, or, if both are nullptr, the default
 /// one. If both are set, the one with a context counts.
 struct channel_handler {
+    /// Gets `context` with each message.
     context_message_handler with_context = nullptr;
     /// Passed to `with_context`; has to live until the handler is replaced. May be nullptr.
     void* context = nullptr;
+    /// Gets the message alone.
     message_handler plain = nullptr;
 };
 

@@ -21,6 +21,7 @@
 
 namespace trv {
 
+/// The tags in the headers of permanent, temporary and freed blocks.
 inline constexpr std::uint32_t permanent_tag = 0x75A5A5A5;
 inline constexpr std::uint32_t temporary_tag = 0x7C0DCAB4;
 inline constexpr std::uint32_t freed_tag = 0x7D0ECBB5;
@@ -47,6 +48,7 @@ TRV_EXPORT void* _Wrealloc(std::uint32_t tag, void* block, std::size_t size);
 /// @return 0, also for nullptr; -1 after a fatal report if the block has been freed or is not one
 TRV_EXPORT int _Wfree(void* block);
 
+/// _Wmalloc() and _Wrealloc() with the tag that the name says.
 TRV_EXPORT void* allocate_permanent(std::size_t size);
 TRV_EXPORT void* resize_permanent(void* block, std::size_t size);
 TRV_EXPORT void* allocate_temporary(std::size_t size);
