@@ -77,6 +77,9 @@ void addIntroduction(RoffPage& page) {
               QStringLiteral("One placement, its inverse and up to three tags, as text."));
     page.item(roffBold(QStringLiteral("machine context")),
               QStringLiteral("How a part is set up on a machine, as text in sections."));
+    page.paragraph(QStringLiteral(
+        "The examples of this page work in the directory examples/sample-project/project of the "
+        "sources."));
 }
 
 void addOptions(RoffPage& page) {
@@ -105,8 +108,8 @@ void addInputAndOutput(RoffPage& page) {
     page.paragraph(QStringLiteral(
         "Every command that reads a file takes the name '-' for standard input, and reads pipes. "
         "Both are read to their end first, and kept in a temporary file of at most 4 GiB. A file "
-        "of this name is './-'. Commands that write refuse '-' as the name of the file; the page "
-        "of 'view' goes to standard output with it."));
+        "of this name is './-'. Commands that write a file refuse '-' as its name, except for "
+        "'view -o -', which prints the page."));
     page.subsection(QStringLiteral("Results and messages"));
     page.paragraph(QStringLiteral(
         "Results alone go to standard output. Errors and notes go to standard error. With --json "
@@ -141,7 +144,7 @@ void addEnvironment(RoffPage& page) {
     page.section(QStringLiteral("ENVIRONMENT"));
     variable("NO_COLOR", QStringLiteral("If it is not empty, there are no colours without "
                                         "--color=always."));
-    variable("TERM", QStringLiteral("If it is 'dumb', the same."));
+    variable("TERM", QStringLiteral("The value 'dumb' has the same effect."));
     variable("TMPDIR",
              QStringLiteral("The directory for the copies of standard input and of pipes. "
                             "Without it, this is /tmp."));
@@ -173,7 +176,7 @@ void addFiles(RoffPage& page) {
          QStringLiteral("The first configuration file of an installation. Those in the directories "
                         "of the path list ENV follow."));
     file("$TRVHOME/standard/machine_context",
-         QStringLiteral("The favourite machine contexts, without TRV_MCTX_DEF."));
+         QStringLiteral("The favourite machine contexts, if TRV_MCTX_DEF is not set."));
     file("FILE.mctx.messages.tmp",
          QStringLiteral("The new text of a machine context while it is written. It then replaces "
                         "the old file."));

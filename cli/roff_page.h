@@ -11,8 +11,8 @@
 
 namespace trv::cli {
 
-/// A text that roff prints as it is, unless a line of the page begins with its full stop. The hyphens
-/// are those of options, so that a call can be copied from the page.
+/// A text that roff prints as it is, unless a line of the page begins with its full stop. The
+/// hyphens are those of options, so that a call can be copied from the page.
 QString roffText(const QString& text);
 
 /// The same in bold: what is typed literally.
