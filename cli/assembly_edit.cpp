@@ -182,8 +182,8 @@ Command assemblyEditCommand() {
         "Prints the changes of each file as 'assembly diff' does. A PATH is that of\n"
         "'assembly diff'; an index may be left out after a name that no sibling has. A\n"
         "key is name, comment, translation (X,Y,Z) or enabled (0 or 1). A file with an\n"
-        "edit that fails is not written, and the others are. Every edit may be given\n"
-        "several times.\n");
+        "edit that fails is not written, and the others are. An EDIT is --rename-file,\n"
+        "--set, --enable or --disable; each may be given several times.\n");
     command.examples += QStringLiteral(
         "trvfiles assembly edit --rename-file geometry/vise-jaw.stl=j.stl bracket.xml");
     command.examples +=

@@ -40,7 +40,8 @@ struct Command {
 
     /// The words after "trvfiles", for example "assembly tree".
     QString name;
-    /// The arguments after the name, as in the help.
+    /// The arguments after the name, as in the help; empty if there are none. A further call is on
+    /// a line of its own, indented and with the name.
     QString arguments;
     /// One line for the list of commands.
     QString summary;
@@ -71,6 +72,7 @@ CommandGroup contextCommands();
 CommandGroup envCommands();
 CommandGroup helpCommand();
 CommandGroup completionCommand();
+CommandGroup manualCommand();
 
 /// Prints why a call is rejected, and the call that prints the help.
 ///

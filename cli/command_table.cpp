@@ -14,6 +14,7 @@ CommandGroup allCommands() {
              envCommands(),
              helpCommand(),
              completionCommand(),
+             manualCommand(),
          }) {
         commands.insert(commands.end(), group.begin(), group.end());
     }

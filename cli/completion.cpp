@@ -149,7 +149,11 @@ QString zshCompletion(const CommandGroup& commands) {
                "        directories) _files -/ ;;\n"
                "    esac\n"
                "}\n"
-               "compdef _trvfiles trvfiles\n");
+               "if [[ ${funcstack[1]-} == _trvfiles ]]; then\n"
+               "    _trvfiles \"$@\"\n"
+               "else\n"
+               "    compdef _trvfiles trvfiles\n"
+               "fi\n");
 }
 
 QString fishCompletion(const CommandGroup& commands) {

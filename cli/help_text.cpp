@@ -57,9 +57,10 @@ QString explanation(const Command& command) {
     for (const QString& example : command.examples)
         examples += QLatin1String("  ") % example % QLatin1Char('\n');
     if (!examples.isEmpty()) examples.prepend(QLatin1String("\nExamples:\n"));
-    return QStringLiteral("Usage: trvfiles %1 %2\n\n%3.\n%4\nOptions:\n%5%6")
-        .arg(command.name, command.arguments, command.summary, command.details, table(lines),
-             examples);
+    const QString arguments =
+        command.arguments.isEmpty() ? QString() : QLatin1Char(' ') % command.arguments;
+    return QStringLiteral("Usage: trvfiles %1%2\n\n%3.\n%4\nOptions:\n%5%6")
+        .arg(command.name, arguments, command.summary, command.details, table(lines), examples);
 }
 
 }  // namespace trv::cli

@@ -1,6 +1,7 @@
 // Runs the examples of the pages about the command.
 
 #include <cli/command_table.h>
+#include <cli/manual_page.h>
 #include <cli/page_parts.h>
 #include <tests/cli/env_sample.h>
 #include <tests/cli/process.h>
@@ -160,6 +161,17 @@ TEST_F(CommandPage, TheExamplesOfTheHelpSucceed) {
             EXPECT_LE(process_.run(arguments), 1) << call;
             EXPECT_EQ(process_.err(), "") << call;
         }
+    }
+}
+
+TEST_F(CommandPage, TheExamplesOfTheManualSucceed) {
+    for (const cli::ManualExample& example : cli::manualExamples()) {
+        const QStringList words =
+            wordsOf(example.call.toStdString(), QDir(QString::fromStdString(project_)));
+        ASSERT_EQ(words.first(), QStringLiteral("trvfiles"));
+        const int status = process_.run(words.mid(1));
+        EXPECT_TRUE(status == 0 || status == 1) << example.call.toStdString() << process_.err();
+        EXPECT_NE(process_.out() + process_.err(), "");
     }
 }
 

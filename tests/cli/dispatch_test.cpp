@@ -38,6 +38,7 @@ constexpr const char* overview =
     "  env check        Check message and configuration files\n"
     "  help             Explain a command\n"
     "  completion       Print a script that completes calls in a shell\n"
+    "  manual           Print the manual page of trvfiles\n"
     "\n"
     "'trvfiles help COMMAND' explains a command, with examples.\n"
     "'trvfiles --version' prints the version.\n"
@@ -109,7 +110,8 @@ TEST(Dispatch, ExplainsEveryCommand) {
         const Answer answer = answerTo(cli::wordsOf(command) + words("--help"));
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.err, "");
-        EXPECT_EQ(answer.out.find("Usage: trvfiles " + command.name.toStdString() + ' '), 0U);
+        const std::string end = command.arguments.isEmpty() ? "\n" : " ";
+        EXPECT_EQ(answer.out.find("Usage: trvfiles " + command.name.toStdString() + end), 0U);
         EXPECT_NE(answer.out.find("\n\nOptions:\n"), std::string::npos);
         EXPECT_NE(answer.out.find("\n\nExamples:\n"), std::string::npos);
         EXPECT_LE(maxLineLength(answer.out), 80U) << answer.out;
