@@ -64,8 +64,8 @@ QString roffItalic(const QString& text) {
 // is divided by a hyphen is another name. The macros of groff turn it on for each paragraph, unless
 // the register HY is 0.
 RoffPage::RoffPage(const QString& name, const QString& source) {
-    line(QLatin1String(".TH ") % roffText(name) % QLatin1String(" 1 \"\" \"") % roffText(source) %
-         QLatin1String("\" \"User Commands\""));
+    line(QLatin1String(".TH ") % roffText(name) % QLatin1String(R"( 1 "" ")") % roffText(source) %
+         QLatin1String(R"(" "User Commands")"));
     line(QStringLiteral(".ad l\n.nh\n.nr HY 0"));
 }
 
