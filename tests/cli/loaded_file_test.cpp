@@ -3,6 +3,7 @@
 #include <tests/cli/samples.h>
 #include <tests/common/file_bytes.h>
 #include <tests/common/temporary_directory.h>
+#include <trvfiles/support/platform.h>
 
 #include <gtest/gtest.h>
 
@@ -84,7 +85,9 @@ TEST_F(LoadedFiles, ReadTheSameFromBytesAndFromTheFile) {
 
 TEST_F(LoadedFiles, ReportAReadThatFails) {
     const QString memory = QStringLiteral("/proc/self/mem");
-    if (!std::filesystem::exists("/proc/self/mem")) GTEST_SKIP() << "no file fails when it is read";
+    if (platform::backslash_separates() || !std::filesystem::exists("/proc/self/mem")) {
+        GTEST_SKIP() << "no file here fails when it is read";
+    }
     LoadedFile file;
     EXPECT_FALSE(load(memory, file));
     EXPECT_FALSE(file.isWhole);

@@ -1,11 +1,11 @@
-# Runs a sample and compares its output with the page. Called with -P and -DPROGRAM, -DPROJECT,
-# -DINSTALLATION, -DEXPECTED.
+# Runs a sample in DIRECTORY and compares its output with the page. Called with -P and -DPROGRAM,
+# -DDIRECTORY, -DPROJECT, -DINSTALLATION, -DEXPECTED. PROJECT is DIRECTORY as the program names it.
 
 set(ENV{TRVHOME} "${INSTALLATION}")
 foreach(variable IN ITEMS TRV_TRVFILES_VERBOSE ENVPATH CFGPATH SPINDLE_LIMIT)
   unset(ENV{${variable}})
 endforeach()
-execute_process(COMMAND ${PROGRAM} "${PROJECT}" WORKING_DIRECTORY "${PROJECT}"
+execute_process(COMMAND ${PROGRAM} "${PROJECT}" WORKING_DIRECTORY "${DIRECTORY}"
   OUTPUT_VARIABLE printed ERROR_VARIABLE complaint RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
   message(FATAL_ERROR "The sample ends with ${status}:\n${complaint}")
