@@ -32,7 +32,8 @@ public:
 
     // Whether a character is there that is not escaped.
     bool has(int at, char separator) const {
-        return at < size() && text_.at(at) == QLatin1Char(separator) && !isEscaped_.at(at);
+        return at < size() && text_.at(at) == QLatin1Char(separator) &&
+               !isEscaped_.at(static_cast<std::size_t>(at));
     }
 
     bool has(int at, const QString& name) const { return text_.midRef(at, name.size()) == name; }
