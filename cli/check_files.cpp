@@ -52,7 +52,7 @@ Content readContent(const LoadedFile& file, FileReport& report, const CheckOptio
             break;
         }
         case FileKind::unknown:
-            content.problem = noKind(file);
+            content.problem = whyKindIsUnknown(file);
             break;
     }
     return content;

@@ -163,7 +163,7 @@ Problem readablePath(const QString& name, QString& path) {
     return isPipeOrDevice(path) ? notRegular() : Problem();
 }
 
-Problem noKind(const LoadedFile& file) {
+Problem whyKindIsUnknown(const LoadedFile& file) {
     if (file.readError != 0) return systemProblem(eFileIOContentError, file.readError);
     if (file.beginning.empty()) {
         return {eFileIOContentError, QStringLiteral("the file is empty"), 0, 0,
@@ -179,7 +179,7 @@ Problem findKind(const QString& name, FileKind& kind) {
     LoadedFile file;
     if (Problem problem = load(name, file)) return problem;
     kind = file.kind();
-    return kind == FileKind::unknown ? noKind(file) : Problem();
+    return kind == FileKind::unknown ? whyKindIsUnknown(file) : Problem();
 }
 
 Problem readAssembly(const QString& name, CTrvAssemblyData& data, Notes* notes) {

@@ -94,8 +94,8 @@ Problem readablePath(const QString& name, QString& path);
 /// @param kind  FileKind::unknown if there is a problem
 Problem findKind(const QString& name, FileKind& kind);
 
-/// The problem of a file that is no project file.
-Problem noKind(const LoadedFile& file);
+/// Why the kind of a file is unknown: reading fails, it is empty, or it has another content.
+Problem whyKindIsUnknown(const LoadedFile& file);
 
 using Notes = std::vector<CFileFault::Note>;
 

@@ -13,14 +13,14 @@ namespace {
 void readUpTo(std::size_t length, std::FILE* stream, LoadedFile& file) {
     constexpr std::size_t blockLength = 65536;
     char block[blockLength];
-    for (bool isAtEnd = false; !isAtEnd && file.beginning.size() < length;) {
+    while (file.beginning.size() < length) {
         errno = 0;
         const std::size_t read = std::fread(block, 1, sizeof block, stream);
         file.beginning.append(block, read);
-        isAtEnd = read < sizeof block;
-        if (!isAtEnd) continue;
+        if (read == sizeof block) continue;
         file.isWhole = std::ferror(stream) == 0;
-        file.readError = file.isWhole ? 0 : errno;
+        if (!file.isWhole) file.readError = errno;
+        return;
     }
 }
 

@@ -92,7 +92,8 @@ TEST_F(LoadedFiles, ReportAReadThatFails) {
     EXPECT_FALSE(load(memory, file));
     EXPECT_FALSE(file.isWhole);
     EXPECT_EQ(file.kind(), FileKind::unknown);
-    EXPECT_EQ(problemText(noKind(file)).toStdString(), "eFileIOContentError: Input/output error");
+    EXPECT_EQ(problemText(whyKindIsUnknown(file)).toStdString(),
+              "eFileIOContentError: Input/output error");
 }
 
 }  // namespace

@@ -40,6 +40,14 @@ protected:
         return QString::fromStdWString(directory_.wide() + L"/" + name);
     }
 
+    /// Two files, one of them with a name beyond ASCII, and a directory with a file.
+    void makeFiles() const {
+        writeBytes(directory_ / "f", "");
+        writeBytes(directory_ / "\xC3\xA4", "x");
+        fs::create_directory(directory_ / "d");
+        writeBytes(directory_ / "d/f", "x");
+    }
+
     /// The content of the file, or "<none>" if it does not open.
     static std::string read(const QString& path, file_mode mode = file_mode::binary) {
         const file_handle file = openForRead(path, mode);
@@ -172,10 +180,7 @@ TEST_F(OpenFile, SharesItsFileWithOthers) {
 
 TEST_F(OpenFile, ReportsWhichFilesAreReadable) {
     const CurrentDirectory here(directory_.path());
-    writeBytes(directory_ / "f", "");
-    writeBytes(directory_ / "\xC3\xA4", "x");
-    fs::create_directory(directory_ / "d");
-    writeBytes(directory_ / "d/f", "x");
+    makeFiles();
     EXPECT_TRUE(isReadable(QStringLiteral("f")));
     EXPECT_TRUE(isReadable(path(L"f")));
     EXPECT_TRUE(isReadable(path(L"\u00E4")));
@@ -191,10 +196,7 @@ TEST_F(OpenFile, ReportsWhichFilesAreReadable) {
 
 TEST_F(OpenFile, ReportsWhichFilesAreRegular) {
     const CurrentDirectory here(directory_.path());
-    writeBytes(directory_ / "f", "");
-    writeBytes(directory_ / "\xC3\xA4", "x");
-    fs::create_directory(directory_ / "d");
-    writeBytes(directory_ / "d/f", "x");
+    makeFiles();
     EXPECT_TRUE(isRegularFile(QStringLiteral("f")));
     EXPECT_TRUE(isRegularFile(path(L"\u00E4")));
     EXPECT_TRUE(isRegularFile(path(L"d\\f")));
